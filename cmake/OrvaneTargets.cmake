@@ -1,0 +1,47 @@
+# How every target of the tree is made.
+#
+# A library sees only the headers of the libraries it links: each folder publishes its headers through an
+# include directory of its own (a symbolic link in the build tree), so that an #include "audio/ring_buffer.h"
+# compiles in a target only if that target links orvane_audio. The link lists are the architecture.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+set(ORVANE_SANITIZE "" CACHE STRING "Sanitizer to build with: address, thread or nothing")
+set_property(CACHE ORVANE_SANITIZE PROPERTY STRINGS "" address thread)
+
+add_library(orvane_flags INTERFACE)
+# Contraction would fuse a multiply and an add on some processors and not on others, and change the result.
+target_compile_options(orvane_flags INTERFACE
+  -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(ORVANE_SANITIZE STREQUAL "address")
+  set(orvane_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(ORVANE_SANITIZE STREQUAL "thread")
+  set(orvane_sanitizers -fsanitize=thread -fno-omit-frame-pointer)
+elseif(NOT ORVANE_SANITIZE STREQUAL "")
+  message(FATAL_ERROR "ORVANE_SANITIZE is \"${ORVANE_SANITIZE}\"; it can be address, thread or empty.")
+endif()
+target_compile_options(orvane_flags INTERFACE ${orvane_sanitizers})
+target_link_options(orvane_flags INTERFACE ${orvane_sanitizers})
+
+# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...])
+# LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use.
+function(orvane_library name folder)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE" ${ARGN})
+  set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
+  cmake_path(GET folder PARENT_PATH parent)
+  file(MAKE_DIRECTORY "${include_root}/${parent}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${folder}" SYMBOLIC)
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC "${include_root}")
+  target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE orvane_flags ${arg_LINK_PRIVATE})
+endfunction()
+
+# orvane_program(NAME SOURCES ... LINK ...)
+function(orvane_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE orvane_flags ${arg_LINK})
+endfunction()
