@@ -1,0 +1,225 @@
+#include "dsp/automix_processor.h"
+
+#include "dsp/decibels.h"
+#include "dsp/level_detector.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace orvane::dsp {
+
+namespace {
+
+constexpr double maleCutoffHz = 180.0;
+constexpr double femaleCutoffHz = 3500.0;
+constexpr double shelfDB = -16.0;
+
+constexpr double gainAttackMs = 15.0;
+constexpr double initialReleaseMs = 400.0;
+constexpr double noiseFloor = 1e-6;
+constexpr double gainFloorDB = -26.0;
+
+constexpr double levelerAttackMs = 30.0;
+constexpr double levelerReleaseMs = 500.0;
+constexpr double levelerMaxGainDB = 20.0;
+constexpr double levelerMinGainDB = -24.0;
+
+bool isActive(std::span<const bool> mask, std::size_t channel) noexcept {
+    return mask.empty() || mask[channel];
+}
+
+/// Muted and bypassed channels take no part in the decision.
+bool competes(const ChannelAutomixSettings& settings) noexcept {
+    return !settings.muted && !settings.bypassed;
+}
+
+} // namespace
+
+AutomixProcessor::Lanes::Lanes(std::size_t most)
+    : channels(most), inputs(most), outputs(most), values(most), sums(most) {}
+
+AutomixProcessor::AutomixProcessor(
+    std::size_t channelCount, double sampleRate, double controlRate, double masterTargetDB,
+    const LaneKernels& loops
+)
+    : kernels(loops),
+      triggerFilters(
+          channelCount,
+          GenderTriggerFilter(GenderTriggerMode::neutral, maleCutoffHz, femaleCutoffHz, shelfDB, sampleRate)
+      ),
+      gainSharing(channelCount, controlRate, gainAttackMs, initialReleaseMs, noiseFloor, gainFloorDB),
+      masterLeveler(
+          masterTargetDB, controlRate, levelerAttackMs, levelerReleaseMs, levelerMaxGainDB, levelerMinGainDB
+      ),
+      edited{
+          .settings = std::vector<ChannelAutomixSettings>(channelCount),
+          .masterTargetRMS = masterLeveler.targetRMS,
+          .releaseMs = initialReleaseMs},
+      handover(edited),
+      levelsScratch(channelCount, 0.0),
+      lanes(channelCount),
+      lanesOffBus(channelCount),
+      outputLevels(channelCount, 0.0) {
+    assert(channelCount >= 1);
+}
+
+void AutomixProcessor::setSettings(std::size_t channel, const ChannelAutomixSettings& settings) {
+    edited.settings[channel] = settings;
+    publish();
+}
+
+void AutomixProcessor::setSettings(std::span<const ChannelAutomixSettings> settings) {
+    assert(settings.size() == edited.settings.size());
+    std::ranges::copy(settings, edited.settings.begin());
+    publish();
+}
+
+void AutomixProcessor::setLeadGroupGainDB(double gainDB) {
+    edited.leadGroupGainDB = gainDB;
+    edited.leadGain = dbToLinear(gainDB);
+    publish();
+}
+
+void AutomixProcessor::setBackingGroupGainDB(double gainDB) {
+    edited.backingGroupGainDB = gainDB;
+    edited.backingGain = dbToLinear(gainDB);
+    publish();
+}
+
+double AutomixProcessor::masterTargetDB() const noexcept {
+    return linearToDB(edited.masterTargetRMS);
+}
+
+void AutomixProcessor::setMasterTargetDB(double targetDB) {
+    edited.masterTargetRMS = dbToLinear(targetDB);
+    publish();
+}
+
+void AutomixProcessor::setReleaseMs(double releaseMs) {
+    edited.releaseMs = releaseMs;
+    publish();
+}
+
+void AutomixProcessor::ensureScratch(std::size_t frameCount) {
+    if (perChannelScratch.channelCount() == channelCount() && perChannelScratch.frameCount() == frameCount)
+        return;
+    perChannelScratch.reshape(channelCount(), frameCount);
+    summedScratch.assign(frameCount, 0.0);
+}
+
+AutomixProcessor::Output
+AutomixProcessor::process(const ChannelBlocks<double>& blocks, std::span<const bool> activeMask) noexcept {
+    assert(blocks.channelCount() == channelCount());
+    assert(activeMask.empty() || activeMask.size() == channelCount());
+    ensureScratch(blocks.frameCount());
+    const Controls& controls = handover.latest();
+    gainSharing.setReleaseMs(controls.releaseMs);
+    masterLeveler.targetRMS = controls.masterTargetRMS;
+
+    detect(controls, blocks, activeMask);
+    gainSharing.process(levelsScratch);
+    mix(controls, blocks, activeMask);
+    level();
+    return {perChannelScratch, summedScratch};
+}
+
+void AutomixProcessor::detect(
+    const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
+) noexcept {
+    std::ranges::fill(levelsScratch, 0.0);
+    for (std::size_t i = 0; i < channelCount(); ++i)
+        triggerFilters[i].mode = controls.settings[i].genderMode;
+    for (const GenderTriggerMode mode : allGenderTriggerModes)
+        detectWith(mode, controls, blocks, mask);
+}
+
+void AutomixProcessor::detectWith(
+    GenderTriggerMode mode, const Controls& controls, const ChannelBlocks<double>& blocks,
+    std::span<const bool> mask
+) noexcept {
+    lanes.clear();
+    for (std::size_t i = 0; i < channelCount(); ++i) {
+        if (triggerFilters[i].mode != mode || !isActive(mask, i)) continue;
+        // A shelf's state moves on even where its level is not wanted.
+        if (mode == GenderTriggerMode::neutral && !competes(controls.settings[i])) continue;
+        lanes.channels[lanes.count] = i;
+        lanes.inputs[lanes.count] = blocks[i].data();
+        ++lanes.count;
+    }
+    if (lanes.count == 0) return;
+
+    sumSquares(mode, blocks.frameCount());
+    for (std::size_t lane = 0; lane < lanes.count; ++lane) {
+        const std::size_t channel = lanes.channels[lane];
+        if (competes(controls.settings[channel]))
+            levelsScratch[channel] = LevelDetector::rms(lanes.sums[lane], blocks.frameCount());
+    }
+}
+
+void AutomixProcessor::sumSquares(GenderTriggerMode mode, std::size_t frameCount) noexcept {
+    const double* const* inputs = lanes.inputs.data();
+    if (mode == GenderTriggerMode::neutral) {
+        kernels.sumOfSquares(inputs, lanes.count, frameCount, lanes.sums.data());
+        return;
+    }
+    const bool isMale = mode == GenderTriggerMode::male;
+    const auto lowpass = isMale ? &GenderTriggerFilter::lowpassMale : &GenderTriggerFilter::lowpassFemale;
+    for (std::size_t lane = 0; lane < lanes.count; ++lane)
+        lanes.values[lane] = (triggerFilters[lanes.channels[lane]].*lowpass).y;
+
+    const auto kernel = isMale ? kernels.lowShelfSumOfSquares : kernels.highShelfSumOfSquares;
+    const GenderTriggerFilter& any = triggerFilters.front();
+    kernel(
+        inputs, lanes.count, frameCount, (any.*lowpass).a, any.shelfGain, lanes.values.data(),
+        lanes.sums.data()
+    );
+    for (std::size_t lane = 0; lane < lanes.count; ++lane)
+        (triggerFilters[lanes.channels[lane]].*lowpass).y = lanes.values[lane];
+}
+
+void AutomixProcessor::mix(
+    const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
+) noexcept {
+    const std::span<const double> gains = gainSharing.smoothedGain();
+    std::ranges::fill(summedScratch, 0.0);
+    lanes.clear();
+    lanesOffBus.clear();
+    for (std::size_t i = 0; i < channelCount(); ++i) {
+        if (!isActive(mask, i)) {
+            std::ranges::fill(perChannelScratch[i], 0.0);
+            outputLevels[i] = 0.0;
+            continue;
+        }
+        const ChannelAutomixSettings& settings = controls.settings[i];
+        const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
+                            : settings.vocalRole == VocalRole::backing ? controls.backingGain
+                                                                       : 1.0;
+        Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanes;
+        group.channels[group.count] = i;
+        group.inputs[group.count] = blocks[i].data();
+        group.outputs[group.count] = perChannelScratch[i].data();
+        group.values[group.count] = settings.muted      ? 0.0
+                                    : settings.bypassed ? role * settings.trim
+                                                        : role * (gains[i] * settings.trim);
+        ++group.count;
+    }
+    mixGroup(lanes, blocks.frameCount(), summedScratch.data());
+    mixGroup(lanesOffBus, blocks.frameCount(), nullptr);
+}
+
+void AutomixProcessor::mixGroup(Lanes& group, std::size_t frameCount, double* bus) noexcept {
+    kernels.mix(
+        group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,
+        group.sums.data()
+    );
+    for (std::size_t lane = 0; lane < group.count; ++lane)
+        outputLevels[group.channels[lane]] = LevelDetector::rms(group.sums[lane], frameCount);
+}
+
+void AutomixProcessor::level() noexcept {
+    const double gain = masterLeveler.process(LevelDetector::rms(std::span<const double>(summedScratch)));
+    kernels.scale(summedScratch.data(), gain, summedScratch.size());
+    masterLevel = LevelDetector::rms(std::span<const double>(summedScratch));
+}
+
+} // namespace orvane::dsp

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "dsp/realtime.h"
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace orvane::dsp {
+
+/// The decision core of the automix: from one activity level per channel, one gain per channel. A channel's
+/// target is its share of the whole activity over the sum of the squared shares, never below the floor, so
+/// that whoever speaks is at or above unity, the quiet sink to the floor, and equals are all at unity. Owned
+/// by one processor; render thread.
+class GainSharingMixer final {
+  public:
+    /// `channelCount` at least 1. `controlRate`: calls of `process` per second. `attackMs` and `releaseMs`:
+    /// time constants while a value rises and falls, of the level follower and of the gains alike; 0 or less
+    /// jumps. `silentRMS`: the linear RMS that counts as silence. `gainFloorDB`: the lowest target.
+    GainSharingMixer(
+        std::size_t channelCount, double controlRate, double attackMs, double releaseMs, double silentRMS,
+        double gainFloorDB
+    );
+
+    [[nodiscard]] double releaseMs() const noexcept { return releaseTimeMs; }
+
+    /// Takes effect at the next `process`. Real-time safe.
+    ORVANE_REALTIME void setReleaseMs(double releaseMs) noexcept;
+
+    /// One step: `levels` are channelCount linear RMS values of one block. Returns `smoothedGain`. Real-time
+    /// safe.
+    ORVANE_REALTIME std::span<const double> process(std::span<const double> levels) noexcept;
+
+    /// The current linear gain of every channel; 1 / channelCount each at creation. Real-time safe.
+    [[nodiscard]] std::span<const double> smoothedGain() const noexcept { return gains; }
+
+  private:
+    void followLevels(std::span<const double> levels) noexcept;
+    void shareActivity() noexcept;
+    void moveGains() noexcept;
+
+    double dt;
+    double attackCoef;
+    double releaseCoef;
+    double noiseFloor;
+    double gainFloor;
+    double releaseTimeMs;
+    std::vector<double> smoothedLevel;
+    std::vector<double> gains;
+    std::vector<double> eScratch;
+    std::vector<double> wScratch;
+    std::vector<double> gTargetScratch;
+};
+
+} // namespace orvane::dsp

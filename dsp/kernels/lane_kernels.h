@@ -1,0 +1,61 @@
+#pragma once
+
+#include "dsp/realtime.h"
+
+#include <cstddef>
+#include <span>
+
+namespace orvane::dsp {
+
+/// The loops over samples, in one version per instruction set. Several channels are worked on at once, one to
+/// a vector lane, so that each channel's operations keep their order: every version gives the same bits. All
+/// are real-time safe and take blocks of `frameCount` samples; arrays indexed by channel have `channelCount`
+/// entries.
+struct LaneKernels {
+    /// The instruction set: "baseline", "avx2" or "avx512".
+    const char* name;
+
+    /// sums[c] = the sum of the squares of channels[c], in sample order.
+    void (*sumOfSquares
+    )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double* sums) noexcept;
+
+    /// The same over channels weighted by a low shelf (x - l) + l * shelfGain, where l is a one-pole lowpass
+    /// with coefficient `a` whose states go on from and are left in `states`.
+    void (*lowShelfSumOfSquares
+    )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
+      double shelfGain, double* states, double* sums) noexcept;
+
+    /// The same over channels weighted by a high shelf l + shelfGain * (x - l).
+    void (*highShelfSumOfSquares
+    )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
+      double shelfGain, double* states, double* sums) noexcept;
+
+    /// outputs[c] = gains[c] * inputs[c], sums[c] = the sum of the squares of outputs[c]; where `bus` is not
+    /// null, every output is added to it in channel order.
+    void (*mix
+    )(const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
+      std::size_t frameCount, double* bus, double* sums) noexcept;
+
+    /// samples[i] = gain * samples[i].
+    void (*scale)(double* samples, double gain, std::size_t frameCount) noexcept;
+
+    /// sum[i] = sum[i] + samples[i]; the arrays do not overlap.
+    void (*add)(double* sum, const double* samples, std::size_t frameCount) noexcept;
+
+    /// sum[i] = sum[i] + gain * samples[i]; the arrays do not overlap.
+    void (*addScaled)(double* sum, const double* samples, double gain, std::size_t frameCount) noexcept;
+
+    /// wide[i] = narrow[i] in double precision.
+    void (*widen)(double* wide, const float* narrow, std::size_t frameCount) noexcept;
+
+    /// narrow[i] = wide[i] rounded to single precision.
+    void (*narrow)(float* narrow, const double* wide, std::size_t frameCount) noexcept;
+};
+
+/// Every version that this processor can run, slowest first; there is always one.
+std::span<const LaneKernels* const> supportedLaneKernels() noexcept;
+
+/// The fastest version that this processor can run.
+const LaneKernels& fastestLaneKernels() noexcept;
+
+} // namespace orvane::dsp

@@ -1,0 +1,262 @@
+#pragma once
+
+// The kernels over vectors of ORVANE_LANES doubles. Each instruction set's source defines ORVANE_LANES,
+// includes this file and is compiled for that set. Everything here has internal linkage and nothing of the
+// standard library is called: a function shared with another source could be the copy that the linker keeps,
+// and would then run on processors that lack the instructions.
+
+#include "dsp/kernels/lane_kernels.h"
+
+namespace orvane::dsp {
+namespace {
+
+constexpr std::size_t lanes = ORVANE_LANES;
+/// Vectors worked on side by side, so that the processor can overlap their chains of additions.
+constexpr std::size_t mostVectors = 4;
+constexpr std::size_t mostChannels = mostVectors * lanes;
+
+typedef double Vector __attribute__((vector_size(lanes * sizeof(double))));
+typedef double UnalignedVector __attribute__((vector_size(lanes * sizeof(double)), aligned(8), may_alias));
+
+inline Vector load(const double* from) {
+    return *reinterpret_cast<const UnalignedVector*>(from);
+}
+inline void store(double* to, const Vector& value) {
+    *reinterpret_cast<UnalignedVector*>(to) = value;
+}
+inline Vector splat(double value) {
+    return Vector{} + value;
+}
+
+/// Lane l of the pair (a, b) exchanged in blocks of `distance` lanes: the even blocks of both, or the odd
+/// ones.
+template <std::size_t distance, bool odd, std::size_t l>
+constexpr int exchanged =
+    static_cast<int>((l & distance) == 0 ? l + (odd ? distance : 0) : l - (odd ? 0 : distance) + lanes);
+
+template <std::size_t... l>
+struct Lanes {
+    template <std::size_t distance, bool odd>
+    static Vector exchange(const Vector& a, const Vector& b) {
+        return __builtin_shufflevector(a, b, exchanged<distance, odd, l>...);
+    }
+};
+#if ORVANE_LANES == 2
+using AllLanes = Lanes<0, 1>;
+#elif ORVANE_LANES == 4
+using AllLanes = Lanes<0, 1, 2, 3>;
+#else
+using AllLanes = Lanes<0, 1, 2, 3, 4, 5, 6, 7>;
+#endif
+
+/// From rows[channel] of successive samples to rows[sample] of neighbouring channels, and back.
+template <std::size_t distance = lanes / 2>
+inline void transpose(Vector (&rows)[lanes]) {
+    if constexpr (distance > 0) {
+        for (std::size_t i = 0; i < lanes; ++i) {
+            if ((i & distance) != 0) continue;
+            const Vector a = rows[i];
+            const Vector b = rows[i + distance];
+            rows[i] = AllLanes::exchange<distance, false>(a, b);
+            rows[i + distance] = AllLanes::exchange<distance, true>(a, b);
+        }
+        transpose<distance / 2>(rows);
+    }
+}
+
+/// Sums the squares of the samples as they are.
+struct Unweighted {
+    Vector operator()(const Vector& x, Vector&) const { return x; }
+    double operator()(double x, double&) const { return x; }
+};
+
+struct LowShelf {
+    double a;
+    double shelfGain;
+    template <class Value>
+    Value operator()(const Value& x, Value& low) const {
+        low += a * (x - low);
+        return (x - low) + low * shelfGain;
+    }
+};
+
+struct HighShelf {
+    double a;
+    double shelfGain;
+    template <class Value>
+    Value operator()(const Value& x, Value& low) const {
+        low += a * (x - low);
+        return low + shelfGain * (x - low);
+    }
+};
+
+/// One pass over up to `vectors * lanes` channels; missing ones are stood in for by the first.
+template <std::size_t vectors, class Weighting>
+void sumWeighted(
+    const double* const* channels, std::size_t channelCount, std::size_t frameCount,
+    const Weighting& weighting, double* states, double* sums
+) {
+    constexpr std::size_t width = vectors * lanes;
+    const double* from[width];
+    double state[width] = {};
+    for (std::size_t c = 0; c < width; ++c) {
+        from[c] = channels[c < channelCount ? c : 0];
+        if (states != nullptr && c < channelCount) state[c] = states[c];
+    }
+    Vector low[vectors];
+    Vector sum[vectors] = {};
+    for (std::size_t v = 0; v < vectors; ++v)
+        low[v] = load(state + v * lanes);
+
+    std::size_t frame = 0;
+    for (; frame + lanes <= frameCount; frame += lanes) {
+        Vector rows[vectors][lanes];
+        for (std::size_t v = 0; v < vectors; ++v) {
+            for (std::size_t i = 0; i < lanes; ++i)
+                rows[v][i] = load(from[v * lanes + i] + frame);
+            transpose(rows[v]);
+        }
+        for (std::size_t i = 0; i < lanes; ++i)
+            for (std::size_t v = 0; v < vectors; ++v) {
+                const Vector weighted = weighting(rows[v][i], low[v]);
+                sum[v] += weighted * weighted;
+            }
+    }
+
+    double total[width];
+    for (std::size_t v = 0; v < vectors; ++v) {
+        store(state + v * lanes, low[v]);
+        store(total + v * lanes, sum[v]);
+    }
+    for (std::size_t c = 0; c < channelCount; ++c) {
+        for (std::size_t rest = frame; rest < frameCount; ++rest) {
+            const double weighted = weighting(from[c][rest], state[c]);
+            total[c] += weighted * weighted;
+        }
+        sums[c] = total[c];
+        if (states != nullptr) states[c] = state[c];
+    }
+}
+
+template <class Weighting>
+void sumAllWeighted(
+    const double* const* channels, std::size_t channelCount, std::size_t frameCount,
+    const Weighting& weighting, double* states, double* sums
+) {
+    for (std::size_t first = 0; first < channelCount; first += mostChannels) {
+        const std::size_t count = channelCount - first < mostChannels ? channelCount - first : mostChannels;
+        double* const groupStates = states == nullptr ? nullptr : states + first;
+        if (count > 2 * lanes)
+            sumWeighted<4>(channels + first, count, frameCount, weighting, groupStates, sums + first);
+        else if (count > lanes)
+            sumWeighted<2>(channels + first, count, frameCount, weighting, groupStates, sums + first);
+        else
+            sumWeighted<1>(channels + first, count, frameCount, weighting, groupStates, sums + first);
+    }
+}
+
+void sumOfSquares(
+    const double* const* channels, std::size_t channelCount, std::size_t frameCount, double* sums
+) noexcept {
+    sumAllWeighted(channels, channelCount, frameCount, Unweighted{}, nullptr, sums);
+}
+
+void lowShelfSumOfSquares(
+    const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
+    double shelfGain, double* states, double* sums
+) noexcept {
+    sumAllWeighted(channels, channelCount, frameCount, LowShelf{a, shelfGain}, states, sums);
+}
+
+void highShelfSumOfSquares(
+    const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
+    double shelfGain, double* states, double* sums
+) noexcept {
+    sumAllWeighted(channels, channelCount, frameCount, HighShelf{a, shelfGain}, states, sums);
+}
+
+/// One pass over up to `vectors * lanes` channels; missing ones take no part.
+template <std::size_t vectors>
+void mixGroup(
+    const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
+    std::size_t frameCount, double* bus, double* sums
+) {
+    Vector sum[vectors] = {};
+    std::size_t frame = 0;
+    for (; frame + lanes <= frameCount; frame += lanes) {
+        Vector mixed = bus == nullptr ? Vector{} : load(bus + frame);
+        for (std::size_t v = 0; v < vectors; ++v) {
+            Vector rows[lanes] = {};
+            for (std::size_t i = 0; i < lanes; ++i) {
+                const std::size_t c = v * lanes + i;
+                if (c >= channelCount) break;
+                rows[i] = splat(gains[c]) * load(inputs[c] + frame);
+                store(outputs[c] + frame, rows[i]);
+                mixed += rows[i];
+            }
+            transpose(rows);
+            for (std::size_t i = 0; i < lanes; ++i)
+                sum[v] += rows[i] * rows[i];
+        }
+        if (bus != nullptr) store(bus + frame, mixed);
+    }
+
+    double total[vectors * lanes];
+    for (std::size_t v = 0; v < vectors; ++v)
+        store(total + v * lanes, sum[v]);
+    for (std::size_t c = 0; c < channelCount; ++c) {
+        for (std::size_t rest = frame; rest < frameCount; ++rest) {
+            const double output = gains[c] * inputs[c][rest];
+            outputs[c][rest] = output;
+            if (bus != nullptr) bus[rest] += output;
+            total[c] += output * output;
+        }
+        sums[c] = total[c];
+    }
+}
+
+void mix(
+    const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
+    std::size_t frameCount, double* bus, double* sums
+) noexcept {
+    for (std::size_t first = 0; first < channelCount; first += mostChannels) {
+        const std::size_t count = channelCount - first < mostChannels ? channelCount - first : mostChannels;
+        const auto group = count > 2 * lanes ? mixGroup<4> : count > lanes ? mixGroup<2> : mixGroup<1>;
+        group(inputs + first, gains + first, outputs + first, count, frameCount, bus, sums + first);
+    }
+}
+
+void scale(double* samples, double gain, std::size_t frameCount) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        samples[i] = gain * samples[i];
+}
+
+void add(double* __restrict sum, const double* __restrict samples, std::size_t frameCount) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        sum[i] += samples[i];
+}
+
+void addScaled(
+    double* __restrict sum, const double* __restrict samples, double gain, std::size_t frameCount
+) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        sum[i] += gain * samples[i];
+}
+
+void widen(double* __restrict wide, const float* __restrict narrow, std::size_t frameCount) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        wide[i] = narrow[i];
+}
+
+void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t frameCount) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        narrow[i] = static_cast<float>(wide[i]);
+}
+
+constexpr LaneKernels kernelsNamed(const char* name) {
+    return {name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, scale, add, addScaled,
+            widen, narrow};
+}
+
+} // namespace
+} // namespace orvane::dsp
