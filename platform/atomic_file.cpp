@@ -1,0 +1,109 @@
+#include "platform/atomic_file.h"
+
+#include "platform/file_error.h"
+#include "platform/uuid.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr std::string_view cannotWrite = "could not be written";
+constexpr int longestLinkChain = 40;
+constexpr mode_t newFileMode = 0666;
+constexpr mode_t ownerOnlyMode = 0600;
+constexpr mode_t permissionBits = 0777;
+
+/// Follows links by hand, because the usual functions give up on a link to a file that is yet to be made.
+Result<std::filesystem::path> linkTarget(const std::filesystem::path& path) {
+    std::filesystem::path target = path;
+    for (int step = 0; step < longestLinkChain; ++step) {
+        std::error_code failure;
+        const auto next = std::filesystem::read_symlink(target, failure);
+        if (failure) return target;
+        target = target.parent_path() / next;
+    }
+    return fileError(path, cannotWrite, ELOOP);
+}
+
+/// The permissions of the file that is to be replaced; nothing where there is none.
+Result<std::optional<mode_t>> permissionsOf(const std::filesystem::path& target) {
+    struct stat status {};
+    if (::stat(target.c_str(), &status) != 0) {
+        if (errno == ENOENT) return std::optional<mode_t>();
+        return fileError(target, cannotWrite, errno);
+    }
+    if (!S_ISREG(status.st_mode)) return fileError(target, cannotWrite, notARegularFile);
+    return std::optional(status.st_mode & permissionBits);
+}
+
+/// Failures are not reported: the new file has its name by then, and some file systems cannot do this.
+void makeNamesDurable(const std::filesystem::path& folder) {
+    const FileDescriptor opened(
+        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)
+    );
+    if (opened.isOpen()) ::fsync(opened.number());
+}
+
+} // namespace
+
+Result<AtomicFile> AtomicFile::open(const std::filesystem::path& target) {
+    const auto resolved = linkTarget(target);
+    if (!resolved) return resolved.error();
+    const auto permissions = permissionsOf(resolved.value());
+    if (!permissions) return permissions.error();
+
+    auto temporary = resolved.value().parent_path() / (".orvane-" + Uuid::random().toString());
+    // The content of a file that others may not read must not be readable while it is written either.
+    const mode_t mode = permissions.value() ? ownerOnlyMode : newFileMode;
+    FileDescriptor opened(::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    if (!opened.isOpen()) return fileError(resolved.value(), cannotWrite, errno);
+
+    AtomicFile file(std::move(opened), std::move(temporary), resolved.value());
+    if (permissions.value() && ::fchmod(file.descriptor(), *permissions.value()) != 0)
+        return fileError(file.target, cannotWrite, errno);
+    return file;
+}
+
+AtomicFile::AtomicFile(
+    FileDescriptor openedFile, std::filesystem::path temporaryPath, std::filesystem::path targetPath
+)
+    : file(std::move(openedFile)), temporary(std::move(temporaryPath)), target(std::move(targetPath)) {}
+
+AtomicFile::AtomicFile(AtomicFile&& other) noexcept
+    : file(std::move(other.file)),
+      temporary(std::exchange(other.temporary, {})),
+      target(std::move(other.target)) {}
+
+AtomicFile::~AtomicFile() {
+    if (!temporary.empty()) ::unlink(temporary.c_str());
+}
+
+Result<Done> AtomicFile::commit() {
+    if (::fsync(file.number()) != 0) return fileError(target, cannotWrite, errno);
+    if (::rename(temporary.c_str(), target.c_str()) != 0) return fileError(target, cannotWrite, errno);
+    temporary.clear();
+    makeNamesDurable(target.parent_path());
+    return Done{};
+}
+
+Result<Done> writeFileAtomically(const std::filesystem::path& path, std::span<const std::byte> bytes) {
+    auto opened = AtomicFile::open(path);
+    if (!opened) return opened.error();
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(opened.value().descriptor(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return fileError(path, cannotWrite, errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return opened.value().commit();
+}
+
+} // namespace orvane::platform

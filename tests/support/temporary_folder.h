@@ -1,0 +1,56 @@
+#pragma once
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace orvane::test {
+
+/// A folder of a test's own, removed with all that is in it.
+class TemporaryFolder final {
+  public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "orvane-test-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("Could not make " + name);
+        path = name;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::filesystem::path operator/(std::string_view name) const { return path / name; }
+
+    /// Makes or overwrites a file and gives its path.
+    std::filesystem::path add(std::string_view name, std::string_view content) const {
+        std::ofstream(path / name, std::ios::binary) << content;
+        return path / name;
+    }
+
+    /// The names of everything in it.
+    [[nodiscard]] std::set<std::string> names() const {
+        std::set<std::string> found;
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+            found.insert(entry.path().filename().string());
+        return found;
+    }
+
+  private:
+    std::filesystem::path path;
+};
+
+/// What a file holds.
+inline std::string contentOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace orvane::test
