@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+
+namespace orvane::session {
+
+/// The three codes by which the same installed plugin is found again, and the key of its presets. Each is a
+/// four-character code read as a big-endian number. A plain value.
+struct AUComponentIdentity {
+    std::uint32_t componentType = 0;
+    std::uint32_t componentSubType = 0;
+    std::uint32_t componentManufacturer = 0;
+
+    bool operator==(const AUComponentIdentity&) const = default;
+};
+
+} // namespace orvane::session
+
+template <>
+struct std::hash<orvane::session::AUComponentIdentity> {
+    std::size_t operator()(const orvane::session::AUComponentIdentity& identity) const noexcept;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "engine/session/channel_settings_data.h"
+#include "engine/session/midi_trigger.h"
+#include "platform/uuid.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::session {
+
+/// A stored scene. A plain value.
+struct Snapshot {
+    platform::Uuid id;
+    /// What the user reads.
+    std::string name;
+    /// Entry i belongs to strip i.
+    std::vector<ChannelSettingsData> channels;
+    /// The master leveler's target in dB.
+    double masterTargetDB = 0.0;
+    /// The lead group fader in dB.
+    double leadGroupGainDB = 0.0;
+    /// The backing group fader in dB.
+    double backingGroupGainDB = 0.0;
+    /// The note that recalls the scene; absent where none does.
+    std::optional<MIDITrigger> midiTrigger;
+
+    bool operator==(const Snapshot&) const = default;
+};
+
+} // namespace orvane::session
