@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/result.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string_view>
+
+namespace orvane::session {
+
+/// The values of a JSON text that a session can be made of. A key without a meaning stands with null for
+/// whatever it held, so that the tree of a large file of something else stays small.
+struct DocumentTree {
+    nlohmann::json root;
+};
+
+/// Reads a JSON text. Fails, telling where, for anything but one well-formed text within the limits of
+/// "engine/session/document_limits.h", for a key that an object has twice and for a number that no double can
+/// hold, in the parts without a meaning too.
+platform::Result<DocumentTree> parseDocumentTree(std::string_view text);
+
+} // namespace orvane::session

@@ -1,0 +1,182 @@
+#include "engine/session/mixer_document_decoder.h"
+
+#include "engine/session/displayed_text.h"
+#include "engine/session/document_keys.h"
+#include "engine/session/document_node.h"
+#include "engine/session/document_tree.h"
+#include "platform/base64.h"
+#include "platform/uuid.h"
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvane::session {
+
+namespace {
+
+std::string quoted(std::string_view word) {
+    return '"' + displayed(word) + '"';
+}
+
+std::string readString(const DocumentNode& node) {
+    return std::string(node.text());
+}
+
+std::int64_t readInteger(const DocumentNode& node) {
+    return node.integer();
+}
+
+platform::Uuid readUuid(const DocumentNode& node) {
+    const auto uuid = platform::Uuid::parse(node.text());
+    if (!uuid) node.fail("is not a UUID: " + quoted(node.text()));
+    return uuid.value_or(platform::Uuid{});
+}
+
+std::vector<std::uint8_t> readBytes(const DocumentNode& node) {
+    auto bytes = platform::decodeBase64(node.text());
+    if (!bytes) node.fail("is not base64 text");
+    return std::move(bytes).value_or(std::vector<std::uint8_t>{});
+}
+
+template <class Word>
+Word readWord(const DocumentNode& node, std::optional<Word> (*fromRawValue)(std::string_view) noexcept) {
+    const auto word = fromRawValue(node.text());
+    if (!word) node.fail("is the unknown word " + quoted(node.text()));
+    return word.value_or(Word{});
+}
+
+dsp::GenderTriggerMode readGenderMode(const DocumentNode& node) {
+    return readWord(node, dsp::genderTriggerModeFromRawValue);
+}
+
+dsp::VocalRole readVocalRole(const DocumentNode& node) {
+    return readWord(node, dsp::vocalRoleFromRawValue);
+}
+
+/// `readStereo` makes a routing of the members of the one case that differs between the routings.
+template <class Routing>
+Routing readRouting(const DocumentNode& node, Routing (*readStereo)(const DocumentNode& members)) {
+    const std::string_view word = node.onlyKey();
+    if (word == key::mono) return output::Mono{node.required(word).required(key::channel).integer()};
+    if (word == key::stereo) return readStereo(node.required(word));
+    if (word == key::none)
+        node.required(word).expectObject();
+    else
+        node.fail("has the unknown case " + quoted(word));
+    return output::None{};
+}
+
+OutputRouting readStereoOutput(const DocumentNode& members) {
+    return output::Stereo{
+        .left = members.required(key::left).integer(),
+        .right = members.required(key::right).integer(),
+        .pan = members.required(key::pan).number()};
+}
+
+MasterOutputRouting readStereoMasterOutput(const DocumentNode& members) {
+    return master_output::Stereo{
+        .left = members.required(key::left).integer(), .right = members.required(key::right).integer()};
+}
+
+OutputRouting readOutputRouting(const DocumentNode& node) {
+    return readRouting(node, readStereoOutput);
+}
+
+MasterOutputRouting readMasterOutputRouting(const DocumentNode& node) {
+    return readRouting(node, readStereoMasterOutput);
+}
+
+std::uint32_t readComponentCode(const DocumentNode& node) {
+    return static_cast<std::uint32_t>(node.integer(0, std::numeric_limits<std::uint32_t>::max()));
+}
+
+AUComponentIdentity readComponent(const DocumentNode& node) {
+    return {
+        .componentType = readComponentCode(node.required(key::componentType)),
+        .componentSubType = readComponentCode(node.required(key::componentSubType)),
+        .componentManufacturer = readComponentCode(node.required(key::componentManufacturer))};
+}
+
+PluginSlot readPluginSlot(const DocumentNode& node) {
+    return {
+        .id = readUuid(node.required(key::id)),
+        .pluginName = node.optional(key::pluginName, readString),
+        .component = node.optional(key::component, readComponent),
+        .presetData = node.optional(key::presetData, readBytes),
+        .bypassed = node.required(key::bypassed).boolean()};
+}
+
+std::vector<PluginSlot> readPluginSlots(const DocumentNode& node) {
+    return node.list(readPluginSlot);
+}
+
+ChannelSettingsData readChannel(const DocumentNode& node) {
+    return {
+        .name = readString(node.required(key::name)),
+        .inputChannelIndex = node.optional(key::inputChannelIndex, readInteger),
+        .outputRouting = readOutputRouting(node.required(key::outputRouting)),
+        .genderMode = readGenderMode(node.required(key::genderMode)),
+        .muted = node.required(key::muted).boolean(),
+        .bypassed = node.required(key::bypassed).boolean(),
+        .trim = node.required(key::trim).number(),
+        .vocalRole = node.optional(key::vocalRole, readVocalRole).value_or(dsp::VocalRole::none),
+        .pluginSlots = paddedWithEmptySlots(
+            node.optional(key::pluginSlots, readPluginSlots).value_or(std::vector<PluginSlot>{})
+        )};
+}
+
+MIDITrigger readMIDITrigger(const DocumentNode& node) {
+    return {.channel = node.required(key::channel).integer(), .note = node.required(key::note).integer()};
+}
+
+Snapshot readSnapshot(const DocumentNode& node) {
+    return {
+        .id = readUuid(node.required(key::id)),
+        .name = readString(node.required(key::name)),
+        .channels = node.required(key::channels).list(readChannel),
+        .masterTargetDB = node.required(key::masterTargetDB).number(),
+        .leadGroupGainDB = node.optional(key::leadGroupGainDB, &DocumentNode::number).value_or(0.0),
+        .backingGroupGainDB = node.optional(key::backingGroupGainDB, &DocumentNode::number).value_or(0.0),
+        .midiTrigger = node.optional(key::midiTrigger, readMIDITrigger)};
+}
+
+std::vector<bool> readFlags(const DocumentNode& node) {
+    return node.list(&DocumentNode::boolean);
+}
+
+MixerDocumentData readDocument(const DocumentNode& node) {
+    const MixerDocumentData defaults;
+    const auto numberOr = [&](std::string_view word, double absent) {
+        return node.optional(word, &DocumentNode::number).value_or(absent);
+    };
+    return {
+        .channels = node.required(key::channels).list(readChannel),
+        .masterTargetDB = node.required(key::masterTargetDB).number(),
+        .bufferSize = node.required(key::bufferSize).integer(),
+        .snapshots = node.required(key::snapshots).list(readSnapshot),
+        .masterOutputRouting = node.optional(key::masterOutputRouting, readMasterOutputRouting)
+                                   .value_or(defaults.masterOutputRouting),
+        .leadGroupGainDB = numberOr(key::leadGroupGainDB, defaults.leadGroupGainDB),
+        .backingGroupGainDB = numberOr(key::backingGroupGainDB, defaults.backingGroupGainDB),
+        .pluginSlotRecallSafe =
+            node.optional(key::pluginSlotRecallSafe, readFlags).value_or(defaults.pluginSlotRecallSafe),
+        .referenceNoiseGain = numberOr(key::referenceNoiseGain, defaults.referenceNoiseGain),
+        .duckerReleaseMs = numberOr(key::duckerReleaseMs, defaults.duckerReleaseMs)};
+}
+
+} // namespace
+
+platform::Result<MixerDocumentData> decodeMixerDocument(std::string_view text) {
+    const auto tree = parseDocumentTree(text);
+    if (!tree) return tree.error();
+    std::optional<platform::Error> fault;
+    auto data = readDocument(DocumentNode(tree.value().root, fault));
+    if (fault) return *fault;
+    return data;
+}
+
+} // namespace orvane::session
