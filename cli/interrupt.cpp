@@ -1,0 +1,38 @@
+#include "cli/interrupt.h"
+
+#include <atomic>
+
+namespace orvane::cli {
+
+namespace {
+
+// A signal handler is given no context, so the flag cannot live in the guard.
+std::atomic<bool> signalCame = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void remember(int /*signal*/) noexcept {
+    signalCame = true;
+}
+
+} // namespace
+
+InterruptGuard::InterruptGuard() {
+    signalCame = false;
+    struct sigaction action {};
+    action.sa_handler = remember;
+    // Reads and writes that are under way go on; waits still end early, so that the flag is looked at soon.
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, &interruptBefore);
+    sigaction(SIGTERM, &action, &terminateBefore);
+}
+
+InterruptGuard::~InterruptGuard() {
+    sigaction(SIGINT, &interruptBefore, nullptr);
+    sigaction(SIGTERM, &terminateBefore, nullptr);
+}
+
+bool InterruptGuard::isInterrupted() const noexcept {
+    return signalCame;
+}
+
+} // namespace orvane::cli

@@ -1,0 +1,42 @@
+#include "cli/interrupt.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace {
+
+using orvane::cli::InterruptGuard;
+
+constexpr int endingSignals[] = {SIGINT, SIGTERM};
+
+TEST(InterruptGuard, RemembersASignalInsteadOfEndingTheProgram) {
+    for (const int signal : endingSignals) {
+        const InterruptGuard guard;
+        EXPECT_FALSE(guard.isInterrupted()) << "before signal " << signal;
+        std::raise(signal);
+        EXPECT_TRUE(guard.isInterrupted()) << "after signal " << signal;
+        std::raise(signal);
+        EXPECT_TRUE(guard.isInterrupted()) << "after signal " << signal << " came again";
+    }
+}
+
+TEST(InterruptGuard, LeavesOtherSignalsAlone) {
+    const auto before = std::signal(SIGUSR1, SIG_IGN);
+    const InterruptGuard guard;
+    std::raise(SIGUSR1);
+    EXPECT_FALSE(guard.isInterrupted());
+    std::signal(SIGUSR1, before);
+}
+
+TEST(InterruptGuard, GivesTheSignalsBackAsTheyWere) {
+    for (const int signal : endingSignals) {
+        for (const auto handler : {SIG_DFL, SIG_IGN}) {
+            const auto before = std::signal(signal, handler);
+            { const InterruptGuard guard; }
+            EXPECT_EQ(std::signal(signal, before), handler) << "signal " << signal;
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+#include "cli/progress_bar.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace {
+
+using orvane::cli::ProgressBar;
+using orvane::platform::HostClock;
+
+std::uint64_t milliseconds = 0;
+constexpr HostClock scriptedClock{[]() noexcept { return milliseconds; }, {1'000'000, 1}};
+
+const std::string wiped = "\r\x1b[K";
+
+std::string bar(int filled, const std::string& percent) {
+    const auto count = static_cast<std::size_t>(filled);
+    return "\r[" + std::string(count, '#') + std::string(40 - count, ' ') + "] " + percent + "%";
+}
+
+/// A terminal whose screen the test reads.
+class Terminal final {
+  public:
+    Terminal() : screen(posix_openpt(O_RDWR | O_NOCTTY)) {
+        if (screen < 0 || grantpt(screen) != 0 || unlockpt(screen) != 0) throw std::bad_alloc();
+        const int line = open(ptsname(screen), O_RDWR | O_NOCTTY);
+        termios raw{};
+        tcgetattr(line, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(line, TCSANOW, &raw);
+        stream = fdopen(line, "w");
+    }
+    ~Terminal() {
+        std::fclose(stream);
+        close(screen);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// What has been drawn since the last call: a mark is written after it, so nothing has to be waited for.
+    std::string drawn() {
+        std::fputc(mark, stream);
+        std::fflush(stream);
+        std::string text;
+        for (char next = 0; read(screen, &next, 1) == 1 && next != mark;)
+            text += next;
+        return text;
+    }
+
+    std::FILE* stream = nullptr;
+
+  private:
+    static constexpr char mark = '\0';
+    int screen;
+};
+
+TEST(ProgressBar, ShowsTheShareThatIsDone) {
+    const std::pair<double, std::string> barByFraction[] = {
+        {0.0, bar(0, "  0")},  {0.004, bar(0, "  0")}, {0.25, bar(10, " 25")}, {0.999, bar(39, " 99")},
+        {1.0, bar(40, "100")}, {-0.5, bar(0, "  0")},  {1.5, bar(40, "100")}};
+    for (const auto& [fraction, expected] : barByFraction) {
+        Terminal terminal;
+        ProgressBar progress(terminal.stream, scriptedClock);
+        progress.update(fraction);
+        EXPECT_EQ(terminal.drawn(), expected) << fraction;
+    }
+}
+
+TEST(ProgressBar, IsDrawnAtOnceAndThenTenTimesASecondAtMost) {
+    Terminal terminal;
+    milliseconds = 5'000;
+    ProgressBar progress(terminal.stream, scriptedClock);
+    int count = 0;
+    for (; milliseconds < 6'000; ++milliseconds) {
+        progress.update(0.5);
+        const std::string drawn = terminal.drawn();
+        if (drawn.empty()) continue;
+        EXPECT_EQ(drawn, bar(20, " 50")) << milliseconds << " ms";
+        EXPECT_EQ(milliseconds % 100, 0U);
+        ++count;
+    }
+    EXPECT_EQ(count, 10);
+}
+
+TEST(ProgressBar, IsWipedAtTheEndIfItWasDrawn) {
+    for (const bool wasDrawn : {true, false}) {
+        Terminal terminal;
+        std::optional<ProgressBar> progress(std::in_place, terminal.stream, scriptedClock);
+        if (wasDrawn) progress->update(0.5);
+        terminal.drawn();
+        progress.reset();
+        EXPECT_EQ(terminal.drawn(), wasDrawn ? wiped : "");
+    }
+}
+
+TEST(ProgressBar, IsNotDrawnWhereThereIsNoTerminal) {
+    std::FILE* file = std::tmpfile();
+    {
+        ProgressBar progress(file, scriptedClock);
+        progress.update(0.5);
+    }
+    EXPECT_EQ(std::ftell(file), 0);
+    std::fclose(file);
+}
+
+} // namespace
