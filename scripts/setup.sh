@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check.
+# Says nothing when none is missing.
+# Usage: scripts/setup.sh GROUP...
+set -euo pipefail
+
+build=(cmake ninja-build g++ pkg-config libsndfile1-dev nlohmann-json3-dev libfmt-dev libcli11-dev)
+tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev)
+check=(clang-format)
+
+fail() {
+    echo "${0##*/}: $*" >&2
+    exit 1
+}
+
+wanted=()
+for group in "$@"; do
+    case "$group" in
+    build) wanted+=("${build[@]}") ;;
+    tests) wanted+=("${tests[@]}") ;;
+    check) wanted+=("${check[@]}") ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests and check." ;;
+    esac
+done
+
+if ! command -v dpkg-query >/dev/null; then
+    fail "packages can only be installed on Debian; install what your system has for these and build with cmake: ${wanted[*]}"
+fi
+
+# dpkg-query reports names that it does not know as an error; they are the missing ones, like those not listed.
+installed=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' "${wanted[@]}" 2>/dev/null || true)
+missing=()
+for package in "${wanted[@]}"; do
+    grep -qFx "$package installed" <<<"$installed" || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=(env DEBIAN_FRONTEND=noninteractive)
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null ||
+        fail "these packages are missing and only root can install them: ${missing[*]}"
+    as_root=(sudo "${as_root[@]}")
+fi
+
+echo "Installing ${missing[*]}" >&2
+apt=("${as_root[@]}" apt-get -qq -o DPkg::Lock::Timeout=120)
+{ "${apt[@]}" update && "${apt[@]}" install -y --no-install-recommends "${missing[@]}"; } </dev/null >&2 ||
+    fail "these packages could not be installed: ${missing[*]}"
