@@ -7,10 +7,12 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -32,8 +34,12 @@ std::string bar(int filled, const std::string& percent) {
 class Terminal final {
   public:
     Terminal() : screen(posix_openpt(O_RDWR | O_NOCTTY)) {
-        if (screen < 0 || grantpt(screen) != 0 || unlockpt(screen) != 0) throw std::bad_alloc();
-        const int line = open(ptsname(screen), O_RDWR | O_NOCTTY);
+        if (screen < 0 || grantpt(screen) != 0 || unlockpt(screen) != 0)
+            throw std::system_error(errno, std::generic_category());
+        std::array<char, 64> name{};
+        if (ptsname_r(screen, name.data(), name.size()) != 0)
+            throw std::system_error(errno, std::generic_category());
+        const int line = open(name.data(), O_RDWR | O_NOCTTY);
         termios raw{};
         tcgetattr(line, &raw);
         cfmakeraw(&raw);
