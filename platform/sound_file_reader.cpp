@@ -1,0 +1,112 @@
+#include "platform/sound_file_reader.h"
+
+#include "platform/file_error.h"
+#include "platform/sound_file_handle.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr std::string_view cannotRead = "could not be read";
+constexpr std::string_view empty = "it is empty";
+constexpr std::size_t framesPerTransfer = 4096;
+
+std::int64_t countFrames(SNDFILE* file, std::size_t channelCount) {
+    std::vector<float> discarded(framesPerTransfer * channelCount);
+    std::int64_t total = 0;
+    while (const sf_count_t count = sf_readf_float(file, discarded.data(), framesPerTransfer))
+        total += count;
+    return total;
+}
+
+} // namespace
+
+struct SoundFileReader::Source {
+    std::filesystem::path path;
+    SF_INFO info{};
+    SoundFileHandle handle;
+    std::int64_t position = 0;
+    std::vector<float> interleaved;
+
+    explicit Source(const std::filesystem::path& file)
+        : path(file), handle(sf_open(file.c_str(), SFM_READ, &info)) {}
+
+    [[nodiscard]] bool isLengthStated() const { return info.frames != SF_COUNT_MAX; }
+    [[nodiscard]] std::size_t channelCount() const { return static_cast<std::size_t>(info.channels); }
+
+    /// Reads one buffer's worth and returns the frames it could get.
+    std::size_t transfer(std::span<const std::span<float>> blocks, std::size_t at, std::size_t wanted) {
+        const auto count = static_cast<std::size_t>(
+            sf_readf_float(handle.get(), interleaved.data(), static_cast<sf_count_t>(wanted))
+        );
+        for (std::size_t channel = 0; channel < blocks.size(); ++channel)
+            for (std::size_t frame = 0; frame < count; ++frame)
+                blocks[channel][at + frame] = interleaved[frame * blocks.size() + channel];
+        position += static_cast<std::int64_t>(count);
+        return count;
+    }
+};
+
+Result<SoundFileReader> SoundFileReader::open(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) return fileError(path, cannotRead, "it is a folder");
+    if (std::filesystem::file_size(path, ignored) == 0) return fileError(path, cannotRead, empty);
+
+    auto opened = std::make_unique<Source>(path);
+    if (!opened->handle) return fileError(path, cannotRead, soundFileProblem(nullptr));
+    if (!opened->isLengthStated()) {
+        const std::int64_t frames = countFrames(opened->handle.get(), opened->channelCount());
+        opened = std::make_unique<Source>(path);
+        if (!opened->handle) return fileError(path, cannotRead, soundFileProblem(nullptr));
+        opened->info.frames = frames;
+    }
+    if (opened->info.frames == 0) return fileError(path, cannotRead, empty);
+    opened->interleaved.resize(framesPerTransfer * opened->channelCount());
+    return SoundFileReader(std::move(opened));
+}
+
+SoundFileReader::SoundFileReader(std::unique_ptr<Source> opened) noexcept : source(std::move(opened)) {}
+SoundFileReader::~SoundFileReader() = default;
+SoundFileReader::SoundFileReader(SoundFileReader&&) noexcept = default;
+SoundFileReader& SoundFileReader::operator=(SoundFileReader&&) noexcept = default;
+
+std::size_t SoundFileReader::channelCount() const noexcept {
+    return source->channelCount();
+}
+
+double SoundFileReader::sampleRate() const noexcept {
+    return source->info.samplerate;
+}
+
+std::int64_t SoundFileReader::frameCount() const noexcept {
+    return source->info.frames;
+}
+
+Result<std::size_t> SoundFileReader::read(std::span<const std::span<float>> blocks) {
+    const auto left = static_cast<std::size_t>(source->info.frames - source->position);
+    const std::size_t wanted = std::min(blocks.front().size(), left);
+    std::size_t done = 0;
+    while (done < wanted) {
+        const std::size_t part = std::min(wanted - done, framesPerTransfer);
+        const std::size_t count = source->transfer(blocks, done, part);
+        done += count;
+        if (count == part) continue;
+        if (sf_error(source->handle.get()) != SF_ERR_NO_ERROR)
+            return fileError(source->path, cannotRead, soundFileProblem(source->handle.get()));
+        return fileError(
+            source->path, cannotRead,
+            "it breaks off after " + std::to_string(source->position) + " of its "
+                + std::to_string(source->info.frames) + " frames"
+        );
+    }
+    return done;
+}
+
+} // namespace orvane::platform
