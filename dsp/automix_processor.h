@@ -56,6 +56,9 @@ class AutomixProcessor final {
 
     [[nodiscard]] std::size_t channelCount() const noexcept { return triggerFilters.size(); }
 
+    /// The loops that this processor runs on.
+    [[nodiscard]] const LaneKernels& laneKernels() const noexcept { return kernels; }
+
     /// Sizes the working memory for blocks of `frameCount` frames. Allocates only when they outgrow all
     /// earlier ones; `process` calls it, so call it before the first block to keep that block free of
     /// allocation.

@@ -23,7 +23,7 @@ class GenderTriggerFilter final {
     ORVANE_REALTIME double process(double x) noexcept;
 
     /// A weighted copy of the block. Allocates.
-    [[nodiscard]] std::vector<double> process(std::span<const double> block);
+    std::vector<double> process(std::span<const double> block);
 
     /// Weights `input` into `output`, which is at least as long. Real-time safe.
     ORVANE_REALTIME void process(std::span<const double> input, std::span<double> output) noexcept;

@@ -39,9 +39,6 @@ struct LaneKernels {
     /// samples[i] = gain * samples[i].
     void (*scale)(double* samples, double gain, std::size_t frameCount) noexcept;
 
-    /// sum[i] = sum[i] + samples[i]; the arrays do not overlap.
-    void (*add)(double* sum, const double* samples, std::size_t frameCount) noexcept;
-
     /// sum[i] = sum[i] + gain * samples[i]; the arrays do not overlap.
     void (*addScaled)(double* sum, const double* samples, double gain, std::size_t frameCount) noexcept;
 

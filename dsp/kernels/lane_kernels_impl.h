@@ -231,11 +231,6 @@ void scale(double* samples, double gain, std::size_t frameCount) noexcept {
         samples[i] = gain * samples[i];
 }
 
-void add(double* __restrict sum, const double* __restrict samples, std::size_t frameCount) noexcept {
-    for (std::size_t i = 0; i < frameCount; ++i)
-        sum[i] += samples[i];
-}
-
 void addScaled(
     double* __restrict sum, const double* __restrict samples, double gain, std::size_t frameCount
 ) noexcept {
@@ -254,7 +249,7 @@ void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t
 }
 
 constexpr LaneKernels kernelsNamed(const char* name) {
-    return {name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, scale, add, addScaled,
+    return {name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, scale, addScaled,
             widen, narrow};
 }
 

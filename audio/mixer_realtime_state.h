@@ -1,0 +1,120 @@
+#pragma once
+
+#include "audio/insert_table.h"
+#include "audio/render_scratch.h"
+#include "audio/render_table.h"
+#include "audio/ring_buffer.h"
+#include "audio/routing_table.h"
+#include "dsp/automix_processor.h"
+#include "dsp/pink_noise_generator.h"
+#include "dsp/realtime.h"
+#include "platform/host_clock.h"
+#include "platform/unfair_lock.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace orvane::audio {
+
+/// The rings of one device, one per output channel.
+using RingBuffers = std::vector<std::unique_ptr<RingBuffer>>;
+
+/// What the meters show of the last block.
+struct MeterReading {
+    /// Linear RMS of each channel after all gains: one per strip until the first block has run, then one
+    /// more, the reference noise's.
+    std::vector<double> channelLevels;
+    /// Linear RMS of the leveled master bus.
+    double masterLevel = 0.0;
+    /// How far each strip is turned down, in dB, 0 or more.
+    std::vector<double> gainReductionDB;
+    /// Linear RMS of the reference noise; 0 until the first block has run.
+    double referenceNoiseLevel = 0.0;
+};
+
+/// The one object that the control side and the render pass share during a run: the control side pushes
+/// routing, inserts and reference gain into it, the render pass publishes meters and load through it. Made at
+/// every start, shared with the I/O threads, dropped at stop. Its locks are held for a few copies and never
+/// nested.
+class MixerRealtimeState final {
+  public:
+    /// `channelCount`: strips.
+    explicit MixerRealtimeState(
+        std::size_t channelCount, platform::HostClock hostClock = platform::HostClock::system()
+    );
+
+    [[nodiscard]] std::size_t channelCount() const noexcept { return strips; }
+
+    // Set by the control side before the devices start; fixed while they run.
+
+    /// Of the main device, in Hz.
+    double sampleRate = 48000.0;
+    /// One ring per output channel of the main device.
+    RingBuffers outputRingBuffers;
+    /// One ring per output channel of a separate master device; none if the master bus goes to the main
+    /// device.
+    RingBuffers masterOutputRingBuffers;
+
+    // Control thread, at any time.
+
+    /// Replaces the routing; one entry per strip in each list.
+    void updateRouting(
+        std::span<const std::optional<std::int64_t>> inputs, std::span<const session::OutputRouting> outputs,
+        const session::MasterOutputRouting& master
+    );
+
+    /// Replaces the inserts.
+    void updatePlugins(InsertTable inserts);
+
+    /// Frees the tables that `updateRouting` and `updatePlugins` replaced and no pass holds any more; true
+    /// when none is left, so that nothing withdrawn is in use.
+    bool freeRetired();
+
+    /// Linear gain of the reference noise; 0 switches it off.
+    void setNoiseGain(double linearGain) noexcept;
+
+    [[nodiscard]] MeterReading readMeters() const;
+
+    /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
+    [[nodiscard]] double cpuLoad() const noexcept;
+
+    // Render thread.
+
+    /// Sizes the scratch for blocks of `frameCount` frames. Also to be called before the devices start, with
+    /// the longest block that they may bring.
+    void ensureScratch(std::size_t frameCount);
+
+    [[nodiscard]] ORVANE_REALTIME double noiseGain() const noexcept;
+
+    /// Makes the processor's levels and the scratch's gain reduction what the meters show.
+    ORVANE_REALTIME void publishMeters(const dsp::AutomixProcessor& automix) noexcept;
+
+    /// Moves the load a step towards what a block of `frameCount` frames took that began at `startTicks`.
+    ORVANE_REALTIME void publishLoad(std::uint64_t startTicks, std::size_t frameCount) noexcept;
+
+    const platform::HostClock clock;
+    RenderTable<RoutingTable> routing;
+    RenderTable<InsertTable> inserts;
+    dsp::PinkNoiseGenerator pinkNoise;
+    RenderScratch scratch;
+
+  private:
+    std::size_t strips;
+
+    mutable platform::UnfairLock meterLock;
+    std::vector<double> meterSnapshot;
+    double masterMeterSnapshot = 0.0;
+    std::vector<double> gainReductionSnapshot;
+
+    mutable platform::UnfairLock cpuLock;
+    double cpuLoadSnapshot = 0.0;
+
+    mutable platform::UnfairLock noiseLock;
+    double noiseGainLinear = 0.0;
+};
+
+} // namespace orvane::audio

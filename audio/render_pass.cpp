@@ -1,0 +1,162 @@
+#include "audio/render_pass.h"
+
+#include "platform/flush_denormals.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvane::audio {
+
+namespace {
+
+/// Scales the reference noise on top of its gain.
+constexpr double referenceNoiseScale = 0.6;
+/// The smallest gain whose reduction is shown, -120 dB.
+constexpr double smallestShownGain = 1e-6;
+
+/// The working parts of one pass, in the order they run.
+class Pass final {
+  public:
+    Pass(
+        std::span<const std::span<const float>> capturedBlocks, std::size_t blockLength,
+        dsp::AutomixProcessor& processor, MixerRealtimeState& shared
+    ) noexcept
+        : captured(capturedBlocks),
+          frameCount(blockLength),
+          automix(processor),
+          state(shared),
+          kernels(processor.laneKernels()),
+          scratch(shared.scratch),
+          routing(shared.routing.hold()),
+          strips(shared.channelCount()) {}
+
+    void capture() noexcept {
+        for (std::size_t strip = 0; strip < strips; ++strip) {
+            const std::optional<std::size_t>& input = routing->routingInputs[strip];
+            const bool isRouted = input && *input < captured.size();
+            scratch.routedMaskScratch()[strip] = isRouted;
+            if (isRouted)
+                kernels.widen(scratch.inputBlocksScratch[strip].data(), captured[*input].data(), frameCount);
+        }
+    }
+
+    void addReferenceNoise() noexcept {
+        const double gain = state.noiseGain() * referenceNoiseScale;
+        for (double& sample : scratch.inputBlocksScratch[strips])
+            sample = gain * state.pinkNoise.next();
+        scratch.routedMaskScratch()[strips] = true;
+    }
+
+    void runInserts() noexcept {
+        const auto inserts = state.inserts.hold();
+        const std::size_t withInserts = std::min(strips, inserts->pluginContexts.size());
+        for (std::size_t strip = 0; strip < withInserts; ++strip) {
+            if (!scratch.routedMaskScratch()[strip]) continue;
+            const auto& slots = inserts->pluginContexts[strip];
+            for (std::size_t slot = 0; slot < slots.size(); ++slot)
+                if (slots[slot] && !inserts->isBypassed(strip, slot))
+                    slots[slot]->process(
+                        scratch.inputBlocksScratch[strip], static_cast<std::int64_t>(frameCount)
+                    );
+        }
+    }
+
+    void mix() noexcept {
+        const auto [channels, master] =
+            automix.process(scratch.inputBlocksScratch, scratch.routedMaskScratch());
+        const bool masterIsHere = state.masterOutputRingBuffers.empty();
+        const auto& active = masterIsHere ? routing->activeChannelsWithMaster : routing->activeOutputChannels;
+
+        clear(scratch.outputSumsScratch, active);
+        for (std::size_t strip = 0; strip < strips; ++strip)
+            send(channels[strip], routing->routingOutputs[strip], scratch.outputSumsScratch);
+        if (masterIsHere) send(master, routing->masterSends, scratch.outputSumsScratch);
+        deliver(scratch.outputSumsScratch, scratch.outputFloatScratch, active, state.outputRingBuffers);
+        if (!masterIsHere) deliverMasterDevice(master);
+    }
+
+    void publish(std::uint64_t startTicks) noexcept {
+        const std::span<const double> gains = automix.currentGains();
+        for (std::size_t strip = 0; strip < strips; ++strip) {
+            const double reduction = -20.0 * std::log10(std::max(gains[strip], smallestShownGain));
+            scratch.gainReductionScratch[strip] = std::max(0.0, reduction);
+        }
+        state.publishMeters(automix);
+        state.publishLoad(startTicks, frameCount);
+    }
+
+  private:
+    using Sums = dsp::ChannelBlocks<double>;
+
+    static void clear(Sums& sums, std::span<const std::size_t> active) noexcept {
+        for (const std::size_t channel : active)
+            if (channel < sums.channelCount()) std::ranges::fill(sums[channel], 0.0);
+    }
+
+    void send(std::span<const double> block, const Sends& sends, Sums& sums) noexcept {
+        for (const Send& send : sends)
+            if (send.channel < sums.channelCount())
+                kernels.addScaled(sums[send.channel].data(), block.data(), send.gain, frameCount);
+    }
+
+    /// The master bus alone, copied rather than added: both sides of a pair may name the same output.
+    void deliverMasterDevice(std::span<const double> master) noexcept {
+        Sums& sums = scratch.masterOutputSumsScratch;
+        for (const Send& send : routing->masterSends)
+            if (send.channel < sums.channelCount()) std::ranges::copy(master, sums[send.channel].begin());
+        deliver(
+            sums, scratch.masterOutputFloatScratch, routing->activeMasterOutputChannels,
+            state.masterOutputRingBuffers
+        );
+    }
+
+    void deliver(
+        const Sums& sums, dsp::ChannelBlocks<float>& floats, std::span<const std::size_t> active,
+        const RingBuffers& rings
+    ) noexcept {
+        for (const std::size_t channel : active) {
+            if (channel >= rings.size()) continue;
+            kernels.narrow(floats[channel].data(), sums[channel].data(), frameCount);
+            rings[channel]->write(floats[channel]);
+        }
+    }
+
+    std::span<const std::span<const float>> captured;
+    std::size_t frameCount;
+    dsp::AutomixProcessor& automix;
+    MixerRealtimeState& state;
+    const dsp::LaneKernels& kernels;
+    RenderScratch& scratch;
+    RenderTable<RoutingTable>::Hold routing;
+    std::size_t strips;
+};
+
+} // namespace
+
+void renderPass(
+    std::span<const std::span<const float>> captured, std::size_t frameCount, dsp::AutomixProcessor& automix,
+    MixerRealtimeState& state
+) noexcept {
+    const std::uint64_t startTicks = state.clock.absoluteTime();
+    const platform::FlushDenormals flushDenormals;
+    state.ensureScratch(frameCount);
+    Pass pass(captured, frameCount, automix, state);
+    pass.capture();
+    pass.addReferenceNoise();
+    pass.runInserts();
+    pass.mix();
+    pass.publish(startTicks);
+}
+
+void outputPull(
+    const RingBuffers& rings, std::span<const std::span<float>> outputs, std::size_t frameCount
+) noexcept {
+    for (std::size_t channel = 0; channel < outputs.size(); ++channel) {
+        if (channel < rings.size())
+            rings[channel]->read(outputs[channel].first(frameCount));
+        else
+            std::ranges::fill(outputs[channel], 0.0F);
+    }
+}
+
+} // namespace orvane::audio

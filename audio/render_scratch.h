@@ -1,0 +1,40 @@
+#pragma once
+
+#include "dsp/channel_blocks.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace orvane::audio {
+
+/// The working memory of the render pass, which alone touches it.
+class RenderScratch final {
+  public:
+    /// `channelCount`: strips; the block and the mask entry after the last one are the reference noise's.
+    explicit RenderScratch(std::size_t channelCount);
+
+    /// Sizes all blocks for `frameCount` frames and the given numbers of device outputs, zero-filled, where
+    /// any of the three has changed. Allocates only when they outgrow all earlier ones.
+    void ensure(std::size_t frameCount, std::size_t outputCount, std::size_t masterOutputCount);
+
+    /// True where the strip's block holds audio this pass; channelCount + 1 entries.
+    [[nodiscard]] std::span<bool> routedMaskScratch() noexcept { return {routedMask.get(), maskSize}; }
+
+    /// What each channel captured, (channelCount + 1) x frameCount.
+    dsp::ChannelBlocks<double> inputBlocksScratch;
+    /// The sum that each device output will play, in double and in single precision.
+    dsp::ChannelBlocks<double> outputSumsScratch;
+    dsp::ChannelBlocks<float> outputFloatScratch;
+    dsp::ChannelBlocks<double> masterOutputSumsScratch;
+    dsp::ChannelBlocks<float> masterOutputFloatScratch;
+    /// Gain reduction of each strip in dB.
+    std::vector<double> gainReductionScratch;
+
+  private:
+    std::size_t maskSize;
+    std::unique_ptr<bool[]> routedMask;
+};
+
+} // namespace orvane::audio

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/unfair_lock.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace orvane::audio {
+
+/// A table that the control side replaces whole while the render pass reads it. The pass holds the table it
+/// began with until its end, neither copies nor counts references, and never frees: a replaced table comes
+/// back to the control side, which frees it once no pass can hold it. One control thread, one render thread.
+template <class Table>
+class RenderTable final {
+  public:
+    /// What a pass works on; ends the pass's hold when it goes out of scope. Render thread, real-time safe.
+    class Hold final {
+      public:
+        explicit Hold(RenderTable& from) noexcept : owner(from), table(from.acquire()) {}
+        ~Hold() { owner.held.store(nullptr, std::memory_order_release); }
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+        const Table& operator*() const noexcept { return *table; }
+        const Table* operator->() const noexcept { return table; }
+
+      private:
+        RenderTable& owner;
+        const Table* table;
+    };
+
+    RenderTable() : current(std::make_unique<const Table>()) {}
+
+    /// The next pass works on `next`. Control thread.
+    void replace(std::unique_ptr<const Table> next) {
+        retired.reserve(retired.size() + 1);
+        {
+            const std::scoped_lock guard(lock);
+            std::swap(current, next);
+        }
+        retired.push_back(std::move(next));
+        freeRetired();
+    }
+
+    /// Frees the replaced tables that no pass holds; true when none is left. Control thread.
+    bool freeRetired() {
+        const Table* inUse = nullptr;
+        {
+            const std::scoped_lock guard(lock);
+            inUse = held.load(std::memory_order_acquire);
+        }
+        std::erase_if(retired, [inUse](const auto& table) { return table.get() != inUse; });
+        return retired.empty();
+    }
+
+    /// Begins a pass's hold on the current table. Render thread, real-time safe.
+    ORVANE_REALTIME Hold hold() noexcept { return Hold(*this); }
+
+  private:
+    const Table* acquire() noexcept {
+        const std::scoped_lock guard(lock);
+        held.store(current.get(), std::memory_order_relaxed);
+        return current.get();
+    }
+
+    platform::UnfairLock lock;
+    std::unique_ptr<const Table> current;
+    std::atomic<const Table*> held = nullptr;
+    std::vector<std::unique_ptr<const Table>> retired;
+};
+
+} // namespace orvane::audio

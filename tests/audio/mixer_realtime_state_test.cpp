@@ -1,0 +1,119 @@
+#include "audio/mixer_realtime_state.h"
+#include "support/mixer_harness.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using audio::MixerRealtimeState;
+using audio::RoutingTable;
+using session::MasterOutputRouting;
+using session::OutputRouting;
+namespace output = session::output;
+namespace master_output = session::master_output;
+using test::DeviceBlocks;
+using test::MixerHarness;
+using Channels = std::vector<std::size_t>;
+
+TEST(RoutingTable, NamesEveryOutputInUseOnceAndNoneBelowZero) {
+    const std::vector<OutputRouting> outputs = {
+        output::Stereo{-1, 3, 0.0},  output::None{}, output::Mono{7}, output::Mono{3}, output::Mono{-2},
+        output::Stereo{1000, 0, 0.5}};
+    const RoutingTable table({}, outputs, master_output::Stereo{7, -9});
+    EXPECT_EQ(table.activeOutputChannels, (Channels{0, 3, 7, 1000}));
+    EXPECT_EQ(table.activeMasterOutputChannels, (Channels{7}));
+    EXPECT_EQ(table.activeChannelsWithMaster, (Channels{0, 3, 7, 1000}));
+    EXPECT_EQ(RoutingTable({}, {}, master_output::Mono{4}).activeChannelsWithMaster, (Channels{4}));
+    EXPECT_TRUE(RoutingTable({}, {}, master_output::None{}).activeChannelsWithMaster.empty());
+}
+
+TEST(RoutingTable, PansAtConstantPower) {
+    const double halfPower = std::sqrt(0.5);
+    struct Case {
+        double pan;
+        double left;
+        double right;
+    };
+    for (const Case& one : {Case{-1.0, 1.0, 0.0}, Case{0.0, halfPower, halfPower}, Case{1.0, 0.0, 1.0}}) {
+        const audio::Sends sends = audio::sendsOf(OutputRouting(output::Stereo{0, 1, one.pan}));
+        EXPECT_NEAR(sends.begin()[0].gain, one.left, 1e-15) << one.pan;
+        EXPECT_NEAR(sends.begin()[1].gain, one.right, 1e-15) << one.pan;
+    }
+}
+
+TEST(MixerRealtimeState, ShowsNothingUntilTheFirstBlock) {
+    const MixerRealtimeState state(3);
+    const audio::MeterReading reading = state.readMeters();
+    EXPECT_EQ(reading.channelLevels, std::vector<double>(3, 0.0));
+    EXPECT_EQ(reading.gainReductionDB, std::vector<double>(3, 0.0));
+    EXPECT_EQ(reading.masterLevel, 0.0);
+    EXPECT_EQ(reading.referenceNoiseLevel, 0.0);
+    EXPECT_EQ(state.cpuLoad(), 0.0);
+}
+
+TEST(MixerRealtimeState, ResizesOnlyTheScratchWhoseShapeChanged) {
+    MixerRealtimeState state(2);
+    state.outputRingBuffers = test::makeRings(2, 64);
+    state.ensureScratch(64);
+    auto& scratch = state.scratch;
+    scratch.inputBlocksScratch[2][5] = 1.0;
+    scratch.outputSumsScratch[1][5] = 2.0;
+    state.masterOutputRingBuffers = test::makeRings(1, 64);
+    state.ensureScratch(64);
+    EXPECT_EQ(scratch.masterOutputSumsScratch.channelCount(), 1U);
+    EXPECT_EQ(scratch.inputBlocksScratch[2][5], 1.0);
+    EXPECT_EQ(scratch.outputSumsScratch[1][5], 2.0);
+    state.ensureScratch(63);
+    EXPECT_EQ(scratch.inputBlocksScratch[2][5], 0.0);
+    EXPECT_EQ(scratch.outputSumsScratch[1][5], 0.0);
+    EXPECT_EQ(scratch.masterOutputFloatScratch.frameCount(), 63U);
+}
+
+TEST(RenderTable, FreesWhatWasReplacedOnlyWhenNoPassHoldsIt) {
+    struct Table {
+        std::shared_ptr<int> content;
+    };
+    audio::RenderTable<Table> tables;
+    const auto old = std::make_shared<int>(1);
+    tables.replace(std::make_unique<const Table>(old));
+    {
+        const auto pass = tables.hold();
+        tables.replace(std::make_unique<const Table>(std::make_shared<int>(2)));
+        tables.replace(std::make_unique<const Table>(std::make_shared<int>(3)));
+        EXPECT_EQ(*pass->content, 1);
+        EXPECT_FALSE(tables.freeRetired());
+        EXPECT_EQ(old.use_count(), 2);
+    }
+    EXPECT_TRUE(tables.freeRetired());
+    EXPECT_EQ(old.use_count(), 1);
+    EXPECT_EQ(*tables.hold()->content, 3);
+}
+
+std::uint64_t ticks = 0;
+
+/// A clock on which every look is one millisecond after the last, counted in ticks of half a microsecond.
+platform::HostClock steppingClock() {
+    return {[]() noexcept { return ticks += 2000; }, {500, 1}};
+}
+
+TEST(MixerRealtimeState, SmoothsTheShareOfTheBlockThatAPassTakes) {
+    // 96 frames at 48 kHz last two milliseconds, and the pass takes one.
+    MixerHarness mixer({.strips = 1, .bufferSize = 96}, steppingClock());
+    mixer.state.updateRouting(std::vector<std::optional<std::int64_t>>(1), std::vector<OutputRouting>(1), {});
+    mixer.pass({}, 96);
+    EXPECT_DOUBLE_EQ(mixer.state.cpuLoad(), 0.1);
+    mixer.pass({}, 96);
+    EXPECT_DOUBLE_EQ(mixer.state.cpuLoad(), 0.18);
+    mixer.pass({}, 0);
+    EXPECT_DOUBLE_EQ(mixer.state.cpuLoad(), 0.18);
+    mixer.pass({}, 8);
+    EXPECT_DOUBLE_EQ(mixer.state.cpuLoad(), 0.18 + (1.0 - 0.18) * 0.2);
+}
+
+} // namespace

@@ -1,0 +1,180 @@
+#include "baseline/plain_automix.h"
+#include "dsp/automix_processor.h"
+#include "dsp/decibels.h"
+#include "dsp/level_detector.h"
+#include "support/allocation_guard.h"
+#include "support/random_blocks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace orvane::dsp;
+using orvane::baseline::PlainAutomix;
+using orvane::test::AllocationGuard;
+using orvane::test::Random;
+
+constexpr double sampleRate = 48000.0;
+constexpr std::size_t frames = 256;
+constexpr double floorGain = 0.05011872336272722;
+
+/// A processor fed with steady square waves, one level per channel.
+struct Room {
+    explicit Room(std::vector<double> levels)
+        : blocks(levels.size(), frames), processor(levels.size(), sampleRate, sampleRate / frames, -10.0) {
+        for (std::size_t i = 0; i < levels.size(); ++i)
+            for (std::size_t j = 0; j < frames; ++j)
+                blocks[i][j] = (j % 2 == 0 ? 1.0 : -1.0) * levels[i];
+        ChannelAutomixSettings reference;
+        reference.excludedFromMasterBus = true;
+        processor.setSettings(levels.size() - 1, reference);
+    }
+
+    void run(int count = 4000, std::span<const bool> mask = {}) {
+        processor.ensureScratch(frames);
+        const AllocationGuard guard;
+        for (int i = 0; i < count; ++i)
+            processor.process(blocks, mask);
+    }
+
+    [[nodiscard]] bool isSilent(std::size_t channel) const {
+        return std::ranges::all_of(processor.channelOutputs()[channel], [](double x) { return x == 0.0; });
+    }
+
+    ChannelBlocks<double> blocks;
+    AutomixProcessor processor;
+};
+
+TEST(AutomixProcessor, OpensWhoeverSpeaksAndEasesBackTheRest) {
+    Room alone({0.1, 0.0});
+    EXPECT_EQ(alone.processor.currentGains()[0], 0.5);
+    alone.run();
+    EXPECT_NEAR(alone.processor.currentGains()[0], 1.0, 1e-8);
+    EXPECT_NEAR(alone.processor.currentGains()[1], floorGain, 1e-8);
+    EXPECT_NEAR(alone.processor.currentOutputLevels()[0], 0.1, 1e-8);
+
+    Room quietWithReference({0.0, 0.0, 0.05});
+    quietWithReference.run();
+    EXPECT_NEAR(quietWithReference.processor.currentGains()[0], floorGain, 1e-8);
+    EXPECT_NEAR(quietWithReference.processor.currentGains()[2], 1.0, 1e-8);
+    // The reference competes and is metered, but never heard.
+    EXPECT_NEAR(quietWithReference.processor.currentOutputLevels()[2], 0.05, 1e-8);
+    EXPECT_EQ(quietWithReference.processor.currentMasterLevel(), 0.0);
+}
+
+TEST(AutomixProcessor, KeepsMutedAndBypassedChannelsOutOfTheDecision) {
+    Room room({0.5, 0.01, 0.8, 0.0});
+    Room without({0.0, 0.01, 0.0, 0.0});
+    room.processor.setSettings(0, {.muted = true});
+    room.processor.setSettings(2, {.trim = 0.5, .bypassed = true, .vocalRole = VocalRole::backing});
+    room.processor.setBackingGroupGainDB(-6.0);
+    room.run(100);
+    without.run(100);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(room.processor.currentGains()[i], without.processor.currentGains()[i]) << "channel " << i;
+    EXPECT_TRUE(room.isSilent(0));
+    EXPECT_EQ(room.processor.channelOutputs()[2][0], dbToLinear(-6.0) * 0.5 * 0.8);
+}
+
+TEST(AutomixProcessor, SilencesInactiveChannelsWhateverTheirBlockHolds) {
+    Room room({0.5, 0.3, 0.0});
+    const bool mask[] = {false, true, true};
+    room.processor.setSettings(0, {.genderMode = GenderTriggerMode::male});
+    room.run(100, mask);
+    EXPECT_TRUE(room.isSilent(0));
+    EXPECT_EQ(room.processor.currentOutputLevels()[0], 0.0);
+    EXPECT_GT(room.processor.currentGains()[1], 0.9);
+    EXPECT_EQ(
+        room.processor.currentMasterLevel(),
+        LevelDetector::rms(room.processor.process(room.blocks, mask).masterBus)
+    );
+}
+
+TEST(AutomixProcessor, LevelsTheMasterBusToItsTarget) {
+    Room room({0.02, 0.0});
+    room.run();
+    EXPECT_NEAR(room.processor.currentMasterGain(), 10.0, 1e-8);
+    EXPECT_EQ(room.processor.masterTargetDB(), linearToDB(dbToLinear(-10.0)));
+    room.processor.setMasterTargetDB(-20.0);
+    room.run();
+    EXPECT_NEAR(linearToDB(room.processor.currentMasterLevel()), -20.0, 1e-6);
+}
+
+TEST(AutomixProcessor, AllocatesOnlyWhenBlocksOutgrowAllEarlierOnes) {
+    AutomixProcessor processor(4, sampleRate, sampleRate / frames, -10.0);
+    processor.ensureScratch(512);
+    ChannelBlocks<double> shorter(4, 256);
+    ChannelBlocks<double> longer(4, 512);
+    const AllocationGuard guard;
+    for (int i = 0; i < 3; ++i) {
+        processor.process(shorter, {});
+        processor.process(longer, {});
+    }
+}
+
+/// Makes the same edit on the fast and the plain automix.
+void editBoth(Random& random, AutomixProcessor& fast, PlainAutomix& plain) {
+    using namespace orvane::test;
+    const auto channel =
+        static_cast<std::size_t>(wholeBetween(random, 0, static_cast<long>(fast.channelCount()) - 1));
+    plain.settings[channel] = randomSettings(random);
+    fast.setSettings(channel, plain.settings[channel]);
+    fast.setLeadGroupGainDB(numberBetween(random, -40.0, 10.0));
+    plain.leadGain = dbToLinear(fast.leadGroupGainDB());
+    fast.setBackingGroupGainDB(numberBetween(random, -40.0, 10.0));
+    plain.backingGain = dbToLinear(fast.backingGroupGainDB());
+    fast.setReleaseMs(oneIn(random, 5) ? 0.0 : numberBetween(random, 50.0, 2000.0));
+    plain.setReleaseMs(fast.releaseMs());
+    const double targetDB = numberBetween(random, -40.0, 0.0);
+    fast.setMasterTargetDB(targetDB);
+    plain.masterTargetRMS = dbToLinear(targetDB);
+}
+
+/// Runs a random session through both and stops at the first difference.
+void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned seed) {
+    using namespace orvane::test;
+    SCOPED_TRACE(testing::Message() << kernels.name << ", " << channels << " channels, seed " << seed);
+    constexpr std::size_t lengths[] = {0, 1, 31, 32, 96, 256, 2048};
+    Random random(seed);
+    AutomixProcessor fast(channels, 44100.0, 44100.0 / 96, -12.0, kernels);
+    PlainAutomix plain(channels, 44100.0, 44100.0 / 96, -12.0);
+    const auto mask = std::make_unique<bool[]>(channels);
+    for (int block = 0; block < 40; ++block) {
+        const std::size_t length = lengths[static_cast<std::size_t>(wholeBetween(random, 0, 6))];
+        if (oneIn(random, 2)) editBoth(random, fast, plain);
+        ChannelBlocks<double> blocks(channels, length);
+        std::vector<PlainAutomix::Block> plainBlocks;
+        for (std::size_t i = 0; i < channels; ++i) {
+            fillWithSignal(random, blocks[i]);
+            plainBlocks.emplace_back(blocks[i].begin(), blocks[i].end());
+            mask[i] = !oneIn(random, 6);
+        }
+        const std::span<const bool> active(mask.get(), channels);
+        const auto [outputs, master] = fast.process(blocks, active);
+        plain.process(plainBlocks, {active.begin(), active.end()});
+
+        for (std::size_t i = 0; i < channels; ++i) {
+            ASSERT_TRUE(std::ranges::equal(outputs[i], plain.outputs[i]))
+                << "channel " << i << ", block " << block;
+            ASSERT_EQ(fast.currentGains()[i], plain.gains[i]) << "channel " << i << ", block " << block;
+            ASSERT_EQ(fast.currentOutputLevels()[i], plain.outputLevels[i])
+                << "channel " << i << ", block " << block;
+        }
+        ASSERT_TRUE(std::ranges::equal(master, plain.master)) << "block " << block;
+        ASSERT_EQ(fast.currentMasterGain(), plain.masterGain) << "block " << block;
+        ASSERT_EQ(fast.currentMasterLevel(), plain.masterLevel) << "block " << block;
+    }
+}
+
+TEST(AutomixProcessor, GivesTheBitsOfThePlainReadingOnEveryInstructionSet) {
+    for (const LaneKernels* kernels : supportedLaneKernels())
+        for (const std::size_t channels : {1, 2, 3, 5, 9, 17, 33, 49})
+            for (unsigned seed = 1; seed <= 3; ++seed)
+                compareWithPlain(*kernels, channels, seed);
+}
+
+} // namespace

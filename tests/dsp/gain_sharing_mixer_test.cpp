@@ -1,0 +1,71 @@
+#include "dsp/gain_sharing_mixer.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using orvane::dsp::GainSharingMixer;
+
+constexpr double controlRate = 48000.0 / 256.0;
+constexpr double floorGain = 0.05011872336272722;
+constexpr double attackCoef = 0.7007840105925328;
+constexpr double releaseCoef = 0.9867551618071957;
+
+GainSharingMixer mixerOf(std::size_t channels) {
+    return {channels, controlRate, 15.0, 400.0, 1e-6, -26.0};
+}
+
+std::vector<double> settledGains(const std::vector<double>& levels) {
+    GainSharingMixer mixer = mixerOf(levels.size());
+    for (int block = 0; block < 20000; ++block)
+        mixer.process(levels);
+    return {mixer.smoothedGain().begin(), mixer.smoothedGain().end()};
+}
+
+TEST(GainSharingMixer, SettlesWhereTheSharesSay) {
+    struct Case {
+        const char* what;
+        std::vector<double> levels;
+        std::vector<double> gains;
+    };
+    const double above = 1e-6;
+    for (const Case& one :
+         {Case{"one channel", {0.3}, {1.0}},
+          Case{"silence opens everybody", {0.0, 0.0, 0.0}, {1.0, 1.0, 1.0}},
+          Case{"one talks", {0.1, 0.0, 0.0}, {1.0, floorGain, floorGain}},
+          Case{"equals share", {0.1, 0.1, 0.0}, {1.0, 1.0, floorGain}},
+          Case{
+              "the louder of two is lifted",
+              {0.2 + above, 0.1 + above, 0.0, 0.0},
+              {1.2, 0.6, floorGain, floorGain}},
+          Case{"below the noise floor is silence", {9e-7, 5e-7}, {1.0, 1.0}}}) {
+        const std::vector<double> gains = settledGains(one.levels);
+        for (std::size_t i = 0; i < gains.size(); ++i)
+            EXPECT_NEAR(gains[i], one.gains[i], 1e-8) << one.what << ", channel " << i;
+    }
+}
+
+TEST(GainSharingMixer, RisesWithTheAttackAndFallsWithTheRelease) {
+    GainSharingMixer mixer = mixerOf(2);
+    EXPECT_EQ(mixer.smoothedGain()[0], 0.5);
+    mixer.process(std::vector<double>{0.0, 0.0});
+    EXPECT_EQ(mixer.smoothedGain()[0], 0.5 * attackCoef + 1.0 * (1.0 - attackCoef));
+    const double before = mixer.smoothedGain()[1];
+    mixer.process(std::vector<double>{0.1, 0.0});
+    EXPECT_EQ(mixer.smoothedGain()[1], before * releaseCoef + floorGain * (1.0 - releaseCoef));
+}
+
+TEST(GainSharingMixer, TakesANewReleaseTimeAtTheNextBlock) {
+    GainSharingMixer mixer = mixerOf(2);
+    for (int block = 0; block < 1000; ++block)
+        mixer.process(std::vector<double>{0.0, 0.1});
+    mixer.setReleaseMs(0.0);
+    EXPECT_EQ(mixer.releaseMs(), 0.0);
+    mixer.process(std::vector<double>{1.0, 0.0});
+    EXPECT_EQ(mixer.smoothedGain()[1], floorGain);
+}
+
+} // namespace

@@ -1,0 +1,50 @@
+#include "dsp/pink_noise_generator.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using orvane::dsp::PinkNoiseGenerator;
+
+TEST(PinkNoiseGenerator, RepeatsTheKnownSequence) {
+    PinkNoiseGenerator noise;
+    EXPECT_EQ(noise.rngState, 0x43E1465FU);
+    EXPECT_EQ(noise.key, 0U);
+    EXPECT_EQ(noise.runningSum, 1.468942633240703);
+    EXPECT_EQ(noise, PinkNoiseGenerator(0));
+    for (const double expected :
+         {0.05127080212007006, 0.06816173347807145, 0.1321690962272816, 0.033334348481787845})
+        EXPECT_EQ(noise.next(), expected);
+}
+
+TEST(PinkNoiseGenerator, StaysInRangeAtItsLevel) {
+    PinkNoiseGenerator noise;
+    constexpr int samples = 192000;
+    double sumOfSquares = 0.0;
+    double peak = 0.0;
+    for (int i = 0; i < samples; ++i) {
+        const double x = noise.next();
+        sumOfSquares += x * x;
+        peak = std::max(peak, std::abs(x));
+    }
+    EXPECT_NEAR(std::sqrt(sumOfSquares / samples), 0.133, 0.005);
+    EXPECT_LE(peak, 1.0);
+}
+
+TEST(PinkNoiseGenerator, RenewsExactlyTheRowsWhoseCounterBitChanges) {
+    PinkNoiseGenerator noise;
+    for (int sample = 1; sample <= 65536; ++sample) {
+        const PinkNoiseGenerator before = noise;
+        noise.next();
+        const auto changedBits = before.key ^ noise.key;
+        for (std::size_t row = 0; row < before.rowValues.size(); ++row)
+            ASSERT_EQ(before.rowValues[row] != noise.rowValues[row], ((changedBits >> row) & 1U) == 1U)
+                << "row " << row << " at sample " << sample;
+    }
+    EXPECT_EQ(noise.key, 0U);
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+#include "platform/system_log.h"
+#include "support/allocation_guard.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using orvane::platform::LogLevel;
+using orvane::platform::LogLine;
+using orvane::platform::SystemLog;
+using orvane::test::AllocationGuard;
+
+/// A log that keeps its lines as "category: text".
+struct KeptLog {
+    std::vector<std::string> lines;
+    SystemLog log{[this](const LogLine& line) {
+        lines.push_back(std::string(line.category) + ": " + std::string(line.text));
+    }};
+};
+
+TEST(SystemLog, WritesPostedLinesInOrderAtTheNextFlush) {
+    KeptLog kept;
+    {
+        const AllocationGuard guard;
+        kept.log.post(LogLevel::error, "Test", {"one ", "and ", "two"});
+        kept.log.post(LogLevel::standard, "Test", {});
+    }
+    EXPECT_TRUE(kept.lines.empty());
+    kept.log.flush();
+    EXPECT_EQ(kept.lines, (std::vector<std::string>{"Test: one and two", "Test: "}));
+    kept.log.flush();
+    EXPECT_EQ(kept.lines.size(), 2U);
+}
+
+TEST(SystemLog, CutsLongLinesAndCountsWhatDidNotFit) {
+    KeptLog kept;
+    const std::string longText(SystemLog::longestLine, 'x');
+    for (int i = 0; i < 200; ++i)
+        kept.log.post(LogLevel::error, "Test", {longText, "more"});
+    kept.log.flush();
+    EXPECT_EQ(kept.lines.size(), 129U);
+    EXPECT_EQ(kept.lines[0], "Test: " + longText);
+    EXPECT_EQ(kept.lines.back(), "Log: 72 lines from audio threads were dropped.");
+}
+
+TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
+    constexpr int linesPerThread = 2000;
+    KeptLog kept;
+    const auto chatter = [&kept](const char* name) {
+        for (int i = 0; i < linesPerThread; ++i)
+            kept.log.post(LogLevel::standard, name, {std::to_string(i)});
+    };
+    std::vector<std::thread> threads;
+    for (const char* name : {"A", "B", "C"})
+        threads.emplace_back(chatter, name);
+    int seen[3] = {};
+    int outOfOrder = 0;
+    std::size_t dropped = 0;
+    std::size_t next = 0;
+    while (static_cast<std::size_t>(seen[0] + seen[1] + seen[2]) + dropped < 3 * linesPerThread) {
+        kept.log.flush();
+        for (; next < kept.lines.size(); ++next) {
+            const std::string& line = kept.lines[next];
+            if (line.starts_with("Log: ")) {
+                dropped += std::stoul(line.substr(5));
+                continue;
+            }
+            const int number = std::stoi(line.substr(3));
+            static thread_local int last[3] = {-1, -1, -1};
+            int& previous = last[line[0] - 'A'];
+            outOfOrder += number > previous ? 0 : 1;
+            previous = number;
+            ++seen[line[0] - 'A'];
+        }
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(outOfOrder, 0);
+}
+
+} // namespace

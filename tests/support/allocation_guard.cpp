@@ -1,0 +1,110 @@
+#include "support/allocation_guard.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+thread_local int guardDepth = 0;
+
+void refuseOnAudioThread(const char* call) noexcept {
+    if (guardDepth == 0) return;
+    guardDepth = 0;
+    const char* const parts[] = {"An audio thread called ", call, ".\n"};
+    for (const char* part : parts)
+        if (write(STDERR_FILENO, part, std::strlen(part)) < 0) break;
+    std::abort();
+}
+
+} // namespace
+
+namespace orvane::test {
+
+AllocationGuard::AllocationGuard() noexcept {
+    ++guardDepth;
+}
+AllocationGuard::~AllocationGuard() {
+    --guardDepth;
+}
+
+} // namespace orvane::test
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+
+// A sanitizer stands in for malloc itself; what C++ code allocates is still seen here.
+
+void* operator new(std::size_t size) {
+    refuseOnAudioThread("operator new");
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    refuseOnAudioThread("operator new");
+    const auto step = static_cast<std::size_t>(alignment);
+    if (void* memory = std::aligned_alloc(step, (size + step - 1) / step * step)) return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+    refuseOnAudioThread("operator delete");
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    ::operator delete(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    ::operator delete(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    ::operator delete(memory);
+}
+
+#else
+
+extern "C" {
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
+
+void* malloc(std::size_t size) {
+    refuseOnAudioThread("malloc");
+    return __libc_malloc(size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+    refuseOnAudioThread("calloc");
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* memory, std::size_t size) {
+    refuseOnAudioThread("realloc");
+    return __libc_realloc(memory, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    refuseOnAudioThread("aligned_alloc");
+    return __libc_memalign(alignment, size);
+}
+
+int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
+    refuseOnAudioThread("posix_memalign");
+    *memory = __libc_memalign(alignment, size);
+    return *memory == nullptr ? 12 : 0; // ENOMEM
+}
+
+void free(void* memory) {
+    if (memory != nullptr) refuseOnAudioThread("free");
+    __libc_free(memory);
+}
+
+} // extern "C"
+
+#endif
