@@ -1,0 +1,32 @@
+#include "cli/message.h"
+#include "cli/render_command.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+
+namespace {
+
+constexpr int wrongUsage = 2;
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A file that outgrows the shell's limit is an error like a full disk, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
+    int exitCode = 0;
+    CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
+    program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
+    program.require_subcommand(1);
+    orvane::cli::addRenderCommand(program, exitCode);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::Success& asked) {
+        return program.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        orvane::cli::printMessage(fmt::format("{} (--help tells more)", error.what()));
+        return wrongUsage;
+    }
+    return exitCode;
+}

@@ -1,0 +1,88 @@
+#include "cli/render_report.h"
+
+#include "dsp/decibels.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace orvane::cli {
+
+std::string RenderReport::json() const {
+    nlohmann::json document = {
+        {"sampleRate", sampleRate},
+        {"bufferSize", bufferSize},
+        {"seconds", seconds},
+        {"blocks", blocks},
+        {"wallSeconds", wallSeconds},
+        {"realTimeFactor", realTimeFactor()},
+        {"masterGain", masterGain},
+        {"masterGainDB", dsp::linearToDB(masterGain)},
+        {"peakLoad", peakLoad},
+        {"meanLoad", meanLoad},
+        {"strips", nlohmann::json::array()}};
+    for (std::size_t i = 0; i < strips.size(); ++i)
+        document["strips"].push_back(
+            {{"number", i + 1},
+             {"name", strips[i].name},
+             {"finalGain", strips[i].finalGain},
+             {"finalGainDB", dsp::linearToDB(strips[i].finalGain)},
+             {"meanOutputLevel", strips[i].meanOutputLevel},
+             {"meanOutputLevelDB", dsp::linearToDB(strips[i].meanOutputLevel)}}
+        );
+    return document.dump(2) + "\n";
+}
+
+std::string RenderReport::text() const {
+    std::string lines = fmt::format(
+        "{:.1f} s in {} blocks of {} frames, mixed in {:.2f} s: {:.0f} times real time.\n"
+        "Load of a block's duration: {:.1f} % on average, {:.1f} % at most. Master gain at the end: {:+.1f} "
+        "dB.\n"
+        "Strip                     gain at end   mean level\n",
+        seconds, blocks, bufferSize, wallSeconds, realTimeFactor(), meanLoad * 100.0, peakLoad * 100.0,
+        dsp::linearToDB(masterGain)
+    );
+    for (std::size_t i = 0; i < strips.size(); ++i)
+        fmt::format_to(
+            std::back_inserter(lines), "{:>3} {:<20.20} {:>9.1f} dB {:>9.1f} dB\n", i + 1, strips[i].name,
+            dsp::linearToDB(strips[i].finalGain), dsp::linearToDB(strips[i].meanOutputLevel)
+        );
+    return lines;
+}
+
+RenderReportBuilder::RenderReportBuilder(const MixerSetup& setup)
+    : sumOfSquaredLevels(setup.strips.size(), 0.0) {
+    report.bufferSize = static_cast<std::size_t>(setup.bufferSize);
+    for (const session::ChannelStrip& strip : setup.strips)
+        report.strips.push_back({.name = strip.name});
+}
+
+void RenderReportBuilder::add(const OfflineMixer& mixer) {
+    const dsp::AutomixProcessor& automix = mixer.automix();
+    for (std::size_t i = 0; i < report.strips.size(); ++i) {
+        const double level = automix.currentOutputLevels()[i];
+        sumOfSquaredLevels[i] += level * level;
+        report.strips[i].finalGain = automix.currentGains()[i];
+    }
+    report.masterGain = automix.currentMasterGain();
+    report.peakLoad = std::max(report.peakLoad, mixer.load());
+    sumOfLoads += mixer.load();
+    ++report.blocks;
+}
+
+RenderReport RenderReportBuilder::finish(double sampleRate, double frameCount, double wallSeconds) const {
+    RenderReport finished = report;
+    finished.sampleRate = sampleRate;
+    finished.seconds = frameCount / sampleRate;
+    finished.wallSeconds = wallSeconds;
+    const double blocks = static_cast<double>(std::max<std::size_t>(report.blocks, 1));
+    finished.meanLoad = sumOfLoads / blocks;
+    for (std::size_t i = 0; i < finished.strips.size(); ++i)
+        finished.strips[i].meanOutputLevel = std::sqrt(sumOfSquaredLevels[i] / blocks);
+    return finished;
+}
+
+} // namespace orvane::cli

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "cli/offline_mixer.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace orvane::cli {
+
+/// What came of one strip.
+struct StripReport {
+    std::string name;
+    /// The automix gain of the last block, linear.
+    double finalGain = 0.0;
+    /// RMS of the strip's output over the whole run, linear.
+    double meanOutputLevel = 0.0;
+};
+
+/// The figures of one offline run. A plain value.
+struct RenderReport {
+    double sampleRate = 0.0;
+    std::size_t bufferSize = 0;
+    /// Length of the sound.
+    double seconds = 0.0;
+    std::size_t blocks = 0;
+    /// How long it took.
+    double wallSeconds = 0.0;
+    std::vector<StripReport> strips;
+    /// The leveler's gain of the last block, linear.
+    double masterGain = 0.0;
+    /// Of a block's duration, 0 to 1.
+    double peakLoad = 0.0;
+    double meanLoad = 0.0;
+
+    [[nodiscard]] double realTimeFactor() const { return wallSeconds > 0.0 ? seconds / wallSeconds : 0.0; }
+
+    /// The report as a file keeps it.
+    [[nodiscard]] std::string json() const;
+
+    /// The main figures for people, several lines.
+    [[nodiscard]] std::string text() const;
+};
+
+/// Gathers a report while blocks run. One thread.
+class RenderReportBuilder final {
+  public:
+    explicit RenderReportBuilder(const MixerSetup& setup);
+
+    /// Takes in the block that `mixer` has just run.
+    void add(const OfflineMixer& mixer);
+
+    /// The figures of the blocks so far, `frameCount` frames of sound at `sampleRate`, made in `wallSeconds`.
+    [[nodiscard]] RenderReport finish(double sampleRate, double frameCount, double wallSeconds) const;
+
+  private:
+    RenderReport report;
+    std::vector<double> sumOfSquaredLevels;
+    double sumOfLoads = 0.0;
+};
+
+} // namespace orvane::cli

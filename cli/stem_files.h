@@ -1,0 +1,39 @@
+#pragma once
+
+#include "dsp/channel_blocks.h"
+#include "platform/result.h"
+#include "platform/sound_file_writer.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::cli {
+
+/// The file name of a strip's stem, "03 Alto.wav": its number counted from 1, and as much of its name as a
+/// file name can hold.
+std::string stemFileName(std::size_t number, std::string_view stripName);
+
+/// One sound file per strip in one folder; none takes its name before all are complete. One thread.
+class StemFiles final {
+  public:
+    /// Begins a file for every strip name, in a folder that is made where it is not there.
+    static platform::Result<StemFiles>
+    create(const std::filesystem::path& folder, std::span<const std::string> stripNames, double sampleRate);
+
+    /// Appends the first `frameCount` frames of each strip's block.
+    platform::Result<platform::Done>
+    write(const dsp::ChannelBlocks<double>& stripBlocks, std::size_t frameCount);
+
+    /// Completes all files.
+    platform::Result<platform::Done> commit();
+
+  private:
+    std::vector<platform::SoundFileWriter> files;
+    std::vector<float> samples;
+};
+
+} // namespace orvane::cli
