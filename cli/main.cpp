@@ -18,10 +18,12 @@ int main(int argc, char** argv) {
     int exitCode = 0;
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
     program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
-    program.require_subcommand(1);
+    // One is required, but an unknown word is to be named rather than called missing.
+    program.require_subcommand(0, 1);
     orvane::cli::addRenderCommand(program, exitCode);
     try {
         program.parse(argc, argv);
+        if (program.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
     } catch (const CLI::Success& asked) {
         return program.exit(asked);
     } catch (const CLI::ParseError& error) {

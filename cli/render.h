@@ -17,21 +17,21 @@ namespace orvane::cli {
 /// What is to be rendered.
 struct RenderOptions {
     /// The sound whose channels are the device's inputs.
-    std::filesystem::path input;
+    std::filesystem::path input = {};
     /// What the device's outputs carry.
-    std::filesystem::path output;
+    std::filesystem::path output = {};
     /// The session that sets the mix up; a fresh one if absent.
-    std::optional<std::filesystem::path> session;
+    std::optional<std::filesystem::path> session = {};
     /// Strips; as many as the session or else the input has if absent.
-    std::optional<std::size_t> channels;
+    std::optional<std::size_t> channels = {};
     /// Outputs of the device; enough for the highest one in use, at least two, if absent.
-    std::optional<std::size_t> outputs;
+    std::optional<std::size_t> outputs = {};
     /// In frames, one of the sizes that the mixer offers; the session's if absent.
-    std::optional<std::int64_t> bufferSize;
+    std::optional<std::int64_t> bufferSize = {};
     /// The folder for one sound file per strip.
-    std::optional<std::filesystem::path> stems;
+    std::optional<std::filesystem::path> stems = {};
     /// The file for the figures.
-    std::optional<std::filesystem::path> report;
+    std::optional<std::filesystem::path> report = {};
 };
 
 /// The most channels that a sound file holds, and so the most strips and outputs that can be rendered.

@@ -13,14 +13,14 @@ namespace orvane::session {
 /// value.
 struct MixerDocumentData {
     /// Entry i belongs to strip i.
-    std::vector<ChannelSettingsData> channels;
+    std::vector<ChannelSettingsData> channels = {};
     /// The master leveler's target in dB.
     double masterTargetDB = 0.0;
     /// In frames; any number, the engine takes only those it offers.
     std::int64_t bufferSize = 0;
-    std::vector<Snapshot> snapshots;
+    std::vector<Snapshot> snapshots = {};
     /// Where the master bus goes.
-    MasterOutputRouting masterOutputRouting;
+    MasterOutputRouting masterOutputRouting = master_output::None{};
     /// The lead group fader in dB.
     double leadGroupGainDB = 0.0;
     /// The backing group fader in dB.

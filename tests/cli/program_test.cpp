@@ -1,0 +1,78 @@
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using orvane::test::contentOf;
+using orvane::test::TemporaryFolder;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+constexpr const char* panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+
+/// Runs the program with these arguments, as a shell takes them, and keeps what it printed in the folder.
+int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments) {
+    const std::string command = std::string(ORVANE_CLI) + " " + arguments + " >'"
+                                + (folder / "stdout").string() + "' 2>'" + (folder / "stderr").string() + "'";
+    return WEXITSTATUS(std::system(command.c_str()));
+}
+
+TEST(Program, TellsSuccessFailureAndWrongUsageApart) {
+    const TemporaryFolder folder;
+    const std::string input = std::string("render --input ") + panel;
+    const std::string output = " --output '" + (folder / "out.wav").string() + "'";
+    struct Case {
+        std::string arguments;
+        int exitCode;
+        const char* says;
+    };
+    for (const Case& one :
+         {Case{"", 2, "subcommand"}, Case{"mix", 2, "mix"}, Case{input, 2, "--output"},
+          Case{input + output + " --buffer-size 100", 2, "--buffer-size"},
+          Case{input + output + " --channels 0", 2, "--channels"},
+          Case{input + output + " --loud", 2, "--loud"},
+          Case{"render --input none.wav" + output, 1, "none.wav"},
+          Case{input + " --output /no/such/folder/out.wav", 1, "out.wav"}}) {
+        EXPECT_EQ(exitCodeOf(folder, one.arguments), one.exitCode) << one.arguments;
+        const std::string message = contentOf(folder / "stderr");
+        EXPECT_THAT(message, MatchesRegex("orvane-cli: [^\n]+\n")) << one.arguments;
+        EXPECT_THAT(message, HasSubstr(one.says)) << one.arguments;
+        EXPECT_EQ(contentOf(folder / "stdout"), "") << one.arguments;
+    }
+}
+
+TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
+    const TemporaryFolder folder;
+    struct Case {
+        std::string arguments;
+        const char* says;
+    };
+    for (const Case& one :
+         {Case{"--help", "render"}, Case{"--version", "orvane-cli "}, Case{"render --help", "--stems"},
+          Case{
+              std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
+              "times real time"}}) {
+        EXPECT_EQ(exitCodeOf(folder, one.arguments), 0) << one.arguments;
+        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(one.says)) << one.arguments;
+        EXPECT_EQ(contentOf(folder / "stderr"), "") << one.arguments;
+    }
+}
+
+TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
+    const TemporaryFolder folder;
+    const std::string command = std::string("ulimit -f 64; ") + ORVANE_CLI + " render --input " + panel
+                                + " --output '" + (folder / "out.wav").string() + "' 2>'"
+                                + (folder / "stderr").string() + "'";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*out.wav[^\n]*\n"));
+    EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
+}
+
+} // namespace

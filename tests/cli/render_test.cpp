@@ -1,0 +1,253 @@
+#include "cli/render.h"
+#include "dsp/decibels.h"
+#include "engine/session/mixer_json_document.h"
+#include "platform/sound_file_reader.h"
+#include "platform/sound_file_writer.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using cli::RenderOptions;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+namespace output = session::output;
+namespace master_output = session::master_output;
+using Samples = std::vector<std::vector<float>>;
+
+constexpr const char* panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+
+std::filesystem::path
+writeSound(const TemporaryFolder& folder, std::string_view name, const Samples& channels) {
+    auto writer = platform::SoundFileWriter::create(folder / name, channels.size(), 48000.0);
+    EXPECT_TRUE(writer);
+    const std::vector<std::span<const float>> views(channels.begin(), channels.end());
+    EXPECT_TRUE(writer.value().write(views));
+    EXPECT_TRUE(writer.value().commit());
+    return folder / name;
+}
+
+Samples readSound(const std::filesystem::path& path) {
+    auto reader = platform::SoundFileReader::open(path);
+    EXPECT_TRUE(reader) << path;
+    if (!reader) return {};
+    Samples channels(
+        reader.value().channelCount(),
+        std::vector<float>(static_cast<std::size_t>(reader.value().frameCount()))
+    );
+    const std::vector<std::span<float>> views(channels.begin(), channels.end());
+    EXPECT_EQ(reader.value().read(views).value(), channels[0].size());
+    return channels;
+}
+
+/// A render and what it said meanwhile.
+struct Rendering {
+    explicit Rendering(
+        const RenderOptions& options, const std::function<bool()>& isCancelled = [] { return false; }
+    )
+        : report(cli::render(
+            options, {.warn = [this](std::string_view sentence) { warnings.emplace_back(sentence); },
+                      .progress = [this](double share) { progress.push_back(share); },
+                      .isCancelled = isCancelled}
+        )) {}
+
+    std::vector<std::string> warnings;
+    std::vector<double> progress;
+    platform::Result<cli::RenderReport> report;
+};
+
+/// A session of bypassed strips, so that what is routed is heard as it is.
+session::MixerDocumentData bypassedSession(const std::vector<session::OutputRouting>& outputs) {
+    session::MixerDocumentData document{.masterTargetDB = -10.0, .bufferSize = 64};
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        session::ChannelStrip strip = session::ChannelStrip::make(
+            platform::Uuid::random(), "Mic/" + std::to_string(i + 1), static_cast<std::int64_t>(i),
+            std::nullopt
+        );
+        strip.bypassed = true;
+        strip.outputRouting = outputs[i];
+        document.channels.push_back(strip.settings());
+    }
+    return document;
+}
+
+std::filesystem::path
+writeSession(const TemporaryFolder& folder, const session::MixerDocumentData& document) {
+    EXPECT_TRUE(session::MixerJSONDocument{document}.write(folder / "show.orvane"));
+    return folder / "show.orvane";
+}
+
+TEST(Render, GivesTheSameBytesTwice) {
+    const TemporaryFolder folder;
+    for (const char* run : {"a", "b"}) {
+        const Rendering rendering(
+            {.input = panel,
+             .output = folder / (std::string(run) + ".wav"),
+             .stems = folder / (std::string(run) + "-stems")}
+        );
+        ASSERT_TRUE(rendering.report);
+        EXPECT_TRUE(rendering.warnings.empty());
+    }
+    EXPECT_EQ(test::contentOf(folder / "a.wav"), test::contentOf(folder / "b.wav"));
+    for (int number = 1; number <= 8; ++number) {
+        const std::string name =
+            "-stems/0" + std::to_string(number) + " Ch " + std::to_string(number) + ".wav";
+        EXPECT_EQ(test::contentOf(folder / ("a" + name)), test::contentOf(folder / ("b" + name))) << name;
+    }
+    EXPECT_EQ(readSound(folder / "a.wav").size(), 2U);
+}
+
+TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
+    const TemporaryFolder folder;
+    Samples input(2, std::vector<float>(101, 0.0F));
+    input[0][0] = 0.5F;
+    input[1][100] = -0.25F;
+    const Rendering rendering(
+        {.input = writeSound(folder, "in.wav", input),
+         .output = folder / "out.wav",
+         .session = writeSession(folder, bypassedSession({output::Mono{3}, output::Mono{0}})),
+         .stems = folder / "stems"}
+    );
+    ASSERT_TRUE(rendering.report) << rendering.report.error().description;
+    const std::vector<float> silence(101, 0.0F);
+    EXPECT_EQ(readSound(folder / "out.wav"), (Samples{input[1], silence, silence, input[0]}));
+    EXPECT_EQ(readSound(folder / "stems/01 Mic_1.wav")[0], input[0]);
+    EXPECT_EQ(readSound(folder / "stems/02 Mic_2.wav")[0], input[1]);
+    EXPECT_EQ(rendering.report.value().blocks, 2U);
+    EXPECT_EQ(rendering.report.value().bufferSize, 64U);
+    EXPECT_FALSE(rendering.progress.empty());
+}
+
+TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
+    const TemporaryFolder folder;
+    const Samples input(3, std::vector<float>(64, 0.125F));
+    const auto sound = writeSound(folder, "in.wav", input);
+    session::MixerDocumentData document = bypassedSession({output::Mono{0}, output::Stereo{4, 5, -1.0}});
+    document.bufferSize = 100;
+    document.channels[0].inputChannelIndex = 7;
+    document.masterOutputRouting = master_output::Stereo{2, 3};
+    const auto session = writeSession(folder, document);
+
+    const Rendering whole({.input = sound, .output = folder / "whole.wav", .session = session});
+    ASSERT_TRUE(whole.report);
+    EXPECT_EQ(whole.report.value().bufferSize, 512U);
+    const Samples played = readSound(folder / "whole.wav");
+    ASSERT_EQ(played.size(), 6U);
+    EXPECT_EQ(played[0], std::vector<float>(64, 0.0F));
+    EXPECT_EQ(played[4], std::vector<float>(64, 0.125F));
+    EXPECT_TRUE(whole.warnings.empty());
+
+    const Rendering cut(
+        {.input = sound,
+         .output = folder / "cut.wav",
+         .session = session,
+         .channels = 5,
+         .outputs = 3,
+         .bufferSize = 32}
+    );
+    ASSERT_TRUE(cut.report);
+    EXPECT_EQ(cut.report.value().strips.size(), 5U);
+    EXPECT_EQ(cut.report.value().strips[4].name, "Ch 5");
+    EXPECT_EQ(readSound(folder / "cut.wav"), Samples(3, std::vector<float>(64, 0.0F)));
+    EXPECT_THAT(
+        cut.warnings, ElementsAre(HasSubstr("Master Out was reset to \"None\""), HasSubstr("outputs up to 6"))
+    );
+}
+
+TEST(Render, ReportsWhatItDid) {
+    const TemporaryFolder folder;
+    const Samples input = {std::vector<float>(96000, 0.25F), std::vector<float>(96000, 0.0F)};
+    const Rendering rendering(
+        {.input = writeSound(folder, "in.wav", input),
+         .output = folder / "out.wav",
+         .report = folder / "report.json"}
+    );
+    ASSERT_TRUE(rendering.report);
+    const auto report = nlohmann::json::parse(test::contentOf(folder / "report.json"));
+    EXPECT_EQ(report["seconds"], 2.0);
+    EXPECT_EQ(report["blocks"], 188);
+    EXPECT_EQ(report["strips"].size(), 2U);
+    EXPECT_EQ(report["strips"][1]["name"], "Ch 2");
+    EXPECT_NEAR(report["strips"][0]["finalGainDB"].get<double>(), 0.0, 1e-3);
+    EXPECT_NEAR(report["strips"][1]["finalGainDB"].get<double>(), -25.0, 1.0);
+    EXPECT_NEAR(report["strips"][0]["meanOutputLevelDB"].get<double>(), dsp::linearToDB(0.25), 0.2);
+    EXPECT_NEAR(report["masterGainDB"].get<double>(), -10.0 - dsp::linearToDB(0.25), 0.1);
+    EXPECT_LE(report["meanLoad"], report["peakLoad"]);
+    EXPECT_GT(report["realTimeFactor"], 0.0);
+    EXPECT_THAT(rendering.report.value().text(), HasSubstr("2.0 s in 188 blocks of 512 frames"));
+}
+
+TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
+    const TemporaryFolder folder;
+    const auto sound = writeSound(folder, "in.wav", Samples(1, std::vector<float>(64, 0.5F)));
+    session::MixerDocumentData farAway = bypassedSession({output::Mono{1'000'000'000'000}});
+    std::filesystem::create_directory(folder / "sessions");
+    const auto farSession = writeSession(folder, farAway);
+    std::filesystem::rename(farSession, folder / "sessions/far.orvane");
+    const auto emptySession = writeSession(folder, {.masterTargetDB = -10.0, .bufferSize = 64});
+    std::filesystem::rename(emptySession, folder / "sessions/empty.orvane");
+    folder.add("sessions/bad.orvane", "{\"channels\": [}");
+    folder.add("text.wav", "not a sound");
+    folder.add("nothing.wav", "");
+    const auto before = folder.names();
+
+    struct Case {
+        const char* what;
+        RenderOptions options;
+        const char* says;
+    };
+    const auto out = folder / "out.wav";
+    for (const Case& one :
+         {Case{"missing", {.input = folder / "none.wav", .output = out}, "none.wav"},
+          Case{"no sound", {.input = folder / "text.wav", .output = out}, "text.wav"},
+          Case{"empty", {.input = folder / "nothing.wav", .output = out}, "nothing.wav"},
+          Case{"a folder", {.input = folder / "sessions", .output = out}, "sessions"},
+          Case{"onto itself", {.input = sound, .output = sound}, "cannot be both input and output"},
+          Case{"no such folder", {.input = sound, .output = folder / "no/out.wav"}, "out.wav"},
+          Case{
+              "bad session",
+              {.input = sound, .output = out, .session = folder / "sessions/bad.orvane"},
+              "Couldn't read that settings file: "},
+          Case{
+              "no strips",
+              {.input = sound, .output = out, .session = folder / "sessions/empty.orvane"},
+              "has 0 channels"},
+          Case{
+              "far output",
+              {.input = sound, .output = out, .session = folder / "sessions/far.orvane"},
+              "output 1000000000001"},
+          Case{
+              "stems in a file",
+              {.input = sound, .output = out, .stems = folder / "text.wav"},
+              "text.wav"}}) {
+        const Rendering rendering(one.options);
+        ASSERT_FALSE(rendering.report) << one.what;
+        EXPECT_THAT(rendering.report.error().description, HasSubstr(one.says)) << one.what;
+        EXPECT_EQ(folder.names(), before) << one.what;
+    }
+}
+
+TEST(Render, LeavesTheOldFileAloneWhenCancelled) {
+    const TemporaryFolder folder;
+    folder.add("out.wav", "the last show");
+    int blocks = 0;
+    const Rendering rendering(
+        {.input = panel, .output = folder / "out.wav", .stems = folder / "stems"},
+        [&blocks] { return ++blocks > 20; }
+    );
+    ASSERT_FALSE(rendering.report);
+    EXPECT_EQ(test::contentOf(folder / "out.wav"), "the last show");
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "stems"));
+}
+
+} // namespace
