@@ -12,7 +12,7 @@ namespace {
 
 void sortAndUnite(std::vector<std::size_t>& channels) {
     std::ranges::sort(channels);
-    channels.erase(std::ranges::unique(channels).begin(), channels.end());
+    channels.erase(std::unique(channels.begin(), channels.end()), channels.end());
 }
 
 void append(std::vector<std::size_t>& channels, const Sends& sends) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check.
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
@@ -7,6 +7,7 @@ set -euo pipefail
 build=(cmake ninja-build g++ pkg-config libsndfile1-dev nlohmann-json3-dev libfmt-dev libcli11-dev)
 tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev)
 check=(clang-format)
+lint=(clang-tidy cppcheck)
 
 fail() {
     echo "${0##*/}: $*" >&2
@@ -19,7 +20,8 @@ for group in "$@"; do
     build) wanted+=("${build[@]}") ;;
     tests) wanted+=("${tests[@]}") ;;
     check) wanted+=("${check[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests and check." ;;
+    lint) wanted+=("${lint[@]}") ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check and lint." ;;
     esac
 done
 

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Checks the code with clang-tidy and cppcheck. Needs the debug preset configured.
+# Usage: scripts/lint.sh [FILE...]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh build tests check lint
+[ -f build/debug/compile_commands.json ] || cmake --preset debug >/dev/null
+if [ $# -gt 0 ]; then
+    files=("$@")
+else
+    mapfile -t files < <(git ls-files '*.cpp' | grep -v '^tests/')
+fi
+printf '%s\n' "${files[@]}" | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
+cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
+    --suppress=missingInclude --error-exitcode=1 -I . "${files[@]}"
+echo "${#files[@]} files are clean."
