@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dsp/realtime.h"
-#include "platform/audio_unit_rendering.h"
+#include "platform/os_status.h"
 #include "platform/result.h"
 
 #include <cstddef>
@@ -112,18 +112,5 @@ class AudioDriver {
     /// device.
     virtual std::unique_ptr<AudioDeviceWatch> watch(std::string_view uid, Listener listener) = 0;
 };
-
-// What calls answer with when they fail, with the values that audio hardware layers give them.
-
-inline constexpr OSStatus kAudioHardwareNotRunningError = 0x73746F70;           // 'stop'
-inline constexpr OSStatus kAudioHardwareUnspecifiedError = 0x77686174;          // 'what'
-inline constexpr OSStatus kAudioHardwareUnknownPropertyError = 0x77686F3F;      // 'who?'
-inline constexpr OSStatus kAudioHardwareBadPropertySizeError = 0x2173697A;      // '!siz'
-inline constexpr OSStatus kAudioHardwareIllegalOperationError = 0x6E6F7065;     // 'nope'
-inline constexpr OSStatus kAudioHardwareBadObjectError = 0x216F626A;            // '!obj'
-inline constexpr OSStatus kAudioHardwareBadDeviceError = 0x21646576;            // '!dev'
-inline constexpr OSStatus kAudioHardwareUnsupportedOperationError = 0x756E6F70; // 'unop'
-inline constexpr OSStatus kAudioDeviceUnsupportedFormatError = 0x21646174;      // '!dat'
-inline constexpr OSStatus kAudioDevicePermissionsError = 0x21686F67; // '!hog': somebody else has it
 
 } // namespace orvane::platform

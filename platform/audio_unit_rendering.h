@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/os_status.h"
+
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -7,10 +9,6 @@
 namespace orvane::platform {
 
 // The types that hosted effects are rendered with.
-
-/// Result of a platform call; 0 is success.
-using OSStatus = std::int32_t;
-inline constexpr OSStatus noErr = 0;
 
 /// One buffer of 32-bit float samples, mNumberChannels of them interleaved.
 struct AudioBuffer {

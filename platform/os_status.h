@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+
+namespace orvane::platform {
+
+/// Result of a platform call; 0 is success.
+using OSStatus = std::int32_t;
+inline constexpr OSStatus noErr = 0;
+
+/// A code that is written as four characters, the first one in the highest byte.
+constexpr std::uint32_t fourCharCode(const char (&characters)[5]) noexcept {
+    std::uint32_t code = 0;
+    for (int i = 0; i < 4; ++i)
+        code = code << 8 | static_cast<unsigned char>(characters[i]);
+    return code;
+}
+
+/// A status that is written as four characters.
+constexpr OSStatus fourCharStatus(const char (&characters)[5]) noexcept {
+    return static_cast<OSStatus>(fourCharCode(characters));
+}
+
+// What calls on audio devices answer with when they fail.
+inline constexpr OSStatus kAudioHardwareNotRunningError = fourCharStatus("stop");
+inline constexpr OSStatus kAudioHardwareUnspecifiedError = fourCharStatus("what");
+inline constexpr OSStatus kAudioHardwareUnknownPropertyError = fourCharStatus("who?");
+inline constexpr OSStatus kAudioHardwareBadPropertySizeError = fourCharStatus("!siz");
+inline constexpr OSStatus kAudioHardwareIllegalOperationError = fourCharStatus("nope");
+inline constexpr OSStatus kAudioHardwareBadObjectError = fourCharStatus("!obj");
+inline constexpr OSStatus kAudioHardwareBadDeviceError = fourCharStatus("!dev");
+inline constexpr OSStatus kAudioHardwareUnsupportedOperationError = fourCharStatus("unop");
+inline constexpr OSStatus kAudioDeviceUnsupportedFormatError = fourCharStatus("!dat");
+/// Somebody else has the device to himself.
+inline constexpr OSStatus kAudioDevicePermissionsError = fourCharStatus("!hog");
+
+// What calls on audio units answer with when they fail.
+inline constexpr OSStatus kAudioUnitErr_InvalidProperty = -10879;
+inline constexpr OSStatus kAudioUnitErr_InvalidParameter = -10878;
+inline constexpr OSStatus kAudioUnitErr_InvalidElement = -10877;
+inline constexpr OSStatus kAudioUnitErr_NoConnection = -10876;
+inline constexpr OSStatus kAudioUnitErr_TooManyFramesToProcess = -10874;
+inline constexpr OSStatus kAudioUnitErr_FormatNotSupported = -10868;
+inline constexpr OSStatus kAudioUnitErr_Uninitialized = -10867;
+inline constexpr OSStatus kAudioUnitErr_InvalidScope = -10866;
+inline constexpr OSStatus kAudioUnitErr_PropertyNotWritable = -10865;
+inline constexpr OSStatus kAudioUnitErr_CannotDoInCurrentContext = -10863;
+inline constexpr OSStatus kAudioUnitErr_InvalidPropertyValue = -10851;
+inline constexpr OSStatus kAudioUnitErr_PropertyNotInUse = -10850;
+inline constexpr OSStatus kAudioUnitErr_Initialized = -10849;
+/// A parameter that no call takes, such as a unit that is not there.
+inline constexpr OSStatus kAudio_ParamError = -50;
+
+} // namespace orvane::platform
