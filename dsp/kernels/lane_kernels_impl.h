@@ -7,6 +7,8 @@
 
 #include "dsp/kernels/lane_kernels.h"
 
+// NOLINTBEGIN(misc-definitions-in-headers): each source has definitions of its own, as said above.
+
 namespace orvane::dsp {
 namespace {
 
@@ -15,8 +17,8 @@ constexpr std::size_t lanes = ORVANE_LANES;
 constexpr std::size_t mostVectors = 4;
 constexpr std::size_t mostChannels = mostVectors * lanes;
 
-typedef double Vector __attribute__((vector_size(lanes * sizeof(double))));
-typedef double UnalignedVector __attribute__((vector_size(lanes * sizeof(double)), aligned(8), may_alias));
+using Vector [[gnu::vector_size(lanes * sizeof(double))]] = double;
+using UnalignedVector [[gnu::vector_size(lanes * sizeof(double)), gnu::aligned(8), gnu::may_alias]] = double;
 
 inline Vector load(const double* from) {
     return *reinterpret_cast<const UnalignedVector*>(from);
@@ -195,8 +197,8 @@ void mixGroup(
                 mixed += rows[i];
             }
             transpose(rows);
-            for (std::size_t i = 0; i < lanes; ++i)
-                sum[v] += rows[i] * rows[i];
+            for (const Vector& row : rows)
+                sum[v] += row * row;
         }
         if (bus != nullptr) store(bus + frame, mixed);
     }
@@ -255,3 +257,5 @@ constexpr LaneKernels kernelsNamed(const char* name) {
 
 } // namespace
 } // namespace orvane::dsp
+
+// NOLINTEND(misc-definitions-in-headers)

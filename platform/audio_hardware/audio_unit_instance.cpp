@@ -1,0 +1,185 @@
+#include "platform/audio_hardware/audio_unit_instance.h"
+
+#include "platform/audio_hardware/property_bytes.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr std::uint32_t outputElement = 0;
+constexpr std::uint32_t inputElement = 1;
+
+/// Where a property may be set.
+struct Place {
+    std::uint32_t scope;
+    std::uint32_t element;
+
+    bool operator==(const Place&) const = default;
+};
+
+constexpr Place globalPlace = {kAudioUnitScope_Global, 0};
+constexpr Place deviceInput = {kAudioUnitScope_Input, inputElement};
+constexpr Place deviceOutput = {kAudioUnitScope_Output, outputElement};
+/// What comes out of the unit's input element, and what goes into its output element.
+constexpr Place fromInput = {kAudioUnitScope_Output, inputElement};
+constexpr Place intoOutput = {kAudioUnitScope_Input, outputElement};
+
+AudioBuffer channelBuffer(float* samples, std::uint32_t frameCount) {
+    return {1, frameCount * static_cast<std::uint32_t>(sizeof(float)), samples};
+}
+
+} // namespace
+
+OSStatus AudioUnitInstance::setProperty(
+    std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<const std::byte> data
+) {
+    if (stream) return kAudioUnitErr_Initialized;
+    const Place place = {scope, element};
+    const auto at = [place](Place wanted, std::span<const std::byte> value, auto& target) {
+        if (place != wanted) return kAudioUnitErr_InvalidScope;
+        return assignFrom(value, target, kAudioUnitErr_InvalidPropertyValue);
+    };
+    switch (property) {
+    case kAudioOutputUnitProperty_EnableIO:
+        return place == deviceInput ? at(deviceInput, data, enableInput)
+                                    : at(deviceOutput, data, enableOutput);
+    case kAudioOutputUnitProperty_CurrentDevice: {
+        AudioObjectID chosen = 0;
+        if (const OSStatus status = at(globalPlace, data, chosen); status != noErr) return status;
+        if (!registry.find(chosen)) return kAudioHardwareBadDeviceError;
+        device = chosen;
+        return noErr;
+    }
+    case kAudioUnitProperty_StreamFormat:
+        if (place == fromInput) return setFormat(inputFormat, data);
+        return place == intoOutput ? setFormat(outputFormat, data) : kAudioUnitErr_InvalidScope;
+    case kAudioUnitProperty_MaximumFramesPerSlice:
+        return at(globalPlace, data, maximumFrames);
+    case kAudioOutputUnitProperty_SetInputCallback:
+        return at(globalPlace, data, inputCallback);
+    case kAudioUnitProperty_SetRenderCallback:
+        return at(intoOutput, data, renderCallback);
+    default:
+        return kAudioUnitErr_InvalidProperty;
+    }
+}
+
+PropertySize AudioUnitInstance::getProperty(
+    std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<std::byte> data
+) const {
+    if (Place{scope, element} != globalPlace) return {kAudioUnitErr_InvalidScope, 0};
+    const auto copy = [data](const auto& value) -> PropertySize {
+        if (data.size() != sizeof(value)) return {kAudioUnitErr_InvalidPropertyValue, 0};
+        std::ranges::copy(bytesOf(value), data.begin());
+        return {noErr, static_cast<std::uint32_t>(sizeof(value))};
+    };
+    switch (property) {
+    case kAudioOutputUnitProperty_XRunCount:
+        return copy(stream ? stream->xrunCount() : std::uint32_t{0});
+    case kAudioOutputUnitProperty_RealtimePriority:
+        return copy(stream ? std::int32_t{stream->realtimePriority()} : std::int32_t{0});
+    default:
+        return {kAudioUnitErr_InvalidProperty, 0};
+    }
+}
+
+OSStatus
+AudioUnitInstance::setFormat(AudioStreamBasicDescription& format, std::span<const std::byte> data) const {
+    AudioStreamBasicDescription wanted;
+    if (const OSStatus status = assignFrom(data, wanted, kAudioUnitErr_InvalidPropertyValue); status != noErr)
+        return status;
+    const bool isPlanarFloat = wanted.mFormatID == kAudioFormatLinearPCM
+                               && wanted.mFormatFlags == nonInterleavedFloatFlags
+                               && wanted.mBitsPerChannel == 32 && wanted.mChannelsPerFrame >= 1;
+    if (!isPlanarFloat) return kAudioUnitErr_FormatNotSupported;
+    // Nothing here resamples: the unit runs at the device's rate.
+    const std::optional<AudioDriverDevice> described = registry.describe(device);
+    if (described && described->sampleRate != wanted.mSampleRate) return kAudioUnitErr_FormatNotSupported;
+    format = wanted;
+    return noErr;
+}
+
+OSStatus AudioUnitInstance::initialize() {
+    if (stream) return noErr;
+    const std::optional<RegisteredDevice> target = registry.find(device);
+    if (!target) return kAudioHardwareBadDeviceError;
+    auto opened = target->driver->open(*target->uid, enableInput != 0, *this);
+    if (!opened) return opened.error();
+    stream = std::move(opened).value();
+    outputBuffers.resize(outputFormat.mChannelsPerFrame);
+    spareOutputs.assign(outputFormat.mChannelsPerFrame, std::vector<float>(maximumFrames, 0.0F));
+    return noErr;
+}
+
+OSStatus AudioUnitInstance::uninitialize() {
+    stream.reset();
+    return noErr;
+}
+
+OSStatus AudioUnitInstance::start() {
+    return stream ? stream->start() : kAudioUnitErr_Uninitialized;
+}
+
+OSStatus AudioUnitInstance::stop() {
+    if (stream) stream->stop();
+    return noErr;
+}
+
+OSStatus AudioUnitInstance::renderInput(std::uint32_t bus, std::uint32_t frameCount, AudioBufferList& buffers)
+    const noexcept {
+    if (bus != inputElement) return kAudioUnitErr_InvalidElement;
+    if (frameCount > maximumFrames) return kAudioUnitErr_TooManyFramesToProcess;
+    if (frameCount != capturedFrames) return kAudioUnitErr_CannotDoInCurrentContext;
+    for (std::size_t channel = 0; channel < buffers.mBuffers.size(); ++channel) {
+        AudioBuffer& buffer = buffers.mBuffers[channel];
+        if (buffer.mData == nullptr || buffer.mDataByteSize < frameCount * sizeof(float))
+            return kAudioUnitErr_InvalidParameter;
+        const std::span<float> samples(static_cast<float*>(buffer.mData), frameCount);
+        if (channel < captured.size())
+            std::ranges::copy(captured[channel].first(frameCount), samples.begin());
+        else
+            std::ranges::fill(samples, 0.0F);
+    }
+    return noErr;
+}
+
+void AudioUnitInstance::cycle(
+    std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
+    std::size_t frameCount
+) noexcept {
+    const auto frames = static_cast<std::uint32_t>(frameCount);
+    const AudioTimeStamp now{.mSampleTime = sampleTime, .mFlags = kAudioTimeStampSampleTimeValid};
+    sampleTime += static_cast<double>(frameCount);
+    if (enableInput != 0 && inputCallback.inputProc != nullptr) {
+        captured = inputs;
+        capturedFrames = frames;
+        AudioUnitRenderActionFlags flags = 0;
+        inputCallback.inputProc(inputCallback.inputProcRefCon, flags, now, inputElement, frames, nullptr);
+        captured = {};
+        capturedFrames = 0;
+    }
+    // A cycle longer than the unit was set up for is beyond its spare buffers and its caller's.
+    if (frames > maximumFrames || renderCallback.inputProc == nullptr) {
+        playSilence(outputs);
+        return;
+    }
+    for (std::size_t channel = 0; channel < outputBuffers.size(); ++channel)
+        outputBuffers[channel] = channelBuffer(
+            channel < outputs.size() ? outputs[channel].data() : spareOutputs[channel].data(), frames
+        );
+    AudioBufferList list{outputBuffers};
+    AudioUnitRenderActionFlags flags = 0;
+    const OSStatus status =
+        renderCallback.inputProc(renderCallback.inputProcRefCon, flags, now, outputElement, frames, &list);
+    playSilence(status == noErr ? outputs.subspan(std::min(outputs.size(), outputBuffers.size())) : outputs);
+}
+
+void AudioUnitInstance::playSilence(std::span<const std::span<float>> outputs) const noexcept {
+    for (const std::span<float>& output : outputs)
+        std::ranges::fill(output, 0.0F);
+}
+
+} // namespace orvane::platform

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/audio_driver.h"
+#include "platform/audio_hardware.h"
+#include "platform/audio_hardware/device_registry.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace orvane::platform {
+
+/// The hardware output unit: takes properties, opens the device's stream, and turns the stream's cycles into
+/// the input and the render callback, one after the other. Main thread but for its cycles.
+class AudioUnitInstance final : public AudioStreamClient {
+  public:
+    explicit AudioUnitInstance(DeviceRegistry& deviceRegistry) : registry(deviceRegistry) {}
+
+    OSStatus setProperty(
+        std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<const std::byte> data
+    );
+    PropertySize getProperty(
+        std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<std::byte> data
+    ) const;
+    OSStatus initialize();
+    OSStatus uninitialize();
+    OSStatus start();
+    OSStatus stop();
+
+    /// What AudioUnitRender does.
+    ORVANE_REALTIME OSStatus
+    renderInput(std::uint32_t bus, std::uint32_t frameCount, AudioBufferList& buffers) const noexcept;
+
+    ORVANE_REALTIME void cycle(
+        std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
+        std::size_t frameCount
+    ) noexcept override;
+
+  private:
+    OSStatus setFormat(AudioStreamBasicDescription& format, std::span<const std::byte> data) const;
+    void playSilence(std::span<const std::span<float>> outputs) const noexcept;
+
+    DeviceRegistry& registry;
+    std::uint32_t enableInput = 0;
+    std::uint32_t enableOutput = 1;
+    AudioObjectID device = 0;
+    /// What the input callback captures and what the render callback fills.
+    AudioStreamBasicDescription inputFormat;
+    AudioStreamBasicDescription outputFormat;
+    std::uint32_t maximumFrames = 512;
+    AURenderCallbackStruct inputCallback;
+    AURenderCallbackStruct renderCallback;
+
+    std::unique_ptr<AudioStream> stream;
+    /// What the render callback is handed: the device's own buffers, then spare ones for channels that the
+    /// device does not have.
+    std::vector<AudioBuffer> outputBuffers;
+    std::vector<std::vector<float>> spareOutputs;
+
+    /// The cycle under way; the I/O thread's.
+    std::span<const std::span<const float>> captured;
+    std::uint32_t capturedFrames = 0;
+    double sampleTime = 0.0;
+};
+
+} // namespace orvane::platform
