@@ -1,0 +1,108 @@
+#include "platform/virtual_audio/live_stream.h"
+
+#include "platform/flush_denormals.h"
+#include "platform/host_clock.h"
+#include "platform/virtual_audio/cycle_schedule.h"
+
+#include <pthread.h>
+#include <sched.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <ctime>
+#include <system_error>
+
+namespace orvane::platform {
+
+namespace {
+
+using std::chrono::nanoseconds;
+
+constexpr int wantedPriority = 70;
+
+/// Bounds how long `stop` waits for an I/O thread whose next cycle is far away.
+constexpr nanoseconds longestWait{20'000'000};
+
+nanoseconds now() noexcept {
+    return nanoseconds(HostClock::system().absoluteTime());
+}
+
+void sleepUntil(nanoseconds moment) noexcept {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(moment);
+    const timespec deadline{.tv_sec = seconds.count(), .tv_nsec = (moment - seconds).count()};
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
+}
+
+/// Puts the calling thread before all ordinary ones, at the wanted priority or what its user may have, and
+/// returns that priority, 0 where there is none to be had.
+int takeRealtimePriority() noexcept {
+    rlimit limit{};
+    const bool hasLimit = getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur > 0;
+    const int allowed = hasLimit ? static_cast<int>(std::min<rlim_t>(limit.rlim_cur, wantedPriority)) : 0;
+    for (const int priority : {wantedPriority, allowed}) {
+        const sched_param parameters{.sched_priority = priority};
+        if (priority > 0 && pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0)
+            return priority;
+    }
+    return 0;
+}
+
+} // namespace
+
+LiveStream::LiveStream(
+    VirtualDeviceState& openedDevice, bool enableInput, AudioStreamClient& streamClient, SystemLog& systemLog
+)
+    : clockRate(openedDevice.clockRate()), cycles(openedDevice, enableInput, streamClient, systemLog) {}
+
+LiveStream::~LiveStream() {
+    stop();
+}
+
+OSStatus LiveStream::start() {
+    if (!cycles.isDeviceAlive()) return kAudioHardwareBadDeviceError;
+    if (ioThread.joinable()) return noErr;
+    if (const OSStatus status = cycles.begin(VirtualPacing::live); status != noErr) return status;
+    isStopping = false;
+    xruns = 0;
+    try {
+        ioThread = std::thread([this] { runCycles(); });
+    } catch (const std::system_error&) {
+        cycles.end();
+        return kAudioHardwareUnspecifiedError;
+    }
+    return noErr;
+}
+
+void LiveStream::stop() {
+    if (!ioThread.joinable()) return;
+    isStopping = true;
+    ioThread.join();
+    cycles.end();
+}
+
+void LiveStream::runCycles() noexcept {
+    priority = takeRealtimePriority();
+    const FlushDenormals flush;
+    CycleSchedule schedule(clockRate, now());
+    while (waitUntil(schedule.due())) {
+        const std::size_t frameCount = cycles.nextLength();
+        if (const nanoseconds begins = now(); schedule.isLate(frameCount, begins)) {
+            ++xruns;
+            schedule.restart(begins);
+        }
+        schedule.advance(frameCount);
+        cycles.run(frameCount);
+    }
+    priority = 0;
+}
+
+bool LiveStream::waitUntil(nanoseconds deadline) const noexcept {
+    while (!isStopping && cycles.isDeviceAlive()) {
+        const nanoseconds moment = now();
+        if (moment >= deadline) return true;
+        sleepUntil(std::min(deadline, moment + longestWait));
+    }
+    return false;
+}
+
+} // namespace orvane::platform

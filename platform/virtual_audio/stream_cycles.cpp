@@ -1,0 +1,55 @@
+#include "platform/virtual_audio/stream_cycles.h"
+
+namespace orvane::platform {
+
+StreamCycles::StreamCycles(
+    VirtualDeviceState& openedDevice, bool enableInput, AudioStreamClient& streamClient, SystemLog& systemLog
+)
+    : device(openedDevice),
+      deathsBefore(device.deaths.load()),
+      input(enableInput ? device.device.input.get() : nullptr),
+      output(device.device.output.get()),
+      client(streamClient),
+      log(systemLog),
+      inputBlocks(enableInput ? device.device.description.inputChannelCount : 0, longestVirtualBuffer),
+      outputBlocks(device.device.description.outputChannelCount, longestVirtualBuffer) {
+    device.isOpen = true;
+}
+
+StreamCycles::~StreamCycles() {
+    device.isOpen = false;
+}
+
+OSStatus StreamCycles::begin(VirtualPacing pacing) {
+    if (!isDeviceAlive()) return kAudioHardwareBadDeviceError;
+    if (input != nullptr)
+        if (const auto started = input->start(pacing); !started) return refuse(started.error());
+    if (output != nullptr) {
+        if (const auto started = output->start(pacing); !started) {
+            if (input != nullptr) input->stop();
+            return refuse(started.error());
+        }
+    }
+    return noErr;
+}
+
+void StreamCycles::end() {
+    if (input != nullptr) input->stop();
+    if (output != nullptr) output->stop();
+}
+
+void StreamCycles::run(std::size_t frameCount) noexcept {
+    if (input != nullptr) input->fill(inputBlocks.writable(frameCount));
+    client.cycle(inputBlocks.readable(frameCount), outputBlocks.writable(frameCount), frameCount);
+    if (output != nullptr) output->take(outputBlocks.readable(frameCount));
+}
+
+OSStatus StreamCycles::refuse(const Error& why) {
+    log.post(
+        LogLevel::error, "VirtualAudio",
+        {device.device.description.name, " does not start. ", why.description}
+    );
+    return kAudioHardwareUnspecifiedError;
+}
+
+} // namespace orvane::platform

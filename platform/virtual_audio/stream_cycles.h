@@ -1,0 +1,59 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/audio_driver.h"
+#include "platform/system_log.h"
+#include "platform/virtual_audio/planar_blocks.h"
+#include "platform/virtual_audio/virtual_device_state.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orvane::platform {
+
+/// The cycles of an open device, whatever paces them: its input source, its client and its output sink in
+/// turn. A stream owns it, and while it exists the device is open. Main thread, but for what a cycle needs.
+class StreamCycles final {
+  public:
+    StreamCycles(
+        VirtualDeviceState& openedDevice, bool enableInput, AudioStreamClient& streamClient,
+        SystemLog& systemLog
+    );
+    ~StreamCycles();
+    StreamCycles(const StreamCycles&) = delete;
+    StreamCycles& operator=(const StreamCycles&) = delete;
+
+    /// Gets source and sink ready. Fails where the device has died or one of them cannot start, which the log
+    /// then tells.
+    OSStatus begin(VirtualPacing pacing);
+
+    /// Lets go of source and sink; no cycle may be running.
+    void end();
+
+    /// Whether the device has lived on since it was opened. Any thread, real-time safe.
+    ORVANE_REALTIME [[nodiscard]] bool isDeviceAlive() const noexcept {
+        return device.deaths.load(std::memory_order_acquire) == deathsBefore;
+    }
+
+    /// The frames of the cycle that comes next. Cycle thread, real-time safe.
+    ORVANE_REALTIME [[nodiscard]] std::size_t nextLength() const noexcept {
+        return device.cycleLength.load(std::memory_order_relaxed);
+    }
+
+    /// One cycle of `frameCount` frames, up to `longestVirtualBuffer`. Cycle thread, real-time safe.
+    ORVANE_REALTIME void run(std::size_t frameCount) noexcept;
+
+  private:
+    OSStatus refuse(const Error& why);
+
+    VirtualDeviceState& device;
+    std::uint32_t deathsBefore;
+    VirtualInput* input;
+    VirtualOutput* output;
+    AudioStreamClient& client;
+    SystemLog& log;
+    PlanarBlocks inputBlocks;
+    PlanarBlocks outputBlocks;
+};
+
+} // namespace orvane::platform
