@@ -1,16 +1,16 @@
 #include "platform/virtual_audio/output_recorder.h"
 
+#include "platform/virtual_audio/log_category.h"
+
 #include <fmt/format.h>
 
 #include <chrono>
-#include <string_view>
 #include <utility>
 
 namespace orvane::platform {
 
 namespace {
 
-constexpr std::string_view logCategory = "VirtualAudio";
 constexpr double queueSeconds = 2.0;
 constexpr std::chrono::milliseconds writingInterval{50};
 constexpr std::size_t framesPerWrite = 4096;
@@ -48,7 +48,7 @@ void OutputRecorder::stop() {
         if (const auto committed = writer->commit(); !committed) fail(committed.error());
     if (droppedFrames > 0)
         log.post(
-            LogLevel::error, logCategory,
+            LogLevel::error, virtualAudioLogCategory,
             {fmt::format(
                 "\"{}\" lacks {} frames: the disk was too slow to record them.", pathOfTake().string(),
                 droppedFrames
@@ -73,7 +73,7 @@ void OutputRecorder::writeOut() {
 
 void OutputRecorder::fail(const Error& why) {
     hasFailed = true;
-    log.post(LogLevel::error, logCategory, {why.description});
+    log.post(LogLevel::error, virtualAudioLogCategory, {why.description});
 }
 
 } // namespace orvane::platform

@@ -1,5 +1,7 @@
 #include "platform/virtual_audio/stream_cycles.h"
 
+#include "platform/virtual_audio/log_category.h"
+
 namespace orvane::platform {
 
 StreamCycles::StreamCycles(
@@ -21,7 +23,6 @@ StreamCycles::~StreamCycles() {
 }
 
 OSStatus StreamCycles::begin(VirtualPacing pacing) {
-    if (!isDeviceAlive()) return kAudioHardwareBadDeviceError;
     if (input != nullptr)
         if (const auto started = input->start(pacing); !started) return refuse(started.error());
     if (output != nullptr) {
@@ -46,7 +47,7 @@ void StreamCycles::run(std::size_t frameCount) noexcept {
 
 OSStatus StreamCycles::refuse(const Error& why) {
     log.post(
-        LogLevel::error, "VirtualAudio",
+        LogLevel::error, virtualAudioLogCategory,
         {device.device.description.name, " does not start. ", why.description}
     );
     return kAudioHardwareUnspecifiedError;

@@ -23,8 +23,7 @@ class StreamCycles final {
     StreamCycles(const StreamCycles&) = delete;
     StreamCycles& operator=(const StreamCycles&) = delete;
 
-    /// Gets source and sink ready. Fails where the device has died or one of them cannot start, which the log
-    /// then tells.
+    /// Gets source and sink ready. Fails where one of them cannot start, which the log then tells.
     OSStatus begin(VirtualPacing pacing);
 
     /// Lets go of source and sink; no cycle may be running.

@@ -1,19 +1,18 @@
 #include "platform/virtual_audio/streamed_loop.h"
 
+#include "platform/virtual_audio/log_category.h"
 #include "platform/virtual_audio/open_recording.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
-#include <string_view>
 #include <utility>
 
 namespace orvane::platform {
 
 namespace {
 
-constexpr std::string_view logCategory = "VirtualAudio";
 constexpr double secondsAhead = 2.0;
 constexpr std::chrono::milliseconds readingInterval{50};
 constexpr std::size_t framesPerRead = 4096;
@@ -55,7 +54,7 @@ void StreamedLoop::stop() {
     queue.reset();
     if (missedFrames > 0 && !hasFailed)
         log.post(
-            LogLevel::error, logCategory,
+            LogLevel::error, virtualAudioLogCategory,
             {fmt::format(
                 "\"{}\" could not be read fast enough: {} frames of silence were played instead.",
                 path.string(), missedFrames
@@ -68,7 +67,7 @@ void StreamedLoop::readAhead() {
         const auto read = readOn();
         if (read) continue;
         hasFailed = true;
-        log.post(LogLevel::error, logCategory, {read.error().description});
+        log.post(LogLevel::error, virtualAudioLogCategory, {read.error().description});
     }
 }
 

@@ -28,12 +28,12 @@ struct VirtualDevice {
     /// In frames, until another one is asked for.
     std::uint32_t bufferSize = 512;
     /// Silence where there is none.
-    std::shared_ptr<VirtualInput> input;
+    std::shared_ptr<VirtualInput> input = {};
     /// Nobody listens where there is none.
-    std::shared_ptr<VirtualOutput> output;
+    std::shared_ptr<VirtualOutput> output = {};
     /// Stands in for the device's own answer, which grants every size from the shortest to the longest and
     /// refuses others.
-    BufferSizeAnswer answerBufferSize;
+    BufferSizeAnswer answerBufferSize = {};
 };
 
 } // namespace orvane::platform

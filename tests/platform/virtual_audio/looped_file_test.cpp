@@ -1,0 +1,134 @@
+#include "platform/sound_file_writer.h"
+#include "platform/virtual_audio/looped_file.h"
+#include "platform/virtual_audio/planar_blocks.h"
+#include "support/random_blocks.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane::platform;
+using orvane::test::TemporaryFolder;
+
+constexpr std::size_t anySize = LoopedFile::smallFileBytes;
+constexpr std::size_t nothingInMemory = 0;
+
+float sampleAt(std::size_t channel, std::size_t frame) {
+    return static_cast<float>(channel * 1'000'000 + frame);
+}
+
+void writeFile(const std::filesystem::path& path, std::size_t channelCount, std::size_t frameCount) {
+    auto writer = SoundFileWriter::create(path, channelCount, 8000.0);
+    PlanarBlocks blocks(channelCount, frameCount);
+    const auto views = blocks.writable(frameCount);
+    for (std::size_t channel = 0; channel < channelCount; ++channel)
+        for (std::size_t frame = 0; frame < frameCount; ++frame)
+            views[channel][frame] = sampleAt(channel, frame);
+    ASSERT_TRUE(writer.value().write(blocks.readable(frameCount)));
+    ASSERT_TRUE(writer.value().commit());
+}
+
+/// Fills `total` frames in blocks of random lengths and compares them with a file of `frameCount`.
+void expectLoop(LoopedFile& loop, std::size_t frameCount, std::size_t total) {
+    orvane::test::Random random(3);
+    PlanarBlocks blocks(3, 4096);
+    for (std::size_t done = 0; done < total;) {
+        const auto length = static_cast<std::size_t>(orvane::test::wholeBetween(random, 1, 4096));
+        const auto views = blocks.writable(length);
+        loop.fill(views);
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            for (std::size_t frame = 0; frame < length; ++frame)
+                ASSERT_EQ(views[channel][frame], sampleAt(channel, (done + frame) % frameCount))
+                    << "channel " << channel << ", frame " << done + frame << ", loop of " << frameCount;
+        done += length;
+    }
+}
+
+class LoopedFileTest : public testing::Test {
+  protected:
+    std::vector<std::string> logged() {
+        log.flush();
+        return lines;
+    }
+
+    const TemporaryFolder folder;
+    std::vector<std::string> lines;
+    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
+};
+
+TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
+    struct Case {
+        std::size_t mostInMemory;
+        std::size_t frameCount;
+    };
+    for (const auto& [mostInMemory, frameCount] :
+         {Case{anySize, 1}, {anySize, 30'001}, {nothingInMemory, 4'096}, {nothingInMemory, 30'001}}) {
+        writeFile(folder / "loop.wav", 3, frameCount);
+        LoopedFile loop(folder / "loop.wav", 3, log, mostInMemory);
+        for (int start = 0; start < 2; ++start) {
+            ASSERT_TRUE(loop.start(VirtualPacing::stepped));
+            expectLoop(loop, frameCount, 2 * frameCount + 20'000);
+            loop.stop();
+        }
+    }
+    EXPECT_THAT(logged(), testing::IsEmpty());
+}
+
+TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
+    writeFile(folder / "loop.wav", 3, 5'000);
+    LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
+    ASSERT_TRUE(loop.start(VirtualPacing::live));
+    expectLoop(loop, 5'000, 10'000);
+    loop.stop();
+    EXPECT_THAT(logged(), testing::IsEmpty());
+}
+
+TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
+    writeFile(folder / "loop.wav", 3, 100);
+    LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
+    ASSERT_TRUE(loop.start(VirtualPacing::live));
+    constexpr std::size_t moreThanIsReadAhead = 100'000;
+    PlanarBlocks blocks(3, moreThanIsReadAhead);
+    loop.fill(blocks.writable(moreThanIsReadAhead));
+    loop.stop();
+    EXPECT_EQ(blocks.readable(moreThanIsReadAhead)[2].back(), 0.0F);
+    EXPECT_THAT(logged(), testing::ElementsAre(testing::HasSubstr("frames of silence were played instead.")));
+}
+
+TEST_F(LoopedFileTest, FallsSilentWhereItsFileHasBecomeAnotherOne) {
+    writeFile(folder / "loop.wav", 3, 60'000);
+    LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
+    ASSERT_TRUE(loop.start(VirtualPacing::stepped));
+    writeFile(folder / "loop.wav", 2, 60'000);
+    expectLoop(loop, 60'000, 50'000);
+    PlanarBlocks blocks(3, 4096);
+    for (int i = 0; i < 10; ++i)
+        loop.fill(blocks.writable(4096));
+    EXPECT_EQ(blocks.readable(4096)[0].front(), 0.0F);
+    loop.stop();
+    EXPECT_THAT(logged(), testing::ElementsAre(testing::HasSubstr("it has 2 channels, not 3")));
+}
+
+TEST_F(LoopedFileTest, DoesNotStartWithoutAFileOfItsChannels) {
+    for (const std::size_t mostInMemory : {anySize, nothingInMemory}) {
+        LoopedFile missing(folder / "missing.wav", 3, log, mostInMemory);
+        const auto started = missing.start(VirtualPacing::live);
+        ASSERT_FALSE(started);
+        EXPECT_THAT(started.error().description, testing::HasSubstr("No such file"));
+
+        writeFile(folder / "two.wav", 2, 100);
+        LoopedFile narrow(folder / "two.wav", 3, log, mostInMemory);
+        const auto startedNarrow = narrow.start(VirtualPacing::live);
+        ASSERT_FALSE(startedNarrow);
+        EXPECT_THAT(startedNarrow.error().description, testing::HasSubstr("it has 2 channels, not 3"));
+    }
+}
+
+} // namespace

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/audio_driver.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+namespace orvane::test {
+
+/// Keeps what a watch tells, and lets the test wait for it. Outlives the watch.
+class ChangeLog final {
+  public:
+    [[nodiscard]] platform::AudioDriver::Listener listener() {
+        return [this](platform::AudioDeviceChange change) {
+            {
+                const std::scoped_lock lock(mutex);
+                changes.push_back(change);
+            }
+            hasChanged.notify_all();
+        };
+    }
+
+    /// Waits until there are `count` changes and gives all there are.
+    std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
+        std::unique_lock lock(mutex);
+        hasChanged.wait(lock, [this, count] { return changes.size() >= count; });
+        return changes;
+    }
+
+  private:
+    std::mutex mutex;
+    std::condition_variable hasChanged;
+    std::vector<platform::AudioDeviceChange> changes;
+};
+
+} // namespace orvane::test

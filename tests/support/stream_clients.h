@@ -1,0 +1,84 @@
+#pragma once
+
+#include "platform/audio_driver.h"
+#include "support/allocation_guard.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace orvane::test {
+
+/// Keeps what it hears and plays numbers that name their channel and frame.
+class KeepingClient final : public platform::AudioStreamClient {
+  public:
+    void cycle(
+        std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
+        std::size_t frameCount
+    ) noexcept override {
+        heard.resize(inputs.size());
+        played.resize(outputs.size());
+        for (std::size_t channel = 0; channel < inputs.size(); ++channel)
+            heard[channel].insert(heard[channel].end(), inputs[channel].begin(), inputs[channel].end());
+        for (std::size_t channel = 0; channel < outputs.size(); ++channel) {
+            for (float& sample : outputs[channel]) {
+                sample = static_cast<float>(channel * 1'000'000 + played[channel].size());
+                played[channel].push_back(sample);
+            }
+        }
+        lengths.push_back(frameCount);
+    }
+
+    /// Channels x frames, since it was made.
+    std::vector<std::vector<float>> heard;
+    std::vector<std::vector<float>> played;
+    /// Frames of each cycle.
+    std::vector<std::size_t> lengths;
+};
+
+/// Plays silence, counts its cycles and lets other threads wait for them. No cycle may allocate.
+class CountingClient final : public platform::AudioStreamClient {
+  public:
+    /// `inCycle` is called in every cycle, with its frame count.
+    explicit CountingClient(std::function<void(std::size_t)> inCycle = [](std::size_t) {})
+        : onCycle(std::move(inCycle)) {}
+
+    void cycle(
+        std::span<const std::span<const float>>, std::span<const std::span<float>> outputs,
+        std::size_t frameCount
+    ) noexcept override {
+        const AllocationGuard guard;
+        for (const std::span<float> block : outputs)
+            std::ranges::fill(block, 0.0F);
+        onCycle(frameCount);
+        {
+            const std::scoped_lock lock(mutex);
+            ++count;
+        }
+        hasRun.notify_all();
+    }
+
+    [[nodiscard]] std::size_t cycles() {
+        const std::scoped_lock lock(mutex);
+        return count;
+    }
+
+    /// Waits until `more` further cycles have run.
+    void waitFor(std::size_t more) {
+        std::unique_lock lock(mutex);
+        hasRun.wait(lock, [this, wanted = count + more] { return count >= wanted; });
+    }
+
+  private:
+    std::function<void(std::size_t)> onCycle;
+    std::mutex mutex;
+    std::condition_variable hasRun;
+    std::size_t count = 0;
+};
+
+} // namespace orvane::test

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual_audio/virtual_devices.h"
+#include "support/stream_clients.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane::test {
+
+inline constexpr std::string_view panel = "virtual:panel";
+inline constexpr std::string_view silent = "virtual:silent48";
+inline constexpr std::string_view monitor = "virtual:monitor";
+
+inline const std::filesystem::path panelRecording = ORVANE_ASSETS "/demo/panel-8ch.flac";
+
+/// A stepped driver of the built-in devices.
+class VirtualDriverTest : public testing::Test {
+  protected:
+    std::unique_ptr<platform::AudioStream>
+    open(std::string_view uid, platform::AudioStreamClient& client, bool enableInput = true) {
+        auto opened = driver.open(uid, enableInput, client);
+        EXPECT_TRUE(opened) << uid;
+        return std::move(opened).value();
+    }
+
+    std::unique_ptr<platform::AudioStream>
+    startOn(std::string_view uid, platform::AudioStreamClient& client) {
+        auto stream = open(uid, client);
+        EXPECT_EQ(stream->start(), platform::noErr) << uid;
+        return stream;
+    }
+
+    platform::OSStatus openingStatus(std::string_view uid) {
+        CountingClient client;
+        const auto opened = driver.open(uid, true, client);
+        return opened ? platform::noErr : opened.error();
+    }
+
+    std::vector<std::string> logged() {
+        log.flush();
+        return lines;
+    }
+
+    std::vector<std::string> lines;
+    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
+    platform::VirtualAudioDriver driver{
+        platform::builtInDevices(panelRecording, log), platform::VirtualPacing::stepped, log};
+};
+
+} // namespace orvane::test
