@@ -33,20 +33,6 @@ TEST(RoutingTable, NamesEveryOutputInUseOnceAndNoneBelowZero) {
     EXPECT_TRUE(RoutingTable({}, {}, master_output::None{}).activeChannelsWithMaster.empty());
 }
 
-TEST(RoutingTable, PansAtConstantPower) {
-    const double halfPower = std::sqrt(0.5);
-    struct Case {
-        double pan;
-        double left;
-        double right;
-    };
-    for (const Case& one : {Case{-1.0, 1.0, 0.0}, Case{0.0, halfPower, halfPower}, Case{1.0, 0.0, 1.0}}) {
-        const audio::Sends sends = audio::sendsOf(OutputRouting(output::Stereo{0, 1, one.pan}));
-        EXPECT_NEAR(sends.begin()[0].gain, one.left, 1e-15) << one.pan;
-        EXPECT_NEAR(sends.begin()[1].gain, one.right, 1e-15) << one.pan;
-    }
-}
-
 TEST(MixerRealtimeState, ShowsNothingUntilTheFirstBlock) {
     const MixerRealtimeState state(3);
     const audio::MeterReading reading = state.readMeters();

@@ -7,7 +7,8 @@
 
 #include <cmath>
 #include <memory>
-#include <string>
+#include <numbers>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -55,38 +56,22 @@ struct BypassedStrips : MixerHarness {
 };
 
 TEST(RenderPass, RoutesStripsToTheOutputsTheyName) {
-    const auto centre = static_cast<float>(std::sqrt(0.5));
-    struct Case {
-        const char* what;
-        Inputs inputs;
-        Outputs outputs;
-        std::vector<double> heard;
-    };
-    for (const Case& one : {
-             Case{"strips sum on one output", {0, 1}, {output::Mono{2}, output::Mono{2}}, {0, 0, 0.75, 0}},
-             Case{
-                 "centre",
-                 {0, 1},
-                 {output::Stereo{0, 1, 0.0}, output::None{}},
-                 {0.5 * centre, 0.5 * centre, 0, 0}},
-             Case{
-                 "hard left and right",
-                 {0, 1},
-                 {output::Stereo{0, 1, -1.0}, output::Stereo{2, 3, 1.0}},
-                 {0.5, 0, 0.0, 0.25}},
-             Case{"one input twice", {1, 1}, {output::Mono{0}, output::Mono{3}}, {0.25, 0, 0, 0.25}},
-             Case{"no such input", {std::nullopt, 9}, {output::Mono{0}, output::Mono{1}}, {0, 0, 0, 0}},
-             Case{"negative input", {-1, 0}, {output::Mono{0}, output::Mono{1}}, {0, 0.5, 0, 0}},
-             Case{
-                 "outputs that are not there",
-                 {0, 1},
-                 {output::Stereo{3, 4, -1.0}, output::Mono{-1}},
-                 {0, 0, 0, 0.5}},
-         }) {
+    using output::Mono;
+    using output::Stereo;
+    constexpr double centre = 0.5 * std::numbers::sqrt2 / 2.0;
+    const std::tuple<const char*, Inputs, Outputs, std::vector<double>> cases[] = {
+        {"strips sum on one output", {0, 1}, {Mono{2}, Mono{2}}, {0, 0, 0.75, 0}},
+        {"centre", {0, 1}, {Stereo{0, 1, 0.0}, output::None{}}, {centre, centre, 0, 0}},
+        {"hard left and right", {0, 1}, {Stereo{0, 1, -1.0}, Stereo{2, 3, 1.0}}, {0.5, 0, 0.0, 0.25}},
+        {"one input twice", {1, 1}, {Mono{0}, Mono{3}}, {0.25, 0, 0, 0.25}},
+        {"no such input", {std::nullopt, 9}, {Mono{0}, Mono{1}}, {0, 0, 0, 0}},
+        {"negative input", {-1, 0}, {Mono{0}, Mono{1}}, {0, 0.5, 0, 0}},
+        {"outputs that are not there", {0, 1}, {Stereo{3, 4, -1.0}, Mono{-1}}, {0, 0, 0, 0.5}}};
+    for (const auto& [what, inputs, outputs, expected] : cases) {
         BypassedStrips mixer({.strips = 2, .outputs = 4});
-        const std::vector<double> heard = mixer.play({0.5F, 0.25F}, one.inputs, one.outputs);
+        const std::vector<double> heard = mixer.play({0.5F, 0.25F}, inputs, outputs);
         for (std::size_t c = 0; c < heard.size(); ++c)
-            EXPECT_NEAR(heard[c], one.heard[c], 1e-7) << one.what << ", output " << c;
+            EXPECT_NEAR(heard[c], expected[c], 1e-7) << what << ", output " << c;
     }
 }
 
@@ -140,22 +125,6 @@ TEST(RenderPass, PublishesLevelsAndGainReductionOfEveryStrip) {
     EXPECT_GT(mixer.state.readMeters().referenceNoiseLevel, 0.0);
 }
 
-TEST(RenderPass, TakesAnEmptyBlockInItsStride) {
-    MixerHarness mixer({.strips = 1});
-    mixer.state.updateRouting(Inputs{0}, Outputs{output::Mono{0}}, master_output::Stereo{0, 1});
-    mixer.pass({{}}, 0);
-    EXPECT_EQ(mixer.state.readMeters().channelLevels.size(), 2U);
-    EXPECT_EQ(MixerHarness::pull(mixer.state.outputRingBuffers, 1, 4)[0], std::vector<float>(4, 0.0F));
-}
-
-TEST(OutputPull, SilencesWhatHasNoRingAndWhatRunsShort) {
-    const audio::RingBuffers rings = test::makeRings(1, 4);
-    rings[0]->write(std::vector<float>{1.0F, 2.0F});
-    const DeviceBlocks played = MixerHarness::pull(rings, 2, 3);
-    EXPECT_EQ(played[0], (std::vector<float>{1.0F, 2.0F, 0.0F}));
-    EXPECT_EQ(played[1], std::vector<float>(3, 0.0F));
-}
-
 /// A context around a scripted effect.
 struct Effect {
     explicit Effect(UnitAct act) : unit({act}) {
@@ -169,28 +138,24 @@ struct Effect {
 };
 
 TEST(RenderPass, RunsInsertsInSlotOrderWhereTheirStripHasAnInput) {
-    Effect doubles(UnitAct::doubles);
-    Effect quarter(UnitAct::replacesPointers);
-    struct Case {
-        const char* what;
-        std::vector<std::shared_ptr<plugins::InsertRenderContext>> slots;
-        std::vector<bool> bypassed;
-        std::optional<std::int64_t> input;
-        double heard;
-    };
-    for (const Case& one :
-         {Case{"none", {nullptr, nullptr}, {false, false}, 0, 0.125},
-          Case{"second slot", {nullptr, doubles.context}, {false, false}, 0, 0.25},
-          Case{"in order", {quarter.context, doubles.context}, {false, false}, 0, 0.5},
-          Case{"in the other order", {doubles.context, quarter.context}, {false, false}, 0, 0.25},
-          Case{"bypassed", {quarter.context, doubles.context}, {true, false}, 0, 0.25},
-          Case{"flags missing", {quarter.context, doubles.context}, {}, 0, 0.5},
-          Case{"no input", {quarter.context}, {false}, std::nullopt, 0.0}}) {
+    using Slots = std::vector<std::shared_ptr<plugins::InsertRenderContext>>;
+    Effect first(UnitAct::doubles);
+    Effect second(UnitAct::replacesPointers);
+    const auto& doubles = first.context;
+    const auto& quarter = second.context;
+    const std::tuple<const char*, Slots, std::vector<bool>, std::optional<std::int64_t>, double> cases[] = {
+        {"none", {nullptr, nullptr}, {false, false}, 0, 0.125},
+        {"second slot", {nullptr, doubles}, {false, false}, 0, 0.25},
+        {"in order", {quarter, doubles}, {false, false}, 0, 0.5},
+        {"in the other order", {doubles, quarter}, {false, false}, 0, 0.25},
+        {"bypassed", {quarter, doubles}, {true, false}, 0, 0.25},
+        {"flags missing", {quarter, doubles}, {}, 0, 0.5},
+        {"no input", {quarter}, {false}, std::nullopt, 0.0}};
+    for (const auto& [what, slots, bypassed, input, expected] : cases) {
         BypassedStrips mixer({.strips = 2, .outputs = 1});
-        mixer.state.updatePlugins({{one.slots}, {one.bypassed}});
-        const std::vector<double> heard =
-            mixer.play({0.125F}, {one.input, std::nullopt}, {output::Mono{0}, output::None{}});
-        EXPECT_NEAR(heard[0], one.heard, 1e-7) << one.what;
+        mixer.state.updatePlugins({{slots}, {bypassed}});
+        const auto heard = mixer.play({0.125F}, {input, std::nullopt}, {output::Mono{0}, output::None{}});
+        EXPECT_NEAR(heard[0], expected, 1e-7) << what;
     }
 }
 

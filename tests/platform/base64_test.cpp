@@ -9,24 +9,12 @@ namespace {
 using orvane::platform::decodeBase64;
 using orvane::platform::encodeBase64;
 
-std::vector<std::uint8_t> bytesOf(std::string_view text) {
-    return {text.begin(), text.end()};
-}
-
-TEST(Base64, GivesTheTextsOfTheStandardAndReadsThem) {
-    const std::pair<const char*, const char*> textByContent[] = {
-        {"", ""},
-        {"f", "Zg=="},
-        {"fo", "Zm8="},
-        {"foo", "Zm9v"},
-        {"foob", "Zm9vYg=="},
-        {"fooba", "Zm9vYmE="},
-        {"foobar", "Zm9vYmFy"},
-        {"\xFB\xFF\xBF", "+/+/"}};
-    for (const auto& [content, text] : textByContent) {
-        EXPECT_EQ(encodeBase64(bytesOf(content)), text);
-        EXPECT_EQ(decodeBase64(text), bytesOf(content)) << text;
-    }
+TEST(Base64, GivesTheTextsOfTheStandard) {
+    const std::pair<std::string_view, const char*> textByContent[] = {
+        {"", ""},        {"f", "Zg=="},        {"fo", "Zm8="},
+        {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xFB\xFF\xBF", "+/+/"}};
+    for (const auto& [content, text] : textByContent)
+        EXPECT_EQ(encodeBase64(std::vector<std::uint8_t>(content.begin(), content.end())), text);
 }
 
 TEST(Base64, BringsAnyBytesBack) {
@@ -47,16 +35,12 @@ TEST(Base64, RefusesWhatIsNotStrictlyItsForm) {
 }
 
 TEST(Base64, ReadsOnlyTheOneTextThatItWouldWrite) {
-    for (int first = 0; first < 256; ++first) {
-        for (int second = 0; second < 256; ++second) {
-            for (const char* ending : {"==", "A=", "B=", "AA"}) {
-                const std::string text = {
-                    static_cast<char>(first), static_cast<char>(second), ending[0], ending[1]};
-                const auto bytes = decodeBase64(text);
-                if (bytes) {
-                    EXPECT_EQ(encodeBase64(*bytes), text);
-                }
-            }
+    for (int pair = 0; pair < 65536; ++pair) {
+        for (const char* ending : {"==", "A=", "B=", "AA"}) {
+            const std::string text = {
+                static_cast<char>(pair / 256), static_cast<char>(pair), ending[0], ending[1]};
+            const auto bytes = decodeBase64(text);
+            EXPECT_TRUE(!bytes || encodeBase64(*bytes) == text) << text;
         }
     }
 }

@@ -40,24 +40,21 @@ struct Insert {
 constexpr double tenth = 0.1F;
 
 TEST(InsertRenderContext, BringsBackWhatTheEffectMadeOrTheInputUntouched) {
-    struct Case {
-        const char* what;
-        UnitAct act;
-        std::size_t channels;
-        double expected;
-    };
-    for (const Case& one :
-         {Case{"mono", UnitAct::doubles, 1, 2.0 * tenth},
-          Case{"stereo of equal sides", UnitAct::doubles, 2, 2.0 * tenth},
-          Case{"mean of both sides", UnitAct::leftOnly, 2, 0.5}, Case{"error", UnitAct::fails, 1, 0.1},
-          Case{"error, stereo", UnitAct::fails, 2, 0.1}, Case{"lost pointer", UnitAct::losesPointer, 1, 0.1},
-          Case{"lost pointer, stereo", UnitAct::losesPointer, 2, 0.1},
-          Case{"dropped output", UnitAct::dropsOutput, 2, 0.1},
-          Case{"buffers of its own", UnitAct::replacesPointers, 2, 0.25}}) {
-        Insert insert({one.act}, one.channels);
-        EXPECT_EQ(insert.process(std::vector<double>(64, 0.1), 64), std::vector<double>(64, one.expected))
-            << one.what;
-        EXPECT_EQ(insert.context.sampleTime(), 64.0) << one.what;
+    const std::tuple<const char*, UnitAct, std::size_t, double> cases[] = {
+        {"mono", UnitAct::doubles, 1, 2.0 * tenth},
+        {"stereo of equal sides", UnitAct::doubles, 2, 2.0 * tenth},
+        {"mean of both sides", UnitAct::leftOnly, 2, 0.5},
+        {"error", UnitAct::fails, 1, 0.1},
+        {"error, stereo", UnitAct::fails, 2, 0.1},
+        {"lost pointer", UnitAct::losesPointer, 1, 0.1},
+        {"lost pointer, stereo", UnitAct::losesPointer, 2, 0.1},
+        {"dropped output", UnitAct::dropsOutput, 2, 0.1},
+        {"buffers of its own", UnitAct::replacesPointers, 2, 0.25}};
+    for (const auto& [what, act, channels, expected] : cases) {
+        Insert insert({act}, channels);
+        EXPECT_EQ(insert.process(std::vector<double>(64, 0.1), 64), std::vector<double>(64, expected))
+            << what;
+        EXPECT_EQ(insert.context.sampleTime(), 64.0) << what;
     }
 }
 

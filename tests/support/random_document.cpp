@@ -1,5 +1,6 @@
 #include "support/random_document.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -16,19 +17,29 @@ class Draw final {
   public:
     explicit Draw(std::uint64_t seed) : engine(seed) {}
 
+    MixerDocumentData document() {
+        const auto channels = list(0, 4, &Draw::channel);
+        const auto snapshots = list(0, 3, &Draw::snapshot);
+        const auto master = routing<MasterOutputRouting>(master_output::Stereo{integer(), integer()});
+        const auto flags = list(0, 6, &Draw::flag);
+        return {channels, number(), integer(), snapshots, master,
+                number(), number(), flags,     number(),  number()};
+    }
+
+  private:
     std::size_t below(std::size_t limit) { return engine() % limit; }
     bool flag() { return below(2) == 1; }
+    std::uint8_t byte() { return static_cast<std::uint8_t>(engine()); }
+    std::uint32_t code() { return flag() ? static_cast<std::uint32_t>(engine()) : ~0U; }
 
     double number() {
-        for (;;) {
-            const auto any = std::bit_cast<double>(engine());
-            if (std::isfinite(any)) return flag() ? any : static_cast<double>(below(2000)) / 10.0 - 100.0;
-        }
+        const auto any = std::bit_cast<double>(engine());
+        return flag() && std::isfinite(any) ? any : static_cast<double>(below(2000)) / 10.0 - 100.0;
     }
 
     std::int64_t integer() {
-        constexpr std::int64_t extremes[] = {
-            std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max(), 0, -1};
+        using Limits = std::numeric_limits<std::int64_t>;
+        constexpr std::int64_t extremes[] = {Limits::min(), Limits::max(), 0, -1};
         return flag() ? extremes[below(4)] : static_cast<std::int64_t>(below(64));
     }
 
@@ -37,96 +48,54 @@ class Draw final {
         std::string text;
         for (std::size_t count = below(6); count > 0; --count)
             text += pieces[below(std::size(pieces))];
-        if (below(8) == 0) text += '\0';
-        return text;
+        return below(8) == 0 ? text + '\0' : text;
     }
 
-    std::vector<std::uint8_t> bytes() {
-        std::vector<std::uint8_t> drawn(below(70));
-        for (auto& byte : drawn)
-            byte = static_cast<std::uint8_t>(engine());
-        return drawn;
+    template <class Value>
+    std::optional<Value> maybe(Value value) {
+        return flag() ? std::optional(std::move(value)) : std::nullopt;
     }
 
-    std::uint32_t code() { return flag() ? static_cast<std::uint32_t>(engine()) : ~0U; }
+    template <class Item>
+    std::vector<Item> list(std::size_t shortest, std::size_t longest, Item (Draw::*make)()) {
+        std::vector<Item> items;
+        for (std::size_t count = shortest + below(longest - shortest + 1); count > 0; --count)
+            items.push_back((this->*make)());
+        return items;
+    }
+
+    template <class Routing>
+    Routing routing(Routing stereo) {
+        return std::array<Routing, 3>{output::None{}, output::Mono{integer()}, stereo}[below(3)];
+    }
 
     PluginSlot slot() {
-        PluginSlot slot = PluginSlot::makeEmpty();
-        if (flag()) slot.pluginName = text();
-        if (flag()) slot.component = {code(), code(), code()};
-        if (flag()) slot.presetData = bytes();
-        slot.bypassed = flag();
-        return slot;
+        const auto component = maybe(AUComponentIdentity{code(), code(), code()});
+        return {platform::Uuid::random(), maybe(text()), component, maybe(list(0, 69, &Draw::byte)), flag()};
     }
 
-    OutputRouting routing() {
-        switch (below(3)) {
-        case 0:
-            return output::None{};
-        case 1:
-            return output::Mono{integer()};
-        default:
-            return output::Stereo{integer(), integer(), number()};
-        }
-    }
-
-    MasterOutputRouting masterRouting() {
-        switch (below(3)) {
-        case 0:
-            return master_output::None{};
-        case 1:
-            return master_output::Mono{integer()};
-        default:
-            return master_output::Stereo{integer(), integer()};
-        }
-    }
-
-    std::vector<ChannelSettingsData> channels() {
-        std::vector<ChannelSettingsData> drawn(below(5));
-        for (auto& channel : drawn) {
-            channel.name = text();
-            if (flag()) channel.inputChannelIndex = integer();
-            channel.outputRouting = routing();
-            channel.genderMode = dsp::allGenderTriggerModes[below(3)];
-            channel.muted = flag();
-            channel.bypassed = flag();
-            channel.trim = number();
-            channel.vocalRole = dsp::allVocalRoles[below(3)];
-            for (std::size_t count = pluginSlotsPerChannel + below(3); count > 0; --count)
-                channel.pluginSlots.push_back(slot());
-        }
-        return drawn;
+    ChannelSettingsData channel() {
+        const auto output = routing<OutputRouting>(output::Stereo{integer(), integer(), number()});
+        const auto gender = dsp::allGenderTriggerModes[below(3)];
+        const auto role = dsp::allVocalRoles[below(3)];
+        const auto slots = list(pluginSlotsPerChannel, pluginSlotsPerChannel + 2, &Draw::slot);
+        return {text(), maybe(integer()), output, gender, flag(), flag(), number(), role, slots};
     }
 
     Snapshot snapshot() {
-        Snapshot snapshot{platform::Uuid::random(), text(), channels(), number(), number(), number(), {}};
-        if (flag()) snapshot.midiTrigger = {integer(), integer()};
-        return snapshot;
+        const auto id = platform::Uuid::random();
+        const auto channels = list(0, 4, &Draw::channel);
+        const auto trigger = maybe(MIDITrigger{integer(), integer()});
+        return {id, text(), channels, number(), number(), number(), trigger};
     }
 
-  private:
     std::mt19937_64 engine;
 };
 
 } // namespace
 
 MixerDocumentData randomDocument(std::uint64_t seed) {
-    Draw draw(seed);
-    MixerDocumentData data;
-    data.channels = draw.channels();
-    data.masterTargetDB = draw.number();
-    data.bufferSize = draw.integer();
-    for (std::size_t count = draw.below(4); count > 0; --count)
-        data.snapshots.push_back(draw.snapshot());
-    data.masterOutputRouting = draw.masterRouting();
-    data.leadGroupGainDB = draw.number();
-    data.backingGroupGainDB = draw.number();
-    data.pluginSlotRecallSafe.resize(draw.below(7));
-    for (auto&& flag : data.pluginSlotRecallSafe)
-        flag = draw.flag();
-    data.referenceNoiseGain = draw.number();
-    data.duckerReleaseMs = draw.number();
-    return data;
+    return Draw(seed).document();
 }
 
 } // namespace orvane::test

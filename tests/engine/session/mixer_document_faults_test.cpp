@@ -1,207 +1,220 @@
 #include "engine/session/mixer_document_decoder.h"
+#include "engine/session/mixer_document_encoder.h"
+#include "support/description_of.h"
+#include "support/random_document.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
-#include <span>
+#include <algorithm>
+#include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
 
 namespace {
 
-using orvane::session::decodeMixerDocument;
+using namespace orvane::session;
+using nlohmann::json;
+using orvane::test::randomDocument;
 using testing::HasSubstr;
 
-constexpr std::string_view validDocument = R"({
-    "bufferSize": 128,
-    "channels": [
-        {"name": "One", "inputChannelIndex": 0, "outputRouting": {"mono": {"channel": 4}}, "genderMode": "male",
-         "muted": false, "bypassed": false, "trim": 1.0, "vocalRole": "lead"},
-        {"name": "Two", "outputRouting": {"stereo": {"left": 0, "pan": 0.25, "right": 1}}, "genderMode": "neutral",
-         "muted": true, "bypassed": true, "trim": 2, "pluginSlots": [
-            {"id": "00000000-0000-4000-8000-000000000000", "bypassed": false},
-            {"id": "00000000-0000-4000-8000-000000000001", "bypassed": true, "pluginName": "Comp",
-             "presetData": "AAECAw==",
-             "component": {"componentType": 1635083896, "componentSubType": 2, "componentManufacturer": 3}}]}
-    ],
-    "masterTargetDB": -18.5,
-    "masterOutputRouting": {"none": {}},
-    "pluginSlotRecallSafe": [true, false],
-    "duckerReleaseMs": 300,
-    "snapshots": [{"id": "00000000-0000-4000-8000-0000000000FF", "name": "Scene", "channels": [],
-                   "masterTargetDB": 0, "midiTrigger": {"channel": 1, "note": 60}}]
-})";
+constexpr std::size_t sizeLimit = 64U << 20U;
+const std::string nearlyWhole = R"({"bufferSize": 64, "masterTargetDB": 0, "snapshots": [], "channels": [])";
 
-struct Fault {
-    std::string_view text;
-    std::string_view replacement;
-    std::string_view description;
-};
-
-/// Replaces one piece of the valid document and tells what the reader says of the result.
-std::string descriptionOf(const Fault& fault) {
-    std::string text(validDocument);
-    const auto position = text.find(fault.text);
-    if (position == std::string::npos) return "The valid document lacks the piece.";
-    text.replace(position, fault.text.size(), fault.replacement);
-    const auto data = decodeMixerDocument(text);
-    return data ? "success" : data.error().description;
+json validDocument() {
+    return json::parse(R"({
+        "bufferSize": 128, "masterTargetDB": -18.5, "masterOutputRouting": {"none": {}},
+        "pluginSlotRecallSafe": [true, false], "duckerReleaseMs": 300,
+        "channels": [
+            {"name": "One", "inputChannelIndex": 0, "outputRouting": {"mono": {"channel": 4}}, "trim": 1.0,
+             "genderMode": "male", "muted": false, "bypassed": false, "vocalRole": "lead"},
+            {"name": "Two", "outputRouting": {"stereo": {"left": 0, "pan": 0.25, "right": 1}}, "trim": 2,
+             "genderMode": "neutral", "muted": true, "bypassed": true, "pluginSlots": [
+                {"id": "00000000-0000-4000-8000-000000000001", "bypassed": true, "pluginName": "Comp",
+                 "component": {"componentType": 1635083896, "componentSubType": 2, "componentManufacturer": 3},
+                 "presetData": "AAECAw=="}]}],
+        "snapshots": [{"id": "00000000-0000-4000-8000-0000000000FF", "name": "Scene", "channels": [],
+                       "masterTargetDB": 0, "midiTrigger": {"channel": 1, "note": 60}}]})");
 }
 
-void expectDescriptions(std::span<const Fault> faults) {
-    for (const Fault& fault : faults)
-        EXPECT_THAT(descriptionOf(fault), HasSubstr(std::string(fault.description)))
-            << fault.text << " became " << fault.replacement;
+/// "/channels/1/name" of "channels[1].name".
+json::json_pointer pointerTo(std::string path) {
+    std::erase(path, ']');
+    std::ranges::replace(path, '[', '/');
+    std::ranges::replace(path, '.', '/');
+    return json::json_pointer('/' + path);
 }
 
-TEST(MixerDocumentFaults, TheDocumentThatTheyAreMadeFromIsValid) {
-    const auto data = decodeMixerDocument(validDocument);
-    ASSERT_TRUE(data) << data.error().description;
-    EXPECT_EQ(
-        data.value().channels.at(1).pluginSlots.at(1).presetData, (std::vector<std::uint8_t>{0, 1, 2, 3})
-    );
+/// The valid document with any text in the place of one value, which need not have been there.
+std::string documentWith(const std::string& path, std::string_view replacement) {
+    json document = validDocument();
+    document[pointerTo(path)] = "@";
+    std::string text = document.dump();
+    return text.replace(text.find("\"@\""), 3, replacement);
+}
+
+/// What the reader says of a text.
+std::string descriptionOf(std::string_view text) {
+    return orvane::test::descriptionOf(decodeMixerDocument(text));
 }
 
 TEST(MixerDocumentFaults, AMissingSettingIsNamed) {
-    const Fault faults[] = {
-        {"\"bufferSize\": 128,", "", "bufferSize is missing."},
-        {"\"channels\": [", "\"chanels\": [", "channels is missing."},
-        {"\"name\": \"Two\", ", "", "channels[1].name is missing."},
-        {", \"genderMode\": \"neutral\"", "", "channels[1].genderMode is missing."},
-        {"\"muted\": true, ", "", "channels[1].muted is missing."},
-        {"\"trim\": 1.0, ", "", "channels[0].trim is missing."},
-        {"\"outputRouting\": {\"mono\": {\"channel\": 4}}, ", "", "channels[0].outputRouting is missing."},
-        {"\"channel\": 4", "", "channels[0].outputRouting.mono.channel is missing."},
-        {"\"pan\": 0.25, ", "", "channels[1].outputRouting.stereo.pan is missing."},
-        {", \"bypassed\": false},", "},", "channels[1].pluginSlots[0].bypassed is missing."},
-        {"\"componentSubType\": 2, ", "",
-         "channels[1].pluginSlots[1].component.componentSubType is missing."},
-        {", \"note\": 60", "", "snapshots[0].midiTrigger.note is missing."},
-        {"\"id\": \"00000000-0000-4000-8000-0000000000FF\", ", "", "snapshots[0].id is missing."}};
-    expectDescriptions(faults);
-}
-
-TEST(MixerDocumentFaults, AValueOfAnotherKindIsNamed) {
-    const Fault faults[] = {
-        {"-18.5", "\"-18.5\"", "masterTargetDB must be a number."},
-        {"-18.5", "null", "masterTargetDB must be a number."},
-        {"300", "true", "duckerReleaseMs must be a number."},
-        {"\"One\"", "1", "channels[0].name must be a string."},
-        {"\"One\"", "null", "channels[0].name must be a string."},
-        {"\"muted\": false", "\"muted\": 0", "channels[0].muted must be true or false."},
-        {"[true, false]", "[true, 0]", "pluginSlotRecallSafe[1] must be true or false."},
-        {"[true, false]", "{}", "pluginSlotRecallSafe must be an array."},
-        {"\"channels\": []", "\"channels\": {}", "snapshots[0].channels must be an array."},
-        {"{\"channel\": 1, \"note\": 60}", "[1, 60]", "snapshots[0].midiTrigger must be an object."},
-        {"{\"none\": {}}", "\"none\"", "masterOutputRouting must be an object."},
-        {"{\"none\": {}}", "{\"none\": 1}", "masterOutputRouting.none must be an object."},
-        {"{\"channel\": 4}", "4", "channels[0].outputRouting.mono must be an object."},
-        {"\"Comp\"", "[]", "channels[1].pluginSlots[1].pluginName must be a string."}};
-    expectDescriptions(faults);
-    for (const char* other : {"[]", "1", "\"text\"", "null", "true"})
-        EXPECT_EQ(decodeMixerDocument(other).error().description, "The document must be an object.") << other;
-}
-
-TEST(MixerDocumentFaults, AnIntegerMustBeWholeAndFit) {
-    const char* notIntegers[] = {
-        "1.0",   "1e2",   "1E2",  "1.5", "9223372036854775808",        "-9223372036854775809",
-        "1e999", "\"1\"", "true", "[]",  "100000000000000000000000000"};
-    for (const char* number : notIntegers) {
-        const std::string expected = std::string(number) == "1e999"
-                                         ? "bufferSize is a number beyond the range"
-                                         : "bufferSize must be a whole number from ";
-        EXPECT_THAT(descriptionOf({"128", number, ""}), HasSubstr(expected)) << number;
+    EXPECT_EQ(descriptionOf(validDocument().dump()), "success");
+    std::istringstream paths(
+        "bufferSize channels masterTargetDB snapshots channels[1].name channels[0].trim channels[1].muted "
+        "channels[1].genderMode channels[0].bypassed channels[0].outputRouting snapshots[0].name "
+        "channels[0].outputRouting.mono.channel channels[1].outputRouting.stereo.left snapshots[0].id "
+        "channels[1].outputRouting.stereo.pan channels[1].outputRouting.stereo.right snapshots[0].channels "
+        "channels[1].pluginSlots[0].id channels[1].pluginSlots[0].bypassed snapshots[0].masterTargetDB "
+        "channels[1].pluginSlots[0].component.componentType snapshots[0].midiTrigger.channel "
+        "channels[1].pluginSlots[0].component.componentSubType snapshots[0].midiTrigger.note "
+        "channels[1].pluginSlots[0].component.componentManufacturer"
+    );
+    for (std::string path; paths >> path;) {
+        json document = validDocument();
+        const auto pointer = pointerTo(path);
+        document[pointer.parent_pointer()].erase(pointer.back());
+        EXPECT_EQ(descriptionOf(document.dump()), path + " is missing.");
     }
-    for (const char* number : {"9223372036854775807", "-9223372036854775808", "0", "-0", "-1"})
-        EXPECT_EQ(descriptionOf({"128", number, ""}), "success") << number;
-
-    const std::string where =
-        "channels[1].pluginSlots[1].component.componentType must be a whole number from 0 to "
-        "4294967295, without fraction or exponent.";
-    for (const char* number : {"-1", "4294967296", "1.0", "18446744073709551615", "\"aufx\""})
-        EXPECT_EQ(descriptionOf({"1635083896", number, ""}), where) << number;
-    for (const char* number : {"0", "4294967295"})
-        EXPECT_EQ(descriptionOf({"1635083896", number, ""}), "success") << number;
 }
 
-TEST(MixerDocumentFaults, ANumberMustBeFinite) {
-    const Fault faults[] = {
-        {"-18.5", "1e400", "masterTargetDB is a number beyond the range of a double."},
-        {"0.25", "-1e400", "channels[1].outputRouting.stereo.pan is a number beyond the range of a double."},
-        {"[true, false]", "[true, 1e400]",
-         "pluginSlotRecallSafe[1] is a number beyond the range of a double."},
-        {"-18.5", "NaN", "The text is not valid JSON at line 13, column 23."},
-        {"-18.5", "-Infinity", "The text is not valid JSON at line 13, column 24."}};
-    expectDescriptions(faults);
-}
-
-TEST(MixerDocumentFaults, ARoutingHasExactlyOneKnownCase) {
-    const Fault faults[] = {
-        {"{\"mono\": {\"channel\": 4}}", "{\"mono\": {\"channel\": 2}, \"none\": {}}",
-         "channels[0].outputRouting is not a routing: Invalid number of keys found, expected one."},
-        {"{\"mono\": {\"channel\": 4}}", "{}", "Invalid number of keys found, expected one."},
-        {"{\"none\": {}}", "{\"none\": {}, \"future\": 1}",
-         "masterOutputRouting is not a routing: Invalid number of keys found, expected one."},
-        {"{\"none\": {}}", "{\"surround\": {}}", "masterOutputRouting has the unknown case \"surround\"."},
-        {"{\"none\": {}}", "{\"None\": {}}", "masterOutputRouting has the unknown case \"None\"."},
-        {"{\"none\": {}}", "{\"channel\": {}}", "masterOutputRouting has the unknown case \"channel\"."}};
-    expectDescriptions(faults);
-}
-
-TEST(MixerDocumentFaults, AWordMustBeKnown) {
-    const Fault faults[] = {
-        {"\"lead\"", "\"Lead\"", "channels[0].vocalRole is the unknown word \"Lead\"."},
-        {"\"male\"", "\"\"", "channels[0].genderMode is the unknown word \"\"."},
-        {"\"male\"", "\"a\\nb\"", "channels[0].genderMode is the unknown word \"a?b\"."},
-        {"\"male\"", "\"123456789012345678901234567890123456789\xC3\xA9 and more\"",
-         "unknown word \"123456789012345678901234567890123456789...\"."},
-        {"\"lead\"", "1", "channels[0].vocalRole must be a string."}};
-    expectDescriptions(faults);
-}
-
-TEST(MixerDocumentFaults, UuidsAndBytesMustHaveTheirForm) {
-    const Fault faults[] = {
-        {"\"00000000-0000-4000-8000-000000000001\"", "\"1\"",
-         "channels[1].pluginSlots[1].id is not a UUID: \"1\"."},
-        {"\"00000000-0000-4000-8000-0000000000FF\"", "\"00000000000040008000000000000001\"",
-         "snapshots[0].id is not a UUID"},
-        {"\"00000000-0000-4000-8000-0000000000FF\"", "null", "snapshots[0].id must be a string."},
-        {"AAECAw==", "AAECAw", "channels[1].pluginSlots[1].presetData is not base64 text."},
-        {"AAECAw==", "AAEC\\nAw==", "channels[1].pluginSlots[1].presetData is not base64 text."},
-        {"AAECAw==", "AAECAx==", "channels[1].pluginSlots[1].presetData is not base64 text."},
-        {"\"AAECAw==\"", "7", "channels[1].pluginSlots[1].presetData must be a string."}};
-    expectDescriptions(faults);
-}
-
-TEST(MixerDocumentFaults, AKeyMustNotComeTwiceAnywhere) {
-    const Fault faults[] = {
-        {"\"bufferSize\": 128,", "\"bufferSize\": 128, \"bufferSize\": 128,",
-         "bufferSize appears more than once."},
-        {"\"name\": \"Two\",", "\"name\": \"Two\", \"n\\u0061me\": \"Two\",",
-         "channels[1].name appears more than once."},
-        {"\"note\": 60", "\"note\": 60, \"x\": [0, {\"a\": {}, \"b\": 1, \"a\": 2}]",
-         "snapshots[0].midiTrigger.x[1].a appears more than once."}};
-    expectDescriptions(faults);
+TEST(MixerDocumentFaults, ABadValueIsNamed) {
+    const std::string whole = "must be a whole number from ";
+    const std::string wholeBufferSize =
+        whole + "-9223372036854775808 to 9223372036854775807, without fraction or exponent";
+    const std::string wholeCode = whole + "0 to 4294967295, without fraction or exponent";
+    const std::string beyond = "is a number beyond the range of a double";
+    const std::string notOneKey = "is not a routing: Invalid number of keys found, expected one";
+    const std::string slot = "channels[1].pluginSlots[0]";
+    const std::string output = "channels[0].outputRouting";
+    const std::string gender = "channels[0].genderMode";
+    const std::string longWord = "123456789012345678901234567890123456789";
+    const std::tuple<std::string, std::string, std::vector<std::string>> textsByProblem[] = {
+        {"masterTargetDB", "must be a number", {"null", R"("-18.5")", "true"}},
+        {"masterTargetDB", beyond, {"1e400", "-1e400"}},
+        {"bufferSize", beyond, {"1e999"}},
+        {"bufferSize", wholeBufferSize, {"1.0", "1e2", "9223372036854775808", "-9223372036854775809", "[]"}},
+        {slot + ".component.componentType", wholeCode, {"-1", "4294967296", "1.0", "18446744073709551615"}},
+        {"channels[0].name", "must be a string", {"1", "null"}},
+        {slot + ".pluginName", "must be a string", {"[]"}},
+        {"channels[0].muted", "must be true or false", {"0"}},
+        {"pluginSlotRecallSafe[1]", "must be true or false", {"0"}},
+        {"pluginSlotRecallSafe[1]", beyond, {"1e400"}},
+        {"pluginSlotRecallSafe", "must be an array", {"{}"}},
+        {"snapshots[0].midiTrigger", "must be an object", {"[1, 60]"}},
+        {"masterOutputRouting", "must be an object", {R"("none")"}},
+        {"masterOutputRouting.none", "must be an object", {"1"}},
+        {output + ".mono", "must be an object", {"4"}},
+        {output,
+         notOneKey,
+         {"{}", R"({"mono": {"channel": 2}, "none": {}})", R"({"none": {}, "future": 1})"}},
+        {output, R"(has the unknown case "surround")", {R"({"surround": {}})"}},
+        {output, R"(has the unknown case "channel")", {R"({"channel": {}})"}},
+        {"channels[0].vocalRole", R"(is the unknown word "Lead")", {R"("Lead")"}},
+        {gender, R"(is the unknown word "")", {R"("")"}},
+        {gender, R"(is the unknown word "a?b")", {R"("a\nb")"}},
+        {gender, "is the unknown word \"" + longWord + "...\"", {'"' + longWord + "é and more\""}},
+        {slot + ".id", R"(is not a UUID: "1")", {R"("1")"}},
+        {slot + ".presetData", "is not base64 text", {R"("AAECAw")"}},
+        {"bufferSize", "appears more than once", {R"(1, "bufferSize": 1)"}},
+        {"channels[1].name", "appears more than once", {R"("a", "n\u0061me": "b")"}},
+        {"snapshots[0].midiTrigger.x[1].a", "appears more than once", {R"({}, "b": 1, "a": 2)"}}};
+    for (const auto& [path, problem, texts] : textsByProblem)
+        for (const std::string& text : texts)
+            EXPECT_EQ(descriptionOf(documentWith(path, text)), path + ' ' + problem + '.') << text;
+    for (const char* other : {"[]", "1", "\"text\"", "null", "true"})
+        EXPECT_EQ(descriptionOf(other), "The document must be an object.") << other;
+    for (const char* extreme : {"9223372036854775807", "-9223372036854775808", "-0"})
+        EXPECT_EQ(descriptionOf(documentWith("bufferSize", extreme)), "success") << extreme;
+    EXPECT_EQ(descriptionOf(documentWith(slot + ".component.componentType", "4294967295")), "success");
 }
 
 TEST(MixerDocumentFaults, BrokenTextIsPlacedByLineAndColumn) {
-    const Fault faults[] = {
-        {"\"bufferSize\": 128,", "\"bufferSize\": 128", "The text is not valid JSON at line 3, column 14."},
-        {"\"One\"", "'One'", "The text is not valid JSON at line 4, column 18."},
-        {"\"One\"", "\"話é\xFF\"", "The text is not valid JSON at line 4, column 21."},
-        {"\"One\"", "\"\\ud800\"", "The text is not valid JSON at line 4, column 25."},
-        {"128", "0128", "The text is not valid JSON at line 2, column 22."},
-        {"128", "// frames\n128", "The text is not valid JSON at line 2, column 19."}};
-    expectDescriptions(faults);
-    EXPECT_EQ(
-        decodeMixerDocument("").error().description, "The JSON text ends too early, at line 1, column 1."
-    );
-    EXPECT_EQ(
-        decodeMixerDocument("{\n\"a\": \"b").error().description,
-        "The JSON text ends too early, at line 2, column 8."
-    );
-    EXPECT_FALSE(decodeMixerDocument(std::string(validDocument) + "}"));
-    EXPECT_FALSE(decodeMixerDocument(std::string(validDocument) + '\0' + "x"));
+    using namespace std::string_view_literals;
+    const std::pair<std::string_view, const char*> descriptionByText[] = {
+        {"{\n\"a\": 1\n  \"b\": 2}", "The text is not valid JSON at line 3, column 5."},
+        {"{\n\"a\": 'b'}", "The text is not valid JSON at line 2, column 6."},
+        {"{\"a\": \"話é\xFF\"}", "The text is not valid JSON at line 1, column 10."},
+        {"{\"a\": \"\\ud800\"}", "The text is not valid JSON at line 1, column 14."},
+        {"{\"a\": 0128}", "The text is not valid JSON at line 1, column 10."},
+        {"{\"a\": NaN}", "The text is not valid JSON at line 1, column 7."},
+        {"{\"a\": // b\n1}", "The text is not valid JSON at line 1, column 7."},
+        {"{}}", "The text is not valid JSON at line 1, column 3."},
+        {"{}\0x"sv, "The text is not valid JSON at line 1, column 3."},
+        {"", "The JSON text ends too early, at line 1, column 1."},
+        {"{\n\"a\": \"b", "The JSON text ends too early, at line 2, column 8."}};
+    for (const auto& [text, description] : descriptionByText)
+        EXPECT_EQ(descriptionOf(text), description) << text;
+}
+
+TEST(MixerDocumentFaults, TextCutOffAnywhereIsRefused) {
+    const std::string text = documentWith("channels[0].name", R"("話\"\ud83c\udfa4é")");
+    ASSERT_EQ(descriptionOf(text), "success");
+    for (std::size_t length = 0; length < text.size(); ++length)
+        ASSERT_NE(descriptionOf(text.substr(0, length)), "success") << length << " bytes of\n" << text;
+}
+
+TEST(MixerDocumentFaults, DamagedBytesGiveASessionOrAnErrorAndNothingElse) {
+    for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
+        std::mt19937_64 draw(seed);
+        std::string text = encodeMixerDocument(randomDocument(seed % 10)).value();
+        for (std::size_t count = 1 + draw() % 3; count > 0; --count)
+            text[draw() % text.size()] =
+                draw() % 2 == 0 ? "{}[]\",:0-e."[draw() % 11] : static_cast<char>(draw());
+        const auto data = decodeMixerDocument(text);
+        EXPECT_NE(orvane::test::descriptionOf(data), "") << "seed " << seed;
+        if (!data) continue;
+        const auto again = encodeMixerDocument(data.value());
+        ASSERT_TRUE(again) << "seed " << seed;
+        EXPECT_EQ(decodeMixerDocument(again.value()).value(), data.value()) << "seed " << seed;
+    }
+}
+
+std::string repeated(std::string_view piece, std::size_t count) {
+    std::string text;
+    for (std::size_t index = 0; index < count; ++index)
+        text += piece;
+    return text;
+}
+
+TEST(MixerDocumentFaults, DeepNestingIsRefused) {
+    const auto nested = [](std::size_t depth) {
+        return nearlyWhole + R"(, "x": )" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+    };
+    EXPECT_EQ(descriptionOf(nested(64)), "success");
+    for (const std::string& text : {nested(65), std::string(60U << 20U, '['), repeated("{\"a\":", 1000000)})
+        EXPECT_THAT(descriptionOf(text), HasSubstr("is nested more than 64 levels deep."));
+}
+
+TEST(MixerDocumentFaults, ATextBeyondTheSizeLimitIsNeitherReadNorWritten) {
+    std::string text = nearlyWhole + "}";
+    text.resize(sizeLimit, ' ');
+    EXPECT_EQ(descriptionOf(text), "success");
+    EXPECT_THAT(descriptionOf(text + ' '), HasSubstr("64 MiB"));
+
+    MixerDocumentData data;
+    data.channels.resize(1);
+    data.channels[0].pluginSlots.resize(1);
+    data.channels[0].pluginSlots[0].presetData.emplace(sizeLimit / 4 * 3);
+    EXPECT_THAT(orvane::test::descriptionOf(encodeMixerDocument(data)), HasSubstr("64 MiB"));
+}
+
+TEST(MixerDocumentFaults, MillionsOfValuesAreSkippedWhereTheyMeanNothingAndRefusedWhereTheyAreKept) {
+    const std::string zeros = '[' + repeated("0,", 5000000) + "0]";
+    EXPECT_EQ(descriptionOf(nearlyWhole + R"(, "x": )" + zeros + "}"), "success");
+    EXPECT_THAT(descriptionOf(R"({"channels": )" + zeros + "}"), HasSubstr("has more than"));
+}
+
+TEST(MixerDocumentFaults, TheLargestSessionThatIsWrittenCanBeReadBack) {
+    MixerDocumentData data;
+    data.pluginSlotRecallSafe.assign(4790000, true);
+    const std::string text = encodeMixerDocument(data).value();
+    EXPECT_GT(text.size(), sizeLimit * 99 / 100);
+    const auto read = decodeMixerDocument(text);
+    ASSERT_EQ(orvane::test::descriptionOf(read), "success");
+    EXPECT_TRUE(read.value() == data);
 }
 
 } // namespace

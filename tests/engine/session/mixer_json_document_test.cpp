@@ -1,4 +1,5 @@
 #include "engine/session/mixer_json_document.h"
+#include "support/description_of.h"
 #include "support/random_document.h"
 #include "support/temporary_folder.h"
 
@@ -10,47 +11,30 @@
 namespace {
 
 using namespace orvane::session;
-using orvane::test::contentOf;
-using orvane::test::randomDocument;
-using orvane::test::TemporaryFolder;
+using namespace orvane::test;
+using testing::HasSubstr;
 
-TEST(MixerJSONDocument, ReadsBackWhatItWrote) {
+TEST(MixerJSONDocument, ReadsBackWhatItWroteAndLeavesItWhenTheNextCannotBeEncoded) {
     const TemporaryFolder folder;
-    const auto path = folder / "Settings.orvane";
-    const MixerJSONDocument document{randomDocument(1)};
-    ASSERT_TRUE(document.write(path));
-    const auto read = MixerJSONDocument::read(path);
-    ASSERT_TRUE(read) << read.error().description;
+    MixerJSONDocument document{randomDocument(1)};
+    ASSERT_EQ(descriptionOf(document.write(folder / "Settings.orvane")), "success");
+    const auto read = MixerJSONDocument::read(folder / "Settings.orvane");
+    ASSERT_EQ(descriptionOf(read), "success");
     EXPECT_EQ(read.value(), document);
-}
 
-TEST(MixerJSONDocument, LeavesTheOldFileWhenItCannotBeEncoded) {
-    const TemporaryFolder folder;
-    const auto path = folder.add("Settings.orvane", "old");
-    MixerJSONDocument document;
+    const std::string before = contentOf(folder / "Settings.orvane");
     document.data.masterTargetDB = std::numeric_limits<double>::infinity();
-    const auto written = document.write(path);
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error().description, "masterTargetDB is not a finite number.");
-    EXPECT_EQ(contentOf(path), "old");
+    const auto written = document.write(folder / "Settings.orvane");
+    EXPECT_EQ(descriptionOf(written), "masterTargetDB is not a finite number.");
+    EXPECT_EQ(contentOf(folder / "Settings.orvane"), before);
 }
 
-TEST(MixerJSONDocument, SaysWhichFileCannotBeReadOrWritten) {
+TEST(MixerJSONDocument, SaysWhichFileCannotBeReadOrWrittenAndWhatIsWrongInOne) {
     const TemporaryFolder folder;
     const auto missing = folder / "missing" / "Settings.orvane";
-    const auto read = MixerJSONDocument::read(missing);
-    const auto written = MixerJSONDocument{}.write(missing);
-    ASSERT_FALSE(read);
-    ASSERT_FALSE(written);
-    EXPECT_THAT(read.error().description, testing::HasSubstr(missing.string()));
-    EXPECT_THAT(written.error().description, testing::HasSubstr(missing.string()));
-}
-
-TEST(MixerJSONDocument, SaysWhatIsWrongInAFile) {
-    const TemporaryFolder folder;
-    const auto read = MixerJSONDocument::read(folder.add("Settings.orvane", "{}"));
-    ASSERT_FALSE(read);
-    EXPECT_EQ(read.error().description, "channels is missing.");
+    EXPECT_THAT(descriptionOf(MixerJSONDocument::read(missing)), HasSubstr(missing.string()));
+    EXPECT_THAT(descriptionOf(MixerJSONDocument{}.write(missing)), HasSubstr(missing.string()));
+    EXPECT_EQ(descriptionOf(MixerJSONDocument::read(folder.add("bad", "{}"))), "channels is missing.");
 }
 
 } // namespace
