@@ -33,19 +33,14 @@ class TwoMixers final {
     }
 
     void edit() {
-        switch (wholeBetween(random, 0, 5)) {
-        case 0:
+        if (oneIn(random, 6))
             reroute();
-            break;
-        case 1:
+        else if (oneIn(random, 5))
             regain();
-            break;
-        case 2:
+        else if (oneIn(random, 4))
             reinsert();
-            break;
-        default:
+        else
             resettle(static_cast<std::size_t>(wholeBetween(random, 0, static_cast<long>(shape.strips) - 1)));
-        }
     }
 
     /// One block of a random length; the devices play now the same, now another length.
@@ -93,17 +88,11 @@ class TwoMixers final {
         std::vector<session::OutputRouting> outputs;
         for (std::size_t strip = 0; strip < shape.strips; ++strip) {
             inputs.push_back(oneIn(random, 6) ? std::nullopt : std::optional(anyChannel(captureChannels)));
-            switch (wholeBetween(random, 0, 3)) {
-            case 0:
-                outputs.emplace_back(output::None{});
-                break;
-            case 1:
-                outputs.emplace_back(output::Mono{anyChannel(shape.outputs)});
-                break;
-            default:
-                outputs.emplace_back(output::Stereo{
-                    anyChannel(shape.outputs), anyChannel(shape.outputs), numberBetween(random, -1.0, 1.0)});
-            }
+            session::OutputRouting routing = output::Stereo{
+                anyChannel(shape.outputs), anyChannel(shape.outputs), numberBetween(random, -1.0, 1.0)};
+            if (oneIn(random, 4)) routing = output::Mono{anyChannel(shape.outputs)};
+            if (oneIn(random, 4)) routing = output::None{};
+            outputs.push_back(routing);
         }
         const std::size_t masterChannels = shape.masterOutputs == 0 ? shape.outputs : shape.masterOutputs;
         session::MasterOutputRouting master = master_output::None{};
@@ -155,7 +144,7 @@ class TwoMixers final {
                 table.pluginContexts.back().push_back(isEmpty ? nullptr : makeInsert(act, channels));
                 inserts.push_back(isEmpty ? nullptr : makeInsert(act, channels));
                 plain.inserts[strip].push_back(inserts.back().get());
-                plain.bypassed[strip].push_back(oneIn(random, 4));
+                if (!oneIn(random, 5)) plain.bypassed[strip].push_back(oneIn(random, 4));
             }
         }
         table.pluginBypassFlags = plain.bypassed;

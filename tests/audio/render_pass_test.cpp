@@ -1,12 +1,10 @@
 #include "audio/render_pass.h"
 #include "dsp/decibels.h"
 #include "support/mixer_harness.h"
-#include "support/scripted_unit.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <memory>
 #include <numbers>
 #include <tuple>
 #include <vector>
@@ -20,8 +18,6 @@ namespace output = session::output;
 namespace master_output = session::master_output;
 using test::DeviceBlocks;
 using test::MixerHarness;
-using test::ScriptedUnit;
-using test::UnitAct;
 using Inputs = std::vector<std::optional<std::int64_t>>;
 using Outputs = std::vector<OutputRouting>;
 
@@ -75,17 +71,6 @@ TEST(RenderPass, RoutesStripsToTheOutputsTheyName) {
     }
 }
 
-TEST(RenderPass, AddsTheMasterBusToItsOutputsOnTheMainDevice) {
-    BypassedStrips mixer({.strips = 2, .outputs = 3});
-    mixer.automix.setSettings(1, {.bypassed = true});
-    const std::vector<double> heard =
-        mixer.play({0.5F, 0.25F}, {0, 1}, {output::Mono{0}, output::None{}}, master_output::Stereo{0, 1});
-    const double master = 0.25 * mixer.automix.currentMasterGain();
-    EXPECT_NEAR(heard[0], 0.5 + master, 1e-7);
-    EXPECT_NEAR(heard[1], master, 1e-7);
-    EXPECT_EQ(heard[2], 0.0);
-}
-
 TEST(RenderPass, SendsOnlyTheMasterBusToASeparateDevice) {
     BypassedStrips mixer({.strips = 1, .outputs = 2, .masterOutputs = 3});
     mixer.automix.setSettings(0, {.bypassed = true});
@@ -123,40 +108,6 @@ TEST(RenderPass, PublishesLevelsAndGainReductionOfEveryStrip) {
     mixer.state.setNoiseGain(0.25);
     mixer.pass(constantBlocks({0.5F, 0.5F}), frames);
     EXPECT_GT(mixer.state.readMeters().referenceNoiseLevel, 0.0);
-}
-
-/// A context around a scripted effect.
-struct Effect {
-    explicit Effect(UnitAct act) : unit({act}) {
-        context =
-            std::make_shared<plugins::InsertRenderContext>(unit.renderBlock(), 1, "Ch1 slot1: Test", log);
-    }
-
-    platform::SystemLog log{[](const platform::LogLine&) {}};
-    ScriptedUnit unit;
-    std::shared_ptr<plugins::InsertRenderContext> context;
-};
-
-TEST(RenderPass, RunsInsertsInSlotOrderWhereTheirStripHasAnInput) {
-    using Slots = std::vector<std::shared_ptr<plugins::InsertRenderContext>>;
-    Effect first(UnitAct::doubles);
-    Effect second(UnitAct::replacesPointers);
-    const auto& doubles = first.context;
-    const auto& quarter = second.context;
-    const std::tuple<const char*, Slots, std::vector<bool>, std::optional<std::int64_t>, double> cases[] = {
-        {"none", {nullptr, nullptr}, {false, false}, 0, 0.125},
-        {"second slot", {nullptr, doubles}, {false, false}, 0, 0.25},
-        {"in order", {quarter, doubles}, {false, false}, 0, 0.5},
-        {"in the other order", {doubles, quarter}, {false, false}, 0, 0.25},
-        {"bypassed", {quarter, doubles}, {true, false}, 0, 0.25},
-        {"flags missing", {quarter, doubles}, {}, 0, 0.5},
-        {"no input", {quarter}, {false}, std::nullopt, 0.0}};
-    for (const auto& [what, slots, bypassed, input, expected] : cases) {
-        BypassedStrips mixer({.strips = 2, .outputs = 1});
-        mixer.state.updatePlugins({{slots}, {bypassed}});
-        const auto heard = mixer.play({0.125F}, {input, std::nullopt}, {output::Mono{0}, output::None{}});
-        EXPECT_NEAR(heard[0], expected, 1e-7) << what;
-    }
 }
 
 } // namespace

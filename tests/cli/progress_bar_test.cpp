@@ -30,7 +30,7 @@ class Terminal final {
         std::array<char, 64> name{};
         if (grantpt(screen) != 0 || unlockpt(screen) != 0 || ptsname_r(screen, name.data(), name.size()) != 0)
             throw std::system_error(errno, std::generic_category());
-        stream = fopen(name.data(), "w");
+        stream = fdopen(open(name.data(), O_WRONLY | O_NOCTTY), "w");
     }
     ~Terminal() {
         std::fclose(stream);

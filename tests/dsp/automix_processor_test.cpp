@@ -38,10 +38,6 @@ struct Room {
             processor.process(blocks, {});
     }
 
-    [[nodiscard]] bool isSilent(std::size_t channel) const {
-        return std::ranges::all_of(processor.channelOutputs()[channel], [](double x) { return x == 0.0; });
-    }
-
     ChannelBlocks<double> blocks;
     AutomixProcessor processor;
 };
@@ -63,20 +59,6 @@ TEST(AutomixProcessor, OpensWhoeverSpeaksAndEasesBackTheRest) {
     EXPECT_EQ(quietWithReference.processor.currentMasterLevel(), 0.0);
 }
 
-TEST(AutomixProcessor, KeepsMutedAndBypassedChannelsOutOfTheDecision) {
-    Room room({0.5, 0.01, 0.8, 0.0});
-    Room without({0.0, 0.01, 0.0, 0.0});
-    room.processor.setSettings(0, {.muted = true});
-    room.processor.setSettings(2, {.trim = 0.5, .bypassed = true, .vocalRole = VocalRole::backing});
-    room.processor.setBackingGroupGainDB(-6.0);
-    room.run(100);
-    without.run(100);
-    for (std::size_t i = 0; i < 4; ++i)
-        EXPECT_EQ(room.processor.currentGains()[i], without.processor.currentGains()[i]) << "channel " << i;
-    EXPECT_TRUE(room.isSilent(0));
-    EXPECT_EQ(room.processor.channelOutputs()[2][0], dbToLinear(-6.0) * 0.5 * 0.8);
-}
-
 TEST(AutomixProcessor, LevelsTheMasterBusToItsTarget) {
     Room room({0.02, 0.0});
     room.run();
@@ -85,18 +67,6 @@ TEST(AutomixProcessor, LevelsTheMasterBusToItsTarget) {
     room.processor.setMasterTargetDB(-20.0);
     room.run();
     EXPECT_NEAR(linearToDB(room.processor.currentMasterLevel()), -20.0, 1e-6);
-}
-
-TEST(AutomixProcessor, AllocatesOnlyWhenBlocksOutgrowAllEarlierOnes) {
-    AutomixProcessor processor(4, sampleRate, sampleRate / frames, -10.0);
-    processor.ensureScratch(512);
-    ChannelBlocks<double> shorter(4, 256);
-    ChannelBlocks<double> longer(4, 512);
-    const AllocationGuard guard;
-    for (int i = 0; i < 3; ++i) {
-        processor.process(shorter, {});
-        processor.process(longer, {});
-    }
 }
 
 /// Makes the same edit on the fast and the plain automix.
@@ -117,7 +87,8 @@ void editBoth(Random& random, AutomixProcessor& fast, PlainAutomix& plain) {
     plain.masterTargetRMS = dbToLinear(targetDB);
 }
 
-/// Runs a random session through both and stops at the first difference.
+/// Runs a random session through both, without allocating once the scratch is sized, and stops at the first
+/// difference.
 void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned seed) {
     using namespace orvane::test;
     SCOPED_TRACE(testing::Message() << kernels.name << ", " << channels << " channels, seed " << seed);
@@ -125,6 +96,7 @@ void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned
     Random random(seed);
     AutomixProcessor fast(channels, 44100.0, 44100.0 / 96, -12.0, kernels);
     PlainAutomix plain(channels, 44100.0, 44100.0 / 96, -12.0);
+    fast.ensureScratch(2048);
     const auto mask = std::make_unique<bool[]>(channels);
     for (int block = 0; block < 40; ++block) {
         const std::size_t length = lengths[static_cast<std::size_t>(wholeBetween(random, 0, 6))];
@@ -137,7 +109,10 @@ void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned
             mask[i] = !oneIn(random, 6);
         }
         const std::span<const bool> active(mask.get(), channels);
-        const auto [outputs, master] = fast.process(blocks, active);
+        const auto [outputs, master] = [&] {
+            const AllocationGuard guard;
+            return fast.process(blocks, active);
+        }();
         plain.process(plainBlocks, {active.begin(), active.end()});
 
         SCOPED_TRACE(testing::Message() << "block " << block);

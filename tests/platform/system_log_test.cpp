@@ -57,24 +57,17 @@ TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
     std::vector<std::thread> threads;
     for (const char* name : {"A", "B", "C"})
         threads.emplace_back(chatter, name);
-    int seen[3] = {};
+    int last[3] = {-1, -1, -1};
     int outOfOrder = 0;
-    std::size_t dropped = 0;
-    std::size_t next = 0;
-    while (static_cast<std::size_t>(seen[0] + seen[1] + seen[2]) + dropped < 3 * linesPerThread) {
-        kept.log.flush();
+    std::size_t found = 0;
+    for (std::size_t next = 0; found < 3 * linesPerThread; kept.log.flush()) {
         for (; next < kept.lines.size(); ++next) {
             const std::string& line = kept.lines[next];
-            if (line.starts_with("Log: ")) {
-                dropped += std::stoul(line.substr(5));
-                continue;
-            }
-            const int number = std::stoi(line.substr(3));
-            static thread_local int last[3] = {-1, -1, -1};
+            found += line.starts_with("Log: ") ? std::stoul(line.substr(5)) : 1;
+            if (line.starts_with("Log: ")) continue;
             int& previous = last[line[0] - 'A'];
-            outOfOrder += number > previous ? 0 : 1;
-            previous = number;
-            ++seen[line[0] - 'A'];
+            outOfOrder += std::stoi(line.substr(3)) > previous ? 0 : 1;
+            previous = std::stoi(line.substr(3));
         }
     }
     for (std::thread& thread : threads)
