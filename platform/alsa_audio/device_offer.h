@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/alsa_audio/pcm_offer.h"
+
+#include <cstdint>
+#include <string>
+
+namespace orvane::platform::alsa_audio {
+
+/// Both directions of a device, each as it could be opened or why it could not. Keeps the device open for as
+/// long as it lives. One thread at a time, never an audio thread.
+struct DeviceOffer {
+    static DeviceOffer ask(const Configuration&, const std::string& pcmName);
+
+    Result<PcmOffer, ErrorNumber> playback;
+    Result<PcmOffer, ErrorNumber> capture;
+
+    /// Settles the rate of all directions that were opened: 48000 Hz, else 44100 Hz, else the nearest to
+    /// the first; 0 where they have none in common.
+    unsigned settleRate();
+
+    /// Settles all that a stream has to: rate, layout and, as near to `wantedFrames` as the device can, the
+    /// period, which is the same in both directions. Fails where there is no direction to play or hear in,
+    /// or nothing that both can do. A capture direction that is busy stands back.
+    Result<std::uint32_t, ErrorNumber> settle(std::uint32_t wantedFrames);
+};
+
+} // namespace orvane::platform::alsa_audio
