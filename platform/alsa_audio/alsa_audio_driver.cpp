@@ -1,0 +1,125 @@
+#include "platform/alsa_audio/alsa_audio_driver.h"
+
+#include "platform/alsa_audio/alsa_stream.h"
+#include "platform/alsa_audio/configuration.h"
+#include "platform/alsa_audio/device_list.h"
+#include "platform/alsa_audio/device_watches.h"
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace orvane::platform {
+
+using namespace alsa_audio;
+
+namespace {
+
+constexpr std::uint32_t defaultBufferSize = 512;
+
+void ignoreMessage(const char*, int, const char*, int, const char*, ...) {}
+
+std::optional<std::string> pcmNameOf(std::string_view uid) {
+    if (!uid.starts_with(uidPrefix)) return std::nullopt;
+    return std::string(uid.substr(uidPrefix.size()));
+}
+
+} // namespace
+
+struct AlsaAudioDriver::State {
+    explicit State(Setup setup)
+        : configuration(setup.configurationFile), list(configuration, std::move(setup.pcmNames)) {}
+
+    /// The size that the device would choose, which is not held afterwards.
+    [[nodiscard]] Result<std::uint32_t, ErrorNumber>
+    negotiate(const std::string& pcmName, std::uint32_t wanted) const {
+        return DeviceOffer::ask(configuration, pcmName).settle(wanted);
+    }
+
+    /// The remembered size, learnt now where there is none.
+    Result<std::uint32_t, ErrorNumber> bufferSize(const std::string& pcmName) {
+        if (const auto known = bufferSizes.find(pcmName); known != bufferSizes.end()) return known->second;
+        const auto learnt = negotiate(pcmName, defaultBufferSize);
+        if (learnt) bufferSizes[pcmName] = learnt.value();
+        return learnt;
+    }
+
+    void setBufferSize(const std::string& pcmName, std::uint32_t frameCount) {
+        if (std::exchange(bufferSizes[pcmName], frameCount) == frameCount) return;
+        watches.announce(std::string(uidPrefix) + pcmName, AudioDeviceChange::bufferSize);
+    }
+
+    /// Held over everything that asks a device, which answers only one at a time.
+    std::mutex mutex;
+    Configuration configuration;
+    DeviceList list;
+    /// By PCM name, like the leases.
+    std::map<std::string, std::uint32_t> bufferSizes;
+    /// Each is held by the stream that has the device.
+    std::map<std::string, std::weak_ptr<const void>> leases;
+    DeviceWatches watches;
+};
+
+AlsaAudioDriver::AlsaAudioDriver() : AlsaAudioDriver(Setup{}) {}
+
+AlsaAudioDriver::AlsaAudioDriver(Setup setup) {
+    snd_lib_error_set_handler(ignoreMessage);
+    state = std::make_unique<State>(std::move(setup));
+}
+
+AlsaAudioDriver::~AlsaAudioDriver() = default;
+
+std::vector<AudioDriverDevice> AlsaAudioDriver::devices() {
+    const std::scoped_lock lock(state->mutex);
+    return state->list.devices();
+}
+
+Result<std::uint32_t, OSStatus> AlsaAudioDriver::bufferSize(std::string_view uid) {
+    const auto pcmName = pcmNameOf(uid);
+    if (!pcmName) return kAudioHardwareBadDeviceError;
+    const std::scoped_lock lock(state->mutex);
+    const auto size = state->bufferSize(*pcmName);
+    if (!size) return statusOf(size.error());
+    return size.value();
+}
+
+OSStatus AlsaAudioDriver::requestBufferSize(std::string_view uid, std::uint32_t frameCount) {
+    const auto pcmName = pcmNameOf(uid);
+    if (!pcmName) return kAudioHardwareBadDeviceError;
+    const std::scoped_lock lock(state->mutex);
+    if (!state->leases[*pcmName].expired()) return kAudioHardwareIllegalOperationError;
+    // Known before, so that watches hear of the difference.
+    if (const auto before = state->bufferSize(*pcmName); !before) return statusOf(before.error());
+    const auto granted = state->negotiate(*pcmName, frameCount);
+    if (!granted) return statusOf(granted.error());
+    state->setBufferSize(*pcmName, granted.value());
+    return noErr;
+}
+
+Result<std::unique_ptr<AudioStream>, OSStatus>
+AlsaAudioDriver::open(std::string_view uid, bool enableInput, AudioStreamClient& client) {
+    const auto pcmName = pcmNameOf(uid);
+    if (!pcmName) return kAudioHardwareBadDeviceError;
+    const std::scoped_lock lock(state->mutex);
+    const auto size = state->bufferSize(*pcmName);
+    if (!size) return statusOf(size.error());
+    auto device = Duplex::open(state->configuration, *pcmName, enableInput, size.value());
+    if (!device) return statusOf(device.error());
+    state->setBufferSize(*pcmName, static_cast<std::uint32_t>(device.value().periodFrames()));
+
+    auto tellDeath = [&watches = state->watches, uid = std::string(uid)] {
+        watches.announce(uid, AudioDeviceChange::died);
+    };
+    const auto lease = std::make_shared<const std::string>(*pcmName);
+    state->leases[*pcmName] = lease;
+    return std::unique_ptr<AudioStream>(
+        std::make_unique<AlsaStream>(std::move(device).value(), client, std::move(tellDeath), lease)
+    );
+}
+
+std::unique_ptr<AudioDeviceWatch> AlsaAudioDriver::watch(std::string_view uid, Listener listener) {
+    return state->watches.add(uid, std::move(listener));
+}
+
+} // namespace orvane::platform

@@ -1,0 +1,126 @@
+#include "platform/alsa_audio/alsa_stream.h"
+
+#include "platform/flush_denormals.h"
+
+#include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+
+#include <system_error>
+#include <utility>
+
+namespace orvane::platform::alsa_audio {
+
+namespace {
+
+/// Above all that is not as urgent, below what the kernel itself may have to do for the sound card.
+constexpr int wantedPriority = 70;
+/// How often in a row the device may fail before it counts as dead.
+constexpr int mostFailuresInARow = 10;
+constexpr int pauseAfterFailedRestartMs = 100;
+
+/// The real-time priority that the calling thread has afterwards, 0 if it was refused.
+int askForRealtimePriority() noexcept {
+    sched_param parameters{};
+    parameters.sched_priority = wantedPriority;
+    return pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0 ? wantedPriority : 0;
+}
+
+} // namespace
+
+AlsaStream::Blocks::Blocks(std::size_t channelCount, std::size_t frameCount)
+    : samples(channelCount, frameCount) {
+    for (std::size_t channel = 0; channel < channelCount; ++channel) {
+        writable.push_back(samples[channel]);
+        readable.emplace_back(samples[channel]);
+    }
+}
+
+AlsaStream::AlsaStream(
+    Duplex openDevice, AudioStreamClient& streamClient, std::function<void()> died,
+    std::shared_ptr<const void> deviceLease
+)
+    : lease(std::move(deviceLease)),
+      device(std::move(openDevice)),
+      client(streamClient),
+      tellDeath(std::move(died)),
+      inputs(device.inputChannelCount(), device.periodFrames()),
+      outputs(device.outputChannelCount(), device.periodFrames()) {}
+
+AlsaStream::~AlsaStream() {
+    stop();
+}
+
+OSStatus AlsaStream::start() {
+    if (thread.joinable() && !dead.load()) return noErr;
+    stop();
+    if (const ErrorNumber error = device.prepare()) return statusOf(error);
+    stopping = false;
+    dead = false;
+    xruns = 0;
+    try {
+        thread = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        return kAudioHardwareUnspecifiedError;
+    }
+    return noErr;
+}
+
+void AlsaStream::stop() {
+    if (!thread.joinable()) return;
+    stopping = true;
+    thread.join();
+    device.drop();
+}
+
+std::uint32_t AlsaStream::xrunCount() const noexcept {
+    return xruns.load(std::memory_order_relaxed);
+}
+
+int AlsaStream::realtimePriority() const noexcept {
+    return priority.load(std::memory_order_relaxed);
+}
+
+void AlsaStream::run() noexcept {
+    pthread_setname_np(pthread_self(), "orvane-alsa");
+    priority = askForRealtimePriority();
+    dead = !turnUntilStopped();
+    priority = 0;
+    if (dead) tellDeath();
+}
+
+/// False where the device died.
+bool AlsaStream::turnUntilStopped() noexcept {
+    const FlushDenormals flush;
+    ErrorNumber error = device.start();
+    for (int failures = 0; !stopping.load(std::memory_order_relaxed);) {
+        if (error == 0) error = turn();
+        if (error == 0) {
+            failures = 0;
+            continue;
+        }
+        if (error == -ENODEV || ++failures == mostFailuresInARow) return false;
+        error = restart();
+    }
+    return true;
+}
+
+ErrorNumber AlsaStream::turn() noexcept {
+    if (const ErrorNumber error = device.read(inputs.writable)) return error;
+    client.cycle(inputs.readable, outputs.writable, device.periodFrames());
+    const ErrorNumber error = device.write(outputs.writable);
+    // The device delivered a moment ago: it is the cycle that took too long, and however often that happens,
+    // the device is not the one that failed.
+    return error == -EPIPE ? restart() : error;
+}
+
+ErrorNumber AlsaStream::restart() noexcept {
+    xruns.fetch_add(1, std::memory_order_relaxed);
+    ErrorNumber error = device.prepare();
+    if (error == 0) error = device.start();
+    // A device that wakes up from suspension needs a while, a broken one must not keep this thread busy.
+    if (error != 0) poll(nullptr, 0, pauseAfterFailedRestartMs);
+    return error;
+}
+
+} // namespace orvane::platform::alsa_audio

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "platform/alsa_audio/alsa_audio_driver.h"
+#include "support/temporary_folder.h"
+
+#include <pthread.h>
+#include <sched.h>
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane::test {
+
+/// A driver over PCMs that a test defines, in a folder of the test's own. "scripted" is a PCM type, see
+/// scripted_pcm.cpp.
+class AlsaFixture final {
+  public:
+    /// `definitions` in the language of the library's configuration files, with FOLDER for the folder's path.
+    explicit AlsaFixture(std::string definitions, std::vector<std::string> pcmNames = {"device"}) {
+        constexpr std::string_view placeholder = "FOLDER";
+        for (auto at = definitions.find(placeholder); at != std::string::npos;
+             at = definitions.find(placeholder))
+            definitions.replace(at, placeholder.size(), (folder / "").parent_path().string());
+        definitions += "pcm_type.scripted.lib \"" ORVANE_SCRIPTED_PCM "\"\n";
+        driver = std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
+            .configurationFile = folder.add("asound.conf", definitions), .pcmNames = std::move(pcmNames)});
+    }
+
+    platform::AlsaAudioDriver* operator->() { return driver.get(); }
+
+    const TemporaryFolder folder;
+
+  private:
+    std::unique_ptr<platform::AlsaAudioDriver> driver;
+};
+
+/// Counts cycles, each of which does what the test says. Devices without a clock of their own run free, so
+/// the thread gives its real-time priority up when the cycles that the test waits for have come.
+class AlsaClient final : public platform::AudioStreamClient {
+  public:
+    using Inputs = std::span<const std::span<const float>>;
+    using Outputs = std::span<const std::span<float>>;
+    using Work = std::function<void(Inputs, Outputs, std::size_t)>;
+
+    explicit AlsaClient(std::size_t awaitedCycles, Work cycleWork = {})
+        : awaited(awaitedCycles), work(std::move(cycleWork)) {}
+
+    void cycle(Inputs inputs, Outputs outputs, std::size_t frameCount) noexcept override {
+        if (work) work(inputs, outputs, frameCount);
+        const std::scoped_lock lock(mutex);
+        if (++count < awaited) return;
+        const sched_param ordinary{};
+        pthread_setschedparam(pthread_self(), SCHED_OTHER, &ordinary);
+        reached.notify_all();
+    }
+
+    void waitForCycles() {
+        std::unique_lock lock(mutex);
+        reached.wait(lock, [this] { return count >= awaited; });
+    }
+
+    std::size_t cycleCount() {
+        const std::scoped_lock lock(mutex);
+        return count;
+    }
+
+  private:
+    const std::size_t awaited;
+    const Work work;
+    std::mutex mutex;
+    std::condition_variable reached;
+    std::size_t count = 0;
+};
+
+/// Hears of changes and lets a test wait for them.
+class ChangeLog final {
+  public:
+    platform::AudioDriver::Listener listener() {
+        return [this](platform::AudioDeviceChange change) {
+            const std::scoped_lock lock(mutex);
+            heard.push_back(change);
+            changed.notify_all();
+        };
+    }
+
+    std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return heard.size() >= count; });
+        return heard;
+    }
+
+  private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<platform::AudioDeviceChange> heard;
+};
+
+} // namespace orvane::test

@@ -1,0 +1,176 @@
+// A PCM type for the tests' own configurations: "hardware" with exactly the abilities that its definition
+// states, that is always a period ahead and fails as it is told to.
+
+#include <alsa/asoundlib.h>
+#include <alsa/pcm_external.h>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+/// How many are open in each direction.
+std::atomic<int> openCounts[SND_PCM_STREAM_LAST + 1];
+
+struct ScriptedPcm {
+    explicit ScriptedPcm(snd_pcm_stream_t direction) : openCount(openCounts[direction]) { ++openCount; }
+    ~ScriptedPcm() {
+        ::close(io.poll_fd);
+        --openCount;
+    }
+    ScriptedPcm(const ScriptedPcm&) = delete;
+    ScriptedPcm& operator=(const ScriptedPcm&) = delete;
+
+    snd_pcm_ioplug_t io{};
+    std::atomic<int>& openCount;
+
+    // Of the definition.
+    long channels = 2;
+    /// 0 where it takes no fewer.
+    long fewestChannels = 0;
+    long rate = 48000;
+    long format = SND_PCM_FORMAT_S32_LE;
+    long period = 64;
+    long access = SND_PCM_ACCESS_RW_INTERLEAVED;
+    /// Errors, as positive numbers, that opening and that moving samples ends with.
+    long openError = 0;
+    long error = 0;
+    /// How many transfers go well before the first that fails, which ones from there on could fail, counted
+    /// from the last that could, and how many of them do.
+    long errorAfter = 0;
+    long errorEvery = 1;
+    long errorCount = 1;
+    /// How many transfers go well before the device falls silent.
+    long silentAfter = -1;
+    /// Whether a direction can only be opened once at a time.
+    long exclusive = 0;
+
+    long transferCount = 0;
+
+    [[nodiscard]] bool isSilent() const { return silentAfter >= 0 && transferCount >= silentAfter; }
+};
+
+ScriptedPcm& scriptOf(snd_pcm_ioplug_t* io) {
+    return *static_cast<ScriptedPcm*>(io->private_data);
+}
+
+int succeed(snd_pcm_ioplug_t*) {
+    return 0;
+}
+
+snd_pcm_sframes_t pointer(snd_pcm_ioplug_t* io) {
+    const snd_pcm_uframes_t ahead = scriptOf(io).isSilent() ? 0 : io->period_size;
+    return static_cast<snd_pcm_sframes_t>((io->appl_ptr + ahead) % io->buffer_size);
+}
+
+snd_pcm_sframes_t
+transfer(snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t*, snd_pcm_uframes_t, snd_pcm_uframes_t size) {
+    ScriptedPcm& script = scriptOf(io);
+    const long since = script.transferCount++ - script.errorAfter;
+    const bool fails =
+        since >= 0 && since % script.errorEvery == 0 && since / script.errorEvery < script.errorCount;
+    if (script.error != 0 && fails) return -script.error;
+    eventfd_t ignored = 0;
+    if (script.isSilent()) eventfd_read(io->poll_fd, &ignored);
+    return static_cast<snd_pcm_sframes_t>(size);
+}
+
+int close(snd_pcm_ioplug_t* io) {
+    delete &scriptOf(io);
+    return 0;
+}
+
+const snd_pcm_ioplug_callback_t callbacks = [] {
+    snd_pcm_ioplug_callback_t table{};
+    table.start = succeed;
+    table.stop = succeed;
+    table.pointer = pointer;
+    table.transfer = transfer;
+    table.close = close;
+    return table;
+}();
+
+void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
+    const std::pair<std::string_view, long*> fields[] = {
+        {"channels", &script.channels},
+        {"fewestChannels", &script.fewestChannels},
+        {"rate", &script.rate},
+        {"period", &script.period},
+        {"openError", &script.openError},
+        {"error", &script.error},
+        {"errorAfter", &script.errorAfter},
+        {"errorEvery", &script.errorEvery},
+        {"errorCount", &script.errorCount},
+        {"silentAfter", &script.silentAfter},
+        {"exclusive", &script.exclusive}};
+    snd_config_iterator_t at = nullptr;
+    snd_config_iterator_t next = nullptr;
+    snd_config_for_each(at, next, definition) {
+        snd_config_t* const entry = snd_config_iterator_entry(at);
+        const char* key = nullptr;
+        const char* text = nullptr;
+        snd_config_get_id(entry, &key);
+        for (const auto& [name, value] : fields)
+            if (name == key) snd_config_get_integer(entry, value);
+        if (snd_config_get_string(entry, &text) < 0) continue;
+        if (std::string_view("format") == key) script.format = snd_pcm_format_value(text);
+        if (std::string_view("access") != key) continue;
+        for (int access = 0; access <= SND_PCM_ACCESS_LAST; ++access)
+            if (snd_pcm_access_name(static_cast<snd_pcm_access_t>(access)) == std::string_view(text))
+                script.access = access;
+    }
+}
+
+void restrictParameters(ScriptedPcm& script) {
+    const auto only = [&](int parameter, long value) {
+        const auto number = static_cast<unsigned>(value);
+        snd_pcm_ioplug_set_param_list(&script.io, parameter, 1, &number);
+    };
+    const int bits = snd_pcm_format_physical_width(static_cast<snd_pcm_format_t>(script.format));
+    only(SND_PCM_IOPLUG_HW_ACCESS, script.access);
+    only(SND_PCM_IOPLUG_HW_FORMAT, script.format);
+    only(SND_PCM_IOPLUG_HW_RATE, script.rate);
+    only(SND_PCM_IOPLUG_HW_PERIODS, 2);
+    only(SND_PCM_IOPLUG_HW_PERIOD_BYTES, script.period * script.channels * bits / 8);
+    const long fewest = script.fewestChannels != 0 ? script.fewestChannels : script.channels;
+    snd_pcm_ioplug_set_param_minmax(
+        &script.io, SND_PCM_IOPLUG_HW_CHANNELS, static_cast<unsigned>(fewest),
+        static_cast<unsigned>(script.channels)
+    );
+}
+
+} // namespace
+
+extern "C" {
+
+int _snd_pcm_scripted_open(
+    snd_pcm_t** pcm, const char* name, snd_config_t*, snd_config_t* definition, snd_pcm_stream_t stream,
+    int mode
+) {
+    auto script = std::make_unique<ScriptedPcm>(stream);
+    readDefinition(*script, definition);
+    script->io.version = SND_PCM_IOPLUG_VERSION;
+    script->io.name = "scripted";
+    script->io.callback = &callbacks;
+    script->io.private_data = script.get();
+    script->io.poll_fd = eventfd(1, EFD_NONBLOCK);
+    script->io.poll_events = POLLIN;
+    script->io.mmap_rw = script->access <= SND_PCM_ACCESS_MMAP_COMPLEX ? 1 : 0;
+    if (script->openError != 0) return -static_cast<int>(script->openError);
+    if (script->exclusive != 0 && script->openCount > 1) return -EBUSY;
+    if (const int error = snd_pcm_ioplug_create(&script->io, name, stream, mode); error < 0) return error;
+    restrictParameters(*script);
+    *pcm = script.release()->io.pcm;
+    return 0;
+}
+
+// The library looks for it to know which version of its interface the type was made for.
+extern const char __snd_pcm_scripted_open_dlsym_pcm_001 = 0;
+}
