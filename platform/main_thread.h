@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace orvane::platform {
+
+/// A repeating timer; destroying it ends it, from within its own task too. May outlive the main thread's
+/// loop. Main thread.
+class MainThreadTimer {
+  public:
+    virtual ~MainThreadTimer() = default;
+};
+
+/// The thread that models and views live on, as a queue of tasks and timers. Made by the composition root;
+/// outlives whoever posts to it. Tasks do not throw.
+class MainThread {
+  public:
+    virtual ~MainThread() = default;
+
+    /// Runs `task` on the main thread, soon and in the order of posting, never from within this call. Once
+    /// the loop has ended the task is not run. Any thread, not real-time safe.
+    virtual void post(std::function<void()> task) = 0;
+
+    /// Runs `task` every `interval`, more than 0, the first time one interval from now, also during user
+    /// interaction. Ticks that were missed are not made up for. Main thread.
+    [[nodiscard]] virtual std::unique_ptr<MainThreadTimer>
+    repeat(std::chrono::nanoseconds interval, std::function<void()> task) = 0;
+};
+
+} // namespace orvane::platform

@@ -1,0 +1,99 @@
+#include "platform/run_loop.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+using orvane::platform::RunLoop;
+
+TEST(RunLoop, RunsTasksInTheOrderOfPostingUntilItQuits) {
+    RunLoop loop;
+    std::string ran;
+    loop.post([&] {
+        ran += 'a';
+        loop.post([&] {
+            ran += 'c';
+            loop.quit();
+        });
+        loop.post([&] { ran += "never"; });
+    });
+    loop.post([&] { ran += 'b'; });
+    EXPECT_EQ(ran, "");
+    loop.run();
+    EXPECT_EQ(ran, "abc");
+}
+
+TEST(RunLoop, WakesUpForTasksFromOtherThreads) {
+    constexpr int tasksPerThread = 500;
+    RunLoop loop;
+    int ran = 0;
+    const auto mainThread = std::this_thread::get_id();
+    std::vector<std::thread> posters;
+    for (int i = 0; i < 3; ++i)
+        posters.emplace_back([&] {
+            for (int task = 0; task < tasksPerThread; ++task)
+                loop.post([&] {
+                    ran += std::this_thread::get_id() == mainThread ? 1 : 0;
+                    if (ran == 3 * tasksPerThread) loop.quit();
+                });
+        });
+    loop.run();
+    EXPECT_EQ(ran, 3 * tasksPerThread);
+    for (std::thread& poster : posters)
+        poster.join();
+}
+
+TEST(RunLoop, QuitsFromAnotherThreadWhileItWaits) {
+    RunLoop loop;
+    std::thread quitter([&loop] { loop.quit(); });
+    loop.run();
+    quitter.join();
+}
+
+TEST(RunLoop, RunsNothingOnceItHasQuit) {
+    RunLoop loop;
+    const auto kept = std::make_shared<int>(0);
+    const std::function<void()> task = [kept] { ++*kept; };
+    loop.post(task);
+    loop.quit();
+    loop.post(task);
+    loop.run();
+    EXPECT_EQ(*kept, 0);
+}
+
+TEST(RunLoop, RepeatsTimersBetweenTasks) {
+    RunLoop loop;
+    int ticks = 0;
+    int tasks = 0;
+    std::function<void()> repost = [&] {
+        ++tasks;
+        loop.post(repost);
+    };
+    loop.post(repost);
+    const auto timer = loop.repeat(100us, [&] {
+        if (++ticks == 20) loop.quit();
+    });
+    loop.run();
+    EXPECT_EQ(ticks, 20);
+    EXPECT_GT(tasks, 0);
+}
+
+TEST(RunLoop, SleepsUntilATimerIsDue) {
+    RunLoop loop;
+    int ticks = 0;
+    const auto timer = loop.repeat(1ms, [&] {
+        if (++ticks == 3) loop.quit();
+    });
+    loop.run();
+    EXPECT_EQ(ticks, 3);
+}
+
+} // namespace
