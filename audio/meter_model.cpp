@@ -1,0 +1,28 @@
+#include "audio/meter_model.h"
+
+#include <utility>
+
+namespace orvane::audio {
+
+namespace {
+
+/// Weight of the newest reading of the reference noise; at 30 ticks per second a time constant of 0.26 s.
+constexpr double noiseLevelSmoothing = 0.12;
+
+} // namespace
+
+MeterModel::MeterModel(std::size_t channelCount)
+    : channelMeters(std::vector<double>(channelCount, 0.0)),
+      channelGainReductionDB(std::vector<double>(channelCount, 0.0)) {}
+
+void MeterModel::update(const MixerRealtimeState& state) {
+    MeterReading reading = state.readMeters();
+    channelMeters.set(std::move(reading.channelLevels));
+    masterMeter.set(reading.masterLevel);
+    channelGainReductionDB.set(std::move(reading.gainReductionDB));
+    const double shown = pinkNoiseLevel.get();
+    pinkNoiseLevel.set(shown + (reading.referenceNoiseLevel - shown) * noiseLevelSmoothing);
+    cpuLoad.set(state.cpuLoad());
+}
+
+} // namespace orvane::audio

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "audio/mixer_realtime_state.h"
+#include "audio/published.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace orvane::audio {
+
+/// What every meter shows. Made once with the engine, which owns it; views subscribe to it. Main thread.
+class MeterModel final {
+  public:
+    /// `channelCount`: strips.
+    explicit MeterModel(std::size_t channelCount);
+
+    /// Linear RMS of each strip's output, 0 without input; once audio runs one entry more, the reference
+    /// noise's.
+    Published<std::vector<double>> channelMeters;
+    /// Linear RMS of the master bus.
+    Published<double> masterMeter;
+    /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
+    Published<double> cpuLoad;
+    /// How far each strip is turned down, in dB, 0 to 120.
+    Published<std::vector<double>> channelGainReductionDB;
+    /// Linear RMS of the reference noise, smoothed from update to update.
+    Published<double> pinkNoiseLevel;
+
+    /// Shows what a run has measured last; to be called once per tick of the meters.
+    void update(const MixerRealtimeState& state);
+
+    /// Says that nothing runs: no load. All else stays as it was last.
+    void showStopped() { cpuLoad.set(0.0); }
+};
+
+} // namespace orvane::audio

@@ -1,0 +1,101 @@
+#include "audio/published.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using orvane::audio::Published;
+using orvane::audio::Subscription;
+using Told = std::vector<std::string>;
+
+struct PublishedTest : testing::Test {
+    /// A subscription that writes down who heard what.
+    Subscription listen(const std::string& who) {
+        return number.subscribe([this, who](const int& value) { told.push_back(who + std::to_string(value)); }
+        );
+    }
+
+    Published<int> number{1};
+    Told told;
+};
+
+TEST_F(PublishedTest, TellsEverybodyInOrderAtEveryAssignment) {
+    const Subscription a = listen("a");
+    const Subscription b = listen("b");
+    EXPECT_TRUE(told.empty());
+    EXPECT_EQ(number.get(), 1);
+    number.set(2);
+    number.set(2);
+    EXPECT_EQ(told, (Told{"a2", "b2", "a2", "b2"}));
+    EXPECT_EQ(number.get(), 2);
+}
+
+TEST_F(PublishedTest, TellsNobodyWhoseSubscriptionHasEnded) {
+    Subscription a = listen("a");
+    Subscription b = listen("b");
+    a = Subscription();
+    number.set(2);
+    EXPECT_EQ(told, (Told{"b2"}));
+    b = listen("c");
+    number.set(3);
+    EXPECT_EQ(told, (Told{"b2", "c3"}));
+    const Subscription moved = std::move(b);
+    number.set(4);
+    EXPECT_EQ(told, (Told{"b2", "c3", "c4"}));
+}
+
+TEST(Published, MayEndBeforeItsSubscriptions) {
+    std::optional<Published<int>> number(1);
+    const Subscription listening = number->subscribe([](const int&) {});
+    number.reset();
+}
+
+TEST_F(PublishedTest, LetsSubscriptionsEndDuringANotification) {
+    Subscription itself;
+    Subscription later;
+    const std::string tag = "a listener's own captures last as long as its call";
+    itself = number.subscribe([&, tag](const int&) {
+        itself = Subscription();
+        later = Subscription();
+        told.push_back(tag);
+    });
+    later = listen("later");
+    const Subscription last = listen("last");
+    number.set(2);
+    number.set(3);
+    EXPECT_EQ(told, (Told{tag, "last2", "last3"}));
+}
+
+TEST_F(PublishedTest, TellsWhoSubscribesDuringANotificationFromTheNextOn) {
+    std::vector<Subscription> added;
+    const Subscription adder = number.subscribe([&](const int& value) {
+        if (value == 2)
+            for (int i = 0; i < 20; ++i)
+                added.push_back(listen("new"));
+    });
+    number.set(2);
+    EXPECT_TRUE(told.empty());
+    number.set(3);
+    EXPECT_EQ(told, Told(20, "new3"));
+}
+
+TEST_F(PublishedTest, TellsOfAnAssignmentMadeDuringANotificationInARoundOfItsOwn) {
+    const Subscription first = listen("a");
+    const Subscription limiter = number.subscribe([this](const int& value) {
+        told.push_back("limit" + std::to_string(value));
+        if (value > 10) {
+            number.set(10);
+            EXPECT_EQ(number.get(), 10);
+        }
+    });
+    const Subscription last = listen("b");
+    number.set(12);
+    EXPECT_EQ(told, (Told{"a12", "limit12", "b10", "a10", "limit10", "b10"}));
+}
+
+} // namespace
