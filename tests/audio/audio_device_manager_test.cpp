@@ -1,0 +1,116 @@
+#include "audio/audio_device_manager.h"
+#include "support/scripted_audio_hardware.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using audio::AudioDeviceInfo;
+using audio::AudioDeviceManager;
+using test::ScriptedAudioHardware;
+
+/// A console, a player and a microphone.
+struct ThreeDevices : testing::Test {
+    ThreeDevices() {
+        hardware.devices = {
+            {.id = 7, .uid = "a:console", .name = "Console", .inputStreams = {2, 8}, .outputStreams = {16}},
+            {.id = 5, .uid = "a:player", .name = "Player", .outputStreams = {2}, .sampleRate = 44100.0},
+            {.id = 9, .uid = "a:mic", .name = "Mic", .inputStreams = {1}}};
+    }
+
+    const AudioDeviceInfo console{7, "a:console", "Console", 10, 16, 48000.0};
+    const AudioDeviceInfo player{5, "a:player", "Player", 0, 2, 44100.0};
+    const AudioDeviceInfo mic{9, "a:mic", "Mic", 1, 0, 48000.0};
+    ScriptedAudioHardware hardware;
+    AudioDeviceManager manager{hardware};
+};
+
+using AudioDeviceManagerTest = ThreeDevices;
+
+TEST_F(AudioDeviceManagerTest, DescribesEveryDeviceInTheHardwaresOrder) {
+    EXPECT_EQ(manager.allDevices().value(), (std::vector{console, player, mic}));
+}
+
+TEST_F(AudioDeviceManagerTest, ListsNothingWhereThereIsNothing) {
+    hardware.devices.clear();
+    EXPECT_TRUE(manager.allDevices().value().empty());
+}
+
+TEST_F(AudioDeviceManagerTest, AsksForTheFiveFactsInOrder) {
+    hardware.devices.resize(1);
+    ASSERT_TRUE(manager.allDevices());
+    EXPECT_EQ(
+        hardware.calls,
+        (std::vector<std::string>{
+            "AudioObjectGetPropertyDataSize 1 dev# glob 0", "AudioObjectGetPropertyData 1 dev# glob 0",
+            "AudioObjectGetPropertyData 7 uid  glob 0", "AudioObjectGetPropertyData 7 lnam glob 0",
+            "AudioObjectGetPropertyDataSize 7 slay inpt 0", "AudioObjectGetPropertyData 7 slay inpt 0",
+            "AudioObjectGetPropertyDataSize 7 slay outp 0", "AudioObjectGetPropertyData 7 slay outp 0",
+            "AudioObjectGetPropertyData 7 nsrt glob 0"})
+    );
+}
+
+TEST_F(AudioDeviceManagerTest, FailsWhereTheListCannotBeRead) {
+    hardware.failures = {{"AudioObjectGetPropertyData 1", -51}};
+    EXPECT_EQ(
+        manager.allDevices().error().description(),
+        "Core Audio property query failed (kAudioHardwarePropertyDevices data): OSStatus -51"
+    );
+    hardware.failures = {{"AudioObjectGetPropertyDataSize 1", -50}};
+    EXPECT_EQ(
+        manager.allDevices().error().description(),
+        "Core Audio property query failed (kAudioHardwarePropertyDevices size): OSStatus -50"
+    );
+}
+
+TEST_F(AudioDeviceManagerTest, LeavesOutADeviceThatCannotBeDescribed) {
+    for (const char* query : {"uid ", "lnam", "slay inpt", "slay outp", "nsrt"}) {
+        hardware.failures = {{std::string("AudioObjectGetPropertyData 7 ") + query, -1}};
+        EXPECT_EQ(manager.allDevices().value(), (std::vector{player, mic})) << query;
+    }
+}
+
+TEST_F(AudioDeviceManagerTest, CountsNoChannelsWhereTheStreamsHaveNoSize) {
+    hardware.failures = {{"AudioObjectGetPropertyDataSize 7 slay inpt", -1}};
+    EXPECT_EQ(manager.allDevices().value().front().inputChannelCount, 0);
+    EXPECT_EQ(manager.allDevices().value().front().outputChannelCount, 16);
+}
+
+TEST_F(AudioDeviceManagerTest, NamesTheQueryThatFailed) {
+    hardware.failures = {{"AudioObjectGetPropertyData 7", 560947818}};
+    EXPECT_EQ(
+        manager.stringProperty(7, platform::kAudioDevicePropertyDeviceUID).error().description(),
+        "Core Audio property query failed (string property 1969841184): OSStatus 560947818"
+    );
+    EXPECT_EQ(
+        manager.doubleProperty(7, platform::kAudioDevicePropertyNominalSampleRate).error().description(),
+        "Core Audio property query failed (double property 1853059700): OSStatus 560947818"
+    );
+    EXPECT_EQ(
+        manager.channelCount(7, platform::kAudioObjectPropertyScopeOutput).error().description(),
+        "Core Audio property query failed (kAudioDevicePropertyStreamConfiguration): OSStatus 560947818"
+    );
+}
+
+TEST(AudioDeviceInfo, HashesEqualRecordsAlikeAndEveryFieldCounts) {
+    const std::hash<AudioDeviceInfo> hash;
+    const AudioDeviceInfo device{1, "uid", "name", 2, 3, 0.0};
+    AudioDeviceInfo twin = device;
+    twin.sampleRate = -0.0;
+    EXPECT_EQ(twin, device);
+    EXPECT_EQ(hash(twin), hash(device));
+    const AudioDeviceInfo others[] = {{2, "uid", "name", 2, 3, 0.0}, {1, "u", "name", 2, 3, 0.0},
+                                      {1, "uid", "n", 2, 3, 0.0},    {1, "uid", "name", 3, 3, 0.0},
+                                      {1, "uid", "name", 2, 4, 0.0}, {1, "uid", "name", 2, 3, 1.0}};
+    for (const AudioDeviceInfo& other : others) {
+        EXPECT_NE(other, device);
+        EXPECT_NE(hash(other), hash(device));
+    }
+}
+
+} // namespace
