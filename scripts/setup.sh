@@ -4,8 +4,9 @@
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
 
-build=(cmake ninja-build g++ pkg-config libasound2-dev libsndfile1-dev nlohmann-json3-dev libfmt-dev libcli11-dev)
-tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev)
+build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsndfile1-dev nlohmann-json3-dev libfmt-dev
+    libcli11-dev)
+tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev jackd2)
 check=(clang-format)
 lint=(clang-tidy cppcheck)
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/jack_audio/jack_clients.h"
+#include "platform/jack_audio/jack_events.h"
+#include "platform/jack_audio/jack_library_call.h"
+
+#include <jack/jack.h>
+
+#include <atomic>
+
+namespace orvane::platform {
+
+/// One client of a JACK server, closed at its destruction. Only for the sources of what is made with a
+/// JackClients: other headers do not show libjack. Any thread but libjack's own.
+class JackClient final {
+  public:
+    ~JackClient();
+    JackClient(const JackClient&) = delete;
+    JackClient& operator=(const JackClient&) = delete;
+
+    /// Gives libjack's handle to `call`, in which libjack may be called, or returns false where the server is
+    /// gone.
+    template <class Call>
+    bool use(Call&& call) {
+        const JackLibraryCall libraryCall(clients.libraryMutex);
+        if (handle == nullptr || isGone()) return false;
+        call(handle);
+        return true;
+    }
+
+    /// Ends the client's part in the server's cycles, also where the server is gone: no process callback is
+    /// running when it returns and none comes after.
+    void deactivate();
+
+    /// Whether the server has shut down or has shut the client out; it stays so.
+    [[nodiscard]] bool isGone() const noexcept { return gone.load(); }
+
+  private:
+    friend class JackClients;
+
+    JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents);
+    static void markGone(jack_status_t code, const char* reason, void* self);
+    void close();
+
+    JackClients& clients;
+    jack_client_t* handle;
+    JackEvents& events;
+    std::atomic<bool> gone = false;
+};
+
+} // namespace orvane::platform

@@ -1,0 +1,92 @@
+#include "platform/jack_audio/jack_clients.h"
+
+#include "platform/jack_audio/jack_client.h"
+#include "platform/jack_audio/jack_events.h"
+
+#include <pthread.h>
+
+#include <chrono>
+#include <thread>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr int mostWaits = 500;
+constexpr std::chrono::milliseconds waitStep{1};
+
+/// Sees to it that libjack's notification thread of the client is at rest, because closing the client cancels
+/// that thread wherever it is, and for each notification it takes a lock that all clients share.
+void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
+    jack_deactivate(handle);
+    jack_set_process_callback(handle, nullptr, nullptr);
+    jack_set_xrun_callback(handle, nullptr, nullptr);
+    jack_set_buffer_size_callback(handle, nullptr, nullptr);
+    jack_set_port_registration_callback(handle, nullptr, nullptr);
+    jack_set_client_registration_callback(handle, nullptr, nullptr);
+    // The server answers once the thread has seen this and all that came before it.
+    if (jack_activate(handle) == 0) {
+        jack_deactivate(handle);
+        return;
+    }
+    for (int waits = 0; !isGone.load() && waits < mostWaits; ++waits)
+        std::this_thread::sleep_for(waitStep);
+}
+
+} // namespace
+
+JackClients::JackClients() {
+    const auto ignore = [](const char*) {};
+    jack_set_error_function(ignore);
+    jack_set_info_function(ignore);
+}
+
+std::unique_ptr<JackClient> JackClients::open(const std::string& name, JackEvents& events) {
+    const JackLibraryCall libraryCall(libraryMutex);
+    if (isServerGone.load()) {
+        for (JackClient* client : opened)
+            client->close();
+        opened.clear();
+        isServerGone.store(false);
+    }
+    jack_client_t* const handle = jack_client_open(name.c_str(), JackNoStartServer, nullptr);
+    if (handle == nullptr) return nullptr;
+    std::unique_ptr<JackClient> client(new JackClient(*this, handle, events));
+    opened.push_back(client.get());
+    return client;
+}
+
+JackClient::JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents)
+    : clients(owner), handle(openedHandle), events(clientEvents) {
+    jack_on_info_shutdown(handle, markGone, this);
+}
+
+JackClient::~JackClient() {
+    const JackLibraryCall libraryCall(clients.libraryMutex);
+    close();
+    std::erase(clients.opened, this);
+}
+
+void JackClient::close() {
+    if (handle == nullptr) return;
+    settle(handle, gone);
+    jack_client_close(handle);
+    handle = nullptr;
+    gone.store(true);
+}
+
+void JackClient::deactivate() {
+    const JackLibraryCall libraryCall(clients.libraryMutex);
+    if (handle != nullptr) jack_deactivate(handle);
+}
+
+void JackClient::markGone(jack_status_t, const char*, void* self) {
+    // The server may still have things to say, for which this thread takes the lock. It ends by itself after.
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+    auto& client = *static_cast<JackClient*>(self);
+    client.gone.store(true);
+    client.clients.isServerGone.store(true);
+    client.events.post(JackEvent::serverGone);
+}
+
+} // namespace orvane::platform

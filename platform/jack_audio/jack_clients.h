@@ -1,0 +1,38 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace orvane::platform {
+
+class JackClient;
+class JackEvents;
+
+/// Opens the process's JACK clients. libjack is shared by all of them: it takes one call at a time, and when
+/// the first client is opened after a server has shut down it frees those of the old server, whoever still
+/// holds them. So there is one of these, which closes the old ones first; everything that talks to a JACK
+/// server is made with it and does not outlive it.
+class JackClients final {
+  public:
+    /// Silences libjack, which reports on standard error otherwise.
+    JackClients();
+    JackClients(const JackClients&) = delete;
+    JackClients& operator=(const JackClients&) = delete;
+
+    /// A client of the running server, null where none runs; never starts one. `name` is what others see,
+    /// with a number where it is taken. Posts to `events`, which outlive the client, when the server has shut
+    /// down or has shut the client out. Any thread but libjack's own.
+    std::unique_ptr<JackClient> open(const std::string& name, JackEvents& events);
+
+  private:
+    friend class JackClient;
+
+    std::mutex libraryMutex;
+    std::vector<JackClient*> opened;
+    std::atomic<bool> isServerGone = false;
+};
+
+} // namespace orvane::platform

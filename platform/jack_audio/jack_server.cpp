@@ -1,0 +1,115 @@
+#include "platform/jack_audio/jack_server.h"
+
+#include "platform/jack_audio/jack_callback.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr const char* clientName = "ORVANE control";
+constexpr std::size_t mostAliases = 2;
+
+std::vector<std::string> aliasesOf(const jack_port_t* port) {
+    const auto size = static_cast<std::size_t>(jack_port_name_size());
+    std::array<std::string, mostAliases> aliases{std::string(size, '\0'), std::string(size, '\0')};
+    char* const buffers[mostAliases] = {aliases[0].data(), aliases[1].data()};
+    const int count = std::max(jack_port_get_aliases(port, buffers), 0);
+    std::vector<std::string> found;
+    for (int i = 0; i < count; ++i)
+        found.emplace_back(buffers[i]);
+    return found;
+}
+
+std::vector<JackPort> audioPortsOf(jack_client_t* client) {
+    const std::unique_ptr<const char*, void (*)(const char**)> names(
+        jack_get_ports(client, nullptr, JACK_DEFAULT_AUDIO_TYPE, 0),
+        [](const char** list) { jack_free(static_cast<void*>(list)); }
+    );
+    std::vector<JackPort> ports;
+    for (const char** name = names.get(); name != nullptr && *name != nullptr; ++name) {
+        const jack_port_t* const port = jack_port_by_name(client, *name);
+        if (port == nullptr) continue;
+        const int flags = jack_port_flags(port);
+        ports.push_back(
+            {*name, aliasesOf(port), (flags & JackPortIsOutput) != 0, (flags & JackPortIsPhysical) != 0}
+        );
+    }
+    return ports;
+}
+
+} // namespace
+
+const JackDevice* JackServerState::find(std::string_view uid) const {
+    const auto found = std::ranges::find(devices, uid, &JackDevice::uid);
+    return found == devices.end() ? nullptr : &*found;
+}
+
+std::optional<JackServerState> JackServer::state() {
+    const std::scoped_lock lock(mutex);
+    if (!open()) return std::nullopt;
+    return readState();
+}
+
+std::optional<JackServerState> JackServer::knownState() {
+    const std::scoped_lock lock(mutex);
+    if (client == nullptr) return std::nullopt;
+    return readState();
+}
+
+bool JackServer::requestBufferSize(std::uint32_t frameCount) {
+    const std::scoped_lock lock(mutex);
+    bool isTaken = false;
+    return open()
+           && client->use([&](jack_client_t* jack) { isTaken = jack_set_buffer_size(jack, frameCount) == 0; })
+           && isTaken;
+}
+
+bool JackServer::open() {
+    if (client != nullptr && !client->isGone()) return true;
+    client.reset();
+    client = clients.open(clientName, events);
+    if (client == nullptr) return false;
+    bool isActive = false;
+    client->use([&](jack_client_t* jack) {
+        lastBufferSize.store(jack_get_buffer_size(jack));
+        jack_set_buffer_size_callback(jack, jackCallback<int, &JackServer::bufferSizeChanged>, this);
+        // A client that closes tells of its ports while they are still listed, of itself once they are not.
+        jack_set_port_registration_callback(jack, jackCallback<void, &JackServer::portChanged>, this);
+        jack_set_client_registration_callback(jack, jackCallback<void, &JackServer::clientChanged>, this);
+        isActive = jack_activate(jack) == 0;
+    });
+    if (!isActive) client.reset();
+    return isActive;
+}
+
+std::optional<JackServerState> JackServer::readState() {
+    JackServerState state;
+    const bool isRead = client->use([&](jack_client_t* jack) {
+        state.sampleRate = jack_get_sample_rate(jack);
+        state.bufferSize = jack_get_buffer_size(jack);
+        state.devices = jackDevices(audioPortsOf(jack));
+    });
+    return isRead ? std::optional(std::move(state)) : std::nullopt;
+}
+
+void JackServer::bufferSizeChanged(jack_nframes_t frameCount, void* self) noexcept {
+    auto& server = *static_cast<JackServer*>(self);
+    if (server.lastBufferSize.exchange(frameCount) != frameCount)
+        server.events.post(JackEvent::bufferSizeChanged);
+}
+
+void JackServer::portChanged(jack_port_id_t, int isRegistered, void* self) noexcept {
+    if (isRegistered == 0) static_cast<JackServer*>(self)->events.post(JackEvent::portsRemoved);
+}
+
+void JackServer::clientChanged(const char*, int isRegistered, void* self) noexcept {
+    if (isRegistered == 0) static_cast<JackServer*>(self)->events.post(JackEvent::portsRemoved);
+}
+
+} // namespace orvane::platform

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/jack_audio/jack_client.h"
+#include "platform/jack_audio/jack_clients.h"
+#include "platform/jack_audio/jack_devices.h"
+#include "platform/jack_audio/jack_events.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace orvane::platform {
+
+/// A server as it is at one moment. A plain value.
+struct JackServerState {
+    /// In Hz.
+    double sampleRate = 0.0;
+    /// In frames.
+    std::uint32_t bufferSize = 0;
+    std::vector<JackDevice> devices;
+
+    /// Null where there is no such device; valid as long as the state is not changed.
+    [[nodiscard]] const JackDevice* find(std::string_view uid) const;
+};
+
+/// The JACK server, seen through a client without ports that is opened when first needed and again after the
+/// server has come back. Posts what changes. Any thread but libjack's own.
+class JackServer final {
+  public:
+    JackServer(JackClients& jackClients, JackEvents& serverEvents)
+        : clients(jackClients), events(serverEvents) {}
+
+    /// Nothing where no server runs.
+    std::optional<JackServerState> state();
+
+    /// As `state`, but nothing also where we are not yet, or no longer, a client of the server.
+    std::optional<JackServerState> knownState();
+
+    /// Asks for a buffer size in frames; whether the server took the request.
+    bool requestBufferSize(std::uint32_t frameCount);
+
+  private:
+    bool open();
+    std::optional<JackServerState> readState();
+    static void bufferSizeChanged(jack_nframes_t frameCount, void* self) noexcept;
+    static void portChanged(jack_port_id_t port, int isRegistered, void* self) noexcept;
+    static void clientChanged(const char* name, int isRegistered, void* self) noexcept;
+
+    JackClients& clients;
+    JackEvents& events;
+    std::mutex mutex;
+    std::unique_ptr<JackClient> client;
+    std::atomic<std::uint32_t> lastBufferSize = 0;
+};
+
+} // namespace orvane::platform

@@ -1,0 +1,135 @@
+#include "platform/jack_audio/jack_stream.h"
+
+#include "platform/flush_denormals.h"
+#include "platform/jack_audio/jack_callback.h"
+
+#include <jack/thread.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr const char* clientName = "ORVANE";
+/// What no JACK server goes beyond. It may change its buffer size at any time, and cycles of the new size
+/// come before anybody has been told.
+constexpr std::size_t longestCycleInFrames = 8192;
+
+bool connectPorts(jack_client_t* client, const char* source, const char* destination) {
+    const int status = jack_connect(client, source, destination);
+    return status == 0 || status == EEXIST;
+}
+
+} // namespace
+
+Result<std::unique_ptr<AudioStream>, OSStatus> JackStream::open(
+    JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
+    AudioStreamClient& client
+) {
+    auto jackClient = clients.open(clientName, events);
+    if (jackClient == nullptr) return kAudioHardwareBadDeviceError;
+    std::unique_ptr<JackStream> stream(new JackStream(std::move(jackClient), device, enableInput, client));
+    if (!stream->prepare()) return kAudioHardwareUnspecifiedError;
+    return std::unique_ptr<AudioStream>(std::move(stream));
+}
+
+JackStream::JackStream(
+    std::unique_ptr<JackClient> ownJackClient, const JackDevice& device, bool enableInput,
+    AudioStreamClient& cycleClient
+)
+    : streamClient(cycleClient), jackClient(std::move(ownJackClient)) {
+    if (enableInput) inputs.devicePorts = device.inputPorts;
+    outputs.devicePorts = device.outputPorts;
+}
+
+JackStream::~JackStream() {
+    stop();
+}
+
+bool JackStream::prepare() {
+    bool isPrepared = false;
+    jackClient->use([&](jack_client_t* client) {
+        isPrepared = inputs.registerPorts(client, "in_", JackPortIsInput)
+                     && outputs.registerPorts(client, "out_", JackPortIsOutput)
+                     && jack_set_process_callback(client, jackCallback<int, &JackStream::process>, this) == 0
+                     && jack_set_xrun_callback(client, jackCallback<int, &JackStream::countXrun>, this) == 0;
+    });
+    return isPrepared;
+}
+
+template <class Sample>
+bool JackStream::Side<Sample>::registerPorts(
+    jack_client_t* client, const char* prefix, unsigned long direction
+) {
+    for (std::size_t channel = 0; channel < devicePorts.size(); ++channel) {
+        const std::string name = prefix + std::to_string(channel + 1);
+        jack_port_t* const port =
+            jack_port_register(client, name.c_str(), JACK_DEFAULT_AUDIO_TYPE, direction, 0);
+        if (port == nullptr) return false;
+        ports.push_back(port);
+    }
+    blocks.resize(ports.size());
+    return true;
+}
+
+OSStatus JackStream::start() {
+    OSStatus status = kAudioHardwareBadDeviceError;
+    jackClient->use([&](jack_client_t* client) { status = isRunning ? noErr : activate(client); });
+    if (status == noErr)
+        isRunning = true;
+    else
+        stop();
+    return status;
+}
+
+OSStatus JackStream::activate(jack_client_t* client) {
+    xruns.store(0);
+    if (jack_activate(client) != 0) return kAudioHardwareUnspecifiedError;
+    priority.store(jack_is_realtime(client) != 0 ? jack_client_real_time_priority(client) : 0);
+    return connect(client) ? noErr : kAudioHardwareBadDeviceError;
+}
+
+bool JackStream::connect(jack_client_t* client) const {
+    for (std::size_t channel = 0; channel < inputs.ports.size(); ++channel)
+        if (!connectPorts(client, inputs.devicePorts[channel].c_str(), jack_port_name(inputs.ports[channel])))
+            return false;
+    for (std::size_t channel = 0; channel < outputs.ports.size(); ++channel)
+        if (!connectPorts(
+                client, jack_port_name(outputs.ports[channel]), outputs.devicePorts[channel].c_str()
+            ))
+            return false;
+    return true;
+}
+
+void JackStream::stop() {
+    jackClient->deactivate();
+    priority.store(0);
+    isRunning = false;
+}
+
+std::size_t JackStream::maximumFrames() const {
+    return longestCycleInFrames;
+}
+
+template <class Sample>
+void JackStream::Side<Sample>::takeBlocks(jack_nframes_t frameCount) noexcept {
+    for (std::size_t channel = 0; channel < ports.size(); ++channel)
+        blocks[channel] = {
+            static_cast<Sample*>(jack_port_get_buffer(ports[channel], frameCount)), frameCount};
+}
+
+void JackStream::process(jack_nframes_t frameCount, void* self) noexcept {
+    const FlushDenormals flushing;
+    auto& stream = *static_cast<JackStream*>(self);
+    stream.inputs.takeBlocks(frameCount);
+    stream.outputs.takeBlocks(frameCount);
+    stream.streamClient.cycle(stream.inputs.blocks, stream.outputs.blocks, frameCount);
+}
+
+void JackStream::countXrun(void* self) noexcept {
+    static_cast<JackStream*>(self)->xruns.fetch_add(1);
+}
+
+} // namespace orvane::platform

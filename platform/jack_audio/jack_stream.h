@@ -1,0 +1,71 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/audio_driver.h"
+#include "platform/jack_audio/jack_client.h"
+#include "platform/jack_audio/jack_clients.h"
+#include "platform/jack_audio/jack_devices.h"
+#include "platform/jack_audio/jack_events.h"
+
+#include <jack/jack.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace orvane::platform {
+
+/// A stream on a JACK device: a client of its own with one port per channel, which is connected to the
+/// device's port as long as the stream runs.
+class JackStream final : public AudioStream {
+  public:
+    /// See AudioDriver::open. Posts when the server is gone.
+    static Result<std::unique_ptr<AudioStream>, OSStatus> open(
+        JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
+        AudioStreamClient& client
+    );
+    ~JackStream() override;
+
+    OSStatus start() override;
+    void stop() override;
+    [[nodiscard]] std::size_t maximumFrames() const override;
+    [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return xruns.load(); }
+    [[nodiscard]] int realtimePriority() const noexcept override { return priority.load(); }
+
+  private:
+    /// Our ports on one side and the device's ports that they are connected to.
+    template <class Sample>
+    struct Side {
+        std::vector<std::string> devicePorts;
+        std::vector<jack_port_t*> ports;
+        std::vector<std::span<Sample>> blocks;
+
+        bool registerPorts(jack_client_t* client, const char* prefix, unsigned long direction);
+        ORVANE_REALTIME void takeBlocks(jack_nframes_t frameCount) noexcept;
+    };
+
+    JackStream(
+        std::unique_ptr<JackClient> ownJackClient, const JackDevice& device, bool enableInput,
+        AudioStreamClient& cycleClient
+    );
+    bool prepare();
+    OSStatus activate(jack_client_t* client);
+    [[nodiscard]] bool connect(jack_client_t* client) const;
+    ORVANE_REALTIME static void process(jack_nframes_t frameCount, void* self) noexcept;
+    static void countXrun(void* self) noexcept;
+
+    AudioStreamClient& streamClient;
+    Side<const float> inputs;
+    Side<float> outputs;
+    std::atomic<std::uint32_t> xruns = 0;
+    std::atomic<int> priority = 0;
+    bool isRunning = false;
+    /// Last, so that it closes before what its callbacks use goes.
+    std::unique_ptr<JackClient> jackClient;
+};
+
+} // namespace orvane::platform

@@ -1,0 +1,223 @@
+#include "platform/jack_audio/jack_audio_driver.h"
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
+#include "support/wait_for.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <memory>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace orvane::platform {
+
+void PrintTo(const AudioDriverDevice& device, std::ostream* out) {
+    *out << device.uid << " (" << device.name << ") " << device.inputChannelCount << " in, "
+         << device.outputChannelCount << " out, " << device.sampleRate << " Hz";
+}
+
+} // namespace orvane::platform
+
+namespace {
+
+using namespace orvane::platform;
+using orvane::test::JackPeer;
+using orvane::test::JackServerName;
+using orvane::test::JackTestServer;
+using orvane::test::waitFor;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Driver {
+    JackClients clients;
+    JackAudioDriver jack{clients};
+};
+
+struct SilentClient final : AudioStreamClient {
+    void cycle(
+        std::span<const std::span<const float>>, std::span<const std::span<float>> outputs, std::size_t
+    ) noexcept override {
+        for (const std::span<float> output : outputs)
+            std::ranges::fill(output, 0.0F);
+    }
+};
+
+/// What a watch was told, with the buffer size that the listener read then.
+class WatchLog final {
+  public:
+    WatchLog(AudioDriver& driver, const std::string& uid)
+        : watch(driver.watch(uid, [this, &driver, uid](AudioDeviceChange change) {
+              const auto bufferSize = driver.bufferSize(uid);
+              const std::scoped_lock lock(mutex);
+              lines.push_back(
+                  change == AudioDeviceChange::died ? "died"
+                  : bufferSize                      ? std::to_string(bufferSize.value())
+                                                    : "unknown"
+              );
+          })) {}
+
+    [[nodiscard]] std::vector<std::string> told() const {
+        const std::scoped_lock lock(mutex);
+        return lines;
+    }
+
+    [[nodiscard]] bool waitForLines(std::size_t count) const {
+        return waitFor([&] { return told().size() >= count; });
+    }
+
+  private:
+    mutable std::mutex mutex;
+    std::vector<std::string> lines;
+    std::unique_ptr<AudioDeviceWatch> watch;
+};
+
+class JackServerFormats : public testing::TestWithParam<JackTestServer::Format> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, JackServerFormats,
+    testing::Values(
+        JackTestServer::Format{.sampleRate = 44100, .period = 1024, .channelCount = 1},
+        JackTestServer::Format{.sampleRate = 48000, .period = 64, .channelCount = 12},
+        JackTestServer::Format{.sampleRate = 96000, .period = 512, .channelCount = 32}
+    )
+);
+
+TEST_P(JackServerFormats, ShowTheServersHardwareAsADevice) {
+    const auto [sampleRate, period, channelCount, waits] = GetParam();
+    const JackTestServer server(GetParam());
+    Driver driver;
+    EXPECT_THAT(
+        driver.jack.devices(),
+        ElementsAre(AudioDriverDevice{
+            "jack:system", "system", channelCount, channelCount, static_cast<double>(sampleRate)})
+    );
+    EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), period);
+}
+
+TEST(JackAudioDriver, HasNoDevicesAndNothingToSayWhereNoServerRuns) {
+    const JackServerName nobody;
+    testing::internal::CaptureStderr();
+    {
+        Driver driver;
+        SilentClient client;
+        EXPECT_THAT(driver.jack.devices(), IsEmpty());
+        EXPECT_EQ(driver.jack.bufferSize("jack:system").error(), kAudioHardwareBadDeviceError);
+        EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 256), kAudioHardwareBadDeviceError);
+        EXPECT_EQ(driver.jack.open("jack:system", true, client).error(), kAudioHardwareBadDeviceError);
+        const WatchLog log(driver.jack, "jack:system");
+        EXPECT_TRUE(log.waitForLines(1));
+        EXPECT_THAT(log.told(), ElementsAre("died"));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(JackAudioDriver, KnowsNoDeviceByAnotherUid) {
+    const JackTestServer server({});
+    Driver driver;
+    SilentClient client;
+    for (const char* uid : {"", "system", "jack:", "jack:all", "jack:System"}) {
+        EXPECT_EQ(driver.jack.bufferSize(uid).error(), kAudioHardwareBadDeviceError) << uid;
+        EXPECT_EQ(driver.jack.requestBufferSize(uid, 256), kAudioHardwareBadDeviceError) << uid;
+        EXPECT_EQ(driver.jack.open(uid, true, client).error(), kAudioHardwareBadDeviceError) << uid;
+    }
+}
+
+TEST(JackAudioDriver, ListsEachClientWithHardwarePortsAndAllOfThemTogether) {
+    const JackTestServer server({});
+    Driver driver;
+    auto card = std::make_unique<JackPeer>("card", 3, JackPortIsPhysical);
+    EXPECT_THAT(
+        driver.jack.devices(), ElementsAre(
+                                   AudioDriverDevice{"jack:card", "card", 3, 3, 48000.0},
+                                   AudioDriverDevice{"jack:system", "system", 2, 2, 48000.0},
+                                   AudioDriverDevice{"jack:all", "All JACK ports", 5, 5, 48000.0}
+                               )
+    );
+    const WatchLog goes(driver.jack, "jack:card");
+    const WatchLog stays(driver.jack, "jack:system");
+    card.reset();
+    EXPECT_TRUE(goes.waitForLines(1));
+    EXPECT_THAT(goes.told(), ElementsAre("died"));
+    EXPECT_THAT(stays.told(), IsEmpty());
+    EXPECT_EQ(driver.jack.devices().size(), 1U);
+}
+
+TEST(JackAudioDriver, TellsOfEveryChangeOfTheBufferSizeOnce) {
+    const JackTestServer server({});
+    Driver driver;
+    JackPeer other("other", 1);
+    const WatchLog log(driver.jack, "jack:system");
+    EXPECT_TRUE(other.setBufferSize(512));
+    EXPECT_TRUE(log.waitForLines(1));
+    EXPECT_TRUE(other.setBufferSize(512));
+    EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 128), noErr);
+    EXPECT_TRUE(log.waitForLines(2));
+    EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), 128U);
+    EXPECT_TRUE(other.setBufferSize(8192));
+    EXPECT_TRUE(log.waitForLines(3));
+    EXPECT_THAT(log.told(), ElementsAre("512", "128", "8192"));
+}
+
+TEST(JackAudioDriver, PassesOnThatTheServerRefusesABufferSize) {
+    const JackTestServer server({});
+    Driver driver;
+    for (const std::uint32_t frameCount : {0U, 8193U, 1U << 31U}) {
+        EXPECT_EQ(
+            driver.jack.requestBufferSize("jack:system", frameCount), kAudioHardwareIllegalOperationError
+        ) << frameCount;
+        EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), 256U) << frameCount;
+    }
+}
+
+TEST(JackAudioDriver, TellsNothingToAWatchThatHasEnded) {
+    const JackTestServer server({});
+    Driver driver;
+    JackPeer other("other", 1);
+    int calls = 0;
+    auto ended = driver.jack.watch("jack:system", [&calls](AudioDeviceChange) { ++calls; });
+    const WatchLog log(driver.jack, "jack:system");
+    ended.reset();
+    EXPECT_TRUE(other.setBufferSize(512));
+    EXPECT_TRUE(log.waitForLines(1));
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(JackAudioDriver, SurvivesItsServerAndFindsTheNextOne) {
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        JackTestServer server({});
+        Driver driver;
+        SilentClient client;
+        const WatchLog log(driver.jack, "jack:system");
+        auto stopped = driver.jack.open("jack:system", true, client);
+        auto kept = driver.jack.open("jack:system", true, client);
+        ASSERT_TRUE(stopped && kept);
+        ASSERT_EQ(stopped.value()->start(), noErr);
+        ASSERT_EQ(kept.value()->start(), noErr);
+
+        server.end(signal);
+        EXPECT_TRUE(log.waitForLines(1)) << "signal " << signal;
+        stopped.value()->stop();
+        EXPECT_EQ(stopped.value()->start(), kAudioHardwareBadDeviceError);
+        stopped.value().reset();
+        EXPECT_THAT(driver.jack.devices(), IsEmpty());
+
+        server.restart();
+        EXPECT_EQ(driver.jack.devices().size(), 1U) << "signal " << signal;
+        EXPECT_EQ(kept.value()->start(), kAudioHardwareBadDeviceError);
+        EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 512), noErr);
+        EXPECT_TRUE(log.waitForLines(2)) << "signal " << signal;
+        auto next = driver.jack.open("jack:system", true, client);
+        ASSERT_TRUE(next);
+        EXPECT_EQ(next.value()->start(), noErr);
+
+        server.end(signal);
+        EXPECT_TRUE(log.waitForLines(3)) << "signal " << signal;
+        EXPECT_THAT(log.told(), ElementsAre("died", "512", "died")) << "signal " << signal;
+    }
+}
+
+} // namespace

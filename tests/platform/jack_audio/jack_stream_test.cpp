@@ -1,0 +1,221 @@
+#include "platform/jack_audio/jack_audio_driver.h"
+#include "support/allocation_guard.h"
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace {
+
+using namespace orvane::platform;
+using orvane::test::AllocationGuard;
+using orvane::test::JackPeer;
+using orvane::test::JackTestServer;
+using orvane::test::waitFor;
+
+constexpr const char* uid = "jack:system";
+
+/// Gives every input back with its sign changed, or the peer's signal where there is none. From its second
+/// cycle on until `mayAllocate` is set, nothing on the I/O thread may allocate, within its cycles or between.
+struct InvertingClient final : AudioStreamClient {
+    std::atomic<std::size_t> cycleCount = 0;
+    std::atomic<std::size_t> lastFrameCount = 0;
+    std::atomic<std::size_t> inputCount = 0;
+    std::atomic<bool> mayAllocate = false;
+    std::optional<AllocationGuard> guard;
+    std::size_t time = 0;
+
+    void cycle(
+        std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
+        std::size_t frameCount
+    ) noexcept override {
+        if (cycleCount.load() > 0 && !guard && !mayAllocate.load()) guard.emplace();
+        if (mayAllocate.load()) guard.reset();
+        for (std::size_t channel = 0; channel < outputs.size(); ++channel)
+            for (std::size_t frame = 0; frame < frameCount; ++frame)
+                outputs[channel][frame] =
+                    inputs.empty() ? JackPeer::signal(channel, time + frame) : -inputs[channel][frame];
+        time += frameCount;
+        inputCount.store(inputs.size());
+        lastFrameCount.store(frameCount);
+        cycleCount.fetch_add(1);
+    }
+
+    [[nodiscard]] bool waitForCycles(std::size_t more) const {
+        return waitFor([this, target = cycleCount.load() + more] { return cycleCount.load() >= target; });
+    }
+
+    [[nodiscard]] bool endGuard() {
+        mayAllocate.store(true);
+        return waitForCycles(2);
+    }
+};
+
+struct Driver {
+    JackClients clients;
+    JackAudioDriver jack{clients};
+};
+
+class JackStreamFormats : public testing::TestWithParam<JackTestServer::Format> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, JackStreamFormats,
+    testing::Values(
+        JackTestServer::Format{.sampleRate = 44100, .period = 1024, .channelCount = 1},
+        JackTestServer::Format{.sampleRate = 48000, .period = 64, .channelCount = 2},
+        JackTestServer::Format{.sampleRate = 48000, .period = 256, .channelCount = 48},
+        JackTestServer::Format{.sampleRate = 96000, .period = 2048, .channelCount = 12}
+    )
+);
+
+TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
+    const std::uint32_t channelCount = GetParam().channelCount;
+    constexpr std::size_t frameCount = 20000;
+    const JackTestServer server(GetParam());
+    Driver driver;
+    InvertingClient client;
+    const auto stream = driver.jack.open(uid, true, client);
+    ASSERT_TRUE(stream);
+    ASSERT_EQ(stream.value()->start(), noErr);
+    JackPeer peer("peer", channelCount);
+    ASSERT_TRUE(peer.connectTo("ORVANE"));
+    ASSERT_TRUE(client.waitForCycles(2));
+    const std::vector<std::vector<float>> heard = peer.exchange(frameCount);
+    EXPECT_EQ(client.inputCount.load(), channelCount);
+    EXPECT_EQ(client.lastFrameCount.load(), GetParam().period);
+    for (std::size_t channel = 0; channel < channelCount; ++channel) {
+        ASSERT_EQ(heard[channel].size(), frameCount) << "channel " << channel;
+        for (std::size_t frame = 0; frame < frameCount; ++frame)
+            ASSERT_EQ(heard[channel][frame], -JackPeer::signal(channel, frame))
+                << "channel " << channel << ", frame " << frame;
+    }
+    EXPECT_TRUE(client.endGuard());
+}
+
+TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
+    const JackTestServer server({});
+    Driver driver;
+    InvertingClient client;
+    const auto stream = driver.jack.open(uid, false, client);
+    ASSERT_TRUE(stream);
+    ASSERT_EQ(stream.value()->start(), noErr);
+    EXPECT_TRUE(client.waitForCycles(3));
+    EXPECT_EQ(client.inputCount.load(), 0U);
+    EXPECT_TRUE(client.endGuard());
+}
+
+TEST(JackStream, GoesOnWhenTheBufferSizeChanges) {
+    const JackTestServer server({});
+    Driver driver;
+    InvertingClient client;
+    const auto stream = driver.jack.open(uid, true, client);
+    ASSERT_TRUE(stream);
+    ASSERT_EQ(stream.value()->start(), noErr);
+    JackPeer other("other", 1);
+    for (const std::uint32_t frameCount : {1024U, 32U, 8192U, 256U}) {
+        EXPECT_TRUE(other.setBufferSize(frameCount));
+        EXPECT_TRUE(waitFor([&] { return client.lastFrameCount.load() == frameCount; })) << frameCount;
+        EXPECT_LE(frameCount, stream.value()->maximumFrames());
+    }
+    EXPECT_TRUE(client.waitForCycles(3));
+    EXPECT_TRUE(client.endGuard());
+}
+
+TEST(JackStream, RunsNoCycleOnceStopped) {
+    const JackTestServer server({.period = 64});
+    Driver driver;
+    InvertingClient client;
+    client.mayAllocate = true;
+    const auto stream = driver.jack.open(uid, true, client);
+    ASSERT_TRUE(stream);
+    JackPeer other("other", 2);
+    for (int round = 0; round < 10; ++round) {
+        ASSERT_EQ(stream.value()->start(), noErr) << "round " << round;
+        EXPECT_EQ(stream.value()->start(), noErr) << "round " << round;
+        EXPECT_TRUE(client.waitForCycles(2)) << "round " << round;
+        stream.value()->stop();
+        const std::size_t count = client.cycleCount.load();
+        EXPECT_TRUE(other.setBufferSize(round % 2 == 0 ? 128 : 64));
+        EXPECT_EQ(client.cycleCount.load(), count) << "round " << round;
+        stream.value()->stop();
+    }
+}
+
+TEST(JackStream, CanBeOpenedAndDestroyedAnyNumberOfTimes) {
+    const JackTestServer server({});
+    for (int round = 0; round < 10; ++round) {
+        Driver driver;
+        InvertingClient client;
+        client.mayAllocate = true;
+        for (const bool enableInput : {true, false}) {
+            const auto stream = driver.jack.open(uid, enableInput, client);
+            ASSERT_TRUE(stream) << "round " << round;
+            if (round % 2 == 0) continue;
+            ASSERT_EQ(stream.value()->start(), noErr) << "round " << round;
+            ASSERT_TRUE(round % 4 == 1 || client.waitForCycles(1)) << "round " << round;
+        }
+    }
+}
+
+TEST(JackStream, RunsBesideAnotherOne) {
+    const JackTestServer server({});
+    Driver driver;
+    InvertingClient clients[2];
+    std::vector<std::unique_ptr<AudioStream>> streams;
+    for (InvertingClient& client : clients) {
+        auto stream = driver.jack.open(uid, true, client);
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(stream.value()->start(), noErr);
+        streams.push_back(std::move(stream).value());
+    }
+    for (InvertingClient& client : clients)
+        EXPECT_TRUE(client.waitForCycles(3) && client.endGuard());
+}
+
+TEST(JackStream, HasNoRealTimePriorityOnAServerThatHasNone) {
+    const JackTestServer server({});
+    Driver driver;
+    InvertingClient client;
+    client.mayAllocate = true;
+    const auto stream = driver.jack.open(uid, true, client);
+    ASSERT_TRUE(stream);
+    ASSERT_EQ(stream.value()->start(), noErr);
+    EXPECT_EQ(stream.value()->realtimePriority(), 0);
+}
+
+/// Does not return from its first cycle before the stream has counted that as late.
+struct LateClient final : AudioStreamClient {
+    std::atomic<const AudioStream*> stream = nullptr;
+
+    void cycle(
+        std::span<const std::span<const float>>, std::span<const std::span<float>> outputs, std::size_t
+    ) noexcept override {
+        for (const std::span<float> output : outputs)
+            std::ranges::fill(output, 0.0F);
+        if (const AudioStream* running = stream.exchange(nullptr))
+            waitFor([running] { return running->xrunCount() > 0; });
+    }
+};
+
+TEST(JackStream, CountsLateCyclesSinceTheLastStart) {
+    const JackTestServer server({.waitsForClients = false});
+    Driver driver;
+    LateClient client;
+    const auto stream = driver.jack.open(uid, true, client);
+    ASSERT_TRUE(stream);
+    EXPECT_EQ(stream.value()->xrunCount(), 0U);
+    client.stream = stream.value().get();
+    ASSERT_EQ(stream.value()->start(), noErr);
+    EXPECT_TRUE(waitFor([&] { return stream.value()->xrunCount() > 0; }));
+}
+
+} // namespace

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <jack/jack.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane::test {
+
+/// Another JACK client beside the one under test: it plays a known signal into `channelCount` ports of a
+/// client and records what comes out of as many.
+class JackPeer final {
+  public:
+    /// `portFlags` are added to those of all ports.
+    explicit JackPeer(const std::string& name, std::size_t channelCount, unsigned long portFlags = 0);
+    ~JackPeer();
+    JackPeer(const JackPeer&) = delete;
+    JackPeer& operator=(const JackPeer&) = delete;
+
+    /// The sample that is played; never 0.
+    static float signal(std::size_t channel, std::size_t frame);
+
+    /// Connects to the ports CLIENT:in_1, CLIENT:out_1 and so on; whether they were all there.
+    bool connectTo(const std::string& client);
+
+    /// Plays the signal from its start and returns what came back for the first `frameCount` frames of it, a
+    /// vector per channel; less if nothing came back.
+    std::vector<std::vector<float>> exchange(std::size_t frameCount);
+
+    bool setBufferSize(std::uint32_t frameCount);
+
+  private:
+    static int process(jack_nframes_t frameCount, void* self) noexcept;
+
+    jack_client_t* client;
+    std::vector<jack_port_t*> outputs;
+    std::vector<jack_port_t*> inputs;
+    std::atomic<bool> isExchanging = false;
+    std::size_t playedFrames = 0;
+    std::size_t wantedFrames = 0;
+    std::vector<std::vector<float>> recorded;
+};
+
+} // namespace orvane::test

@@ -1,0 +1,119 @@
+#include "support/jack_test_server.h"
+
+#include "platform/file_descriptor.h"
+#include "support/wait_for.h"
+
+#include <fcntl.h>
+#include <jack/jack.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+namespace orvane::test {
+
+namespace {
+
+constexpr const char* nameVariable = "JACK_DEFAULT_SERVER";
+constexpr const char* clientTimeoutInMs = "20000";
+
+/// In the process that becomes the server: no standard streams, and no longer life than the test's.
+[[noreturn]] void becomeServer(const std::vector<char*>& arguments) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const int nowhere = ::open("/dev/null", O_RDWR);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        ::dup2(nowhere, stream);
+    ::execvp(arguments.front(), arguments.data());
+    ::_exit(EXIT_FAILURE);
+}
+
+std::string socketPath(const std::string& serverName) {
+    return "/dev/shm/jack_" + serverName + "_" + std::to_string(::getuid()) + "_0";
+}
+
+/// As libjack finds out whether a server runs, but without opening a client: clients that close as soon as
+/// they have opened can hang libjack.
+bool canConnect(const std::string& path) {
+    const platform::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    return ::connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+}
+
+/// Servers that are killed leave their files behind, and so do their clients.
+void removeFilesOf(const std::string& serverName) {
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ignored))
+        if (entry.path().filename().string().find("_" + serverName + "_") != std::string::npos)
+            std::filesystem::remove(entry.path(), ignored);
+}
+
+} // namespace
+
+JackServerName::JackServerName() : name("orvane_test_" + std::to_string(::getpid())) {
+    ::setenv(nameVariable, name.c_str(), 1);
+    ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
+    jack_set_error_function([](const char*) {});
+    jack_set_info_function([](const char*) {});
+}
+
+JackServerName::~JackServerName() {
+    ::unsetenv(nameVariable);
+}
+
+JackTestServer::JackTestServer(Format serverFormat) : format(serverFormat) {
+    restart();
+}
+
+JackTestServer::~JackTestServer() {
+    end(SIGTERM);
+    removeFilesOf(name.text());
+}
+
+void JackTestServer::restart() {
+    const std::string channels = std::to_string(format.channelCount);
+    std::vector<std::string> words{"jackd", "-n", name.text(), "--no-realtime", "-t", clientTimeoutInMs};
+    if (format.waitsForClients) words.emplace_back("--sync");
+    words.insert(
+        words.end(), {"-d", "dummy", "-r", std::to_string(format.sampleRate), "-p",
+                      std::to_string(format.period), "-C", channels, "-P", channels}
+    );
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    process = ::fork();
+    if (process == 0) becomeServer(arguments);
+    if (process > 0 && waitFor([this] { return hasEnded() || canConnect(socketPath(name.text())); })
+        && process > 0)
+        return;
+    throw std::runtime_error(
+        "No JACK server could be started; install the package jackd2, and see whether the command "
+        "\"jackd -d dummy\" works."
+    );
+}
+
+bool JackTestServer::hasEnded() {
+    if (::waitpid(process, nullptr, WNOHANG) == 0) return false;
+    process = -1;
+    return true;
+}
+
+void JackTestServer::end(int signal) {
+    if (process < 0) return;
+    ::kill(process, signal);
+    ::waitpid(process, nullptr, 0);
+    process = -1;
+}
+
+} // namespace orvane::test
