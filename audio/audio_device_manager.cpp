@@ -1,6 +1,6 @@
 #include "audio/audio_device_manager.h"
 
-#include "audio/property_bytes.h"
+#include "platform/property_bytes.h"
 
 #include <fmt/format.h>
 
@@ -107,7 +107,7 @@ AudioDeviceManager::Result<std::string>
 AudioDeviceManager::stringProperty(AudioObjectID object, std::uint32_t selector) {
     StringRef text = nullptr;
     const PropertySize read =
-        hardware.AudioObjectGetPropertyData(object, globalAddress(selector), writableBytesOf(text));
+        hardware.AudioObjectGetPropertyData(object, globalAddress(selector), platform::writableBytesOf(text));
     if (read.status != noErr)
         return AudioDeviceManagerError::propertyQueryFailed(
             read.status, fmt::format("string property {}", selector)
@@ -118,8 +118,9 @@ AudioDeviceManager::stringProperty(AudioObjectID object, std::uint32_t selector)
 AudioDeviceManager::Result<double>
 AudioDeviceManager::doubleProperty(AudioObjectID object, std::uint32_t selector) {
     double number = 0.0;
-    const PropertySize read =
-        hardware.AudioObjectGetPropertyData(object, globalAddress(selector), writableBytesOf(number));
+    const PropertySize read = hardware.AudioObjectGetPropertyData(
+        object, globalAddress(selector), platform::writableBytesOf(number)
+    );
     if (read.status != noErr)
         return AudioDeviceManagerError::propertyQueryFailed(
             read.status, fmt::format("double property {}", selector)

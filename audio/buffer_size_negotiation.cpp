@@ -1,6 +1,6 @@
 #include "audio/buffer_size_negotiation.h"
 
-#include "audio/property_bytes.h"
+#include "platform/property_bytes.h"
 
 #include <fmt/format.h>
 
@@ -39,14 +39,14 @@ std::string refusedSizeWarning(std::uint32_t requested, OSStatus status) {
 std::optional<std::uint32_t> readBufferSize(AudioHardware& hardware, AudioObjectID device) {
     std::uint32_t frameCount = 0;
     const PropertySize read =
-        hardware.AudioObjectGetPropertyData(device, bufferSizeAddress, writableBytesOf(frameCount));
+        hardware.AudioObjectGetPropertyData(device, bufferSizeAddress, platform::writableBytesOf(frameCount));
     return read.status == noErr ? std::optional(frameCount) : std::nullopt;
 }
 
 BufferSizeAgreement
 negotiateBufferSize(AudioHardware& hardware, AudioObjectID device, std::uint32_t requested) {
     const OSStatus status =
-        hardware.AudioObjectSetPropertyData(device, bufferSizeAddress, bytesOf(requested));
+        hardware.AudioObjectSetPropertyData(device, bufferSizeAddress, platform::bytesOf(requested));
     const std::uint32_t actual = readBufferSize(hardware, device).value_or(requested);
     if (actual != requested) return {actual, otherSizeWarning(actual, requested, status)};
     if (status != noErr) return {requested, refusedSizeWarning(requested, status)};

@@ -1,7 +1,7 @@
 #include "audio/core_audio_io_engine.h"
 
 #include "audio/buffer_size_negotiation.h"
-#include "audio/property_bytes.h"
+#include "platform/property_bytes.h"
 
 #include <fmt/format.h>
 
@@ -187,7 +187,9 @@ template <class Value>
 Outcome CoreAudioIOEngine::setUnitProperty(
     std::uint32_t property, std::uint32_t scope, std::uint32_t element, const Value& value, const char* what
 ) {
-    return outcome(hardware.AudioUnitSetProperty(audioUnit, property, scope, element, bytesOf(value)), what);
+    return outcome(
+        hardware.AudioUnitSetProperty(audioUnit, property, scope, element, platform::bytesOf(value)), what
+    );
 }
 
 void CoreAudioIOEngine::allocateInputBuffers() {
@@ -217,7 +219,7 @@ Value CoreAudioIOEngine::readUnitProperty(std::uint32_t property) const {
     Value value = 0;
     if (audioUnit == nullptr) return value;
     const PropertySize read = hardware.AudioUnitGetProperty(
-        audioUnit, property, kAudioUnitScope_Global, outputElement, writableBytesOf(value)
+        audioUnit, property, kAudioUnitScope_Global, outputElement, platform::writableBytesOf(value)
     );
     return read.status == noErr ? value : 0;
 }

@@ -51,7 +51,7 @@ class Published final {
     }
 
     /// Calls `listener` at every assignment from now on, not for the value as it is.
-    [[nodiscard]] Subscription subscribe(Listener listener) {
+    [[nodiscard]] Subscription subscribe(Listener listener) const {
         if (pendingRounds == 0) std::erase_if(listeners, [](const auto& ended) { return ended.expired(); });
         auto kept = std::make_shared<Listener>(std::move(listener));
         listeners.push_back(kept);
@@ -67,7 +67,8 @@ class Published final {
     }
 
     T value;
-    std::vector<std::weak_ptr<Listener>> listeners;
+    /// Listening changes nothing about the value.
+    mutable std::vector<std::weak_ptr<Listener>> listeners;
     /// The round under way, if any, and those that are to follow it.
     std::size_t pendingRounds = 0;
 };

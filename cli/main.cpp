@@ -1,5 +1,7 @@
+#include "cli/devices_command.h"
 #include "cli/message.h"
 #include "cli/render_command.h"
+#include "cli/run_command.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -15,12 +17,16 @@ constexpr int wrongUsage = 2;
 int main(int argc, char** argv) {
     // A file that outgrows the shell's limit is an error like a full disk, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
+    // So is a reader of the output that has gone.
+    std::signal(SIGPIPE, SIG_IGN);
     int exitCode = 0;
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
     program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
     // One is required, but an unknown word is to be named rather than called missing.
     program.require_subcommand(0, 1);
+    orvane::cli::addDevicesCommand(program, exitCode);
     orvane::cli::addRenderCommand(program, exitCode);
+    orvane::cli::addRunCommand(program, exitCode);
     try {
         program.parse(argc, argv);
         if (program.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");

@@ -1,52 +1,84 @@
 #include "cli/offline_mixer.h"
 
-#include "audio/render_pass.h"
-
-#include <cstdint>
-#include <memory>
-#include <optional>
+#include <algorithm>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orvane::cli {
 
 namespace {
 
-/// Every ring holds this many blocks.
-constexpr std::int64_t ringBlocks = 8;
+constexpr std::string_view deviceUID = "virtual:offline";
+
+std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platform::AudioDriver> driver) {
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    drivers.push_back(std::move(driver));
+    return drivers;
+}
 
 } // namespace
 
-OfflineMixer::OfflineMixer(const MixerSetup& setup, double sampleRate, std::size_t outputCount)
-    : frames(static_cast<std::size_t>(setup.bufferSize)),
-      processor(
-          setup.strips.size() + 1, sampleRate, sampleRate / static_cast<double>(setup.bufferSize),
-          setup.masterTargetDB
-      ),
-      state(setup.strips.size()) {
-    processor.setLeadGroupGainDB(setup.leadGroupGainDB);
-    processor.setBackingGroupGainDB(setup.backingGroupGainDB);
-    processor.setReleaseMs(setup.duckerReleaseMs);
-    std::vector<std::optional<std::int64_t>> inputs;
-    std::vector<session::OutputRouting> outputs;
-    for (std::size_t i = 0; i < setup.strips.size(); ++i) {
-        processor.setSettings(i, automixSettings(setup.strips[i]));
-        inputs.push_back(setup.strips[i].inputChannelIndex);
-        outputs.push_back(setup.strips[i].outputRouting);
+/// Captures what the caller of the cycle brought.
+struct OfflineMixer::Input final : platform::VirtualInput {
+    void fill(std::span<const std::span<float>> blocks) noexcept override {
+        for (std::size_t channel = 0; channel < blocks.size(); ++channel)
+            std::ranges::copy(captured[channel], blocks[channel].begin());
     }
-    processor.setSettings(setup.strips.size(), {.excludedFromMasterBus = true});
 
-    state.sampleRate = sampleRate;
-    for (std::size_t i = 0; i < outputCount; ++i)
-        state.outputRingBuffers.push_back(std::make_unique<audio::RingBuffer>(setup.bufferSize * ringBlocks));
-    state.updateRouting(inputs, outputs, setup.masterOutputRouting);
-    state.setNoiseGain(setup.referenceNoiseGain);
+    std::span<const std::span<const float>> captured;
+};
+
+/// Plays to the caller of the cycle.
+struct OfflineMixer::Output final : platform::VirtualOutput {
+    void take(std::span<const std::span<const float>> blocks) noexcept override {
+        for (std::size_t channel = 0; channel < blocks.size(); ++channel)
+            std::ranges::copy(blocks[channel], played[channel].begin());
+    }
+
+    std::span<const std::span<float>> played;
+};
+
+OfflineMixer::OfflineMixer(std::size_t stripCount, const Device& device)
+    : log(platform::standardErrorSink()),
+      input(std::make_shared<Input>()),
+      output(std::make_shared<Output>()),
+      hardware([&] {
+          std::vector<platform::VirtualDevice> devices;
+          devices.push_back(
+              {.description =
+                   {.uid = std::string(deviceUID),
+                    .name = "Offline",
+                    .inputChannelCount = device.inputCount,
+                    .outputChannelCount = device.outputCount,
+                    .sampleRate = device.sampleRate},
+               .input = input,
+               .output = output}
+          );
+          auto stepped = std::make_unique<platform::VirtualAudioDriver>(
+              std::move(devices), platform::VirtualPacing::stepped, log
+          );
+          driver = stepped.get();
+          return only(std::move(stepped));
+      }()),
+      mixer(stripCount, hardware, mainThread) {
+    mixer.refreshDevices();
+    mixer.selectDevice(mixer.state().availableDevices.get().at(0));
+}
+
+platform::Result<platform::Done> OfflineMixer::start() {
+    mixer.start();
+    if (mixer.state().isRunning.get()) return platform::Done{};
+    return platform::Error{mixer.state().lastError.get().value_or("The mixer did not start.")};
 }
 
 void OfflineMixer::cycle(
     std::span<const std::span<const float>> captured, std::span<const std::span<float>> played
 ) {
-    audio::renderPass(captured, frames, processor, state);
-    audio::outputPull(state.outputRingBuffers, played, frames);
+    input->captured = captured;
+    output->played = played;
+    driver->clock().step(deviceUID, 1);
+    log.flush();
 }
 
 } // namespace orvane::cli

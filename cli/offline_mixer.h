@@ -1,37 +1,68 @@
 #pragma once
 
-#include "audio/mixer_realtime_state.h"
-#include "cli/mixer_setup.h"
-#include "dsp/automix_processor.h"
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/result.h"
+#include "platform/run_loop.h"
+#include "platform/system_log.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 
 namespace orvane::cli {
 
-/// The mixer on a device that is as fast as it is asked: the same processor, render pass and rings as on an
-/// interface, one block at a time. One thread.
+/// The mixer on a device that is as fast as it is asked: the engine, the I/O engine and all below as on an
+/// interface, one cycle at a time. One thread.
 class OfflineMixer final {
   public:
-    /// `sampleRate` in Hz; `outputCount`: output channels of the device.
-    OfflineMixer(const MixerSetup& setup, double sampleRate, std::size_t outputCount);
+    /// What the device is like.
+    struct Device {
+        std::size_t inputCount = 0;
+        std::size_t outputCount = 0;
+        /// In Hz.
+        double sampleRate = 0.0;
+    };
 
-    /// Frames in every block.
-    [[nodiscard]] std::size_t blockLength() const { return frames; }
+    /// Stopped, with the device selected.
+    OfflineMixer(std::size_t stripCount, const Device& device);
+    OfflineMixer(const OfflineMixer&) = delete;
+    OfflineMixer& operator=(const OfflineMixer&) = delete;
 
-    /// One cycle: each input channel's block is captured, each output channel's is filled.
+    [[nodiscard]] engine::MixerEngine& engine() { return mixer; }
+    [[nodiscard]] const engine::MixerEngine& engine() const { return mixer; }
+
+    /// Frames in every cycle.
+    [[nodiscard]] std::size_t blockLength() const {
+        return static_cast<std::size_t>(mixer.state().bufferSize.get());
+    }
+
+    /// Starts the engine; fails with its message.
+    platform::Result<platform::Done> start();
+
+    /// One cycle of a started mixer: every input channel's block is captured, every output channel's is
+    /// filled.
     void cycle(std::span<const std::span<const float>> captured, std::span<const std::span<float>> played);
 
-    /// What the automix made of the last block.
-    [[nodiscard]] const dsp::AutomixProcessor& automix() const { return processor; }
+    /// What the automix made of the last block. Only while it is started.
+    [[nodiscard]] const dsp::AutomixProcessor& automix() const { return *mixer.automix(); }
 
     /// Smoothed share of a block's duration that its pass took, 0 to 1.
-    [[nodiscard]] double load() const { return state.cpuLoad(); }
+    [[nodiscard]] double load() const { return mixer.renderLoad(); }
 
   private:
-    std::size_t frames;
-    dsp::AutomixProcessor processor;
-    audio::MixerRealtimeState state;
+    struct Input;
+    struct Output;
+
+    platform::SystemLog log;
+    platform::RunLoop mainThread;
+    std::shared_ptr<Input> input;
+    std::shared_ptr<Output> output;
+    /// The hardware layer's; lives as long as that.
+    platform::VirtualAudioDriver* driver = nullptr;
+    platform::SystemAudioHardware hardware;
+    engine::MixerEngine mixer;
 };
 
 } // namespace orvane::cli

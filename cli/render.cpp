@@ -1,8 +1,9 @@
 #include "cli/render.h"
 
-#include "cli/mixer_setup.h"
+#include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
 #include "cli/stem_files.h"
+#include "engine/routing_operations.h"
 #include "engine/session/mixer_json_document.h"
 #include "platform/atomic_file.h"
 #include "platform/sound_file_reader.h"
@@ -58,44 +59,46 @@ class Blocks final {
     std::vector<std::span<const float>> constViews;
 };
 
-Result<MixerSetup> setUp(const RenderOptions& options, std::size_t inputCount) {
-    if (!options.session) return MixerSetup::oneToOne(options.channels.value_or(inputCount), inputCount);
-    const auto document = session::MixerJSONDocument::read(*options.session);
+/// The session to be rendered, if one is named.
+Result<std::optional<session::MixerDocumentData>> readSession(const RenderOptions& options) {
+    if (!options.session) return std::optional<session::MixerDocumentData>();
+    auto document = session::MixerJSONDocument::read(*options.session);
     if (!document) return Error{"Couldn't read that settings file: " + document.error().description};
-    const session::MixerDocumentData& data = document.value().data;
-    const std::size_t strips = options.channels.value_or(data.channels.size());
-    if (strips < 1 || strips > mostRenderChannels)
-        return Error{fmt::format(
-            "{} has {} channels; between 1 and {} can be rendered (--channels).", options.session->string(),
-            strips, mostRenderChannels
-        )};
-    return MixerSetup::loaded(data, strips);
+    return std::optional(std::move(document).value().data);
 }
 
-Result<std::size_t> chooseOutputs(const RenderOptions& options, const MixerSetup& setup) {
+Result<std::size_t> chooseStrips(
+    const RenderOptions& options, const std::optional<session::MixerDocumentData>& document,
+    std::size_t inputCount
+) {
+    const std::size_t strips = options.channels.value_or(document ? document->channels.size() : inputCount);
+    if (strips >= 1 && strips <= mostRenderChannels) return strips;
+    return Error{fmt::format(
+        "{} has {} channels; between 1 and {} can be rendered (--channels).", options.session->string(),
+        strips, mostRenderChannels
+    )};
+}
+
+/// One more than the highest output that something of the session goes to.
+std::uint64_t
+routedOutputs(const std::optional<session::MixerDocumentData>& document, std::size_t stripCount) {
+    if (!document) return 0;
+    std::uint64_t needed = engine::outputsNeeded(document->masterOutputRouting);
+    for (const auto& channel :
+         std::span(document->channels).first(std::min(stripCount, document->channels.size())))
+        needed = std::max(needed, engine::outputsNeeded(channel.outputRouting));
+    return needed;
+}
+
+Result<std::size_t> chooseOutputs(const RenderOptions& options, std::uint64_t routed) {
     if (options.outputs) return *options.outputs;
-    const std::uint64_t needed = std::max<std::uint64_t>(setup.routedOutputs(), 2);
-    if (needed > mostRenderChannels)
-        return Error{fmt::format(
-            "The session goes to output {}, but a sound file holds at most {}; say how many it is to have "
-            "(--outputs).",
-            needed, mostRenderChannels
-        )};
-    return static_cast<std::size_t>(needed);
-}
-
-void warnOfMissingOutputs(MixerSetup& setup, std::size_t outputCount, const RenderObserver& observer) {
-    if (setup.resetMissingMasterOutput(outputCount))
-        observer.warn(
-            "Master Out was reset to \"None\" because its previously-selected channel(s) don't exist on the "
-            "current device — pick a new Master Out channel pair in the mixer if you want the master bus "
-            "routed somewhere."
-        );
-    if (setup.routedOutputs() > outputCount)
-        observer.warn(fmt::format(
-            "Some strips go to outputs up to {}, but there are only {}: what goes beyond is not heard.",
-            setup.routedOutputs(), outputCount
-        ));
+    const std::uint64_t needed = std::max<std::uint64_t>(routed, 2);
+    if (needed <= mostRenderChannels) return static_cast<std::size_t>(needed);
+    return Error{fmt::format(
+        "The session goes to output {}, but a sound file holds at most {}; say how many it is to have "
+        "(--outputs).",
+        needed, mostRenderChannels
+    )};
 }
 
 /// One run: the files it reads and writes, and the mixer between them.
@@ -108,20 +111,32 @@ class Run final {
             return Error{fmt::format("{} cannot be both input and output.", options.input.string())};
         auto reader = SoundFileReader::open(options.input);
         if (!reader) return reader.error();
-        auto setup = setUp(options, reader.value().channelCount());
-        if (!setup) return setup.error();
-        if (options.bufferSize) setup.value().bufferSize = *options.bufferSize;
-        const auto outputs = chooseOutputs(options, setup.value());
+        const auto document = readSession(options);
+        if (!document) return document.error();
+        const auto strips = chooseStrips(options, document.value(), reader.value().channelCount());
+        if (!strips) return strips.error();
+        const std::uint64_t routed = routedOutputs(document.value(), strips.value());
+        const auto outputs = chooseOutputs(options, routed);
         if (!outputs) return outputs.error();
-        warnOfMissingOutputs(setup.value(), outputs.value(), observer);
-
+        const OfflineMixer::Device device = {
+            reader.value().channelCount(), outputs.value(), reader.value().sampleRate()};
+        auto mixer = std::make_unique<OfflineMixer>(strips.value(), device);
+        setUpMix(mixer->engine(), document.value());
+        if (options.bufferSize) mixer->engine().setBufferSize(*options.bufferSize);
+        if (auto started = mixer->start(); !started) return started.error();
+        if (const auto& warning = mixer->engine().state().lastError.get()) observer.warn(*warning);
+        if (routed > outputs.value())
+            observer.warn(fmt::format(
+                "The session goes to outputs up to {}, but there are only {}: what goes beyond is not heard.",
+                routed, outputs.value()
+            ));
         auto writer = SoundFileWriter::create(options.output, outputs.value(), reader.value().sampleRate());
         if (!writer) return writer.error();
-        auto run = std::unique_ptr<Run>(
-            new Run(std::move(reader).value(), std::move(writer).value(), setup.value(), outputs.value())
+        std::unique_ptr<Run> run(
+            new Run(std::move(reader).value(), std::move(writer).value(), std::move(mixer), outputs.value())
         );
         if (options.stems) {
-            auto stems = StemFiles::create(*options.stems, namesOf(setup.value()), run->reader.sampleRate());
+            auto stems = StemFiles::create(*options.stems, run->stripNames(), run->reader.sampleRate());
             if (!stems) return stems.error();
             run->stems = std::move(stems).value();
         }
@@ -131,7 +146,7 @@ class Run final {
     Result<RenderReport> mixToTheEnd(const RenderObserver& observer) {
         const auto start = std::chrono::steady_clock::now();
         const std::int64_t total = reader.frameCount();
-        for (std::int64_t done = 0; done < total; done += static_cast<std::int64_t>(mixer.blockLength())) {
+        for (std::int64_t done = 0; done < total; done += static_cast<std::int64_t>(mixer->blockLength())) {
             if (observer.isCancelled()) return Error{"Stopped before the end; nothing was written."};
             if (auto mixed = mixBlock(total - done); !mixed) return mixed.error();
             observer.progress(static_cast<double>(done) / static_cast<double>(total));
@@ -142,17 +157,18 @@ class Run final {
     }
 
   private:
-    Run(SoundFileReader source, SoundFileWriter destination, const MixerSetup& setup, std::size_t outputs)
+    Run(SoundFileReader source, SoundFileWriter destination, std::unique_ptr<OfflineMixer> startedMixer,
+        std::size_t outputs)
         : reader(std::move(source)),
           writer(std::move(destination)),
-          mixer(setup, reader.sampleRate(), outputs),
-          report(setup),
-          captured(reader.channelCount(), mixer.blockLength()),
-          played(outputs, mixer.blockLength()) {}
+          mixer(std::move(startedMixer)),
+          report(*mixer),
+          captured(reader.channelCount(), mixer->blockLength()),
+          played(outputs, mixer->blockLength()) {}
 
-    static std::vector<std::string> namesOf(const MixerSetup& setup) {
+    [[nodiscard]] std::vector<std::string> stripNames() const {
         std::vector<std::string> names;
-        for (const session::ChannelStrip& strip : setup.strips)
+        for (const session::ChannelStrip& strip : mixer->engine().state().channelStrips.get())
             names.push_back(strip.name);
         return names;
     }
@@ -160,17 +176,17 @@ class Run final {
     /// The last block is padded with silence for the pass; only what the input covers is written.
     Result<Done> mixBlock(std::int64_t framesLeft) {
         const auto frames =
-            static_cast<std::size_t>(std::min(framesLeft, static_cast<std::int64_t>(mixer.blockLength())));
+            static_cast<std::size_t>(std::min(framesLeft, static_cast<std::int64_t>(mixer->blockLength())));
         const auto read = reader.read(captured.beginning(frames));
         if (!read) return read.error();
         captured.silenceFrom(read.value());
-        mixer.cycle(captured.readable(), played.writable());
-        report.add(mixer);
+        mixer->cycle(captured.readable(), played.writable());
+        report.add(*mixer);
         const std::vector<std::span<float>> kept = played.beginning(frames);
         if (auto written = writer.write(std::vector<std::span<const float>>(kept.begin(), kept.end()));
             !written)
             return written;
-        return stems ? stems->write(mixer.automix().channelOutputs(), frames) : Done{};
+        return stems ? stems->write(mixer->automix().channelOutputs(), frames) : Done{};
     }
 
     Result<Done> commit() {
@@ -181,7 +197,7 @@ class Run final {
 
     SoundFileReader reader;
     SoundFileWriter writer;
-    OfflineMixer mixer;
+    std::unique_ptr<OfflineMixer> mixer;
     RenderReportBuilder report;
     Blocks captured;
     Blocks played;

@@ -2,9 +2,9 @@
 
 #include "cli/interrupt.h"
 #include "cli/message.h"
-#include "cli/mixer_setup.h"
 #include "cli/progress_bar.h"
 #include "cli/render.h"
+#include "engine/show.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -58,7 +58,9 @@ void addRenderCommand(CLI::App& program, int& exitCode) {
         ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
     command
         ->add_option("--buffer-size", options->bufferSize, "Frames per block; otherwise the session's or 512")
-        ->check(CLI::IsMember(std::vector<std::int64_t>(std::begin(bufferSizes), std::end(bufferSizes))));
+        ->check(CLI::IsMember(
+            std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
+        ));
     command->add_option("--stems", options->stems, "Folder for one file per strip: its automixed signal");
     command->add_option("--report", options->report, "JSON file for gains, levels, time and load");
     command->callback([options, &exitCode] { exitCode = runRender(*options); });

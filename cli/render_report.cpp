@@ -53,11 +53,11 @@ std::string RenderReport::text() const {
     return lines;
 }
 
-RenderReportBuilder::RenderReportBuilder(const MixerSetup& setup)
-    : sumOfSquaredLevels(setup.strips.size(), 0.0) {
-    report.bufferSize = static_cast<std::size_t>(setup.bufferSize);
-    for (const session::ChannelStrip& strip : setup.strips)
+RenderReportBuilder::RenderReportBuilder(const OfflineMixer& mixer) {
+    report.bufferSize = mixer.blockLength();
+    for (const session::ChannelStrip& strip : mixer.engine().state().channelStrips.get())
         report.strips.push_back({.name = strip.name});
+    sumOfSquaredLevels.assign(report.strips.size(), 0.0);
 }
 
 void RenderReportBuilder::add(const OfflineMixer& mixer) {

@@ -45,7 +45,8 @@ struct RenderReport {
 /// Gathers a report while blocks run. One thread.
 class RenderReportBuilder final {
   public:
-    explicit RenderReportBuilder(const MixerSetup& setup);
+    /// Of a mixer that is set up.
+    explicit RenderReportBuilder(const OfflineMixer& mixer);
 
     /// Takes in the block that `mixer` has just run.
     void add(const OfflineMixer& mixer);

@@ -34,6 +34,22 @@ std::int64_t evenBaseChannel(const Routing& routing) {
     return base - base % 2;
 }
 
+/// The highest channel that a routing names, below 0 where it names none.
+struct HighestChannel {
+    std::int64_t operator()(const output::None&) const { return -1; }
+    std::int64_t operator()(const output::Mono& mono) const { return mono.channel; }
+    template <class Pair>
+    std::int64_t operator()(const Pair& pair) const {
+        return std::max(pair.left, pair.right);
+    }
+};
+
+template <class Routing>
+std::uint64_t countUpToHighest(const Routing& routing) {
+    const std::int64_t highest = std::visit(HighestChannel{}, routing);
+    return highest < 0 ? 0 : static_cast<std::uint64_t>(highest) + 1;
+}
+
 bool isBelow(std::int64_t channel, std::int64_t count) {
     return channel >= 0 && channel < count;
 }
@@ -83,6 +99,14 @@ bool exists(const MasterOutputRouting& routing, std::int64_t outputCount) {
     if (const auto* pair = std::get_if<master_output::Stereo>(&routing))
         return isBelow(pair->left, outputCount) && isBelow(pair->right, outputCount);
     return true;
+}
+
+std::uint64_t outputsNeeded(const OutputRouting& routing) {
+    return countUpToHighest(routing);
+}
+
+std::uint64_t outputsNeeded(const MasterOutputRouting& routing) {
+    return countUpToHighest(routing);
 }
 
 void assignDefaultRouting(

@@ -29,6 +29,10 @@ session::OutputRouting withPan(const session::OutputRouting& routing, double pan
 /// Whether every channel that the master bus goes to exists on a device of `outputCount` channels.
 bool exists(const session::MasterOutputRouting& routing, std::int64_t outputCount);
 
+/// How many outputs a device needs so that the routing finds all its channels; 0 for none.
+std::uint64_t outputsNeeded(const session::OutputRouting& routing);
+std::uint64_t outputsNeeded(const session::MasterOutputRouting& routing);
+
 /// Gives every strip without an input, or without an output, the device channel of its own number where the
 /// device has it.
 void assignDefaultRouting(

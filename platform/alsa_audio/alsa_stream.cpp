@@ -1,10 +1,9 @@
 #include "platform/alsa_audio/alsa_stream.h"
 
 #include "platform/flush_denormals.h"
+#include "platform/realtime_priority.h"
 
 #include <poll.h>
-#include <pthread.h>
-#include <sched.h>
 
 #include <system_error>
 #include <utility>
@@ -13,18 +12,9 @@ namespace orvane::platform::alsa_audio {
 
 namespace {
 
-/// Above all that is not as urgent, below what the kernel itself may have to do for the sound card.
-constexpr int wantedPriority = 70;
 /// How often in a row the device may fail before it counts as dead.
 constexpr int mostFailuresInARow = 10;
 constexpr int pauseAfterFailedRestartMs = 100;
-
-/// The real-time priority that the calling thread has afterwards, 0 if it was refused.
-int askForRealtimePriority() noexcept {
-    sched_param parameters{};
-    parameters.sched_priority = wantedPriority;
-    return pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0 ? wantedPriority : 0;
-}
 
 } // namespace
 
@@ -83,7 +73,7 @@ int AlsaStream::realtimePriority() const noexcept {
 
 void AlsaStream::run() noexcept {
     pthread_setname_np(pthread_self(), "orvane-alsa");
-    priority = askForRealtimePriority();
+    priority = takeRealtimePriority();
     dead = !turnUntilStopped();
     priority = 0;
     if (dead) tellDeath();

@@ -1,6 +1,6 @@
 #include "platform/audio_hardware/audio_unit_instance.h"
 
-#include "platform/audio_hardware/property_bytes.h"
+#include "platform/property_bytes.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 
-#include "platform/audio_hardware/property_bytes.h"
+#include "platform/property_bytes.h"
 
 #include <algorithm>
 #include <utility>

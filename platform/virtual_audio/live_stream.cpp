@@ -2,11 +2,8 @@
 
 #include "platform/flush_denormals.h"
 #include "platform/host_clock.h"
+#include "platform/realtime_priority.h"
 #include "platform/virtual_audio/cycle_schedule.h"
-
-#include <pthread.h>
-#include <sched.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <ctime>
@@ -17,8 +14,6 @@ namespace orvane::platform {
 namespace {
 
 using std::chrono::nanoseconds;
-
-constexpr int wantedPriority = 70;
 
 /// Bounds how long `stop` waits for an I/O thread whose next cycle is far away.
 constexpr nanoseconds longestWait{20'000'000};
@@ -31,20 +26,6 @@ void sleepUntil(nanoseconds moment) noexcept {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(moment);
     const timespec deadline{.tv_sec = seconds.count(), .tv_nsec = (moment - seconds).count()};
     clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
-}
-
-/// Puts the calling thread before all ordinary ones, at the wanted priority or what its user may have, and
-/// returns that priority, 0 where there is none to be had.
-int takeRealtimePriority() noexcept {
-    rlimit limit{};
-    const bool hasLimit = getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur > 0;
-    const int allowed = hasLimit ? static_cast<int>(std::min<rlim_t>(limit.rlim_cur, wantedPriority)) : 0;
-    for (const int priority : {wantedPriority, allowed}) {
-        const sched_param parameters{.sched_priority = priority};
-        if (priority > 0 && pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0)
-            return priority;
-    }
-    return 0;
 }
 
 } // namespace

@@ -24,11 +24,10 @@ OutputRecorder::OutputRecorder(
 
 Result<Done> OutputRecorder::start(VirtualPacing pacing) {
     ++takeNumber;
-    const std::size_t channelCount = chunk.writable(0).size();
-    auto begun = SoundFileWriter::create(pathOfTake(), channelCount, rate);
+    auto begun = SoundFileWriter::create(pathOfTake(), chunk.channelCount(), rate);
     if (!begun) return begun.error();
     writer = std::move(begun).value();
-    queue.emplace(channelCount, framesPerWrite + static_cast<std::size_t>(queueSeconds * rate));
+    queue.emplace(chunk.channelCount(), framesPerWrite + static_cast<std::size_t>(queueSeconds * rate));
     pacedBy = pacing;
     hasFailed = false;
     droppedFrames = 0;

@@ -15,6 +15,8 @@ class PlanarBlocks final {
     /// Room for `channelCount` x `mostFrames` samples, allocated here and never again.
     PlanarBlocks(std::size_t channelCount, std::size_t mostFrames);
 
+    [[nodiscard]] std::size_t channelCount() const noexcept { return samples.size(); }
+
     /// The first `frameCount` frames of every channel, up to the most there is room for. The view holds until
     /// the next one is asked for. Real-time safe.
     ORVANE_REALTIME std::span<const std::span<float>> writable(std::size_t frameCount) noexcept;

@@ -23,12 +23,12 @@ StreamedLoop::StreamedLoop(std::filesystem::path file, std::size_t channelCount,
     : path(std::move(file)), log(systemLog), chunk(channelCount, framesPerRead) {}
 
 Result<Done> StreamedLoop::start(VirtualPacing pacing) {
-    const std::size_t channelCount = chunk.writable(0).size();
-    auto opened = openRecording(path, channelCount);
+    auto opened = openRecording(path, chunk.channelCount());
     if (!opened) return opened.error();
     reader = std::move(opened).value();
     queue.emplace(
-        channelCount, 2 * framesPerRead + static_cast<std::size_t>(secondsAhead * reader->sampleRate())
+        chunk.channelCount(),
+        2 * framesPerRead + static_cast<std::size_t>(secondsAhead * reader->sampleRate())
     );
     pacedBy = pacing;
     hasFailed = false;
@@ -76,7 +76,7 @@ Result<Done> StreamedLoop::readOn() {
     if (!count) return count.error();
     queue->push(chunk.readable(count.value()));
     if (count.value() == framesPerRead) return Done{};
-    auto reopened = openRecording(path, chunk.writable(0).size());
+    auto reopened = openRecording(path, chunk.channelCount());
     if (!reopened) return reopened.error();
     reader = std::move(reopened).value();
     return Done{};

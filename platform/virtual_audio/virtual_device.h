@@ -25,7 +25,7 @@ struct VirtualDevice {
     AudioDriverDevice description;
     /// How much faster its clock runs than the rate it states, in parts per million.
     double clockOffsetPpm = 0.0;
-    /// In frames, until another one is asked for.
+    /// In frames, from the shortest to the longest, until another one is asked for.
     std::uint32_t bufferSize = 512;
     /// Silence where there is none.
     std::shared_ptr<VirtualInput> input = {};

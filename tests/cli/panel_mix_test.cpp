@@ -1,4 +1,4 @@
-#include "cli/mixer_setup.h"
+#include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
 #include "dsp/decibels.h"
 #include "dsp/level_detector.h"
@@ -31,10 +31,11 @@ std::vector<Moment> mixPanel(double referenceNoiseGain) {
     EXPECT_TRUE(opened);
     platform::SoundFileReader reader = std::move(opened).value();
     const std::size_t microphones = reader.channelCount();
-    cli::MixerSetup setup = cli::MixerSetup::oneToOne(microphones, microphones);
-    setup.bufferSize = frames;
-    setup.referenceNoiseGain = referenceNoiseGain;
-    cli::OfflineMixer mixer(setup, reader.sampleRate(), 2);
+    cli::OfflineMixer mixer(microphones, {microphones, 2, reader.sampleRate()});
+    cli::setUpMix(mixer.engine(), std::nullopt);
+    mixer.engine().setBufferSize(frames);
+    mixer.engine().setReferenceNoiseGain(referenceNoiseGain);
+    EXPECT_TRUE(mixer.start());
     std::vector<std::vector<float>> captured(microphones, std::vector<float>(frames));
     std::vector<std::vector<float>> played(2, std::vector<float>(frames));
     const std::vector<std::span<float>> writable(captured.begin(), captured.end());

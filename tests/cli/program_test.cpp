@@ -1,9 +1,7 @@
-#include "support/temporary_folder.h"
+#include "support/program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
@@ -17,11 +15,9 @@ using testing::MatchesRegex;
 
 constexpr const char* panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
 
-/// Runs the program with these arguments, as a shell takes them, and keeps what it printed in the folder.
+/// Runs the program with these arguments, as a shell takes them.
 int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments) {
-    const std::string command = std::string(ORVANE_CLI) + " " + arguments + " >'"
-                                + (folder / "stdout").string() + "' 2>'" + (folder / "stderr").string() + "'";
-    return WEXITSTATUS(std::system(command.c_str()));
+    return orvane::test::exitCodeOfShell(folder, std::string(ORVANE_CLI) + " " + arguments);
 }
 
 TEST(Program, TellsSuccessFailureAndWrongUsageApart) {

@@ -1,5 +1,5 @@
-#include "platform/audio_hardware/property_bytes.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/property_bytes.h"
 #include "support/allocation_guard.h"
 #include "support/fake_audio_driver.h"
 

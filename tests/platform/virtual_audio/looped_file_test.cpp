@@ -1,6 +1,7 @@
 #include "platform/sound_file_writer.h"
 #include "platform/virtual_audio/looped_file.h"
 #include "platform/virtual_audio/planar_blocks.h"
+#include "support/allocation_guard.h"
 #include "support/random_blocks.h"
 #include "support/temporary_folder.h"
 
@@ -96,7 +97,10 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
     ASSERT_TRUE(loop.start(VirtualPacing::live));
     constexpr std::size_t moreThanIsReadAhead = 100'000;
     PlanarBlocks blocks(3, moreThanIsReadAhead);
-    loop.fill(blocks.writable(moreThanIsReadAhead));
+    {
+        const orvane::test::AllocationGuard guard;
+        loop.fill(blocks.writable(moreThanIsReadAhead));
+    }
     loop.stop();
     EXPECT_EQ(blocks.readable(moreThanIsReadAhead)[2].back(), 0.0F);
     EXPECT_THAT(logged(), testing::ElementsAre(testing::HasSubstr("frames of silence were played instead.")));

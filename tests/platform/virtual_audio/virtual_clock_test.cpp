@@ -52,7 +52,7 @@ TEST_F(VirtualClockTest, EachDeviceKeepsToItsOwnClock) {
 TEST_F(VirtualClockTest, SteppingAllocatesNothing) {
     CountingClient client;
     const auto stream = startOn(panel, client);
-    const orvane::test::AllocationGuard guard;
+    const AllocationGuard guard;
     driver.clock().step(panel, 100);
     driver.clock().advance(std::chrono::seconds(1));
 }

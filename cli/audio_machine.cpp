@@ -1,0 +1,82 @@
+#include "cli/audio_machine.h"
+
+#include "platform/alsa_audio/alsa_audio_driver.h"
+#include "platform/jack_audio/jack_audio_driver.h"
+#include "platform/virtual_audio/output_recorder.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual_audio/virtual_devices.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane::cli {
+
+namespace {
+
+using platform::Error;
+using platform::Result;
+using platform::VirtualDevice;
+
+/// Whether a comma-separated list names a driver; no list names them all.
+bool isWanted(std::string_view driver) {
+    const char* const list = std::getenv("ORVANE_DRIVERS");
+    if (list == nullptr) return true;
+    std::string_view rest = list;
+    while (!rest.empty()) {
+        const std::size_t comma = std::min(rest.find(','), rest.size());
+        if (rest.substr(0, comma) == driver) return true;
+        rest.remove_prefix(std::min(comma + 1, rest.size()));
+    }
+    return false;
+}
+
+/// The virtual devices, what plays a file of the user's first.
+Result<std::vector<VirtualDevice>>
+virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
+    std::vector<VirtualDevice> devices;
+    if (options.virtualInput) {
+        auto device = platform::fileDevice(*options.virtualInput, log);
+        if (!device) return device.error();
+        devices.push_back(std::move(device).value());
+    }
+    std::ranges::move(platform::builtInDevices(ORVANE_DEMO_RECORDING, log), std::back_inserter(devices));
+    if (!options.record) return devices;
+
+    const std::string uid = options.device.value_or(devices.front().description.uid);
+    const auto recorded =
+        std::ranges::find(devices, uid, [](const VirtualDevice& device) { return device.description.uid; });
+    if (recorded == devices.end())
+        return Error{fmt::format("Only a virtual device can be recorded, and {} is none.", uid)};
+    recorded->output = std::make_shared<platform::OutputRecorder>(
+        *options.record, recorded->description.outputChannelCount, recorded->description.sampleRate, log
+    );
+    return devices;
+}
+
+} // namespace
+
+Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptions& options) {
+    auto machine = std::make_unique<AudioMachine>();
+    auto devices = virtualDevices(options, machine->log);
+    if (!devices) return devices.error();
+    machine->mainUID = options.device;
+    if (!options.device && (options.virtualInput || options.record))
+        machine->mainUID = devices.value().front().description.uid;
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    if (isWanted("jack"))
+        drivers.push_back(std::make_unique<platform::JackAudioDriver>(machine->jackClients));
+    if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::AlsaAudioDriver>());
+    if (isWanted("virtual"))
+        drivers.push_back(std::make_unique<platform::VirtualAudioDriver>(
+            std::move(devices).value(), platform::VirtualPacing::live, machine->log
+        ));
+    machine->audioHardware = std::make_unique<platform::SystemAudioHardware>(std::move(drivers));
+    return machine;
+}
+
+} // namespace orvane::cli

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/jack_audio/jack_clients.h"
+#include "platform/result.h"
+#include "platform/system_log.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvane::cli {
+
+/// What a command is told about the machine's audio.
+struct AudioMachineOptions {
+    /// The sound file that a virtual device plays.
+    std::optional<std::filesystem::path> virtualInput = {};
+    /// The sound file that the outputs of the main device are recorded to; it is a virtual device then.
+    std::optional<std::filesystem::path> record = {};
+    /// The uid of the main device; the first usable one if absent.
+    std::optional<std::string> device = {};
+};
+
+/// The audio hardware that a command works with, and its log. Made by the command, outlives its engine.
+class AudioMachine final {
+  public:
+    /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
+    /// where a file cannot be played or recorded.
+    static platform::Result<std::unique_ptr<AudioMachine>> make(const AudioMachineOptions& options);
+
+    platform::SystemLog log{platform::standardErrorSink()};
+
+    /// The device that the options ask for: named, or the virtual one that plays or is recorded; nothing if
+    /// they leave it open.
+    std::optional<std::string> mainUID;
+
+    [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
+
+  private:
+    platform::JackClients jackClients;
+    std::unique_ptr<platform::SystemAudioHardware> audioHardware;
+};
+
+} // namespace orvane::cli

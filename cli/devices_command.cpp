@@ -1,0 +1,81 @@
+#include "cli/devices_command.h"
+
+#include "cli/audio_machine.h"
+#include "cli/message.h"
+#include "engine/mixer_engine.h"
+#include "platform/realtime_priority.h"
+#include "platform/run_loop.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <vector>
+
+namespace orvane::cli {
+
+namespace {
+
+struct DevicesOptions {
+    AudioMachineOptions machine = {};
+    bool asJSON = false;
+};
+
+void printTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+    fmt::print("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
+    for (const audio::AudioDeviceInfo& device : devices)
+        fmt::print(
+            "{:<28} {:<32} {:>3} {:>4} {:>8.0f}\n", device.uid, device.name, device.inputChannelCount,
+            device.outputChannelCount, device.sampleRate
+        );
+    if (priority > 0)
+        fmt::print("Audio threads of ALSA and virtual devices get real-time priority {}.\n", priority);
+    else
+        fmt::print("Audio threads of ALSA and virtual devices get no real-time priority here.\n");
+}
+
+void printJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+    nlohmann::json document = {{"realtimePriority", priority}, {"devices", nlohmann::json::array()}};
+    for (const audio::AudioDeviceInfo& device : devices)
+        document["devices"].push_back(
+            {{"uid", device.uid},
+             {"name", device.name},
+             {"inputChannelCount", device.inputChannelCount},
+             {"outputChannelCount", device.outputChannelCount},
+             {"sampleRate", device.sampleRate}}
+        );
+    fmt::print("{}\n", document.dump(2));
+}
+
+int listDevices(const DevicesOptions& options) {
+    auto machine = AudioMachine::make(options.machine);
+    if (!machine) {
+        printMessage(machine.error().description);
+        return 1;
+    }
+    platform::RunLoop loop;
+    engine::MixerEngine engine(0, machine.value()->hardware(), loop);
+    engine.refreshDevices();
+    if (const auto& error = engine.state().lastError.get()) {
+        printMessage(*error);
+        return 1;
+    }
+    const auto print = options.asJSON ? printJSON : printTable;
+    print(engine.state().availableDevices.get(), platform::obtainableRealtimePriority());
+    return 0;
+}
+
+} // namespace
+
+void addDevicesCommand(CLI::App& program, int& exitCode) {
+    const auto options = std::make_shared<DevicesOptions>();
+    CLI::App* const command = program.add_subcommand("devices", "List the audio devices");
+    command->add_flag("--json", options->asJSON, "As one JSON object");
+    command->add_option(
+        "--virtual-input", options->machine.virtualInput, "Sound file that a virtual device plays"
+    );
+    command->callback([options, &exitCode] { exitCode = listDevices(*options); });
+}
+
+} // namespace orvane::cli

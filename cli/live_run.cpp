@@ -1,0 +1,199 @@
+#include "cli/live_run.h"
+
+#include "cli/interrupt.h"
+#include "cli/message.h"
+#include "cli/meter_bridge.h"
+#include "cli/mix_setup.h"
+#include "engine/mixer_engine.h"
+#include "engine/session/mixer_json_document.h"
+#include "platform/run_loop.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+namespace orvane::cli {
+
+namespace {
+
+using audio::AudioDeviceInfo;
+using engine::MixerEngine;
+using platform::Done;
+using platform::Error;
+using platform::Result;
+using namespace std::chrono_literals;
+
+constexpr auto meterInterval = 33333us;
+/// Lines that nobody rewrites would fill a log: there one frame a second will do.
+constexpr double plainLineSeconds = 1.0;
+constexpr std::size_t mostStrips = 48;
+
+Result<AudioDeviceInfo>
+findDevice(const std::vector<AudioDeviceInfo>& devices, const std::optional<std::string>& uid) {
+    const auto found = std::ranges::find_if(devices, [&uid](const AudioDeviceInfo& device) {
+        return uid ? device.uid == *uid : device.inputChannelCount >= 1 && device.outputChannelCount >= 1;
+    });
+    if (found != devices.end()) return *found;
+    if (uid)
+        return Error{
+            fmt::format("There is no audio device {}; orvane-cli devices lists those there are.", *uid)};
+    return Error{"There is no audio device with inputs and outputs."};
+}
+
+/// One run, from the choice of devices to the last meter.
+class LiveRun final {
+  public:
+    LiveRun(const LiveRunOptions& runOptions, AudioMachine& audioMachine)
+        : options(runOptions), machine(audioMachine) {}
+
+    Result<Done> prepare() {
+        std::optional<session::MixerDocumentData> document;
+        if (options.session) {
+            auto read = session::MixerJSONDocument::read(*options.session);
+            if (!read) return Error{"Couldn't read that settings file: " + read.error().description};
+            document = std::move(read).value().data;
+        }
+        // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
+        // list.
+        MixerEngine scout(0, machine.hardware(), loop);
+        scout.refreshDevices();
+        if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
+        const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
+        const auto main = findDevice(devices, machine.mainUID);
+        if (!main) return main.error();
+
+        const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
+        const std::size_t strips =
+            options.channels.value_or(document ? document->channels.size() : std::min(inputs, mostStrips));
+        engine.emplace(strips, machine.hardware(), loop);
+        engine->selectDevice(main.value());
+        setUpMix(*engine, document);
+        if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
+        if (options.masterDevice) {
+            const auto master = findDevice(devices, options.masterDevice);
+            if (!master) return master.error();
+            engine->selectMasterOutputDevice(master.value());
+        }
+        return Done{};
+    }
+
+    Result<Done> run() {
+        engine->start();
+        const std::optional<std::string>& message = engine->state().lastError.get();
+        if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
+        if (message) printMessage(*message);
+        const auto toErrors =
+            engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {
+                if (text && engine->state().isRunning.get()) printMessage(*text);
+            });
+        const InterruptGuard interrupt;
+        const auto start = std::chrono::steady_clock::now();
+        const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {
+            const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+            tick(elapsed.count());
+            const bool isOver = options.seconds && elapsed.count() >= *options.seconds;
+            if (isOver || interrupt.isInterrupted() || !engine->state().isRunning.get() || outputIsGone)
+                loop.quit();
+        });
+        loop.run();
+        return finish();
+    }
+
+  private:
+    void tick(double seconds) {
+        machine.log.flush();
+        const double load = engine->meterModel().cpuLoad.get();
+        peakLoad = std::max(peakLoad, load);
+        sumOfLoads += load;
+        ++ticks;
+        xruns = std::max(xruns, engine->xrunCount());
+        priority = std::max(priority, engine->realtimePriority());
+        elapsedSeconds = seconds;
+        if (options.meters != MeterStyle::none) show(frameAt(seconds));
+    }
+
+    [[nodiscard]] MeterFrame frameAt(double seconds) {
+        audio::MeterModel& model = engine->meterModel();
+        MeterFrame frame{
+            .seconds = seconds,
+            .masterLevel = model.masterMeter.get(),
+            .referenceLevel = model.pinkNoiseLevel.get(),
+            .cpuLoad = model.cpuLoad.get(),
+            .xruns = engine->xrunCount()};
+        const auto& strips = engine->state().channelStrips.get();
+        for (std::size_t i = 0; i < strips.size(); ++i)
+            frame.strips.push_back(
+                {strips[i].name, model.channelMeters.get()[i], model.channelGainReductionDB.get()[i]}
+            );
+        return frame;
+    }
+
+    void show(const MeterFrame& frame) {
+        if (options.meters == MeterStyle::json)
+            print(meterJSON(frame));
+        else if (isTerminal)
+            print(std::exchange(hasShown, true) ? meterTextOver(frame) : meterText(frame));
+        else if (frame.seconds >= nextPlainLine) {
+            nextPlainLine += plainLineSeconds;
+            print(meterText(frame));
+        }
+    }
+
+    void print(const std::string& text) {
+        const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+        if (!isWritten || std::fflush(stdout) != 0) outputIsGone = true;
+    }
+
+    Result<Done> finish() {
+        const bool died = !engine->state().isRunning.get();
+        engine->stop();
+        machine.log.flush();
+        printMessage(fmt::format(
+            "Ran for {:.1f} s with {} xruns; load {:.1f} % on average, {:.1f} % at most; {}.", elapsedSeconds,
+            xruns, ticks == 0 ? 0.0 : sumOfLoads / static_cast<double>(ticks) * 100.0, peakLoad * 100.0,
+            priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority"
+        ));
+        if (died) return Error{engine->state().lastError.get().value_or("The mixer has stopped.")};
+        if (outputIsGone) return Error{"The mixer stopped because nobody reads its meters any more."};
+        return Done{};
+    }
+
+    const LiveRunOptions& options;
+    AudioMachine& machine;
+    platform::RunLoop loop;
+    std::optional<MixerEngine> engine;
+    const bool isTerminal = isatty(STDOUT_FILENO) == 1;
+    bool hasShown = false;
+    bool outputIsGone = false;
+    double nextPlainLine = 0.0;
+    double elapsedSeconds = 0.0;
+    double peakLoad = 0.0;
+    double sumOfLoads = 0.0;
+    std::size_t ticks = 0;
+    std::uint32_t xruns = 0;
+    int priority = 0;
+};
+
+} // namespace
+
+int runLive(const LiveRunOptions& options) {
+    auto machine = AudioMachine::make(options.machine);
+    Result<Done> outcome = Done{};
+    if (!machine) {
+        outcome = machine.error();
+    } else {
+        LiveRun run(options, *machine.value());
+        outcome = run.prepare();
+        if (outcome) outcome = run.run();
+    }
+    if (outcome) return 0;
+    printMessage(outcome.error().description);
+    return 1;
+}
+
+} // namespace orvane::cli

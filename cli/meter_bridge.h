@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane::cli {
+
+/// What a meter bridge shows at one moment. A plain value.
+struct MeterFrame {
+    struct Strip {
+        std::string name;
+        /// Linear RMS of the strip's output.
+        double level = 0.0;
+        /// In dB, 0 or more.
+        double gainReductionDB = 0.0;
+    };
+
+    /// Since the start.
+    double seconds = 0.0;
+    std::vector<Strip> strips = {};
+    /// Linear RMS.
+    double masterLevel = 0.0;
+    double referenceLevel = 0.0;
+    /// Share of a block's duration, 0 to 1.
+    double cpuLoad = 0.0;
+    std::uint32_t xruns = 0;
+};
+
+/// The frame for people, a line each: every strip, then master, reference, and load with xruns. Lines end
+/// with a line feed.
+std::string meterText(const MeterFrame& frame);
+
+/// The same, to be written over the `meterText` of the frame before on a terminal: moves up, rewrites each
+/// line to its end, in one piece.
+std::string meterTextOver(const MeterFrame& frame);
+
+/// The frame for programs: one JSON object on one line.
+std::string meterJSON(const MeterFrame& frame);
+
+} // namespace orvane::cli

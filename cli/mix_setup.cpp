@@ -1,0 +1,19 @@
+#include "cli/mix_setup.h"
+
+namespace orvane::cli {
+
+void setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocumentData>& document) {
+    engine.resetRoutingOneToOne();
+    engine.allOutputsOff();
+    if (document) {
+        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+            engine.setInputChannel(strip.id, std::nullopt);
+        engine.applyDocument(*document);
+    } else if (engine.state().selectedDevice.get()->outputChannelCount >= 2) {
+        engine.setMasterOutputRouting(session::master_output::Stereo{0, 1});
+    } else {
+        engine.setMasterOutputChannel(0);
+    }
+}
+
+} // namespace orvane::cli

@@ -1,0 +1,53 @@
+#include "cli/run_command.h"
+
+#include "cli/live_run.h"
+#include "engine/show.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iterator>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace orvane::cli {
+
+void addRunCommand(CLI::App& program, int& exitCode) {
+    const auto options = std::make_shared<LiveRunOptions>();
+    CLI::App* const command = program.add_subcommand("run", "Mix live without a window");
+    command->footer(
+        "SIGINT (Ctrl-C) and SIGTERM end the run. Without a session every input of the device has a strip, "
+        "and the master bus goes to outputs 1 and 2. ORVANE_DRIVERS=jack,alsa,virtual limits the drivers."
+    );
+    command->add_option("--session", options->session, "Session that sets up the mix");
+    command
+        ->add_option(
+            "--channels", options->channels, "Number of strips; otherwise the session's or the device's"
+        )
+        ->check(CLI::Range(1, 48));
+    command->add_option(
+        "--device", options->machine.device, "Uid of the device; otherwise the first usable one"
+    );
+    command->add_option(
+        "--master-device", options->masterDevice, "Uid of a device of its own for the master bus"
+    );
+    command
+        ->add_option("--buffer-size", options->bufferSize, "Frames per block; otherwise the session's or 512")
+        ->check(CLI::IsMember(
+            std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
+        ));
+    command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
+        ->check(CLI::PositiveNumber);
+    command->add_option("--meters", options->meters, "text, json (an object per line) or none")
+        ->transform(CLI::Transformer(std::map<std::string, MeterStyle>{
+            {"text", MeterStyle::text}, {"json", MeterStyle::json}, {"none", MeterStyle::none}}));
+    command->add_option(
+        "--virtual-input", options->machine.virtualInput, "Sound file that a virtual device plays"
+    );
+    command->add_option(
+        "--record", options->machine.record, "Sound file for the outputs of a virtual device"
+    );
+    command->callback([options, &exitCode] { exitCode = runLive(*options); });
+}
+
+} // namespace orvane::cli

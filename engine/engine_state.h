@@ -1,0 +1,45 @@
+#pragma once
+
+#include "audio/audio_device_info.h"
+#include "audio/published.h"
+#include "engine/session/channel_strip.h"
+#include "engine/session/master_output_routing.h"
+#include "engine/session/snapshot.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::engine {
+
+/// What the engine shows: every value with its subscribers. Only the engine changes it; main thread.
+struct EngineState {
+    audio::Published<std::vector<session::ChannelStrip>> channelStrips;
+    /// What can be selected.
+    audio::Published<std::vector<audio::AudioDeviceInfo>> availableDevices;
+    /// The device that is captured from and played to.
+    audio::Published<std::optional<audio::AudioDeviceInfo>> selectedDevice;
+    /// A device of its own for the master bus; absent = the selected device.
+    audio::Published<std::optional<audio::AudioDeviceInfo>> masterOutputDevice;
+    audio::Published<bool> isRunning{false};
+    /// The message line: the last error or warnings, as complete sentences.
+    audio::Published<std::optional<std::string>> lastError;
+    /// In dB.
+    audio::Published<double> masterTargetDB{-10.0};
+    audio::Published<double> leadGroupGainDB{0.0};
+    audio::Published<double> backingGroupGainDB{0.0};
+    /// Linear gain of the reference noise; 0 switches it off.
+    audio::Published<double> referenceNoiseGain{0.0};
+    /// Release time of the gain sharing in milliseconds.
+    audio::Published<double> duckerReleaseMs{400.0};
+    audio::Published<session::MasterOutputRouting> masterOutputRouting{session::master_output::None{}};
+    /// The requested device buffer size, in frames.
+    audio::Published<std::int64_t> bufferSize{512};
+    audio::Published<std::vector<session::Snapshot>> snapshots;
+    audio::Published<std::optional<std::int64_t>> currentSnapshotIndex;
+    /// Entry i is true where slot i of every strip keeps its plugin through recalls and loads.
+    audio::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};
+};
+
+} // namespace orvane::engine

@@ -1,0 +1,375 @@
+#include "engine/mixer_engine.h"
+
+#include "audio/audio_device_manager.h"
+#include "engine/routing_operations.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace orvane::engine {
+
+namespace {
+
+using audio::AudioDeviceInfo;
+using platform::Uuid;
+using session::ChannelStrip;
+using Strips = std::vector<ChannelStrip>;
+
+constexpr const char* masterResetWarning =
+    "Master Out was reset to \"None\" because its previously-selected channel(s) don't exist on the current "
+    "device — "
+    "pick a new Master Out channel pair in the mixer if you want the master bus routed somewhere.";
+
+/// Devices whose rates are further apart than this, in Hz, do not run in step.
+constexpr double largestRateDifference = 1.0;
+
+void append(std::string& warnings, const std::optional<std::string>& warning) {
+    if (!warning) return;
+    if (!warnings.empty()) warnings += ' ';
+    warnings += *warning;
+}
+
+std::optional<std::string>
+rateWarning(const AudioDeviceInfo& main, const std::optional<AudioDeviceInfo>& master) {
+    if (!master || std::abs(master->sampleRate - main.sampleRate) <= largestRateDifference)
+        return std::nullopt;
+    return fmt::format(
+        "Warning: {} ({} Hz) and {} ({} Hz) have different sample rates -- the master output may play back "
+        "at the "
+        "wrong pitch/speed until they match.",
+        main.name, static_cast<std::int64_t>(main.sampleRate), master->name,
+        static_cast<std::int64_t>(master->sampleRate)
+    );
+}
+
+} // namespace
+
+MixerEngine::MixerEngine(
+    std::size_t channelCount, platform::AudioHardware& audioHardware, platform::MainThread& mainThreadService,
+    platform::HostClock hostClock
+)
+    : hardware(audioHardware),
+      mainThread(mainThreadService),
+      clock(hostClock),
+      meters(channelCount),
+      meterTimer(mainThread, meters) {
+    published.channelStrips.set(session::makeDefaultStrips(channelCount));
+}
+
+MixerEngine::~MixerEngine() = default;
+
+void MixerEngine::start() {
+    if (published.isRunning.get()) return;
+    if (!published.selectedDevice.get()) {
+        published.lastError.set("No audio device selected.");
+        return;
+    }
+    const bool masterWasReset = validateMasterOutputRouting();
+    RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
+    const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
+    if (master && master->id != devices.main.id) devices.master = master;
+
+    auto started = RunningAudio::start(hardware, clock, devices, show(), makeObserver());
+    if (!started) {
+        published.lastError.set(started.error().description);
+        return;
+    }
+    running = std::move(started).value();
+    std::string warnings;
+    append(warnings, running->mainWarning());
+    if (masterWasReset) append(warnings, masterResetWarning);
+    append(warnings, running->masterWarning());
+    append(warnings, rateWarning(devices.main, devices.master));
+    published.isRunning.set(true);
+    published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
+    meterTimer.start(running->realtimeState());
+}
+
+void MixerEngine::stop() {
+    runIsOn.reset();
+    running.reset();
+    published.isRunning.set(false);
+    meterTimer.stop();
+}
+
+void MixerEngine::setBufferSize(std::int64_t frameCount) {
+    if (!isBufferSize(frameCount)) return;
+    published.bufferSize.set(frameCount);
+    if (!published.isRunning.get()) return;
+    stop();
+    start();
+}
+
+void MixerEngine::refreshDevices() {
+    auto devices = audio::AudioDeviceManager(hardware).allDevices();
+    if (!devices) {
+        published.lastError.set("Failed to enumerate audio devices: " + devices.error().description());
+        return;
+    }
+    std::erase_if(devices.value(), [](const AudioDeviceInfo& device) {
+        return device.inputChannelCount < 1 && device.outputChannelCount < 1;
+    });
+    published.availableDevices.set(std::move(devices).value());
+}
+
+void MixerEngine::selectDevice(const AudioDeviceInfo& device) {
+    published.selectedDevice.set(device);
+    editStrips([&device](Strips& strips) {
+        assignDefaultRouting(strips, device.inputChannelCount, device.outputChannelCount);
+    });
+    validateMasterOutputRouting();
+}
+
+void MixerEngine::selectMasterOutputDevice(const std::optional<AudioDeviceInfo>& device) {
+    published.masterOutputDevice.set(device);
+    validateMasterOutputRouting();
+}
+
+double MixerEngine::bufferLatencyMs() const {
+    const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
+    if (!device || !(device->sampleRate > 0.0)) return 0.0;
+    return static_cast<double>(published.bufferSize.get()) / device->sampleRate * 1000.0;
+}
+
+std::int64_t MixerEngine::ringBufferBytes() const {
+    constexpr std::int64_t bytesPerFrame = 32; // eight blocks of four bytes
+    const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
+    if (!device) return 0;
+    return std::max<std::int64_t>(device->outputChannelCount, 0) * published.bufferSize.get() * bytesPerFrame;
+}
+
+void MixerEngine::setName(const Uuid& strip, std::string name) {
+    editStrip(strip, [&name](ChannelStrip& edited) { edited.name = std::move(name); });
+}
+
+void MixerEngine::setInputChannel(const Uuid& strip, std::optional<std::int64_t> channel) {
+    editStrip(strip, [channel](ChannelStrip& edited) { edited.inputChannelIndex = channel; });
+}
+
+void MixerEngine::setOutputChannel(const Uuid& strip, std::optional<std::int64_t> channel) {
+    editStrip(strip, [channel](ChannelStrip& edited) {
+        edited.outputRouting = session::output::None{};
+        if (channel) edited.outputRouting = session::output::Mono{*channel};
+    });
+}
+
+void MixerEngine::setStereo(const Uuid& strip, bool on) {
+    editStrip(strip, [on](ChannelStrip& edited) {
+        edited.outputRouting = on ? asStereo(edited.outputRouting) : asMono(edited.outputRouting);
+    });
+}
+
+void MixerEngine::setStereoPair(const Uuid& strip, std::int64_t left) {
+    editStrip(strip, [left](ChannelStrip& edited) {
+        edited.outputRouting = withStereoPair(edited.outputRouting, left);
+    });
+}
+
+void MixerEngine::setPan(const Uuid& strip, double pan) {
+    editStrip(strip, [pan](ChannelStrip& edited) {
+        edited.outputRouting = withPan(edited.outputRouting, pan);
+    });
+}
+
+void MixerEngine::setGenderMode(const Uuid& strip, dsp::GenderTriggerMode mode) {
+    editStrip(strip, [mode](ChannelStrip& edited) { edited.genderMode = mode; });
+}
+
+void MixerEngine::setVocalRole(const Uuid& strip, dsp::VocalRole role) {
+    editStrip(strip, [role](ChannelStrip& edited) { edited.vocalRole = role; });
+}
+
+void MixerEngine::setMuted(const Uuid& strip, bool muted) {
+    editStrip(strip, [muted](ChannelStrip& edited) { edited.muted = muted; });
+}
+
+void MixerEngine::setBypassed(const Uuid& strip, bool bypassed) {
+    editStrip(strip, [bypassed](ChannelStrip& edited) { edited.bypassed = bypassed; });
+}
+
+void MixerEngine::setTrim(const Uuid& strip, double trim) {
+    editStrip(strip, [trim](ChannelStrip& edited) { edited.trim = trim; });
+}
+
+void MixerEngine::setMasterTargetDB(double targetDB) {
+    published.masterTargetDB.set(targetDB);
+    if (running) running->automix().setMasterTargetDB(targetDB);
+}
+
+void MixerEngine::setLeadGroupGainDB(double gainDB) {
+    published.leadGroupGainDB.set(gainDB);
+    if (running) running->automix().setLeadGroupGainDB(gainDB);
+}
+
+void MixerEngine::setBackingGroupGainDB(double gainDB) {
+    published.backingGroupGainDB.set(gainDB);
+    if (running) running->automix().setBackingGroupGainDB(gainDB);
+}
+
+void MixerEngine::setReferenceNoiseGain(double linearGain) {
+    published.referenceNoiseGain.set(linearGain);
+    if (running) running->realtimeState()->setNoiseGain(linearGain);
+}
+
+void MixerEngine::setDuckerReleaseMs(double releaseMs) {
+    published.duckerReleaseMs.set(releaseMs);
+    if (running) running->automix().setReleaseMs(releaseMs);
+}
+
+void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
+    published.masterOutputRouting.set(routing);
+    pushRouting();
+}
+
+void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
+    if (channel)
+        setMasterOutputRouting(session::output::Mono{*channel});
+    else
+        setMasterOutputRouting(session::output::None{});
+}
+
+void MixerEngine::setMasterStereo(bool on) {
+    const session::MasterOutputRouting& routing = published.masterOutputRouting.get();
+    setMasterOutputRouting(on ? asStereo(routing) : asMono(routing));
+}
+
+void MixerEngine::setMasterStereoPair(std::int64_t left) {
+    setMasterOutputRouting(withStereoPair(published.masterOutputRouting.get(), left));
+}
+
+void MixerEngine::resetRoutingOneToOne() {
+    const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
+    if (!device) return;
+    editStrips([&device](Strips& strips) {
+        engine::resetRoutingOneToOne(strips, device->inputChannelCount, device->outputChannelCount);
+    });
+}
+
+void MixerEngine::allOutputsOff() {
+    editStrips([](Strips& strips) {
+        for (ChannelStrip& strip : strips)
+            strip.outputRouting = session::output::None{};
+    });
+}
+
+session::MixerDocumentData MixerEngine::makeDocumentData() const {
+    return {
+        .channels = session::settingsOf(published.channelStrips.get()),
+        .masterTargetDB = published.masterTargetDB.get(),
+        .bufferSize = published.bufferSize.get(),
+        .snapshots = published.snapshots.get(),
+        .masterOutputRouting = published.masterOutputRouting.get(),
+        .leadGroupGainDB = published.leadGroupGainDB.get(),
+        .backingGroupGainDB = published.backingGroupGainDB.get(),
+        .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get(),
+        .referenceNoiseGain = published.referenceNoiseGain.get(),
+        .duckerReleaseMs = published.duckerReleaseMs.get()};
+}
+
+void MixerEngine::applyDocument(const session::MixerDocumentData& document) {
+    editStrips([&document](Strips& strips) { session::applySettings(document.channels, strips); });
+    setMasterTargetDB(document.masterTargetDB);
+    setBufferSize(document.bufferSize);
+    published.snapshots.set(document.snapshots);
+    published.currentSnapshotIndex.set(std::nullopt);
+    setMasterOutputRouting(document.masterOutputRouting);
+    setLeadGroupGainDB(document.leadGroupGainDB);
+    setBackingGroupGainDB(document.backingGroupGainDB);
+    published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
+    setReferenceNoiseGain(document.referenceNoiseGain);
+    setDuckerReleaseMs(document.duckerReleaseMs);
+}
+
+void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelStrip&)>& edit) {
+    const Strips& strips = published.channelStrips.get();
+    const auto found = std::ranges::find(strips, strip, &ChannelStrip::id);
+    if (found == strips.end()) return;
+    editStrips([&edit, index = found - strips.begin()](Strips& edited) {
+        edit(edited[static_cast<std::size_t>(index)]);
+    });
+}
+
+void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
+    Strips strips = published.channelStrips.get();
+    edit(strips);
+    published.channelStrips.set(std::move(strips));
+    pushStrips();
+}
+
+void MixerEngine::pushStrips() {
+    pushRouting();
+    if (!running) return;
+    const Strips& strips = published.channelStrips.get();
+    for (std::size_t i = 0; i < strips.size(); ++i)
+        running->automix().setSettings(i, automixSettings(strips[i]));
+}
+
+void MixerEngine::pushRouting() {
+    if (running) engine::pushRouting(*running->realtimeState(), show());
+}
+
+bool MixerEngine::validateMasterOutputRouting() {
+    if (exists(published.masterOutputRouting.get(), masterCapacity())) return false;
+    setMasterOutputRouting(session::output::None{});
+    return true;
+}
+
+std::int64_t MixerEngine::masterCapacity() const {
+    if (const auto& master = published.masterOutputDevice.get()) return master->outputChannelCount;
+    if (const auto& main = published.selectedDevice.get()) return main->outputChannelCount;
+    return 0;
+}
+
+Show MixerEngine::show() const {
+    return {
+        .channelStrips = published.channelStrips.get(),
+        .masterTargetDB = published.masterTargetDB.get(),
+        .leadGroupGainDB = published.leadGroupGainDB.get(),
+        .backingGroupGainDB = published.backingGroupGainDB.get(),
+        .referenceNoiseGain = published.referenceNoiseGain.get(),
+        .duckerReleaseMs = published.duckerReleaseMs.get(),
+        .masterOutputRouting = published.masterOutputRouting.get(),
+        .bufferSize = published.bufferSize.get()};
+}
+
+RunningAudio::Observer MixerEngine::makeObserver() {
+    runIsOn = std::make_shared<const bool>(true);
+    const auto onMainThread = [this, run = std::weak_ptr(runIsOn)](auto report) {
+        mainThread.post([run, report = std::move(report)] {
+            if (!run.expired()) report();
+        });
+    };
+    return {
+        .bufferSizeChanged =
+            [this,
+             onMainThread](RunningAudio::Role role, const AudioDeviceInfo& device, std::uint32_t frameCount) {
+                onMainThread([=, this] { reportBufferSizeChange(role, device, frameCount); });
+            },
+        .deviceDied = [this, onMainThread](const AudioDeviceInfo& device
+                      ) { onMainThread([=, this] { reportDeath(device); }); }};
+}
+
+void MixerEngine::reportBufferSizeChange(
+    RunningAudio::Role role, const AudioDeviceInfo& device, std::uint32_t frameCount
+) {
+    const bool isMain = role == RunningAudio::Role::main;
+    published.lastError.set(fmt::format(
+        "{} buffer size changed to {} frames while running (likely another app also using {}) -- if you hear "
+        "stutters, stop and restart the engine.{}",
+        isMain ? "The audio device's" : "The master output device's", frameCount, device.name,
+        isMain ? " Closing other apps that use the same device may help." : ""
+    ));
+}
+
+void MixerEngine::reportDeath(const AudioDeviceInfo& device) {
+    stop();
+    published.lastError.set(fmt::format(
+        "The audio device {} is gone, so the mixer has stopped; connect it again or select another device.",
+        device.name
+    ));
+}
+
+} // namespace orvane::engine

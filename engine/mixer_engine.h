@@ -1,0 +1,135 @@
+#pragma once
+
+#include "audio/meter_model.h"
+#include "audio/meter_timer.h"
+#include "engine/engine_state.h"
+#include "engine/running_audio.h"
+#include "engine/session/mixer_document_data.h"
+#include "engine/show.h"
+#include "platform/audio_hardware.h"
+#include "platform/host_clock.h"
+#include "platform/main_thread.h"
+#include "platform/uuid.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvane::engine {
+
+/// The controller of one mixer of N strips: holds what is published, turns the user's actions into changes of
+/// it and, while it runs, pushes every change into the objects that the audio thread reads. Operations with
+/// an unknown strip, or that do not apply, do nothing. Main thread.
+class MixerEngine final {
+  public:
+    /// Stopped, with N default strips; neither looks for devices nor starts audio. The services outlive it.
+    MixerEngine(
+        std::size_t channelCount, platform::AudioHardware& audioHardware,
+        platform::MainThread& mainThreadService, platform::HostClock hostClock = platform::HostClock::system()
+    );
+    ~MixerEngine();
+    MixerEngine(const MixerEngine&) = delete;
+    MixerEngine& operator=(const MixerEngine&) = delete;
+
+    /// What views subscribe to.
+    [[nodiscard]] const EngineState& state() const { return published; }
+    [[nodiscard]] audio::MeterModel& meterModel() { return meters; }
+
+    // Lifecycle.
+
+    /// Builds and starts the audio path; `lastError` says what failed, or what to mind where it runs.
+    void start();
+    void stop();
+
+    /// Takes one of the offered sizes, others not; starts a running engine again.
+    void setBufferSize(std::int64_t frameCount);
+
+    // Devices. A running engine takes them at its next start.
+
+    void refreshDevices();
+    /// Also fills the routing that is still open and takes the master bus off outputs that are not there.
+    void selectDevice(const audio::AudioDeviceInfo& device);
+    void selectMasterOutputDevice(const std::optional<audio::AudioDeviceInfo>& device);
+
+    /// The selected device's latency of one buffer, in ms; 0 without a device.
+    [[nodiscard]] double bufferLatencyMs() const;
+    /// What the rings of the selected device take, in bytes; 0 without a device.
+    [[nodiscard]] std::int64_t ringBufferBytes() const;
+
+    // Strips. Device channels count from 0.
+
+    void setName(const platform::Uuid& strip, std::string name);
+    void setInputChannel(const platform::Uuid& strip, std::optional<std::int64_t> channel);
+    void setOutputChannel(const platform::Uuid& strip, std::optional<std::int64_t> channel);
+    void setStereo(const platform::Uuid& strip, bool on);
+    void setStereoPair(const platform::Uuid& strip, std::int64_t left);
+    void setPan(const platform::Uuid& strip, double pan);
+    void setGenderMode(const platform::Uuid& strip, dsp::GenderTriggerMode mode);
+    void setVocalRole(const platform::Uuid& strip, dsp::VocalRole role);
+    void setMuted(const platform::Uuid& strip, bool muted);
+    void setBypassed(const platform::Uuid& strip, bool bypassed);
+    /// A linear factor, not bounded.
+    void setTrim(const platform::Uuid& strip, double trim);
+
+    // Master section.
+
+    void setMasterTargetDB(double targetDB);
+    void setLeadGroupGainDB(double gainDB);
+    void setBackingGroupGainDB(double gainDB);
+    void setReferenceNoiseGain(double linearGain);
+    void setDuckerReleaseMs(double releaseMs);
+    void setMasterOutputRouting(const session::MasterOutputRouting& routing);
+    void setMasterOutputChannel(std::optional<std::int64_t> channel);
+    void setMasterStereo(bool on);
+    void setMasterStereoPair(std::int64_t left);
+
+    // The whole routing.
+
+    void resetRoutingOneToOne();
+    void allOutputsOff();
+
+    // Sessions.
+
+    [[nodiscard]] session::MixerDocumentData makeDocumentData() const;
+    void applyDocument(const session::MixerDocumentData& document);
+
+    // The run; nothing and 0 while stopped.
+
+    [[nodiscard]] const dsp::AutomixProcessor* automix() const {
+        return running ? &running->automix() : nullptr;
+    }
+    /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
+    [[nodiscard]] double renderLoad() const { return running ? running->realtimeState()->cpuLoad() : 0.0; }
+    [[nodiscard]] std::uint32_t xrunCount() const { return running ? running->xrunCount() : 0; }
+    [[nodiscard]] int realtimePriority() const { return running ? running->realtimePriority() : 0; }
+
+  private:
+    void editStrip(const platform::Uuid& strip, const std::function<void(session::ChannelStrip&)>& edit);
+    void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
+    void pushStrips();
+    void pushRouting();
+    /// True if it took the master bus off outputs that do not exist.
+    bool validateMasterOutputRouting();
+    [[nodiscard]] std::int64_t masterCapacity() const;
+    [[nodiscard]] Show show() const;
+    [[nodiscard]] RunningAudio::Observer makeObserver();
+    void reportBufferSizeChange(
+        RunningAudio::Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount
+    );
+    void reportDeath(const audio::AudioDeviceInfo& device);
+
+    platform::AudioHardware& hardware;
+    platform::MainThread& mainThread;
+    platform::HostClock clock;
+    EngineState published;
+    audio::MeterModel meters;
+    std::unique_ptr<RunningAudio> running;
+    audio::MeterTimer meterTimer;
+    /// Lets tasks that were posted during a run find out that it is over; renewed at every start.
+    std::shared_ptr<const bool> runIsOn;
+};
+
+} // namespace orvane::engine

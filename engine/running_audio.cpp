@@ -1,0 +1,165 @@
+#include "engine/running_audio.h"
+
+#include "audio/render_pass.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane::engine {
+
+namespace {
+
+using audio::CoreAudioIOEngine;
+
+/// Every ring holds this many blocks.
+constexpr std::int64_t ringBlocks = 8;
+
+audio::RingBuffers makeRings(std::int64_t outputCount, std::int64_t bufferSize) {
+    audio::RingBuffers rings;
+    for (std::int64_t i = 0; i < outputCount; ++i)
+        rings.push_back(std::make_unique<audio::RingBuffer>(bufferSize * ringBlocks));
+    return rings;
+}
+
+std::int64_t atLeastOne(std::int64_t count) {
+    return std::max<std::int64_t>(count, 1);
+}
+
+/// The I/O engine of a device: the main one captures and plays, the master one only plays.
+std::unique_ptr<CoreAudioIOEngine> makeIO(
+    platform::AudioHardware& hardware, const audio::AudioDeviceInfo& device, std::int64_t bufferSize,
+    RunningAudio::Role role
+) {
+    const bool isMain = role == RunningAudio::Role::main;
+    const CoreAudioIOEngine::Configuration configuration = {
+        .sampleRate = device.sampleRate,
+        .deviceID = device.id,
+        .inputChannelCount = isMain ? atLeastOne(device.inputChannelCount) : 0,
+        .outputChannelCount = atLeastOne(device.outputChannelCount),
+        .framesPerSlice = static_cast<std::uint32_t>(bufferSize),
+        .enableInput = isMain};
+    return std::make_unique<CoreAudioIOEngine>(hardware, configuration);
+}
+
+void configure(dsp::AutomixProcessor& automix, const Show& show) {
+    automix.setLeadGroupGainDB(show.leadGroupGainDB);
+    automix.setBackingGroupGainDB(show.backingGroupGainDB);
+    automix.setReleaseMs(show.duckerReleaseMs);
+    for (std::size_t i = 0; i < show.channelStrips.size(); ++i)
+        automix.setSettings(i, automixSettings(show.channelStrips[i]));
+    automix.setSettings(show.channelStrips.size(), {.excludedFromMasterBus = true});
+}
+
+} // namespace
+
+void pushRouting(audio::MixerRealtimeState& state, const Show& show) {
+    std::vector<std::optional<std::int64_t>> inputs;
+    std::vector<session::OutputRouting> outputs;
+    for (const session::ChannelStrip& strip : show.channelStrips) {
+        inputs.push_back(strip.inputChannelIndex);
+        outputs.push_back(strip.outputRouting);
+    }
+    state.updateRouting(inputs, outputs, show.masterOutputRouting);
+}
+
+platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
+    platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices, const Show& show,
+    const Observer& observer
+) {
+    std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show));
+    run->connect(devices, observer);
+    const auto begin = [](CoreAudioIOEngine& io) {
+        auto ready = io.setup();
+        return ready ? io.start() : ready;
+    };
+    if (const auto begun = begin(*run->mainIO); !begun)
+        return platform::Error{"Failed to start audio engine: " + begun.error().description()};
+    if (run->masterIO) {
+        if (const auto begun = begin(*run->masterIO); !begun)
+            return platform::Error{fmt::format(
+                "Failed to start master output device ({}): {}", devices.master->name,
+                begun.error().description()
+            )};
+    }
+    return run;
+}
+
+RunningAudio::RunningAudio(
+    platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
+    const Show& show
+)
+    : hardware(audioHardware),
+      processor(std::make_shared<dsp::AutomixProcessor>(
+          show.channelStrips.size() + 1, devices.main.sampleRate,
+          devices.main.sampleRate / static_cast<double>(show.bufferSize), show.masterTargetDB
+      )),
+      state(std::make_shared<audio::MixerRealtimeState>(show.channelStrips.size(), clock)) {
+    const auto framesPerSlice = static_cast<std::uint32_t>(show.bufferSize);
+    const std::int64_t outputs = atLeastOne(devices.main.outputChannelCount);
+    mainIO = makeIO(hardware, devices.main, show.bufferSize, Role::main);
+    configure(*processor, show);
+    state->sampleRate = devices.main.sampleRate;
+    state->outputRingBuffers = makeRings(outputs, show.bufferSize);
+    if (devices.master) {
+        const std::int64_t masterOutputs = atLeastOne(devices.master->outputChannelCount);
+        masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
+        state->masterOutputRingBuffers = makeRings(masterOutputs, show.bufferSize);
+    }
+    pushRouting(*state, show);
+    state->setNoiseGain(show.referenceNoiseGain);
+    // The first cycle is not to allocate.
+    processor->ensureScratch(framesPerSlice);
+    state->ensureScratch(framesPerSlice);
+}
+
+RunningAudio::~RunningAudio() {
+    for (const platform::AudioObjectPropertyListenerID listener : deathListeners)
+        hardware.AudioObjectRemovePropertyListenerBlock(listener);
+    mainIO.reset();
+    masterIO.reset();
+}
+
+void RunningAudio::connect(const Devices& devices, const Observer& observer) {
+    mainIO->inputHandler = [processor = processor, state = state](auto captured, std::size_t frameCount) {
+        audio::renderPass(captured, frameCount, *processor, *state);
+    };
+    mainIO->outputProvider = [state = state](auto outputs, std::size_t frameCount) {
+        audio::outputPull(state->outputRingBuffers, outputs, frameCount);
+    };
+    mainIO->onDeviceBufferSizeChangedExternally = [observer,
+                                                   device = devices.main](std::uint32_t frameCount) {
+        observer.bufferSizeChanged(Role::main, device, frameCount);
+    };
+    watch(devices.main, observer);
+    if (!masterIO) return;
+    masterIO->outputProvider = [state = state](auto outputs, std::size_t frameCount) {
+        audio::outputPull(state->masterOutputRingBuffers, outputs, frameCount);
+    };
+    masterIO->onDeviceBufferSizeChangedExternally = [observer,
+                                                     device = *devices.master](std::uint32_t frameCount) {
+        observer.bufferSizeChanged(Role::master, device, frameCount);
+    };
+    watch(*devices.master, observer);
+}
+
+void RunningAudio::watch(const audio::AudioDeviceInfo& device, const Observer& observer) {
+    const auto registration = hardware.AudioObjectAddPropertyListenerBlock(
+        device.id,
+        {platform::kAudioDevicePropertyDeviceIsAlive, platform::kAudioObjectPropertyScopeGlobal, 0},
+        [observer, device](auto) { observer.deviceDied(device); }
+    );
+    // A device that cannot be watched is played all the same.
+    if (registration.status == platform::noErr) deathListeners.push_back(registration.listener);
+}
+
+std::optional<std::string> RunningAudio::masterWarning() const {
+    return masterIO ? masterIO->setupWarning() : std::nullopt;
+}
+
+std::uint32_t RunningAudio::xrunCount() const {
+    return mainIO->xrunCount() + (masterIO ? masterIO->xrunCount() : 0);
+}
+
+} // namespace orvane::engine

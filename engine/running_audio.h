@@ -1,0 +1,84 @@
+#pragma once
+
+#include "audio/audio_device_info.h"
+#include "audio/core_audio_io_engine.h"
+#include "audio/mixer_realtime_state.h"
+#include "dsp/automix_processor.h"
+#include "engine/show.h"
+#include "platform/audio_hardware.h"
+#include "platform/result.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::engine {
+
+/// The audio path of one run: the processor, the real-time state, the I/O engine of the main device and,
+/// where the master bus goes to a device of its own, that one's. Built at a start, dropped at the stop. Main
+/// thread.
+class RunningAudio final {
+  public:
+    struct Devices {
+        audio::AudioDeviceInfo main;
+        /// Absent: the master bus goes to the main device.
+        std::optional<audio::AudioDeviceInfo> master;
+    };
+
+    /// What a device is used for.
+    enum class Role { main, master };
+
+    /// What the hardware tells during a run, on its notification thread.
+    struct Observer {
+        std::function<void(Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount)>
+            bufferSizeChanged;
+        std::function<void(const audio::AudioDeviceInfo& device)> deviceDied;
+    };
+
+    /// Builds the path, connects it and starts the main and then the master device. The error is the whole
+    /// sentence for the user; nothing runs then.
+    static platform::Result<std::unique_ptr<RunningAudio>> start(
+        platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices,
+        const Show& show, const Observer& observer
+    );
+
+    ~RunningAudio();
+    RunningAudio(const RunningAudio&) = delete;
+    RunningAudio& operator=(const RunningAudio&) = delete;
+
+    /// What the devices' set-up had to say, absent where nothing.
+    [[nodiscard]] const std::optional<std::string>& mainWarning() const { return mainIO->setupWarning(); }
+    [[nodiscard]] std::optional<std::string> masterWarning() const;
+
+    [[nodiscard]] dsp::AutomixProcessor& automix() { return *processor; }
+    [[nodiscard]] const std::shared_ptr<audio::MixerRealtimeState>& realtimeState() const { return state; }
+
+    /// Late or lost cycles of both devices since the start, and the priority of the main I/O thread, 0 if
+    /// none.
+    [[nodiscard]] std::uint32_t xrunCount() const;
+    [[nodiscard]] int realtimePriority() const { return mainIO->realtimePriority(); }
+
+  private:
+    RunningAudio(
+        platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
+        const Show& show
+    );
+
+    void connect(const Devices& devices, const Observer& observer);
+    void watch(const audio::AudioDeviceInfo& device, const Observer& observer);
+
+    platform::AudioHardware& hardware;
+    std::shared_ptr<dsp::AutomixProcessor> processor;
+    std::shared_ptr<audio::MixerRealtimeState> state;
+    std::unique_ptr<audio::CoreAudioIOEngine> mainIO;
+    std::unique_ptr<audio::CoreAudioIOEngine> masterIO;
+    std::vector<platform::AudioObjectPropertyListenerID> deathListeners;
+};
+
+/// Copies the routing of a show, and the one input, output and master of it all, into the real-time state.
+void pushRouting(audio::MixerRealtimeState& state, const Show& show);
+
+} // namespace orvane::engine

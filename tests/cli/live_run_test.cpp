@@ -1,0 +1,131 @@
+#include "platform/sound_file_reader.h"
+#include "support/program.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using orvane::test::contentOf;
+using orvane::test::exitCodeOfShell;
+using orvane::test::TemporaryFolder;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+const std::string cli = std::string("ORVANE_DRIVERS=virtual ") + ORVANE_CLI;
+const std::string panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+
+TEST(Devices, AreListedForPeopleAndForPrograms) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " devices"), 0);
+    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("virtual:panel"));
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " devices --json --virtual-input " + panel), 0);
+    const auto document = nlohmann::json::parse(contentOf(folder / "stdout"));
+    EXPECT_EQ(document["devices"][0]["uid"], "virtual:file:panel-8ch.flac");
+    EXPECT_EQ(document["devices"][0]["inputChannelCount"], 8);
+    EXPECT_EQ(document["devices"].size(), 4U);
+    EXPECT_GE(document["realtimePriority"], 0);
+}
+
+TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(
+        exitCodeOfShell(folder, cli + " run --seconds 0.3 --channels 4 --buffer-size 128 --meters json"), 0
+    );
+    std::istringstream lines(contentOf(folder / "stdout"));
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        const auto frame = nlohmann::json::parse(line);
+        EXPECT_EQ(frame["strips"].size(), 4U);
+        EXPECT_LE(frame["strips"][0]["levelDB"], 0.0);
+    }
+    EXPECT_GE(count, 1);
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        MatchesRegex("orvane-cli: Ran for [^\n]* xruns; load [^\n]* at most; [^\n]*\n")
+    );
+}
+
+TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
+    const TemporaryFolder folder;
+    for (const std::string signal : {"INT", "TERM"}) {
+        // The first line says that it runs; the program has the signals' default handling, which a shell
+        // takes from what it puts into the background.
+        const std::string command = fmt::format(
+            "mkfifo {0}; env --default-signal=INT {1} run --meters json >{0} & "
+            "{{ read line; kill -{2} $!; cat >/dev/null; }} <{0}; wait $!",
+            (folder / signal).string(), cli, signal
+        );
+        EXPECT_EQ(exitCodeOfShell(folder, command), 0) << signal << ": " << contentOf(folder / "stderr");
+    }
+    EXPECT_EQ(exitCodeOfShell(folder, "(" + cli + " run --meters json; echo $? >&2) | head -n 1"), 0);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("nobody reads its meters any more.\n1\n"));
+}
+
+TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
+    const TemporaryFolder folder;
+    folder.add("bad.orvane", "{}");
+    struct Case {
+        std::string command;
+        const char* says;
+    };
+    for (const Case& one :
+         {Case{cli + " run --device jack:nowhere", "There is no audio device jack:nowhere"},
+          Case{
+              "ORVANE_DRIVERS=none " + std::string(ORVANE_CLI) + " run",
+              "There is no audio device with inputs"},
+          Case{cli + " run --master-device virtual:none", "virtual:none"},
+          Case{cli + " run --virtual-input none.wav", "none.wav"},
+          Case{cli + " run --device jack:system --record out.wav", "Only a virtual device can be recorded"},
+          Case{
+              cli + " run --session '" + (folder / "bad.orvane").string() + "'",
+              "Couldn't read that settings"}}) {
+        EXPECT_EQ(exitCodeOfShell(folder, one.command), 1) << one.command;
+        EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]+\n")) << one.command;
+        EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr(one.says)) << one.command;
+    }
+}
+
+/// The first `frames` samples of a channel.
+std::vector<float> beginningOf(const std::filesystem::path& path, std::size_t channel, std::size_t frames) {
+    auto reader = orvane::platform::SoundFileReader::open(path);
+    EXPECT_TRUE(reader) << path;
+    std::vector<std::vector<float>> samples(reader.value().channelCount(), std::vector<float>(frames));
+    const std::vector<std::span<float>> views(samples.begin(), samples.end());
+    const auto read = reader.value().read(views);
+    samples[channel].resize(read.value());
+    return samples[channel];
+}
+
+TEST(LiveRun, PlaysWhatTheOfflineRenderGivesBitForBit) {
+    const TemporaryFolder folder;
+    const std::string live = (folder / "live.wav").string();
+    const std::string offline = (folder / "offline.wav").string();
+    ASSERT_EQ(
+        exitCodeOfShell(
+            folder, cli + " run --meters none --seconds 2.2 --buffer-size 256 --record '" + live
+                        + "' --virtual-input " + panel
+        ),
+        0
+    ) << contentOf(folder / "stderr");
+    ASSERT_EQ(
+        exitCodeOfShell(
+            folder, cli + " render --buffer-size 256 --input " + panel + " --output '" + offline + "'"
+        ),
+        0
+    );
+    for (const std::size_t channel : {0, 1}) {
+        const std::vector<float> recorded = beginningOf(live, channel, 2 * 48000);
+        ASSERT_GT(recorded.size(), 48000U);
+        EXPECT_EQ(recorded, beginningOf(offline, channel, recorded.size())) << "channel " << channel;
+    }
+}
+
+} // namespace

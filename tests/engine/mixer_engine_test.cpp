@@ -1,0 +1,341 @@
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "support/manual_main_thread.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using audio::AudioDeviceInfo;
+using engine::MixerEngine;
+using session::ChannelStrip;
+using testing::HasSubstr;
+using testing::IsEmpty;
+namespace output = session::output;
+namespace master_output = session::master_output;
+
+constexpr double inputLevel = 0.25;
+
+/// An input whose every channel is a steady square wave.
+struct SteadyInput final : platform::VirtualInput {
+    void fill(std::span<const std::span<float>> blocks) noexcept override {
+        for (const std::span<float>& block : blocks)
+            for (std::size_t i = 0; i < block.size(); ++i)
+                block[i] = static_cast<float>(i % 2 == 0 ? inputLevel : -inputLevel);
+    }
+};
+
+/// Keeps the first sample that each output played in its last cycle.
+struct KeptOutput final : platform::VirtualOutput {
+    void take(std::span<const std::span<const float>> blocks) noexcept override {
+        for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel)
+            played[channel] = blocks[channel][0];
+    }
+
+    std::array<float, 8> played{};
+};
+
+/// A machine with an interface of 4 inputs and 6 outputs and a separate monitor, on stepped clocks.
+class MixerEngineTest : public testing::Test {
+  protected:
+    MixerEngineTest() { engine.refreshDevices(); }
+
+    static constexpr std::string_view interface = "virtual:interface";
+    static constexpr std::string_view monitor = "virtual:monitor";
+
+    std::vector<platform::VirtualDevice> describe() {
+        std::vector<platform::VirtualDevice> devices(2);
+        devices[0].description = {std::string(interface), "Interface", 4, 6, 48000.0};
+        devices[0].input = std::make_shared<SteadyInput>();
+        devices[0].output = mainOutput;
+        devices[0].answerBufferSize = [this](std::uint32_t requested) {
+            return keptBufferSize.value_or(requested);
+        };
+        devices[1].description = {std::string(monitor), "Monitor", 0, 2, 44100.0};
+        devices[1].output = masterOutput;
+        return devices;
+    }
+
+    std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
+        auto stepped =
+            std::make_unique<platform::VirtualAudioDriver>(describe(), platform::VirtualPacing::stepped, log);
+        driver = stepped.get();
+        std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+        drivers.push_back(std::move(stepped));
+        return drivers;
+    }
+
+    const AudioDeviceInfo& device(std::string_view uid) {
+        const auto& devices = engine.state().availableDevices.get();
+        return *std::ranges::find(devices, uid, &AudioDeviceInfo::uid);
+    }
+
+    /// Selects the interface and starts with the given strips bypassed, so that they are heard as they come
+    /// in.
+    void startBypassed() {
+        engine.selectDevice(device(interface));
+        for (const ChannelStrip& strip : std::vector(strips()))
+            engine.setBypassed(strip.id, true);
+        engine.start();
+        ASSERT_TRUE(isRunning()) << message();
+    }
+
+    std::size_t step(std::string_view uid = interface, std::size_t cycles = 1) {
+        return driver->clock().step(uid, cycles);
+    }
+
+    [[nodiscard]] const std::vector<ChannelStrip>& strips() const {
+        return engine.state().channelStrips.get();
+    }
+    [[nodiscard]] bool isRunning() const { return engine.state().isRunning.get(); }
+    [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
+
+    std::optional<std::uint32_t> keptBufferSize;
+    std::shared_ptr<KeptOutput> mainOutput = std::make_shared<KeptOutput>();
+    std::shared_ptr<KeptOutput> masterOutput = std::make_shared<KeptOutput>();
+    test::ManualMainThread mainThread;
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    platform::VirtualAudioDriver* driver = nullptr;
+    platform::SystemAudioHardware hardware{makeDrivers()};
+    MixerEngine engine{8, hardware, mainThread};
+};
+
+TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
+    EXPECT_EQ(strips().size(), 8U);
+    EXPECT_EQ(strips()[7].name, "Ch 8");
+    EXPECT_EQ(engine.state().masterTargetDB.get(), -10.0);
+    EXPECT_EQ(engine.state().bufferSize.get(), 512);
+    EXPECT_EQ(engine.bufferLatencyMs(), 0.0);
+    EXPECT_EQ(engine.ringBufferBytes(), 0);
+    engine.start();
+    EXPECT_EQ(message(), "No audio device selected.");
+    EXPECT_FALSE(isRunning());
+    engine.resetRoutingOneToOne();
+    EXPECT_FALSE(strips()[0].inputChannelIndex);
+    engine.selectDevice(device(interface));
+    EXPECT_DOUBLE_EQ(engine.bufferLatencyMs(), 512.0 / 48.0);
+    EXPECT_EQ(engine.ringBufferBytes(), 6 * 512 * 32);
+}
+
+TEST_F(MixerEngineTest, FillsOnlyOpenRoutingWhenADeviceIsSelected) {
+    engine.setInputChannel(strips()[2].id, 7);
+    engine.setOutputChannel(strips()[2].id, 0);
+    engine.setStereo(strips()[2].id, true);
+    engine.setMasterStereoPair(4);
+    engine.setMasterStereo(true);
+    engine.setMasterStereoPair(6);
+    engine.selectDevice(device(interface));
+    EXPECT_EQ(strips()[2].inputChannelIndex, 7);
+    EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::Stereo{0, 1, 0.0}));
+    EXPECT_EQ(strips()[3].inputChannelIndex, 3);
+    EXPECT_FALSE(strips()[4].inputChannelIndex);
+    EXPECT_EQ(strips()[5].outputRouting, session::OutputRouting(output::Mono{5}));
+    EXPECT_EQ(strips()[6].outputRouting, session::OutputRouting(output::None{}));
+    EXPECT_EQ(engine.state().masterOutputRouting.get(), session::MasterOutputRouting(output::None{}));
+    engine.resetRoutingOneToOne();
+    EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::Mono{2}));
+    engine.allOutputsOff();
+    EXPECT_EQ(strips()[2].inputChannelIndex, 2);
+    EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::None{}));
+}
+
+TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
+    startBypassed();
+    EXPECT_EQ(message(), "");
+    engine.start();
+    EXPECT_EQ(step(), 1U);
+    EXPECT_EQ(mainOutput->played[3], static_cast<float>(inputLevel));
+    EXPECT_EQ(mainOutput->played[5], 0.0F);
+    mainThread.advance(std::chrono::milliseconds(40));
+    EXPECT_EQ(engine.meterModel().channelMeters.get().size(), 9U);
+    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], inputLevel);
+    engine.stop();
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(step(), 0U);
+    EXPECT_EQ(engine.meterModel().cpuLoad.get(), 0.0);
+    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], inputLevel);
+    engine.stop();
+    engine.start();
+    EXPECT_TRUE(isRunning());
+    EXPECT_EQ(step(interface, 3), 3U);
+}
+
+TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
+    startBypassed();
+    const platform::Uuid first = strips()[0].id;
+    struct Edit {
+        const char* what;
+        std::function<void()> make;
+        float heard;
+        std::size_t where;
+    };
+    const auto level = static_cast<float>(inputLevel);
+    for (const Edit& edit : std::vector<Edit>{
+             {"trim", [&] { engine.setTrim(first, 0.5); }, 0.5F * level, 0},
+             {"unknown strip", [&] { engine.setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
+             {"role", [&] { engine.setVocalRole(first, dsp::VocalRole::lead); }, 0.5F * level, 0},
+             {"group fader", [&] { engine.setLeadGroupGainDB(20.0); }, 5.0F * level, 0},
+             {"output", [&] { engine.setOutputChannel(first, 5); }, 5.0F * level, 5},
+             {"pair",
+              [&] {
+                  engine.setStereo(first, true);
+                  engine.setPan(first, 1.7);
+              },
+              5.0F * level, 5},
+             {"another pair",
+              [&] {
+                  engine.setStereoPair(first, 3);
+                  engine.setPan(first, -3.0);
+              },
+              6.0F * level, 3},
+             {"no input", [&] { engine.setInputChannel(first, std::nullopt); }, level, 3},
+             {"mute", [&] { engine.setMuted(strips()[3].id, true); }, 0.0F, 3}}) {
+        edit.make();
+        step();
+        EXPECT_FLOAT_EQ(mainOutput->played[edit.where], edit.heard) << edit.what;
+    }
+}
+
+TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
+    engine.selectDevice(device(interface));
+    engine.setName(strips()[1].id, "Alto");
+    engine.setReferenceNoiseGain(0.25);
+    engine.setDuckerReleaseMs(900.0);
+    engine.setGenderMode(strips()[0].id, dsp::GenderTriggerMode::male);
+    const session::MixerDocumentData saved = engine.makeDocumentData();
+    MixerEngine other(4, hardware, mainThread);
+    session::MixerDocumentData document = saved;
+    document.bufferSize = 100;
+    document.masterOutputRouting = master_output::Stereo{40, 41};
+    other.applyDocument(document);
+    session::MixerDocumentData loaded = other.makeDocumentData();
+    document.channels.resize(4);
+    document.bufferSize = 512;
+    EXPECT_EQ(loaded, document);
+
+    other.refreshDevices();
+    other.selectDevice(device(interface));
+    other.setMasterOutputRouting(document.masterOutputRouting);
+    other.start();
+    EXPECT_THAT(
+        *other.state().lastError.get(), testing::StartsWith("Master Out was reset to \"None\" because its")
+    );
+    EXPECT_TRUE(other.state().isRunning.get());
+}
+
+TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
+    engine.selectMasterOutputDevice(device(monitor));
+    engine.setMasterStereo(true);
+    startBypassed();
+    EXPECT_EQ(
+        message(),
+        "Warning: Interface (48000 Hz) and Monitor (44100 Hz) have different sample rates -- the master "
+        "output may play back at the wrong pitch/speed until they match."
+    );
+    step();
+    EXPECT_EQ(step(monitor), 1U);
+    EXPECT_NE(masterOutput->played[1], 0.0F);
+    // One clock runs away from the other: what is missing is silence, what is too much is dropped.
+    EXPECT_EQ(step(monitor, 3), 3U);
+    EXPECT_EQ(masterOutput->played[1], 0.0F);
+    EXPECT_EQ(step(interface, 50), 50U);
+    EXPECT_EQ(step(monitor), 1U);
+    EXPECT_NE(masterOutput->played[1], 0.0F);
+
+    engine.stop();
+    driver->control(monitor)->occupy();
+    engine.start();
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(
+        message(),
+        "Failed to start master output device (Monitor): AudioUnitInitialize failed: OSStatus 560492391"
+    );
+    EXPECT_EQ(step(), 0U);
+    engine.selectMasterOutputDevice(device(interface));
+    engine.start();
+    EXPECT_TRUE(isRunning());
+    EXPECT_THAT(message(), IsEmpty());
+}
+
+TEST_F(MixerEngineTest, SaysWhyADeviceDoesNotStart) {
+    engine.selectDevice(device(interface));
+    driver->control(interface)->occupy();
+    engine.start();
+    EXPECT_EQ(message(), "Failed to start audio engine: AudioUnitInitialize failed: OSStatus 560492391");
+    driver->control(interface)->release();
+    driver->control(interface)->die();
+    engine.start();
+    EXPECT_THAT(message(), HasSubstr("Failed to start audio engine: "));
+    EXPECT_FALSE(isRunning());
+}
+
+TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
+    startBypassed();
+    int starts = 0;
+    const auto counting =
+        engine.state().isRunning.subscribe([&starts](bool runs) { starts += runs ? 1 : 0; });
+    engine.setBufferSize(100);
+    EXPECT_EQ(engine.state().bufferSize.get(), 512);
+    engine.setBufferSize(256);
+    EXPECT_EQ(starts, 1);
+    EXPECT_EQ(step(), 1U);
+    keptBufferSize = 96;
+    engine.setBufferSize(64);
+    EXPECT_THAT(message(), HasSubstr("This device is actually running a 96-frame buffer, not the 64 frames"));
+    EXPECT_EQ(step(), 1U);
+    EXPECT_EQ(mainOutput->played[0], static_cast<float>(inputLevel));
+}
+
+/// Runs what the driver's notification thread posts until the message is another one.
+void awaitMessage(MixerEngine& engine, test::ManualMainThread& mainThread, const std::string& before) {
+    while (engine.state().lastError.get().value_or("") == before) {
+        mainThread.runPosted();
+        std::this_thread::yield();
+    }
+}
+
+TEST_F(MixerEngineTest, TellsOfABufferSizeThatSomebodyElseChanged) {
+    startBypassed();
+    driver->control(interface)->changeBufferSize(1024);
+    awaitMessage(engine, mainThread, "");
+    EXPECT_EQ(
+        message(),
+        "The audio device's buffer size changed to 1024 frames while running (likely another app also using "
+        "Interface) -- if you hear stutters, stop and restart the engine. Closing other apps that use the "
+        "same device may help."
+    );
+    // Longer cycles than the unit was set up for: nothing is captured, silence is played.
+    EXPECT_EQ(step(), 1U);
+    EXPECT_EQ(mainOutput->played[0], 0.0F);
+}
+
+TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
+    startBypassed();
+    driver->control(interface)->die();
+    awaitMessage(engine, mainThread, "");
+    EXPECT_FALSE(isRunning());
+    EXPECT_THAT(message(), HasSubstr("The audio device Interface is gone"));
+    driver->control(interface)->reappear();
+    engine.start();
+    EXPECT_TRUE(isRunning());
+}
+
+TEST_F(MixerEngineTest, ForgetsItsDevicesOnlyWhenTheyCanBeListed) {
+    driver->control(interface)->die();
+    engine.refreshDevices();
+    EXPECT_EQ(engine.state().availableDevices.get().size(), 1U);
+}
+
+} // namespace
