@@ -45,6 +45,9 @@ TEST(SystemLog, CutsLongLinesAndCountsWhatDidNotFit) {
     EXPECT_EQ(kept.lines.size(), 129U);
     EXPECT_EQ(kept.lines[0], "Test: " + longText);
     EXPECT_EQ(kept.lines.back(), "Log: 72 lines from audio threads were dropped.");
+    kept.log.post(LogLevel::standard, "Test", {"room again"});
+    kept.log.flush();
+    EXPECT_EQ(kept.lines.back(), "Test: room again");
 }
 
 TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
