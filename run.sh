@@ -7,7 +7,7 @@ if [ "${1:-}" = --help ]; then
 Usage: ./run.sh [ARGS]
 
 Installs the packages that are missing, builds ORVANE and starts orvane-cli with ARGS
-(./run.sh render --help says more). Without ARGS it mixes the bundled panel recording,
+(./run.sh render --help and ./run.sh run --help say more). Without ARGS it mixes the bundled panel recording,
 assets/demo/panel-8ch.flac, into build/demo.
 END
     exit 0
