@@ -71,6 +71,8 @@ TEST(MixerDocumentCodec, WritesTheAgreedFormWithKeysInOrder) {
             {"id": "00000000-0000-0000-0000-000000000000", "name": "Other", "channels": [],
              "masterTargetDB": 0.0, "leadGroupGainDB": 0.0, "backingGroupGainDB": 0.0}]})");
     EXPECT_EQ(encoded(data), expected.dump(4));
+    EXPECT_EQ(decoded(expected.dump()).channels.at(0).genderMode, female);
+    EXPECT_EQ(decoded(expected.dump()).channels.at(0).vocalRole, backing);
 }
 
 /// A text with other text in the place of some of its keys.
