@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -47,15 +50,6 @@ TEST_F(CoreAudioIOEngineTest, StartsAndStopsTheUnitAndGivesItBack) {
     );
 }
 
-TEST_F(CoreAudioIOEngineTest, CannotStartWithoutSetup) {
-    CoreAudioIOEngine engine(hardware, configuration);
-    EXPECT_EQ(engine.start().error().description(), "start (not set up) failed: OSStatus -50");
-    engine.stop();
-    EXPECT_EQ(engine.xrunCount(), 0U);
-    EXPECT_EQ(engine.realtimePriority(), 0);
-    EXPECT_TRUE(hardware.calls.empty());
-}
-
 TEST_F(CoreAudioIOEngineTest, SaysThatTheStartFailed) {
     hardware.failures = {{"AudioOutputUnitStart", 1937010544}};
     CoreAudioIOEngine engine(hardware, configuration);
@@ -66,8 +60,6 @@ TEST_F(CoreAudioIOEngineTest, SaysThatTheStartFailed) {
 TEST_F(CoreAudioIOEngineTest, ReadsLateCyclesAndPriorityFromTheUnit) {
     CoreAudioIOEngine engine(hardware, configuration);
     ASSERT_TRUE(engine.setup());
-    hardware.xrunCount = 3;
-    hardware.realtimePriority = 70;
     EXPECT_EQ(engine.xrunCount(), 3U);
     EXPECT_EQ(engine.realtimePriority(), 70);
     hardware.failures = {{"AudioUnitGetProperty", -1}};
@@ -75,44 +67,28 @@ TEST_F(CoreAudioIOEngineTest, ReadsLateCyclesAndPriorityFromTheUnit) {
     EXPECT_EQ(engine.realtimePriority(), 0);
 }
 
-TEST_F(CoreAudioIOEngineTest, HandsEachCapturedChannelToTheHandler) {
+TEST_F(CoreAudioIOEngineTest, HandsEachCapturedChannelToTheHandlerUnlessTheCaptureFails) {
     CoreAudioIOEngine engine(hardware, configuration);
-    int cycles = 0;
-    engine.inputHandler =
-        [&cycles](std::span<const std::span<const float>> captured, std::size_t frameCount) {
-            ++cycles;
-            ASSERT_EQ(captured.size(), 3U);
-            for (std::size_t channel = 0; channel < 3; ++channel) {
-                ASSERT_EQ(captured[channel].size(), frameCount);
-                for (std::size_t i = 0; i < frameCount; ++i)
-                    ASSERT_EQ(
-                        captured[channel][i], static_cast<float>(channel) + static_cast<float>(i) / 65536.0F
-                    );
-            }
-        };
+    std::vector<std::size_t> handled;
+    handled.reserve(8);
+    engine.inputHandler = [&](std::span<const std::span<const float>> captured, std::size_t frameCount) {
+        handled.push_back(frameCount);
+        ASSERT_EQ(captured.size(), 3U);
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            ASSERT_EQ(captured[channel].size(), frameCount);
+            for (std::size_t i = 0; i < frameCount; ++i)
+                ASSERT_EQ(
+                    captured[channel][i], static_cast<float>(channel) + static_cast<float>(i) / 65536.0F
+                );
+        }
+    };
     ASSERT_TRUE(engine.setup());
-    for (const std::uint32_t frameCount : {256U, 1U, 0U, 255U, 256U})
-        EXPECT_EQ(hardware.captureCycle(frameCount), noErr) << frameCount;
-    EXPECT_EQ(cycles, 5);
-}
-
-TEST_F(CoreAudioIOEngineTest, SkipsTheHandlerWhereACaptureFails) {
-    CoreAudioIOEngine engine(hardware, configuration);
-    std::size_t handled = 0;
-    engine.inputHandler = [&handled](auto, std::size_t frameCount) { handled += frameCount; };
-    ASSERT_TRUE(engine.setup());
-    for (const std::uint32_t tooMany : {257U, 8192U, 0xFFFFFFFFU})
-        EXPECT_EQ(hardware.captureCycle(tooMany), platform::kAudioUnitErr_TooManyFramesToProcess) << tooMany;
-    EXPECT_EQ(handled, 0U);
-    EXPECT_EQ(hardware.captureCycle(256), noErr);
-    EXPECT_EQ(handled, 256U);
-}
-
-TEST_F(CoreAudioIOEngineTest, CapturesAlsoWithoutAHandler) {
-    CoreAudioIOEngine engine(hardware, configuration);
-    ASSERT_TRUE(engine.setup());
-    EXPECT_EQ(hardware.captureCycle(256), noErr);
-    EXPECT_EQ(hardware.renderCalls, 1);
+    for (const std::uint32_t frameCount : {256U, 257U, 1U, 0U, 0xFFFFFFFFU, 255U})
+        EXPECT_EQ(
+            hardware.captureCycle(frameCount),
+            frameCount > 256 ? platform::kAudioUnitErr_TooManyFramesToProcess : noErr
+        );
+    EXPECT_EQ(handled, (std::vector<std::size_t>{256, 1, 0, 255}));
 }
 
 TEST_F(CoreAudioIOEngineTest, HasTheProviderFillEveryOutput) {
@@ -123,6 +99,7 @@ TEST_F(CoreAudioIOEngineTest, HasTheProviderFillEveryOutput) {
                 outputs[channel][i] = static_cast<float>(channel + i);
     };
     ASSERT_TRUE(engine.setup());
+    EXPECT_EQ(hardware.renderCycle(256, nullptr), noErr);
     // Longer cycles than agreed and fewer buffers than asked for are the device's to decide.
     struct Cycle {
         std::size_t channels;
@@ -143,15 +120,48 @@ TEST_F(CoreAudioIOEngineTest, PlaysSilenceWithoutAProvider) {
     Output output(2, 256);
     EXPECT_EQ(hardware.renderCycle(256, &output.list), noErr);
     EXPECT_EQ(output.samples, (std::vector<std::vector<float>>(2, std::vector<float>(256, 0.0F))));
+    EXPECT_EQ(hardware.captureCycle(256), noErr);
 }
 
-TEST_F(CoreAudioIOEngineTest, TakesACycleWithoutOutputBuffers) {
-    CoreAudioIOEngine engine(hardware, configuration);
-    bool isAsked = false;
-    engine.outputProvider = [&isAsked](auto, std::size_t) { isAsked = true; };
-    ASSERT_TRUE(engine.setup());
-    EXPECT_EQ(hardware.renderCycle(256, nullptr), noErr);
-    EXPECT_FALSE(isAsked);
+TEST_F(CoreAudioIOEngineTest, TellsEachForeignBufferSizeOnceInARow) {
+    std::vector<std::uint32_t> told;
+    // A device that refuses the request stays at 512 frames, which the unit is then set up for.
+    for (const bool refuses : {false, true}) {
+        hardware.devices[0].bufferSize = 512;
+        hardware.failures = {{refuses ? "AudioObjectSetPropertyData" : "nothing", -1}};
+        told.clear();
+        CoreAudioIOEngine engine(hardware, configuration);
+        engine.onDeviceBufferSizeChangedExternally = [&told](std::uint32_t size) { told.push_back(size); };
+        ASSERT_TRUE(engine.setup());
+        for (const std::uint32_t size : {256U, 512U, 512U, 1024U, 512U, 256U, 512U})
+            hardware.changeBufferSize(7, size);
+        hardware.failures = {{"AudioObjectGetPropertyData 7 fsiz", -1}};
+        hardware.changeBufferSize(7, 64);
+        using Sizes = std::vector<std::uint32_t>;
+        EXPECT_EQ(told, refuses ? (Sizes{1024, 512}) : (Sizes{512, 1024, 512}));
+    }
+    hardware.failures.clear();
+    hardware.changeBufferSize(7, 128);
+    EXPECT_NE(told.back(), 128U);
+}
+
+TEST_F(CoreAudioIOEngineTest, MayEndWhileANotificationIsUnderWay) {
+    std::atomic<bool> isOver = false;
+    std::thread notifier([&] {
+        for (std::uint32_t size = 300; !isOver; size = size == 300 ? 400 : 300)
+            hardware.changeBufferSize(7, size);
+    });
+    const auto count = std::make_shared<std::atomic<int>>(0);
+    for (int i = 0; i < 50; ++i) {
+        CoreAudioIOEngine passing(hardware, configuration);
+        const int before = *count;
+        passing.onDeviceBufferSizeChangedExternally = [count](std::uint32_t) { ++*count; };
+        ASSERT_TRUE(passing.setup());
+        while (*count == before)
+            std::this_thread::yield();
+    }
+    isOver = true;
+    notifier.join();
 }
 
 } // namespace

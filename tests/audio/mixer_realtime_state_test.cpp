@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -11,13 +10,10 @@
 namespace {
 
 using namespace orvane;
-using audio::MixerRealtimeState;
 using audio::RoutingTable;
-using session::MasterOutputRouting;
 using session::OutputRouting;
 namespace output = session::output;
 namespace master_output = session::master_output;
-using test::DeviceBlocks;
 using test::MixerHarness;
 using Channels = std::vector<std::size_t>;
 
@@ -31,30 +27,6 @@ TEST(RoutingTable, NamesEveryOutputInUseOnceAndNoneBelowZero) {
     EXPECT_EQ(table.activeChannelsWithMaster, (Channels{0, 3, 7, 1000}));
     EXPECT_EQ(RoutingTable({}, {}, master_output::Mono{4}).activeChannelsWithMaster, (Channels{4}));
     EXPECT_TRUE(RoutingTable({}, {}, master_output::None{}).activeChannelsWithMaster.empty());
-}
-
-TEST(MixerRealtimeState, ShowsNothingUntilTheFirstBlock) {
-    const audio::MeterReading reading = MixerRealtimeState(3).readMeters();
-    EXPECT_EQ(reading.channelLevels, std::vector<double>(3, 0.0));
-    EXPECT_EQ(reading.gainReductionDB, std::vector<double>(3, 0.0));
-}
-
-TEST(MixerRealtimeState, ResizesOnlyTheScratchWhoseShapeChanged) {
-    MixerRealtimeState state(2);
-    state.outputRingBuffers = test::makeRings(2, 64);
-    state.ensureScratch(64);
-    auto& scratch = state.scratch;
-    scratch.inputBlocksScratch[2][5] = 1.0;
-    scratch.outputSumsScratch[1][5] = 2.0;
-    state.masterOutputRingBuffers = test::makeRings(1, 64);
-    state.ensureScratch(64);
-    EXPECT_EQ(scratch.masterOutputSumsScratch.channelCount(), 1U);
-    EXPECT_EQ(scratch.inputBlocksScratch[2][5], 1.0);
-    EXPECT_EQ(scratch.outputSumsScratch[1][5], 2.0);
-    state.ensureScratch(63);
-    EXPECT_EQ(scratch.inputBlocksScratch[2][5], 0.0);
-    EXPECT_EQ(scratch.outputSumsScratch[1][5], 0.0);
-    EXPECT_EQ(scratch.masterOutputFloatScratch.frameCount(), 63U);
 }
 
 TEST(RenderTable, FreesWhatWasReplacedOnlyWhenNoPassHoldsIt) {

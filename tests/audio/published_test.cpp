@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -35,31 +34,20 @@ TEST_F(PublishedTest, TellsEverybodyInOrderAtEveryAssignment) {
     EXPECT_EQ(number.get(), 2);
 }
 
-TEST_F(PublishedTest, TellsNobodyWhoseSubscriptionHasEnded) {
-    Subscription a = listen("a");
-    Subscription b = listen("b");
-    a = Subscription();
-    number.set(2);
-    EXPECT_EQ(told, (Told{"b2"}));
-    b = listen("c");
-    number.set(3);
-    EXPECT_EQ(told, (Told{"b2", "c3"}));
-    const Subscription moved = std::move(b);
-    number.set(4);
-    EXPECT_EQ(told, (Told{"b2", "c3", "c4"}));
-}
-
 TEST(Published, MayEndBeforeItsSubscriptions) {
     std::optional<Published<int>> number(1);
     const Subscription listening = number->subscribe([](const int&) {});
     number.reset();
 }
 
-TEST_F(PublishedTest, LetsSubscriptionsEndDuringANotification) {
+TEST_F(PublishedTest, LetsSubscriptionsEndAndBeginDuringANotification) {
     Subscription itself;
     Subscription later;
+    std::vector<Subscription> added;
     const std::string tag = "a listener's own captures last as long as its call";
     itself = number.subscribe([&, tag](const int&) {
+        for (int i = 0; i < 2; ++i)
+            added.push_back(listen("new"));
         itself = Subscription();
         later = Subscription();
         told.push_back(tag);
@@ -68,30 +56,14 @@ TEST_F(PublishedTest, LetsSubscriptionsEndDuringANotification) {
     const Subscription last = listen("last");
     number.set(2);
     number.set(3);
-    EXPECT_EQ(told, (Told{tag, "last2", "last3"}));
-}
-
-TEST_F(PublishedTest, TellsWhoSubscribesDuringANotificationFromTheNextOn) {
-    std::vector<Subscription> added;
-    const Subscription adder = number.subscribe([&](const int& value) {
-        if (value == 2)
-            for (int i = 0; i < 20; ++i)
-                added.push_back(listen("new"));
-    });
-    number.set(2);
-    EXPECT_TRUE(told.empty());
-    number.set(3);
-    EXPECT_EQ(told, Told(20, "new3"));
+    EXPECT_EQ(told, (Told{tag, "last2", "last3", "new3", "new3"}));
 }
 
 TEST_F(PublishedTest, TellsOfAnAssignmentMadeDuringANotificationInARoundOfItsOwn) {
     const Subscription first = listen("a");
     const Subscription limiter = number.subscribe([this](const int& value) {
         told.push_back("limit" + std::to_string(value));
-        if (value > 10) {
-            number.set(10);
-            EXPECT_EQ(number.get(), 10);
-        }
+        if (value > 10) number.set(10);
     });
     const Subscription last = listen("b");
     number.set(12);

@@ -14,7 +14,7 @@ namespace {
 using namespace orvane;
 using audio::RingBuffer;
 
-std::vector<float> ramp(std::size_t count, float first = 1.0F) {
+std::vector<float> ramp(std::size_t count, float first) {
     std::vector<float> samples(count);
     std::iota(samples.begin(), samples.end(), first);
     return samples;

@@ -22,7 +22,6 @@ using audio::AudioDeviceInfo;
 using engine::MixerEngine;
 using session::ChannelStrip;
 using testing::HasSubstr;
-using testing::IsEmpty;
 namespace output = session::output;
 namespace master_output = session::master_output;
 
@@ -114,16 +113,11 @@ class MixerEngineTest : public testing::Test {
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
     EXPECT_EQ(strips().size(), 8U);
-    EXPECT_EQ(strips()[7].name, "Ch 8");
-    EXPECT_EQ(engine.state().masterTargetDB.get(), -10.0);
-    EXPECT_EQ(engine.state().bufferSize.get(), 512);
     EXPECT_EQ(engine.bufferLatencyMs(), 0.0);
     EXPECT_EQ(engine.ringBufferBytes(), 0);
     engine.start();
     EXPECT_EQ(message(), "No audio device selected.");
     EXPECT_FALSE(isRunning());
-    engine.resetRoutingOneToOne();
-    EXPECT_FALSE(strips()[0].inputChannelIndex);
     engine.selectDevice(device(interface));
     EXPECT_DOUBLE_EQ(engine.bufferLatencyMs(), 512.0 / 48.0);
     EXPECT_EQ(engine.ringBufferBytes(), 6 * 512 * 32);
@@ -166,9 +160,7 @@ TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
     EXPECT_EQ(step(), 0U);
     EXPECT_EQ(engine.meterModel().cpuLoad.get(), 0.0);
     EXPECT_EQ(engine.meterModel().channelMeters.get()[0], inputLevel);
-    engine.stop();
     engine.start();
-    EXPECT_TRUE(isRunning());
     EXPECT_EQ(step(interface, 3), 3U);
 }
 
@@ -191,11 +183,6 @@ TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
              {"pair",
               [&] {
                   engine.setStereo(first, true);
-                  engine.setPan(first, 1.7);
-              },
-              5.0F * level, 5},
-             {"another pair",
-              [&] {
                   engine.setStereoPair(first, 3);
                   engine.setPan(first, -3.0);
               },
@@ -266,7 +253,7 @@ TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
     engine.selectMasterOutputDevice(device(interface));
     engine.start();
     EXPECT_TRUE(isRunning());
-    EXPECT_THAT(message(), IsEmpty());
+    EXPECT_EQ(message(), "");
 }
 
 TEST_F(MixerEngineTest, SaysWhyADeviceDoesNotStart) {
@@ -274,10 +261,6 @@ TEST_F(MixerEngineTest, SaysWhyADeviceDoesNotStart) {
     driver->control(interface)->occupy();
     engine.start();
     EXPECT_EQ(message(), "Failed to start audio engine: AudioUnitInitialize failed: OSStatus 560492391");
-    driver->control(interface)->release();
-    driver->control(interface)->die();
-    engine.start();
-    EXPECT_THAT(message(), HasSubstr("Failed to start audio engine: "));
     EXPECT_FALSE(isRunning());
 }
 
@@ -330,12 +313,6 @@ TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
     driver->control(interface)->reappear();
     engine.start();
     EXPECT_TRUE(isRunning());
-}
-
-TEST_F(MixerEngineTest, ForgetsItsDevicesOnlyWhenTheyCanBeListed) {
-    driver->control(interface)->die();
-    engine.refreshDevices();
-    EXPECT_EQ(engine.state().availableDevices.get().size(), 1U);
 }
 
 } // namespace
