@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace orvane::platform {
 
@@ -35,13 +36,13 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
 
 } // namespace
 
-JackClients::JackClients() {
+JackClients::JackClients(std::string programName) : name(std::move(programName)) {
     const auto ignore = [](const char*) {};
     jack_set_error_function(ignore);
     jack_set_info_function(ignore);
 }
 
-std::unique_ptr<JackClient> JackClients::open(const std::string& name, JackEvents& events) {
+std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents& events) {
     const JackLibraryCall libraryCall(libraryMutex);
     if (isServerGone.load()) {
         for (JackClient* client : opened)
@@ -49,7 +50,8 @@ std::unique_ptr<JackClient> JackClients::open(const std::string& name, JackEvent
         opened.clear();
         isServerGone.store(false);
     }
-    jack_client_t* const handle = jack_client_open(name.c_str(), JackNoStartServer, nullptr);
+    const std::string clientName = name + std::string(role);
+    jack_client_t* const handle = jack_client_open(clientName.c_str(), JackNoStartServer, nullptr);
     if (handle == nullptr) return nullptr;
     std::unique_ptr<JackClient> client(new JackClient(*this, handle, events));
     opened.push_back(client.get());

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::platform {
@@ -17,19 +18,22 @@ class JackEvents;
 /// server is made with it and does not outlive it.
 class JackClients final {
   public:
-    /// Silences libjack, which reports on standard error otherwise.
-    JackClients();
+    /// `programName` is what others see as the name of its clients; libjack opens no two of the same name at
+    /// the same time on one machine, not even on different servers. Silences libjack, which reports on
+    /// standard error otherwise.
+    explicit JackClients(std::string programName = "ORVANE");
     JackClients(const JackClients&) = delete;
     JackClients& operator=(const JackClients&) = delete;
 
-    /// A client of the running server, null where none runs; never starts one. `name` is what others see,
-    /// with a number where it is taken. Posts to `events`, which outlive the client, when the server has shut
-    /// down or has shut the client out. Any thread but libjack's own.
-    std::unique_ptr<JackClient> open(const std::string& name, JackEvents& events);
+    /// A client of the running server, null where none runs; never starts one. `role` is added to the
+    /// program's name, and a number where that is taken. Posts to `events`, which outlive the client, when
+    /// the server has shut down or has shut the client out. Any thread but libjack's own.
+    std::unique_ptr<JackClient> open(std::string_view role, JackEvents& events);
 
   private:
     friend class JackClient;
 
+    std::string name;
     std::mutex libraryMutex;
     std::vector<JackClient*> opened;
     std::atomic<bool> isServerGone = false;

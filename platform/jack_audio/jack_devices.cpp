@@ -61,7 +61,7 @@ std::vector<std::string> namesInOrder(const Ports& ports, Condition condition) {
     const bool areNumbered = std::ranges::all_of(names, [](const std::string& name) {
         return std::isdigit(static_cast<unsigned char>(name.back())) != 0;
     });
-    if (areNumbered) std::ranges::stable_sort(names, comesNaturallyBefore);
+    if (areNumbered) std::ranges::sort(names, comesNaturallyBefore);
     return names;
 }
 
@@ -151,7 +151,7 @@ std::vector<JackDevice> jackDevices(std::span<const JackPort> ports) {
     }
     joinSides(cards, nameOfBothSides);
     joinSides(cards, alsaCardName);
-    std::ranges::stable_sort(cards, comesNaturallyBefore, &Card::name);
+    std::ranges::sort(cards, comesNaturallyBefore, &Card::name);
 
     std::vector<JackDevice> devices;
     for (const Card& card : cards)

@@ -12,7 +12,7 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr const char* clientName = "ORVANE control";
+constexpr std::string_view clientRole = " control";
 constexpr std::size_t mostAliases = 2;
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
@@ -73,7 +73,7 @@ bool JackServer::requestBufferSize(std::uint32_t frameCount) {
 bool JackServer::open() {
     if (client != nullptr && !client->isGone()) return true;
     client.reset();
-    client = clients.open(clientName, events);
+    client = clients.open(clientRole, events);
     if (client == nullptr) return false;
     bool isActive = false;
     client->use([&](jack_client_t* jack) {

@@ -12,7 +12,6 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr const char* clientName = "ORVANE";
 /// What no JACK server goes beyond. It may change its buffer size at any time, and cycles of the new size
 /// come before anybody has been told.
 constexpr std::size_t longestCycleInFrames = 8192;
@@ -28,7 +27,7 @@ Result<std::unique_ptr<AudioStream>, OSStatus> JackStream::open(
     JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
     AudioStreamClient& client
 ) {
-    auto jackClient = clients.open(clientName, events);
+    auto jackClient = clients.open("", events);
     if (jackClient == nullptr) return kAudioHardwareBadDeviceError;
     std::unique_ptr<JackStream> stream(new JackStream(std::move(jackClient), device, enableInput, client));
     if (!stream->prepare()) return kAudioHardwareUnspecifiedError;

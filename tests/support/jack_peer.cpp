@@ -2,14 +2,21 @@
 
 #include "support/wait_for.h"
 
+#include <unistd.h>
+
 #include <span>
 #include <stdexcept>
 
 namespace orvane::test {
 
-JackPeer::JackPeer(const std::string& name, std::size_t channelCount, unsigned long portFlags)
-    : client(jack_client_open(name.c_str(), JackNoStartServer, nullptr)) {
-    if (client == nullptr) throw std::runtime_error("The JACK server takes no client called " + name);
+std::string uniqueJackName(std::string_view name) {
+    return std::string(name) + "-" + std::to_string(::getpid());
+}
+
+JackPeer::JackPeer(std::string_view clientName, std::size_t channelCount, unsigned long portFlags)
+    : uniqueName(uniqueJackName(clientName)),
+      client(jack_client_open(uniqueName.c_str(), JackNoStartServer, nullptr)) {
+    if (client == nullptr) throw std::runtime_error("The JACK server takes no client called " + uniqueName);
     for (std::size_t channel = 1; channel <= channelCount; ++channel) {
         const auto port = [&](const std::string& prefix, unsigned long direction) {
             const std::string portName = prefix + std::to_string(channel);

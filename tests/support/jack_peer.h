@@ -6,19 +6,26 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::test {
+
+/// A name for a JACK client that no other process has: libjack opens no two of the same name at the same
+/// time, not even on different servers.
+std::string uniqueJackName(std::string_view name);
 
 /// Another JACK client beside the one under test: it plays a known signal into `channelCount` ports of a
 /// client and records what comes out of as many.
 class JackPeer final {
   public:
-    /// `portFlags` are added to those of all ports.
-    explicit JackPeer(const std::string& name, std::size_t channelCount, unsigned long portFlags = 0);
+    /// `clientName` is made unique. `portFlags` are added to those of all ports.
+    explicit JackPeer(std::string_view clientName, std::size_t channelCount, unsigned long portFlags = 0);
     ~JackPeer();
     JackPeer(const JackPeer&) = delete;
     JackPeer& operator=(const JackPeer&) = delete;
+
+    [[nodiscard]] const std::string& name() const { return uniqueName; }
 
     /// The sample that is played; never 0.
     static float signal(std::size_t channel, std::size_t frame);
@@ -33,8 +40,10 @@ class JackPeer final {
     bool setBufferSize(std::uint32_t frameCount);
 
   private:
-    static int process(jack_nframes_t frameCount, void* self) noexcept;
+    /// What orders it and the client under test is the server, which ThreadSanitizer does not see.
+    [[gnu::no_sanitize("thread")]] static int process(jack_nframes_t frameCount, void* self) noexcept;
 
+    std::string uniqueName;
     jack_client_t* client;
     std::vector<jack_port_t*> outputs;
     std::vector<jack_port_t*> inputs;

@@ -23,11 +23,11 @@ namespace orvane::test {
 namespace {
 
 constexpr const char* nameVariable = "JACK_DEFAULT_SERVER";
-constexpr const char* clientTimeoutInMs = "20000";
+constexpr const char* clientTimeoutInMs = "3000";
 
 /// In the process that becomes the server: no standard streams, and no longer life than the test's.
 [[noreturn]] void becomeServer(const std::vector<char*>& arguments) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     const int nowhere = ::open("/dev/null", O_RDWR);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         ::dup2(nowhere, stream);
@@ -75,11 +75,23 @@ JackTestServer::JackTestServer(Format serverFormat) : format(serverFormat) {
 }
 
 JackTestServer::~JackTestServer() {
-    end(SIGTERM);
+    // A machine has room for eight servers. One that was killed takes up its place until another of its name
+    // ends in order.
+    if (process < 0) launch();
+    if (waitUntilReady()) end(SIGTERM);
     removeFilesOf(name.text());
 }
 
 void JackTestServer::restart() {
+    launch();
+    if (waitUntilReady()) return;
+    throw std::runtime_error(
+        "No JACK server could be started; install the package jackd2, and see whether the command "
+        "\"jackd -d dummy\" works."
+    );
+}
+
+void JackTestServer::launch() {
     const std::string channels = std::to_string(format.channelCount);
     std::vector<std::string> words{"jackd", "-n", name.text(), "--no-realtime", "-t", clientTimeoutInMs};
     if (format.waitsForClients) words.emplace_back("--sync");
@@ -94,17 +106,14 @@ void JackTestServer::restart() {
 
     process = ::fork();
     if (process == 0) becomeServer(arguments);
-    if (process > 0 && waitFor([this] { return hasEnded() || canConnect(socketPath(name.text())); })
-        && process > 0)
-        return;
-    throw std::runtime_error(
-        "No JACK server could be started; install the package jackd2, and see whether the command "
-        "\"jackd -d dummy\" works."
-    );
+}
+
+bool JackTestServer::waitUntilReady() {
+    return waitFor([this] { return hasEnded() || canConnect(socketPath(name.text())); }) && process > 0;
 }
 
 bool JackTestServer::hasEnded() {
-    if (::waitpid(process, nullptr, WNOHANG) == 0) return false;
+    if (process > 0 && ::waitpid(process, nullptr, WNOHANG) == 0) return false;
     process = -1;
     return true;
 }

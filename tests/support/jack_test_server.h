@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 
 namespace orvane::test {
@@ -32,6 +33,12 @@ class JackTestServer final {
         std::uint32_t period = 256;
         std::uint32_t channelCount = 2;
         bool waitsForClients = true;
+
+        /// As part of the name of a test.
+        friend std::ostream& operator<<(std::ostream& out, const Format& format) {
+            return out << format.sampleRate << "_Hz_" << format.period << "_frames_" << format.channelCount
+                       << "_channels";
+        }
     };
 
     /// Starts it and returns when clients can open; throws where it cannot be started.
@@ -46,6 +53,8 @@ class JackTestServer final {
     void restart();
 
   private:
+    void launch();
+    [[nodiscard]] bool waitUntilReady();
     [[nodiscard]] bool hasEnded();
 
     JackServerName name;

@@ -28,12 +28,13 @@ using namespace orvane::platform;
 using orvane::test::JackPeer;
 using orvane::test::JackServerName;
 using orvane::test::JackTestServer;
+using orvane::test::uniqueJackName;
 using orvane::test::waitFor;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct Driver {
-    JackClients clients;
+    JackClients clients{uniqueJackName("ORVANE")};
     JackAudioDriver jack{clients};
 };
 
@@ -132,12 +133,12 @@ TEST(JackAudioDriver, ListsEachClientWithHardwarePortsAndAllOfThemTogether) {
     auto card = std::make_unique<JackPeer>("card", 3, JackPortIsPhysical);
     EXPECT_THAT(
         driver.jack.devices(), ElementsAre(
-                                   AudioDriverDevice{"jack:card", "card", 3, 3, 48000.0},
+                                   AudioDriverDevice{"jack:" + card->name(), card->name(), 3, 3, 48000.0},
                                    AudioDriverDevice{"jack:system", "system", 2, 2, 48000.0},
                                    AudioDriverDevice{"jack:all", "All JACK ports", 5, 5, 48000.0}
                                )
     );
-    const WatchLog goes(driver.jack, "jack:card");
+    const WatchLog goes(driver.jack, "jack:" + card->name());
     const WatchLog stays(driver.jack, "jack:system");
     card.reset();
     EXPECT_TRUE(goes.waitForLines(1));

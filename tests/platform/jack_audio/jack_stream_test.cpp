@@ -20,6 +20,7 @@ using namespace orvane::platform;
 using orvane::test::AllocationGuard;
 using orvane::test::JackPeer;
 using orvane::test::JackTestServer;
+using orvane::test::uniqueJackName;
 using orvane::test::waitFor;
 
 constexpr const char* uid = "jack:system";
@@ -61,7 +62,7 @@ struct InvertingClient final : AudioStreamClient {
 };
 
 struct Driver {
-    JackClients clients;
+    JackClients clients{uniqueJackName("ORVANE")};
     JackAudioDriver jack{clients};
 };
 
@@ -87,7 +88,7 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
     ASSERT_TRUE(stream);
     ASSERT_EQ(stream.value()->start(), noErr);
     JackPeer peer("peer", channelCount);
-    ASSERT_TRUE(peer.connectTo("ORVANE"));
+    ASSERT_TRUE(peer.connectTo(uniqueJackName("ORVANE")));
     ASSERT_TRUE(client.waitForCycles(2));
     const std::vector<std::vector<float>> heard = peer.exchange(frameCount);
     EXPECT_EQ(client.inputCount.load(), channelCount);
