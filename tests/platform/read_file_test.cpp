@@ -10,16 +10,6 @@ namespace {
 using namespace orvane::test;
 using orvane::platform::readFile;
 
-TEST(ReadFile, GivesEveryByte) {
-    const TemporaryFolder folder;
-    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 300000U}) {
-        std::string content(size, '\0');
-        for (std::size_t index = 0; index < size; ++index)
-            content[index] = static_cast<char>(index * 31);
-        EXPECT_EQ(readFile(folder.add("file", content), size).value(), content) << size << " bytes";
-    }
-}
-
 TEST(ReadFile, RefusesWhatItCannotReadWithASentenceThatNamesIt) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder");

@@ -80,27 +80,4 @@ class AlsaClient final : public platform::AudioStreamClient {
     std::size_t count = 0;
 };
 
-/// Hears of changes and lets a test wait for them.
-class ChangeLog final {
-  public:
-    platform::AudioDriver::Listener listener() {
-        return [this](platform::AudioDeviceChange change) {
-            const std::scoped_lock lock(mutex);
-            heard.push_back(change);
-            changed.notify_all();
-        };
-    }
-
-    std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return heard.size() >= count; });
-        return heard;
-    }
-
-  private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<platform::AudioDeviceChange> heard;
-};
-
 } // namespace orvane::test

@@ -2,7 +2,6 @@
 
 #include "platform/audio_driver.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -24,8 +23,8 @@ class FakeAudioDriver final : public platform::AudioDriver {
     }
 
     platform::OSStatus requestBufferSize(std::string_view, std::uint32_t frameCount) override {
-        if (sizeAnswer == platform::noErr) frames = frameCount;
-        return sizeAnswer;
+        frames = frameCount;
+        return platform::noErr;
     }
 
     platform::Result<std::unique_ptr<platform::AudioStream>, platform::OSStatus>
@@ -47,7 +46,6 @@ class FakeAudioDriver final : public platform::AudioDriver {
 
     std::vector<platform::AudioDriverDevice> present;
     std::uint32_t frames = 512;
-    platform::OSStatus sizeAnswer = platform::noErr;
     platform::OSStatus openAnswer = platform::noErr;
     std::string opened;
     bool isRunning = false;

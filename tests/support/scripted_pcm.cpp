@@ -33,8 +33,6 @@ struct ScriptedPcm {
 
     // Of the definition.
     long channels = 2;
-    /// 0 where it takes no fewer.
-    long fewestChannels = 0;
     long rate = 48000;
     long format = SND_PCM_FORMAT_S32_LE;
     long period = 64;
@@ -42,10 +40,8 @@ struct ScriptedPcm {
     /// Errors, as positive numbers, that opening and that moving samples ends with.
     long openError = 0;
     long error = 0;
-    /// How many transfers go well before the first that fails, which ones from there on could fail, counted
-    /// from the last that could, and how many of them do.
+    /// How many transfers go well before the first that fails, and how many do fail.
     long errorAfter = 0;
-    long errorEvery = 1;
     long errorCount = 1;
     /// How many transfers go well before the device falls silent.
     long silentAfter = -1;
@@ -74,9 +70,7 @@ snd_pcm_sframes_t
 transfer(snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t*, snd_pcm_uframes_t, snd_pcm_uframes_t size) {
     ScriptedPcm& script = scriptOf(io);
     const long since = script.transferCount++ - script.errorAfter;
-    const bool fails =
-        since >= 0 && since % script.errorEvery == 0 && since / script.errorEvery < script.errorCount;
-    if (script.error != 0 && fails) return -script.error;
+    if (script.error != 0 && since >= 0 && since < script.errorCount) return -script.error;
     eventfd_t ignored = 0;
     if (script.isSilent()) eventfd_read(io->poll_fd, &ignored);
     return static_cast<snd_pcm_sframes_t>(size);
@@ -99,16 +93,10 @@ const snd_pcm_ioplug_callback_t callbacks = [] {
 
 void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
     const std::pair<std::string_view, long*> fields[] = {
-        {"channels", &script.channels},
-        {"fewestChannels", &script.fewestChannels},
-        {"rate", &script.rate},
-        {"period", &script.period},
-        {"openError", &script.openError},
-        {"error", &script.error},
-        {"errorAfter", &script.errorAfter},
-        {"errorEvery", &script.errorEvery},
-        {"errorCount", &script.errorCount},
-        {"silentAfter", &script.silentAfter},
+        {"channels", &script.channels},     {"rate", &script.rate},
+        {"period", &script.period},         {"openError", &script.openError},
+        {"error", &script.error},           {"errorAfter", &script.errorAfter},
+        {"errorCount", &script.errorCount}, {"silentAfter", &script.silentAfter},
         {"exclusive", &script.exclusive}};
     snd_config_iterator_t at = nullptr;
     snd_config_iterator_t next = nullptr;
@@ -137,13 +125,9 @@ void restrictParameters(ScriptedPcm& script) {
     only(SND_PCM_IOPLUG_HW_ACCESS, script.access);
     only(SND_PCM_IOPLUG_HW_FORMAT, script.format);
     only(SND_PCM_IOPLUG_HW_RATE, script.rate);
+    only(SND_PCM_IOPLUG_HW_CHANNELS, script.channels);
     only(SND_PCM_IOPLUG_HW_PERIODS, 2);
     only(SND_PCM_IOPLUG_HW_PERIOD_BYTES, script.period * script.channels * bits / 8);
-    const long fewest = script.fewestChannels != 0 ? script.fewestChannels : script.channels;
-    snd_pcm_ioplug_set_param_minmax(
-        &script.io, SND_PCM_IOPLUG_HW_CHANNELS, static_cast<unsigned>(fewest),
-        static_cast<unsigned>(script.channels)
-    );
 }
 
 } // namespace

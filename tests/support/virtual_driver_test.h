@@ -21,12 +21,23 @@ inline constexpr std::string_view monitor = "virtual:monitor";
 
 inline const std::filesystem::path panelRecording = ORVANE_ASSETS "/demo/panel-8ch.flac";
 
-/// A stepped driver of the built-in devices.
-class VirtualDriverTest : public testing::Test {
+/// Has a log and can read it.
+class LoggingTest : public testing::Test {
   protected:
-    std::unique_ptr<platform::AudioStream>
-    open(std::string_view uid, platform::AudioStreamClient& client, bool enableInput = true) {
-        auto opened = driver.open(uid, enableInput, client);
+    std::vector<std::string> logged() {
+        log.flush();
+        return lines;
+    }
+
+    std::vector<std::string> lines;
+    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
+};
+
+/// A stepped driver of the built-in devices.
+class VirtualDriverTest : public LoggingTest {
+  protected:
+    std::unique_ptr<platform::AudioStream> open(std::string_view uid, platform::AudioStreamClient& client) {
+        auto opened = driver.open(uid, true, client);
         EXPECT_TRUE(opened) << uid;
         return std::move(opened).value();
     }
@@ -44,13 +55,6 @@ class VirtualDriverTest : public testing::Test {
         return opened ? platform::noErr : opened.error();
     }
 
-    std::vector<std::string> logged() {
-        log.flush();
-        return lines;
-    }
-
-    std::vector<std::string> lines;
-    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
     platform::VirtualAudioDriver driver{
         platform::builtInDevices(panelRecording, log), platform::VirtualPacing::stepped, log};
 };

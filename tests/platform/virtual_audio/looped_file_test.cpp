@@ -4,13 +4,13 @@
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
 #include "support/temporary_folder.h"
+#include "support/virtual_driver_test.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <filesystem>
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -18,18 +18,17 @@ namespace {
 using namespace orvane::platform;
 using orvane::test::TemporaryFolder;
 
-constexpr std::size_t anySize = LoopedFile::smallFileBytes;
 constexpr std::size_t nothingInMemory = 0;
 
 float sampleAt(std::size_t channel, std::size_t frame) {
     return static_cast<float>(channel * 1'000'000 + frame);
 }
 
-void writeFile(const std::filesystem::path& path, std::size_t channelCount, std::size_t frameCount) {
-    auto writer = SoundFileWriter::create(path, channelCount, 8000.0);
-    PlanarBlocks blocks(channelCount, frameCount);
+void writeFile(const std::filesystem::path& path, std::size_t frameCount) {
+    auto writer = SoundFileWriter::create(path, 3, 8000.0);
+    PlanarBlocks blocks(3, frameCount);
     const auto views = blocks.writable(frameCount);
-    for (std::size_t channel = 0; channel < channelCount; ++channel)
+    for (std::size_t channel = 0; channel < 3; ++channel)
         for (std::size_t frame = 0; frame < frameCount; ++frame)
             views[channel][frame] = sampleAt(channel, frame);
     ASSERT_TRUE(writer.value().write(blocks.readable(frameCount)));
@@ -52,26 +51,17 @@ void expectLoop(LoopedFile& loop, std::size_t frameCount, std::size_t total) {
     }
 }
 
-class LoopedFileTest : public testing::Test {
+class LoopedFileTest : public orvane::test::LoggingTest {
   protected:
-    std::vector<std::string> logged() {
-        log.flush();
-        return lines;
-    }
-
     const TemporaryFolder folder;
-    std::vector<std::string> lines;
-    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
 };
 
 TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
-    struct Case {
-        std::size_t mostInMemory;
-        std::size_t frameCount;
-    };
     for (const auto& [mostInMemory, frameCount] :
-         {Case{anySize, 1}, {anySize, 30'001}, {nothingInMemory, 4'096}, {nothingInMemory, 30'001}}) {
-        writeFile(folder / "loop.wav", 3, frameCount);
+         {std::pair(LoopedFile::smallFileBytes, 30'001UL),
+          {nothingInMemory, 4'096},
+          {nothingInMemory, 30'001}}) {
+        writeFile(folder / "loop.wav", frameCount);
         LoopedFile loop(folder / "loop.wav", 3, log, mostInMemory);
         for (int start = 0; start < 2; ++start) {
             ASSERT_TRUE(loop.start(VirtualPacing::stepped));
@@ -83,7 +73,7 @@ TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
 }
 
 TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
-    writeFile(folder / "loop.wav", 3, 5'000);
+    writeFile(folder / "loop.wav", 5'000);
     LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
     ASSERT_TRUE(loop.start(VirtualPacing::live));
     expectLoop(loop, 5'000, 10'000);
@@ -92,7 +82,7 @@ TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
 }
 
 TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
-    writeFile(folder / "loop.wav", 3, 100);
+    writeFile(folder / "loop.wav", 100);
     LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
     ASSERT_TRUE(loop.start(VirtualPacing::live));
     constexpr std::size_t moreThanIsReadAhead = 100'000;
@@ -104,35 +94,6 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
     loop.stop();
     EXPECT_EQ(blocks.readable(moreThanIsReadAhead)[2].back(), 0.0F);
     EXPECT_THAT(logged(), testing::ElementsAre(testing::HasSubstr("frames of silence were played instead.")));
-}
-
-TEST_F(LoopedFileTest, FallsSilentWhereItsFileHasBecomeAnotherOne) {
-    writeFile(folder / "loop.wav", 3, 60'000);
-    LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
-    ASSERT_TRUE(loop.start(VirtualPacing::stepped));
-    writeFile(folder / "loop.wav", 2, 60'000);
-    expectLoop(loop, 60'000, 50'000);
-    PlanarBlocks blocks(3, 4096);
-    for (int i = 0; i < 10; ++i)
-        loop.fill(blocks.writable(4096));
-    EXPECT_EQ(blocks.readable(4096)[0].front(), 0.0F);
-    loop.stop();
-    EXPECT_THAT(logged(), testing::ElementsAre(testing::HasSubstr("it has 2 channels, not 3")));
-}
-
-TEST_F(LoopedFileTest, DoesNotStartWithoutAFileOfItsChannels) {
-    for (const std::size_t mostInMemory : {anySize, nothingInMemory}) {
-        LoopedFile missing(folder / "missing.wav", 3, log, mostInMemory);
-        const auto started = missing.start(VirtualPacing::live);
-        ASSERT_FALSE(started);
-        EXPECT_THAT(started.error().description, testing::HasSubstr("No such file"));
-
-        writeFile(folder / "two.wav", 2, 100);
-        LoopedFile narrow(folder / "two.wav", 3, log, mostInMemory);
-        const auto startedNarrow = narrow.start(VirtualPacing::live);
-        ASSERT_FALSE(startedNarrow);
-        EXPECT_THAT(startedNarrow.error().description, testing::HasSubstr("it has 2 channels, not 3"));
-    }
 }
 
 } // namespace

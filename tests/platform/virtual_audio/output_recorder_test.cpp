@@ -4,9 +4,9 @@
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
 #include "support/temporary_folder.h"
+#include "support/virtual_driver_test.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -50,16 +50,9 @@ Channels recordNoise(OutputRecorder& recorder, std::size_t blockCount) {
     return given;
 }
 
-class OutputRecorderTest : public testing::Test {
+class OutputRecorderTest : public orvane::test::LoggingTest {
   protected:
-    std::vector<std::string> logged() {
-        log.flush();
-        return lines;
-    }
-
     const TemporaryFolder folder;
-    std::vector<std::string> lines;
-    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
 };
 
 TEST_F(OutputRecorderTest, KeepsEachTakeBitForBit) {
@@ -94,11 +87,6 @@ TEST_F(OutputRecorderTest, CountsTheFramesThatTheDiskWasTooSlowFor) {
 }
 
 TEST_F(OutputRecorderTest, SaysWhyNothingIsRecorded) {
-    OutputRecorder nowhere(folder / "missing" / "mix.wav", 2, 48000.0, log);
-    const auto started = nowhere.start(VirtualPacing::live);
-    ASSERT_FALSE(started);
-    EXPECT_THAT(started.error().description, testing::HasSubstr("No such file"));
-
     std::filesystem::create_directory(folder / "gone");
     OutputRecorder recorder(folder / "gone" / "mix.wav", 2, 48000.0, log);
     ASSERT_TRUE(recorder.start(VirtualPacing::live));

@@ -8,10 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -31,49 +32,6 @@ TEST_F(VirtualAudioDriverTest, ListsItsDevices) {
                           )
     );
     EXPECT_EQ(openingStatus("virtual:other"), kAudioHardwareBadDeviceError);
-    EXPECT_FALSE(driver.bufferSize("virtual:other"));
-    EXPECT_EQ(driver.requestBufferSize("virtual:other", 64), kAudioHardwareBadDeviceError);
-    EXPECT_FALSE(driver.control("virtual:other"));
-}
-
-TEST_F(VirtualAudioDriverTest, GivesInputsOnlyWhereTheyAreThereAndEnabled) {
-    struct Case {
-        std::string_view uid;
-        bool enableInput;
-        std::size_t inputCount;
-        std::size_t outputCount;
-    };
-    for (const auto& [uid, enableInput, inputCount, outputCount] :
-         {Case{silent, true, 48, 48}, {silent, false, 0, 48}, {panel, false, 0, 8}, {monitor, true, 0, 2}}) {
-        KeepingClient client;
-        const auto stream = open(uid, client, enableInput);
-        ASSERT_EQ(stream->start(), noErr);
-        EXPECT_EQ(driver.clock().step(uid, 2), 2U);
-        EXPECT_EQ(client.played.size(), outputCount) << uid;
-        EXPECT_EQ(client.heard, std::vector(inputCount, std::vector<float>(1024))) << uid;
-    }
-}
-
-TEST_F(VirtualAudioDriverTest, RunsCyclesOnlyFromStartToStop) {
-    KeepingClient client;
-    EXPECT_EQ(driver.clock().step(panel, 1), 0U);
-    auto stream = open(panel, client);
-    EXPECT_EQ(driver.clock().step(panel, 1), 0U);
-    stream->stop();
-    for (int run = 0; run < 2; ++run) {
-        EXPECT_EQ(stream->start(), noErr);
-        EXPECT_EQ(stream->start(), noErr);
-        EXPECT_EQ(driver.clock().step(panel, 3), 3U);
-        EXPECT_EQ(driver.clock().step(silent, 3), 0U);
-        stream->stop();
-        stream->stop();
-        EXPECT_EQ(driver.clock().step(panel, 1), 0U);
-        driver.clock().advance(std::chrono::seconds(1));
-    }
-    EXPECT_EQ(client.lengths, std::vector<std::size_t>(6, 512));
-    EXPECT_EQ(stream->start(), noErr);
-    stream.reset();
-    EXPECT_EQ(driver.clock().step(panel, 1), 0U);
 }
 
 TEST_F(VirtualAudioDriverTest, RunsAtEverySizeFrom16To4096AndKeepsItPerDevice) {
@@ -82,33 +40,14 @@ TEST_F(VirtualAudioDriverTest, RunsAtEverySizeFrom16To4096AndKeepsItPerDevice) {
     std::vector<std::size_t> expected;
     for (std::uint32_t size = 16; size <= 4096; size += size < 64 ? 1 : 63) {
         ASSERT_EQ(driver.requestBufferSize(monitor, size), noErr) << size;
-        ASSERT_EQ(driver.bufferSize(monitor).value(), size);
         driver.clock().step(monitor, 1);
         expected.push_back(size);
     }
     EXPECT_EQ(client.lengths, expected);
     EXPECT_EQ(stream->maximumFrames(), 4096U);
-    const std::uint32_t kept = driver.bufferSize(monitor).value();
     for (const std::uint32_t refused : {0U, 15U, 4097U, 0xFFFFFFFFU})
         EXPECT_EQ(driver.requestBufferSize(monitor, refused), kAudioHardwareIllegalOperationError) << refused;
-    EXPECT_EQ(driver.bufferSize(monitor).value(), kept);
     EXPECT_EQ(driver.bufferSize(panel).value(), 512U);
-}
-
-TEST_F(VirtualAudioDriverTest, TellsTheWatchesOfADeviceAboutEachNewSize) {
-    ChangeLog changes;
-    ChangeLog others;
-    const auto other = driver.watch(panel, others.listener());
-    const auto watch = driver.watch(monitor, changes.listener());
-    driver.requestBufferSize(monitor, 512);
-    driver.requestBufferSize(monitor, 128);
-    driver.control(monitor)->changeBufferSize(333);
-    driver.control(monitor)->die();
-    EXPECT_THAT(
-        changes.waitFor(3),
-        ElementsAre(AudioDeviceChange::bufferSize, AudioDeviceChange::bufferSize, AudioDeviceChange::died)
-    );
-    EXPECT_THAT(others.waitFor(0), ElementsAre());
 }
 
 TEST_F(VirtualAudioDriverTest, AWatchIsNotToldAfterItsEnd) {
@@ -122,24 +61,74 @@ TEST_F(VirtualAudioDriverTest, AWatchIsNotToldAfterItsEnd) {
     last.waitFor(200);
 }
 
-TEST_F(VirtualAudioDriverTest, ADeviceMayAnswerARequestInItsOwnWay) {
-    struct Case {
-        VirtualDevice::BufferSizeAnswer answer;
-        OSStatus status;
-        std::uint32_t size;
-    };
-    const Case cases[] = {
-        {[](std::uint32_t) { return kAudioHardwareUnsupportedOperationError; },
-         kAudioHardwareUnsupportedOperationError, 512},
-        {[](std::uint32_t) { return std::uint32_t{512}; }, noErr, 512},
-        {[](std::uint32_t requested) { return requested + 1; }, noErr, 65}};
-    for (const auto& [answer, status, size] : cases) {
-        VirtualDevice device{.description = {"virtual:stubborn", "Stubborn", 0, 2, 48000.0}};
-        device.answerBufferSize = answer;
-        VirtualAudioDriver stubborn({device}, VirtualPacing::stepped, log);
-        EXPECT_EQ(stubborn.requestBufferSize("virtual:stubborn", 64), status);
-        EXPECT_EQ(stubborn.bufferSize("virtual:stubborn").value(), size);
+TEST_F(VirtualAudioDriverTest, EachDeviceKeepsToItsOwnClock) {
+    VirtualAudioDriver drifting(builtInDevices(panelRecording, log, 2000.0), VirtualPacing::stepped, log);
+    CountingClient silentClient;
+    CountingClient monitorClient;
+    const auto silentStream = std::move(drifting.open(silent, true, silentClient)).value();
+    const auto monitorStream = std::move(drifting.open(monitor, true, monitorClient)).value();
+    drifting.requestBufferSize(monitor, 100);
+    ASSERT_EQ(silentStream->start(), noErr);
+    ASSERT_EQ(monitorStream->start(), noErr);
+    double seconds = 0.0;
+    for (const int milliseconds : {1, 3, 999, 7, 20'000}) {
+        drifting.clock().advance(std::chrono::milliseconds(milliseconds));
+        seconds += milliseconds * 1e-3;
+        EXPECT_EQ(silentClient.cycles(), static_cast<std::size_t>(std::ceil(seconds * 48000.0 / 512.0)))
+            << seconds << " s";
+        const double monitorCycles = std::ceil(seconds * 48000.0 * 1.002 / 100.0);
+        EXPECT_EQ(monitorClient.cycles(), static_cast<std::size_t>(monitorCycles)) << seconds << " s";
     }
+}
+
+TEST_F(VirtualAudioDriverTest, RunsCyclesOfAnotherLengthBeforeItSaysSo) {
+    KeepingClient client;
+    ChangeLog changes;
+    const auto watch = driver.watch(panel, changes.listener());
+    const auto stream = startOn(panel, client);
+    auto device = *driver.control(panel);
+    driver.clock().step(panel, 1);
+    device.runCyclesOf(333);
+    driver.clock().step(panel, 2);
+    EXPECT_EQ(driver.bufferSize(panel).value(), 512U);
+    EXPECT_THAT(changes.waitFor(0), ElementsAre());
+    device.changeBufferSize(334);
+    EXPECT_THAT(changes.waitFor(1), ElementsAre(AudioDeviceChange::bufferSize));
+    driver.clock().step(panel, 1);
+    EXPECT_THAT(client.lengths, ElementsAre(512, 333, 333, 334));
+}
+
+TEST_F(VirtualAudioDriverTest, ADeviceIsOpenedOnceAtATimeAndNotWhereSomebodyElseHasIt) {
+    CountingClient client;
+    {
+        const auto stream = open(panel, client);
+        EXPECT_EQ(openingStatus(panel), kAudioDevicePermissionsError);
+    }
+    EXPECT_EQ(openingStatus(panel), noErr);
+    driver.control(panel)->occupy();
+    EXPECT_EQ(openingStatus(panel), kAudioDevicePermissionsError);
+    driver.control(panel)->release();
+}
+
+TEST_F(VirtualAudioDriverTest, ADeadDeviceIsGoneAndItsStreamStaysDeadWhenItReappears) {
+    CountingClient client;
+    auto stream = startOn(panel, client);
+    EXPECT_EQ(driver.clock().step(panel, 2), 2U);
+    auto device = *driver.control(panel);
+    device.die();
+    EXPECT_EQ(driver.clock().step(panel, 1), 0U);
+    EXPECT_EQ(driver.devices().size(), 2U);
+    EXPECT_FALSE(driver.bufferSize(panel));
+    EXPECT_EQ(driver.requestBufferSize(panel, 64), kAudioHardwareBadDeviceError);
+    EXPECT_EQ(openingStatus(panel), kAudioHardwareBadDeviceError);
+
+    device.reappear();
+    EXPECT_EQ(driver.clock().step(panel, 1), 0U);
+    EXPECT_EQ(stream->start(), kAudioHardwareBadDeviceError);
+    stream.reset();
+    EXPECT_EQ(client.cycles(), 2U);
+    stream = startOn(panel, client);
+    EXPECT_EQ(driver.clock().step(panel, 1), 1U);
 }
 
 } // namespace
