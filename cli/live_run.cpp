@@ -70,6 +70,11 @@ class LiveRun final {
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
         const std::size_t strips =
             options.channels.value_or(document ? document->channels.size() : std::min(inputs, mostStrips));
+        if (strips < 1 || strips > mostStrips)
+            return Error{fmt::format(
+                "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
+                strips
+            )};
         engine.emplace(strips, machine.hardware(), loop);
         engine->selectDevice(main.value());
         setUpMix(*engine, document);
