@@ -1,12 +1,15 @@
 #include "cli/mix_setup.h"
 
+#include <vector>
+
 namespace orvane::cli {
 
 void setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocumentData>& document) {
     engine.resetRoutingOneToOne();
     engine.allOutputsOff();
     if (document) {
-        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+        // A copy: every edit replaces the list.
+        for (const session::ChannelStrip& strip : std::vector(engine.state().channelStrips.get()))
             engine.setInputChannel(strip.id, std::nullopt);
         engine.applyDocument(*document);
     } else if (engine.state().selectedDevice.get()->outputChannelCount >= 2) {
