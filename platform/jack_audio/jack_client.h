@@ -39,7 +39,7 @@ class JackClient final {
     friend class JackClients;
 
     JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents);
-    static void markGone(jack_status_t code, const char* reason, void* self);
+    static void markGone(void* self);
     void close();
 
     JackClients& clients;

@@ -13,8 +13,9 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr int mostWaits = 500;
-constexpr std::chrono::milliseconds waitStep{1};
+/// How long a server that no longer answers may take until its clients know that it is gone.
+constexpr std::chrono::milliseconds longestEnding{500};
+constexpr std::chrono::milliseconds pause{1};
 
 /// Sees to it that libjack's notification thread of the client is at rest, because closing the client cancels
 /// that thread wherever it is, and for each notification it takes a lock that all clients share.
@@ -30,8 +31,8 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
         jack_deactivate(handle);
         return;
     }
-    for (int waits = 0; !isGone.load() && waits < mostWaits; ++waits)
-        std::this_thread::sleep_for(waitStep);
+    for (auto waited = pause; !isGone.load() && waited < longestEnding; waited += pause)
+        std::this_thread::sleep_for(pause);
 }
 
 } // namespace
@@ -60,7 +61,8 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
 
 JackClient::JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents)
     : clients(owner), handle(openedHandle), events(clientEvents) {
-    jack_on_info_shutdown(handle, markGone, this);
+    // PipeWire does not call what is set with jack_on_info_shutdown.
+    jack_on_shutdown(handle, markGone, this);
 }
 
 JackClient::~JackClient() {
@@ -82,7 +84,7 @@ void JackClient::deactivate() {
     if (handle != nullptr) jack_deactivate(handle);
 }
 
-void JackClient::markGone(jack_status_t, const char*, void* self) {
+void JackClient::markGone(void* self) {
     // The server may still have things to say, for which this thread takes the lock. It ends by itself after.
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     auto& client = *static_cast<JackClient*>(self);

@@ -7,8 +7,6 @@
 #include "platform/jack_audio/jack_devices.h"
 #include "platform/jack_audio/jack_events.h"
 
-#include <jack/jack.h>
-
 #include <atomic>
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,6 @@
 #include "support/wait_for.h"
 
 #include <fcntl.h>
-#include <jack/jack.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -62,8 +61,6 @@ void removeFilesOf(const std::string& serverName) {
 JackServerName::JackServerName() : name("orvane_test_" + std::to_string(::getpid())) {
     ::setenv(nameVariable, name.c_str(), 1);
     ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
-    jack_set_error_function([](const char*) {});
-    jack_set_info_function([](const char*) {});
 }
 
 JackServerName::~JackServerName() {
