@@ -74,8 +74,8 @@ Result<std::size_t> chooseStrips(
     const std::size_t strips = options.channels.value_or(document ? document->channels.size() : inputCount);
     if (strips >= 1 && strips <= mostRenderChannels) return strips;
     return Error{fmt::format(
-        "{} has {} channels; between 1 and {} can be rendered (--channels).", options.session->string(),
-        strips, mostRenderChannels
+        "{} has {} channels; between 1 and {} can be rendered (--channels).",
+        options.session.value_or(options.input).string(), strips, mostRenderChannels
     )};
 }
 

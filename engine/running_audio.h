@@ -78,7 +78,7 @@ class RunningAudio final {
     std::vector<platform::AudioObjectPropertyListenerID> deathListeners;
 };
 
-/// Copies the routing of a show, and the one input, output and master of it all, into the real-time state.
+/// Hands the input and output of every strip, and where the master bus goes, to the real-time state.
 void pushRouting(audio::MixerRealtimeState& state, const Show& show);
 
 } // namespace orvane::engine

@@ -22,7 +22,6 @@ constexpr OSStatus fourCharStatus(const char (&characters)[5]) noexcept {
 }
 
 // What calls on audio devices answer with when they fail.
-inline constexpr OSStatus kAudioHardwareNotRunningError = fourCharStatus("stop");
 inline constexpr OSStatus kAudioHardwareUnspecifiedError = fourCharStatus("what");
 inline constexpr OSStatus kAudioHardwareUnknownPropertyError = fourCharStatus("who?");
 inline constexpr OSStatus kAudioHardwareBadPropertySizeError = fourCharStatus("!siz");
@@ -43,10 +42,8 @@ inline constexpr OSStatus kAudioUnitErr_TooManyFramesToProcess = -10874;
 inline constexpr OSStatus kAudioUnitErr_FormatNotSupported = -10868;
 inline constexpr OSStatus kAudioUnitErr_Uninitialized = -10867;
 inline constexpr OSStatus kAudioUnitErr_InvalidScope = -10866;
-inline constexpr OSStatus kAudioUnitErr_PropertyNotWritable = -10865;
 inline constexpr OSStatus kAudioUnitErr_CannotDoInCurrentContext = -10863;
 inline constexpr OSStatus kAudioUnitErr_InvalidPropertyValue = -10851;
-inline constexpr OSStatus kAudioUnitErr_PropertyNotInUse = -10850;
 inline constexpr OSStatus kAudioUnitErr_Initialized = -10849;
 /// A parameter that no call takes, such as a unit that is not there.
 inline constexpr OSStatus kAudio_ParamError = -50;
