@@ -55,7 +55,7 @@ int listDevices(const DevicesOptions& options) {
         return 1;
     }
     platform::RunLoop loop;
-    engine::MixerEngine engine(0, machine.value()->hardware(), loop);
+    engine::MixerEngine engine(0, {machine.value()->hardware(), loop});
     engine.refreshDevices();
     if (const auto& error = engine.state().lastError.get()) {
         printMessage(*error);

@@ -60,7 +60,7 @@ class LiveRun final {
         }
         // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
         // list.
-        MixerEngine scout(0, machine.hardware(), loop);
+        MixerEngine scout(0, {machine.hardware(), loop});
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
@@ -75,7 +75,7 @@ class LiveRun final {
                 "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
                 strips
             )};
-        engine.emplace(strips, machine.hardware(), loop);
+        engine.emplace(strips, engine::Services{machine.hardware(), loop});
         engine->selectDevice(main.value());
         setUpMix(*engine, document);
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);

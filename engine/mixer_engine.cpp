@@ -47,15 +47,8 @@ rateWarning(const AudioDeviceInfo& main, const std::optional<AudioDeviceInfo>& m
 
 } // namespace
 
-MixerEngine::MixerEngine(
-    std::size_t channelCount, platform::AudioHardware& audioHardware, platform::MainThread& mainThreadService,
-    platform::HostClock hostClock
-)
-    : hardware(audioHardware),
-      mainThread(mainThreadService),
-      clock(hostClock),
-      meters(channelCount),
-      meterTimer(mainThread, meters) {
+MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServices)
+    : services(platformServices), meters(channelCount), meterTimer(services.mainThread, meters) {
     published.channelStrips.set(session::makeDefaultStrips(channelCount));
 }
 
@@ -72,7 +65,8 @@ void MixerEngine::start() {
     const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
     if (master && master->id != devices.main.id) devices.master = master;
 
-    auto started = RunningAudio::start(hardware, clock, devices, show(), makeObserver());
+    auto started =
+        RunningAudio::start(services.audioHardware, services.clock, devices, show(), makeObserver());
     if (!started) {
         published.lastError.set(started.error().description);
         return;
@@ -104,7 +98,7 @@ void MixerEngine::setBufferSize(std::int64_t frameCount) {
 }
 
 void MixerEngine::refreshDevices() {
-    auto devices = audio::AudioDeviceManager(hardware).allDevices();
+    auto devices = audio::AudioDeviceManager(services.audioHardware).allDevices();
     if (!devices) {
         published.lastError.set("Failed to enumerate audio devices: " + devices.error().description());
         return;
@@ -338,7 +332,7 @@ Show MixerEngine::show() const {
 RunningAudio::Observer MixerEngine::makeObserver() {
     runIsOn = std::make_shared<const bool>(true);
     const auto onMainThread = [this, run = std::weak_ptr(runIsOn)](auto report) {
-        mainThread.post([run, report = std::move(report)] {
+        services.mainThread.post([run, report = std::move(report)] {
             if (!run.expired()) report();
         });
     };

@@ -4,11 +4,9 @@
 #include "audio/meter_timer.h"
 #include "engine/engine_state.h"
 #include "engine/running_audio.h"
+#include "engine/services.h"
 #include "engine/session/mixer_document_data.h"
 #include "engine/show.h"
-#include "platform/audio_hardware.h"
-#include "platform/host_clock.h"
-#include "platform/main_thread.h"
 #include "platform/uuid.h"
 
 #include <cstddef>
@@ -25,11 +23,8 @@ namespace orvane::engine {
 /// an unknown strip, or that do not apply, do nothing. Main thread.
 class MixerEngine final {
   public:
-    /// Stopped, with N default strips; neither looks for devices nor starts audio. The services outlive it.
-    MixerEngine(
-        std::size_t channelCount, platform::AudioHardware& audioHardware,
-        platform::MainThread& mainThreadService, platform::HostClock hostClock = platform::HostClock::system()
-    );
+    /// Stopped, with N default strips; neither looks for devices nor starts audio.
+    MixerEngine(std::size_t channelCount, const Services& platformServices);
     ~MixerEngine();
     MixerEngine(const MixerEngine&) = delete;
     MixerEngine& operator=(const MixerEngine&) = delete;
@@ -121,9 +116,7 @@ class MixerEngine final {
     );
     void reportDeath(const audio::AudioDeviceInfo& device);
 
-    platform::AudioHardware& hardware;
-    platform::MainThread& mainThread;
-    platform::HostClock clock;
+    const Services services;
     EngineState published;
     audio::MeterModel meters;
     std::unique_ptr<RunningAudio> running;

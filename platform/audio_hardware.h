@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dsp/realtime.h"
+#include "platform/audio_component_description.h"
 #include "platform/audio_unit_rendering.h"
 #include "platform/os_status.h"
 
@@ -66,15 +67,6 @@ using AudioObjectPropertyListenerBlock = std::function<void(std::span<const Audi
 
 /// Names a registered listener; 0 is none.
 using AudioObjectPropertyListenerID = std::uint64_t;
-
-/// Describes a component to look for; zero fields match any.
-struct AudioComponentDescription {
-    std::uint32_t componentType = 0;
-    std::uint32_t componentSubType = 0;
-    std::uint32_t componentManufacturer = 0;
-    std::uint32_t componentFlags = 0;
-    std::uint32_t componentFlagsMask = 0;
-};
 
 /// A component that instances can be made of; 0 is none.
 using AudioComponent = std::uint32_t;

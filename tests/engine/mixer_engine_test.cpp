@@ -108,7 +108,7 @@ class MixerEngineTest : public testing::Test {
     platform::SystemLog log{[](const platform::LogLine&) {}};
     platform::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
-    MixerEngine engine{8, hardware, mainThread};
+    MixerEngine engine{8, {hardware, mainThread}};
 };
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
@@ -202,7 +202,7 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
     engine.setDuckerReleaseMs(900.0);
     engine.setGenderMode(strips()[0].id, dsp::GenderTriggerMode::male);
     const session::MixerDocumentData saved = engine.makeDocumentData();
-    MixerEngine other(4, hardware, mainThread);
+    MixerEngine other(4, {hardware, mainThread});
     session::MixerDocumentData document = saved;
     document.bufferSize = 100;
     document.masterOutputRouting = master_output::Stereo{40, 41};

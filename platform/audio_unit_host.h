@@ -1,0 +1,177 @@
+#pragma once
+
+#include "platform/audio_component_description.h"
+#include "platform/audio_unit_rendering.h"
+#include "platform/property_list.h"
+#include "platform/result.h"
+
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvane::platform {
+
+// The hosting of effects.
+
+inline constexpr std::uint32_t kAudioUnitType_Effect = fourCharCode("aufx");
+inline constexpr std::uint32_t kAudioUnitType_MusicEffect = fourCharCode("aumf");
+
+/// An installed effect. A plain value.
+struct AVAudioUnitComponent {
+    AudioComponentDescription audioComponentDescription;
+    std::string name;
+    std::string manufacturerName;
+
+    bool operator==(const AVAudioUnitComponent&) const = default;
+};
+
+/// 32-bit float samples, one buffer per channel. A plain value.
+struct AVAudioFormat {
+    /// In Hz.
+    double sampleRate = 0.0;
+    std::uint32_t channelCount = 0;
+
+    bool operator==(const AVAudioFormat&) const = default;
+
+    /// Nothing where no audio can have that format.
+    static std::optional<AVAudioFormat> initStandardFormat(double rate, std::uint32_t channels) {
+        if (!(rate > 0.0) || !std::isfinite(rate) || channels == 0) return std::nullopt;
+        return AVAudioFormat{rate, channels};
+    }
+};
+
+/// One audio input or output of a unit. Owned by its unit. Main thread.
+class AUAudioUnitBus {
+  public:
+    virtual ~AUAudioUnitBus() = default;
+
+    /// Fails where the unit cannot work with the format, or holds render resources.
+    virtual Result<Done> setFormat(const AVAudioFormat& format) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+};
+
+/// What a parameter is to an editor: how it is named, what it takes. A plain value.
+struct AUParameterInfo {
+    /// The plugin's own short name, unique within it.
+    std::string identifier;
+    std::string displayName;
+    /// How the unit of the value is written, such as "dB"; empty for none.
+    std::string unitName;
+    /// A group that belongs together, as the plugin names it; empty for none.
+    std::string group;
+    float minValue = 0.0F;
+    float maxValue = 1.0F;
+    float defaultValue = 0.0F;
+
+    /// How a value is chosen.
+    enum class Kind { continuous, integer, toggle, choice };
+    Kind kind = Kind::continuous;
+    /// Equal steps of a slider multiply the value; the range is above 0 or below 0 then.
+    bool isLogarithmic = false;
+    /// How many values a slider offers; 0 = as many as it can.
+    std::int64_t stepCount = 0;
+    /// A value that the plugin shows, such as a meter; it cannot be set.
+    bool isReadOnly = false;
+    /// Not meant for editors.
+    bool isHidden = false;
+
+    /// A value with a name. For a choice they are all it takes, in ascending order.
+    struct NamedValue {
+        float value = 0.0F;
+        std::string label;
+
+        bool operator==(const NamedValue&) const = default;
+    };
+    std::vector<NamedValue> namedValues;
+
+    bool operator==(const AUParameterInfo&) const = default;
+};
+
+/// One parameter of a unit, which owns it. Both values are single atomic words: any thread, real-time safe.
+class AUParameter {
+  public:
+    virtual ~AUParameter() = default;
+
+    [[nodiscard]] virtual const AUParameterInfo& info() const = 0;
+
+    /// As it is now, whoever set it.
+    [[nodiscard]] virtual float value() const noexcept = 0;
+    /// Takes effect with the next block; kept within the range; nothing where it is read-only.
+    virtual void setValue(float value) noexcept = 0;
+};
+
+class AUViewController;
+
+/// One instance of an effect. Main thread, but for what the render block does. Keeps its render resources
+/// until they are deallocated or it is destroyed; neither while a render block of it can run.
+class AUAudioUnit {
+  public:
+    virtual ~AUAudioUnit() = default;
+
+    /// The audio inputs and outputs; none where the effect has none.
+    [[nodiscard]] virtual std::span<AUAudioUnitBus* const> inputBusses() = 0;
+    [[nodiscard]] virtual std::span<AUAudioUnitBus* const> outputBusses() = 0;
+
+    /// The longest block that will be rendered, in frames. Before the render resources are allocated.
+    virtual void setMaximumFramesToRender(std::uint32_t frameCount) = 0;
+
+    /// Makes the unit ready for rendering with the formats that were set; fails where it cannot work with
+    /// them.
+    virtual Result<Done> allocateRenderResources() = 0;
+    virtual void deallocateRenderResources() = 0;
+
+    /// The render entry, valid as long as the unit; gives an error without render resources. Called on one
+    /// thread at a time.
+    [[nodiscard]] virtual AURenderBlock renderBlock() = 0;
+
+    /// All that makes up the unit's sound, to be restored with `setFullState`; nothing where it has none.
+    [[nodiscard]] virtual std::optional<PropertyList::Dictionary> fullState() const = 0;
+    /// What does not belong to this effect, or cannot be understood, changes nothing. Also while it renders.
+    virtual void setFullState(const PropertyList::Dictionary& state) = 0;
+
+    /// For as long as the unit lives, in the plugin's order.
+    [[nodiscard]] virtual std::span<AUParameter* const> parameters() = 0;
+
+    /// Calls `completion`, on any thread, with the unit's editor, or with nothing where it has none.
+    virtual void requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) = 0;
+};
+
+/// What can be shown of a unit in a window: the panel that its parameters make up. Keeps the unit alive.
+class AUViewController final {
+  public:
+    explicit AUViewController(std::shared_ptr<AUAudioUnit> audioUnit) : edited(std::move(audioUnit)) {}
+
+    [[nodiscard]] AUAudioUnit& unit() const { return *edited; }
+
+  private:
+    std::shared_ptr<AUAudioUnit> edited;
+};
+
+/// The effects of this machine: which are installed, and instances of them. Outlives its units.
+class AudioUnitHost {
+  public:
+    virtual ~AudioUnitHost() = default;
+
+    /// The installed components that match, zero fields matching any, in an order that is the same on every
+    /// call. Reads no more than descriptions of plugins. Main thread.
+    [[nodiscard]] virtual std::vector<AVAudioUnitComponent>
+    componentsMatchingDescription(const AudioComponentDescription& description) = 0;
+
+    /// The instance, or why there is none.
+    using InstantiationCompletion = std::function<void(std::shared_ptr<AUAudioUnit>, std::optional<Error>)>;
+
+    /// Makes an instance of a component and calls `completion` once with it, on any thread, also from within
+    /// this call. Main thread.
+    virtual void instantiate(
+        const AudioComponentDescription& description, std::uint32_t options,
+        InstantiationCompletion completion
+    ) = 0;
+};
+
+} // namespace orvane::platform
