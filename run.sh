@@ -7,8 +7,8 @@ if [ "${1:-}" = --help ]; then
 Usage: ./run.sh [ARGS]
 
 Installs the packages that are missing, builds ORVANE and starts orvane-cli with ARGS
-(./run.sh render --help and ./run.sh run --help say more). Without ARGS it mixes the bundled panel recording,
-assets/demo/panel-8ch.flac, into build/demo.
+(./run.sh run --help and ./run.sh render --help say more). Without ARGS it mixes live on the first usable audio
+device, or the built-in demo panel where there is none, and shows meters until Ctrl-C.
 END
     exit 0
 fi
@@ -24,13 +24,5 @@ fi
 
 program=$root/build/release/bin/orvane-cli
 [ $# -eq 0 ] || exec "$program" "$@"
-
-demo=$root/build/demo
-mkdir -p "$demo/stems"
-"$program" render --input "$root/assets/demo/panel-8ch.flac" --output "$demo/panel-mix.wav" \
-    --stems "$demo/stems" --report "$demo/panel-mix.json"
-cat <<END
-The mix:    $demo/panel-mix.wav
-Its strips: $demo/stems
-The report: $demo/panel-mix.json
-END
+echo "Mixing live with meters in the terminal; Ctrl-C ends it." >&2
+exec "$program" run

@@ -93,6 +93,9 @@ class CoreAudioIOEngine final {
     /// What buffer-size negotiation has to say to the person at the screen; not an error.
     [[nodiscard]] const std::optional<std::string>& setupWarning() const { return negotiationWarning; }
 
+    /// The longest block that the callbacks get, in frames; 0 before setup.
+    [[nodiscard]] std::uint32_t maximumFrames() const { return effectiveFrameCount; }
+
     /// Lets the callbacks run. Fails before setup.
     Outcome start();
 

@@ -1,5 +1,6 @@
 #include "cli/live_run.h"
 
+#include "audio/audio_device_manager.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
@@ -33,16 +34,22 @@ constexpr auto meterInterval = 33333us;
 constexpr double plainLineSeconds = 1.0;
 constexpr std::size_t mostStrips = 48;
 
-Result<AudioDeviceInfo>
-findDevice(const std::vector<AudioDeviceInfo>& devices, const std::optional<std::string>& uid) {
-    const auto found = std::ranges::find_if(devices, [&uid](const AudioDeviceInfo& device) {
+/// The device of `uid`, the first usable one if absent, among those on offer.
+Result<AudioDeviceInfo> findDevice(
+    platform::AudioHardware& hardware, const std::vector<AudioDeviceInfo>& offered,
+    const std::optional<std::string>& uid
+) {
+    const auto found = std::ranges::find_if(offered, [&uid](const AudioDeviceInfo& device) {
         return uid ? device.uid == *uid : device.inputChannelCount >= 1 && device.outputChannelCount >= 1;
     });
-    if (found != devices.end()) return *found;
-    if (uid)
-        return Error{
-            fmt::format("There is no audio device {}; orvane-cli devices lists those there are.", *uid)};
-    return Error{"There is no audio device with inputs and outputs."};
+    if (found != offered.end()) return *found;
+    if (!uid) return Error{"There is no audio device with inputs and outputs."};
+    const auto all = audio::AudioDeviceManager(hardware).allDevices();
+    if (all && std::ranges::find(all.value(), *uid, &AudioDeviceInfo::uid) != all.value().end())
+        return Error{fmt::format(
+            "The audio device {} has neither inputs nor outputs now; another program may be using it.", *uid
+        )};
+    return Error{fmt::format("There is no audio device {}; orvane-cli devices lists those there are.", *uid)};
 }
 
 /// One run, from the choice of devices to the last meter.
@@ -64,7 +71,7 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
-        const auto main = findDevice(devices, machine.mainUID);
+        const auto main = findDevice(machine.hardware(), devices, machine.mainUID);
         if (!main) return main.error();
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
@@ -80,7 +87,7 @@ class LiveRun final {
         setUpMix(*engine, document);
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
         if (options.masterDevice) {
-            const auto master = findDevice(devices, options.masterDevice);
+            const auto master = findDevice(machine.hardware(), devices, options.masterDevice);
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }

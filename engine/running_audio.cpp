@@ -70,14 +70,18 @@ platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
 ) {
     std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show));
     run->connect(devices, observer);
-    const auto begin = [](CoreAudioIOEngine& io) {
-        auto ready = io.setup();
-        return ready ? io.start() : ready;
-    };
-    if (const auto begun = begin(*run->mainIO); !begun)
-        return platform::Error{"Failed to start audio engine: " + begun.error().description()};
+    auto begun = run->mainIO->setup();
+    if (begun) {
+        // The first cycle is not to allocate.
+        run->processor->ensureScratch(run->mainIO->maximumFrames());
+        run->state->ensureScratch(run->mainIO->maximumFrames());
+        begun = run->mainIO->start();
+    }
+    if (!begun) return platform::Error{"Failed to start audio engine: " + begun.error().description()};
     if (run->masterIO) {
-        if (const auto begun = begin(*run->masterIO); !begun)
+        begun = run->masterIO->setup();
+        if (begun) begun = run->masterIO->start();
+        if (!begun)
             return platform::Error{fmt::format(
                 "Failed to start master output device ({}): {}", devices.master->name,
                 begun.error().description()
@@ -96,7 +100,6 @@ RunningAudio::RunningAudio(
           devices.main.sampleRate / static_cast<double>(show.bufferSize), show.masterTargetDB
       )),
       state(std::make_shared<audio::MixerRealtimeState>(show.channelStrips.size(), clock)) {
-    const auto framesPerSlice = static_cast<std::uint32_t>(show.bufferSize);
     const std::int64_t outputs = atLeastOne(devices.main.outputChannelCount);
     mainIO = makeIO(hardware, devices.main, show.bufferSize, Role::main);
     configure(*processor, show);
@@ -109,9 +112,6 @@ RunningAudio::RunningAudio(
     }
     pushRouting(*state, show);
     state->setNoiseGain(show.referenceNoiseGain);
-    // The first cycle is not to allocate.
-    processor->ensureScratch(framesPerSlice);
-    state->ensureScratch(framesPerSlice);
 }
 
 RunningAudio::~RunningAudio() {

@@ -1,5 +1,6 @@
 #include "platform/audio_hardware/audio_unit_instance.h"
 
+#include "platform/audio_thread_scope.h"
 #include "platform/property_bytes.h"
 
 #include <algorithm>
@@ -150,6 +151,7 @@ void AudioUnitInstance::cycle(
     std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
     std::size_t frameCount
 ) noexcept {
+    const AudioThreadScope audioThread;
     const auto frames = static_cast<std::uint32_t>(frameCount);
     const AudioTimeStamp now{.mSampleTime = sampleTime, .mFlags = kAudioTimeStampSampleTimeValid};
     sampleTime += static_cast<double>(frameCount);

@@ -18,7 +18,9 @@ using orvane::test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-const std::string cli = std::string("ORVANE_DRIVERS=virtual ") + ORVANE_CLI;
+/// Any allocation on an audio thread ends it.
+const std::string program = ORVANE_GUARDED_CLI;
+const std::string cli = "ORVANE_DRIVERS=virtual " + program;
 const std::string panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
 
 TEST(Devices, AreListedForPeopleAndForPrograms) {
@@ -69,16 +71,25 @@ TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
 TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     const TemporaryFolder folder;
     folder.add("bad.orvane", "{}");
+    const auto configuration = folder.add("asound.conf", R"(
+        pcm.busy { type scripted openError 16 hint.show on }
+        pcm.half_busy { type asym playback.pcm { type scripted } capture.pcm { type scripted openError 16 } hint.show on }
+        pcm.unlike { type asym playback.pcm { type scripted } capture.pcm { type scripted rate 44100 } hint.show on }
+        pcm_type.scripted.lib ")" ORVANE_SCRIPTED_PCM "\"\n");
+    const std::string onALSA = fmt::format(
+        "ORVANE_DRIVERS=alsa ALSA_CONFIG_PATH='{}' {} run --device alsa:", configuration.string(), program
+    );
     struct Case {
         std::string command;
         const char* says;
     };
     for (const Case& one :
          {Case{cli + " run --device jack:nowhere", "There is no audio device jack:nowhere"},
-          Case{
-              "ORVANE_DRIVERS=none " + std::string(ORVANE_CLI) + " run",
-              "There is no audio device with inputs"},
+          Case{"ORVANE_DRIVERS=none " + program + " run", "There is no audio device with inputs"},
           Case{cli + " run --master-device virtual:none", "virtual:none"},
+          Case{onALSA + "busy", "The audio device alsa:busy has neither inputs nor outputs now; another"},
+          Case{onALSA + "half_busy --channels 2", "AudioUnitInitialize failed: OSStatus 560492391"},
+          Case{onALSA + "unlike", "AudioUnitInitialize failed: OSStatus 560226676"},
           Case{cli + " run --device jack:system --record out.wav", "Only a virtual device can be recorded"},
           Case{
               cli + " run --session '" + (folder / "bad.orvane").string() + "'",

@@ -1,4 +1,4 @@
-#include "support/allocation_guard.h"
+#include "platform/audio_thread_scope.h"
 
 #include <unistd.h>
 
@@ -8,11 +8,11 @@
 
 namespace {
 
-thread_local int guardDepth = 0;
+thread_local bool isRefusing = false;
 
 void refuseOnAudioThread(const char* call) noexcept {
-    if (guardDepth == 0) return;
-    guardDepth = 0;
+    if (isRefusing || !orvane::platform::AudioThreadScope::isOpen()) return;
+    isRefusing = true;
     const char* const parts[] = {"An audio thread called ", call, ".\n"};
     for (const char* part : parts)
         if (write(STDERR_FILENO, part, std::strlen(part)) < 0) break;
@@ -20,17 +20,6 @@ void refuseOnAudioThread(const char* call) noexcept {
 }
 
 } // namespace
-
-namespace orvane::test {
-
-AllocationGuard::AllocationGuard() noexcept {
-    ++guardDepth;
-}
-AllocationGuard::~AllocationGuard() {
-    --guardDepth;
-}
-
-} // namespace orvane::test
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 
@@ -40,6 +29,11 @@ void* operator new(std::size_t size) {
     refuseOnAudioThread("operator new");
     if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    refuseOnAudioThread("operator new");
+    return std::malloc(size == 0 ? 1 : size);
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment) {

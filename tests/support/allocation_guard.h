@@ -1,15 +1,12 @@
 #pragma once
 
+#include "platform/audio_thread_scope.h"
+
 namespace orvane::test {
 
-/// While it lives, the calling thread counts as an audio thread: any allocation or free on it ends the
-/// program with a message. Link orvane_test_support to have it watch malloc and its kin.
-class AllocationGuard final {
-  public:
-    AllocationGuard() noexcept;
-    ~AllocationGuard();
-    AllocationGuard(const AllocationGuard&) = delete;
-    AllocationGuard& operator=(const AllocationGuard&) = delete;
-};
+/// While it lives, the calling thread counts as an audio thread. In every program that links
+/// orvane_test_support, or the guard alone, any allocation or free on an audio thread, those of the I/O
+/// cycles included, ends the program with a message. The guard watches malloc and its kin.
+using AllocationGuard = platform::AudioThreadScope;
 
 } // namespace orvane::test
