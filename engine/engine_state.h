@@ -40,6 +40,8 @@ struct EngineState {
     audio::Published<std::optional<std::int64_t>> currentSnapshotIndex;
     /// Entry i is true where slot i of every strip keeps its plugin through recalls and loads.
     audio::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};
+    /// The scene that waits for a MIDI note; absent = none does.
+    audio::Published<std::optional<std::int64_t>> midiLearnTargetIndex;
 };
 
 } // namespace orvane::engine

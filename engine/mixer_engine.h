@@ -7,6 +7,7 @@
 #include "engine/services.h"
 #include "engine/session/mixer_document_data.h"
 #include "engine/show.h"
+#include "engine/snapshot_list.h"
 #include "platform/uuid.h"
 
 #include <cstddef>
@@ -15,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace orvane::engine {
 
@@ -86,6 +88,29 @@ class MixerEngine final {
     void resetRoutingOneToOne();
     void allOutputsOff();
 
+    // Scenes: what `SnapshotList` does with the mix as it is now, and their recall.
+
+    void newSnapshot(std::optional<std::string> name = std::nullopt);
+    void insertSnapshot();
+    void storeSnapshot();
+    void copySnapshot() { scenes.copy(); }
+    void deleteSnapshot() { scenes.remove(); }
+    void undoSnapshotEdit() { scenes.undo(); }
+    void renameSnapshot(std::int64_t index, std::string name) { scenes.rename(index, std::move(name)); }
+    void selectPreviousSnapshot() { scenes.selectPrevious(); }
+    void selectNextSnapshot() { scenes.selectNext(); }
+
+    /// Selects the scene and makes it the mix; plugins in recall-safe slots stay as they are.
+    void recallSnapshot(std::int64_t index);
+    void recallCurrentSnapshot();
+    /// Only of the slots that have such a flag, the first three.
+    void setRecallSafe(bool isSafe, std::int64_t slot);
+
+    void beginMIDILearn() { scenes.beginLearn(); }
+    void cancelMIDILearn() { scenes.cancelLearn(); }
+    /// Teaches the note to the scene that is learning, or recalls the first scene that knows it.
+    void handleMIDINote(const session::MIDITrigger& note);
+
     // Sessions.
 
     [[nodiscard]] session::MixerDocumentData makeDocumentData() const;
@@ -109,6 +134,7 @@ class MixerEngine final {
     /// True if it took the master bus off outputs that do not exist.
     bool validateMasterOutputRouting();
     [[nodiscard]] std::int64_t masterCapacity() const;
+    [[nodiscard]] session::Snapshot captureMix() const;
     [[nodiscard]] Show show() const;
     [[nodiscard]] RunningAudio::Observer makeObserver();
     void reportBufferSizeChange(
@@ -118,6 +144,7 @@ class MixerEngine final {
 
     const Services services;
     EngineState published;
+    SnapshotList scenes{published};
     audio::MeterModel meters;
     std::unique_ptr<RunningAudio> running;
     audio::MeterTimer meterTimer;

@@ -1,0 +1,53 @@
+#include "engine/mixer_engine.h"
+
+#include <utility>
+
+namespace orvane::engine {
+
+void MixerEngine::newSnapshot(std::optional<std::string> name) {
+    scenes.add(captureMix(), std::move(name));
+}
+
+void MixerEngine::insertSnapshot() {
+    scenes.insert(captureMix());
+}
+
+void MixerEngine::storeSnapshot() {
+    scenes.store(captureMix());
+}
+
+void MixerEngine::recallSnapshot(std::int64_t index) {
+    scenes.select(index);
+    if (published.currentSnapshotIndex.get() == index) recallCurrentSnapshot();
+}
+
+void MixerEngine::recallCurrentSnapshot() {
+    if (scenes.selected() == nullptr) return;
+    const session::Snapshot scene = *scenes.selected();
+    editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });
+    setMasterTargetDB(scene.masterTargetDB);
+    setLeadGroupGainDB(scene.leadGroupGainDB);
+    setBackingGroupGainDB(scene.backingGroupGainDB);
+}
+
+void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {
+    std::vector<bool> flags = published.pluginSlotRecallSafe.get();
+    if (slot < 0 || slot >= static_cast<std::int64_t>(flags.size())) return;
+    flags[static_cast<std::size_t>(slot)] = isSafe;
+    published.pluginSlotRecallSafe.set(std::move(flags));
+}
+
+void MixerEngine::handleMIDINote(const session::MIDITrigger& note) {
+    if (const std::optional<std::int64_t> recalled = scenes.handleNote(note)) recallSnapshot(*recalled);
+}
+
+session::Snapshot MixerEngine::captureMix() const {
+    session::Snapshot mix;
+    mix.channels = session::settingsOf(published.channelStrips.get());
+    mix.masterTargetDB = published.masterTargetDB.get();
+    mix.leadGroupGainDB = published.leadGroupGainDB.get();
+    mix.backingGroupGainDB = published.backingGroupGainDB.get();
+    return mix;
+}
+
+} // namespace orvane::engine

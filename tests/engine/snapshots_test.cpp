@@ -1,0 +1,268 @@
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "support/manual_main_thread.h"
+#include "support/random_blocks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using engine::MixerEngine;
+using session::Snapshot;
+using testing::ElementsAre;
+using testing::Optional;
+
+class SnapshotsTest : public testing::Test {
+  protected:
+    [[nodiscard]] const std::vector<Snapshot>& scenes() const { return engine.state().snapshots.get(); }
+    [[nodiscard]] std::optional<std::int64_t> selection() const {
+        return engine.state().currentSnapshotIndex.get();
+    }
+    [[nodiscard]] std::optional<std::int64_t> learning() const {
+        return engine.state().midiLearnTargetIndex.get();
+    }
+    [[nodiscard]] std::vector<std::string> names() const {
+        std::vector<std::string> all;
+        for (const Snapshot& scene : scenes())
+            all.push_back(scene.name);
+        return all;
+    }
+
+    platform::SystemAudioHardware hardware{{}};
+    test::ManualMainThread mainThread;
+    MixerEngine engine{4, {hardware, mainThread}};
+};
+
+TEST_F(SnapshotsTest, ArePlacedNamedAndSelected) {
+    engine.selectNextSnapshot();
+    engine.deleteSnapshot();
+    engine.beginMIDILearn();
+    EXPECT_FALSE(selection() || learning());
+    engine.newSnapshot();
+    engine.newSnapshot();
+    EXPECT_THAT(selection(), Optional(1));
+    engine.newSnapshot("Verse");
+    engine.selectPreviousSnapshot();
+    engine.selectPreviousSnapshot();
+    engine.selectPreviousSnapshot();
+    engine.insertSnapshot();
+    EXPECT_THAT(names(), ElementsAre("Snapshot 4", "Snapshot 1", "Snapshot 2", "Verse"));
+    EXPECT_THAT(selection(), Optional(0));
+    for (int i = 0; i < 9; ++i)
+        engine.selectNextSnapshot();
+    engine.beginMIDILearn();
+    engine.handleMIDINote({2, 60});
+    engine.copySnapshot();
+    EXPECT_THAT(names(), ElementsAre("Snapshot 4", "Snapshot 1", "Snapshot 2", "Verse", "Verse copy"));
+    EXPECT_THAT(selection(), Optional(4));
+    EXPECT_TRUE(scenes()[3].midiTrigger && !scenes()[4].midiTrigger);
+    engine.deleteSnapshot();
+    EXPECT_THAT(selection(), Optional(3));
+}
+
+TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
+    const std::vector<session::ChannelStrip> before = engine.state().channelStrips.get();
+    engine.setMasterTargetDB(-20.0);
+    engine.setTrim(before[1].id, 0.5);
+    engine.newSnapshot("Quiet");
+    engine.setMasterTargetDB(-5.0);
+    engine.setTrim(before[1].id, 2.0);
+    engine.newSnapshot("Loud");
+    engine.setMasterTargetDB(0.0);
+    engine.setLeadGroupGainDB(6.0);
+    engine.setDuckerReleaseMs(1234.0);
+    engine.setReferenceNoiseGain(0.25);
+    engine.setBufferSize(64);
+    engine.setMasterOutputChannel(3);
+    engine.recallSnapshot(2);
+    engine.recallSnapshot(-1);
+    EXPECT_EQ(engine.state().masterTargetDB.get(), 0.0);
+    engine.recallSnapshot(0);
+    EXPECT_THAT(selection(), Optional(0));
+    EXPECT_EQ(engine.state().masterTargetDB.get(), -20.0);
+    EXPECT_EQ(engine.state().leadGroupGainDB.get(), 0.0);
+    EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
+    EXPECT_EQ(engine.state().channelStrips.get()[1].id, before[1].id);
+    EXPECT_EQ(engine.state().duckerReleaseMs.get(), 1234.0);
+    EXPECT_EQ(engine.state().referenceNoiseGain.get(), 0.25);
+    EXPECT_EQ(engine.state().bufferSize.get(), 64);
+    EXPECT_EQ(
+        engine.state().masterOutputRouting.get(), session::MasterOutputRouting(session::output::Mono{3})
+    );
+    // A scene of more strips than there are, and one of fewer.
+    session::MixerDocumentData document = engine.makeDocumentData();
+    document.snapshots[0].channels.resize(6);
+    document.snapshots[1].channels.resize(1);
+    engine.applyDocument(document);
+    EXPECT_FALSE(selection());
+    engine.recallSnapshot(1);
+    EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
+    EXPECT_EQ(engine.state().masterTargetDB.get(), -5.0);
+    engine.recallSnapshot(0);
+    EXPECT_EQ(engine.state().channelStrips.get().size(), 4U);
+}
+
+TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
+    for (int i = 0; i < 3; ++i) {
+        engine.setMasterTargetDB(-i);
+        engine.newSnapshot();
+    }
+    const session::MIDITrigger note{2, 60};
+    for (const int index : {2, 1}) {
+        engine.recallSnapshot(index);
+        engine.beginMIDILearn();
+        engine.handleMIDINote(note);
+        EXPECT_EQ(scenes()[static_cast<std::size_t>(index)].midiTrigger, note);
+        EXPECT_FALSE(learning());
+    }
+    engine.recallSnapshot(0);
+    for (const session::MIDITrigger& other : {session::MIDITrigger{1, 60}, session::MIDITrigger{2, 61}})
+        engine.handleMIDINote(other);
+    EXPECT_EQ(engine.state().masterTargetDB.get(), 0.0);
+    engine.handleMIDINote(note);
+    EXPECT_EQ(engine.state().masterTargetDB.get(), -1.0);
+    EXPECT_THAT(selection(), Optional(1));
+
+    engine.beginMIDILearn();
+    engine.cancelMIDILearn();
+    engine.selectNextSnapshot();
+    engine.beginMIDILearn();
+    engine.deleteSnapshot();
+    // The scene that was learning is gone: the note recalls, the learning stays.
+    engine.handleMIDINote(note);
+    EXPECT_THAT(selection(), Optional(1));
+    EXPECT_THAT(learning(), Optional(2));
+}
+
+TEST_F(SnapshotsTest, FlagRecallSafeOnlyTheSlotsThatHaveAFlag) {
+    for (const std::int64_t slot : {-1, 0, 3, 4})
+        engine.setRecallSafe(true, slot);
+    EXPECT_EQ(engine.state().pluginSlotRecallSafe.get(), (std::vector<bool>{true, false, false}));
+}
+
+/// The rules of the list, on nothing but what tells scenes apart.
+struct Model {
+    struct Scene {
+        std::string name;
+        double content = 0.0;
+
+        bool operator==(const Scene&) const = default;
+    };
+    std::vector<Scene> scenes;
+    std::optional<std::size_t> selected;
+    std::vector<std::vector<Scene>> history;
+
+    void place(std::size_t position, Scene scene) {
+        history.push_back(scenes);
+        scenes.insert(scenes.begin() + static_cast<std::ptrdiff_t>(position), std::move(scene));
+        selected = position;
+    }
+    [[nodiscard]] Scene fresh(double content) const {
+        return {"Snapshot " + std::to_string(scenes.size() + 1), content};
+    }
+    void add(double content) { place(selected ? *selected + 1 : scenes.size(), fresh(content)); }
+    void insert(double content) { place(selected.value_or(0), fresh(content)); }
+    void store(double content) {
+        if (!selected) return add(content);
+        history.push_back(scenes);
+        scenes[*selected].content = content;
+    }
+    void copy() {
+        if (selected) place(*selected + 1, {scenes[*selected].name + " copy", scenes[*selected].content});
+    }
+    void remove() {
+        if (!selected) return;
+        history.push_back(scenes);
+        scenes.erase(scenes.begin() + static_cast<std::ptrdiff_t>(*selected));
+        settleSelection();
+    }
+    void undo() {
+        if (history.empty()) return;
+        scenes = history.back();
+        history.pop_back();
+        if (selected) settleSelection();
+    }
+    void settleSelection() {
+        if (scenes.empty())
+            selected.reset();
+        else
+            selected = std::min(*selected, scenes.size() - 1);
+    }
+};
+
+TEST_F(SnapshotsTest, FollowTheRulesOfTheListWhateverIsDone) {
+    test::Random random(3);
+    Model model;
+    for (int round = 0; round < 4000; ++round) {
+        const double content = -round;
+        engine.setMasterTargetDB(content);
+        switch (test::wholeBetween(random, 0, 9)) {
+        case 0:
+            engine.newSnapshot();
+            model.add(content);
+            break;
+        case 1:
+            engine.insertSnapshot();
+            model.insert(content);
+            break;
+        case 2:
+            engine.storeSnapshot();
+            model.store(content);
+            break;
+        case 3:
+            engine.copySnapshot();
+            model.copy();
+            break;
+        case 4:
+        case 5:
+            engine.deleteSnapshot();
+            model.remove();
+            break;
+        case 6:
+            // Now and then far beyond what can be undone.
+            for (long undos = test::oneIn(random, 20) ? 40 : 1; undos > 0; --undos) {
+                engine.undoSnapshotEdit();
+                model.undo();
+            }
+            break;
+        case 7:
+            engine.selectNextSnapshot();
+            if (!model.scenes.empty())
+                model.selected = model.selected ? std::min(*model.selected + 1, model.scenes.size() - 1) : 0;
+            break;
+        case 8:
+            engine.selectPreviousSnapshot();
+            if (!model.scenes.empty())
+                model.selected = std::max<std::size_t>(model.selected.value_or(0), 1) - 1;
+            break;
+        default:
+            engine.renameSnapshot(0, "Opening");
+            if (!model.scenes.empty()) model.scenes[0].name = "Opening";
+        }
+        if (model.history.size() > 25) model.history.erase(model.history.begin());
+        ASSERT_EQ(scenes().size(), model.scenes.size()) << "round " << round;
+        const std::int64_t none = -1;
+        ASSERT_EQ(
+            selection().value_or(none), model.selected ? static_cast<std::int64_t>(*model.selected) : none
+        ) << "round "
+          << round;
+        std::set<std::string> ids;
+        for (std::size_t i = 0; i < scenes().size(); ++i) {
+            ASSERT_EQ((Model::Scene{scenes()[i].name, scenes()[i].masterTargetDB}), model.scenes[i])
+                << "round " << round << ", scene " << i;
+            ids.insert(scenes()[i].id.toString());
+        }
+        ASSERT_EQ(ids.size(), scenes().size()) << "round " << round;
+    }
+}
+
+} // namespace
