@@ -6,7 +6,7 @@
 #include "cli/meter_bridge.h"
 #include "cli/mix_setup.h"
 #include "engine/mixer_engine.h"
-#include "engine/session/mixer_json_document.h"
+#include "engine/session_files.h"
 #include "platform/run_loop.h"
 
 #include <fmt/format.h>
@@ -61,9 +61,9 @@ class LiveRun final {
     Result<Done> prepare() {
         std::optional<session::MixerDocumentData> document;
         if (options.session) {
-            auto read = session::MixerJSONDocument::read(*options.session);
-            if (!read) return Error{"Couldn't read that settings file: " + read.error().description};
-            document = std::move(read).value().data;
+            auto read = engine::readSession(*options.session);
+            if (!read) return read.error();
+            document = std::move(read).value();
         }
         // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
         // list.

@@ -2,6 +2,7 @@
 #include "cli/message.h"
 #include "cli/render_command.h"
 #include "cli/run_command.h"
+#include "cli/session_command.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
     orvane::cli::addDevicesCommand(program, exitCode);
     orvane::cli::addRenderCommand(program, exitCode);
     orvane::cli::addRunCommand(program, exitCode);
+    orvane::cli::addSessionCommand(program, exitCode);
     try {
         program.parse(argc, argv);
         if (program.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");

@@ -4,7 +4,7 @@
 #include "cli/offline_mixer.h"
 #include "cli/stem_files.h"
 #include "engine/routing_operations.h"
-#include "engine/session/mixer_json_document.h"
+#include "engine/session_files.h"
 #include "platform/atomic_file.h"
 #include "platform/sound_file_reader.h"
 #include "platform/sound_file_writer.h"
@@ -62,9 +62,9 @@ class Blocks final {
 /// The session to be rendered, if one is named.
 Result<std::optional<session::MixerDocumentData>> readSession(const RenderOptions& options) {
     if (!options.session) return std::optional<session::MixerDocumentData>();
-    auto document = session::MixerJSONDocument::read(*options.session);
-    if (!document) return Error{"Couldn't read that settings file: " + document.error().description};
-    return std::optional(std::move(document).value().data);
+    auto document = engine::readSession(*options.session);
+    if (!document) return document.error();
+    return std::optional(std::move(document).value());
 }
 
 Result<std::size_t> chooseStrips(

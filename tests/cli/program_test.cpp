@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 #include <string>
@@ -69,6 +70,34 @@ TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*out.wav[^\n]*\n"));
     EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
+}
+
+TEST(Session, IsPrintedAsItWouldBeSaved) {
+    const TemporaryFolder folder;
+    const auto file = folder.add(
+        "old.orvane", R"({"channels": [{"name": "A", "outputRouting": {"none": {}}, "genderMode": "male",
+            "muted": false, "bypassed": false, "trim": 0.5}], "masterTargetDB": -12, "bufferSize": 100,
+            "snapshots": [], "comment": "unknown"})"
+    );
+    const std::string command = "session --channels 2 ";
+    EXPECT_EQ(exitCodeOf(folder, command + file.string()), 0);
+    const std::string printed = contentOf(folder / "stdout");
+    const auto document = nlohmann::json::parse(printed);
+    EXPECT_EQ(document["channels"].size(), 2U);
+    EXPECT_EQ(document["channels"][0]["trim"], 0.5);
+    EXPECT_EQ(document["channels"][1]["name"], "Ch 2");
+    EXPECT_EQ(document["bufferSize"], 512);
+    EXPECT_EQ(document["duckerReleaseMs"], 400.0);
+    EXPECT_FALSE(document.contains("comment"));
+    const auto again = folder.add("again.orvane", printed);
+    EXPECT_EQ(exitCodeOf(folder, "session " + again.string()), 0);
+    EXPECT_EQ(contentOf(folder / "stdout"), printed);
+
+    const auto bad = folder.add("bad.orvane", "{}");
+    EXPECT_EQ(exitCodeOf(folder, command + bad.string()), 1);
+    EXPECT_THAT(
+        contentOf(folder / "stderr"), MatchesRegex("orvane-cli: Couldn't read that settings file: [^\n]+\n")
+    );
 }
 
 } // namespace

@@ -1,0 +1,68 @@
+#include "cli/session_command.h"
+
+#include "cli/message.h"
+#include "cli/render.h"
+#include "engine/mixer_engine.h"
+#include "engine/session/mixer_document_encoder.h"
+#include "engine/session_files.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/run_loop.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orvane::cli {
+
+namespace {
+
+struct SessionOptions {
+    std::filesystem::path file = {};
+    std::optional<std::size_t> channels = {};
+};
+
+/// What an export would write after an import.
+platform::Result<std::string> reexport(const SessionOptions& options) {
+    const auto document = engine::readSession(options.file);
+    if (!document) return document.error();
+    platform::SystemAudioHardware hardware({});
+    platform::RunLoop loop;
+    engine::MixerEngine engine(options.channels.value_or(document.value().channels.size()), {hardware, loop});
+    engine.applyDocument(document.value());
+    auto encoded = session::encodeMixerDocument(engine.makeDocumentData());
+    if (!encoded) return platform::Error{"Export failed: " + encoded.error().description};
+    return encoded;
+}
+
+int printSession(const SessionOptions& options) {
+    const auto text = reexport(options);
+    if (!text) {
+        printMessage(text.error().description);
+        return 1;
+    }
+    fmt::print("{}", text.value());
+    return 0;
+}
+
+} // namespace
+
+void addSessionCommand(CLI::App& program, int& exitCode) {
+    const auto options = std::make_shared<SessionOptions>();
+    CLI::App* const command =
+        program.add_subcommand("session", "Load a session file and print it as it would be saved");
+    command->footer("Settings that the file lacks appear with their defaults; what is unknown is left out.");
+    command->add_option("FILE", options->file, "Session file (.orvane)")->required();
+    command
+        ->add_option(
+            "--channels", options->channels, "Number of strips to load it into; otherwise the file's"
+        )
+        ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
+    command->callback([options, &exitCode] { exitCode = printSession(*options); });
+}
+
+} // namespace orvane::cli

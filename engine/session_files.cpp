@@ -1,0 +1,21 @@
+#include "engine/session_files.h"
+
+#include "engine/session/mixer_json_document.h"
+
+#include <utility>
+
+namespace orvane::engine {
+
+platform::Result<session::MixerDocumentData> readSession(const std::filesystem::path& path) {
+    auto read = session::MixerJSONDocument::read(path);
+    if (!read) return platform::Error{"Couldn't read that settings file: " + read.error().description};
+    return std::move(read).value().data;
+}
+
+platform::Result<platform::Done> exportSession(const MixerEngine& engine, const std::filesystem::path& path) {
+    auto written = session::MixerJSONDocument{engine.makeDocumentData()}.write(path);
+    if (!written) return platform::Error{"Export failed: " + written.error().description};
+    return written;
+}
+
+} // namespace orvane::engine
