@@ -1,0 +1,100 @@
+#include "ui/controls/console_button.h"
+#include "ui/controls/vertical_fader.h"
+#include "ui/qt_main_thread.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace orvane::ui;
+
+void drag(QWidget& widget, QEvent::Type type, double y) {
+    const QPointF position(widget.width() / 2.0, y);
+    QMouseEvent event(
+        type, position, widget.mapToGlobal(position), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier
+    );
+    QApplication::sendEvent(&widget, &event);
+}
+
+void press(QWidget& widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QKeyEvent event(QEvent::KeyPress, key, modifiers);
+    QApplication::sendEvent(&widget, &event);
+}
+
+TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
+    std::vector<double> chosen;
+    const auto keep = [&chosen](double value) { chosen.push_back(value); };
+    VerticalFader fader({.lowest = 0.0, .highest = 2.0, .defaultValue = 1.0}, keep);
+    VerticalFader plain({.lowest = -1.0, .highest = 1.0}, keep);
+    for (VerticalFader* each : {&fader, &plain})
+        each->resize(36, 130);
+    for (const auto& [y, value] :
+         {std::pair(0.0, 2.0),
+          {62.0, 1.0},
+          {130.0, 0.0},
+          {71.0, 1.0},
+          {200.0, 0.0},
+          {-5.0, 2.0},
+          {72.0, 116.0 / 130.0}}) {
+        drag(fader, QEvent::MouseButtonPress, y);
+        EXPECT_DOUBLE_EQ(fader.value(), value) << y;
+    }
+    drag(fader, QEvent::MouseMove, 66.0);
+    EXPECT_EQ(fader.value(), 1.0);
+    EXPECT_EQ(chosen.back(), 1.0);
+    drag(plain, QEvent::MouseButtonPress, 63.0);
+    EXPECT_NEAR(plain.value(), 1.0 - 2.0 * 63.0 / 130.0, 1e-12);
+    fader.setValue(0.25);
+    EXPECT_NE(chosen.back(), 0.25);
+    drag(fader, QEvent::MouseButtonDblClick, 10.0);
+    EXPECT_EQ(fader.value(), 1.0);
+    press(fader, Qt::Key_Up);
+    EXPECT_GT(fader.value(), 1.01);
+    press(fader, Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_GT(fader.value(), 1.01);
+    press(fader, Qt::Key_Home);
+    EXPECT_EQ(fader.value(), 2.0);
+}
+
+TEST(ConsoleButton, DoesNothingWhileItIsDisabled) {
+    int presses = 0;
+    ConsoleButton button("Store", [&presses] { ++presses; });
+    button.resize(button.sizeHint());
+    button.click();
+    press(button, Qt::Key_Return);
+    EXPECT_EQ(presses, 2);
+    button.setEnabled(false);
+    button.click();
+    press(button, Qt::Key_Return);
+    EXPECT_EQ(presses, 2);
+}
+
+TEST(QtMainThread, RunsTasksOfAnyThreadInOrderAndTimersUntilTheyEnd) {
+    QtMainThread mainThread;
+    std::vector<int> ran;
+    std::thread other([&] {
+        for (int i = 0; i < 3; ++i)
+            mainThread.post([&ran, i] { ran.push_back(i); });
+    });
+    other.join();
+    EXPECT_TRUE(ran.empty());
+    int ticks = 0;
+    std::unique_ptr<orvane::platform::MainThreadTimer> timer =
+        mainThread.repeat(std::chrono::milliseconds(1), [&] {
+            if (++ticks == 3) timer.reset();
+        });
+    while (timer)
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_EQ(ran, (std::vector{0, 1, 2}));
+    EXPECT_EQ(ticks, 3);
+}
+
+} // namespace

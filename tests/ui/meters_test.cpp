@@ -1,0 +1,90 @@
+#include "ui/meters/meters.h"
+#include "ui/theme/theme.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+
+#include <cmath>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::ui;
+
+TEST(Meters, LightAsManySegmentsAsTheValueReaches) {
+    for (const auto& [level, lit] :
+         {std::pair(0.0, 0), {0.0001, 0}, {0.01, 0}, {0.011, 1}, {1.0, 18}, {1.9, 20}, {50.0, 20}})
+        EXPECT_EQ(litLevelSegments(level, 20), lit) << level;
+    for (const auto& [reduction, lit] :
+         {std::pair(-1.0, 0), {0.0, 0}, {0.01, 1}, {15.0, 10}, {30.0, 20}, {120.0, 20}})
+        EXPECT_EQ(litReductionSegments(reduction, 20), lit) << reduction;
+    for (const auto& [load, lit] : {std::pair(-1.0, 0), {0.0, 0}, {0.62, 7}, {1.0, 10}, {3.0, 10}})
+        EXPECT_EQ(litLoadSegments(load, 10), lit) << load;
+}
+
+TEST(Meters, LayTheirSegmentsAlongTheLongerSide) {
+    const auto upright = layOutSegments({18.0, 150.0}, 20, 2.0, MeterOrigin::bottom);
+    ASSERT_EQ(upright.size(), 20U);
+    EXPECT_DOUBLE_EQ(upright[0].height(), 5.6);
+    EXPECT_DOUBLE_EQ(upright[0].bottom(), 150.0);
+    EXPECT_NEAR(upright[19].top(), 0.0, 1e-9);
+    EXPECT_EQ(layOutSegments({10.0, 150.0}, 20, 2.0, MeterOrigin::top)[0].top(), 0.0);
+    const auto lying = layOutSegments({240.0, 14.0}, 20, 2.0, MeterOrigin::top);
+    EXPECT_EQ(lying[0].left(), 0.0);
+    EXPECT_EQ(lying[0].height(), 14.0);
+    EXPECT_TRUE(layOutSegments({10.0, 40.0}, 20, 2.0, MeterOrigin::bottom).empty());
+    EXPECT_EQ(layOutSegments({10.0, 58.0}, 20, 2.0, MeterOrigin::bottom).size(), 20U);
+    EXPECT_TRUE(layOutSegments({0.0, 150.0}, 20, 2.0, MeterOrigin::bottom).empty());
+}
+
+/// The colour in the middle of a segment.
+QColor colorAt(const QImage& image, const QRectF& segment) {
+    return image.pixelColor(segment.center().toPoint());
+}
+
+TEST(Meters, PaintTheirSegmentsInTheColoursOfTheirPlaces) {
+    MeterView meter(20);
+    meter.resize(18, 150);
+    meter.setLevel(1.0);
+    EXPECT_EQ(meter.litSegments(), 18);
+    const QImage image = meter.grab().toImage();
+    const auto segments = layOutSegments({18.0, 150.0}, 20, 2.0, MeterOrigin::bottom);
+    for (const auto& [segment, color] :
+         {std::pair(0, theme::green),
+          {13, theme::green},
+          {14, theme::orange},
+          {16, theme::orange},
+          {17, theme::red}})
+        EXPECT_EQ(colorAt(image, segments[static_cast<std::size_t>(segment)]).rgb(), color.rgb()) << segment;
+    EXPECT_NE(colorAt(image, segments[18]).rgb(), theme::red.rgb());
+
+    GateMeterView gate(20);
+    gate.resize(10, 150);
+    gate.setReductionDB(15.0);
+    const QImage reduced = gate.grab().toImage();
+    const auto fromTop = layOutSegments({10.0, 150.0}, 20, 2.0, MeterOrigin::top);
+    EXPECT_EQ(colorAt(reduced, fromTop[9]).rgb(), theme::orange.rgb());
+    EXPECT_NE(colorAt(reduced, fromTop[10]).rgb(), theme::orange.rgb());
+}
+
+TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
+    audio::MeterModel model(2);
+    ChannelMeterColumn first(model, 0);
+    ChannelMeterColumn beyond(model, 7);
+    for (ChannelMeterColumn* column : {&first, &beyond})
+        column->show();
+    model.channelMeters.set({1.0, 0.5, 0.25});
+    model.channelGainReductionDB.set({15.0, 0.0});
+    EXPECT_EQ(first.levelMeter().litSegments(), 18);
+    EXPECT_EQ(first.reductionMeter().litSegments(), 10);
+    EXPECT_EQ(beyond.levelMeter().litSegments(), 0);
+    first.hide();
+    model.channelMeters.set({0.0, 0.0, 0.0});
+    EXPECT_EQ(first.levelMeter().litSegments(), 18);
+    first.show();
+    EXPECT_EQ(first.levelMeter().litSegments(), 0);
+}
+
+} // namespace

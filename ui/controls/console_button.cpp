@@ -1,0 +1,71 @@
+#include "ui/controls/console_button.h"
+
+#include "ui/theme/theme.h"
+
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <utility>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int fontSize = 12;
+constexpr int verticalPadding = 10;
+constexpr int horizontalPadding = 10;
+constexpr double cornerRadius = 4.0;
+
+} // namespace
+
+ConsoleButton::ConsoleButton(const QString& title, std::function<void()> onPress, QWidget* parent)
+    : QAbstractButton(parent) {
+    setText(title);
+    setAccessibleName(title);
+    setFont(systemFont(fontSize, QFont::Medium));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus);
+    if (onPress) connect(this, &QAbstractButton::clicked, this, std::move(onPress));
+}
+
+void ConsoleButton::setActive(bool isOn) {
+    if (isOn == active) return;
+    active = isOn;
+    update();
+}
+
+QSize ConsoleButton::sizeHint() const {
+    const QFontMetrics metrics(font());
+    return {
+        metrics.horizontalAdvance(text()) + 2 * horizontalPadding, metrics.height() + 2 * verticalPadding};
+}
+
+void ConsoleButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor fill = active ? theme::accent.darker(170) : theme::raised;
+    if (isEnabled() && (isDown() || underMouse())) fill = fill.lighter(isDown() ? 140 : 115);
+    painter.setBrush(fill);
+    painter.setPen(QPen(active || hasFocus() ? theme::accent : theme::divider, 1.0));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    painter.setPen(isEnabled() ? theme::primaryText : theme::divider.lighter(130));
+    painter.drawText(rect(), Qt::AlignCenter, text());
+}
+
+void ConsoleButton::enterEvent(QEnterEvent*) {
+    update();
+}
+
+void ConsoleButton::leaveEvent(QEvent*) {
+    update();
+}
+
+void ConsoleButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QString>
+
+#include <functional>
+
+namespace orvane::ui {
+
+/// The flat push button of the whole interface: a title on a rounded rectangle, highlighted while it is
+/// active. Space and Enter press it where it has the focus.
+class ConsoleButton final : public QAbstractButton {
+  public:
+    /// `onPress` may be empty.
+    explicit ConsoleButton(
+        const QString& title, std::function<void()> onPress = {}, QWidget* parent = nullptr
+    );
+
+    [[nodiscard]] bool isActive() const { return active; }
+    void setActive(bool isOn);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    bool active = false;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,145 @@
+#include "ui/controls/vertical_fader.h"
+
+#include "ui/theme/theme.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace orvane::ui {
+
+namespace {
+
+/// Shares of the range that keys and the wheel move the value by.
+constexpr double step = 0.02;
+constexpr double fineStep = 0.0025;
+constexpr double page = 0.1;
+/// What one notch of a wheel reports.
+constexpr double notch = 120.0;
+
+double stepFor(Qt::KeyboardModifiers modifiers) {
+    return modifiers.testFlag(Qt::ShiftModifier) ? fineStep : step;
+}
+
+} // namespace
+
+VerticalFader::VerticalFader(const Style& faderStyle, std::function<void(double)> onChange, QWidget* parent)
+    : QWidget(parent),
+      style(faderStyle),
+      changed(std::move(onChange)),
+      current(faderStyle.defaultValue.value_or(faderStyle.lowest)) {
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void VerticalFader::setValue(double value) {
+    if (value == current) return;
+    current = value;
+    update();
+}
+
+double VerticalFader::positionOf(double value) const {
+    return (1.0 - (value - style.lowest) / (style.highest - style.lowest)) * height();
+}
+
+void VerticalFader::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const double middle = width() / 2.0;
+    const auto bar = [&](double y, double barWidth, double barHeight) {
+        // Wholly visible at the ends of the track, too.
+        const double top = std::clamp(y - barHeight / 2.0, 0.0, std::max(height() - barHeight, 0.0));
+        return QRectF(middle - barWidth / 2.0, top, barWidth, barHeight);
+    };
+    painter.setBrush(theme::well);
+    painter.drawRoundedRect(
+        QRectF(middle - style.trackWidth / 2.0, 0.0, style.trackWidth, height()), 2.0, 2.0
+    );
+    if (style.defaultValue) {
+        painter.setBrush(theme::primaryText);
+        painter.drawRect(
+            bar(positionOf(*style.defaultValue), style.defaultStripeWidth, style.defaultStripeHeight)
+        );
+    }
+    const QRectF thumb = bar(positionOf(current), style.thumbWidth, style.thumbHeight);
+    painter.setBrush(theme::secondaryText);
+    painter.setPen(QPen(hasFocus() ? theme::accent : theme::well, 1.0));
+    painter.drawRoundedRect(thumb, 3.0, 3.0);
+    painter.setPen(QPen(theme::well, 1.0));
+    painter.drawLine(
+        QPointF(thumb.left() + 4.0, thumb.center().y()), QPointF(thumb.right() - 4.0, thumb.center().y())
+    );
+}
+
+void VerticalFader::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) touch(event->position().y());
+}
+
+void VerticalFader::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons().testFlag(Qt::LeftButton)) touch(event->position().y());
+}
+
+void VerticalFader::mouseDoubleClickEvent(QMouseEvent*) {
+    if (style.defaultValue) choose(*style.defaultValue);
+}
+
+void VerticalFader::wheelEvent(QWheelEvent* event) {
+    // Some systems turn the wheel sideways while Shift is held.
+    const QPoint turned = event->angleDelta();
+    const double notches = (turned.y() != 0 ? turned.y() : turned.x()) / notch;
+    choose(current + notches * stepFor(event->modifiers()) * (style.highest - style.lowest));
+    event->accept();
+}
+
+void VerticalFader::keyPressEvent(QKeyEvent* event) {
+    const double range = style.highest - style.lowest;
+    switch (event->key()) {
+    case Qt::Key_Up:
+        return choose(current + stepFor(event->modifiers()) * range);
+    case Qt::Key_Down:
+        return choose(current - stepFor(event->modifiers()) * range);
+    case Qt::Key_PageUp:
+        return choose(current + page * range);
+    case Qt::Key_PageDown:
+        return choose(current - page * range);
+    case Qt::Key_Home:
+        return choose(style.highest);
+    case Qt::Key_End:
+        return choose(style.lowest);
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void VerticalFader::focusInEvent(QFocusEvent*) {
+    update();
+}
+
+void VerticalFader::focusOutEvent(QFocusEvent*) {
+    update();
+}
+
+void VerticalFader::touch(double y) {
+    if (height() <= 0) return;
+    const double within = std::clamp(y, 0.0, static_cast<double>(height()));
+    const bool snaps =
+        style.defaultValue && std::abs(within - positionOf(*style.defaultValue)) <= style.snapTolerance;
+    choose(
+        snaps ? *style.defaultValue
+              : style.lowest + (1.0 - within / height()) * (style.highest - style.lowest)
+    );
+}
+
+void VerticalFader::choose(double value) {
+    const double kept = std::clamp(value, style.lowest, style.highest);
+    if (kept == current) return;
+    setValue(kept);
+    if (changed) changed(kept);
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+namespace orvane::ui {
+
+/// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it,
+/// double click for the default; wheel, arrow and page keys step it, finely with Shift; Home and End go to
+/// its ends.
+class VerticalFader final : public QWidget {
+  public:
+    /// What a fader is like; sizes in points.
+    struct Style {
+        /// The values at the bottom and the top of the track.
+        double lowest = 0.0;
+        double highest = 1.0;
+        /// Marked and snapped to; absent = neither.
+        std::optional<double> defaultValue = {};
+        double trackWidth = 4.0;
+        double thumbWidth = 22.0;
+        double thumbHeight = 14.0;
+        double defaultStripeWidth = 28.0;
+        double defaultStripeHeight = 2.0;
+        /// The distance from the stripe within which a touch snaps.
+        double snapTolerance = 6.0;
+    };
+
+    /// `onChange` gets every value that the user sets.
+    VerticalFader(const Style& faderStyle, std::function<void(double)> onChange, QWidget* parent = nullptr);
+
+    [[nodiscard]] double value() const { return current; }
+    /// Shows a value without telling anybody.
+    void setValue(double value);
+
+    /// The distance from the top at which a value lies.
+    [[nodiscard]] double positionOf(double value) const;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  private:
+    void touch(double y);
+    void choose(double value);
+
+    const Style style;
+    const std::function<void(double)> changed;
+    double current;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,163 @@
+#include "ui/meters/meters.h"
+
+#include "ui/theme/theme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr double levelOrangeFrom = 0.7;
+constexpr double loadOrangeFrom = 0.6;
+constexpr int fadeMs = 100;
+
+constexpr int scaleMarks[] = {0, -10, -15, -20, -25, -30, -40};
+constexpr int scaleTextSize = 8;
+/// How far beyond the meter's quiet end silence is marked.
+constexpr double silenceDistance = 9.0;
+/// How far the writing reaches beyond the ends of an upright scale and of a lying one.
+constexpr QMargins uprightOverhang(0, 8, 0, 18);
+constexpr QMargins lyingOverhang(18, 2, 12, 2);
+
+constexpr int columnSegments = 20;
+constexpr QSize columnSize(54, 150);
+constexpr QSize wideMeterSize(240, 14);
+constexpr QSize wideScaleSize(240, 10);
+
+constexpr const char* reductionHelp =
+    "Gain reduction -- how far the automix is currently holding this channel below unity, in dB.";
+
+} // namespace
+
+MeterView::MeterView(int segmentCount, std::optional<QColor> tint, QWidget* parent)
+    : SegmentMeter(segmentCount, {}, parent), tintColor(tint) {}
+
+QColor MeterView::colorOf(int segment) const {
+    return tintColor.value_or(segmentColor(segment, segmentCount(), levelOrangeFrom));
+}
+
+GateMeterView::GateMeterView(int segmentCount, QWidget* parent)
+    : SegmentMeter(segmentCount, {.origin = MeterOrigin::top}, parent) {}
+
+QColor GateMeterView::colorOf(int) const {
+    return theme::orange;
+}
+
+LoadMeterView::LoadMeterView(int segmentCount, QWidget* parent)
+    : SegmentMeter(segmentCount, {.gap = 1.5, .cornerRadius = 1.0}, parent) {
+    fade.setDuration(fadeMs);
+    fade.setStartValue(0.0);
+    fade.setEndValue(1.0);
+    connect(&fade, &QVariantAnimation::valueChanged, this, [this] {
+        repaintSegments(std::min(litBefore, litSegments()), std::max(litBefore, litSegments()));
+    });
+}
+
+void LoadMeterView::setLoad(double load) {
+    const int litNow = litLoadSegments(load, segmentCount());
+    if (litNow == litSegments()) return;
+    litBefore = litSegments();
+    setLit(litNow);
+    fade.stop();
+    fade.start();
+}
+
+QColor LoadMeterView::colorOf(int segment) const {
+    return segmentColor(segment, segmentCount(), loadOrangeFrom);
+}
+
+double LoadMeterView::brightnessOf(int segment) const {
+    const double after = segment < litSegments() ? 1.0 : 0.0;
+    if (fade.state() != QVariantAnimation::Running) return after;
+    const double before = segment < litBefore ? 1.0 : 0.0;
+    return before + (after - before) * fade.currentValue().toDouble();
+}
+
+MeterScaleView::MeterScaleView(QWidget* parent) : QWidget(parent) {}
+
+void MeterScaleView::setFrame(const QRect& scaleFrame) {
+    const QMargins overhang = scaleFrame.width() < scaleFrame.height() ? uprightOverhang : lyingOverhang;
+    frame = QRect(QPoint(overhang.left(), overhang.top()), scaleFrame.size());
+    setGeometry(scaleFrame.marginsAdded(overhang));
+}
+
+void MeterScaleView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setFont(monospacedFont(scaleTextSize));
+    painter.setPen(theme::secondaryText);
+    painter.translate(frame.topLeft());
+    const bool isVertical = frame.width() < frame.height();
+    const auto write = [&](double along, const QString& text) {
+        const QSizeF room(40.0, 12.0);
+        const QPointF center =
+            isVertical ? QPointF(frame.width() / 2.0, along) : QPointF(along, frame.height() / 2.0);
+        painter.drawText(
+            QRectF(center - QPointF(room.width() / 2.0, room.height() / 2.0), room), Qt::AlignCenter, text
+        );
+    };
+    for (const int mark : scaleMarks) {
+        const double position = levelPosition(mark);
+        write(
+            isVertical ? (1.0 - position) * frame.height() : position * frame.width(), QString::number(mark)
+        );
+    }
+    write(isVertical ? frame.height() + silenceDistance : -silenceDistance, QStringLiteral("∞"));
+}
+
+ChannelMeterColumn::ChannelMeterColumn(
+    const audio::MeterModel& meterModel, std::size_t stripIndex, QWidget* parent
+)
+    : QWidget(parent),
+      model(meterModel),
+      index(stripIndex),
+      level(columnSegments, std::nullopt, this),
+      reduction(columnSegments, this),
+      scale(this) {
+    setFixedSize(columnSize.grownBy(QMargins(0, uprightOverhang.top(), 0, uprightOverhang.bottom())));
+    const int top = uprightOverhang.top();
+    level.setGeometry(0, top, 18, columnSize.height());
+    reduction.setGeometry(21, top, 10, columnSize.height());
+    scale.setFrame(QRect(34, top, 20, columnSize.height()));
+    reduction.setToolTip(QString::fromUtf8(reductionHelp));
+    subscriptions.push_back(model.channelMeters.subscribe([this](const auto&) { showLevel(); }));
+    subscriptions.push_back(model.channelGainReductionDB.subscribe([this](const auto&) { showReduction(); }));
+}
+
+void ChannelMeterColumn::showEvent(QShowEvent*) {
+    showLevel();
+    showReduction();
+}
+
+// Nothing is worked out for a strip that nobody sees.
+
+void ChannelMeterColumn::showLevel() {
+    if (!isVisible()) return;
+    const std::vector<double>& levels = model.channelMeters.get();
+    level.setLevel(index < levels.size() ? levels[index] : 0.0);
+}
+
+void ChannelMeterColumn::showReduction() {
+    if (!isVisible()) return;
+    const std::vector<double>& reductions = model.channelGainReductionDB.get();
+    reduction.setReductionDB(index < reductions.size() ? reductions[index] : 0.0);
+}
+
+WideMeterColumn::WideMeterColumn(
+    const audio::Published<double>& value, std::optional<QColor> tint, QWidget* parent
+)
+    : QWidget(parent),
+      level(columnSegments, tint, this),
+      scale(this),
+      subscription(value.subscribe([this](double rms) { level.setLevel(rms); })) {
+    const int left = lyingOverhang.left();
+    const int height = wideMeterSize.height() + wideScaleSize.height();
+    setFixedSize(left + wideMeterSize.width() + lyingOverhang.right(), height + lyingOverhang.bottom());
+    level.setGeometry(QRect(QPoint(left, 0), wideMeterSize));
+    scale.setFrame(QRect(QPoint(left, wideMeterSize.height()), wideScaleSize));
+    level.setLevel(value.get());
+}
+
+} // namespace orvane::ui

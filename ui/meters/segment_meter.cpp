@@ -1,0 +1,53 @@
+#include "ui/meters/segment_meter.h"
+
+#include "ui/theme/theme.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace orvane::ui {
+
+SegmentMeter::SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* parent)
+    : QWidget(parent), count(segmentCount), style(meterStyle) {}
+
+void SegmentMeter::setLit(int segmentsToLight) {
+    if (segmentsToLight == lit) return;
+    const auto [first, last] = std::minmax(segmentsToLight, lit);
+    lit = segmentsToLight;
+    repaintSegments(first, last);
+}
+
+void SegmentMeter::repaintSegments(int first, int last) {
+    if (segments.empty()) return;
+    for (int k = std::max(first, 0); k < std::min(last, count); ++k)
+        update(segments[static_cast<std::size_t>(k)].toAlignedRect());
+}
+
+void SegmentMeter::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int k = 0; k < static_cast<int>(segments.size()); ++k) {
+        const QRectF& segment = segments[static_cast<std::size_t>(k)];
+        if (!event->rect().intersects(segment.toAlignedRect())) continue;
+        const double brightness = brightnessOf(k);
+        if (brightness < 1.0) {
+            painter.setBrush(theme::unlit);
+            painter.drawRoundedRect(segment, style.cornerRadius, style.cornerRadius);
+        }
+        if (brightness > 0.0) {
+            QColor color = colorOf(k);
+            color.setAlphaF(static_cast<float>(brightness));
+            painter.setBrush(color);
+            painter.drawRoundedRect(segment, style.cornerRadius, style.cornerRadius);
+        }
+    }
+}
+
+void SegmentMeter::resizeEvent(QResizeEvent*) {
+    segments = layOutSegments(size(), count, style.gap, style.origin);
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "ui/meters/segments.h"
+
+#include <QWidget>
+
+#include <vector>
+
+namespace orvane::ui {
+
+/// A row of segments that are lit from one end up to a value. Repaints only the segments that change. Main
+/// thread.
+class SegmentMeter : public QWidget {
+  public:
+    /// How a meter's segments look.
+    struct Style {
+        double gap = 2.0;
+        double cornerRadius = 1.5;
+        MeterOrigin origin = MeterOrigin::bottom;
+    };
+
+    SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* parent);
+
+    [[nodiscard]] int segmentCount() const { return count; }
+    [[nodiscard]] int litSegments() const { return lit; }
+
+  protected:
+    void setLit(int segments);
+
+    /// The colour of a lit segment.
+    [[nodiscard]] virtual QColor colorOf(int segment) const = 0;
+    /// How much of its lit colour a segment shows, 0 to 1.
+    [[nodiscard]] virtual double brightnessOf(int segment) const { return segment < lit ? 1.0 : 0.0; }
+
+    void repaintSegments(int first, int last);
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    const int count;
+    const Style style;
+    int lit = 0;
+    std::vector<QRectF> segments;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,78 @@
+#include "ui/theme/theme.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QString>
+#include <QStyleFactory>
+
+namespace orvane::ui {
+
+namespace {
+
+QPalette makePalette() {
+    QPalette palette;
+    palette.setColor(QPalette::Window, theme::windowBackground);
+    palette.setColor(QPalette::WindowText, theme::primaryText);
+    palette.setColor(QPalette::Base, theme::well);
+    palette.setColor(QPalette::AlternateBase, theme::panelBackground);
+    palette.setColor(QPalette::Text, theme::primaryText);
+    palette.setColor(QPalette::PlaceholderText, theme::secondaryText);
+    palette.setColor(QPalette::Button, theme::raised);
+    palette.setColor(QPalette::ButtonText, theme::primaryText);
+    palette.setColor(QPalette::ToolTipBase, theme::panelBackground);
+    palette.setColor(QPalette::ToolTipText, theme::primaryText);
+    palette.setColor(QPalette::Highlight, theme::accent);
+    palette.setColor(QPalette::HighlightedText, theme::windowBackground);
+    palette.setColor(QPalette::Link, theme::accent);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, theme::divider);
+    return palette;
+}
+
+/// A fixed-width colour for style sheets.
+QString css(const QColor& color) {
+    return color.name(QColor::HexRgb);
+}
+
+QString makeStyleSheet() {
+    return QStringLiteral(R"(
+        QToolTip { background: %1; color: white; border: 1px solid %2; padding: 4px; }
+        QLineEdit, QComboBox { background: %3; border: 1px solid %2; border-radius: 4px; padding: 2px 6px; }
+        QLineEdit:focus, QComboBox:focus { border-color: %4; }
+        QComboBox::drop-down { border: none; width: 14px; }
+        QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
+        QSlider::groove:horizontal { height: 4px; background: %3; border-radius: 2px; }
+        QSlider::sub-page:horizontal { background: %4; border-radius: 2px; }
+        QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; background: white; }
+        QSlider::handle:horizontal:focus { background: %4; }
+        QScrollArea, QScrollArea > QWidget > QWidget { background: transparent; border: none; }
+        QToolBar { background: %1; border: none; spacing: 6px; padding: 4px; }
+    )")
+        .arg(css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent));
+}
+
+} // namespace
+
+QFont systemFont(int size, QFont::Weight weight) {
+    QFont font = QApplication::font();
+    font.setPixelSize(size);
+    font.setWeight(weight);
+    return font;
+}
+
+QFont monospacedFont(int size, QFont::Weight weight) {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPixelSize(size);
+    font.setWeight(weight);
+    return font;
+}
+
+void applyTheme(QApplication& application) {
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setPalette(makePalette());
+    application.setFont(systemFont(13));
+    application.setStyleSheet(makeStyleSheet());
+}
+
+} // namespace orvane::ui
