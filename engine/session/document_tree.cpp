@@ -1,7 +1,6 @@
 #include "engine/session/document_tree.h"
 
 #include "engine/session/displayed_text.h"
-#include "engine/session/document_keys.h"
 #include "engine/session/document_limits.h"
 
 #include <algorithm>
@@ -45,7 +44,7 @@ struct Level {
 /// first event that is answered with false; `failure` says why.
 class TreeBuilder final {
   public:
-    explicit TreeBuilder(std::string_view parsedText) : text(parsedText) {}
+    TreeBuilder(std::string_view parsedText, IsKnownKey knownKeys) : text(parsedText), isKnown(knownKeys) {}
 
     bool null() { return addScalar(nullptr); }
     bool boolean(bool value) { return addScalar(value); }
@@ -74,6 +73,7 @@ class TreeBuilder final {
     [[nodiscard]] std::string path() const;
 
     std::string_view text;
+    IsKnownKey isKnown;
     std::vector<Level> levels;
     std::size_t keptCount = 0;
 };
@@ -138,7 +138,7 @@ json* TreeBuilder::keep(json value) {
         return &level.node->back();
     }
     json& member = (*level.node)[level.keys.back()];
-    if (!key::isKnown(level.keys.back())) return nullptr;
+    if (!isKnown(level.keys.back())) return nullptr;
     member = std::move(value);
     return &member;
 }
@@ -167,12 +167,12 @@ std::string TreeBuilder::path() const {
 
 } // namespace
 
-platform::Result<DocumentTree> parseDocumentTree(std::string_view text) {
+platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownKey isKnown) {
     if (text.size() > maximumDocumentSize) return Error{std::string(documentTooLarge)};
     // The parser would take a zero byte for the end of the text and leave the rest unread.
     if (const auto zero = text.find('\0'); zero != std::string_view::npos) return syntaxError(text, zero);
 
-    TreeBuilder builder(text);
+    TreeBuilder builder(text, isKnown);
     json::sax_parse(text.data(), text.data() + text.size(), &builder);
     if (builder.failure) return *builder.failure;
     return DocumentTree{std::move(builder.root)};

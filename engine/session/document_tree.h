@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/session/document_keys.h"
 #include "platform/result.h"
 
 #include <nlohmann/json.hpp>
@@ -8,15 +9,18 @@
 
 namespace orvane::session {
 
-/// The values of a JSON text that a session can be made of. A key without a meaning stands with null for
+/// The values of a JSON text that something can be made of. A key without a meaning stands with null for
 /// whatever it held, so that the tree of a large file of something else stays small.
 struct DocumentTree {
     nlohmann::json root;
 };
 
-/// Reads a JSON text. Fails, telling where, for anything but one well-formed text within the limits of
-/// "engine/session/document_limits.h", for a key that an object has twice and for a number that no double can
-/// hold, in the parts without a meaning too.
-platform::Result<DocumentTree> parseDocumentTree(std::string_view text);
+/// Whether a kind of file gives a meaning to a key anywhere.
+using IsKnownKey = bool (*)(std::string_view key);
+
+/// Reads a JSON text, a session's unless other keys are known. Fails, telling where, for anything but one
+/// well-formed text within the limits of "engine/session/document_limits.h", for a key that an object has
+/// twice and for a number that no double can hold, in the parts without a meaning too.
+platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownKey isKnown = key::isKnown);
 
 } // namespace orvane::session

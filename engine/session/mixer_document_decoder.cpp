@@ -4,11 +4,9 @@
 #include "engine/session/document_keys.h"
 #include "engine/session/document_node.h"
 #include "engine/session/document_tree.h"
-#include "platform/base64.h"
-#include "platform/uuid.h"
+#include "engine/session/document_values.h"
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -28,18 +26,6 @@ std::string readString(const DocumentNode& node) {
 
 std::int64_t readInteger(const DocumentNode& node) {
     return node.integer();
-}
-
-platform::Uuid readUuid(const DocumentNode& node) {
-    const auto uuid = platform::Uuid::parse(node.text());
-    if (!uuid) node.fail("is not a UUID: " + quoted(node.text()));
-    return uuid.value_or(platform::Uuid{});
-}
-
-std::vector<std::uint8_t> readBytes(const DocumentNode& node) {
-    auto bytes = platform::decodeBase64(node.text());
-    if (!bytes) node.fail("is not base64 text");
-    return std::move(bytes).value_or(std::vector<std::uint8_t>{});
 }
 
 template <class Word>
@@ -88,17 +74,6 @@ OutputRouting readOutputRouting(const DocumentNode& node) {
 
 MasterOutputRouting readMasterOutputRouting(const DocumentNode& node) {
     return readRouting(node, readStereoMasterOutput);
-}
-
-std::uint32_t readComponentCode(const DocumentNode& node) {
-    return static_cast<std::uint32_t>(node.integer(0, std::numeric_limits<std::uint32_t>::max()));
-}
-
-AUComponentIdentity readComponent(const DocumentNode& node) {
-    return {
-        .componentType = readComponentCode(node.required(key::componentType)),
-        .componentSubType = readComponentCode(node.required(key::componentSubType)),
-        .componentManufacturer = readComponentCode(node.required(key::componentManufacturer))};
 }
 
 PluginSlot readPluginSlot(const DocumentNode& node) {

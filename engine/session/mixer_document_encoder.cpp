@@ -2,6 +2,7 @@
 
 #include "engine/session/document_keys.h"
 #include "engine/session/document_limits.h"
+#include "engine/session/document_values.h"
 #include "platform/base64.h"
 
 #include <nlohmann/json.hpp>
@@ -19,14 +20,6 @@ using nlohmann::json;
 
 json written(const ChannelSettingsData& channel);
 json written(const Snapshot& snapshot);
-
-json written(const AUComponentIdentity& component) {
-    json object;
-    object[key::componentType] = component.componentType;
-    object[key::componentSubType] = component.componentSubType;
-    object[key::componentManufacturer] = component.componentManufacturer;
-    return object;
-}
 
 json written(const PluginSlot& slot) {
     json object;

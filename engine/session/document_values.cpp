@@ -1,0 +1,47 @@
+#include "engine/session/document_values.h"
+
+#include "engine/session/displayed_text.h"
+#include "engine/session/document_keys.h"
+#include "platform/base64.h"
+
+#include <limits>
+#include <utility>
+
+namespace orvane::session {
+
+namespace {
+
+std::uint32_t readComponentCode(const DocumentNode& node) {
+    return static_cast<std::uint32_t>(node.integer(0, std::numeric_limits<std::uint32_t>::max()));
+}
+
+} // namespace
+
+platform::Uuid readUuid(const DocumentNode& node) {
+    const auto uuid = platform::Uuid::parse(node.text());
+    if (!uuid) node.fail("is not a UUID: \"" + displayed(node.text()) + '"');
+    return uuid.value_or(platform::Uuid{});
+}
+
+std::vector<std::uint8_t> readBytes(const DocumentNode& node) {
+    auto bytes = platform::decodeBase64(node.text());
+    if (!bytes) node.fail("is not base64 text");
+    return std::move(bytes).value_or(std::vector<std::uint8_t>{});
+}
+
+AUComponentIdentity readComponent(const DocumentNode& node) {
+    return {
+        .componentType = readComponentCode(node.required(key::componentType)),
+        .componentSubType = readComponentCode(node.required(key::componentSubType)),
+        .componentManufacturer = readComponentCode(node.required(key::componentManufacturer))};
+}
+
+nlohmann::json written(const AUComponentIdentity& component) {
+    nlohmann::json object;
+    object[key::componentType] = component.componentType;
+    object[key::componentSubType] = component.componentSubType;
+    object[key::componentManufacturer] = component.componentManufacturer;
+    return object;
+}
+
+} // namespace orvane::session

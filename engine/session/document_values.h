@@ -1,0 +1,24 @@
+#pragma once
+
+#include "engine/session/au_component_identity.h"
+#include "engine/session/document_node.h"
+#include "platform/uuid.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <vector>
+
+/// The values that all of the application's JSON files write alike. The readers note a fault of the node for
+/// anything else.
+namespace orvane::session {
+
+platform::Uuid readUuid(const DocumentNode& node);
+
+/// From base64 text.
+std::vector<std::uint8_t> readBytes(const DocumentNode& node);
+
+AUComponentIdentity readComponent(const DocumentNode& node);
+nlohmann::json written(const AUComponentIdentity& component);
+
+} // namespace orvane::session
