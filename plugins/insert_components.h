@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/session/au_component_identity.h"
+#include "platform/audio_unit_host.h"
+
+#include <vector>
+
+namespace orvane::plugins {
+
+/// The codes by which a component is found again.
+session::AUComponentIdentity identityOf(const platform::AVAudioUnitComponent& component);
+
+/// The installed effects and music effects, each identity once (the host's first), by maker and then by name
+/// as the user's language sorts them, whatever their case. Main thread.
+std::vector<platform::AVAudioUnitComponent> availableInsertComponents(platform::AudioUnitHost& host);
+
+} // namespace orvane::plugins

@@ -1,0 +1,273 @@
+#include "plugins/insert_rack.h"
+
+#include "plugins/format_negotiation.h"
+#include "plugins/insert_components.h"
+#include "plugins/plugin_state.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace orvane::plugins {
+
+namespace {
+
+using platform::AUAudioUnit;
+using platform::AVAudioUnitComponent;
+using platform::Error;
+using session::ChannelStrip;
+using session::PluginSlot;
+
+constexpr std::uint32_t editorWindowStyle =
+    platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable
+    | platform::NSWindowStyleMaskMiniaturizable | platform::NSWindowStyleMaskResizable;
+
+/// The first block of a plugin may take its time, and is rendered before anybody waits for it.
+void warmUp(InsertRenderContext& context, std::int64_t frameCount) {
+    if (frameCount < 1 || frameCount > static_cast<std::int64_t>(InsertRenderContext::maximumFrames)) return;
+    std::vector<double> silence(static_cast<std::size_t>(frameCount), 0.0);
+    context.process(silence, frameCount);
+}
+
+} // namespace
+
+InsertRack::InsertRack(InsertRackOwner& rackOwner, const Services& rackServices)
+    : owner(rackOwner),
+      services(rackServices),
+      retired(services.mainThread, [this] { return owner.freeRetired(); }) {}
+
+void InsertRack::load(
+    const AVAudioUnitComponent& component, const PluginSlotKey& key, const PresetData& presetData
+) {
+    const PluginSlot* const existing = record(key);
+    if (existing == nullptr) return;
+    PluginSlot replaced = *existing;
+    unload(key);
+    replaced.pluginName = component.name;
+    replaced.component = identityOf(component);
+    replaced.presetData = presetData;
+    replaced.bypassed = false;
+    owner.replaceSlot(key, std::move(replaced));
+    setLoadState(key, load_state::Loading{});
+    instantiate(component, key, presetData);
+}
+
+void InsertRack::remove(const PluginSlotKey& key) {
+    if (record(key) == nullptr) return;
+    unload(key);
+    owner.replaceSlot(key, PluginSlot::makeEmpty());
+}
+
+void InsertRack::setBypassed(const PluginSlotKey& key, bool bypassed) {
+    const PluginSlot* const existing = record(key);
+    if (existing == nullptr) return;
+    PluginSlot replaced = *existing;
+    replaced.bypassed = bypassed;
+    owner.replaceSlot(key, std::move(replaced));
+}
+
+void InsertRack::openEditor(const PluginSlotKey& key) {
+    const auto found = loadedPlugins.find(key);
+    if (found == loadedPlugins.end()) return;
+    const std::shared_ptr<LoadedInsertPlugin> plugin = found->second;
+    if (services.editorWindows == nullptr) {
+        owner.setLastError(
+            "This program has no windows to show the editor of " + plugin->component.name + " in."
+        );
+        return;
+    }
+    if (plugin->editorViewController) {
+        openWindow(*plugin);
+        return;
+    }
+    plugin->avAudioUnit->requestViewController([this, key, asked = std::weak_ptr(plugin),
+                                                hop = onMainThread(
+                                                )](std::shared_ptr<platform::AUViewController> editor) {
+        hop([this, key, asked, editor = std::move(editor)] { takeEditor(key, asked.lock(), editor); });
+    });
+}
+
+void InsertRack::takeEditor(
+    const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin,
+    std::shared_ptr<platform::AUViewController> editor
+) {
+    // The slot may have another plugin by now.
+    const auto found = loadedPlugins.find(key);
+    if (!plugin || found == loadedPlugins.end() || found->second != plugin) return;
+    if (!editor) {
+        owner.setLastError(plugin->component.name + " doesn't have a custom editor UI.");
+        return;
+    }
+    plugin->editorViewController = std::move(editor);
+    openWindow(*plugin);
+}
+
+void InsertRack::openWindow(const LoadedInsertPlugin& plugin) {
+    std::erase_if(pluginEditorWindowControllers, [](const auto& window) { return window->isClosed(); });
+    platform::NSWindowController& window =
+        *pluginEditorWindowControllers.emplace_back(services.editorWindows->windowWithContentViewController(
+            plugin.editorViewController, plugin.component.name, editorWindowStyle
+        ));
+    window.showWindow();
+    window.makeKeyAndOrderFront();
+}
+
+void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe) {
+    const std::vector<AVAudioUnitComponent> installed = availableInsertComponents(services.audioUnitHost);
+    // A copy: who is told of a change may change the strips.
+    for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
+        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
+            if (slot >= recallSafe.size() || !recallSafe[slot])
+                restoreSlot({strip.id, slot}, strip.pluginSlots[slot], strip.name, installed);
+    unloadWhereNoSlotIs();
+    owner.pushInserts();
+}
+
+void InsertRack::restoreSlot(
+    const PluginSlotKey& key, const PluginSlot& slot, const std::string& stripName,
+    const std::vector<AVAudioUnitComponent>& installed
+) {
+    const LoadedInsertPlugin* const live = plugin(key);
+    if (live != nullptr && slot.component == identityOf(live->component)) return;
+    unload(key);
+    if (!slot.component) return;
+    const auto found = std::ranges::find(installed, *slot.component, identityOf);
+    if (found == installed.end()) {
+        owner.setLastError(fmt::format(
+            "Couldn't find installed plugin \"{}\" for {}, slot {} -- it may not be installed on this Mac.",
+            slot.pluginName.value_or("?"), stripName, key.slot + 1
+        ));
+        return;
+    }
+    setLoadState(key, load_state::Loading{});
+    instantiate(*found, key, slot.presetData);
+}
+
+const LoadedInsertPlugin* InsertRack::plugin(const PluginSlotKey& key) const {
+    const auto found = loadedPlugins.find(key);
+    return found == loadedPlugins.end() ? nullptr : found->second.get();
+}
+
+std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
+    std::vector<session::ChannelSettingsData> channels;
+    for (const ChannelStrip& strip : owner.channelStrips()) {
+        session::ChannelSettingsData& channel = channels.emplace_back(strip.settings());
+        for (std::size_t slot = 0; slot < channel.pluginSlots.size(); ++slot)
+            if (const LoadedInsertPlugin* const live = plugin({strip.id, slot}))
+                captureInto(channel.pluginSlots[slot], *live->avAudioUnit);
+    }
+    return channels;
+}
+
+void InsertRack::insertsWerePushed() {
+    retired.wereWithdrawn();
+    retired.release();
+}
+
+void InsertRack::runHasStopped() {
+    retired.release();
+}
+
+const PluginSlot* InsertRack::record(const PluginSlotKey& key) const {
+    const std::vector<ChannelStrip>& strips = owner.channelStrips();
+    const auto strip = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
+    if (strip == strips.end() || key.slot >= strip->pluginSlots.size()) return nullptr;
+    return &strip->pluginSlots[key.slot];
+}
+
+void InsertRack::setLoadState(const PluginSlotKey& key, PluginLoadState loadState) {
+    PluginLoadStates states = owner.pluginLoadStates();
+    states.insert_or_assign(key, std::move(loadState));
+    owner.setPluginLoadStates(std::move(states));
+}
+
+void InsertRack::unload(const PluginSlotKey& key) {
+    if (const auto found = loadedPlugins.find(key); found != loadedPlugins.end()) {
+        retired.add(std::move(found->second));
+        loadedPlugins.erase(found);
+    }
+    PluginLoadStates states = owner.pluginLoadStates();
+    if (states.erase(key) > 0) owner.setPluginLoadStates(std::move(states));
+}
+
+void InsertRack::unloadWhereNoSlotIs() {
+    std::vector<PluginSlotKey> orphans;
+    for (const auto& [key, plugin] : loadedPlugins)
+        if (record(key) == nullptr) orphans.push_back(key);
+    for (const PluginSlotKey& key : orphans)
+        unload(key);
+}
+
+void InsertRack::instantiate(
+    const AVAudioUnitComponent& component, const PluginSlotKey& key, PresetData presetData
+) {
+    services.audioUnitHost.instantiate(
+        component.audioComponentDescription, 0,
+        [this, component, key, presetData = std::move(presetData),
+         hop = onMainThread()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
+            hop([this, component, key, presetData, unit = std::move(unit), error = std::move(error)] {
+                if (unit && !error)
+                    finishLoad(unit, component, key, presetData);
+                else
+                    fail(component, key, error);
+            });
+        }
+    );
+}
+
+void InsertRack::fail(
+    const AVAudioUnitComponent& component, const PluginSlotKey& key, const std::optional<Error>& error
+) {
+    setLoadState(key, load_state::Failed{error ? error->description : "Unknown error instantiating plugin."});
+    owner.setLastError(
+        fmt::format("Failed to load {}: {}.", component.name, error ? error->description : "unknown error")
+    );
+}
+
+void InsertRack::finishLoad(
+    std::shared_ptr<AUAudioUnit> unit, const AVAudioUnitComponent& component, const PluginSlotKey& key,
+    const PresetData& presetData
+) {
+    const auto channelCount = negotiateFormat(*unit, owner.sampleRate());
+    if (!channelCount) {
+        setLoadState(
+            key,
+            load_state::Failed{
+                "Couldn't configure an audio format this plugin accepts (tried mono and stereo)."}
+        );
+        owner.setLastError(
+            "Couldn't load " + component.name + ": it didn't accept a mono or stereo audio format."
+        );
+        return;
+    }
+    const auto context = std::make_shared<InsertRenderContext>(
+        unit->renderBlock(), *channelCount, labelOf(key, component.name), services.log
+    );
+    if (presetData) restoreState(*unit, *presetData);
+    warmUp(*context, owner.bufferSize());
+    std::shared_ptr<LoadedInsertPlugin>& loaded = loadedPlugins[key];
+    if (loaded) retired.add(std::move(loaded));
+    loaded = std::make_shared<LoadedInsertPlugin>(LoadedInsertPlugin{component, std::move(unit), context});
+    setLoadState(key, load_state::Loaded{});
+    owner.pushInserts();
+}
+
+std::string InsertRack::labelOf(const PluginSlotKey& key, const std::string& pluginName) const {
+    const std::vector<ChannelStrip>& strips = owner.channelStrips();
+    const auto strip = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
+    const std::string number = strip == strips.end() ? "?" : std::to_string(strip - strips.begin() + 1);
+    return fmt::format("Ch{} slot{}: {}", number, key.slot + 1, pluginName);
+}
+
+std::function<void(std::function<void()>)> InsertRack::onMainThread() {
+    return [&mainThread = services.mainThread, rack = std::weak_ptr(isHere)](std::function<void()> task) {
+        mainThread.post([rack, task = std::move(task)] {
+            if (!rack.expired()) task();
+        });
+    };
+}
+
+} // namespace orvane::plugins

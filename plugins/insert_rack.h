@@ -1,0 +1,109 @@
+#pragma once
+
+#include "engine/session/channel_settings_data.h"
+#include "platform/audio_unit_host.h"
+#include "platform/editor_windows.h"
+#include "platform/main_thread.h"
+#include "platform/system_log.h"
+#include "plugins/insert_rack_owner.h"
+#include "plugins/loaded_insert_plugin.h"
+#include "plugins/plugin_slot_key.h"
+#include "plugins/retired_plugins.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace orvane::plugins {
+
+/// The live insert plugins of a mixer: brings them to life from the slot records and keeps them as long as
+/// they are in use. Operations with a slot that does not exist do nothing. Owned by the mixer engine, on the
+/// main thread; whatever arrives late or from another thread is moved there, or finds the rack gone.
+class InsertRack final {
+  public:
+    /// What the rack works with; all outlive it.
+    struct Services {
+        platform::AudioUnitHost& audioUnitHost;
+        platform::MainThread& mainThread;
+        platform::SystemLog& log;
+        /// Absent in a program without windows.
+        platform::EditorWindows* editorWindows = nullptr;
+    };
+
+    InsertRack(InsertRackOwner& rackOwner, const Services& rackServices);
+    InsertRack(const InsertRack&) = delete;
+    InsertRack& operator=(const InsertRack&) = delete;
+
+    /// Replaces a slot's plugin; it becomes live once its instance is there. `presetData`: its state, absent
+    /// for its defaults.
+    void load(
+        const platform::AVAudioUnitComponent& component, const PluginSlotKey& key,
+        const std::optional<platform::PropertyList::Data>& presetData
+    );
+    /// Empties a slot.
+    void remove(const PluginSlotKey& key);
+    /// A bypassed plugin stays live; render passes skip it.
+    void setBypassed(const PluginSlotKey& key, bool bypassed);
+    /// Opens one more window for the editor of a live plugin.
+    void openEditor(const PluginSlotKey& key);
+    /// Makes the live plugins match the slot records. Slots whose index is marked in `recallSafe` keep the
+    /// plugin they have, and so do slots whose plugin is the record's, settings and all.
+    void restoreFromStrips(const std::vector<bool>& recallSafe);
+
+    /// The plugin that is live in a slot, or null. Valid until the next operation.
+    [[nodiscard]] const LoadedInsertPlugin* plugin(const PluginSlotKey& key) const;
+    /// The settings of every strip, with the present state of every live plugin in its slot's record.
+    [[nodiscard]] std::vector<session::ChannelSettingsData> capturedChannels() const;
+
+    /// The contexts of all slots have been handed over, or there is nobody to hand them to: plugins that were
+    /// unloaded before are not in use from the next pass on.
+    void insertsWerePushed();
+    /// No pass runs any more.
+    void runHasStopped();
+
+  private:
+    using Completion = platform::AudioUnitHost::InstantiationCompletion;
+    using PresetData = std::optional<platform::PropertyList::Data>;
+
+    [[nodiscard]] const session::PluginSlot* record(const PluginSlotKey& key) const;
+    void setLoadState(const PluginSlotKey& key, PluginLoadState loadState);
+    void unload(const PluginSlotKey& key);
+    void unloadWhereNoSlotIs();
+    void instantiate(
+        const platform::AVAudioUnitComponent& component, const PluginSlotKey& key, PresetData presetData
+    );
+    void fail(
+        const platform::AVAudioUnitComponent& component, const PluginSlotKey& key,
+        const std::optional<platform::Error>& error
+    );
+    void finishLoad(
+        std::shared_ptr<platform::AUAudioUnit> unit, const platform::AVAudioUnitComponent& component,
+        const PluginSlotKey& key, const PresetData& presetData
+    );
+    [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
+    void restoreSlot(
+        const PluginSlotKey& key, const session::PluginSlot& slot, const std::string& stripName,
+        const std::vector<platform::AVAudioUnitComponent>& installed
+    );
+    void takeEditor(
+        const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin,
+        std::shared_ptr<platform::AUViewController> editor
+    );
+    void openWindow(const LoadedInsertPlugin& plugin);
+    /// Runs `task` on the main thread if the rack is there then. Any thread.
+    [[nodiscard]] std::function<void(std::function<void()>)> onMainThread();
+
+    InsertRackOwner& owner;
+    Services services;
+    std::unordered_map<PluginSlotKey, std::shared_ptr<LoadedInsertPlugin>> loadedPlugins;
+    RetiredPlugins retired;
+    /// In the order the windows were opened.
+    std::vector<std::unique_ptr<platform::NSWindowController>> pluginEditorWindowControllers;
+    /// Lets what arrives late find out that the rack is gone.
+    std::shared_ptr<const bool> isHere = std::make_shared<const bool>(true);
+};
+
+} // namespace orvane::plugins

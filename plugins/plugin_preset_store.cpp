@@ -1,0 +1,150 @@
+#include "plugins/plugin_preset_store.h"
+
+#include "engine/session/document_keys.h"
+#include "engine/session/document_limits.h"
+#include "engine/session/document_tree.h"
+#include "engine/session/document_values.h"
+#include "platform/atomic_file.h"
+#include "platform/base64.h"
+#include "platform/read_file.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace orvane::plugins {
+
+namespace {
+
+using nlohmann::json;
+using session::AUComponentIdentity;
+using session::DocumentNode;
+
+constexpr const char* folderName = "ORVANE";
+constexpr const char* earlierFolderName = "Dravonel";
+constexpr const char* fileName = "PluginPresets.json";
+
+namespace key {
+constexpr std::string_view data = "data";
+constexpr std::string_view entries = "entries";
+constexpr std::string_view identity = "identity";
+constexpr std::string_view presets = "presets";
+} // namespace key
+
+bool isKnown(std::string_view word) {
+    constexpr std::array all = {
+        key::data,
+        key::entries,
+        key::identity,
+        key::presets,
+        session::key::componentManufacturer,
+        session::key::componentSubType,
+        session::key::componentType,
+        session::key::id,
+        session::key::name};
+    return std::ranges::find(all, word) != all.end();
+}
+
+struct Entry {
+    AUComponentIdentity identity;
+    std::vector<NamedPreset> presets;
+};
+
+NamedPreset readPreset(const DocumentNode& node) {
+    return {
+        .id = session::readUuid(node.required(session::key::id)),
+        .name = std::string(node.required(session::key::name).text()),
+        .data = session::readBytes(node.required(key::data))};
+}
+
+Entry readEntry(const DocumentNode& node) {
+    return {
+        .identity = session::readComponent(node.required(key::identity)),
+        .presets = node.required(key::presets).list(readPreset)};
+}
+
+json written(const NamedPreset& preset) {
+    json object;
+    object[session::key::id] = preset.id.toString();
+    object[session::key::name] = preset.name;
+    object[key::data] = platform::encodeBase64(preset.data);
+    return object;
+}
+
+json written(const AUComponentIdentity& identity, const std::vector<NamedPreset>& presets) {
+    json object;
+    object[key::identity] = session::written(identity);
+    object[key::presets] = json::array();
+    for (const NamedPreset& preset : presets)
+        object[key::presets].push_back(written(preset));
+    return object;
+}
+
+/// Makes the file of an earlier version the store's own unless there is one.
+void migrate(const std::filesystem::path& earlier, const std::filesystem::path& file) {
+    std::error_code ignored;
+    if (std::filesystem::exists(file, ignored)) return;
+    const auto text = platform::readFile(earlier, session::maximumDocumentSize);
+    if (text) (void)platform::writeFileAtomically(file, std::as_bytes(std::span(text.value())));
+}
+
+} // namespace
+
+PluginPresetStore::PluginPresetStore(const std::optional<std::filesystem::path>& applicationSupport) {
+    if (!applicationSupport) return;
+    const std::filesystem::path folder = *applicationSupport / folderName;
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    fileURL = folder / fileName;
+    migrate(*applicationSupport / earlierFolderName / fileName, *fileURL);
+    load();
+}
+
+std::vector<NamedPreset> PluginPresetStore::presets(const AUComponentIdentity& identity) const {
+    const auto found = presetsByComponent.find(identity);
+    return found == presetsByComponent.end() ? std::vector<NamedPreset>{} : found->second;
+}
+
+void PluginPresetStore::add(
+    std::string name, platform::PropertyList::Data data, const AUComponentIdentity& identity
+) {
+    presetsByComponent[identity].push_back({platform::Uuid::random(), std::move(name), std::move(data)});
+    save();
+}
+
+void PluginPresetStore::remove(const platform::Uuid& id, const AUComponentIdentity& identity) {
+    if (const auto found = presetsByComponent.find(identity); found != presetsByComponent.end())
+        std::erase_if(found->second, [&id](const NamedPreset& preset) { return preset.id == id; });
+    save();
+}
+
+void PluginPresetStore::load() {
+    const auto text = platform::readFile(*fileURL, session::maximumDocumentSize);
+    if (!text) return;
+    const auto tree = session::parseDocumentTree(text.value(), isKnown);
+    if (!tree) return;
+    std::optional<platform::Error> fault;
+    auto entries = DocumentNode(tree.value().root, fault).required(key::entries).list(readEntry);
+    if (fault) return;
+    for (Entry& entry : entries)
+        presetsByComponent[entry.identity] = std::move(entry.presets);
+}
+
+void PluginPresetStore::save() const {
+    if (!fileURL) return;
+    json file;
+    file[key::entries] = json::array();
+    for (const auto& [identity, presets] : presetsByComponent)
+        file[key::entries].push_back(written(identity, presets));
+    const std::string text = file.dump(-1, ' ', false, json::error_handler_t::replace);
+    // A larger file would not be read again.
+    if (text.size() > session::maximumDocumentSize) return;
+    (void)platform::writeFileAtomically(*fileURL, std::as_bytes(std::span(text)));
+}
+
+} // namespace orvane::plugins

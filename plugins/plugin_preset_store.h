@@ -1,0 +1,61 @@
+#pragma once
+
+#include "engine/session/au_component_identity.h"
+#include "platform/property_list.h"
+#include "platform/uuid.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace orvane::plugins {
+
+/// A named setting of a plugin. A plain value.
+struct NamedPreset {
+    /// Made fresh with the preset.
+    platform::Uuid id;
+    /// As the user gave it; others may have the same.
+    std::string name;
+    /// The plugin's state.
+    platform::PropertyList::Data data;
+
+    bool operator==(const NamedPreset&) const = default;
+};
+
+/// The named settings of all plugins, independent of any session: in memory and, rewritten whole after every
+/// change, in a file. What fails with the file fails silently: the presets in memory stay, and so does the
+/// file that was there. Owned by the engine. Main thread.
+class PluginPresetStore final {
+  public:
+    /// Reads what is stored in the user's application-support directory; what an earlier version stored there
+    /// is taken over first, once. Without a directory presets are kept in memory alone.
+    explicit PluginPresetStore(const std::optional<std::filesystem::path>& applicationSupport);
+
+    /// The presets of a component in the order they were added.
+    [[nodiscard]] std::vector<NamedPreset> presets(const session::AUComponentIdentity& identity) const;
+
+    void
+    add(std::string name, platform::PropertyList::Data data, const session::AUComponentIdentity& identity);
+    /// Unknown ids change nothing.
+    void remove(const platform::Uuid& id, const session::AUComponentIdentity& identity);
+
+  private:
+    void load();
+    void save() const;
+
+    std::unordered_map<session::AUComponentIdentity, std::vector<NamedPreset>> presetsByComponent;
+    std::optional<std::filesystem::path> fileURL;
+};
+
+} // namespace orvane::plugins
+
+template <>
+struct std::hash<orvane::plugins::NamedPreset> {
+    std::size_t operator()(const orvane::plugins::NamedPreset& preset) const noexcept {
+        // Whatever is equal has the same id.
+        return std::hash<orvane::platform::Uuid>()(preset.id);
+    }
+};

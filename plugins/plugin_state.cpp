@@ -1,0 +1,29 @@
+#include "plugins/plugin_state.h"
+
+#include <utility>
+
+namespace orvane::plugins {
+
+using platform::PropertyList;
+
+platform::Result<std::optional<PropertyList::Data>> captureState(const platform::AUAudioUnit& unit) {
+    const auto fullState = unit.fullState();
+    if (!fullState) return std::optional<PropertyList::Data>();
+    auto data = platform::dataWithPropertyList(*fullState);
+    if (!data) return data.error();
+    return std::optional(std::move(data).value());
+}
+
+void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> data) {
+    if (const auto state = platform::propertyListWithData(data)) unit.setFullState(state.value());
+}
+
+void captureInto(session::PluginSlot& record, const platform::AUAudioUnit& unit) {
+    auto captured = captureState(unit);
+    if (!captured)
+        record.presetData.reset();
+    else if (captured.value())
+        record.presetData = std::move(captured).value();
+}
+
+} // namespace orvane::plugins

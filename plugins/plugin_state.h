@@ -1,0 +1,26 @@
+#pragma once
+
+#include "engine/session/plugin_slot.h"
+#include "platform/audio_unit_host.h"
+#include "platform/property_list.h"
+#include "platform/result.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace orvane::plugins {
+
+// A plugin's settings as bytes: its full state as a binary property list. Main thread.
+
+/// The settings as they are now; nothing where the plugin has none. Fails where they cannot be written.
+platform::Result<std::optional<platform::PropertyList::Data>> captureState(const platform::AUAudioUnit& unit);
+
+/// Bytes that hold no state leave the plugin as it is.
+void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> data);
+
+/// Makes the record of a slot hold the state of the plugin that is live in it: the one it has stays where the
+/// plugin has none, and goes where it cannot be written.
+void captureInto(session::PluginSlot& record, const platform::AUAudioUnit& unit);
+
+} // namespace orvane::plugins

@@ -1,0 +1,41 @@
+#include "plugins/retired_plugins.h"
+
+#include <chrono>
+#include <iterator>
+#include <utility>
+
+namespace orvane::plugins {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// About as long as a block.
+constexpr auto retryInterval = 10ms;
+
+} // namespace
+
+RetiredPlugins::RetiredPlugins(platform::MainThread& thread, std::function<bool()> noneInUse)
+    : mainThread(thread), nothingIsInUse(std::move(noneInUse)) {}
+
+void RetiredPlugins::add(std::shared_ptr<LoadedInsertPlugin> plugin) {
+    inTables.push_back(std::move(plugin));
+}
+
+void RetiredPlugins::wereWithdrawn() {
+    std::ranges::move(inTables, std::back_inserter(withdrawn));
+    inTables.clear();
+}
+
+void RetiredPlugins::release() {
+    if (withdrawn.empty()) return;
+    if (!nothingIsInUse()) {
+        if (!retry) retry = mainThread.repeat(retryInterval, [this] { release(); });
+        return;
+    }
+    retry.reset();
+    for (const auto& plugin : std::exchange(withdrawn, {}))
+        plugin->avAudioUnit->deallocateRenderResources();
+}
+
+} // namespace orvane::plugins

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/main_thread.h"
+#include "plugins/loaded_insert_plugin.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace orvane::plugins {
+
+/// Plugins that were taken out of their slots, kept until no render pass can hold their contexts: first until
+/// the real-time tables are without them, then until the passes that began before have ended, which a timer
+/// asks about while there is anything to wait for. Then their render resources are released and they are
+/// freed. Owned by the insert rack. Main thread.
+class RetiredPlugins final {
+  public:
+    /// `noneInUse`: whether no pass holds a context that was withdrawn from the tables.
+    RetiredPlugins(platform::MainThread& thread, std::function<bool()> noneInUse);
+    RetiredPlugins(const RetiredPlugins&) = delete;
+    RetiredPlugins& operator=(const RetiredPlugins&) = delete;
+
+    /// Takes a plugin whose context the tables may still have.
+    void add(std::shared_ptr<LoadedInsertPlugin> plugin);
+
+    /// The tables are without all that were added.
+    void wereWithdrawn();
+
+    /// Frees what is withdrawn and not in use.
+    void release();
+
+  private:
+    platform::MainThread& mainThread;
+    std::function<bool()> nothingIsInUse;
+    std::vector<std::shared_ptr<LoadedInsertPlugin>> inTables;
+    std::vector<std::shared_ptr<LoadedInsertPlugin>> withdrawn;
+    std::unique_ptr<platform::MainThreadTimer> retry;
+};
+
+} // namespace orvane::plugins
