@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/result.h"
@@ -36,9 +37,11 @@ class AudioMachine final {
     std::optional<std::string> mainUID;
 
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
+    [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
 
   private:
     platform::JackClients jackClients;
+    NoAudioUnits audioUnitHost;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };
 

@@ -55,7 +55,10 @@ int listDevices(const DevicesOptions& options) {
         return 1;
     }
     platform::RunLoop loop;
-    engine::MixerEngine engine(0, {machine.value()->hardware(), loop});
+    AudioMachine& audioMachine = *machine.value();
+    engine::MixerEngine engine(
+        0, {audioMachine.hardware(), loop, audioMachine.audioUnits(), audioMachine.log}
+    );
     engine.refreshDevices();
     if (const auto& error = engine.state().lastError.get()) {
         printMessage(*error);

@@ -67,7 +67,7 @@ class LiveRun final {
         }
         // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
         // list.
-        MixerEngine scout(0, {machine.hardware(), loop});
+        MixerEngine scout(0, services());
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
@@ -82,7 +82,7 @@ class LiveRun final {
                 "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
                 strips
             )};
-        engine.emplace(strips, engine::Services{machine.hardware(), loop});
+        engine.emplace(strips, services());
         engine->selectDevice(main.value());
         setUpMix(*engine, document);
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
@@ -127,6 +127,10 @@ class LiveRun final {
         priority = std::max(priority, engine->realtimePriority());
         elapsedSeconds = seconds;
         if (options.meters != MeterStyle::none) show(frameAt(seconds));
+    }
+
+    [[nodiscard]] engine::Services services() {
+        return {machine.hardware(), loop, machine.audioUnits(), machine.log};
     }
 
     [[nodiscard]] MeterFrame frameAt(double seconds) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/no_audio_units.h"
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/result.h"
@@ -57,6 +58,7 @@ class OfflineMixer final {
 
     platform::SystemLog log;
     platform::RunLoop mainThread;
+    NoAudioUnits audioUnitHost;
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
     /// The hardware layer's; lives as long as that.

@@ -1,12 +1,14 @@
 #include "cli/session_command.h"
 
 #include "cli/message.h"
+#include "cli/no_audio_units.h"
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_encoder.h"
 #include "engine/session_files.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/run_loop.h"
+#include "platform/system_log.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -32,7 +34,12 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
     if (!document) return document.error();
     platform::SystemAudioHardware hardware({});
     platform::RunLoop loop;
-    engine::MixerEngine engine(options.channels.value_or(document.value().channels.size()), {hardware, loop});
+    platform::SystemLog log(platform::standardErrorSink());
+    // What a session says of its plugins is printed; none is loaded for that.
+    NoAudioUnits audioUnits;
+    engine::MixerEngine engine(
+        options.channels.value_or(document.value().channels.size()), {hardware, loop, audioUnits, log}
+    );
     engine.applyDocument(document.value());
     auto encoded = session::encodeMixerDocument(engine.makeDocumentData());
     if (!encoded) return platform::Error{"Export failed: " + encoded.error().description};

@@ -5,6 +5,8 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session/master_output_routing.h"
 #include "engine/session/snapshot.h"
+#include "plugins/plugin_clipboard.h"
+#include "plugins/plugin_load_state.h"
 
 #include <cstdint>
 #include <optional>
@@ -25,6 +27,10 @@ struct EngineState {
     audio::Published<bool> isRunning{false};
     /// The message line: the last error or warnings, as complete sentences.
     audio::Published<std::optional<std::string>> lastError;
+    audio::Published<plugins::PluginLoadStates> pluginLoadStates;
+    audio::Published<std::optional<plugins::CopiedPlugin>> pluginClipboard;
+    audio::Published<plugins::PluginClipboardArmState> pluginClipboardArmState{
+        plugins::PluginClipboardArmState::none};
     /// In dB.
     audio::Published<double> masterTargetDB{-10.0};
     audio::Published<double> leadGroupGainDB{0.0};

@@ -48,7 +48,15 @@ rateWarning(const AudioDeviceInfo& main, const std::optional<AudioDeviceInfo>& m
 } // namespace
 
 MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServices)
-    : services(platformServices), meters(channelCount), meterTimer(services.mainThread, meters) {
+    : services(platformServices),
+      meters(channelCount),
+      pluginOperations(
+          {.state = published,
+           .editStrip = [this](const Uuid& strip, const auto& edit) { editStrip(strip, edit); },
+           .realtimeState = [this] { return running ? running->realtimeState().get() : nullptr; }},
+          services
+      ),
+      meterTimer(services.mainThread, meters) {
     published.channelStrips.set(session::makeDefaultStrips(channelCount));
 }
 
@@ -65,8 +73,10 @@ void MixerEngine::start() {
     const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
     if (master && master->id != devices.main.id) devices.master = master;
 
-    auto started =
-        RunningAudio::start(services.audioHardware, services.clock, devices, show(), makeObserver());
+    auto started = RunningAudio::start(
+        services.audioHardware, services.clock, devices, show(), pluginOperations.insertTable(),
+        makeObserver()
+    );
     if (!started) {
         published.lastError.set(started.error().description);
         return;
@@ -87,6 +97,7 @@ void MixerEngine::stop() {
     running.reset();
     published.isRunning.set(false);
     meterTimer.stop();
+    pluginOperations.rack().runHasStopped();
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
@@ -251,7 +262,7 @@ void MixerEngine::allOutputsOff() {
 
 session::MixerDocumentData MixerEngine::makeDocumentData() const {
     return {
-        .channels = session::settingsOf(published.channelStrips.get()),
+        .channels = pluginOperations.rack().capturedChannels(),
         .masterTargetDB = published.masterTargetDB.get(),
         .bufferSize = published.bufferSize.get(),
         .snapshots = published.snapshots.get(),
@@ -275,6 +286,7 @@ void MixerEngine::applyDocument(const session::MixerDocumentData& document) {
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
     setReferenceNoiseGain(document.referenceNoiseGain);
     setDuckerReleaseMs(document.duckerReleaseMs);
+    restorePluginsFromStrips();
 }
 
 void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelStrip&)>& edit) {
@@ -295,6 +307,7 @@ void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
 
 void MixerEngine::pushStrips() {
     pushRouting();
+    pluginOperations.pushInserts();
     if (!running) return;
     const Strips& strips = published.channelStrips.get();
     for (std::size_t i = 0; i < strips.size(); ++i)

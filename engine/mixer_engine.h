@@ -3,6 +3,7 @@
 #include "audio/meter_model.h"
 #include "audio/meter_timer.h"
 #include "engine/engine_state.h"
+#include "engine/plugin_operations.h"
 #include "engine/running_audio.h"
 #include "engine/services.h"
 #include "engine/session/mixer_document_data.h"
@@ -17,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvane::engine {
 
@@ -111,6 +113,31 @@ class MixerEngine final {
     /// Teaches the note to the scene that is learning, or recalls the first scene that knows it.
     void handleMIDINote(const session::MIDITrigger& note);
 
+    // Insert plugins. Slots count from 0; what `PluginOperations` and its rack say of each holds here.
+
+    [[nodiscard]] std::vector<platform::AVAudioUnitComponent> availableInsertComponents();
+    void loadPlugin(
+        const platform::AVAudioUnitComponent& component, std::size_t slot, const platform::Uuid& strip,
+        const std::optional<platform::PropertyList::Data>& presetData = {}
+    );
+    void removePlugin(std::size_t slot, const platform::Uuid& strip);
+    void setPluginBypassed(bool bypassed, std::size_t slot, const platform::Uuid& strip);
+    void openPluginEditor(std::size_t slot, const platform::Uuid& strip);
+    void restorePluginsFromStrips();
+
+    void copyPlugin(std::size_t slot, const platform::Uuid& strip);
+    void toggleCopyArm();
+    void togglePasteArm();
+    void cancelClipboardArm();
+    bool handleClipboardClick(std::size_t slot, const platform::Uuid& strip);
+
+    [[nodiscard]] std::vector<plugins::NamedPreset> pluginPresets(const session::AUComponentIdentity& identity
+    ) const;
+    void savePluginPreset(const std::string& name, std::size_t slot, const platform::Uuid& strip);
+    void savePluginPresetOnAllChannels(const std::string& name, std::size_t slot);
+    void applyPluginPreset(const plugins::NamedPreset& preset, std::size_t slot, const platform::Uuid& strip);
+    void deletePluginPreset(const platform::Uuid& id, const session::AUComponentIdentity& identity);
+
     // Sessions.
 
     [[nodiscard]] session::MixerDocumentData makeDocumentData() const;
@@ -146,6 +173,8 @@ class MixerEngine final {
     EngineState published;
     SnapshotList scenes{published};
     audio::MeterModel meters;
+    /// Outlives the run, whose passes may use its plugins.
+    PluginOperations pluginOperations;
     std::unique_ptr<RunningAudio> running;
     audio::MeterTimer meterTimer;
     /// Lets tasks that were posted during a run find out that it is over; renewed at every start.

@@ -28,6 +28,7 @@ void MixerEngine::recallCurrentSnapshot() {
     setMasterTargetDB(scene.masterTargetDB);
     setLeadGroupGainDB(scene.leadGroupGainDB);
     setBackingGroupGainDB(scene.backingGroupGainDB);
+    restorePluginsFromStrips();
 }
 
 void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {
@@ -43,7 +44,7 @@ void MixerEngine::handleMIDINote(const session::MIDITrigger& note) {
 
 session::Snapshot MixerEngine::captureMix() const {
     session::Snapshot mix;
-    mix.channels = session::settingsOf(published.channelStrips.get());
+    mix.channels = pluginOperations.rack().capturedChannels();
     mix.masterTargetDB = published.masterTargetDB.get();
     mix.leadGroupGainDB = published.leadGroupGainDB.get();
     mix.backingGroupGainDB = published.backingGroupGainDB.get();

@@ -66,9 +66,9 @@ void pushRouting(audio::MixerRealtimeState& state, const Show& show) {
 
 platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
     platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices, const Show& show,
-    const Observer& observer
+    audio::InsertTable inserts, const Observer& observer
 ) {
-    std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show));
+    std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show, std::move(inserts)));
     run->connect(devices, observer);
     auto begun = run->mainIO->setup();
     if (begun) {
@@ -92,7 +92,7 @@ platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
 
 RunningAudio::RunningAudio(
     platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-    const Show& show
+    const Show& show, audio::InsertTable inserts
 )
     : hardware(audioHardware),
       processor(std::make_shared<dsp::AutomixProcessor>(
@@ -111,6 +111,7 @@ RunningAudio::RunningAudio(
         state->masterOutputRingBuffers = makeRings(masterOutputs, show.bufferSize);
     }
     pushRouting(*state, show);
+    state->updatePlugins(std::move(inserts));
     state->setNoiseGain(show.referenceNoiseGain);
 }
 

@@ -2,6 +2,7 @@
 
 #include "audio/audio_device_info.h"
 #include "audio/core_audio_io_engine.h"
+#include "audio/insert_table.h"
 #include "audio/mixer_realtime_state.h"
 #include "dsp/automix_processor.h"
 #include "engine/show.h"
@@ -38,11 +39,11 @@ class RunningAudio final {
         std::function<void(const audio::AudioDeviceInfo& device)> deviceDied;
     };
 
-    /// Builds the path, connects it and starts the main and then the master device. The error is the whole
-    /// sentence for the user; nothing runs then.
+    /// Builds the path with its inserts, connects it and starts the main and then the master device. The
+    /// error is the whole sentence for the user; nothing runs then.
     static platform::Result<std::unique_ptr<RunningAudio>> start(
         platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices,
-        const Show& show, const Observer& observer
+        const Show& show, audio::InsertTable inserts, const Observer& observer
     );
 
     ~RunningAudio();
@@ -64,7 +65,7 @@ class RunningAudio final {
   private:
     RunningAudio(
         platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-        const Show& show
+        const Show& show, audio::InsertTable inserts
     );
 
     void connect(const Devices& devices, const Observer& observer);

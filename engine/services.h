@@ -1,8 +1,14 @@
 #pragma once
 
 #include "platform/audio_hardware.h"
+#include "platform/audio_unit_host.h"
+#include "platform/editor_windows.h"
 #include "platform/host_clock.h"
 #include "platform/main_thread.h"
+#include "platform/system_log.h"
+
+#include <filesystem>
+#include <optional>
 
 namespace orvane::engine {
 
@@ -10,6 +16,12 @@ namespace orvane::engine {
 struct Services {
     platform::AudioHardware& audioHardware;
     platform::MainThread& mainThread;
+    platform::AudioUnitHost& audioUnitHost;
+    platform::SystemLog& log;
+    /// Where plugin presets are kept; nowhere if absent.
+    std::optional<std::filesystem::path> applicationSupport = {};
+    /// Absent in a program without windows.
+    platform::EditorWindows* editorWindows = nullptr;
     platform::HostClock clock = platform::HostClock::system();
 };
 

@@ -3,7 +3,7 @@
 #include "platform/utf8.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <iterator>
 #include <locale>
 #include <stdexcept>
 #include <string>
@@ -30,9 +30,13 @@ std::locale userLocale() {
 class SortKeys final {
   public:
     [[nodiscard]] std::wstring keyOf(const std::string& text) const {
-        const auto characters = platform::decodeUTF8(text);
-        std::wstring folded = characters ? std::wstring(characters->begin(), characters->end())
-                                         : std::wstring(text.begin(), text.end());
+        std::wstring folded;
+        if (const auto characters = platform::decodeUTF8(text))
+            folded.assign(characters->begin(), characters->end());
+        else
+            std::ranges::transform(text, std::back_inserter(folded), [](char byte) {
+                return static_cast<unsigned char>(byte);
+            });
         std::use_facet<std::ctype<wchar_t>>(locale).tolower(folded.data(), folded.data() + folded.size());
         return std::use_facet<std::collate<wchar_t>>(locale).transform(
             folded.data(), folded.data() + folded.size()

@@ -152,12 +152,13 @@ const LoadedInsertPlugin* InsertRack::plugin(const PluginSlotKey& key) const {
 }
 
 std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
-    std::vector<session::ChannelSettingsData> channels;
-    for (const ChannelStrip& strip : owner.channelStrips()) {
-        session::ChannelSettingsData& channel = channels.emplace_back(strip.settings());
-        for (std::size_t slot = 0; slot < channel.pluginSlots.size(); ++slot)
-            if (const LoadedInsertPlugin* const live = plugin({strip.id, slot}))
-                captureInto(channel.pluginSlots[slot], *live->avAudioUnit);
+    const std::vector<ChannelStrip>& strips = owner.channelStrips();
+    std::vector<session::ChannelSettingsData> channels = session::settingsOf(strips);
+    for (std::size_t strip = 0; strip < strips.size(); ++strip) {
+        std::vector<PluginSlot>& slots = channels[strip].pluginSlots;
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+            if (const LoadedInsertPlugin* const live = plugin({strips[strip].id, slot}))
+                captureInto(slots[slot], *live->avAudioUnit);
     }
     return channels;
 }

@@ -2,6 +2,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
+#include "support/scripted_audio_unit.h"
 
 #include <gtest/gtest.h>
 
@@ -85,7 +86,8 @@ class EngineChurnTest : public testing::Test {
     platform::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
     test::ManualMainThread mainThread;
-    MixerEngine engine{8, {hardware, mainThread}};
+    test::ScriptedAudioUnitHost audioUnitHost;
+    MixerEngine engine{8, {hardware, mainThread, audioUnitHost, log}};
     std::vector<audio::AudioDeviceInfo> devices;
     std::minstd_rand random{1};
 };

@@ -5,6 +5,7 @@
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/manual_main_thread.h"
+#include "support/scripted_audio_unit.h"
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
@@ -70,6 +71,7 @@ Channels
 mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks, std::size_t blocks) {
     platform::SystemLog log([](const platform::LogLine&) {});
     test::ManualMainThread mainThread;
+    test::ScriptedAudioUnitHost audioUnitHost;
     const auto recording = std::make_shared<Recording>();
     for (std::vector<float>& channel : recording->played)
         channel.reserve((silentBlocks + blocks) * period);
@@ -82,7 +84,7 @@ mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks,
     );
     platform::VirtualClock& clock = driver->clock();
     platform::SystemAudioHardware hardware(only(std::move(driver)));
-    MixerEngine engine(channelCount, {hardware, mainThread});
+    MixerEngine engine(channelCount, {hardware, mainThread, audioUnitHost, log});
     engine.refreshDevices();
     engine.selectDevice(engine.state().availableDevices.get().at(0));
     engine.applyDocument(document);
@@ -119,8 +121,10 @@ class JackEngineTest : public testing::Test {
     JackTestServer server{{.sampleRate = 48000, .period = period, .channelCount = channelCount}};
     platform::JackClients clients{test::uniqueJackName("ORVANE")};
     platform::SystemAudioHardware hardware{only(std::make_unique<platform::JackAudioDriver>(clients))};
+    platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
-    MixerEngine engine{channelCount, {hardware, mainThread}};
+    test::ScriptedAudioUnitHost audioUnitHost;
+    MixerEngine engine{channelCount, {hardware, mainThread, audioUnitHost, log}};
 };
 
 // The main thread stands still all the while, for more than two seconds of audio: none of it comes late.
@@ -139,7 +143,6 @@ TEST_F(JackEngineTest, PlaysWhatTheSteppedDevicePlaysBitForBit) {
     JackPeer peer("peer", channelCount);
     ASSERT_TRUE(peer.connectTo(test::uniqueJackName("ORVANE")));
     const Channels heard = peer.exchange(blocks * period);
-    EXPECT_EQ(engine.xrunCount(), 0U);
     ASSERT_EQ(heard[0].size(), blocks * period);
     const session::MixerDocumentData document = engine.makeDocumentData();
     engine.stop();

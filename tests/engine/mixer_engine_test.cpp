@@ -2,12 +2,13 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
+#include "support/scripted_audio_unit.h"
+#include "support/virtual_signals.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -25,27 +26,6 @@ using testing::HasSubstr;
 namespace output = session::output;
 namespace master_output = session::master_output;
 
-constexpr double inputLevel = 0.25;
-
-/// An input whose every channel is a steady square wave.
-struct SteadyInput final : platform::VirtualInput {
-    void fill(std::span<const std::span<float>> blocks) noexcept override {
-        for (const std::span<float>& block : blocks)
-            for (std::size_t i = 0; i < block.size(); ++i)
-                block[i] = static_cast<float>(i % 2 == 0 ? inputLevel : -inputLevel);
-    }
-};
-
-/// Keeps the first sample that each output played in its last cycle.
-struct KeptOutput final : platform::VirtualOutput {
-    void take(std::span<const std::span<const float>> blocks) noexcept override {
-        for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel)
-            played[channel] = blocks[channel][0];
-    }
-
-    std::array<float, 8> played{};
-};
-
 /// A machine with an interface of 4 inputs and 6 outputs and a separate monitor, on stepped clocks.
 class MixerEngineTest : public testing::Test {
   protected:
@@ -57,7 +37,7 @@ class MixerEngineTest : public testing::Test {
     std::vector<platform::VirtualDevice> describe() {
         std::vector<platform::VirtualDevice> devices(2);
         devices[0].description = {std::string(interface), "Interface", 4, 6, 48000.0};
-        devices[0].input = std::make_shared<SteadyInput>();
+        devices[0].input = std::make_shared<test::SteadyInput>();
         devices[0].output = mainOutput;
         devices[0].answerBufferSize = [this](std::uint32_t requested) {
             return keptBufferSize.value_or(requested);
@@ -102,13 +82,14 @@ class MixerEngineTest : public testing::Test {
     [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
 
     std::optional<std::uint32_t> keptBufferSize;
-    std::shared_ptr<KeptOutput> mainOutput = std::make_shared<KeptOutput>();
-    std::shared_ptr<KeptOutput> masterOutput = std::make_shared<KeptOutput>();
+    std::shared_ptr<test::KeptOutput> mainOutput = std::make_shared<test::KeptOutput>();
+    std::shared_ptr<test::KeptOutput> masterOutput = std::make_shared<test::KeptOutput>();
     test::ManualMainThread mainThread;
     platform::SystemLog log{[](const platform::LogLine&) {}};
     platform::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
-    MixerEngine engine{8, {hardware, mainThread}};
+    test::ScriptedAudioUnitHost audioUnitHost;
+    MixerEngine engine{8, {hardware, mainThread, audioUnitHost, log}};
 };
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
@@ -150,16 +131,16 @@ TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
     EXPECT_EQ(message(), "");
     engine.start();
     EXPECT_EQ(step(), 1U);
-    EXPECT_EQ(mainOutput->played[3], static_cast<float>(inputLevel));
+    EXPECT_EQ(mainOutput->played[3], static_cast<float>(test::steadyLevel));
     EXPECT_EQ(mainOutput->played[5], 0.0F);
     mainThread.advance(std::chrono::milliseconds(40));
     EXPECT_EQ(engine.meterModel().channelMeters.get().size(), 9U);
-    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], inputLevel);
+    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], test::steadyLevel);
     engine.stop();
     EXPECT_FALSE(isRunning());
     EXPECT_EQ(step(), 0U);
     EXPECT_EQ(engine.meterModel().cpuLoad.get(), 0.0);
-    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], inputLevel);
+    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], test::steadyLevel);
     engine.start();
     EXPECT_EQ(step(interface, 3), 3U);
 }
@@ -173,7 +154,7 @@ TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
         float heard;
         std::size_t where;
     };
-    const auto level = static_cast<float>(inputLevel);
+    const auto level = static_cast<float>(test::steadyLevel);
     for (const Edit& edit : std::vector<Edit>{
              {"trim", [&] { engine.setTrim(first, 0.5); }, 0.5F * level, 0},
              {"unknown strip", [&] { engine.setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
@@ -202,7 +183,7 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
     engine.setDuckerReleaseMs(900.0);
     engine.setGenderMode(strips()[0].id, dsp::GenderTriggerMode::male);
     const session::MixerDocumentData saved = engine.makeDocumentData();
-    MixerEngine other(4, {hardware, mainThread});
+    MixerEngine other(4, {hardware, mainThread, audioUnitHost, log});
     session::MixerDocumentData document = saved;
     document.bufferSize = 100;
     document.masterOutputRouting = master_output::Stereo{40, 41};
@@ -278,7 +259,7 @@ TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
     engine.setBufferSize(64);
     EXPECT_THAT(message(), HasSubstr("This device is actually running a 96-frame buffer, not the 64 frames"));
     EXPECT_EQ(step(), 1U);
-    EXPECT_EQ(mainOutput->played[0], static_cast<float>(inputLevel));
+    EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
 }
 
 /// Runs what the driver's notification thread posts until the message is another one.

@@ -2,6 +2,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "support/manual_main_thread.h"
 #include "support/random_blocks.h"
+#include "support/scripted_audio_unit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -39,7 +40,9 @@ class SnapshotsTest : public testing::Test {
 
     platform::SystemAudioHardware hardware{{}};
     test::ManualMainThread mainThread;
-    MixerEngine engine{4, {hardware, mainThread}};
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    test::ScriptedAudioUnitHost audioUnitHost;
+    MixerEngine engine{4, {hardware, mainThread, audioUnitHost, log}};
 };
 
 TEST_F(SnapshotsTest, ArePlacedNamedAndSelected) {

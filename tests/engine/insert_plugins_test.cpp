@@ -1,0 +1,319 @@
+#include "insert_plugins_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using namespace std::chrono_literals;
+using plugins::PluginLoadState;
+using session::PluginSlot;
+using test::AudioUnitScript;
+using test::InsertPlugins;
+using test::stripCount;
+using testing::ElementsAre;
+namespace load_state = plugins::load_state;
+using enum plugins::PluginClipboardArmState;
+using Delivery = test::ScriptedAudioUnitHost::Delivery;
+
+TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
+    start();
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->loadPlugin(stereo, 4, id(0), stateOf(3.0));
+    EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loading{}));
+    EXPECT_EQ(record(4).pluginName, "Stereo");
+    EXPECT_EQ(record(4).presetData, stateOf(3.0));
+    audioUnitHost.deliver();
+    EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loading{}));
+    EXPECT_EQ(heard(), 1.0F);
+    mainThread.runPosted();
+    EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loaded{}));
+    EXPECT_EQ(heard(), 3.0F);
+    EXPECT_THAT(
+        audioUnitHost.lastUnit()->steps,
+        ElementsAre(
+            "in 44100x1", "in 44100x2", "out 44100x2", "enable in", "enable out", "frames 4096", "allocate"
+        )
+    );
+    engine->setPluginBypassed(true, 4, id(0));
+    EXPECT_EQ(heard(), 1.0F);
+    engine->setPluginBypassed(false, 4, id(0));
+    engine->loadPlugin(mono, 0, id(0));
+    audioUnitHost.deliver();
+    mainThread.runPosted();
+    audioUnitHost.lastUnit()->gain = 0.5F;
+    EXPECT_EQ(heard(), 1.5F);
+    engine->stop();
+    engine->start();
+    EXPECT_EQ(heard(), 1.5F);
+    const platform::Uuid before = record(4).id;
+    engine->removePlugin(4, id(0));
+    EXPECT_TRUE(record(4).isEmpty());
+    EXPECT_NE(record(4).id, before);
+    EXPECT_EQ(loadState(4), std::nullopt);
+    EXPECT_EQ(heard(), 0.5F);
+    EXPECT_EQ(audioUnitHost.report.living, 1);
+}
+
+TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
+    constexpr const char* noFormat = "Couldn't configure an audio format this plugin accepts (tried mono and "
+                                     "stereo).";
+    constexpr const char* refused = "Couldn't load Odd: it didn't accept a mono or stereo audio format.";
+    struct Case {
+        const char* what;
+        AudioUnitScript script;
+        std::optional<platform::Error> error;
+        std::string failure;
+        std::string lastError;
+    };
+    for (const Case& loaded : std::vector<Case>{
+             {"error", {}, platform::Error{"no licence"}, "no licence", "Failed to load Odd: no licence."},
+             {"neither instance nor error",
+              {},
+              platform::Error{""},
+              "Unknown error instantiating plugin.",
+              "Failed to load Odd: unknown error."},
+             {"input", {.inputChannels = {6}}, {}, noFormat, refused},
+             {"output", {.inputChannels = {1}, .outputChannels = {2}}, {}, noFormat, refused},
+             {"resources", {.allocates = false}, {}, noFormat, refused}}) {
+        SCOPED_TRACE(loaded.what);
+        audioUnitHost.failure = loaded.error;
+        load(audioUnitHost.add("Odd", loaded.script), 1);
+        EXPECT_EQ(loadState(1), PluginLoadState(load_state::Failed{loaded.failure}));
+        EXPECT_EQ(message(), loaded.lastError);
+        EXPECT_EQ(record(1).pluginName, "Odd");
+        EXPECT_EQ(audioUnitHost.report.living, 0);
+    }
+    audioUnitHost.failure.reset();
+    loadLive(audioUnitHost.add("Generator", {.hasBusses = false}), 1);
+    EXPECT_EQ(loadState(1), PluginLoadState(load_state::Loaded{}));
+    engine->loadPlugin(mono, 1, id(0), platform::PropertyList::Data{1, 2, 3});
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.lastUnit()->gain, 1.0F);
+    const int before = audioUnitHost.instantiations;
+    engine->loadPlugin(mono, 5, id(0));
+    engine->loadPlugin(mono, 0, platform::Uuid::random());
+    engine->removePlugin(5, id(0));
+    engine->setPluginBypassed(true, 5, id(0));
+    engine->openPluginEditor(3, id(0));
+    EXPECT_EQ(audioUnitHost.instantiations, before);
+}
+
+TEST_F(InsertPlugins, LastArrivalIsWhatEndsUpLive) {
+    start();
+    audioUnitHost.delivery = Delivery::byHand;
+    for (const double gain : {2.0, 3.0, 4.0})
+        engine->loadPlugin(mono, 0, id(0), stateOf(gain));
+    engine->removePlugin(0, id(0));
+    for (const auto& [which, gain] : {std::pair{1, 3.0F}, {1, 4.0F}, {0, 2.0F}}) {
+        audioUnitHost.deliver(static_cast<std::size_t>(which));
+        mainThread.runPosted();
+        EXPECT_EQ(heard(), gain);
+        EXPECT_EQ(audioUnitHost.report.living, 1);
+    }
+    EXPECT_TRUE(record(0).isEmpty());
+
+    engine->loadPlugin(mono, 0, id(0));
+    audioUnitHost.deliver();
+    engine->loadPlugin(mono, 0, id(0));
+    engine.reset();
+    audioUnitHost.deliver();
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.report.living, 0);
+    EXPECT_EQ(audioUnitHost.report.rendersWithoutResources, 0);
+}
+
+TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
+    start();
+    loadLive(mono, 0)->gain = 2.0F;
+    loadLive(mono, 1);
+    const auto& report = audioUnitHost.report;
+    int inPass = 0;
+    // Both are taken out while the pass that runs the first goes on.
+    std::binary_semaphore passIsOn(0);
+    std::binary_semaphore passMayGoOn(0);
+    std::thread control([&] {
+        passIsOn.acquire();
+        engine->removePlugin(0, id(0));
+        engine->removePlugin(1, id(0));
+        mainThread.advance(50ms);
+        inPass = report.ready;
+        passMayGoOn.release();
+    });
+    audioUnitHost.report.onRender = [&] {
+        passIsOn.release();
+        passMayGoOn.acquire();
+    };
+    EXPECT_EQ(heard(), 2.0F);
+    control.join();
+    EXPECT_EQ(inPass, 2);
+    EXPECT_EQ(report.ready, 2);
+    mainThread.advance(10ms);
+    EXPECT_EQ(report.living, 0);
+    EXPECT_EQ(report.rendersWithoutResources, 0);
+    EXPECT_EQ(heard(), 1.0F);
+}
+
+TEST_F(InsertPlugins, OpenAnEditorWindowPerCall) {
+    auto unit = loadLive(mono, 0);
+    engine->openPluginEditor(0, id(0));
+    unit->giveEditor(unit);
+    EXPECT_THAT(windows.log, ElementsAre());
+    mainThread.runPosted();
+    engine->openPluginEditor(0, id(0));
+    EXPECT_EQ(unit->editorRequests, 1);
+    EXPECT_THAT(windows.log, ElementsAre("Mono 15", "show", "front", "Mono 15", "show", "front"));
+    windows.log.clear();
+    engine->removePlugin(0, id(0));
+    unit.reset();
+    EXPECT_THAT(windows.log, ElementsAre());
+    EXPECT_EQ(audioUnitHost.report.living, 1);
+    EXPECT_EQ(audioUnitHost.report.ready, 0);
+
+    windows.areClosed = true;
+    unit = loadLive(mono, 0);
+    engine->openPluginEditor(0, id(0));
+    unit->giveEditor(unit);
+    mainThread.runPosted();
+    EXPECT_THAT(windows.log, ElementsAre("gone", "gone", "Mono 15", "show", "front"));
+    windows.log.clear();
+
+    const auto plain = loadLive(audioUnitHost.add("Plain", {.hasEditor = false}), 1);
+    engine->openPluginEditor(1, id(0));
+    plain->giveEditor(plain);
+    mainThread.runPosted();
+    EXPECT_EQ(message(), "Plain doesn't have a custom editor UI.");
+    unit = loadLive(mono, 2);
+    engine->openPluginEditor(2, id(0));
+    engine->removePlugin(2, id(0));
+    unit->giveEditor(unit);
+    engine.reset();
+    mainThread.runPosted();
+    EXPECT_THAT(windows.log, ElementsAre("gone"));
+}
+
+TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
+    start();
+    const auto kept = loadLive(mono, 0);
+    loadLive(stereo, 1);
+    loadLive(stereo, 2)->gain = 6.0F;
+    audioUnitHost.failure = platform::Error{"no licence"};
+    load(mono, 4);
+    audioUnitHost.failure.reset();
+    kept->gain = 5.0F;
+    session::MixerDocumentData document = engine->makeDocumentData();
+    EXPECT_EQ(document.channels[0].pluginSlots[0].presetData, stateOf(5.0));
+    EXPECT_EQ(record(0).presetData, std::nullopt);
+    auto& slots = document.channels[0].pluginSlots;
+    kept->gain = 0.5F;
+    slots[1] = PluginSlot::makeEmpty();
+    slots[2] = slots[0];
+    slots[3] = slots[0];
+    slots[3].presetData = stateOf(4.0);
+    slots[4].component = session::AUComponentIdentity{1, 2, 3};
+    slots[4].pluginName.reset();
+    document.channels[0].name = "Alto";
+    document.pluginSlotRecallSafe = {false, false, true};
+    const int before = audioUnitHost.instantiations;
+    engine->applyDocument(document);
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.instantiations, before + 1);
+    EXPECT_EQ(heard(), 0.5F * 6.0F * 4.0F);
+    EXPECT_EQ(loadState(1), std::nullopt);
+    EXPECT_EQ(loadState(3), PluginLoadState(load_state::Loaded{}));
+    EXPECT_EQ(loadState(4), std::nullopt);
+    EXPECT_EQ(record(4).component, slots[4].component);
+    EXPECT_EQ(
+        message(),
+        "Couldn't find installed plugin \"?\" for Alto, slot 5 -- it may not be installed on this Mac."
+    );
+    EXPECT_EQ(audioUnitHost.report.living, 3);
+    // What is captured without a state keeps the one on record, or loses one that cannot be written.
+    for (const auto& [script, expected] :
+         {std::pair{AudioUnitScript{.hasState = false}, std::optional(stateOf(7.0))},
+          {AudioUnitScript{.hasUnwritableState = true}, std::nullopt}}) {
+        engine->loadPlugin(audioUnitHost.add("Odd", script), 1, id(1), stateOf(7.0));
+        mainThread.runPosted();
+        EXPECT_EQ(engine->makeDocumentData().channels[1].pluginSlots[1].presetData, expected);
+    }
+}
+
+TEST_F(InsertPlugins, MoveThroughTheClipboard) {
+    const auto& armState = engine->state().pluginClipboardArmState;
+    const auto& clipboard = engine->state().pluginClipboard;
+    engine->togglePasteArm();
+    EXPECT_EQ(armState.get(), none);
+    EXPECT_FALSE(engine->handleClipboardClick(0, id(0)));
+    engine->toggleCopyArm();
+    EXPECT_TRUE(engine->handleClipboardClick(0, id(0)));
+    EXPECT_EQ(message(), "That insert slot is empty -- nothing to copy.");
+    EXPECT_EQ(armState.get(), none);
+    EXPECT_FALSE(clipboard.get());
+
+    loadLive(stereo, 0)->gain = 2.0F;
+    const std::tuple<const char*, std::function<void()>, plugins::PluginClipboardArmState> steps[] = {
+        {"arm copy", [&] { engine->toggleCopyArm(); }, armedForCopy},
+        {"paste with nothing", [&] { engine->togglePasteArm(); }, armedForCopy},
+        {"disarm copy", [&] { engine->toggleCopyArm(); }, none},
+        {"arm again", [&] { engine->toggleCopyArm(); }, armedForCopy},
+        {"copy", [&] { EXPECT_TRUE(engine->handleClipboardClick(0, id(0))); }, none},
+        {"arm paste", [&] { engine->togglePasteArm(); }, armedForPaste},
+        {"copy instead", [&] { engine->toggleCopyArm(); }, armedForCopy},
+        {"paste instead", [&] { engine->togglePasteArm(); }, armedForPaste},
+        {"disarm paste", [&] { engine->togglePasteArm(); }, none},
+        {"paste once more", [&] { engine->togglePasteArm(); }, armedForPaste},
+        {"cancel", [&] { engine->cancelClipboardArm(); }, none},
+        {"and arm", [&] { engine->togglePasteArm(); }, armedForPaste}};
+    for (const auto& [what, act, after] : steps) {
+        act();
+        EXPECT_EQ(armState.get(), after) << what;
+    }
+    EXPECT_EQ(clipboard.get(), (plugins::CopiedPlugin{stereo, "Stereo", stateOf(2.0)}));
+    engine->removePlugin(0, id(0));
+    for (std::size_t strip = 0; strip < stripCount; ++strip)
+        EXPECT_TRUE(engine->handleClipboardClick(3, id(strip)));
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.report.living, 3);
+    EXPECT_EQ(armState.get(), armedForPaste);
+    start();
+    EXPECT_EQ(heard(2), 2.0F);
+}
+
+TEST_F(InsertPlugins, KeepTheirSettingsAsPresets) {
+    loadLive(mono, 0, 0)->gain = 2.0F;
+    const auto second = loadLive(stereo, 0, 2);
+    second->gain = 3.0F;
+    engine->savePluginPresetOnAllChannels("Loud", 0);
+    const session::AUComponentIdentity identity{platform::kAudioUnitType_Effect, 2, 1};
+    const auto presets = engine->pluginPresets(identity);
+    ASSERT_EQ(presets.size(), 1U);
+    EXPECT_EQ(presets[0].name, "Loud");
+    EXPECT_EQ(presets[0].data, stateOf(3.0));
+    EXPECT_EQ(engine->pluginPresets({platform::kAudioUnitType_Effect, 1, 1}).size(), 1U);
+    EXPECT_EQ(message(), "");
+    second->gain = 1.0F;
+    engine->applyPluginPreset(presets[0], 0, id(2));
+    EXPECT_EQ(second->gain, 3.0F);
+    engine->deletePluginPreset(presets[0].id, identity);
+    EXPECT_TRUE(engine->pluginPresets(identity).empty());
+    for (const auto& [script, expected] :
+         {std::pair{
+              AudioUnitScript{.hasState = false},
+              "Odd has no state to save yet -- change a setting on it first."},
+          {AudioUnitScript{.hasUnwritableState = true}, "Couldn't save a preset for Odd."}}) {
+        loadLive(audioUnitHost.add("Odd", script), 1);
+        engine->savePluginPreset("x", 1, id(0));
+        EXPECT_EQ(message(), expected);
+        engine->copyPlugin(1, id(0));
+        EXPECT_EQ(engine->state().pluginClipboard.get()->stateData, std::nullopt);
+    }
+}
+
+} // namespace

@@ -1,0 +1,148 @@
+#include "plugins/plugin_preset_store.h"
+#include "support/file_size_limit.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using plugins::PluginPresetStore;
+using session::AUComponentIdentity;
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+constexpr AUComponentIdentity delay{0x61756678, 4294967295, 1};
+constexpr AUComponentIdentity gate{0x61756678, 2, 1};
+constexpr const char* file = "ORVANE/PluginPresets.json";
+
+std::vector<std::string> names(const PluginPresetStore& store, const AUComponentIdentity& identity) {
+    std::vector<std::string> found;
+    for (const plugins::NamedPreset& preset : store.presets(identity))
+        found.push_back(preset.name);
+    return found;
+}
+
+std::vector<std::string> namesStored(const fs::path& folder) {
+    return names(PluginPresetStore(folder), delay);
+}
+
+TEST(PluginPresetStore, KeepsWhatIsAddedInOrderAcrossEngines) {
+    const TemporaryFolder folder;
+    const fs::path support = folder / "share";
+    PluginPresetStore store(support);
+    EXPECT_FALSE(fs::exists(support / file));
+    store.add("Hall", {0, 255, 7}, delay);
+    store.add("Hall", {}, delay);
+    store.add("Größe \xFF \"", {1}, gate);
+    const PluginPresetStore second(support);
+    EXPECT_EQ(second.presets(delay), store.presets(delay));
+    EXPECT_THAT(names(second, gate), ElementsAre("Größe \xEF\xBF\xBD \""));
+    store.remove(store.presets(delay)[0].id, delay);
+    EXPECT_EQ(PluginPresetStore(support).presets(delay), store.presets(delay));
+    store.remove(store.presets(delay)[0].id, delay);
+    store.remove(store.presets(gate)[0].id, gate);
+    store.remove(platform::Uuid::random(), {1, 2, 3});
+    EXPECT_THAT(contentOf(support / file), testing::HasSubstr(R"("componentSubType":4294967295)"));
+    EXPECT_THAT(contentOf(support / file), testing::HasSubstr(R"("presets":[])"));
+    EXPECT_TRUE(namesStored(support).empty());
+
+    PluginPresetStore inMemory(std::nullopt);
+    inMemory.add("Hall", {1}, delay);
+    EXPECT_THAT(names(inMemory, delay), ElementsAre("Hall"));
+}
+
+TEST(PluginPresetStore, TakesOverAnEarlierFileOnce) {
+    const TemporaryFolder folder;
+    const TemporaryFolder other;
+    PluginPresetStore(other / "").add("Earlier", {1}, delay);
+    const std::string earlier = contentOf(other / file);
+    fs::create_directory(folder / "Dravonel");
+    folder.add("Dravonel/PluginPresets.json", earlier);
+    PluginPresetStore store(folder / "");
+    store.add("Later", {1}, delay);
+    EXPECT_THAT(namesStored(folder / ""), ElementsAre("Earlier", "Later"));
+    EXPECT_EQ(contentOf(folder / "Dravonel/PluginPresets.json"), earlier);
+}
+
+TEST(PluginPresetStore, StartsEmptyWithADamagedFileAndOverwritesIt) {
+    const TemporaryFolder folder;
+    PluginPresetStore(folder / "").add("Hall", {1}, delay);
+    const std::string whole = contentOf(folder / file);
+    const auto with = [&whole](const std::string& part, const std::string& other) {
+        std::string changed = whole;
+        return changed.replace(changed.find(part), part.size(), other);
+    };
+    for (const std::string& damaged : std::vector<std::string>{
+             "", "null", "[]", "{}", R"({"entries":null})", R"({"entries":{}})", whole + "x",
+             whole.substr(0, whole.size() - 1), whole + std::string(1, '\0'), with("\"Hall\"", "7"),
+             with("\"Hall\"", "\"\xFF\""), with("4294967295", "4294967296"), with("4294967295", "-1"),
+             with("4294967295", "1.0"), with("AQ==", "AQ="), with("\"name\"", "\"title\""),
+             with("\"id\":\"", "\"id\":\"x"), std::string(1'000'000, '['), std::string(70'000'000, ' ')}) {
+        folder.add(file, damaged);
+        EXPECT_TRUE(namesStored(folder / "").empty()) << damaged.substr(0, 200);
+        PluginPresetStore(folder / "").add("New", {2}, delay);
+        EXPECT_THAT(namesStored(folder / ""), ElementsAre("New"));
+    }
+    // Of two entries of one component the later counts, and foreign keys are none of ours.
+    const std::string entry = whole.substr(12, whole.size() - 14);
+    std::string second = entry;
+    second.replace(second.find("Hall"), 4, "Room");
+    folder.add(file, R"({"version":[{}],"entries":[)" + entry + "," + second + "]}");
+    EXPECT_THAT(namesStored(folder / ""), ElementsAre("Room"));
+}
+
+TEST(PluginPresetStore, LeavesTheFileWholeWhenItCannotBeWritten) {
+    const TemporaryFolder folder;
+    PluginPresetStore store(folder / "");
+    store.add("Hall", {1}, delay);
+    {
+        const FileSizeLimit fullDisk(1000);
+        store.add("Large", platform::PropertyList::Data(5000), delay);
+    }
+    EXPECT_THAT(names(store, delay), ElementsAre("Hall", "Large"));
+    EXPECT_THAT(namesStored(folder / ""), ElementsAre("Hall"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "ORVANE"), {}), 1);
+
+    // The folder cannot be made where a file has its name.
+    folder.add("blocked", "");
+    PluginPresetStore blocked(folder / "blocked");
+    blocked.add("Hall", {1}, delay);
+    EXPECT_THAT(names(blocked, delay), ElementsAre("Hall"));
+}
+
+TEST(PluginPresetStore, SurvivesBeingKilledInMidWrite) {
+    const TemporaryFolder folder;
+    PluginPresetStore(folder / "").add("Hall", {1}, delay);
+    for (int round = 0; round < 10; ++round) {
+        int written[2];
+        ASSERT_EQ(pipe(written), 0);
+        const pid_t writer = fork();
+        if (writer == 0) {
+            PluginPresetStore store(folder / "");
+            while (true) {
+                store.add("Large", platform::PropertyList::Data(100'000), gate);
+                if (write(written[1], "x", 1) != 1) _exit(1);
+            }
+        }
+        // One change is whole by then, the next is on its way.
+        char byte = 0;
+        EXPECT_EQ(read(written[0], &byte, 1), 1);
+        kill(writer, SIGKILL);
+        waitpid(writer, nullptr, 0);
+        close(written[0]);
+        close(written[1]);
+        EXPECT_THAT(namesStored(folder / ""), ElementsAre("Hall")) << "round " << round;
+        EXPECT_GE(PluginPresetStore(folder / "").presets(gate).size(), static_cast<std::size_t>(round) + 1);
+    }
+}
+
+} // namespace

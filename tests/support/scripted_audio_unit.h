@@ -1,0 +1,217 @@
+#pragma once
+
+#include "platform/audio_unit_host.h"
+
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace orvane::test {
+
+/// How the instances of a scripted component behave.
+struct AudioUnitScript {
+    std::set<std::uint32_t> inputChannels = {1, 2};
+    std::set<std::uint32_t> outputChannels = {1, 2};
+    bool allocates = true;
+    bool hasState = true;
+    /// The state holds a text that no property list can.
+    bool hasUnwritableState = false;
+    bool hasEditor = true;
+    bool hasBusses = true;
+};
+
+/// An effect that multiplies by its only setting, "gain", and keeps a record of what is done to it. A render
+/// without render resources gives silence and is counted.
+class ScriptedAudioUnit final : public platform::AUAudioUnit {
+  public:
+    /// What all instances tell; outlives them.
+    struct Report {
+        std::atomic<int> living = 0;
+        std::atomic<int> ready = 0;
+        std::atomic<int> rendersWithoutResources = 0;
+        /// Called once, in the next render.
+        std::function<void()> onRender;
+    };
+
+    ScriptedAudioUnit(AudioUnitScript unitScript, Report& told)
+        : script(std::move(unitScript)), report(told) {
+        ++report.living;
+    }
+    ~ScriptedAudioUnit() override {
+        deallocateRenderResources();
+        --report.living;
+    }
+
+    std::span<platform::AUAudioUnitBus* const> inputBusses() override { return busses(inputs); }
+    std::span<platform::AUAudioUnitBus* const> outputBusses() override { return busses(outputs); }
+    void setMaximumFramesToRender(std::uint32_t frameCount) override {
+        steps.push_back("frames " + std::to_string(frameCount));
+    }
+    platform::Result<platform::Done> allocateRenderResources() override {
+        steps.emplace_back("allocate");
+        if (!script.allocates) return platform::Error{"no memory"};
+        report.ready += isReady.exchange(true) ? 0 : 1;
+        return platform::Done{};
+    }
+    void deallocateRenderResources() override { report.ready -= isReady.exchange(false) ? 1 : 0; }
+
+    platform::AURenderBlock renderBlock() override {
+        return [this](auto& flags, const auto& now, auto frameCount, auto, auto& list, const auto& pull) {
+            const bool wasReady = isReady;
+            pull(flags, now, frameCount, 0, list);
+            for (platform::AudioBuffer& buffer : list.mBuffers) {
+                auto* const samples = static_cast<float*>(buffer.mData);
+                std::transform(samples, samples + frameCount, samples, [this](float x) { return x * gain; });
+            }
+            if (report.onRender) std::exchange(report.onRender, nullptr)();
+            report.rendersWithoutResources += wasReady && isReady ? 0 : 1;
+            return platform::noErr;
+        };
+    }
+
+    [[nodiscard]] std::optional<platform::PropertyList::Dictionary> fullState() const override {
+        if (!script.hasState) return std::nullopt;
+        if (script.hasUnwritableState) return {{{"gain", {std::string("\xFF")}}}};
+        return {{{"gain", {static_cast<double>(gain)}}}};
+    }
+    void setFullState(const platform::PropertyList::Dictionary& state) override {
+        const auto found = state.find("gain");
+        if (found == state.end()) return;
+        if (const auto* value = std::get_if<double>(&found->second.value)) gain = static_cast<float>(*value);
+    }
+    std::span<platform::AUParameter* const> parameters() override { return {}; }
+
+    void requestViewController(std::function<void(std::shared_ptr<platform::AUViewController>)> completion
+    ) override {
+        ++editorRequests;
+        editorCompletion = std::move(completion);
+    }
+    /// Answers the last request, with an editor of `self` where the script has one.
+    void giveEditor(const std::shared_ptr<AUAudioUnit>& self) const {
+        editorCompletion(script.hasEditor ? std::make_shared<platform::AUViewController>(self) : nullptr);
+    }
+
+    std::atomic<float> gain = 1.0F;
+    std::vector<std::string> steps;
+    int editorRequests = 0;
+
+  private:
+    struct Bus final : platform::AUAudioUnitBus {
+        Bus(ScriptedAudioUnit& ownedBy, const char* busName, const std::set<std::uint32_t>& takes)
+            : owner(ownedBy), name(busName), accepted(takes) {}
+        platform::Result<platform::Done> setFormat(const platform::AVAudioFormat& format) override {
+            owner.steps.push_back(
+                name + " " + std::to_string(static_cast<int>(format.sampleRate)) + "x"
+                + std::to_string(format.channelCount)
+            );
+            if (!accepted.contains(format.channelCount)) return platform::Error{"not this format"};
+            return platform::Done{};
+        }
+        void setEnabled(bool) override { owner.steps.push_back("enable " + name); }
+
+        ScriptedAudioUnit& owner;
+        std::string name;
+        const std::set<std::uint32_t>& accepted;
+    };
+
+    std::span<platform::AUAudioUnitBus* const> busses(platform::AUAudioUnitBus* const& bus) const {
+        return {&bus, script.hasBusses ? 1U : 0U};
+    }
+
+    AudioUnitScript script;
+    Report& report;
+    Bus input{*this, "in", script.inputChannels};
+    Bus output{*this, "out", script.outputChannels};
+    platform::AUAudioUnitBus* inputs = &input;
+    platform::AUAudioUnitBus* outputs = &output;
+    std::atomic<bool> isReady = false;
+    std::function<void(std::shared_ptr<platform::AUViewController>)> editorCompletion;
+};
+
+/// Effects as a test describes them. Completions arrive from within `instantiate`, when the test delivers
+/// them, or from a thread of the host's own.
+class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
+  public:
+    enum class Delivery { atOnce, byHand, fromAnotherThread };
+
+    ~ScriptedAudioUnitHost() override { joinThreads(); }
+
+    /// A component whose sub-type is its number, counted from 1.
+    platform::AVAudioUnitComponent add(std::string name, AudioUnitScript script = {}) {
+        const auto number = static_cast<std::uint32_t>(components.size() + 1);
+        components.push_back({{platform::kAudioUnitType_Effect, number, 1}, std::move(name), "Maker"});
+        scripts.push_back(std::move(script));
+        return components.back();
+    }
+
+    std::vector<platform::AVAudioUnitComponent>
+    componentsMatchingDescription(const platform::AudioComponentDescription& description) override {
+        std::vector<platform::AVAudioUnitComponent> found;
+        for (const auto& component : components)
+            if (component.audioComponentDescription.componentType == description.componentType)
+                found.push_back(component);
+        return found;
+    }
+
+    void instantiate(
+        const platform::AudioComponentDescription& description, std::uint32_t,
+        InstantiationCompletion completion
+    ) override {
+        ++instantiations;
+        auto deliver = [this, description, completion = std::move(completion)] {
+            if (failure) return completion(nullptr, failure->description.empty() ? std::nullopt : failure);
+            const auto unit =
+                std::make_shared<ScriptedAudioUnit>(scripts.at(description.componentSubType - 1), report);
+            {
+                const std::scoped_lock guard(mutex);
+                last = unit;
+            }
+            completion(unit, std::nullopt);
+        };
+        if (delivery == Delivery::atOnce) deliver();
+        if (delivery == Delivery::byHand) pending.emplace_back(std::move(deliver));
+        if (delivery == Delivery::fromAnotherThread) threads.emplace_back(std::move(deliver));
+    }
+
+    /// Completes the instantiation that has waited longest, or the one after `index` others.
+    void deliver(std::size_t index = 0) {
+        const auto deliverOne = std::move(pending.at(index));
+        pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(index));
+        deliverOne();
+    }
+
+    void joinThreads() {
+        for (std::thread& thread : std::exchange(threads, {}))
+            thread.join();
+    }
+
+    /// The instance made last; throws where it is gone.
+    [[nodiscard]] std::shared_ptr<ScriptedAudioUnit> lastUnit() const {
+        const std::scoped_lock guard(mutex);
+        return std::shared_ptr(last);
+    }
+
+    Delivery delivery = Delivery::atOnce;
+    /// What every instantiation gives; an empty text stands for no error at all.
+    std::optional<platform::Error> failure;
+    int instantiations = 0;
+    ScriptedAudioUnit::Report report;
+    std::vector<platform::AVAudioUnitComponent> components;
+
+  private:
+    std::vector<AudioUnitScript> scripts;
+    std::deque<std::function<void()>> pending;
+    std::vector<std::thread> threads;
+    mutable std::mutex mutex;
+    std::weak_ptr<ScriptedAudioUnit> last;
+};
+
+} // namespace orvane::test

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/virtual_audio/virtual_input.h"
+#include "platform/virtual_audio/virtual_output.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+
+namespace orvane::test {
+
+inline constexpr double steadyLevel = 0.25;
+
+/// An input whose every channel is a steady square wave.
+struct SteadyInput final : platform::VirtualInput {
+    void fill(std::span<const std::span<float>> blocks) noexcept override {
+        for (const std::span<float>& block : blocks)
+            for (std::size_t i = 0; i < block.size(); ++i)
+                block[i] = static_cast<float>(i % 2 == 0 ? steadyLevel : -steadyLevel);
+    }
+};
+
+/// Keeps the first sample that each output played in its last cycle.
+struct KeptOutput final : platform::VirtualOutput {
+    void take(std::span<const std::span<const float>> blocks) noexcept override {
+        for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel)
+            played[channel] = blocks[channel][0];
+    }
+
+    std::array<float, 8> played{};
+};
+
+} // namespace orvane::test
