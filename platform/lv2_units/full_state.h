@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/lv2_units/lv2_parameter.h"
+#include "platform/property_list.h"
+
+#include <memory>
+#include <span>
+#include <string>
+
+namespace orvane::platform::lv2_units {
+
+// The full state of a unit: its plugin's "uri", its "controls" by symbol, and the "state" that the plugin's
+// own interface saves. Control thread.
+
+using ParameterList = std::span<const std::unique_ptr<Lv2Parameter>>;
+
+PropertyList::Dictionary
+makeFullState(const std::string& pluginUri, ParameterList parameters, PropertyList::Dictionary pluginState);
+
+/// Whether it is a state of that plugin.
+bool isStateOf(const std::string& pluginUri, const PropertyList::Dictionary& fullState);
+
+/// Sets the parameters that the state has a number for.
+void restoreControls(const PropertyList::Dictionary& fullState, ParameterList parameters);
+
+/// What the plugin's interface saved; null where it saved nothing.
+const PropertyList::Dictionary* pluginStateIn(const PropertyList::Dictionary& fullState);
+
+} // namespace orvane::platform::lv2_units

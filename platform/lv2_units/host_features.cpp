@@ -1,0 +1,127 @@
+#include "platform/lv2_units/host_features.h"
+
+#include "platform/lv2_units/log_category.h"
+#include "platform/lv2_units/state_paths.h"
+
+#include <fmt/format.h>
+#include <lv2/atom/atom.h>
+#include <lv2/buf-size/buf-size.h>
+#include <lv2/parameters/parameters.h>
+#include <lv2/state/state.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+constexpr std::string_view supportedFeatures[] = {
+    LV2_URID__map, LV2_URID__unmap, LV2_LOG__log, LV2_OPTIONS__options, LV2_WORKER__schedule,
+    LV2_STATE__threadSafeRestore, LV2_STATE__mapPath, LV2_STATE__freePath,
+    // What follows asks for nothing but what is done anyway.
+    LV2_BUF_SIZE__boundedBlockLength, LV2_CORE__hardRTCapable, LV2_CORE__inPlaceBroken, LV2_CORE__isLive};
+
+/// What a plugin is told blocks usually have, in frames.
+constexpr std::int32_t usualBlockLength = 256;
+/// The size of the buffers of atom ports that ask for none, in bytes.
+constexpr std::int32_t sequenceSize = 8192;
+
+constexpr std::string_view supportedOptions[] = {
+    LV2_BUF_SIZE__minBlockLength, LV2_BUF_SIZE__maxBlockLength, LV2_BUF_SIZE__nominalBlockLength,
+    LV2_BUF_SIZE__sequenceSize, LV2_PARAMETERS__sampleRate};
+
+LV2_URID mapUri(LV2_URID_Map_Handle services, const char* uri) {
+    return uri == nullptr ? 0 : static_cast<HostServices*>(services)->urids.map(uri);
+}
+
+const char* unmapUrid(LV2_URID_Unmap_Handle services, LV2_URID urid) {
+    return static_cast<HostServices*>(services)->urids.unmap(urid);
+}
+
+} // namespace
+
+HostFeatures::HostFeatures(
+    HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
+    double sampleRate, std::uint32_t maximumFrames
+)
+    : services(hostServices),
+      name(pluginName),
+      logTrace(services.urids.map(LV2_LOG__Trace)),
+      logError(services.urids.map(LV2_LOG__Error)),
+      map{&services, mapUri},
+      unmap{&services, unmapUrid},
+      log{this, print, vprint},
+      blockLengths{
+          1, static_cast<std::int32_t>(maximumFrames),
+          std::min(usualBlockLength, static_cast<std::int32_t>(maximumFrames)), sequenceSize},
+      optionSampleRate(static_cast<float>(sampleRate)) {
+    const auto option = [&](const char* uri, const char* type, const auto& value) {
+        return LV2_Options_Option{LV2_OPTIONS_INSTANCE,     0,     services.urids.map(uri), sizeof value,
+                                  services.urids.map(type), &value};
+    };
+    options = {
+        option(LV2_BUF_SIZE__minBlockLength, LV2_ATOM__Int, blockLengths[0]),
+        option(LV2_BUF_SIZE__maxBlockLength, LV2_ATOM__Int, blockLengths[1]),
+        option(LV2_BUF_SIZE__nominalBlockLength, LV2_ATOM__Int, blockLengths[2]),
+        option(LV2_BUF_SIZE__sequenceSize, LV2_ATOM__Int, blockLengths[3]),
+        option(LV2_PARAMETERS__sampleRate, LV2_ATOM__Float, optionSampleRate),
+        LV2_Options_Option{LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr}};
+    features = {
+        LV2_Feature{LV2_URID__map, &map},
+        LV2_Feature{LV2_URID__unmap, &unmap},
+        LV2_Feature{LV2_LOG__log, &log},
+        LV2_Feature{LV2_OPTIONS__options, options.data()},
+        LV2_Feature{LV2_BUF_SIZE__boundedBlockLength, nullptr},
+        LV2_Feature{LV2_WORKER__schedule, schedule},
+        LV2_Feature{LV2_STATE__threadSafeRestore, nullptr},
+        statePathFeatures()[0],
+        statePathFeatures()[1]};
+    std::ranges::transform(features, pointers.begin(), [](const LV2_Feature& feature) { return &feature; });
+    pointers.back() = nullptr;
+}
+
+std::optional<Error> HostFeatures::whyUnsupported(const PluginDescription& description) {
+    for (const std::string& feature : description.requiredFeatures) {
+        if (feature == LV2_BUF_SIZE__fixedBlockLength || feature == LV2_BUF_SIZE__powerOf2BlockLength)
+            return Error{fmt::format(
+                "\"{}\" needs blocks of a certain length, and a live mix has blocks of any.", description.name
+            )};
+        if (std::ranges::find(supportedFeatures, feature) == std::ranges::end(supportedFeatures))
+            return Error{fmt::format(
+                "\"{}\" needs the LV2 feature {}, which is not supported.", description.name, feature
+            )};
+    }
+    for (const std::string& option : description.requiredOptions)
+        if (std::ranges::find(supportedOptions, option) == std::ranges::end(supportedOptions))
+            return Error{fmt::format(
+                "\"{}\" needs the LV2 option {}, which is not supported.", description.name, option
+            )};
+    return std::nullopt;
+}
+
+int HostFeatures::print(LV2_Log_Handle features, LV2_URID type, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int length = vprint(features, type, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+int HostFeatures::vprint(LV2_Log_Handle features, LV2_URID type, const char* format, std::va_list arguments) {
+    auto& self = *static_cast<HostFeatures*>(features);
+    if (type == self.logTrace) return 0;
+    std::array<char, SystemLog::longestLine> text{};
+    const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
+    std::string_view line(text.data());
+    while (line.ends_with('\n'))
+        line.remove_suffix(1);
+    if (!line.empty())
+        self.services.log.post(
+            type == self.logError ? LogLevel::error : LogLevel::standard, logCategory, {self.name, ": ", line}
+        );
+    return length;
+}
+
+} // namespace orvane::platform::lv2_units

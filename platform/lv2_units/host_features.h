@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/lv2_units/host_services.h"
+#include "platform/lv2_units/plugin_description.h"
+
+#include <lv2/core/lv2.h>
+#include <lv2/log/log.h>
+#include <lv2/options/options.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane::platform::lv2_units {
+
+/// The features that an instance of a plugin is offered. Lives as long as the instance; stays where it is,
+/// for the plugin keeps pointers into it.
+class HostFeatures final {
+  public:
+    /// `schedule`: of the instance's worker. `sampleRate` in Hz, `maximumFrames` per block.
+    HostFeatures(
+        HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
+        double sampleRate, std::uint32_t maximumFrames
+    );
+    HostFeatures(const HostFeatures&) = delete;
+    HostFeatures& operator=(const HostFeatures&) = delete;
+
+    /// As plugins take them: pointers, the last one null.
+    [[nodiscard]] const LV2_Feature* const* list() const { return pointers.data(); }
+
+    /// Why a plugin that must have something else cannot be hosted.
+    static std::optional<Error> whyUnsupported(const PluginDescription& description);
+
+  private:
+    static int print(LV2_Log_Handle features, LV2_URID type, const char* format, ...);
+    static int vprint(LV2_Log_Handle features, LV2_URID type, const char* format, std::va_list arguments);
+
+    static constexpr std::size_t featureCount = 9;
+
+    HostServices& services;
+    std::string name;
+    LV2_URID logTrace;
+    LV2_URID logError;
+
+    LV2_URID_Map map;
+    LV2_URID_Unmap unmap;
+    LV2_Log_Log log;
+    std::array<std::int32_t, 4> blockLengths;
+    float optionSampleRate;
+    std::array<LV2_Options_Option, 6> options;
+    std::array<LV2_Feature, featureCount> features;
+    std::array<const LV2_Feature*, featureCount + 1> pointers;
+};
+
+} // namespace orvane::platform::lv2_units

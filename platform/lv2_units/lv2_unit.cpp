@@ -1,0 +1,192 @@
+#include "platform/lv2_units/lv2_unit.h"
+
+#include "platform/lv2_units/full_state.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+constexpr std::uint32_t byteSize(std::uint32_t frameCount) noexcept {
+    return frameCount * static_cast<std::uint32_t>(sizeof(float));
+}
+
+/// Whether every sample is a number; one that is not would never leave the mix again.
+ORVANE_REALTIME bool isFinite(const float* samples, std::uint32_t frameCount) noexcept {
+    // Zero times anything that is not finite is not zero.
+    float sum = 0.0F;
+    for (std::uint32_t i = 0; i < frameCount; ++i)
+        sum += samples[i] * 0.0F;
+    return sum == 0.0F;
+}
+
+} // namespace
+
+Lv2Unit::Lv2Unit(
+    std::shared_ptr<const PluginDescription> pluginDescription, std::shared_ptr<HostServices> hostServices,
+    std::unique_ptr<PluginInstance> pluginInstance
+)
+    : description(std::move(pluginDescription)),
+      services(std::move(hostServices)),
+      instance(std::move(pluginInstance)),
+      maximumFrames(instance->settings().maximumFrames),
+      input(
+          fmt::format("The input of \"{}\"", description->name),
+          static_cast<std::uint32_t>(description->audio.inputs.size()), instance->settings().sampleRate,
+          [this] { return hasRenderResources(); }
+      ),
+      output(
+          fmt::format("The output of \"{}\"", description->name),
+          static_cast<std::uint32_t>(description->audio.outputs.size()), instance->settings().sampleRate,
+          [this] { return hasRenderResources(); }
+      ) {
+    for (const ControlPort& control : description->controls)
+        ownParameters.push_back(std::make_unique<Lv2Parameter>(control, instance->settings().sampleRate));
+    for (const auto& parameter : ownParameters)
+        parameterList.push_back(parameter.get());
+}
+
+void Lv2Unit::setMaximumFramesToRender(std::uint32_t frameCount) {
+    if (!hasRenderResources()) maximumFrames = frameCount;
+}
+
+Result<Done> Lv2Unit::allocateRenderResources() {
+    if (hasRenderResources()) return Done{};
+    const double sampleRate = input.format().sampleRate;
+    if (sampleRate != output.format().sampleRate)
+        return Error{fmt::format("\"{}\" cannot run at two sample rates at a time.", description->name)};
+    services->sampleRate.store(sampleRate);
+    if (instance->settings().sampleRate != sampleRate || instance->settings().maximumFrames < maximumFrames)
+        if (auto made = makeInstanceFor(sampleRate); !made) return made;
+
+    inputBlocks.reshape(description->audio.inputs.size(), maximumFrames);
+    outputBlocks.reshape(description->audio.outputs.size(), maximumFrames);
+    inputBuffers.resize(inputBlocks.channelCount());
+    inputs.resize(inputBlocks.channelCount());
+    outputs.resize(outputBlocks.channelCount());
+    instance->activate();
+    gate.open();
+    return Done{};
+}
+
+Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) {
+    auto made = PluginInstance::make(description, services, {sampleRate, maximumFrames});
+    if (!made) return made.error();
+    if (const auto state = instance->state(); !state.empty()) made.value()->restore(state);
+    instance = std::move(made).value();
+    for (const auto& parameter : ownParameters)
+        parameter->setSampleRate(sampleRate);
+    return Done{};
+}
+
+void Lv2Unit::deallocateRenderResources() {
+    if (!hasRenderResources()) return;
+    gate.shut(RenderGate::State::closed);
+    instance->deactivate();
+}
+
+AURenderBlock Lv2Unit::renderBlock() {
+    return [this](
+               AudioUnitRenderActionFlags&, const AudioTimeStamp& now, std::uint32_t frameCount,
+               std::int64_t bus, AudioBufferList& list, const AURenderPullInputBlock& pull
+           ) {
+        const RenderGate::State permitted = gate.enter();
+        const OSStatus status = render(permitted, now, frameCount, bus, list, pull);
+        gate.leave();
+        return status;
+    };
+}
+
+OSStatus Lv2Unit::render(
+    RenderGate::State permitted, const AudioTimeStamp& now, std::uint32_t frameCount,
+    std::int64_t outputBusNumber, AudioBufferList& list, const AURenderPullInputBlock& pull
+) noexcept {
+    if (permitted == RenderGate::State::closed) return kAudioUnitErr_Uninitialized;
+    if (outputBusNumber != 0) return kAudioUnitErr_InvalidElement;
+    if (frameCount > maximumFrames) return kAudioUnitErr_TooManyFramesToProcess;
+    if (frameCount == 0) return noErr;
+    if (const OSStatus status = pullInput(now, frameCount, pull); status != noErr) return status;
+    if (!takeOutputs(list, frameCount)) return kAudio_ParamError;
+    if (permitted == RenderGate::State::paused) {
+        passThrough(frameCount);
+        return noErr;
+    }
+    return runPlugin(frameCount);
+}
+
+OSStatus Lv2Unit::pullInput(
+    const AudioTimeStamp& now, std::uint32_t frameCount, const AURenderPullInputBlock& pull
+) noexcept {
+    if (!pull) return kAudioUnitErr_NoConnection;
+    for (std::size_t c = 0; c < inputBuffers.size(); ++c)
+        inputBuffers[c] = {1, byteSize(frameCount), inputBlocks[c].data()};
+    AudioBufferList list{inputBuffers};
+    AudioUnitRenderActionFlags flags = 0;
+    if (const OSStatus status = pull(flags, now, frameCount, 0, list); status != noErr) return status;
+    for (std::size_t c = 0; c < inputs.size(); ++c) {
+        if (inputBuffers[c].mData == nullptr) return kAudioUnitErr_NoConnection;
+        inputs[c] = static_cast<const float*>(inputBuffers[c].mData);
+    }
+    return noErr;
+}
+
+/// Where the list has no buffer for an output, or an input's, it is given one of the unit's own: a plugin
+/// need not be able to work in place.
+bool Lv2Unit::takeOutputs(AudioBufferList& list, std::uint32_t frameCount) noexcept {
+    if (list.mBuffers.size() != outputs.size()) return false;
+    for (std::size_t c = 0; c < outputs.size(); ++c) {
+        AudioBuffer& buffer = list.mBuffers[c];
+        if (buffer.mData == nullptr || std::ranges::find(inputs, buffer.mData) != inputs.end())
+            buffer = {1, byteSize(frameCount), outputBlocks[c].data()};
+        if (buffer.mDataByteSize < byteSize(frameCount)) return false;
+        outputs[c] = static_cast<float*>(buffer.mData);
+    }
+    return true;
+}
+
+void Lv2Unit::passThrough(std::uint32_t frameCount) noexcept {
+    for (std::size_t c = 0; c < std::min(inputs.size(), outputs.size()); ++c)
+        std::copy_n(inputs[c], frameCount, outputs[c]);
+}
+
+OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
+    const std::span<float> controls = instance->controlValues();
+    for (const auto& parameter : ownParameters)
+        if (!parameter->info().isReadOnly) controls[parameter->port()] = parameter->value();
+    instance->run(inputs, outputs, frameCount);
+    for (const auto& parameter : ownParameters)
+        if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
+    const bool isSound =
+        std::ranges::all_of(outputs, [&](const float* samples) { return isFinite(samples, frameCount); });
+    return isSound ? noErr : kAudioUnitErr_CannotDoInCurrentContext;
+}
+
+std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {
+    return makeFullState(description->uri, ownParameters, instance->state());
+}
+
+void Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
+    if (!isStateOf(description->uri, state)) return;
+    restoreControls(state, ownParameters);
+    if (const auto* const pluginState = pluginStateIn(state)) restorePluginState(*pluginState);
+}
+
+void Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
+    const bool mustPause = hasRenderResources() && !description->restoresWhileRunning;
+    if (mustPause) gate.shut(RenderGate::State::paused);
+    instance->restore(state);
+    if (mustPause) gate.open();
+}
+
+void Lv2Unit::requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) {
+    const bool hasSomethingToShow =
+        std::ranges::any_of(ownParameters, [](const auto& parameter) { return !parameter->info().isHidden; });
+    completion(hasSomethingToShow ? std::make_shared<AUViewController>(shared_from_this()) : nullptr);
+}
+
+} // namespace orvane::platform::lv2_units

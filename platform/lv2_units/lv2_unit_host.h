@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/audio_unit_host.h"
+#include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/host_services.h"
+#include "platform/lv2_units/plugin_bundle.h"
+#include "platform/system_log.h"
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orvane::platform {
+
+/// Hosts the LV2 plugins of this machine. Plugins are loaded on a thread of the host's own, one after the
+/// other; completions come from there. A request that is still open when the host is destroyed is answered
+/// with an error by the destructor, which waits for the plugin that is being loaded. Its units may outlive
+/// it.
+class Lv2UnitHost final : public AudioUnitHost {
+  public:
+    /// `searchPath`: the folders of bundles, separated by colons. `systemLog` outlives host and units.
+    explicit Lv2UnitHost(SystemLog& systemLog, std::string searchPath = lv2_units::environmentSearchPath());
+    ~Lv2UnitHost() override;
+    Lv2UnitHost(const Lv2UnitHost&) = delete;
+    Lv2UnitHost& operator=(const Lv2UnitHost&) = delete;
+
+    /// The first call, or the first instantiation, scans the search path; what is installed later is not
+    /// seen. Any thread.
+    std::vector<AVAudioUnitComponent>
+    componentsMatchingDescription(const AudioComponentDescription& description) override;
+
+    void instantiate(
+        const AudioComponentDescription& description, std::uint32_t options,
+        InstantiationCompletion completion
+    ) override;
+
+  private:
+    struct Request {
+        AudioComponentDescription description;
+        InstantiationCompletion completion;
+    };
+
+    const std::vector<lv2_units::InstalledPlugin>& plugins();
+    Result<std::shared_ptr<AUAudioUnit>> makeUnit(const AudioComponentDescription& description);
+    void serveRequests();
+
+    std::shared_ptr<lv2_units::HostServices> services;
+    std::string path;
+    std::once_flag scanned;
+    std::vector<lv2_units::InstalledPlugin> installed;
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<Request> requests;
+    bool isClosing = false;
+    std::thread loader;
+};
+
+} // namespace orvane::platform

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/lv2_units/lilv_handles.h"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::platform::lv2_units {
+
+/// The descriptions in one bundle, in a world of their own: any number of bundles can be read side by side,
+/// and nothing of them stays in memory. No code of a plugin is loaded. One thread at a time.
+class PluginBundle final {
+  public:
+    explicit PluginBundle(const std::filesystem::path& folder);
+
+    /// The plugins that the bundle declares, in an order that is the same on every call; they live as long as
+    /// the bundle.
+    [[nodiscard]] std::vector<const LilvPlugin*> plugins() const;
+    /// Null where the bundle does not declare it.
+    [[nodiscard]] const LilvPlugin* plugin(const std::string& uri) const;
+
+    [[nodiscard]] LilvWorld* lilvWorld() const { return world.get(); }
+    /// The node of a URI that is named in code, made once.
+    [[nodiscard]] const LilvNode* node(std::string_view uri);
+
+    /// What `subject` has as `predicate`, as text; empty where there is none.
+    [[nodiscard]] std::string text(const LilvNode* subject, std::string_view predicate);
+    /// The URIs of `subject`'s `predicate`.
+    [[nodiscard]] std::vector<std::string> uris(const LilvNode* subject, std::string_view predicate);
+    /// A number that `subject` has as `predicate`.
+    [[nodiscard]] std::optional<int> integer(const LilvNode* subject, std::string_view predicate);
+
+  private:
+    WorldHandle world;
+    std::map<std::string, NodeHandle, std::less<>> nodes;
+};
+
+/// What a node says as text; empty for none.
+std::string textOf(const LilvNode* node);
+
+/// Every bundle folder in a list of folders that colons separate, "~" standing for the home folder, in the
+/// list's order and then by name.
+std::vector<std::filesystem::path> bundleFolders(std::string_view searchPath);
+
+/// Where the user's environment says that bundles are, or where they are by custom.
+std::string environmentSearchPath();
+
+/// Why the bundle's manifest cannot be read, where that is so.
+std::optional<std::string> manifestProblem(const std::filesystem::path& folder);
+
+} // namespace orvane::platform::lv2_units

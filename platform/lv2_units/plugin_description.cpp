@@ -1,0 +1,118 @@
+#include "platform/lv2_units/plugin_description.h"
+
+#include "platform/lv2_units/control_port.h"
+
+#include <fmt/format.h>
+#include <lv2/atom/atom.h>
+#include <lv2/core/lv2.h>
+#include <lv2/options/options.h>
+#include <lv2/port-groups/port-groups.h>
+#include <lv2/resize-port/resize-port.h>
+#include <lv2/state/state.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+/// What an atom port gets where its plugin does not ask for more, in bytes.
+constexpr std::size_t smallestAtomBuffer = 8192;
+/// No plugin gets more, whatever its description says.
+constexpr std::size_t largestAtomBuffer = std::size_t{16} << 20;
+
+bool isSideChain(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
+    if (lilv_port_has_property(plugin, port, bundle.node(LV2_CORE_PREFIX "isSideChain"))) return true;
+    const NodeHandle group(lilv_port_get(plugin, port, bundle.node(LV2_PORT_GROUPS__group)));
+    return group != nullptr && !bundle.uris(group.get(), LV2_PORT_GROUPS__sideChainOf).empty();
+}
+
+PortKind kindOf(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
+    const std::pair<const char*, PortKind> kinds[] = {
+        {LV2_CORE__ControlPort, PortKind::control},
+        {LV2_CORE__AudioPort, PortKind::audio},
+        {LV2_CORE__CVPort, PortKind::cv},
+        {LV2_ATOM__AtomPort, PortKind::atom}};
+    for (const auto& [uri, kind] : kinds)
+        if (lilv_port_is_a(plugin, port, bundle.node(uri))) return kind;
+    return PortKind::unknown;
+}
+
+std::size_t atomBufferSize(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
+    const auto asked = bundle.integer(lilv_port_get_node(plugin, port), LV2_RESIZE_PORT__minimumSize);
+    return std::clamp(
+        static_cast<std::size_t>(std::max(asked.value_or(0), 0)), smallestAtomBuffer, largestAtomBuffer
+    );
+}
+
+std::string pathOf(const LilvNode* uri) {
+    const TextHandle path(uri == nullptr ? nullptr : lilv_node_get_path(uri, nullptr));
+    return path == nullptr ? std::string() : std::string(path.get());
+}
+
+} // namespace
+
+Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* plugin) {
+    const std::uint32_t count = lilv_plugin_get_num_ports(plugin);
+    if (count == 0) return Error{"its ports cannot be read"};
+    std::vector<PortRole> roles(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const LilvPort* const port = lilv_plugin_get_port_by_index(plugin, i);
+        if (port == nullptr) return Error{fmt::format("it has no port number {}", i)};
+        const bool isInput = lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort));
+        if (isInput == lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort)))
+            return Error{fmt::format("its port number {} is not either an input or an output", i)};
+        roles[i].isInput = isInput;
+        roles[i].kind = kindOf(bundle, plugin, port);
+        roles[i].isOptional = lilv_port_has_property(plugin, port, bundle.node(LV2_CORE__connectionOptional));
+        roles[i].isSideChain =
+            isInput && roles[i].kind == PortKind::audio && isSideChain(bundle, plugin, port);
+    }
+    return roles;
+}
+
+MainAudioPorts mainAudioPorts(const std::vector<PortRole>& roles) {
+    const auto matching = [&](const PortRole& wanted) {
+        std::vector<std::uint32_t> found;
+        for (std::uint32_t i = 0; i < roles.size(); ++i)
+            if (roles[i] == wanted) found.push_back(i);
+        return found;
+    };
+    const auto ofDirection = [&](bool isInput) {
+        auto required = matching({PortKind::audio, isInput, false, false});
+        return required.empty() ? matching({PortKind::audio, isInput, true, false}) : required;
+    };
+    return {ofDirection(true), ofDirection(false)};
+}
+
+Result<PluginDescription> describe(PluginBundle& bundle, const LilvPlugin* plugin) {
+    const LilvNode* const uri = lilv_plugin_get_uri(plugin);
+    PluginDescription description;
+    description.uri = textOf(uri);
+    description.name = textOf(NodeHandle(lilv_plugin_get_name(plugin)).get());
+    description.bundlePath = pathOf(lilv_plugin_get_bundle_uri(plugin));
+    description.libraryPath = pathOf(lilv_plugin_get_library_uri(plugin));
+    description.requiredFeatures = bundle.uris(uri, LV2_CORE__requiredFeature);
+    description.requiredOptions = bundle.uris(uri, LV2_OPTIONS__requiredOption);
+    description.restoresWhileRunning =
+        lilv_plugin_has_feature(plugin, bundle.node(LV2_STATE__threadSafeRestore));
+
+    auto roles = portRoles(bundle, plugin);
+    if (!roles)
+        return Error{fmt::format("\"{}\" cannot be used: {}.", description.name, roles.error().description)};
+    description.roles = std::move(roles).value();
+    description.audio = mainAudioPorts(description.roles);
+    for (std::uint32_t i = 0; i < description.roles.size(); ++i) {
+        const LilvPort* const port = lilv_plugin_get_port_by_index(plugin, i);
+        const PortKind kind = description.roles[i].kind;
+        description.bufferSizes.push_back(kind == PortKind::atom ? atomBufferSize(bundle, plugin, port) : 0);
+        const std::optional<float> held = heldValue(bundle, plugin, port);
+        description.heldValues.push_back(held.value_or(0.0F));
+        if (kind == PortKind::control && !held)
+            description.controls.push_back(describeControl(bundle, plugin, port));
+    }
+    return description;
+}
+
+} // namespace orvane::platform::lv2_units

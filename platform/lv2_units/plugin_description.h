@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/audio_unit_host.h"
+#include "platform/lv2_units/plugin_bundle.h"
+#include "platform/result.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::platform::lv2_units {
+
+enum class PortKind { audio, control, cv, atom, unknown };
+
+/// What a port is to whoever connects it. A plain value.
+struct PortRole {
+    PortKind kind = PortKind::unknown;
+    bool isInput = false;
+    /// It may be left unconnected.
+    bool isOptional = false;
+    /// An audio input beside the signal that is processed.
+    bool isSideChain = false;
+
+    bool operator==(const PortRole&) const = default;
+};
+
+/// The ports that carry the signal: those that must be connected, or, of a direction where none must be, all
+/// but side chains.
+struct MainAudioPorts {
+    std::vector<std::uint32_t> inputs;
+    std::vector<std::uint32_t> outputs;
+};
+
+/// A control port that is a parameter of the unit. A plain value.
+struct ControlPort {
+    std::uint32_t index = 0;
+    /// The range and the default are factors of the sample rate where `scalesWithSampleRate`.
+    AUParameterInfo info;
+    bool scalesWithSampleRate = false;
+    /// Set for a moment, to make something happen; not part of the sound.
+    bool isTrigger = false;
+};
+
+/// All that hosting a plugin takes to know about it. A plain value.
+struct PluginDescription {
+    std::string uri;
+    std::string name;
+    std::string bundlePath;
+    std::string libraryPath;
+    std::vector<std::string> requiredFeatures;
+    std::vector<std::string> requiredOptions;
+    /// Its state can be restored while it runs.
+    bool restoresWhileRunning = false;
+
+    /// By port index, all three.
+    std::vector<PortRole> roles;
+    /// How large the buffer of an atom port is at least, in bytes.
+    std::vector<std::size_t> bufferSizes;
+    /// What a control port that is no parameter is held at.
+    std::vector<float> heldValues;
+
+    MainAudioPorts audio;
+    std::vector<ControlPort> controls;
+};
+
+/// The roles of the plugin's ports by index, or why it cannot be connected, as the end of a sentence.
+Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* plugin);
+
+MainAudioPorts mainAudioPorts(const std::vector<PortRole>& roles);
+
+/// Reads the description of a plugin of the bundle.
+Result<PluginDescription> describe(PluginBundle& bundle, const LilvPlugin* plugin);
+
+} // namespace orvane::platform::lv2_units

@@ -1,0 +1,177 @@
+#include "platform/lv2_units/plugin_instance.h"
+
+#include "platform/lv2_units/plugin_state.h"
+#include "platform/lv2_units/state_paths.h"
+
+#include <fmt/format.h>
+#include <lv2/atom/atom.h>
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <utility>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+/// The interface that a plugin has under a URI; null where it has none.
+template <class Interface>
+const Interface* extension(const LV2_Descriptor& descriptor, const char* uri) {
+    if (descriptor.extension_data == nullptr) return nullptr;
+    return static_cast<const Interface*>(descriptor.extension_data(uri));
+}
+
+std::size_t sideBlockCount(const PluginDescription& description) {
+    const auto count = std::ranges::count_if(description.roles, [](const PortRole& role) {
+        return role.kind == PortKind::audio || role.kind == PortKind::cv;
+    });
+    return static_cast<std::size_t>(count) - description.audio.inputs.size()
+           - description.audio.outputs.size();
+}
+
+bool contains(const std::vector<std::uint32_t>& ports, std::uint32_t port) {
+    return std::ranges::find(ports, port) != ports.end();
+}
+
+std::optional<Error> whyUnconnectable(const PluginDescription& description) {
+    for (std::size_t i = 0; i < description.roles.size(); ++i)
+        if (description.roles[i].kind == PortKind::unknown && !description.roles[i].isOptional)
+            return Error{fmt::format(
+                "\"{}\" cannot be used: its port number {} is of a kind that is not supported.",
+                description.name, i
+            )};
+    return std::nullopt;
+}
+
+} // namespace
+
+Result<std::unique_ptr<PluginInstance>> PluginInstance::make(
+    std::shared_ptr<const PluginDescription> description, std::shared_ptr<HostServices> services,
+    const InstanceSettings& settings
+) {
+    if (auto error = HostFeatures::whyUnsupported(*description)) return *std::move(error);
+    if (auto error = whyUnconnectable(*description)) return *std::move(error);
+    auto library = PluginLibrary::load(*description);
+    if (!library) return library.error();
+    std::unique_ptr<PluginInstance> instance(
+        new PluginInstance(description, std::move(services), std::move(library).value(), settings)
+    );
+    if (!instance->instantiate())
+        return Error{
+            fmt::format("\"{}\" could not be started at {:.0f} Hz.", description->name, settings.sampleRate)};
+    return instance;
+}
+
+PluginInstance::PluginInstance(
+    std::shared_ptr<const PluginDescription> pluginDescription, std::shared_ptr<HostServices> hostServices,
+    PluginLibrary pluginLibrary, const InstanceSettings& settings
+)
+    : description(std::move(pluginDescription)),
+      services(std::move(hostServices)),
+      library(std::move(pluginLibrary)),
+      madeFor(settings),
+      features(*services, description->name, worker.schedule(), madeFor.sampleRate, madeFor.maximumFrames),
+      controls(description->heldValues),
+      sideBlocks(sideBlockCount(*description), madeFor.maximumFrames),
+      sequenceType(services->urids.map(LV2_ATOM__Sequence)),
+      chunkType(services->urids.map(LV2_ATOM__Chunk)) {
+    for (const std::size_t bytes : description->bufferSizes)
+        atomBuffers.emplace_back((bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t));
+}
+
+PluginInstance::~PluginInstance() {
+    worker.stop();
+    const std::scoped_lock lock(services->instantiating);
+    if (handle != nullptr && library.descriptor().cleanup != nullptr) library.descriptor().cleanup(handle);
+}
+
+bool PluginInstance::instantiate() {
+    const LV2_Descriptor& descriptor = library.descriptor();
+    {
+        const std::scoped_lock lock(services->instantiating);
+        handle = descriptor.instantiate(
+            &descriptor, madeFor.sampleRate, description->bundlePath.c_str(), features.list()
+        );
+    }
+    if (handle == nullptr) return false;
+    connectPorts();
+    stateInterface = extension<LV2_State_Interface>(descriptor, LV2_STATE__interface);
+    if (const auto* const work = extension<LV2_Worker_Interface>(descriptor, LV2_WORKER__interface))
+        worker.start(handle, *work);
+    return true;
+}
+
+void PluginInstance::connectPorts() {
+    std::size_t nextSideBlock = 0;
+    for (std::uint32_t i = 0; i < description->roles.size(); ++i) {
+        const PortRole& role = description->roles[i];
+        void* buffer = nullptr;
+        if (role.kind == PortKind::control) {
+            buffer = &controls[i];
+        } else if (role.kind == PortKind::atom) {
+            buffer = atomBuffers[i].data();
+        } else if (role.kind == PortKind::audio || role.kind == PortKind::cv) {
+            if (contains(description->audio.inputs, i) || contains(description->audio.outputs, i)) continue;
+            void* const block = sideBlocks[nextSideBlock++].data();
+            if (!role.isOptional) buffer = block;
+        }
+        library.descriptor().connect_port(handle, i, buffer);
+    }
+}
+
+void PluginInstance::activate() {
+    const Worker::ControlCall call(worker);
+    if (library.descriptor().activate != nullptr) library.descriptor().activate(handle);
+}
+
+void PluginInstance::deactivate() {
+    const Worker::ControlCall call(worker);
+    if (library.descriptor().deactivate != nullptr) library.descriptor().deactivate(handle);
+}
+
+void PluginInstance::run(
+    std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount
+) noexcept {
+    const LV2_Descriptor& descriptor = library.descriptor();
+    // The interface takes inputs as pointers to what could be written to; plugins do not.
+    for (std::size_t c = 0; c < inputs.size(); ++c)
+        descriptor.connect_port(handle, description->audio.inputs[c], const_cast<float*>(inputs[c]));
+    for (std::size_t c = 0; c < outputs.size(); ++c)
+        descriptor.connect_port(handle, description->audio.outputs[c], outputs[c]);
+    clearAtomPorts();
+    descriptor.run(handle, frameCount);
+    worker.deliverResponses();
+}
+
+void PluginInstance::clearAtomPorts() noexcept {
+    for (std::size_t i = 0; i < atomBuffers.size(); ++i) {
+        if (atomBuffers[i].empty()) continue;
+        auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(atomBuffers[i].data());
+        if (description->roles[i].isInput) {
+            sequence.atom = {sizeof sequence.body, sequenceType};
+        } else {
+            const std::size_t bytes = atomBuffers[i].size() * sizeof(std::max_align_t);
+            sequence.atom = {static_cast<std::uint32_t>(bytes - sizeof sequence.atom), chunkType};
+        }
+        sequence.body = {};
+    }
+}
+
+PropertyList::Dictionary PluginInstance::state() const {
+    if (stateInterface == nullptr) return {};
+    const auto paths = statePathFeatures();
+    const LV2_Feature* const offered[] = {&paths[0], &paths[1], nullptr};
+    return savePluginState(*stateInterface, handle, services->urids, offered);
+}
+
+void PluginInstance::restore(const PropertyList::Dictionary& state) {
+    if (stateInterface == nullptr) return;
+    const Worker::ControlCall call(worker);
+    const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
+    const auto paths = statePathFeatures();
+    const LV2_Feature* const offered[] = {&paths[0], &paths[1], &schedule, nullptr};
+    restorePluginState(*stateInterface, handle, services->urids, offered, state);
+}
+
+} // namespace orvane::platform::lv2_units

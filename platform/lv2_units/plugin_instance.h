@@ -1,0 +1,94 @@
+#pragma once
+
+#include "dsp/channel_blocks.h"
+#include "dsp/realtime.h"
+#include "platform/lv2_units/host_features.h"
+#include "platform/lv2_units/host_services.h"
+#include "platform/lv2_units/plugin_description.h"
+#include "platform/lv2_units/plugin_library.h"
+#include "platform/lv2_units/worker.h"
+#include "platform/property_list.h"
+#include "platform/result.h"
+
+#include <lv2/core/lv2.h>
+#include <lv2/state/state.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace orvane::platform::lv2_units {
+
+/// How an instance is to run.
+struct InstanceSettings {
+    /// In Hz.
+    double sampleRate = 48000.0;
+    /// The longest block, in frames.
+    std::uint32_t maximumFrames = 4096;
+};
+
+/// A running plugin with every port but those of the main signal connected: controls to values, event
+/// inputs to empty sequences, what is beside the signal to silence. Owned by its unit. Control thread, but
+/// for what says otherwise.
+class PluginInstance final {
+  public:
+    /// Loads and instantiates the plugin, or says why not. Any thread; takes its time.
+    static Result<std::unique_ptr<PluginInstance>> make(
+        std::shared_ptr<const PluginDescription> description, std::shared_ptr<HostServices> services,
+        const InstanceSettings& settings
+    );
+    ~PluginInstance();
+    PluginInstance(const PluginInstance&) = delete;
+    PluginInstance& operator=(const PluginInstance&) = delete;
+
+    [[nodiscard]] const InstanceSettings& settings() const { return madeFor; }
+
+    void activate();
+    void deactivate();
+
+    /// The value of each control port, by port index. Render thread.
+    [[nodiscard]] std::span<float> controlValues() noexcept { return controls; }
+
+    /// Runs the plugin from the inputs into the outputs, one buffer of `frameCount` samples for each main
+    /// audio port. Render thread, real-time safe where the plugin is.
+    ORVANE_REALTIME void
+    run(std::span<const float* const> inputs, std::span<float* const> outputs,
+        std::uint32_t frameCount) noexcept;
+
+    /// What the plugin's state interface saves. Also while it runs.
+    [[nodiscard]] PropertyList::Dictionary state() const;
+    /// Lets the plugin take a state; while it runs only if its description says so.
+    void restore(const PropertyList::Dictionary& state);
+
+  private:
+    PluginInstance(
+        std::shared_ptr<const PluginDescription> pluginDescription,
+        std::shared_ptr<HostServices> hostServices, PluginLibrary pluginLibrary,
+        const InstanceSettings& settings
+    );
+
+    bool instantiate();
+    void connectPorts();
+    ORVANE_REALTIME void clearAtomPorts() noexcept;
+
+    std::shared_ptr<const PluginDescription> description;
+    std::shared_ptr<HostServices> services;
+    PluginLibrary library;
+    InstanceSettings madeFor;
+    Worker worker;
+    HostFeatures features;
+    LV2_Handle handle = nullptr;
+    const LV2_State_Interface* stateInterface = nullptr;
+
+    /// By port index, both; an atom's buffer is empty where the port is of another kind.
+    std::vector<float> controls;
+    std::vector<std::vector<std::max_align_t>> atomBuffers;
+    /// One block for each audio and CV port beside the signal.
+    dsp::ChannelBlocks<float> sideBlocks;
+    LV2_URID sequenceType;
+    LV2_URID chunkType;
+};
+
+} // namespace orvane::platform::lv2_units

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/lv2_units/urid_map.h"
+#include "platform/property_list.h"
+
+#include <lv2/core/lv2.h>
+#include <lv2/state/state.h>
+
+namespace orvane::platform::lv2_units {
+
+/// What the plugin's state interface saves, each value under the URI of its key as a dictionary of its
+/// "type" (a URI), "flags" and "value". Only what means the same in another process is kept: plain data
+/// without paths. Control thread.
+PropertyList::Dictionary savePluginState(
+    const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
+    const LV2_Feature* const* features
+);
+
+/// Lets the plugin take what was saved. Entries that are not of that form, or not of the size that their
+/// type has, are as if they were not there. Control thread.
+void restorePluginState(
+    const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
+    const LV2_Feature* const* features, const PropertyList::Dictionary& state
+);
+
+} // namespace orvane::platform::lv2_units

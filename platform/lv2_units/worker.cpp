@@ -1,0 +1,80 @@
+#include "platform/lv2_units/worker.h"
+
+#include <span>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+std::span<const std::byte> message(std::uint32_t size, const void* data) noexcept {
+    return {static_cast<const std::byte*>(data), data == nullptr ? 0 : size};
+}
+
+LV2_Worker_Status statusOf(bool isWritten) noexcept {
+    return isWritten ? LV2_WORKER_SUCCESS : LV2_WORKER_ERR_NO_SPACE;
+}
+
+} // namespace
+
+Worker::Worker() : feature{this, scheduleWork} {}
+
+Worker::ControlCall::ControlCall(Worker& called) : worker(called), lock(called.working) {
+    worker.controlThread.store(std::this_thread::get_id());
+}
+
+void Worker::start(LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface) {
+    handle = pluginHandle;
+    interface = &pluginInterface;
+    thread = std::thread([this] { run(); });
+}
+
+void Worker::stop() {
+    if (!thread.joinable()) return;
+    isStopping.store(true);
+    wakeUps.fetch_add(1);
+    wakeUps.notify_one();
+    thread.join();
+}
+
+void Worker::deliverResponses() noexcept {
+    if (interface == nullptr) return;
+    while (const auto size = responses.take(response))
+        if (interface->work_response != nullptr)
+            interface->work_response(handle, static_cast<std::uint32_t>(*size), response.bytes.data());
+    if (interface->end_run != nullptr) interface->end_run(handle);
+}
+
+LV2_Worker_Status
+Worker::scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, const void* data) {
+    auto& self = *static_cast<Worker*>(worker);
+    const bool isControl = self.controlThread.load() == std::this_thread::get_id();
+    MessageRing& requests = isControl ? self.controlRequests : self.renderRequests;
+    if (!requests.write(message(size, data))) return statusOf(false);
+    self.wakeUps.fetch_add(1);
+    self.wakeUps.notify_one();
+    return statusOf(true);
+}
+
+LV2_Worker_Status Worker::respond(LV2_Worker_Respond_Handle worker, std::uint32_t size, const void* data) {
+    return statusOf(static_cast<Worker*>(worker)->responses.write(message(size, data)));
+}
+
+void Worker::run() {
+    while (!isStopping.load()) {
+        const std::uint32_t seen = wakeUps.load();
+        workOff(controlRequests);
+        workOff(renderRequests);
+        if (!isStopping.load()) wakeUps.wait(seen);
+    }
+}
+
+void Worker::workOff(MessageRing& requests) {
+    while (!isStopping.load()) {
+        const std::scoped_lock lock(working);
+        const auto size = requests.take(request);
+        if (!size) return;
+        interface->work(handle, respond, this, static_cast<std::uint32_t>(*size), request.bytes.data());
+    }
+}
+
+} // namespace orvane::platform::lv2_units

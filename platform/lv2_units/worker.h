@@ -1,0 +1,78 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/lv2_units/message_ring.h"
+
+#include <lv2/worker/worker.h>
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace orvane::platform::lv2_units {
+
+/// Does a plugin's work that must not be done on the audio thread, on a thread of its own, and carries the
+/// responses back. Owned by the plugin's instance, which starts it once the plugin is there.
+class Worker final {
+  public:
+    Worker();
+    ~Worker() { stop(); }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    /// What the plugin schedules work with: from its run(), and within a `ControlCall`.
+    LV2_Worker_Schedule* schedule() { return &feature; }
+
+    /// Control thread.
+    void start(LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface);
+    /// Waits for the work that is being done; what waits behind it is dropped. Control thread.
+    void stop();
+
+    /// Hands the plugin what its work has answered and ends the run; after each run(). Render thread,
+    /// real-time safe where the plugin is.
+    ORVANE_REALTIME void deliverResponses() noexcept;
+
+    /// While it lives, what the calling thread schedules comes from the control side, whose way to the
+    /// worker is another one than the render thread's. No work is done meanwhile.
+    class ControlCall final {
+      public:
+        explicit ControlCall(Worker& called);
+        ~ControlCall() { worker.controlThread.store(std::thread::id()); }
+        ControlCall(const ControlCall&) = delete;
+        ControlCall& operator=(const ControlCall&) = delete;
+
+      private:
+        Worker& worker;
+        std::scoped_lock<std::mutex> lock;
+    };
+
+  private:
+    static LV2_Worker_Status
+    scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, const void* data);
+    static LV2_Worker_Status respond(LV2_Worker_Respond_Handle worker, std::uint32_t size, const void* data);
+
+    void run();
+    void workOff(MessageRing& requests);
+
+    LV2_Worker_Schedule feature;
+    LV2_Handle handle = nullptr;
+    const LV2_Worker_Interface* interface = nullptr;
+
+    MessageRing renderRequests;
+    MessageRing controlRequests;
+    MessageRing responses;
+    MessageRing::Message request;
+    MessageRing::Message response;
+
+    /// Held while the plugin works.
+    std::mutex working;
+    std::atomic<std::thread::id> controlThread;
+    /// What the thread waits for a change of.
+    std::atomic<std::uint32_t> wakeUps = 0;
+    std::atomic<bool> isStopping = false;
+    std::thread thread;
+};
+
+} // namespace orvane::platform::lv2_units
