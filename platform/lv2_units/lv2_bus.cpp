@@ -7,8 +7,10 @@ namespace orvane::platform::lv2_units {
 Result<Done> Lv2Bus::setFormat(const AVAudioFormat& format) {
     if (isBusy()) return Error{fmt::format("{} cannot change its format while it is in use.", name)};
     if (format.channelCount != current.channelCount)
-        return Error{
-            fmt::format("{} has {} channels, not {}.", name, current.channelCount, format.channelCount)};
+        return Error{fmt::format(
+            "{} is for {} channel{}, not {}.", name, current.channelCount,
+            current.channelCount == 1 ? "" : "s", format.channelCount
+        )};
     if (!AVAudioFormat::initStandardFormat(format.sampleRate, format.channelCount))
         return Error{fmt::format("{} cannot run at {} Hz.", name, format.sampleRate)};
     current = format;

@@ -11,6 +11,7 @@
 #include <lv2/state/state.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace orvane::platform::lv2_units {
@@ -22,10 +23,13 @@ constexpr std::size_t smallestAtomBuffer = 8192;
 /// No plugin gets more, whatever its description says.
 constexpr std::size_t largestAtomBuffer = std::size_t{16} << 20;
 
-bool isSideChain(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
-    if (lilv_port_has_property(plugin, port, bundle.node(LV2_CORE_PREFIX "isSideChain"))) return true;
+/// Adds what only audio ports have.
+void describeAudio(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port, PortRole& role) {
     const NodeHandle group(lilv_port_get(plugin, port, bundle.node(LV2_PORT_GROUPS__group)));
-    return group != nullptr && !bundle.uris(group.get(), LV2_PORT_GROUPS__sideChainOf).empty();
+    role.group = textOf(group.get());
+    role.isSideChain =
+        lilv_port_has_property(plugin, port, bundle.node(LV2_CORE_PREFIX "isSideChain"))
+        || (group != nullptr && !bundle.uris(group.get(), LV2_PORT_GROUPS__sideChainOf).empty());
 }
 
 PortKind kindOf(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
@@ -66,22 +70,29 @@ Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* 
         roles[i].isInput = isInput;
         roles[i].kind = kindOf(bundle, plugin, port);
         roles[i].isOptional = lilv_port_has_property(plugin, port, bundle.node(LV2_CORE__connectionOptional));
-        roles[i].isSideChain =
-            isInput && roles[i].kind == PortKind::audio && isSideChain(bundle, plugin, port);
+        if (roles[i].kind == PortKind::audio) describeAudio(bundle, plugin, port, roles[i]);
     }
     return roles;
 }
 
 MainAudioPorts mainAudioPorts(const std::vector<PortRole>& roles) {
-    const auto matching = [&](const PortRole& wanted) {
-        std::vector<std::uint32_t> found;
-        for (std::uint32_t i = 0; i < roles.size(); ++i)
-            if (roles[i] == wanted) found.push_back(i);
-        return found;
-    };
     const auto ofDirection = [&](bool isInput) {
-        auto required = matching({PortKind::audio, isInput, false, false});
-        return required.empty() ? matching({PortKind::audio, isInput, true, false}) : required;
+        const auto carriesSignal = [&](const PortRole& role) {
+            return role.kind == PortKind::audio && role.isInput == isInput && !role.isSideChain;
+        };
+        std::set<std::string> neededGroups;
+        bool isAnyNeeded = false;
+        for (const PortRole& role : roles) {
+            if (!carriesSignal(role) || role.isOptional) continue;
+            isAnyNeeded = true;
+            if (!role.group.empty()) neededGroups.insert(role.group);
+        }
+        std::vector<std::uint32_t> ports;
+        for (std::uint32_t i = 0; i < roles.size(); ++i)
+            if (carriesSignal(roles[i])
+                && (!isAnyNeeded || !roles[i].isOptional || neededGroups.contains(roles[i].group)))
+                ports.push_back(i);
+        return ports;
     };
     return {ofDirection(true), ofDirection(false)};
 }

@@ -22,12 +22,12 @@ struct PortRole {
     bool isOptional = false;
     /// An audio input beside the signal that is processed.
     bool isSideChain = false;
-
-    bool operator==(const PortRole&) const = default;
+    /// Names the group that an audio port belongs to; empty for none.
+    std::string group = {};
 };
 
-/// The ports that carry the signal: those that must be connected, or, of a direction where none must be, all
-/// but side chains.
+/// The ports that carry the signal: those audio ports, but side chains, that must be connected, and those
+/// that are in a group with one of them. All, of a direction where none must be connected.
 struct MainAudioPorts {
     std::vector<std::uint32_t> inputs;
     std::vector<std::uint32_t> outputs;

@@ -1,0 +1,124 @@
+#include "platform/lv2_units/component_scan.h"
+
+#include "platform/lv2_units/lv2_unit_host.h"
+#include "support/lv2_bundles.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace orvane::platform::lv2_units {
+namespace {
+
+using test::Lv2Bundles;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+struct Scan {
+    std::vector<InstalledPlugin> effects;
+    std::vector<std::string> lines;
+};
+
+Scan scan(const std::string& searchPath) {
+    Scan result;
+    SystemLog log([&](const LogLine& line) { result.lines.emplace_back(line.text); });
+    result.effects = scanForEffects(searchPath, log);
+    log.flush();
+    return result;
+}
+
+std::vector<std::string> names(const std::vector<AVAudioUnitComponent>& components) {
+    std::vector<std::string> all;
+    for (const auto& component : components)
+        all.push_back(component.name);
+    return all;
+}
+
+TEST(ComponentScan, CodesArePublishedHashesOfTheText) {
+    EXPECT_EQ(stableCode(""), 0x811c9dc5U);
+    EXPECT_EQ(stableCode("a"), 0xe40c292cU);
+    EXPECT_EQ(stableCode("foobar"), 0xbf9cf968U);
+}
+
+TEST(ComponentScan, ListsTheInstalledEffectsInOrderWithoutLoadingAny) {
+    SystemLog log([](const LogLine&) {});
+    Lv2UnitHost host(log);
+    const auto all = host.componentsMatchingDescription({});
+
+    EXPECT_THAT(
+        names(all),
+        AllOf(
+            Contains("MDA Limiter"), Contains("MDA Stereo"), Contains("Stereo Balance Control"),
+            Contains("x42-eq - Parametric Equalizer Mono"), Contains("Matrix Mixer 8x8"),
+            // An instrument, a generator and a MIDI filter.
+            Not(Contains("MDA ePiano")), Not(Contains("Test Signal")), Not(Contains("MIDI Channel Filter"))
+        )
+    );
+    EXPECT_TRUE(std::ranges::is_sorted(all, {}, [](const AVAudioUnitComponent& component) {
+        return std::tie(component.manufacturerName, component.name);
+    }));
+    EXPECT_THAT(test::contentOf("/proc/self/maps"), Not(HasSubstr("/lv2/")));
+
+    const auto equalizer =
+        std::ranges::find(all, "x42-eq - Parametric Equalizer Mono", &AVAudioUnitComponent::name);
+    const AudioComponentDescription expected{
+        .componentType = kAudioUnitType_Effect,
+        .componentSubType = stableCode("http://gareus.org/oss/lv2/fil4#mono"),
+        .componentManufacturer = stableCode("Robin Gareus")};
+    EXPECT_EQ(equalizer->audioComponentDescription, expected);
+    EXPECT_THAT(host.componentsMatchingDescription(expected), ElementsAre(*equalizer));
+    EXPECT_EQ(host.componentsMatchingDescription({.componentType = kAudioUnitType_Effect}), all);
+    EXPECT_THAT(host.componentsMatchingDescription({.componentType = kAudioUnitType_MusicEffect}), IsEmpty());
+}
+
+TEST(ComponentScan, LeavesOutWhatItCannotUseAndSaysWhy) {
+    const Lv2Bundles bundles;
+    bundles.add("good.lv2", Lv2Bundles::plugin("urn:good", "Good", ""));
+    bundles.add("broken.lv2", "<urn:broken> a lv2:Plugin ; doap:name \"unfinished");
+    bundles.add(
+        "nameless.lv2", "<urn:nameless> a lv2:Plugin ; lv2:port [" + Lv2Bundles::audioPort(0, "Input") + "] ."
+    );
+    bundles.add(
+        "ports.lv2", "<urn:ports> a lv2:Plugin ; doap:name \"Ports\" ; lv2:port [ a lv2:AudioPort ; "
+                     "lv2:index 0 ; lv2:symbol \"p\" ; lv2:name \"P\" ] ."
+    );
+    bundles.add("empty.lv2", "");
+    std::filesystem::create_directory(bundles.searchPath() + "none.lv2");
+
+    const Scan result = scan("/nonexistent:" + bundles.searchPath());
+    ASSERT_EQ(result.effects.size(), 1U);
+    EXPECT_EQ(result.effects[0].component.name, "Good");
+    EXPECT_THAT(
+        result.lines, testing::UnorderedElementsAre(
+                          AllOf(HasSubstr("broken.lv2: its manifest.ttl cannot be read (line ")),
+                          "Left out urn:nameless: it has no name.",
+                          AllOf(HasSubstr("Left out urn:ports: "), HasSubstr("port")),
+                          AllOf(HasSubstr("none.lv2: its manifest.ttl cannot be opened"))
+                      )
+    );
+}
+
+TEST(ComponentScan, OfAPluginThatIsInstalledTwiceTheNewerCountsOrElseTheFirstOnThePath) {
+    const Lv2Bundles mine;
+    const Lv2Bundles systems;
+    const auto version = [](int minor) { return "lv2:minorVersion " + std::to_string(minor) + " ;"; };
+    mine.add("a.lv2", Lv2Bundles::plugin("urn:a", "Mine", version(2)));
+    systems.add("a.lv2", Lv2Bundles::plugin("urn:a", "System's", version(2)));
+    mine.add("b.lv2", Lv2Bundles::plugin("urn:b", "Old", version(2)));
+    systems.add("b.lv2", Lv2Bundles::plugin("urn:b", "New", version(4)));
+
+    const Scan result = scan(mine.searchPath() + ":" + systems.searchPath());
+    ASSERT_EQ(result.effects.size(), 2U);
+    EXPECT_EQ(result.effects[0].component.name, "Mine");
+    EXPECT_EQ(result.effects[1].component.name, "New");
+}
+
+} // namespace
+} // namespace orvane::platform::lv2_units

@@ -1,0 +1,372 @@
+#include "platform/lv2_units/lv2_unit_host.h"
+#include "support/hosted_unit.h"
+#include "support/lv2_bundles.h"
+#include "support/scripted_lv2.h"
+#include "support/wait_for.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <lv2/atom/atom.h>
+
+#include <algorithm>
+#include <cmath>
+#include <future>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orvane::platform {
+namespace {
+
+using test::Lv2Bundles;
+using test::parameter;
+using test::setUp;
+using test::UnitRenderer;
+using test::waitFor;
+using testing::Each;
+using testing::HasSubstr;
+using Dictionary = PropertyList::Dictionary;
+
+/// A description of the scripted plugin.
+std::string scripted(const std::string& variant, const std::string& more = "") {
+    return fmt::format(
+        R"(<urn:orvane:test:{0}> a lv2:Plugin ; doap:name "{0}" ; doap:maintainer [ foaf:name "Tests" ] ;
+        lv2:binary <file://{1}> ; {2} lv2:port
+        [ {3} ] , [ {4} ] ,
+        [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol "gain" ; lv2:name "Gain" ;
+          lv2:default 0.5 ; lv2:maximum 2 ] ,
+        [ a lv2:ControlPort, lv2:OutputPort ; lv2:index 3 ; lv2:symbol "answer" ; lv2:name "Answer" ] ,
+        [ a atom:AtomPort, lv2:InputPort ; lv2:index 4 ; lv2:symbol "in" ; lv2:name "In" ] ,
+        [ a atom:AtomPort, lv2:OutputPort ; lv2:index 5 ; lv2:symbol "out" ; lv2:name "Out" ;
+          rsz:minimumSize 65544 ] ,
+        [ lv2:portProperty lv2:connectionOptional, lv2:isSideChain ; {5} ] ,
+        [ a lv2:CVPort, lv2:InputPort ; lv2:index 7 ; lv2:symbol "cv" ; lv2:name "CV" ] .)",
+        variant, ORVANE_SCRIPTED_LV2, more, Lv2Bundles::audioPort(0, "Input"),
+        Lv2Bundles::audioPort(1, "Output"), Lv2Bundles::audioPort(6, "Input")
+    );
+}
+
+test::ScriptedLv2Probe& probe() {
+    void* const library = ::dlopen(ORVANE_SCRIPTED_LV2, RTLD_NOW | RTLD_LOCAL);
+    return *reinterpret_cast<decltype(&orvaneScriptedLv2Probe)>(::dlsym(library, "orvaneScriptedLv2Probe"))();
+}
+
+class Lv2UnitTest : public testing::Test {
+  protected:
+    Lv2UnitTest() {
+        bundles.add(
+            "scripted.lv2",
+            scripted("plain") + scripted("safe", "lv2:optionalFeature state:threadSafeRestore ;")
+        );
+    }
+
+    std::shared_ptr<AUAudioUnit> make(const char* name) { return test::instantiate(*host, name).unit; }
+
+    Lv2Bundles bundles;
+    SystemLog log{[](const LogLine&) {}};
+    std::unique_ptr<Lv2UnitHost> host = std::make_unique<Lv2UnitHost>(log, bundles.searchPath());
+    const std::vector<float> ones = std::vector<float>(64, 1.0F);
+};
+
+TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
+    const struct {
+        std::string manifest;
+        std::string sentence;
+    } cases[] = {
+        {Lv2Bundles::plugin("urn:x", "X", ""), "\"X\" could not be loaded: "},
+        {scripted("absent"), "\"absent\" could not be loaded: " ORVANE_SCRIPTED_LV2 " does not have it."},
+        {scripted("refuses"), "\"refuses\" could not be started at 48000 Hz."},
+        {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature <urn:feature> ;"),
+         "\"X\" needs the LV2 feature urn:feature, which is not supported."},
+        {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature bufsz:powerOf2BlockLength ;"),
+         "\"X\" needs blocks of a certain length, and a live mix has blocks of any."},
+        {Lv2Bundles::plugin("urn:x", "X", "opts:requiredOption <urn:option> ;"),
+         "\"X\" needs the LV2 option urn:option, which is not supported."},
+        {Lv2Bundles::plugin(
+             "urn:x", "X",
+             "lv2:port [ a <urn:Port>, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; lv2:name \"C\" ] ;"
+         ),
+         "\"X\" cannot be used: its port number 2 is of a kind that is not supported."}};
+    for (const auto& each : cases) {
+        const Lv2Bundles broken;
+        broken.add("x.lv2", each.manifest);
+        Lv2UnitHost brokenHost(log, broken.searchPath());
+        const auto components = brokenHost.componentsMatchingDescription({});
+        ASSERT_EQ(components.size(), 1U) << each.sentence;
+        const auto made = test::instantiate(brokenHost, components[0].audioComponentDescription);
+        EXPECT_FALSE(made.unit);
+        EXPECT_THAT(made.error.value_or(Error{}).description, HasSubstr(each.sentence));
+    }
+    const auto unknown = test::instantiate(*host, AudioComponentDescription{.componentSubType = 1});
+    EXPECT_EQ(unknown.error, Error{"The effect is not installed."});
+}
+
+TEST_F(Lv2UnitTest, EveryRequestIsAnsweredOnceEvenWhereTheHostGoesFirst) {
+    constexpr int count = 20;
+    std::atomic<int> answers = 0;
+    std::vector<std::shared_ptr<AUAudioUnit>> units(count);
+    const auto component = host->componentsMatchingDescription({}).front();
+    for (auto& kept : units)
+        host->instantiate(component.audioComponentDescription, 0, [&](auto unit, auto error) {
+            EXPECT_EQ(unit == nullptr, error.has_value());
+            kept = std::move(unit);
+            answers.fetch_add(1);
+        });
+    host.reset();
+    EXPECT_EQ(answers.load(), count);
+    for (const auto& unit : units) {
+        if (unit) {
+            EXPECT_EQ(setUp(*unit, 1), "");
+        }
+    }
+}
+
+TEST_F(Lv2UnitTest, RendersWithItsResourcesOnlyAndNoMoreThanItWasSetUpFor) {
+    const auto unit = make("plain");
+    UnitRenderer renderer(*unit, 1);
+    EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_Uninitialized);
+    ASSERT_EQ(setUp(*unit, 1, 48000.0, 64), "");
+    EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    EXPECT_THAT(renderer.outputs[0], Each(0.5F));
+    EXPECT_EQ(renderer.renderBlock(std::vector<float>(65)), kAudioUnitErr_TooManyFramesToProcess);
+    UnitRenderer stereo(*unit, 2);
+    stereo.inputs.resize(1);
+    EXPECT_EQ(stereo.renderBlock(ones), kAudio_ParamError);
+    unit->deallocateRenderResources();
+    EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_Uninitialized);
+    ASSERT_EQ(setUp(*unit, 1, 48000.0, 8192), "");
+    EXPECT_EQ(renderer.renderBlock(std::vector<float>(8192)), noErr);
+}
+
+TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsIsGivenTheUnitsOwn) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    std::vector<float> input = ones;
+    const AURenderPullInputBlock pull = [&](auto&, const auto&, auto, auto, AudioBufferList& list) {
+        list.mBuffers[0].mData = input.data();
+        return noErr;
+    };
+    const auto render = unit->renderBlock();
+    AudioUnitRenderActionFlags flags = 0;
+    for (void* const given : {static_cast<void*>(nullptr), static_cast<void*>(input.data())}) {
+        std::vector<AudioBuffer> buffers{{1, 256, given}};
+        AudioBufferList list{buffers};
+        ASSERT_EQ(render(flags, {}, 64, 0, list, pull), noErr);
+        ASSERT_NE(buffers[0].mData, given);
+        EXPECT_EQ(static_cast<const float*>(buffers[0].mData)[63], 0.5F);
+        EXPECT_EQ(render(flags, {}, 64, 0, list, {}), kAudioUnitErr_NoConnection);
+        EXPECT_EQ(render(flags, {}, 64, 1, list, pull), kAudioUnitErr_InvalidElement);
+    }
+}
+
+TEST_F(Lv2UnitTest, OutputThatIsNotANumberIsAnErrorForAsLongAsItLasts) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    UnitRenderer renderer(*unit, 1);
+    parameter(*unit, "gain").setValue(2.0F);
+    EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_CannotDoInCurrentContext);
+    parameter(*unit, "gain").setValue(1.0F);
+    EXPECT_EQ(renderer.renderBlock(ones), noErr);
+}
+
+TEST_F(Lv2UnitTest, WorkIsDoneElsewhereAndItsResponseArrivesWithALaterBlock) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    UnitRenderer renderer(*unit, 1);
+    const int endedBefore = probe().runsEnded.load();
+    EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    EXPECT_EQ(probe().runsEnded.load(), endedBefore + 1);
+    EXPECT_EQ(parameter(*unit, "answer").value(), 0.0F) << "or -1: a port is not connected as it should be";
+    const auto answers = [&](float expected) {
+        return waitFor([&] {
+            EXPECT_EQ(renderer.renderBlock(ones), noErr);
+            return parameter(*unit, "answer").value() == expected;
+        });
+    };
+    EXPECT_TRUE(answers(5.0F));
+    parameter(*unit, "gain").setValue(0.25F);
+    EXPECT_TRUE(answers(2.5F));
+    parameter(*unit, "answer").setValue(9.0F);
+    EXPECT_EQ(parameter(*unit, "answer").value(), 2.5F) << "it is the plugin's to set";
+}
+
+TEST_F(Lv2UnitTest, ARestoreNeverHoldsUpRendering) {
+    for (const bool isSafe : {false, true}) {
+        const auto unit = make(isSafe ? "safe" : "plain");
+        ASSERT_EQ(setUp(*unit, 1), "");
+        const auto state = *unit->fullState();
+        UnitRenderer renderer(*unit, 1);
+        ASSERT_EQ(renderer.renderBlock(ones), noErr);
+
+        probe().runsDuringRestore.store(0);
+        probe().holdsRestore.store(true);
+        std::thread control([&] { unit->setFullState(state); });
+        ASSERT_TRUE(waitFor([] { return probe().isRestoring.load(); }));
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        EXPECT_THAT(renderer.outputs[0], Each(isSafe ? 0.5F : 1.0F)) << "passes through while it cannot run";
+        EXPECT_EQ(probe().runsDuringRestore.load(), isSafe ? 1 : 0);
+        probe().holdsRestore.store(false);
+        control.join();
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        EXPECT_THAT(renderer.outputs[0], Each(0.5F));
+    }
+}
+
+TEST_F(Lv2UnitTest, RestoresAndEditsWhileItRenders) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    std::atomic<bool> isDone = false;
+    std::thread audio([&] {
+        UnitRenderer renderer(*unit, 1);
+        while (!isDone.load())
+            EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    });
+    for (int i = 0; i < 300; ++i) {
+        parameter(*unit, "gain").setValue(static_cast<float>(i) / 300.0F);
+        unit->setFullState(*unit->fullState());
+    }
+    isDone.store(true);
+    audio.join();
+}
+
+Dictionary value(const char* type, PropertyList::Data data) {
+    Dictionary encoded;
+    encoded["type"].value = std::string(type);
+    encoded["flags"].value = std::int64_t{3};
+    encoded["value"].value = std::move(data);
+    return encoded;
+}
+
+Dictionary& inside(PropertyList& list, const std::string& key) {
+    return std::get<Dictionary>(std::get<Dictionary>(list.value)[key].value);
+}
+
+TEST_F(Lv2UnitTest, StateIsWhatMeansTheSameInAnotherProcess) {
+    const auto first = make("plain");
+    PropertyList list{*first->fullState()};
+    inside(list, "state")["urn:orvane:test:number"].value = value(LV2_ATOM__Int, {42, 0, 0, 0});
+    inside(list, "state")["urn:orvane:test:text"].value = value(LV2_ATOM__String, {'h', 'i', 0});
+    std::get<Dictionary>(inside(list, "state")["urn:orvane:test:choice"].value)["value"].value =
+        std::string("urn:orvane:test:other");
+    std::get<Dictionary>(inside(list, "state")["urn:orvane:test:floats"].value)["value"].value =
+        PropertyList::Data{0, 0, 0, 63, 0, 0, 128, 63};
+    inside(list, "controls")["gain"].value = 0.75;
+    first->setFullState(std::get<Dictionary>(list.value));
+    const Dictionary state = *first->fullState();
+    EXPECT_EQ(state, std::get<Dictionary>(list.value));
+    EXPECT_EQ(std::get<Dictionary>(state.at("state").value).size(), 4U) << "no path, no pointer, no object";
+
+    // Other numbers stand for the URIs there.
+    Lv2UnitHost otherHost(log, bundles.searchPath());
+    test::instantiate(otherHost, "safe");
+    const auto second = test::instantiate(otherHost, "plain").unit;
+    second->setFullState(state);
+    EXPECT_EQ(second->fullState(), state);
+    // The state goes over to the instance that another rate needs.
+    ASSERT_EQ(setUp(*second, 1, 96000.0), "");
+    EXPECT_EQ(second->fullState(), state);
+}
+
+TEST_F(Lv2UnitTest, WhatCannotBeUnderstoodInAStateChangesNothing) {
+    const auto unit = make("plain");
+    const Dictionary before = *unit->fullState();
+    const auto tryState = [&](const std::string& what, const auto& spoil) {
+        PropertyList list{before};
+        spoil(list);
+        unit->setFullState(std::get<Dictionary>(list.value));
+        EXPECT_EQ(unit->fullState(), before) << what;
+    };
+    const auto root = [](PropertyList& list) -> Dictionary& { return std::get<Dictionary>(list.value); };
+
+    tryState("empty", [&](PropertyList& list) { root(list).clear(); });
+    tryState("another plugin's", [&](PropertyList& list) {
+        root(list)["uri"].value = std::string("urn:other");
+        inside(list, "controls")["gain"].value = 1.0;
+    });
+    for (const char* key : {"uri", "controls", "state"}) {
+        tryState(std::string("without ") + key, [&](PropertyList& list) { root(list).erase(key); });
+        tryState(std::string(key) + " of another kind", [&](PropertyList& list) {
+            root(list)[key].value = PropertyList::Array(3);
+        });
+    }
+    for (const double gain : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300})
+        tryState("gain " + std::to_string(gain), [&](PropertyList& list) {
+            inside(list, "controls")["gain"].value = gain;
+        });
+    tryState("controls that are none", [&](PropertyList& list) {
+        inside(list, "controls")["gain"].value = std::string("1");
+        inside(list, "controls")["answer"].value = 1.0;
+        inside(list, "controls")[""].value = true;
+    });
+
+    const struct {
+        const char* key;
+        Dictionary value;
+    } values[] = {
+        {"number", {}},
+        {"number", value(LV2_ATOM__Int, {1})},
+        {"number", value("", {9, 0, 0, 0})},
+        {"text", value(LV2_ATOM__String, {'a', 'b'})},
+        {"text", value(LV2_ATOM__String, {})},
+        {"choice", value(LV2_ATOM__URID, {9, 0, 0, 0})},
+        {"floats", value(LV2_ATOM__Vector, {1, 2, 3})},
+        {"path", value(LV2_ATOM__Path, {'/', 0})}};
+    for (const auto& each : values)
+        tryState(each.key, [&](PropertyList& list) {
+            inside(list, "state")["urn:orvane:test:" + std::string(each.key)].value = each.value;
+        });
+    for (const char* field : {"type", "flags", "value", "elementType"})
+        for (const std::int64_t wrong : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()})
+            tryState(field, [&](PropertyList& list) {
+                for (auto& [key, encoded] : inside(list, "state"))
+                    std::get<Dictionary>(encoded.value)[field].value = wrong;
+            });
+}
+
+TEST_F(Lv2UnitTest, ParametersTakeWhatTheirKindAllows) {
+    const Lv2Bundles more;
+    const auto port = [](int index, const std::string& name, const std::string& rest) {
+        return fmt::format(
+            "[ a lv2:ControlPort, lv2:InputPort ; lv2:index {} ; lv2:symbol \"{}\" ; lv2:name \"N\" ; {} ]",
+            index, name, rest
+        );
+    };
+    const std::string point = "[ <http://www.w3.org/2000/01/rdf-schema#label> \"x\" ; "
+                              "<http://www.w3.org/1999/02/22-rdf-syntax-ns#value> ";
+    more.add(
+        "x.lv2",
+        scripted("plain") + "<urn:orvane:test:plain> lv2:port "
+            + port(8, "whole", "lv2:maximum 9 ; lv2:portProperty lv2:integer") + " , "
+            + port(9, "toggle", "lv2:portProperty lv2:toggled") + " , "
+            + port(
+                10, "choice",
+                "lv2:maximum 9 ; lv2:portProperty lv2:enumeration ; lv2:scalePoint " + point + "1 ] , "
+                    + point + "4 ]"
+            )
+            + " , " + port(11, "rate", "lv2:maximum 0.5 ; lv2:default 0.25 ; lv2:portProperty lv2:sampleRate")
+            + " ."
+    );
+    Lv2UnitHost moreHost(log, more.searchPath());
+    const auto unit = test::instantiate(moreHost, "plain").unit;
+    const struct {
+        const char* identifier;
+        float set;
+        float expected;
+    } cases[] = {{"gain", 5.0F, 2.0F},     {"gain", -5.0F, 0.0F},  {"whole", 3.6F, 4.0F},
+                 {"toggle", 0.7F, 1.0F},   {"choice", 2.0F, 1.0F}, {"choice", 9.0F, 4.0F},
+                 {"rate", 1e9F, 24000.0F}, {"rate", 12.5F, 12.5F}};
+    EXPECT_EQ(parameter(*unit, "rate").value(), 12000.0F);
+    for (const auto& each : cases) {
+        parameter(*unit, each.identifier).setValue(each.set);
+        EXPECT_EQ(parameter(*unit, each.identifier).value(), each.expected) << each.identifier << each.set;
+        parameter(*unit, each.identifier).setValue(std::numeric_limits<float>::quiet_NaN());
+        EXPECT_EQ(parameter(*unit, each.identifier).value(), each.expected) << each.identifier;
+    }
+    ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
+    EXPECT_EQ(parameter(*unit, "rate").info().maxValue, 48000.0F);
+}
+
+} // namespace
+} // namespace orvane::platform

@@ -1,0 +1,185 @@
+#include "support/scripted_lv2.h"
+
+#include <lv2/atom/atom.h>
+#include <lv2/core/lv2.h>
+#include <lv2/state/state.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <thread>
+
+// An LV2 plugin that multiplies its input by its control "gain", has its worker multiply the gain by ten and
+// shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. At
+// a gain of 2 its output is not a number. Its state is one value of each kind that there is.
+
+namespace {
+
+using orvane::test::ScriptedLv2Probe;
+
+ScriptedLv2Probe probe;
+
+struct Plugin {
+    LV2_URID_Map* map = nullptr;
+    LV2_Worker_Schedule* schedule = nullptr;
+    std::array<void*, 12> ports{};
+    float answer = 0.0F;
+
+    std::int32_t number = 1;
+    std::string text = "first";
+    LV2_URID choice = 0;
+    struct Floats {
+        LV2_Atom_Vector_Body head{};
+        std::array<float, 2> values{};
+    } floats;
+
+    [[nodiscard]] LV2_URID urid(const char* uri) const { return map->map(map->handle, uri); }
+    template <class T>
+    [[nodiscard]] T* port(std::size_t index) const {
+        return static_cast<T*>(ports[index]);
+    }
+};
+
+LV2_Handle
+instantiate(const LV2_Descriptor* descriptor, double, const char*, const LV2_Feature* const* features) {
+    if (std::strstr(descriptor->URI, "refuses") != nullptr) return nullptr;
+    auto* const plugin = new Plugin;
+    for (; *features != nullptr; ++features) {
+        if (std::strcmp((*features)->URI, LV2_URID__map) == 0)
+            plugin->map = static_cast<LV2_URID_Map*>((*features)->data);
+        if (std::strcmp((*features)->URI, LV2_WORKER__schedule) == 0)
+            plugin->schedule = static_cast<LV2_Worker_Schedule*>((*features)->data);
+    }
+    plugin->choice = plugin->urid("urn:orvane:test:choice");
+    plugin->floats.head = {sizeof(float), plugin->urid(LV2_ATOM__Float)};
+    return plugin;
+}
+
+void connectPort(LV2_Handle handle, std::uint32_t port, void* data) {
+    static_cast<Plugin*>(handle)->ports[port] = data;
+}
+
+bool arePortsConnected(const Plugin& plugin, std::uint32_t frameCount) {
+    const auto* const events = plugin.port<LV2_Atom_Sequence>(4);
+    auto* const room = plugin.port<LV2_Atom>(5);
+    if (events->atom.type != plugin.urid(LV2_ATOM__Sequence) || events->atom.size != sizeof events->body)
+        return false;
+    if (room->type != plugin.urid(LV2_ATOM__Chunk) || room->size < 65536) return false;
+    std::memset(static_cast<void*>(room + 1), 1, room->size);
+    float sum = 0.0F;
+    for (std::uint32_t i = 0; i < frameCount; ++i)
+        sum += std::abs(plugin.port<float>(7)[i]);
+    return plugin.ports[6] == nullptr && sum == 0.0F;
+}
+
+void run(LV2_Handle handle, std::uint32_t frameCount) {
+    auto& plugin = *static_cast<Plugin*>(handle);
+    if (probe.isRestoring.load()) probe.runsDuringRestore.fetch_add(1);
+    const float gain = *plugin.port<float>(2);
+    for (std::uint32_t i = 0; i < frameCount; ++i)
+        plugin.port<float>(1)[i] = gain == 2.0F ? NAN : gain * plugin.port<float>(0)[i];
+    plugin.schedule->schedule_work(plugin.schedule->handle, sizeof gain, &gain);
+    *plugin.port<float>(3) = arePortsConnected(plugin, frameCount) ? plugin.answer : -1.0F;
+}
+
+LV2_Worker_Status work(
+    LV2_Handle, LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle, std::uint32_t,
+    const void* data
+) {
+    const float answer = *static_cast<const float*>(data) * 10.0F;
+    return respond(handle, sizeof answer, &answer);
+}
+
+LV2_Worker_Status workResponse(LV2_Handle handle, std::uint32_t, const void* data) {
+    static_cast<Plugin*>(handle)->answer = *static_cast<const float*>(data);
+    return LV2_WORKER_SUCCESS;
+}
+
+LV2_Worker_Status endRun(LV2_Handle) {
+    probe.runsEnded.fetch_add(1);
+    return LV2_WORKER_SUCCESS;
+}
+
+LV2_State_Status
+save(LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle state, std::uint32_t, const LV2_Feature* const*) {
+    const auto& plugin = *static_cast<Plugin*>(handle);
+    constexpr std::uint32_t plain = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
+    const auto put = [&](const char* key, const void* value, std::size_t size, const char* type,
+                         std::uint32_t flags) {
+        return store(state, plugin.urid(key), value, size, plugin.urid(type), flags);
+    };
+    put("urn:orvane:test:number", &plugin.number, sizeof plugin.number, LV2_ATOM__Int, plain);
+    put("urn:orvane:test:text", plugin.text.c_str(), plugin.text.size() + 1, LV2_ATOM__String, plain);
+    put("urn:orvane:test:choice", &plugin.choice, sizeof plugin.choice, LV2_ATOM__URID, plain);
+    put("urn:orvane:test:floats", &plugin.floats, sizeof plugin.floats, LV2_ATOM__Vector, plain);
+    put("urn:orvane:test:path", "/etc/passwd", 12, LV2_ATOM__Path, plain);
+    put("urn:orvane:test:object", &plugin.number, sizeof plugin.number, LV2_ATOM__Object, plain);
+    put("urn:orvane:test:pointer", &handle, sizeof handle, LV2_ATOM__Chunk, 0);
+    return LV2_STATE_SUCCESS;
+}
+
+LV2_State_Status
+restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handle state, std::uint32_t, const LV2_Feature* const*) {
+    auto& plugin = *static_cast<Plugin*>(handle);
+    probe.isRestoring.store(true);
+    while (probe.holdsRestore.load())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::size_t size = 0;
+    const auto get = [&](const char* key, const char* type) -> const void* {
+        LV2_URID found = 0;
+        std::uint32_t flags = 0;
+        const void* const value = retrieve(state, plugin.urid(key), &size, &found, &flags);
+        return found == plugin.urid(type) ? value : nullptr;
+    };
+    if (const void* value = get("urn:orvane:test:number", LV2_ATOM__Int))
+        std::memcpy(&plugin.number, value, sizeof plugin.number);
+    if (const void* value = get("urn:orvane:test:text", LV2_ATOM__String))
+        plugin.text = static_cast<const char*>(value);
+    if (const void* value = get("urn:orvane:test:choice", LV2_ATOM__URID))
+        std::memcpy(&plugin.choice, value, sizeof plugin.choice);
+    if (const void* value = get("urn:orvane:test:floats", LV2_ATOM__Vector);
+        value != nullptr && size == sizeof plugin.floats)
+        std::memcpy(&plugin.floats, value, sizeof plugin.floats);
+    // A path in a state is a path to a file of somebody else's.
+    if (get("urn:orvane:test:path", LV2_ATOM__Path) != nullptr) plugin.text = "path";
+    probe.isRestoring.store(false);
+    return LV2_STATE_SUCCESS;
+}
+
+const void* extensionData(const char* uri) {
+    static const LV2_Worker_Interface worker{work, workResponse, endRun};
+    static const LV2_State_Interface state{save, restore};
+    if (std::strcmp(uri, LV2_WORKER__interface) == 0) return &worker;
+    if (std::strcmp(uri, LV2_STATE__interface) == 0) return &state;
+    return nullptr;
+}
+
+void cleanup(LV2_Handle handle) {
+    delete static_cast<Plugin*>(handle);
+}
+
+constexpr LV2_Descriptor describe(const char* uri) {
+    return {uri, instantiate, connectPort, nullptr, run, nullptr, cleanup, extensionData};
+}
+
+constexpr LV2_Descriptor descriptors[] = {
+    describe("urn:orvane:test:plain"), describe("urn:orvane:test:safe"), describe("urn:orvane:test:refuses")};
+
+} // namespace
+
+extern "C" {
+
+LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(std::uint32_t index) {
+    return index < std::size(descriptors) ? &descriptors[index] : nullptr;
+}
+
+LV2_SYMBOL_EXPORT ScriptedLv2Probe* orvaneScriptedLv2Probe() {
+    return &probe;
+}
+}
