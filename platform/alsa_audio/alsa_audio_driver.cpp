@@ -1,5 +1,6 @@
 #include "platform/alsa_audio/alsa_audio_driver.h"
 
+#include "platform/alsa_audio/alsa_library.h"
 #include "platform/alsa_audio/alsa_stream.h"
 #include "platform/alsa_audio/configuration.h"
 #include "platform/alsa_audio/device_list.h"
@@ -17,8 +18,6 @@ using namespace alsa_audio;
 namespace {
 
 constexpr std::uint32_t defaultBufferSize = 512;
-
-void ignoreMessage(const char*, int, const char*, int, const char*, ...) {}
 
 std::optional<std::string> pcmNameOf(std::string_view uid) {
     if (!uid.starts_with(uidPrefix)) return std::nullopt;
@@ -64,7 +63,7 @@ struct AlsaAudioDriver::State {
 AlsaAudioDriver::AlsaAudioDriver() : AlsaAudioDriver(Setup{}) {}
 
 AlsaAudioDriver::AlsaAudioDriver(Setup setup) {
-    snd_lib_error_set_handler(ignoreMessage);
+    silenceMessages();
     state = std::make_unique<State>(std::move(setup));
 }
 

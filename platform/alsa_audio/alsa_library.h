@@ -23,6 +23,9 @@ using ControlHandle = std::unique_ptr<snd_ctl_t, Release<snd_ctl_close>>;
 using PcmHandle = std::unique_ptr<snd_pcm_t, Release<snd_pcm_close>>;
 using HardwareParameters = std::unique_ptr<snd_pcm_hw_params_t, Release<snd_pcm_hw_params_free>>;
 
+/// Keeps alsa-lib from reporting on standard error what its callers learn from its answers. Control threads.
+void silenceMessages();
+
 /// Makes one of the library's records, whose size only the library knows.
 template <auto allocate, auto release, class Record>
 std::unique_ptr<Record, Release<release>> makeRecord() {

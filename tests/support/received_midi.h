@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/midi_driver.h"
+#include "support/wait_for.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace orvane::test {
+
+/// Keeps the packets that come, whatever thread they come on. Outlives who gives them.
+class ReceivedMIDI final {
+  public:
+    using Packets = std::vector<std::vector<std::uint8_t>>;
+
+    [[nodiscard]] platform::MIDIDriver::Receiver receiver() {
+        return [this](platform::MIDIPacketList list) {
+            const std::scoped_lock lock(mutex);
+            for (const platform::MIDIPacket& packet : list)
+                packets.emplace_back(packet.data.begin(), packet.data.end());
+        };
+    }
+
+    [[nodiscard]] Packets get() const {
+        const std::scoped_lock lock(mutex);
+        return packets;
+    }
+
+    /// Waits until there are `count` packets and gives all there are.
+    [[nodiscard]] Packets waitFor(std::size_t count) const {
+        test::waitFor([&] { return get().size() >= count; });
+        return get();
+    }
+
+  private:
+    mutable std::mutex mutex;
+    Packets packets;
+};
+
+} // namespace orvane::test
