@@ -12,7 +12,6 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr std::string_view clientRole = " control";
 constexpr std::size_t mostAliases = 2;
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
@@ -26,9 +25,9 @@ std::vector<std::string> aliasesOf(const jack_port_t* port) {
     return found;
 }
 
-std::vector<JackPort> audioPortsOf(jack_client_t* client) {
+std::vector<JackPort> portsOf(jack_client_t* client, const char* type, unsigned long wantedFlags) {
     const std::unique_ptr<const char*, void (*)(const char**)> names(
-        jack_get_ports(client, nullptr, JACK_DEFAULT_AUDIO_TYPE, 0),
+        jack_get_ports(client, nullptr, type, wantedFlags),
         [](const char** list) { jack_free(static_cast<void*>(list)); }
     );
     std::vector<JackPort> ports;
@@ -62,6 +61,21 @@ std::optional<JackServerState> JackServer::knownState() {
     return readState();
 }
 
+std::optional<std::vector<JackPort>> JackServer::midiSources() {
+    const std::scoped_lock lock(mutex);
+    if (!open()) return std::nullopt;
+    std::vector<JackPort> ports;
+    const bool isRead = client->use([&](jack_client_t* jack) {
+        ports = portsOf(jack, JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput);
+    });
+    return isRead ? std::optional(std::move(ports)) : std::nullopt;
+}
+
+bool JackServer::isOpen() {
+    const std::scoped_lock lock(mutex);
+    return client != nullptr && !client->isGone();
+}
+
 bool JackServer::requestBufferSize(std::uint32_t frameCount) {
     const std::scoped_lock lock(mutex);
     bool isTaken = false;
@@ -93,7 +107,7 @@ std::optional<JackServerState> JackServer::readState() {
     const bool isRead = client->use([&](jack_client_t* jack) {
         state.sampleRate = jack_get_sample_rate(jack);
         state.bufferSize = jack_get_buffer_size(jack);
-        state.devices = jackDevices(audioPortsOf(jack));
+        state.devices = jackDevices(portsOf(jack, JACK_DEFAULT_AUDIO_TYPE, 0));
     });
     return isRead ? std::optional(std::move(state)) : std::nullopt;
 }
@@ -105,7 +119,9 @@ void JackServer::bufferSizeChanged(jack_nframes_t frameCount, void* self) noexce
 }
 
 void JackServer::portChanged(jack_port_id_t, int isRegistered, void* self) noexcept {
-    if (isRegistered == 0) static_cast<JackServer*>(self)->events.post(JackEvent::portsRemoved);
+    static_cast<JackServer*>(self)->events.post(
+        isRegistered == 0 ? JackEvent::portsRemoved : JackEvent::portsAdded
+    );
 }
 
 void JackServer::clientChanged(const char*, int isRegistered, void* self) noexcept {

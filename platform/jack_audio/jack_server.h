@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,14 +32,21 @@ struct JackServerState {
 /// server has come back. Posts what changes. Any thread but libjack's own.
 class JackServer final {
   public:
-    JackServer(JackClients& jackClients, JackEvents& serverEvents)
-        : clients(jackClients), events(serverEvents) {}
+    /// `role` is added to the program's name in that of the client.
+    JackServer(JackClients& jackClients, JackEvents& serverEvents, std::string_view role = " control")
+        : clients(jackClients), events(serverEvents), clientRole(role) {}
 
     /// Nothing where no server runs.
     std::optional<JackServerState> state();
 
     /// As `state`, but nothing also where we are not yet, or no longer, a client of the server.
     std::optional<JackServerState> knownState();
+
+    /// The ports that give MIDI messages to others; nothing where no server runs.
+    std::optional<std::vector<JackPort>> midiSources();
+
+    /// Whether we are a client of a server that runs.
+    [[nodiscard]] bool isOpen();
 
     /// Asks for a buffer size in frames; whether the server took the request.
     bool requestBufferSize(std::uint32_t frameCount);
@@ -52,6 +60,7 @@ class JackServer final {
 
     JackClients& clients;
     JackEvents& events;
+    std::string clientRole;
     std::mutex mutex;
     std::unique_ptr<JackClient> client;
     std::atomic<std::uint32_t> lastBufferSize = 0;

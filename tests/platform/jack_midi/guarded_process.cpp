@@ -1,0 +1,41 @@
+#include "support/allocation_guard.h"
+
+#include <dlfcn.h>
+#include <jack/jack.h>
+
+#include <mutex>
+#include <vector>
+
+// Stands before libjack's function of the same name in this program, so that every process callback runs
+// under the allocation guard.
+
+namespace {
+
+struct Callback {
+    JackProcessCallback function;
+    void* argument;
+};
+
+int runGuarded(jack_nframes_t frameCount, void* callback) {
+    const auto& [function, argument] = *static_cast<const Callback*>(callback);
+    const orvane::test::AllocationGuard guard;
+    return function(frameCount, argument);
+}
+
+/// libjack calls what it was given until its client has closed, which nobody here hears of: they are kept.
+void* keep(const Callback& callback) {
+    static std::mutex mutex;
+    static std::vector<Callback*> kept;
+    const std::scoped_lock lock(mutex);
+    return kept.emplace_back(new Callback(callback));
+}
+
+} // namespace
+
+extern "C" int
+jack_set_process_callback(jack_client_t* client, JackProcessCallback function, void* argument) {
+    using Function = int (*)(jack_client_t*, JackProcessCallback, void*);
+    static const auto set = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "jack_set_process_callback"));
+    if (function == nullptr) return set(client, nullptr, nullptr);
+    return set(client, runGuarded, keep({function, argument}));
+}
