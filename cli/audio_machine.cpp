@@ -1,7 +1,9 @@
 #include "cli/audio_machine.h"
 
 #include "platform/alsa_audio/alsa_audio_driver.h"
+#include "platform/alsa_midi/alsa_midi_driver.h"
 #include "platform/jack_audio/jack_audio_driver.h"
+#include "platform/jack_midi/jack_midi_driver.h"
 #include "platform/virtual_audio/output_recorder.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "platform/virtual_audio/virtual_devices.h"
@@ -59,6 +61,13 @@ virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
 }
 
 } // namespace
+
+std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers(platform::JackClients& clients) {
+    std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
+    if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::AlsaMIDIDriver>());
+    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::JackMIDIDriver>(clients));
+    return drivers;
+}
 
 Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptions& options) {
     auto machine = std::make_unique<AudioMachine>();

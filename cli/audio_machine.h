@@ -3,6 +3,8 @@
 #include "cli/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/jack_audio/jack_clients.h"
+#include "platform/midi_driver.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
 #include "platform/system_log.h"
 
@@ -10,8 +12,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orvane::cli {
+
+/// The ways to MIDI sources that ORVANE_DRIVERS names, or all: the ALSA sequencer, which reaches hardware
+/// directly, before JACK, which may have bridges to it. `clients` outlives them.
+std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers(platform::JackClients& clients);
 
 /// What a command is told about the machine's audio.
 struct AudioMachineOptions {
@@ -23,7 +30,8 @@ struct AudioMachineOptions {
     std::optional<std::string> device = {};
 };
 
-/// The audio hardware that a command works with, and its log. Made by the command, outlives its engine.
+/// The audio hardware and MIDI services that a command works with, and its log. Made by the command, outlives
+/// its engine.
 class AudioMachine final {
   public:
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
@@ -38,10 +46,12 @@ class AudioMachine final {
 
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
+    [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
 
   private:
     platform::JackClients jackClients;
     NoAudioUnits audioUnitHost;
+    platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients)};
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };
 

@@ -56,8 +56,9 @@ int listDevices(const DevicesOptions& options) {
     }
     platform::RunLoop loop;
     AudioMachine& audioMachine = *machine.value();
+    platform::SystemMIDIServices noMIDI({});
     engine::MixerEngine engine(
-        0, {audioMachine.hardware(), loop, audioMachine.audioUnits(), audioMachine.log}
+        0, {audioMachine.hardware(), noMIDI, loop, audioMachine.audioUnits(), audioMachine.log}
     );
     engine.refreshDevices();
     if (const auto& error = engine.state().lastError.get()) {

@@ -67,7 +67,8 @@ class LiveRun final {
         }
         // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
         // list.
-        MixerEngine scout(0, services());
+        platform::SystemMIDIServices noMIDI({});
+        MixerEngine scout(0, services(noMIDI));
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
@@ -82,7 +83,7 @@ class LiveRun final {
                 "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
                 strips
             )};
-        engine.emplace(strips, services());
+        engine.emplace(strips, services(machine.midi()));
         engine->selectDevice(main.value());
         setUpMix(*engine, document);
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
@@ -91,7 +92,7 @@ class LiveRun final {
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
-        return Done{};
+        return selectMIDISource();
     }
 
     Result<Done> run() {
@@ -117,6 +118,17 @@ class LiveRun final {
     }
 
   private:
+    Result<Done> selectMIDISource() {
+        if (!options.midiSource) return Done{};
+        const auto& sources = engine->state().availableMIDIDevices.get();
+        if (std::ranges::find(sources, *options.midiSource, &midi::MIDIDeviceInfo::id) == sources.end())
+            return Error{fmt::format(
+                "There is no MIDI source {}; orvane-cli midi lists those there are.", *options.midiSource
+            )};
+        engine->selectMIDIDevice(options.midiSource);
+        return Done{};
+    }
+
     void tick(double seconds) {
         machine.log.flush();
         const double load = engine->meterModel().cpuLoad.get();
@@ -129,8 +141,8 @@ class LiveRun final {
         if (options.meters != MeterStyle::none) show(frameAt(seconds));
     }
 
-    [[nodiscard]] engine::Services services() {
-        return {machine.hardware(), loop, machine.audioUnits(), machine.log};
+    [[nodiscard]] engine::Services services(platform::MIDIServices& midi) {
+        return {machine.hardware(), midi, loop, machine.audioUnits(), machine.log};
     }
 
     [[nodiscard]] MeterFrame frameAt(double seconds) {

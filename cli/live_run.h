@@ -23,6 +23,8 @@ struct LiveRunOptions {
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};
+    /// The id of the MIDI source to listen to; all of them if absent.
+    std::optional<std::int32_t> midiSource = {};
     /// How long to run; until a signal if absent.
     std::optional<double> seconds = {};
     MeterStyle meters = MeterStyle::text;

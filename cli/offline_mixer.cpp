@@ -61,7 +61,7 @@ OfflineMixer::OfflineMixer(std::size_t stripCount, const Device& device)
           driver = stepped.get();
           return only(std::move(stepped));
       }()),
-      mixer(stripCount, {hardware, mainThread, audioUnitHost, log}) {
+      mixer(stripCount, {hardware, noMIDI, mainThread, audioUnitHost, log}) {
     mixer.refreshDevices();
     mixer.selectDevice(mixer.state().availableDevices.get().at(0));
 }

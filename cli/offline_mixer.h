@@ -3,6 +3,7 @@
 #include "cli/no_audio_units.h"
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
 #include "platform/run_loop.h"
 #include "platform/system_log.h"
@@ -64,6 +65,8 @@ class OfflineMixer final {
     /// The hardware layer's; lives as long as that.
     platform::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
+    /// Nothing plays along with a file.
+    platform::SystemMIDIServices noMIDI{{}};
     engine::MixerEngine mixer;
 };
 

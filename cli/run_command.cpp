@@ -36,6 +36,7 @@ void addRunCommand(CLI::App& program, int& exitCode) {
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
+    command->add_option("--midi-source", options->midiSource, "Id of the MIDI source; otherwise all of them");
     command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
         ->check(CLI::PositiveNumber);
     command->add_option("--meters", options->meters, "text, json (an object per line) or none")

@@ -7,6 +7,7 @@
 #include "engine/session/mixer_document_encoder.h"
 #include "engine/session_files.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
 #include "platform/system_log.h"
 
@@ -33,12 +34,13 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
     const auto document = engine::readSession(options.file);
     if (!document) return document.error();
     platform::SystemAudioHardware hardware({});
+    platform::SystemMIDIServices noMIDI({});
     platform::RunLoop loop;
     platform::SystemLog log(platform::standardErrorSink());
     // What a session says of its plugins is printed; none is loaded for that.
     NoAudioUnits audioUnits;
     engine::MixerEngine engine(
-        options.channels.value_or(document.value().channels.size()), {hardware, loop, audioUnits, log}
+        options.channels.value_or(document.value().channels.size()), {hardware, noMIDI, loop, audioUnits, log}
     );
     engine.applyDocument(document.value());
     auto encoded = session::encodeMixerDocument(engine.makeDocumentData());

@@ -5,6 +5,7 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session/master_output_routing.h"
 #include "engine/session/snapshot.h"
+#include "midi/midi_device_info.h"
 #include "plugins/plugin_clipboard.h"
 #include "plugins/plugin_load_state.h"
 
@@ -46,8 +47,11 @@ struct EngineState {
     audio::Published<std::optional<std::int64_t>> currentSnapshotIndex;
     /// Entry i is true where slot i of every strip keeps its plugin through recalls and loads.
     audio::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};
-    /// The scene that waits for a MIDI note; absent = none does.
+    /// The index of the scene that waits for the note that is to recall it; absent = none does.
     audio::Published<std::optional<std::int64_t>> midiLearnTargetIndex;
+    audio::Published<std::vector<midi::MIDIDeviceInfo>> availableMIDIDevices;
+    /// The one source that notes are taken from; absent = all sources.
+    audio::Published<std::optional<std::int32_t>> selectedMIDIDeviceID;
 };
 
 } // namespace orvane::engine

@@ -56,8 +56,12 @@ MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServi
            .realtimeState = [this] { return running ? running->realtimeState().get() : nullptr; }},
           services
       ),
-      meterTimer(services.mainThread, meters) {
+      meterTimer(services.mainThread, meters),
+      midiInput(services, published, [this](const midi::NoteMessage& note) {
+          handleMIDINote({note.channel, note.note});
+      }) {
     published.channelStrips.set(session::makeDefaultStrips(channelCount));
+    midiInput.start();
 }
 
 MixerEngine::~MixerEngine() = default;
@@ -131,6 +135,14 @@ void MixerEngine::selectDevice(const AudioDeviceInfo& device) {
 void MixerEngine::selectMasterOutputDevice(const std::optional<AudioDeviceInfo>& device) {
     published.masterOutputDevice.set(device);
     validateMasterOutputRouting();
+}
+
+void MixerEngine::refreshMIDIDevices() {
+    midiInput.refreshDevices();
+}
+
+void MixerEngine::selectMIDIDevice(std::optional<std::int32_t> sourceID) {
+    midiInput.select(sourceID);
 }
 
 double MixerEngine::bufferLatencyMs() const {

@@ -3,6 +3,7 @@
 #include "audio/meter_model.h"
 #include "audio/meter_timer.h"
 #include "engine/engine_state.h"
+#include "engine/midi_input.h"
 #include "engine/plugin_operations.h"
 #include "engine/running_audio.h"
 #include "engine/services.h"
@@ -57,6 +58,12 @@ class MixerEngine final {
     [[nodiscard]] double bufferLatencyMs() const;
     /// What the rings of the selected device take, in bytes; 0 without a device.
     [[nodiscard]] std::int64_t ringBufferBytes() const;
+
+    // MIDI. The engine listens from its construction on; sources that come or go are published by themselves.
+
+    void refreshMIDIDevices();
+    /// Absent = all sources. An id that no source has leaves nothing to listen to until one comes.
+    void selectMIDIDevice(std::optional<std::int32_t> sourceID);
 
     // Strips. Device channels count from 0.
 
@@ -179,6 +186,7 @@ class MixerEngine final {
     audio::MeterTimer meterTimer;
     /// Lets tasks that were posted during a run find out that it is over; renewed at every start.
     std::shared_ptr<const bool> runIsOn;
+    MIDIInput midiInput;
 };
 
 } // namespace orvane::engine

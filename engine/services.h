@@ -5,6 +5,7 @@
 #include "platform/editor_windows.h"
 #include "platform/host_clock.h"
 #include "platform/main_thread.h"
+#include "platform/midi_services.h"
 #include "platform/system_log.h"
 
 #include <filesystem>
@@ -15,6 +16,7 @@ namespace orvane::engine {
 /// The platform services that an engine works with. Made by the composition root; all outlive the engine.
 struct Services {
     platform::AudioHardware& audioHardware;
+    platform::MIDIServices& midiServices;
     platform::MainThread& mainThread;
     platform::AudioUnitHost& audioUnitHost;
     platform::SystemLog& log;

@@ -90,6 +90,7 @@ TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
           Case{onALSA + "busy", "The audio device alsa:busy has neither inputs nor outputs now; another"},
           Case{onALSA + "half_busy --channels 2", "AudioUnitInitialize failed: OSStatus 560492391"},
           Case{onALSA + "unlike", "AudioUnitInitialize failed: OSStatus 560226676"},
+          Case{cli + " run --midi-source -12", "There is no MIDI source -12"},
           Case{cli + " run --device jack:system --record out.wav", "Only a virtual device can be recorded"},
           Case{
               cli + " run --session '" + (folder / "bad.orvane").string() + "'",

@@ -1,5 +1,6 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
@@ -87,7 +88,8 @@ class EngineChurnTest : public testing::Test {
     platform::SystemAudioHardware hardware;
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;
-    MixerEngine engine{8, {hardware, mainThread, audioUnitHost, log}};
+    platform::SystemMIDIServices midiServices{{}};
+    MixerEngine engine{8, {hardware, midiServices, mainThread, audioUnitHost, log}};
     std::vector<audio::AudioDeviceInfo> devices;
     std::minstd_rand random{1};
 };

@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
@@ -116,11 +117,13 @@ class InsertPlugins : public testing::Test {
     platform::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
     ScriptedAudioUnitHost audioUnitHost;
+    platform::SystemMIDIServices midiServices{{}};
     ScriptedWindows windows;
     std::unique_ptr<engine::MixerEngine> engine = std::make_unique<engine::MixerEngine>(
         stripCount,
         engine::Services{
             .audioHardware = hardware,
+            .midiServices = midiServices,
             .mainThread = mainThread,
             .audioUnitHost = audioUnitHost,
             .log = log,

@@ -1,6 +1,7 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/jack_audio/jack_audio_driver.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
@@ -72,6 +73,7 @@ mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks,
     platform::SystemLog log([](const platform::LogLine&) {});
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;
+    platform::SystemMIDIServices midiServices{{}};
     const auto recording = std::make_shared<Recording>();
     for (std::vector<float>& channel : recording->played)
         channel.reserve((silentBlocks + blocks) * period);
@@ -84,7 +86,7 @@ mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks,
     );
     platform::VirtualClock& clock = driver->clock();
     platform::SystemAudioHardware hardware(only(std::move(driver)));
-    MixerEngine engine(channelCount, {hardware, mainThread, audioUnitHost, log});
+    MixerEngine engine(channelCount, {hardware, midiServices, mainThread, audioUnitHost, log});
     engine.refreshDevices();
     engine.selectDevice(engine.state().availableDevices.get().at(0));
     engine.applyDocument(document);
@@ -124,7 +126,8 @@ class JackEngineTest : public testing::Test {
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;
-    MixerEngine engine{channelCount, {hardware, mainThread, audioUnitHost, log}};
+    platform::SystemMIDIServices midiServices{{}};
+    MixerEngine engine{channelCount, {hardware, midiServices, mainThread, audioUnitHost, log}};
 };
 
 // The main thread stands still all the while, for more than two seconds of audio: none of it comes late.

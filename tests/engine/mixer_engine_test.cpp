@@ -1,6 +1,8 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual_midi/virtual_midi_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -22,7 +25,9 @@ using namespace orvane;
 using audio::AudioDeviceInfo;
 using engine::MixerEngine;
 using session::ChannelStrip;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 namespace output = session::output;
 namespace master_output = session::master_output;
 
@@ -53,6 +58,14 @@ class MixerEngineTest : public testing::Test {
         driver = stepped.get();
         std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
         drivers.push_back(std::move(stepped));
+        return drivers;
+    }
+
+    std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
+        auto made = std::make_unique<platform::VirtualMIDIDriver>();
+        midiDriver = made.get();
+        std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
+        drivers.push_back(std::move(made));
         return drivers;
     }
 
@@ -87,9 +100,12 @@ class MixerEngineTest : public testing::Test {
     test::ManualMainThread mainThread;
     platform::SystemLog log{[](const platform::LogLine&) {}};
     platform::VirtualAudioDriver* driver = nullptr;
+    platform::VirtualMIDIDriver* midiDriver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
+    platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
     test::ScriptedAudioUnitHost audioUnitHost;
-    MixerEngine engine{8, {hardware, mainThread, audioUnitHost, log}};
+    const engine::Services services{hardware, midiServices, mainThread, audioUnitHost, log};
+    MixerEngine engine{8, services};
 };
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
@@ -183,7 +199,7 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
     engine.setDuckerReleaseMs(900.0);
     engine.setGenderMode(strips()[0].id, dsp::GenderTriggerMode::male);
     const session::MixerDocumentData saved = engine.makeDocumentData();
-    MixerEngine other(4, {hardware, mainThread, audioUnitHost, log});
+    MixerEngine other(4, services);
     session::MixerDocumentData document = saved;
     document.bufferSize = 100;
     document.masterOutputRouting = master_output::Stereo{40, 41};
@@ -294,6 +310,54 @@ TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
     driver->control(interface)->reappear();
     engine.start();
     EXPECT_TRUE(isRunning());
+}
+
+TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
+    const auto names = [this] {
+        std::vector<std::string> found;
+        for (const midi::MIDIDeviceInfo& source : engine.state().availableMIDIDevices.get())
+            found.push_back(source.name);
+        return found;
+    };
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_EQ(engine.state().selectedMIDIDeviceID.get(), std::nullopt);
+    EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt);
+    auto keys = midiDriver->createSource("Keys").value();
+    EXPECT_THAT(names(), IsEmpty()) << "the main thread has not run";
+    mainThread.runPosted();
+    EXPECT_THAT(names(), ElementsAre("Keys"));
+    const MixerEngine later(1, services);
+    EXPECT_EQ(later.state().availableMIDIDevices.get(), engine.state().availableMIDIDevices.get());
+    keys.reset();
+    engine.refreshMIDIDevices();
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
+    const auto keys = midiDriver->createSource("Keys").value();
+    const auto pads = midiDriver->createSource("Pads").value();
+    mainThread.runPosted();
+    const auto play = [](platform::MIDIOwnSource& source, std::uint8_t note) {
+        source.send(std::array<std::uint8_t, 3>{0x92, note, 100});
+    };
+    const auto trigger = [this] { return engine.state().snapshots.get().at(0).midiTrigger; };
+    engine.newSnapshot();
+    engine.beginMIDILearn();
+    play(*keys, 60);
+    EXPECT_FALSE(trigger()) << "the main thread has not run";
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
+    engine.selectMIDIDevice(engine.state().availableMIDIDevices.get().at(1).id);
+    engine.beginMIDILearn();
+    play(*keys, 62);
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
+    // A note on its way to an engine that is gone finds nobody.
+    std::optional<MixerEngine> other(std::in_place, 1, services);
+    play(*pads, 63);
+    other.reset();
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 63}));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "support/manual_main_thread.h"
 #include "support/random_blocks.h"
 #include "support/scripted_audio_unit.h"
@@ -42,7 +43,8 @@ class SnapshotsTest : public testing::Test {
     test::ManualMainThread mainThread;
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ScriptedAudioUnitHost audioUnitHost;
-    MixerEngine engine{4, {hardware, mainThread, audioUnitHost, log}};
+    platform::SystemMIDIServices midiServices{{}};
+    MixerEngine engine{4, {hardware, midiServices, mainThread, audioUnitHost, log}};
 };
 
 TEST_F(SnapshotsTest, ArePlacedNamedAndSelected) {

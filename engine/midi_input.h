@@ -1,0 +1,39 @@
+#pragma once
+
+#include "engine/engine_state.h"
+#include "engine/services.h"
+#include "midi/midi_manager.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace orvane::engine {
+
+/// The engine's MIDI input: publishes the sources there are and the selected one, and brings notes from the
+/// services' threads to the main thread. Owned by the engine. Main thread.
+class MIDIInput final {
+  public:
+    using NoteHandler = std::function<void(const midi::NoteMessage&)>;
+
+    /// Not yet started. `published` outlives it; `handler` gets every note-on, on the main thread.
+    MIDIInput(const Services& services, EngineState& published, NoteHandler handler);
+
+    /// Listens, and publishes the sources as they are and whenever they change.
+    void start();
+    void refreshDevices();
+    /// Absent = all sources.
+    void select(std::optional<std::int32_t> sourceID);
+
+  private:
+    platform::MainThread& mainThread;
+    EngineState& state;
+    NoteHandler handleNote;
+    /// Lets tasks on their way to the main thread find out that there is nobody left to do them for.
+    std::shared_ptr<const bool> isAlive = std::make_shared<const bool>(true);
+    /// Last, so that it has stopped before what its callbacks use goes.
+    midi::MIDIManager manager;
+};
+
+} // namespace orvane::engine
