@@ -1,5 +1,6 @@
 #include "cli/devices_command.h"
 #include "cli/message.h"
+#include "cli/midi_command.h"
 #include "cli/render_command.h"
 #include "cli/run_command.h"
 #include "cli/session_command.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
     // One is required, but an unknown word is to be named rather than called missing.
     program.require_subcommand(0, 1);
     orvane::cli::addDevicesCommand(program, exitCode);
+    orvane::cli::addMIDICommand(program, exitCode);
     orvane::cli::addRenderCommand(program, exitCode);
     orvane::cli::addRunCommand(program, exitCode);
     orvane::cli::addSessionCommand(program, exitCode);

@@ -1,0 +1,96 @@
+#include "cli/midi_command.h"
+
+#include "cli/audio_machine.h"
+#include "cli/message.h"
+#include "cli/midi_send.h"
+#include "engine/mixer_engine.h"
+#include "platform/run_loop.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::cli {
+
+namespace {
+
+using Sources = std::vector<midi::MIDIDeviceInfo>;
+
+constexpr double defaultSeconds = 10.0;
+
+struct MIDIOptions {
+    bool asJSON = false;
+    std::string note = {};
+    double seconds = defaultSeconds;
+};
+
+void printTable(const Sources& sources) {
+    fmt::print("{:>11}  {}\n", "id", "name");
+    for (const midi::MIDIDeviceInfo& source : sources)
+        fmt::print("{:>11}  {}\n", source.id, source.name);
+}
+
+void printJSON(const Sources& sources) {
+    nlohmann::json document = {{"sources", nlohmann::json::array()}};
+    for (const midi::MIDIDeviceInfo& source : sources)
+        document["sources"].push_back({{"id", source.id}, {"name", source.name}});
+    // Names are whatever other programs have made them.
+    fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+int listSources(const MIDIOptions& options) {
+    const auto machine = AudioMachine::make({});
+    if (!machine) {
+        printMessage(machine.error().description);
+        return 1;
+    }
+    platform::RunLoop loop;
+    const engine::MixerEngine engine(0, {machine.value()->hardware(), machine.value()->midi(), loop});
+    const auto print = options.asJSON ? printJSON : printTable;
+    print(engine.state().availableMIDIDevices.get());
+    return 0;
+}
+
+int send(const MIDIOptions& options) {
+    // It was checked when the arguments were parsed.
+    const auto sent = sendNote(parseNote(options.note).value(), options.seconds);
+    if (sent) return 0;
+    printMessage(sent.error().description);
+    return 1;
+}
+
+std::string checkNote(const std::string& text) {
+    const auto note = parseNote(text);
+    return note ? std::string() : note.error().description;
+}
+
+} // namespace
+
+void addMIDICommand(CLI::App& program, int& exitCode) {
+    const auto options = std::make_shared<MIDIOptions>();
+    CLI::App* const command = program.add_subcommand("midi", "List the MIDI sources, or send a note");
+    command->footer(
+        "Ids stay the same when a source is connected again and after a reboot. With --send the program is "
+        "itself a source, \"note\", until the note and its end are sent: it waits for a program that "
+        "listens, "
+        "as a running mixer that takes notes from all sources does at once. Channels count from 0. "
+        "ORVANE_DRIVERS=jack,alsa limits the ways to MIDI."
+    );
+    command->add_flag("--json", options->asJSON, "As one JSON object");
+    CLI::Option* const note =
+        command->add_option("--send", options->note, "Send a note-on: CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY")
+            ->check(CLI::Validator(checkNote, ""));
+    command
+        ->add_option("--seconds", options->seconds, "How long to wait for somebody who listens, otherwise 10")
+        ->check(CLI::PositiveNumber)
+        ->needs(note);
+    command->callback([options, note, &exitCode] {
+        exitCode = note->count() > 0 ? send(*options) : listSources(*options);
+    });
+}
+
+} // namespace orvane::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/result.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace orvane::cli {
+
+/// A note-on to be sent. A plain value.
+struct SentNote {
+    /// 0 to 15.
+    std::uint8_t channel = 0;
+    /// 0 to 127.
+    std::uint8_t note = 0;
+    /// 1 to 127.
+    std::uint8_t velocity = 100;
+
+    bool operator==(const SentNote&) const = default;
+};
+
+/// Reads CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY.
+platform::Result<SentNote> parseNote(std::string_view text);
+
+/// Makes a MIDI source that other programs see, waits until one listens to it, and sends the note and then
+/// its end. Fails where there is nothing to send through, or where nobody listens within the time. Main
+/// thread.
+platform::Result<platform::Done> sendNote(const SentNote& note, double mostSeconds);
+
+} // namespace orvane::cli

@@ -1,0 +1,93 @@
+#include "cli/midi_send.h"
+#include "platform/jack_midi/jack_midi_driver.h"
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
+#include "support/program.h"
+#include "support/received_midi.h"
+#include "support/wait_for.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <future>
+#include <string>
+
+namespace {
+
+using namespace orvane;
+using cli::parseNote;
+using cli::SentNote;
+using test::contentOf;
+using test::exitCodeOfShell;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::string program = ORVANE_CLI;
+
+TEST(MIDICommand, ReadsNotes) {
+    EXPECT_EQ(parseNote("0:0").value(), (SentNote{0, 0, 100}));
+    EXPECT_EQ(parseNote("15:127:1").value(), (SentNote{15, 127, 1}));
+    for (const char* text :
+         {"", "60", "0:", ":60", "16:60", "0:128", "0:60:0", "0:60:128", "0:60:1:1", "0:60:", "-1:60",
+          "a:60"})
+        EXPECT_THAT(parseNote(text).error().description, HasSubstr("is no note; write CHANNEL:NOTE")) << text;
+}
+
+TEST(MIDICommand, ListsNothingAndSendsNothingWithoutAWayToMIDI) {
+    const TemporaryFolder folder;
+    const std::string nowhere = "ORVANE_DRIVERS=virtual " + program + " midi";
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --json"), 0);
+    EXPECT_EQ(
+        nlohmann::json::parse(contentOf(folder / "stdout")), nlohmann::json::parse(R"({"sources":[]})")
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 0:60"), 1);
+    EXPECT_EQ(
+        contentOf(folder / "stderr"),
+        "orvane-cli: There is neither a JACK server nor an ALSA sequencer to send the note through.\n"
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 0:200"), 2);
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --seconds 3"), 2) << "only with --send";
+}
+
+TEST(MIDICommand, ListsAndReachesOtherProgramsOnAJACKServer) {
+    const test::JackTestServer server({});
+    const TemporaryFolder folder;
+    const std::string jack = "ORVANE_DRIVERS=jack,virtual " + program;
+    platform::JackClients clients(test::uniqueJackName("other"));
+    platform::JackMIDIDriver other(clients);
+    test::ReceivedMIDI received;
+    const auto input = other.openInput("input", received.receiver());
+    const auto keyboard = other.createSource("keys").value();
+
+    ASSERT_EQ(exitCodeOfShell(folder, jack + " midi --json"), 0);
+    const auto document = nlohmann::json::parse(contentOf(folder / "stdout"));
+    ASSERT_EQ(document["sources"].size(), 1U);
+    EXPECT_EQ(document["sources"][0]["name"], test::uniqueJackName("other") + " MIDI source:keys");
+    const int id = document["sources"][0]["id"];
+    ASSERT_EQ(exitCodeOfShell(folder, jack + " midi"), 0);
+    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(std::to_string(id) + "  "));
+    EXPECT_EQ(
+        exitCodeOfShell(
+            folder,
+            jack + fmt::format(" run --device virtual:panel --seconds 0.1 --meters none --midi-source {}", id)
+        ),
+        0
+    ) << contentOf(folder / "stderr");
+
+    EXPECT_EQ(exitCodeOfShell(folder, jack + " midi --send 2:60 --seconds 0.1"), 1);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("Nobody listened to the note"));
+    auto sent = std::async(std::launch::async, [&] {
+        return exitCodeOfShell(folder, jack + " midi --send 2:60:90 --seconds 60");
+    });
+    EXPECT_TRUE(test::waitFor([&] {
+        const auto sources = other.sources();
+        return sources.size() == 2 && input->connect(sources.back().address) == platform::noErr;
+    }));
+    EXPECT_EQ(sent.get(), 0) << contentOf(folder / "stderr");
+    EXPECT_THAT(received.waitFor(2), ElementsAre(ElementsAre(0x92, 60, 90), ElementsAre(0x82, 60, 0)));
+}
+
+} // namespace
