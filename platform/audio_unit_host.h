@@ -102,7 +102,8 @@ class AUParameter {
 
     /// As it is now, whoever set it.
     [[nodiscard]] virtual float value() const noexcept = 0;
-    /// Takes effect with the next block; kept within the range; nothing where it is read-only.
+    /// Takes effect with the next block; becomes the nearest value that the parameter's range and kind allow.
+    /// Nothing where it is read-only or the value is not finite.
     virtual void setValue(float value) noexcept = 0;
 };
 

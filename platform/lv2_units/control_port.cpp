@@ -89,13 +89,19 @@ kindOf(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port, boo
     return AUParameterInfo::Kind::continuous;
 }
 
+bool isDesignated(
+    PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port, const char* designation
+) {
+    const NodeHandle found(lilv_port_get(plugin, port, bundle.node(LV2_CORE__designation)));
+    return found != nullptr && lilv_node_equals(found.get(), bundle.node(designation));
+}
+
 } // namespace
 
 std::optional<float> heldValue(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
-    const NodeHandle designation(lilv_port_get(plugin, port, bundle.node(LV2_CORE__designation)));
-    if (!designation || !lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort))) return std::nullopt;
-    if (lilv_node_equals(designation.get(), bundle.node(LV2_CORE__enabled))) return 1.0F;
-    if (lilv_node_equals(designation.get(), bundle.node(LV2_CORE__freeWheeling))) return 0.0F;
+    if (!lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort))) return std::nullopt;
+    if (isDesignated(bundle, plugin, port, LV2_CORE__enabled)) return 1.0F;
+    if (isDesignated(bundle, plugin, port, LV2_CORE__freeWheeling)) return 0.0F;
     return std::nullopt;
 }
 
@@ -120,7 +126,8 @@ ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, cons
     const auto steps = bundle.integer(lilv_port_get_node(plugin, port), LV2_PORT_PROPS__rangeSteps);
     info.stepCount = std::max(steps.value_or(0), 0);
     info.isReadOnly = lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort));
-    info.isHidden = has(LV2_PORT_PROPS__notOnGUI) || has(LV2_CORE__reportsLatency);
+    info.isHidden = has(LV2_PORT_PROPS__notOnGUI) || has(LV2_CORE__reportsLatency)
+                    || isDesignated(bundle, plugin, port, LV2_CORE__latency);
     return control;
 }
 

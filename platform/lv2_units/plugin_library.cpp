@@ -23,7 +23,11 @@ const LV2_Descriptor* findDescriptor(std::string_view uri, At at) {
 } // namespace
 
 Result<PluginLibrary> PluginLibrary::load(const PluginDescription& description) {
-    void* const library = ::dlopen(description.libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (description.libraryPath.empty())
+        return Error{fmt::format("\"{}\" could not be loaded: it names no library.", description.name)};
+    // Never closed: libraries leave threads and destructors behind that a removed one would take us down
+    // with.
+    void* const library = ::dlopen(description.libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr)
         return Error{fmt::format("\"{}\" could not be loaded: {}.", description.name, ::dlerror())};
     const auto getDescriptor = reinterpret_cast<LV2_Descriptor_Function>(::dlsym(library, "lv2_descriptor"));

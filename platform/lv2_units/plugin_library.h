@@ -10,8 +10,7 @@
 
 namespace orvane::platform::lv2_units {
 
-/// A plugin's shared library. Its code stays mapped to the end of the process: libraries leave threads and
-/// destructors behind that a removed one would take the program down with.
+/// A plugin in its shared library, whose code stays in memory to the end of the process.
 class PluginLibrary final {
   public:
     /// Loads the library and finds the plugin in it. Any thread.

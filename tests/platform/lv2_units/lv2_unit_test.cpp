@@ -75,7 +75,10 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
         std::string manifest;
         std::string sentence;
     } cases[] = {
-        {Lv2Bundles::plugin("urn:x", "X", ""), "\"X\" could not be loaded: "},
+        {Lv2Bundles::plugin("urn:x", "X", ""), "missing.so: cannot open shared object file"},
+        {"<urn:x> a lv2:Plugin ; doap:name \"X\" ; lv2:port [ " + Lv2Bundles::audioPort(0, "Input")
+             + " ] , [ " + Lv2Bundles::audioPort(1, "Output") + " ] .",
+         "\"X\" could not be loaded: it names no library."},
         {scripted("absent"), "\"absent\" could not be loaded: " ORVANE_SCRIPTED_LV2 " does not have it."},
         {scripted("refuses"), "\"refuses\" could not be started at 48000 Hz."},
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature <urn:feature> ;"),
