@@ -65,8 +65,8 @@ class MIDIDriver {
     /// The sources that are there now, in a stable order.
     virtual std::vector<MIDIDriverSource> sources() = 0;
 
-    /// Calls `listener` whenever `sources` has changed, on a thread that may call the driver. Set once,
-    /// before there are inputs.
+    /// Calls `listener` whenever `sources` has changed or an input has lost its connections, on a thread that
+    /// may call the driver. Set once, before there are inputs.
     virtual void setSourcesListener(SourcesListener listener) = 0;
 
     /// `receiver` is called on a thread of the driver that is not an audio thread and may call the driver.

@@ -46,8 +46,11 @@ JackClients::JackClients(std::string programName) : name(std::move(programName))
 std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents& events) {
     const JackLibraryCall libraryCall(libraryMutex);
     if (isServerGone.load()) {
-        for (JackClient* client : opened)
+        for (JackClient* client : opened) {
             client->close();
+            // Its server may have shut out another one only, so that nobody has told it.
+            client->events.post(JackEvent::portsAdded);
+        }
         opened.clear();
         isServerGone.store(false);
     }

@@ -48,7 +48,7 @@ struct JackMIDIDriver::State {
             return {};
         }
         for (const auto& input : inputs)
-            input->open();
+            hasLostConnections |= input->open();
         return jackMIDISources(*ports);
     }
 
@@ -83,7 +83,7 @@ struct JackMIDIDriver::State {
         std::unique_lock lock(mutex);
         if (!listener) return;
         std::vector<MIDIDriverSource> now = look();
-        if (now == told) return;
+        if (!std::exchange(hasLostConnections, false) && now == told) return;
         told = std::move(now);
         lock.unlock();
         listener();
@@ -98,6 +98,8 @@ struct JackMIDIDriver::State {
     std::vector<std::shared_ptr<JackMIDIInput>> inputs;
     /// Set once, before there is anything to tell.
     SourcesListener listener;
+    /// An input had to become a client anew; whoever connected it has not been told.
+    bool hasLostConnections = false;
     /// The sources that the listener knows of.
     std::vector<MIDIDriverSource> told;
     /// Last, so that all it uses is there before it and after it.

@@ -26,11 +26,11 @@ JackMIDIInput::JackMIDIInput(
       portName(std::move(inputPortName)),
       receiver(std::move(inputReceiver)) {}
 
-void JackMIDIInput::open() {
-    if (client != nullptr && !client->isGone()) return;
+bool JackMIDIInput::open() {
+    if (client != nullptr && !client->isGone()) return false;
     client.reset();
     client = clients.open(clientRole, events);
-    if (client == nullptr) return;
+    if (client == nullptr) return false;
     bool isActive = false;
     client->use([&](jack_client_t* jack) {
         port = jack_port_register(jack, portName.c_str(), JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
@@ -39,6 +39,7 @@ void JackMIDIInput::open() {
                    && jack_activate(jack) == 0;
     });
     if (!isActive) client.reset();
+    return isActive;
 }
 
 OSStatus JackMIDIInput::connect(const std::string& source) {

@@ -28,8 +28,8 @@ class JackMIDIInput final {
     JackMIDIInput& operator=(const JackMIDIInput&) = delete;
 
     /// Becomes a client, unless it is one of a server that runs. Tries again at the next call where that
-    /// fails.
-    void open();
+    /// fails. Whether it became one now, so that it has no connections.
+    bool open();
     void close() { client.reset(); }
 
     /// `source` is the full name of an output port.

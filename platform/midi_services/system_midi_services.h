@@ -12,7 +12,8 @@
 
 namespace orvane::platform {
 
-/// The MIDI services of this machine, over the drivers it is given.
+/// The MIDI services of this machine, over the drivers it is given. Other programs see ports under their
+/// names, but clients under the name of the program.
 class SystemMIDIServices final : public MIDIServices {
   public:
     /// Sources are listed in the order of the drivers. A keyboard that several drivers reach is listed once:

@@ -134,15 +134,22 @@ TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
     start();
     loadLive(mono, 0)->gain = 2.0F;
     loadLive(mono, 1);
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->loadPlugin(mono, 2, id(0));
+    engine->loadPlugin(mono, 2, id(0));
+    audioUnitHost.deliver();
+    mainThread.runPosted();
     const auto& report = audioUnitHost.report;
     int inPass = 0;
-    // Both are taken out while the pass that runs the first goes on.
+    // Two are taken out and one is replaced while the pass that runs the first goes on.
     std::binary_semaphore passIsOn(0);
     std::binary_semaphore passMayGoOn(0);
     std::thread control([&] {
         passIsOn.acquire();
         engine->removePlugin(0, id(0));
         engine->removePlugin(1, id(0));
+        audioUnitHost.deliver();
+        mainThread.runPosted();
         mainThread.advance(50ms);
         inPass = report.ready;
         passMayGoOn.release();
@@ -153,10 +160,10 @@ TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
     };
     EXPECT_EQ(heard(), 2.0F);
     control.join();
-    EXPECT_EQ(inPass, 2);
-    EXPECT_EQ(report.ready, 2);
+    EXPECT_EQ(inPass, 4);
+    EXPECT_EQ(report.ready, 4);
     mainThread.advance(10ms);
-    EXPECT_EQ(report.living, 0);
+    EXPECT_EQ(report.living, 1);
     EXPECT_EQ(report.rendersWithoutResources, 0);
     EXPECT_EQ(heard(), 1.0F);
 }

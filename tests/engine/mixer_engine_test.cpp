@@ -326,8 +326,6 @@ TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
     EXPECT_THAT(names(), IsEmpty()) << "the main thread has not run";
     mainThread.runPosted();
     EXPECT_THAT(names(), ElementsAre("Keys"));
-    const MixerEngine later(1, services);
-    EXPECT_EQ(later.state().availableMIDIDevices.get(), engine.state().availableMIDIDevices.get());
     keys.reset();
     engine.refreshMIDIDevices();
     EXPECT_THAT(names(), IsEmpty());

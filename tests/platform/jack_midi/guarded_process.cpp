@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <jack/jack.h>
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -16,10 +17,16 @@ struct Callback {
     void* argument;
 };
 
+/// The server lets one client's callback follow another's, which ThreadSanitizer does not see.
+std::atomic<unsigned> order = 0;
+
 int runGuarded(jack_nframes_t frameCount, void* callback) {
     const auto& [function, argument] = *static_cast<const Callback*>(callback);
     const orvane::test::AllocationGuard guard;
-    return function(frameCount, argument);
+    order.load();
+    const int result = function(frameCount, argument);
+    order.fetch_add(1);
+    return result;
 }
 
 /// libjack calls what it was given until its client has closed, which nobody here hears of: they are kept.

@@ -140,26 +140,6 @@ TEST(JackMIDIDriver, HasNoSourcesAndNothingToSayWhereNoServerRuns) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(JackMIDIDriver, ReachesOthersWithASourceOfItsOwn) {
-    const JackTestServer server({});
-    Driver sending;
-    auto source = sending.jack.createSource("note");
-    ASSERT_TRUE(source);
-    EXPECT_FALSE(source.value()->isConnected());
-
-    JackClients otherClients{uniqueJackName("other")};
-    JackMIDIDriver other(otherClients);
-    ReceivedMIDI received;
-    const auto input = other.openInput("input", received.receiver());
-    const std::vector<MIDIDriverSource> listed = other.sources();
-    ASSERT_EQ(listed.size(), 1U);
-    ASSERT_EQ(input->connect(listed[0].address), noErr);
-    EXPECT_TRUE(waitFor([&] { return source.value()->isConnected(); }));
-    const Message note{0x95, 0x3C, 0x64};
-    EXPECT_TRUE(waitFor([&] { return source.value()->send(note) == noErr && !received.get().empty(); }));
-    EXPECT_EQ(received.get().front(), note);
-}
-
 /// A manager over a JACK server, with what it was told.
 struct Listening {
     explicit Listening(JackClients& clients)
