@@ -1,8 +1,8 @@
 #include "cli/devices_command.h"
 
-#include "cli/audio_machine.h"
 #include "cli/message.h"
 #include "engine/mixer_engine.h"
+#include "machine/audio_machine.h"
 #include "platform/realtime_priority.h"
 #include "platform/run_loop.h"
 
@@ -18,7 +18,7 @@ namespace orvane::cli {
 namespace {
 
 struct DevicesOptions {
-    AudioMachineOptions machine = {};
+    machine::AudioMachineOptions machine = {};
     bool asJSON = false;
 };
 
@@ -49,13 +49,13 @@ void printJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority)
 }
 
 int listDevices(const DevicesOptions& options) {
-    auto machine = AudioMachine::make(options.machine);
+    auto machine = machine::AudioMachine::make(options.machine);
     if (!machine) {
         printMessage(machine.error().description);
         return 1;
     }
     platform::RunLoop loop;
-    AudioMachine& audioMachine = *machine.value();
+    machine::AudioMachine& audioMachine = *machine.value();
     platform::SystemMIDIServices noMIDI({});
     engine::MixerEngine engine(
         0, {audioMachine.hardware(), noMIDI, loop, audioMachine.audioUnits(), audioMachine.log}

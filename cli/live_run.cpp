@@ -1,6 +1,6 @@
 #include "cli/live_run.h"
 
-#include "audio/audio_device_manager.h"
+#include "audio/find_device.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
@@ -24,6 +24,7 @@ namespace {
 
 using audio::AudioDeviceInfo;
 using engine::MixerEngine;
+using machine::AudioMachine;
 using platform::Done;
 using platform::Error;
 using platform::Result;
@@ -33,24 +34,6 @@ constexpr auto meterInterval = 33333us;
 /// Lines that nobody rewrites would fill a log: there one frame a second will do.
 constexpr double plainLineSeconds = 1.0;
 constexpr std::size_t mostStrips = 48;
-
-/// The device of `uid`, the first usable one if absent, among those on offer.
-Result<AudioDeviceInfo> findDevice(
-    platform::AudioHardware& hardware, const std::vector<AudioDeviceInfo>& offered,
-    const std::optional<std::string>& uid
-) {
-    const auto found = std::ranges::find_if(offered, [&uid](const AudioDeviceInfo& device) {
-        return uid ? device.uid == *uid : device.inputChannelCount >= 1 && device.outputChannelCount >= 1;
-    });
-    if (found != offered.end()) return *found;
-    if (!uid) return Error{"There is no audio device with inputs and outputs."};
-    const auto all = audio::AudioDeviceManager(hardware).allDevices();
-    if (all && std::ranges::find(all.value(), *uid, &AudioDeviceInfo::uid) != all.value().end())
-        return Error{fmt::format(
-            "The audio device {} has neither inputs nor outputs now; another program may be using it.", *uid
-        )};
-    return Error{fmt::format("There is no audio device {}; orvane-cli devices lists those there are.", *uid)};
-}
 
 /// One run, from the choice of devices to the last meter.
 class LiveRun final {
@@ -72,7 +55,7 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
-        const auto main = findDevice(machine.hardware(), devices, machine.mainUID);
+        const auto main = audio::findDevice(machine.hardware(), devices, machine.mainUID);
         if (!main) return main.error();
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
@@ -88,7 +71,7 @@ class LiveRun final {
         setUpMix(*engine, document);
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
         if (options.masterDevice) {
-            const auto master = findDevice(machine.hardware(), devices, options.masterDevice);
+            const auto master = audio::findDevice(machine.hardware(), devices, options.masterDevice);
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
@@ -210,7 +193,7 @@ class LiveRun final {
 } // namespace
 
 int runLive(const LiveRunOptions& options) {
-    auto machine = AudioMachine::make(options.machine);
+    auto machine = machine::AudioMachine::make(options.machine);
     Result<Done> outcome = Done{};
     if (!machine) {
         outcome = machine.error();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/audio_machine.h"
+#include "machine/audio_machine.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ enum class MeterStyle { text, json, none };
 
 /// What is to be run.
 struct LiveRunOptions {
-    AudioMachineOptions machine = {};
+    machine::AudioMachineOptions machine = {};
     /// The session that sets the mix up; a fresh one if absent.
     std::optional<std::filesystem::path> session = {};
     /// Strips; as many as the session or else the device's inputs if absent.

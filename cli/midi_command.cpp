@@ -1,9 +1,9 @@
 #include "cli/midi_command.h"
 
-#include "cli/audio_machine.h"
 #include "cli/message.h"
 #include "cli/midi_send.h"
 #include "engine/mixer_engine.h"
+#include "machine/audio_machine.h"
 #include "platform/run_loop.h"
 
 #include <CLI/CLI.hpp>
@@ -43,7 +43,7 @@ void printJSON(const Sources& sources) {
 }
 
 int listSources(const MIDIOptions& options) {
-    const auto machine = AudioMachine::make({});
+    const auto machine = machine::AudioMachine::make({});
     if (!machine) {
         printMessage(machine.error().description);
         return 1;

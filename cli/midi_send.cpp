@@ -1,7 +1,7 @@
 #include "cli/midi_send.h"
 
-#include "cli/audio_machine.h"
 #include "cli/interrupt.h"
+#include "machine/audio_machine.h"
 #include "platform/jack_audio/jack_clients.h"
 
 #include <fmt/format.h>
@@ -85,7 +85,7 @@ Result<SentNote> parseNote(std::string_view text) {
 
 Result<Done> sendNote(const SentNote& note, double mostSeconds) {
     platform::JackClients clients;
-    const auto drivers = makeMIDIDrivers(clients);
+    const auto drivers = machine::makeMIDIDrivers(clients);
     const std::unique_ptr<MIDIOwnSource> source = makeSource(drivers);
     if (source == nullptr)
         return Error{"There is neither a JACK server nor an ALSA sequencer to send the note through."};

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/no_audio_units.h"
 #include "engine/mixer_engine.h"
+#include "machine/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
@@ -59,7 +59,7 @@ class OfflineMixer final {
 
     platform::SystemLog log;
     platform::RunLoop mainThread;
-    NoAudioUnits audioUnitHost;
+    machine::NoAudioUnits audioUnitHost;
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
     /// The hardware layer's; lives as long as that.

@@ -108,6 +108,7 @@ class MixerEngine final {
     void renameSnapshot(std::int64_t index, std::string name) { scenes.rename(index, std::move(name)); }
     void selectPreviousSnapshot() { scenes.selectPrevious(); }
     void selectNextSnapshot() { scenes.selectNext(); }
+    void selectSnapshot(std::int64_t index) { scenes.select(index); }
 
     /// Selects the scene and makes it the mix; plugins in recall-safe slots stay as they are.
     void recallSnapshot(std::int64_t index);

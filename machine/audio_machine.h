@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/no_audio_units.h"
+#include "machine/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/midi_driver.h"
@@ -14,13 +14,13 @@
 #include <string>
 #include <vector>
 
-namespace orvane::cli {
+namespace orvane::machine {
 
 /// The ways to MIDI sources that ORVANE_DRIVERS names, or all: the ALSA sequencer, which reaches hardware
 /// directly, before JACK, which may have bridges to it. `clients` outlives them.
 std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers(platform::JackClients& clients);
 
-/// What a command is told about the machine's audio.
+/// What a program is told about the machine's audio.
 struct AudioMachineOptions {
     /// The sound file that a virtual device plays.
     std::optional<std::filesystem::path> virtualInput = {};
@@ -30,8 +30,8 @@ struct AudioMachineOptions {
     std::optional<std::string> device = {};
 };
 
-/// The audio hardware and MIDI services that a command works with, and its log. Made by the command, outlives
-/// its engine.
+/// The audio hardware and MIDI services that a program works with, and its log. Made by its composition
+/// root, outlives its engine.
 class AudioMachine final {
   public:
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
@@ -55,4 +55,4 @@ class AudioMachine final {
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };
 
-} // namespace orvane::cli
+} // namespace orvane::machine

@@ -1,4 +1,4 @@
-#include "cli/audio_machine.h"
+#include "machine/audio_machine.h"
 
 #include "platform/alsa_audio/alsa_audio_driver.h"
 #include "platform/alsa_midi/alsa_midi_driver.h"
@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvane::cli {
+namespace orvane::machine {
 
 namespace {
 
@@ -88,4 +88,4 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
     return machine;
 }
 
-} // namespace orvane::cli
+} // namespace orvane::machine

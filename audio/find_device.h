@@ -1,0 +1,20 @@
+#pragma once
+
+#include "audio/audio_device_info.h"
+#include "platform/audio_hardware.h"
+#include "platform/result.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::audio {
+
+/// The device that a command line asks for: of `uid`, or the first with inputs and outputs if absent, among
+/// those on offer. `hardware` tells why a device that is there is not on offer. Main thread.
+platform::Result<AudioDeviceInfo> findDevice(
+    platform::AudioHardware& hardware, const std::vector<AudioDeviceInfo>& offered,
+    const std::optional<std::string>& uid
+);
+
+} // namespace orvane::audio
