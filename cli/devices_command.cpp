@@ -3,6 +3,7 @@
 #include "cli/message.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/realtime_priority.h"
 #include "platform/run_loop.h"
 

@@ -1,12 +1,14 @@
 #include "cli/live_run.h"
 
 #include "audio/find_device.h"
+#include "cli/await_plugins.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
 #include "cli/mix_setup.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
+#include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
 
 #include <fmt/format.h>
@@ -35,11 +37,15 @@ constexpr auto meterInterval = 33333us;
 constexpr double plainLineSeconds = 1.0;
 constexpr std::size_t mostStrips = 48;
 
+void printSentence(const std::optional<std::string>& sentence) {
+    if (sentence) printMessage(*sentence);
+}
+
 /// One run, from the choice of devices to the last meter.
 class LiveRun final {
   public:
-    LiveRun(const LiveRunOptions& runOptions, AudioMachine& audioMachine)
-        : options(runOptions), machine(audioMachine) {}
+    LiveRun(const LiveRunOptions& runOptions, AudioMachine& audioMachine, platform::RunLoop& mainThread)
+        : options(runOptions), machine(audioMachine), loop(mainThread) {}
 
     Result<Done> prepare() {
         std::optional<session::MixerDocumentData> document;
@@ -67,8 +73,11 @@ class LiveRun final {
                 strips
             )};
         engine.emplace(strips, services(machine.midi()));
+        // What the session asks for and cannot have; the mix goes on without.
+        const auto toErrors = engine->state().lastError.subscribe(printSentence);
         engine->selectDevice(main.value());
         setUpMix(*engine, document);
+        awaitPlugins(*engine, loop, [] { return false; });
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
         if (options.masterDevice) {
             const auto master = audio::findDevice(machine.hardware(), devices, options.masterDevice);
@@ -176,7 +185,7 @@ class LiveRun final {
 
     const LiveRunOptions& options;
     AudioMachine& machine;
-    platform::RunLoop loop;
+    platform::RunLoop& loop;
     std::optional<MixerEngine> engine;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;
@@ -193,12 +202,13 @@ class LiveRun final {
 } // namespace
 
 int runLive(const LiveRunOptions& options) {
+    platform::RunLoop loop;
     auto machine = machine::AudioMachine::make(options.machine);
     Result<Done> outcome = Done{};
     if (!machine) {
         outcome = machine.error();
     } else {
-        LiveRun run(options, *machine.value());
+        LiveRun run(options, *machine.value(), loop);
         outcome = run.prepare();
         if (outcome) outcome = run.run();
     }

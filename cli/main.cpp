@@ -1,6 +1,7 @@
 #include "cli/devices_command.h"
 #include "cli/message.h"
 #include "cli/midi_command.h"
+#include "cli/plugins_command.h"
 #include "cli/render_command.h"
 #include "cli/run_command.h"
 #include "cli/session_command.h"
@@ -28,6 +29,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(0, 1);
     orvane::cli::addDevicesCommand(program, exitCode);
     orvane::cli::addMIDICommand(program, exitCode);
+    orvane::cli::addPluginsCommand(program, exitCode);
     orvane::cli::addRenderCommand(program, exitCode);
     orvane::cli::addRunCommand(program, exitCode);
     orvane::cli::addSessionCommand(program, exitCode);

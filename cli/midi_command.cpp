@@ -49,7 +49,10 @@ int listSources(const MIDIOptions& options) {
         return 1;
     }
     platform::RunLoop loop;
-    const engine::MixerEngine engine(0, {machine.value()->hardware(), machine.value()->midi(), loop});
+    machine::AudioMachine& services = *machine.value();
+    const engine::MixerEngine engine(
+        0, {services.hardware(), services.midi(), loop, services.audioUnits(), services.log}
+    );
     const auto print = options.asJSON ? printJSON : printTable;
     print(engine.state().availableMIDIDevices.get());
     return 0;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
-#include "machine/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
 #include "platform/run_loop.h"
@@ -40,6 +40,9 @@ class OfflineMixer final {
         return static_cast<std::size_t>(mixer.state().bufferSize.get());
     }
 
+    /// The main thread of the engine; it only runs where somebody runs it.
+    [[nodiscard]] platform::RunLoop& loop() { return mainThread; }
+
     /// Starts the engine; fails with its message.
     platform::Result<platform::Done> start();
 
@@ -59,7 +62,7 @@ class OfflineMixer final {
 
     platform::SystemLog log;
     platform::RunLoop mainThread;
-    machine::NoAudioUnits audioUnitHost;
+    platform::Lv2UnitHost audioUnitHost{log};
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
     /// The hardware layer's; lives as long as that.

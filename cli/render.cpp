@@ -1,5 +1,6 @@
 #include "cli/render.h"
 
+#include "cli/await_plugins.h"
 #include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
 #include "cli/stem_files.h"
@@ -121,10 +122,15 @@ class Run final {
         const OfflineMixer::Device device = {
             reader.value().channelCount(), outputs.value(), reader.value().sampleRate()};
         auto mixer = std::make_unique<OfflineMixer>(strips.value(), device);
+        const auto toWarnings =
+            mixer->engine().state().lastError.subscribe([&observer](const std::optional<std::string>& warning
+                                                        ) {
+                if (warning) observer.warn(*warning);
+            });
         setUpMix(mixer->engine(), document.value());
+        awaitPlugins(mixer->engine(), mixer->loop(), observer.isCancelled);
         if (options.bufferSize) mixer->engine().setBufferSize(*options.bufferSize);
         if (auto started = mixer->start(); !started) return started.error();
-        if (const auto& warning = mixer->engine().state().lastError.get()) observer.warn(*warning);
         if (routed > outputs.value())
             observer.warn(fmt::format(
                 "The session goes to outputs up to {}, but there are only {}: what goes beyond is not heard.",

@@ -1,11 +1,11 @@
 #include "cli/session_command.h"
 
 #include "cli/message.h"
+#include "cli/no_audio_units.h"
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_encoder.h"
 #include "engine/session_files.h"
-#include "machine/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
@@ -38,7 +38,7 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
     platform::RunLoop loop;
     platform::SystemLog log(platform::standardErrorSink());
     // What a session says of its plugins is printed; none is loaded for that.
-    machine::NoAudioUnits audioUnits;
+    NoAudioUnits audioUnits;
     engine::MixerEngine engine(
         options.channels.value_or(document.value().channels.size()), {hardware, noMIDI, loop, audioUnits, log}
     );

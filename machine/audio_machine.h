@@ -1,8 +1,8 @@
 #pragma once
 
-#include "machine/no_audio_units.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/jack_audio/jack_clients.h"
+#include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/midi_driver.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
@@ -30,8 +30,8 @@ struct AudioMachineOptions {
     std::optional<std::string> device = {};
 };
 
-/// The audio hardware and MIDI services that a program works with, and its log. Made by its composition
-/// root, outlives its engine.
+/// The audio hardware, effects and MIDI services that a program works with, and its log. Made by its
+/// composition root; outlives its engine, and ends before the main thread that the engine posts to.
 class AudioMachine final {
   public:
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
@@ -50,7 +50,7 @@ class AudioMachine final {
 
   private:
     platform::JackClients jackClients;
-    NoAudioUnits audioUnitHost;
+    platform::Lv2UnitHost audioUnitHost{log};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients)};
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };

@@ -20,7 +20,11 @@ RunLoop::repeat(std::chrono::nanoseconds interval, std::function<void()> task) {
 }
 
 void RunLoop::run() {
-    while (!hasQuit()) {
+    runWhile([] { return true; });
+}
+
+void RunLoop::runWhile(const std::function<bool()>& goesOn) {
+    while (!hasQuit() && goesOn()) {
         // One of each in turn, so that neither many tasks nor slow timers keep the others waiting for ever.
         const bool ranTask = runNextTask();
         const bool ranTimer = !hasQuit() && timers.runNextDue(Clock::now());

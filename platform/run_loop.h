@@ -23,6 +23,9 @@ class RunLoop final : public MainThread {
     /// Runs tasks and timers until somebody quits; returns at once where somebody has. Main thread.
     void run();
 
+    /// The same, but only for as long as `goesOn` is true, which is asked after every task and timer.
+    void runWhile(const std::function<bool()>& goesOn);
+
     /// Ends the loop after the task under way; what is still queued never runs. Any thread.
     void quit();
 

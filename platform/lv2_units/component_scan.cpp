@@ -3,6 +3,7 @@
 #include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
+#include "platform/lv2_units/search_path.h"
 
 #include <lv2/core/lv2.h>
 

@@ -1,6 +1,8 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 
+#include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/lv2_unit.h"
+#include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
 #include "platform/lv2_units/plugin_instance.h"
 

@@ -2,8 +2,7 @@
 
 #include "platform/audio_unit_host.h"
 #include "platform/lv2_units/component_scan.h"
-#include "platform/lv2_units/host_services.h"
-#include "platform/lv2_units/plugin_bundle.h"
+#include "platform/lv2_units/search_path.h"
 #include "platform/system_log.h"
 
 #include <condition_variable>
@@ -15,6 +14,10 @@
 #include <vector>
 
 namespace orvane::platform {
+
+namespace lv2_units {
+struct HostServices;
+}
 
 /// Hosts the LV2 plugins of this machine. Plugins are loaded on a thread of the host's own, one after the
 /// other; completions come from there. A request that is still open when the host is destroyed is answered

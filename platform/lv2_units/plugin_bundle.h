@@ -42,13 +42,6 @@ class PluginBundle final {
 /// What a node says as text; empty for none.
 std::string textOf(const LilvNode* node);
 
-/// Every bundle folder in a list of folders that colons separate, "~" standing for the home folder, in the
-/// list's order and then by name.
-std::vector<std::filesystem::path> bundleFolders(std::string_view searchPath);
-
-/// Where the user's environment says that bundles are, or where they are by custom.
-std::string environmentSearchPath();
-
 /// Why the bundle's manifest cannot be read, where that is so.
 std::optional<std::string> manifestProblem(const std::filesystem::path& folder);
 

@@ -2,7 +2,7 @@
 
 #include "platform/audio_unit_host.h"
 
-namespace orvane::machine {
+namespace orvane::cli {
 
 /// A machine without effects.
 class NoAudioUnits final : public platform::AudioUnitHost {
@@ -19,4 +19,4 @@ class NoAudioUnits final : public platform::AudioUnitHost {
     }
 };
 
-} // namespace orvane::machine
+} // namespace orvane::cli

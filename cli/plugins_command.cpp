@@ -1,0 +1,68 @@
+#include "cli/plugins_command.h"
+
+#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/system_log.h"
+#include "plugins/insert_components.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <vector>
+
+namespace orvane::cli {
+
+namespace {
+
+using Components = std::vector<platform::AVAudioUnitComponent>;
+
+void printTable(const Components& components) {
+    fmt::print("{:<36} {}\n", "maker", "name");
+    for (const platform::AVAudioUnitComponent& component : components)
+        fmt::print("{:<36} {}\n", component.manufacturerName, component.name);
+}
+
+void printJSON(const Components& components) {
+    nlohmann::json document = {{"plugins", nlohmann::json::array()}};
+    for (const platform::AVAudioUnitComponent& component : components) {
+        const session::AUComponentIdentity identity = plugins::identityOf(component);
+        document["plugins"].push_back(
+            {{"name", component.name},
+             {"manufacturerName", component.manufacturerName},
+             {"componentType", identity.componentType},
+             {"componentSubType", identity.componentSubType},
+             {"componentManufacturer", identity.componentManufacturer}}
+        );
+    }
+    // Names are whatever their makers have written.
+    fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+void listPlugins(bool asJSON) {
+    platform::SystemLog log(platform::standardErrorSink());
+    platform::Lv2UnitHost host(log);
+    const Components components = plugins::availableInsertComponents(host);
+    log.flush();
+    const auto print = asJSON ? printJSON : printTable;
+    print(components);
+}
+
+} // namespace
+
+void addPluginsCommand(CLI::App& program, int& exitCode) {
+    const auto asJSON = std::make_shared<bool>(false);
+    CLI::App* const command =
+        program.add_subcommand("plugins", "List the effects that can be inserted into a strip");
+    command->footer(
+        "LV2 effects with as many audio outputs as inputs; LV2_PATH says where they are looked for. "
+        "The codes of the JSON form are how sessions name them."
+    );
+    command->add_flag("--json", *asJSON, "As one JSON object");
+    command->callback([asJSON, &exitCode] {
+        listPlugins(*asJSON);
+        exitCode = 0;
+    });
+}
+
+} // namespace orvane::cli
