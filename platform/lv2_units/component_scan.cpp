@@ -8,32 +8,24 @@
 #include <lv2/core/lv2.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <map>
-#include <optional>
-#include <thread>
 #include <tuple>
+#include <utility>
 
 namespace orvane::platform::lv2_units {
 
 namespace {
 
-/// More readers than this are no faster.
-constexpr unsigned mostReaders = 8;
-
-/// One thread's part of a scan: every so-manieth plugin of each bundle. Bundles with hundreds of plugins are
-/// shared out that way.
+/// Reads bundles and keeps the effects in them.
 class Reader final {
   public:
-    Reader(std::size_t readerIndex, std::size_t count, SystemLog& systemLog)
-        : index(readerIndex), readerCount(count), log(systemLog) {}
+    explicit Reader(SystemLog& systemLog) : log(systemLog) {}
 
     void read(const std::filesystem::path& folder) {
         PluginBundle bundle(folder);
         const auto plugins = bundle.plugins();
-        for (std::size_t i = index; i < plugins.size(); i += readerCount)
-            readPlugin(bundle, plugins[i], folder);
-        if (!plugins.empty() || index != 0) return;
+        for (const LilvPlugin* const plugin : plugins)
+            readPlugin(bundle, plugin, folder);
+        if (!plugins.empty()) return;
         if (const auto problem = manifestProblem(folder)) skip(folder.native(), *problem);
     }
 
@@ -68,50 +60,29 @@ class Reader final {
         log.post(LogLevel::error, logCategory, {"Left out ", what, ": ", why, "."});
     }
 
-    std::size_t index;
-    std::size_t readerCount;
     SystemLog& log;
 };
 
-/// The newest of each plugin; of equal versions the one whose bundle comes first.
-std::vector<InstalledPlugin>
-newestOfEach(std::vector<Reader>& readers, const std::vector<std::filesystem::path>& folders) {
-    std::map<std::filesystem::path, std::size_t> places;
-    for (std::size_t i = 0; i < folders.size(); ++i)
-        places.emplace(folders[i], i);
-    std::vector<InstalledPlugin> all;
-    for (Reader& reader : readers)
-        std::ranges::move(reader.found, std::back_inserter(all));
-    std::ranges::sort(all, [&](const InstalledPlugin& a, const InstalledPlugin& b) {
-        return std::tuple(std::string_view(a.uri), b.version, places.at(a.bundle))
-               < std::tuple(std::string_view(b.uri), a.version, places.at(b.bundle));
+/// The newest of each plugin; of equal versions the one that was found first.
+void keepNewest(std::vector<InstalledPlugin>& plugins) {
+    std::ranges::stable_sort(plugins, [](const InstalledPlugin& a, const InstalledPlugin& b) {
+        return std::tie(a.uri, b.version) < std::tie(b.uri, a.version);
     });
-    const auto repeated = std::ranges::unique(all, {}, &InstalledPlugin::uri);
-    all.erase(repeated.begin(), repeated.end());
-    return all;
+    const auto repeated = std::ranges::unique(plugins, {}, &InstalledPlugin::uri);
+    plugins.erase(repeated.begin(), repeated.end());
 }
 
 } // namespace
 
 std::vector<InstalledPlugin> scanForEffects(std::string_view searchPath, SystemLog& log) {
-    const auto folders = bundleFolders(searchPath);
-    const std::size_t count = std::clamp(std::thread::hardware_concurrency(), 1U, mostReaders);
-    std::vector<Reader> readers;
-    for (std::size_t i = 0; i < count; ++i)
-        readers.emplace_back(i, count, log);
-    {
-        std::vector<std::jthread> threads;
-        for (Reader& reader : readers)
-            threads.emplace_back([&reader, &folders] {
-                for (const auto& folder : folders)
-                    reader.read(folder);
-            });
-    }
-    auto effects = newestOfEach(readers, folders);
-    std::ranges::sort(effects, {}, [](const InstalledPlugin& plugin) {
+    Reader reader(log);
+    for (const auto& folder : bundleFolders(searchPath))
+        reader.read(folder);
+    keepNewest(reader.found);
+    std::ranges::sort(reader.found, {}, [](const InstalledPlugin& plugin) {
         return std::tie(plugin.component.manufacturerName, plugin.component.name, plugin.uri);
     });
-    return effects;
+    return std::move(reader.found);
 }
 
 std::uint32_t stableCode(std::string_view text) {

@@ -23,8 +23,8 @@ struct InstalledPlugin {
 
 /// Finds the effects, plugins with audio inputs and outputs, of all bundles on the search path, ordered by
 /// maker, name and URI. Of a plugin that is installed twice the newer one counts, or the first on the path.
-/// Reads descriptions only, on as many threads as there are processors; a plugin or bundle that cannot be
-/// used is left out with a line in the log. Any thread, takes its time.
+/// Reads descriptions only; a plugin or bundle that cannot be used is left out with a line in the log. Any
+/// thread, takes its time.
 std::vector<InstalledPlugin> scanForEffects(std::string_view searchPath, SystemLog& log);
 
 /// The 32-bit FNV-1a hash by which sessions name plugins and makers.

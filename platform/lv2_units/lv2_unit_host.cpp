@@ -27,6 +27,14 @@ bool matches(const AudioComponentDescription& component, const AudioComponentDes
            && (component.componentFlags & mask) == (wanted.componentFlags & mask);
 }
 
+Result<lv2_units::PluginDescription> readDescription(const InstalledPlugin& installed) {
+    lv2_units::PluginBundle bundle(installed.bundle);
+    const LilvPlugin* const plugin = bundle.plugin(installed.uri);
+    if (plugin == nullptr)
+        return Error{fmt::format("\"{}\" is no longer installed.", installed.component.name)};
+    return lv2_units::describe(bundle, plugin);
+}
+
 } // namespace
 
 Lv2UnitHost::Lv2UnitHost(SystemLog& systemLog, std::string searchPath)
@@ -93,10 +101,7 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentD
         return matches(plugin.component.audioComponentDescription, description);
     });
     if (found == all.end()) return Error{"The effect is not installed."};
-    lv2_units::PluginBundle bundle(found->bundle);
-    const LilvPlugin* const plugin = bundle.plugin(found->uri);
-    if (plugin == nullptr) return Error{fmt::format("\"{}\" is no longer installed.", found->component.name)};
-    auto described = lv2_units::describe(bundle, plugin);
+    auto described = readDescription(*found);
     if (!described) return described.error();
 
     auto shared = std::make_shared<const lv2_units::PluginDescription>(std::move(described).value());

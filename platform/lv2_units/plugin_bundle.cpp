@@ -16,6 +16,9 @@ namespace orvane::platform::lv2_units {
 
 namespace {
 
+/// lilv names what has no name with the help of a buffer that all its worlds share.
+std::mutex turns;
+
 /// Keeps the first of the reader's complaints.
 SerdStatus keepComplaint(void* kept, const SerdError* error) {
     auto& complaint = *static_cast<std::string*>(kept);
@@ -30,7 +33,7 @@ SerdStatus keepComplaint(void* kept, const SerdError* error) {
 
 } // namespace
 
-PluginBundle::PluginBundle(const std::filesystem::path& folder) : world(lilv_world_new()) {
+PluginBundle::PluginBundle(const std::filesystem::path& folder) : turn(turns), world(lilv_world_new()) {
     // A dynamic manifest would be code of the plugin.
     const NodeHandle no(lilv_new_bool(world.get(), false));
     lilv_world_set_option(world.get(), LILV_OPTION_DYN_MANIFEST, no.get());

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,8 +12,8 @@
 
 namespace orvane::platform::lv2_units {
 
-/// The descriptions in one bundle, in a world of their own: any number of bundles can be read side by side,
-/// and nothing of them stays in memory. No code of a plugin is loaded. One thread at a time.
+/// The descriptions in one bundle, in a world of their own, of which nothing stays in memory. No code of a
+/// plugin is loaded. Any thread; there is one at a time in the whole process, and a second one waits for it.
 class PluginBundle final {
   public:
     explicit PluginBundle(const std::filesystem::path& folder);
@@ -35,6 +36,7 @@ class PluginBundle final {
     [[nodiscard]] std::optional<int> integer(const LilvNode* subject, std::string_view predicate);
 
   private:
+    std::unique_lock<std::mutex> turn;
     WorldHandle world;
     std::map<std::string, NodeHandle, std::less<>> nodes;
 };

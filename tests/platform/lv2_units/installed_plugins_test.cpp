@@ -67,7 +67,7 @@ double gainDB(AUAudioUnit& unit, std::size_t channels, double frequency, double 
 
 /// Plugins that a sanitizer ends the program for: they read beyond memory of their own.
 bool isLeftToItself(const std::string& name) {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return name.starts_with("Phaserotate");
 #else
     static_cast<void>(name);
