@@ -40,7 +40,7 @@ struct OfflineMixer::Output final : platform::VirtualOutput {
 };
 
 OfflineMixer::OfflineMixer(std::size_t stripCount, const Device& device)
-    : log(platform::standardErrorSink()),
+    : log(platform::quietUntilAnError(platform::standardErrorSink())),
       input(std::make_shared<Input>()),
       output(std::make_shared<Output>()),
       hardware([&] {

@@ -38,7 +38,7 @@ class AudioMachine final {
     /// where a file cannot be played or recorded.
     static platform::Result<std::unique_ptr<AudioMachine>> make(const AudioMachineOptions& options);
 
-    platform::SystemLog log{platform::standardErrorSink()};
+    platform::SystemLog log{platform::quietUntilAnError(platform::standardErrorSink())};
 
     /// The device that the options ask for: named, or the virtual one that plays or is recorded; nothing if
     /// they leave it open.

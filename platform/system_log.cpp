@@ -70,4 +70,11 @@ SystemLog::Sink standardErrorSink() {
     };
 }
 
+SystemLog::Sink quietUntilAnError(SystemLog::Sink sink) {
+    return [sink = std::move(sink), hasFailed = false](const LogLine& line) mutable {
+        hasFailed |= line.level == LogLevel::error;
+        if (hasFailed) sink(line);
+    };
+}
+
 } // namespace orvane::platform

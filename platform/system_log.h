@@ -69,4 +69,8 @@ class SystemLog final {
 /// Writes lines to standard error, with the priorities that the journal reads when it is what listens there.
 SystemLog::Sink standardErrorSink();
 
+/// Keeps from `sink` that all is well, until something has failed: from the first error on it gets every
+/// line.
+SystemLog::Sink quietUntilAnError(SystemLog::Sink sink);
+
 } // namespace orvane::platform

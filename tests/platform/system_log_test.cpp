@@ -71,4 +71,16 @@ TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
     EXPECT_EQ(found, 3U * linesPerThread);
 }
 
+TEST(SystemLog, CanKeepQuietUntilSomethingFails) {
+    std::string written;
+    SystemLog log(orvane::platform::quietUntilAnError([&written](const LogLine& line) {
+        written += line.text;
+    }));
+    for (const LogLevel level : {LogLevel::standard, LogLevel::error, LogLevel::standard}) {
+        log.post(level, "Test", {level == LogLevel::error ? "failed " : "well "});
+        log.flush();
+    }
+    EXPECT_EQ(written, "failed well ");
+}
+
 } // namespace
