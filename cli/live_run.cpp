@@ -96,6 +96,14 @@ class LiveRun final {
             engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {
                 if (text && engine->state().isRunning.get()) printMessage(*text);
             });
+        // Without a window, only a MIDI note selects a scene, and that recalls it.
+        const auto toRecalls = engine->state().currentSnapshotIndex.subscribe([this](const auto& index) {
+            if (index)
+                printMessage(fmt::format(
+                    "Recalled snapshot {}: {}", *index + 1,
+                    engine->state().snapshots.get()[static_cast<std::size_t>(*index)].name
+                ));
+        });
         const InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
         const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {

@@ -1,14 +1,17 @@
 #include "cli/render.h"
 #include "dsp/decibels.h"
 #include "engine/session/mixer_json_document.h"
+#include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/sound_file_reader.h"
 #include "platform/sound_file_writer.h"
+#include "plugins/insert_components.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -215,6 +218,44 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
         EXPECT_THAT(rendering.report.error().description, HasSubstr(one.says)) << one.what;
         EXPECT_EQ(folder.names(), before) << one.what;
     }
+}
+
+TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
+    const TemporaryFolder folder;
+    platform::SystemLog log([](const platform::LogLine&) {});
+    platform::Lv2UnitHost host(log);
+    const auto installed = plugins::availableInsertComponents(host);
+    const auto dynamics = std::ranges::find(installed, "MDA Dynamics", &platform::AVAudioUnitComponent::name);
+    ASSERT_NE(dynamics, installed.end());
+
+    session::MixerJSONDocument document;
+    for (int i = 0; i < 8; ++i) {
+        session::ChannelStrip strip = session::ChannelStrip::make(platform::Uuid::random(), "Mic", i, {});
+        strip.pluginSlots[0].pluginName = dynamics->name;
+        strip.pluginSlots[0].component = plugins::identityOf(*dynamics);
+        document.data.channels.push_back(strip.settings());
+    }
+    document.data.channels[5].pluginSlots[0].component->componentSubType = 1;
+    document.data.masterOutputRouting = master_output::Stereo{0, 1};
+    document.data.bufferSize = 256;
+    const auto mix = [&](const char* name) {
+        EXPECT_TRUE(document.write(folder / "show.orvane"));
+        const Rendering rendering({.input = panel, .output = folder / name, .session = folder / "show.orvane"}
+        );
+        EXPECT_TRUE(rendering.report) << name;
+        return rendering.warnings;
+    };
+    for (const char* name : {"first.wav", "second.wav"})
+        EXPECT_THAT(
+            mix(name),
+            ElementsAre("Couldn't find installed plugin \"MDA Dynamics\" for Mic, slot 1 -- it may "
+                        "not be installed on this Mac.")
+        );
+    for (session::ChannelSettingsData& channel : document.data.channels)
+        channel.pluginSlots[0] = session::PluginSlot::makeEmpty();
+    EXPECT_THAT(mix("plain.wav"), testing::IsEmpty());
+    EXPECT_EQ(test::contentOf(folder / "first.wav"), test::contentOf(folder / "second.wav"));
+    EXPECT_NE(readSound(folder / "first.wav")[0], readSound(folder / "plain.wav")[0]);
 }
 
 TEST(Render, LeavesTheOldFileAloneWhenCancelled) {
