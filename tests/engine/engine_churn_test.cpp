@@ -50,7 +50,7 @@ class EngineChurnTest : public testing::Test {
         const std::vector<session::ChannelStrip> strips = engine.state().channelStrips.get();
         const platform::Uuid strip = strips[pick(strips.size())].id;
         const auto channel = static_cast<std::int64_t>(pick(10));
-        switch (pick(14)) {
+        switch (pick(16)) {
         case 0:
             return engine.start();
         case 1:
@@ -73,6 +73,10 @@ class EngineChurnTest : public testing::Test {
             return engine.setDuckerReleaseMs(static_cast<double>(10 + pick(1000)));
         case 10:
             return engine.applyDocument(engine.makeDocumentData());
+        case 14:
+            return pick(3) == 0 ? engine.undoSnapshotEdit() : engine.newSnapshot();
+        case 15:
+            return engine.recallSnapshot(channel);
         case 11:
             return driver->control("virtual:a")->changeBufferSize(pick(2) == 0 ? 1024 : 64);
         case 12:

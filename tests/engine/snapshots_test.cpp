@@ -1,18 +1,22 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/random_blocks.h"
 #include "support/scripted_audio_unit.h"
+#include "support/virtual_signals.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -146,6 +150,53 @@ TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
     engine.handleMIDINote(note);
     EXPECT_THAT(selection(), Optional(1));
     EXPECT_THAT(learning(), Optional(2));
+}
+
+TEST(Snapshots, ArePlayedFromTheNextBlockOn) {
+    constexpr std::size_t strips = 48;
+    constexpr int sceneCount = 24;
+    const auto output = std::make_shared<test::KeptOutput>();
+    std::vector<platform::VirtualDevice> devices(1);
+    devices[0].description = {"virtual:big", "Big", strips, strips, 48000.0};
+    devices[0].input = std::make_shared<test::SteadyInput>();
+    devices[0].output = output;
+    platform::SystemLog log([](const platform::LogLine&) {});
+    auto driver = std::make_unique<platform::VirtualAudioDriver>(
+        std::move(devices), platform::VirtualPacing::stepped, log
+    );
+    platform::VirtualClock& clock = driver->clock();
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    drivers.push_back(std::move(driver));
+    platform::SystemAudioHardware hardware(std::move(drivers));
+    platform::SystemMIDIServices midiServices({});
+    test::ManualMainThread mainThread;
+    test::ScriptedAudioUnitHost audioUnitHost;
+    MixerEngine engine(strips, {hardware, midiServices, mainThread, audioUnitHost, log});
+    engine.refreshDevices();
+    engine.selectDevice(engine.state().availableDevices.get().at(0));
+    const std::vector<session::ChannelStrip> all = engine.state().channelStrips.get();
+    for (int scene = 0; scene < sceneCount; ++scene) {
+        for (std::size_t i = 0; i < strips; ++i) {
+            engine.setBypassed(all[i].id, true);
+            engine.setTrim(all[i].id, scene + static_cast<double>(i));
+        }
+        engine.newSnapshot();
+        engine.beginMIDILearn();
+        engine.handleMIDINote({3, scene});
+    }
+    engine.start();
+    test::Random random(9);
+    for (int recall = 0; recall < 1000; ++recall) {
+        const long scene = test::wholeBetween(random, 0, sceneCount - 1);
+        engine.handleMIDINote({3, scene});
+        ASSERT_EQ(clock.step("virtual:big", 1), 1U);
+        for (std::size_t i = 0; i < output->played.size(); ++i)
+            ASSERT_EQ(
+                output->played[i],
+                static_cast<float>(test::steadyLevel * static_cast<double>(scene + static_cast<long>(i)))
+            ) << "recall "
+              << recall << ", strip " << i;
+    }
 }
 
 TEST_F(SnapshotsTest, FlagRecallSafeOnlyTheSlotsThatHaveAFlag) {
