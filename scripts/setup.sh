@@ -5,7 +5,7 @@
 set -euo pipefail
 
 build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsndfile1-dev liblilv-dev lv2-dev
-    libplist-dev nlohmann-json3-dev libfmt-dev libcli11-dev qt6-base-dev libqt6svg6-dev libgl-dev)
+    libplist-dev nlohmann-json3-dev libfmt-dev libcli11-dev qt6-base-dev qt6-svg-dev libgl-dev)
 tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev jackd2 mda-lv2 x42-plugins)
 check=(clang-format)
 lint=(clang-tidy cppcheck)
