@@ -12,6 +12,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(ORVANE_SANITIZE "" CACHE STRING "Sanitizer to build with: address, thread or nothing")
 set_property(CACHE ORVANE_SANITIZE PROPERTY STRINGS "" address thread)
 
+option(ORVANE_FUZZ "Build the fuzzers for libFuzzer (needs clang)" OFF)
+
 add_library(orvane_flags INTERFACE)
 # Contraction would fuse a multiply and an add on some processors and not on others, and change the result.
 target_compile_options(orvane_flags INTERFACE
@@ -25,6 +27,9 @@ elseif(NOT ORVANE_SANITIZE STREQUAL "")
 endif()
 target_compile_options(orvane_flags INTERFACE ${orvane_sanitizers})
 target_link_options(orvane_flags INTERFACE ${orvane_sanitizers})
+if(ORVANE_FUZZ)
+  target_compile_options(orvane_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...])
 # LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint.
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, fuzz.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
@@ -9,6 +9,7 @@ build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsnd
 tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev jackd2 mda-lv2 x42-plugins)
 check=(clang-format)
 lint=(clang-tidy cppcheck)
+fuzz=(clang-16 libclang-rt-16-dev)
 
 fail() {
     echo "${0##*/}: $*" >&2
@@ -22,7 +23,8 @@ for group in "$@"; do
     tests) wanted+=("${tests[@]}") ;;
     check) wanted+=("${check[@]}") ;;
     lint) wanted+=("${lint[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, check and lint." ;;
+    fuzz) wanted+=("${fuzz[@]}") ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint and fuzz." ;;
     esac
 done
 

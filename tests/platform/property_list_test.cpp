@@ -23,10 +23,10 @@ Dictionary everyKind() {
     constexpr auto highest = std::numeric_limits<std::int64_t>::max();
     PropertyList::Array numbers;
     for (const std::int64_t number : {lowest, std::int64_t{-1}, std::int64_t{0}, std::int64_t{300}, highest})
-        numbers.push_back({number});
+        numbers.emplace_back().value = number;
     PropertyList::Array reals;
     for (const double number : {0.1, -1e300, 5e-324, 1.0, 3.4e38, std::numeric_limits<double>::infinity()})
-        reals.push_back({number});
+        reals.emplace_back().value = number;
     PropertyList::Array many(700, {std::string("same")});
     return {
         {"", {std::string()}},

@@ -1,0 +1,22 @@
+// A session file either gives an error or a session that is written and read back as it was.
+
+#include "engine/session/mixer_document_decoder.h"
+#include "engine/session/mixer_document_encoder.h"
+#include "fuzzer.h"
+
+#include <string_view>
+
+using namespace orvane;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto read = session::decodeMixerDocument({reinterpret_cast<const char*>(data), size});
+    if (!read) {
+        fuzz::require(!read.error().description.empty());
+        return 0;
+    }
+    const auto written = session::encodeMixerDocument(read.value());
+    fuzz::require(written.hasValue());
+    const auto again = session::decodeMixerDocument(written.value());
+    fuzz::require(again && again.value() == read.value());
+    return 0;
+}
