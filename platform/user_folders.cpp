@@ -14,21 +14,26 @@ std::optional<std::filesystem::path> pathInEnvironment(const char* name) {
     return value;
 }
 
-std::optional<std::filesystem::path> dataHome() {
-    if (auto configured = pathInEnvironment("XDG_DATA_HOME")) return configured;
-    if (const auto home = pathInEnvironment("HOME")) return *home / ".local" / "share";
+/// The folder that a variable names, or else the one below the user's home.
+std::optional<std::filesystem::path> userFolder(const char* variable, const char* belowHome) {
+    if (auto configured = pathInEnvironment(variable)) return configured;
+    if (const auto home = pathInEnvironment("HOME")) return *home / belowHome;
     return std::nullopt;
 }
 
 } // namespace
 
 std::optional<std::filesystem::path> applicationSupportDirectory() {
-    auto directory = dataHome();
+    auto directory = userFolder("XDG_DATA_HOME", ".local/share");
     if (!directory) return std::nullopt;
     std::error_code failure;
     std::filesystem::create_directories(*directory, failure);
     if (!std::filesystem::is_directory(*directory, failure)) return std::nullopt;
     return directory;
+}
+
+std::optional<std::filesystem::path> configurationDirectory() {
+    return userFolder("XDG_CONFIG_HOME", ".config");
 }
 
 } // namespace orvane::platform

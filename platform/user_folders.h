@@ -9,4 +9,8 @@ namespace orvane::platform {
 /// Made where it is missing; nothing where there is none and none can be made. Main thread.
 std::optional<std::filesystem::path> applicationSupportDirectory();
 
+/// Where the current user's applications keep their configuration: $XDG_CONFIG_HOME, or .config in the user's
+/// home; nothing without either. It need not be there yet. Main thread.
+std::optional<std::filesystem::path> configurationDirectory();
+
 } // namespace orvane::platform

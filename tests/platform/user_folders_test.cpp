@@ -9,6 +9,7 @@
 namespace {
 
 using orvane::platform::applicationSupportDirectory;
+using orvane::platform::configurationDirectory;
 using std::filesystem::path;
 
 /// A variable of the environment for as long as it lives; absent for no value.
@@ -50,6 +51,18 @@ TEST(UserFolders, AreMadeWhereTheEnvironmentSays) {
         const Variable second("HOME", homeFolder);
         EXPECT_EQ(applicationSupportDirectory(), expected);
         EXPECT_TRUE(!expected || std::filesystem::is_directory(*expected));
+    }
+}
+
+TEST(UserFolders, OfConfigurationsAreOnlyNamed) {
+    const orvane::test::TemporaryFolder folder;
+    const Variable home("HOME", (folder / "home").string());
+    for (const auto& [configured, expected] :
+         {std::pair((folder / "config").string(), folder / "config"),
+          {"relative", folder / "home/.config"}}) {
+        const Variable variable("XDG_CONFIG_HOME", configured);
+        EXPECT_EQ(configurationDirectory(), expected);
+        EXPECT_FALSE(std::filesystem::exists(expected));
     }
 }
 
