@@ -2,12 +2,12 @@
 
 #include "audio/find_device.h"
 #include "cli/await_plugins.h"
-#include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
 #include "cli/mix_setup.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
+#include "machine/interrupt.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
 
@@ -104,7 +104,7 @@ class LiveRun final {
                     engine->state().snapshots.get()[static_cast<std::size_t>(*index)].name
                 ));
         });
-        const InterruptGuard interrupt;
+        const machine::InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
         const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {
             const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;

@@ -1,7 +1,7 @@
 #include "cli/midi_send.h"
 
-#include "cli/interrupt.h"
 #include "machine/audio_machine.h"
+#include "machine/interrupt.h"
 #include "platform/jack_audio/jack_clients.h"
 
 #include <fmt/format.h>
@@ -56,7 +56,7 @@ std::unique_ptr<MIDIOwnSource> makeSource(const std::vector<std::unique_ptr<plat
 }
 
 bool waitForListener(MIDIOwnSource& source, double mostSeconds) {
-    const InterruptGuard interrupt;
+    const machine::InterruptGuard interrupt;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(mostSeconds);
     while (!source.isConnected()) {
         if (interrupt.isInterrupted() || std::chrono::steady_clock::now() > deadline) return false;

@@ -1,10 +1,10 @@
 #include "cli/render_command.h"
 
-#include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/progress_bar.h"
 #include "cli/render.h"
 #include "engine/show.h"
+#include "machine/interrupt.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -18,7 +18,7 @@ namespace orvane::cli {
 namespace {
 
 int runRender(const RenderOptions& options) {
-    const InterruptGuard interrupt;
+    const machine::InterruptGuard interrupt;
     auto bar = std::make_unique<ProgressBar>();
     const RenderObserver observer{
         .warn = [](std::string_view sentence) { printMessage(sentence); },

@@ -1,8 +1,8 @@
-#include "cli/interrupt.h"
+#include "machine/interrupt.h"
 
 #include <atomic>
 
-namespace orvane::cli {
+namespace orvane::machine {
 
 namespace {
 
@@ -35,4 +35,4 @@ bool InterruptGuard::isInterrupted() const noexcept {
     return signalCame;
 }
 
-} // namespace orvane::cli
+} // namespace orvane::machine

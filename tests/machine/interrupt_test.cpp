@@ -1,4 +1,4 @@
-#include "cli/interrupt.h"
+#include "machine/interrupt.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-using orvane::cli::InterruptGuard;
+using orvane::machine::InterruptGuard;
 
 constexpr int endingSignals[] = {SIGINT, SIGTERM};
 

@@ -2,10 +2,10 @@
 
 #include <csignal>
 
-namespace orvane::cli {
+namespace orvane::machine {
 
 /// While one stands, SIGINT and SIGTERM no longer end the program but are remembered, so that long work can
-/// stop cleanly; then they do again what they did before. The command that does the work owns it, at most one
+/// stop cleanly; then they do again what they did before. The program that does the work owns it, at most one
 /// at a time.
 class InterruptGuard final {
   public:
@@ -24,4 +24,4 @@ class InterruptGuard final {
     struct sigaction terminateBefore {};
 };
 
-} // namespace orvane::cli
+} // namespace orvane::machine
