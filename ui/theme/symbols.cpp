@@ -44,6 +44,10 @@ QIcon symbol(const QString& name) {
     return QIcon(new SymbolEngine(QStringLiteral(":/icons/%1.svg").arg(name)));
 }
 
+QIcon applicationIcon() {
+    return QIcon(new SymbolEngine(QStringLiteral(":/logo.svg")));
+}
+
 QPixmap logo(int size, double devicePixelRatio) {
     QPixmap pixmap(QSize(size, size) * devicePixelRatio);
     pixmap.fill(Qt::transparent);

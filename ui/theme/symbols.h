@@ -13,4 +13,7 @@ QIcon symbol(const QString& name);
 /// The logo, `size` device-independent pixels wide and high, for a screen of this pixel ratio.
 QPixmap logo(int size, double devicePixelRatio);
 
+/// The logo as the icon of windows.
+QIcon applicationIcon();
+
 } // namespace orvane::ui

@@ -6,6 +6,11 @@
 #include <QString>
 #include <QStyleFactory>
 
+// A library's resources are there only once they are asked for, and by a function outside of namespaces.
+static void addAssets() {
+    Q_INIT_RESOURCE(assets);
+}
+
 namespace orvane::ui {
 
 namespace {
@@ -40,16 +45,33 @@ QString makeStyleSheet() {
         QToolTip { background: %1; color: white; border: 1px solid %2; padding: 4px; }
         QLineEdit, QComboBox { background: %3; border: 1px solid %2; border-radius: 4px; padding: 2px 6px; }
         QLineEdit:focus, QComboBox:focus { border-color: %4; }
-        QComboBox::drop-down { border: none; width: 14px; }
+        QComboBox::drop-down { border: none; width: 18px; }
+        QComboBox::down-arrow { image: url(:/icons/choose.svg); width: 10px; height: 10px; }
         QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
         QSlider::groove:horizontal { height: 4px; background: %3; border-radius: 2px; }
         QSlider::sub-page:horizontal { background: %4; border-radius: 2px; }
         QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; background: white; }
         QSlider::handle:horizontal:focus { background: %4; }
         QScrollArea, QScrollArea > QWidget > QWidget { background: transparent; border: none; }
+        QScrollBar:vertical { background: transparent; width: 10px; margin: 0; }
+        QScrollBar::handle:vertical { background: %2; border-radius: 3px; min-height: 30px; margin: 2px; }
+        QScrollBar::add-line, QScrollBar::sub-line { height: 0; }
+        QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+        QCheckBox::indicator { width: 14px; height: 14px; background: %3; border: 1px solid %2; border-radius: 3px; }
+        QCheckBox::indicator:focus, QCheckBox::indicator:hover { border-color: %4; }
+        QCheckBox::indicator:checked { background: %4; border-color: %4; image: url(:/icons/check.svg); }
+        QPushButton { background: %5; border: 1px solid %2; border-radius: 4px; padding: 5px 14px; min-width: 60px; }
+        QPushButton:hover, QPushButton:default, QPushButton:focus { border-color: %4; }
+        QPushButton:pressed { background: %2; }
+        QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; }
+        QToolButton:hover, QToolButton:pressed { background: %5; }
+        QToolButton:focus { border-color: %4; }
         QToolBar { background: %1; border: none; spacing: 6px; padding: 4px; }
     )")
-        .arg(css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent));
+        .arg(
+            css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),
+            css(theme::raised)
+        );
 }
 
 } // namespace
@@ -69,6 +91,7 @@ QFont monospacedFont(int size, QFont::Weight weight) {
 }
 
 void applyTheme(QApplication& application) {
+    addAssets();
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(makePalette());
     application.setFont(systemFont(13));

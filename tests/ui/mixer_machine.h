@@ -1,0 +1,119 @@
+#pragma once
+
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "support/manual_main_thread.h"
+#include "support/scripted_audio_unit.h"
+#include "support/virtual_signals.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QWidget>
+
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orvane::test {
+
+/// A machine for views: an interface of 4 inputs and 6 outputs and a monitor of 2 outputs on stepped clocks,
+/// MIDI sources within the program, and one effect for a mono channel.
+struct MixerMachine {
+    std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
+        std::vector<platform::VirtualDevice> devices(2);
+        devices[0].description = {"virtual:interface", "Interface", 4, 6, 48000.0};
+        devices[0].input = std::make_shared<SteadyInput>();
+        devices[1].description = {"virtual:monitor", "Monitor", 0, 2, 44100.0};
+        auto stepped = std::make_unique<platform::VirtualAudioDriver>(
+            std::move(devices), platform::VirtualPacing::stepped, log
+        );
+        std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+        drivers.push_back(std::move(stepped));
+        return drivers;
+    }
+
+    std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
+        auto made = std::make_unique<platform::VirtualMIDIDriver>();
+        midiDriver = made.get();
+        std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
+        drivers.push_back(std::move(made));
+        return drivers;
+    }
+
+    /// A MIDI source that is there while it is held, heard of once posted tasks have run.
+    std::unique_ptr<platform::MIDIOwnSource> addMIDISource(std::string_view name) {
+        auto source = std::move(midiDriver->createSource(name)).value();
+        mainThread.runPosted();
+        return source;
+    }
+
+    [[nodiscard]] engine::Services services() {
+        return {
+            .audioHardware = hardware,
+            .midiServices = midiServices,
+            .mainThread = mainThread,
+            .audioUnitHost = audioUnitHost,
+            .log = log};
+    }
+
+    ManualMainThread mainThread;
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    platform::VirtualMIDIDriver* midiDriver = nullptr;
+    platform::SystemAudioHardware hardware{makeDrivers()};
+    platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
+    ScriptedAudioUnitHost audioUnitHost;
+    platform::AVAudioUnitComponent effect =
+        audioUnitHost.add("Warmth", {.inputChannels = {1}, .outputChannels = {1}});
+};
+
+/// An engine of three strips on such a machine, with its devices listed and none selected.
+class MixerViewTest : public testing::Test {
+  protected:
+    MixerViewTest() { engine.refreshDevices(); }
+
+    [[nodiscard]] const audio::AudioDeviceInfo& device(std::size_t index) const {
+        return engine.state().availableDevices.get().at(index);
+    }
+    [[nodiscard]] const engine::EngineState& state() const { return engine.state(); }
+
+    MixerMachine machine;
+    engine::MixerEngine engine{3, machine.services()};
+};
+
+/// All views of one class within another, also of a class that Qt knows nothing of.
+template <class View>
+std::vector<View*> viewsIn(const QWidget& view) {
+    std::vector<View*> found;
+    for (QWidget* each : view.findChildren<QWidget*>())
+        if (auto* const matching = dynamic_cast<View*>(each)) found.push_back(matching);
+    return found;
+}
+
+/// Deletes what was left to be deleted later.
+inline void deleteWhatIsDone() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// The button of that accessible name or text, visible or not; it must be there.
+inline QAbstractButton& buttonOf(const QWidget& view, const QString& name) {
+    for (QAbstractButton* button : view.findChildren<QAbstractButton*>())
+        if (button->accessibleName() == name || button->text() == name) return *button;
+    throw std::runtime_error("There is no button " + name.toStdString());
+}
+
+/// Whether a label with that text can be seen.
+inline bool shows(const QWidget& view, const QString& text) {
+    for (const QLabel* label : view.findChildren<QLabel*>())
+        if (label->isVisibleTo(&view) && label->text() == text) return true;
+    return false;
+}
+
+} // namespace orvane::test

@@ -1,0 +1,152 @@
+#include "ui/sheets/snapshots_view.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/sheets/snapshot_list_view.h"
+
+#include "mixer_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QTest>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+
+const QString waiting = QStringLiteral("Waiting for a MIDI note… (send one from your controller)");
+
+class Snapshots : public MixerViewTest {
+  protected:
+    Snapshots() { sheet.show(); }
+
+    void press(const char* button) { buttonOf(sheet, button).click(); }
+    std::vector<std::string> names() {
+        std::vector<std::string> found;
+        for (int row = 0; row < list.count(); ++row)
+            found.push_back(list.item(row)->text().toStdString());
+        return found;
+    }
+    QPoint middleOf(int row) { return list.visualItemRect(list.item(row)).center(); }
+    void click(int row) { QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, middleOf(row)); }
+    /// The field in which a name is edited.
+    QLineEdit& rename(int row) {
+        deleteWhatIsDone();
+        click(row);
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, middleOf(row));
+        auto* const field = list.viewport()->findChild<QLineEdit*>();
+        if (field == nullptr) throw std::runtime_error("no name is being edited");
+        return *field;
+    }
+
+    SnapshotsView sheet{engine};
+    SnapshotListView& list = *viewsIn<SnapshotListView>(sheet).at(0);
+};
+
+TEST_F(Snapshots, BeginEmptyAndAreStored) {
+    const QString empty = QStringLiteral("No snapshots yet — tap New to capture the current mix.");
+    EXPECT_EQ(sheet.size(), QSize(440, 660));
+    EXPECT_TRUE(shows(sheet, empty));
+    EXPECT_TRUE(shows(sheet, QStringLiteral("—")));
+    EXPECT_FALSE(buttonOf(sheet, "Recall").isEnabled());
+    EXPECT_FALSE(buttonOf(sheet, "MIDI").isEnabled());
+    for (const char* inapplicable : {"Undo", "Copy", "Delete"})
+        press(inapplicable);
+    press("Store");
+    EXPECT_FALSE(shows(sheet, empty));
+    EXPECT_TRUE(shows(sheet, "1 / 1"));
+    EXPECT_EQ(names(), std::vector<std::string>{"Snapshot 1"});
+    EXPECT_TRUE(buttonOf(sheet, "Recall").isEnabled());
+}
+
+TEST_F(Snapshots, AreSelectedByAClickAndAppliedByRecall) {
+    engine.setMasterTargetDB(-20.0);
+    press("New");
+    engine.setMasterTargetDB(-5.0);
+    press("New");
+    EXPECT_TRUE(shows(sheet, "2 / 2"));
+    click(0);
+    EXPECT_TRUE(shows(sheet, "1 / 2"));
+    EXPECT_EQ(state().masterTargetDB.get(), -5.0);
+    press("Recall");
+    EXPECT_EQ(state().masterTargetDB.get(), -20.0);
+    press("Next snapshot");
+    EXPECT_EQ(list.currentRow(), 1);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, QPoint(5, list.viewport()->height() - 2));
+    EXPECT_EQ(list.selectedItems().size(), 1);
+    press("Copy");
+    press("Insert");
+    EXPECT_EQ(names().size(), 4U);
+    press("Delete");
+    press("Undo");
+    EXPECT_EQ(names().size(), 4U);
+    press("Previous snapshot");
+    EXPECT_TRUE(shows(sheet, "2 / 4"));
+}
+
+TEST_F(Snapshots, AreRenamedInTheListAsTyped) {
+    press("New");
+    press("New");
+    for (const char* text : {"  Panel ", ""}) {
+        QLineEdit& field = rename(1);
+        field.selectAll();
+        field.del();
+        QTest::keyClicks(&field, text);
+        QTest::keyClick(&field, Qt::Key_Return);
+        QApplication::processEvents();
+        EXPECT_EQ(state().snapshots.get()[1].name, text);
+    }
+    QLineEdit& abandoned = rename(0);
+    QTest::keyClicks(&abandoned, "x");
+    QTest::keyClick(&abandoned, Qt::Key_Escape);
+    EXPECT_EQ(state().snapshots.get()[0].name, "Snapshot 1");
+    EXPECT_TRUE(sheet.isVisible());
+}
+
+TEST_F(Snapshots, LearnANoteUntilItComesOrIsCalledOff) {
+    auto source = machine.addMIDISource("Pads");
+    press("New");
+    auto& midi = static_cast<ConsoleButton&>(buttonOf(sheet, "MIDI"));
+    for (const bool isLearning : {true, false, true}) {
+        midi.click();
+        EXPECT_EQ(midi.isActive(), isLearning);
+        EXPECT_EQ(shows(sheet, waiting), isLearning);
+    }
+    engine.handleMIDINote({2, 60});
+    EXPECT_FALSE(midi.isActive());
+    EXPECT_EQ(list.item(0)->toolTip(), "Recalled by MIDI channel 3, note 60.");
+}
+
+TEST_F(Snapshots, KeepInsertsSafeFromRecalls) {
+    for (const char* name : {"Insert 1 Recall-Safe", "Insert 3 Recall-Safe"})
+        press(name);
+    EXPECT_EQ(state().pluginSlotRecallSafe.get(), (std::vector{true, false, true}));
+    press("Insert 3 Recall-Safe");
+    EXPECT_FALSE(buttonOf(sheet, "Insert 3 Recall-Safe").isChecked());
+    EXPECT_THROW(buttonOf(sheet, "Insert 4 Recall-Safe"), std::runtime_error);
+}
+
+TEST_F(Snapshots, SaveAnInsertOfEveryChannelUnderTheNameThatIsTyped) {
+    const platform::Uuid strip = state().channelStrips.get()[0].id;
+    engine.selectDevice(device(0));
+    engine.loadPlugin(machine.effect, 1, strip);
+    machine.mainThread.runPosted();
+    const auto& identity = *state().channelStrips.get()[0].pluginSlots[1].component;
+    for (const auto& [typed, kept] : {std::pair("   ", 0U), {" Warm ", 1U}}) {
+        press("Save Insert 2");
+        auto* const prompt = sheet.findChild<QDialog*>();
+        ASSERT_NE(prompt, nullptr);
+        EXPECT_EQ(prompt->windowTitle(), "Save Insert 2 (All Channels)");
+        auto* const field = prompt->findChild<QLineEdit*>();
+        EXPECT_EQ(field->text(), "Insert 2");
+        field->setText(typed);
+        buttonOf(*prompt, "Save").click();
+        deleteWhatIsDone();
+        EXPECT_EQ(engine.pluginPresets(identity).size(), kept);
+    }
+    EXPECT_EQ(engine.pluginPresets(identity)[0].name, "Warm");
+}
+
+} // namespace

@@ -1,0 +1,97 @@
+#include "ui/windows/status_bar_view.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/controls/indicator_lamp.h"
+#include "ui/meters/meters.h"
+
+#include "mixer_machine.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+
+class StatusBar : public MixerViewTest {
+  protected:
+    bool isLit(const char* name) {
+        for (const IndicatorLamp* lamp : viewsIn<IndicatorLamp>(view))
+            if (lamp->accessibleName() == name) return lamp->isLit();
+        throw std::runtime_error(name);
+    }
+    bool isActive(const char* title) { return static_cast<ConsoleButton&>(buttonOf(view, title)).isActive(); }
+
+    StatusBarView view{engine};
+};
+
+TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
+    EXPECT_TRUE(shows(view, "--"));
+    EXPECT_TRUE(shows(view, "512"));
+    audio::AudioDeviceInfo info{7, "uid", "Any", 2, 2, 0.0};
+    for (const auto& [rate, text] :
+         {std::pair(48000.0, "48k"), {44100.0, "44k"}, {0.0, "--"}, {192000.0, "192k"}}) {
+        info.sampleRate = rate;
+        engine.selectDevice(info);
+        EXPECT_TRUE(shows(view, text)) << rate;
+    }
+    engine.setBufferSize(64);
+    EXPECT_TRUE(shows(view, "64"));
+    const auto* const load = viewsIn<LoadMeterView>(view).at(0);
+    EXPECT_EQ(load->size(), QSize(68, 10));
+    engine.meterModel().cpuLoad.set(1.0);
+    EXPECT_EQ(load->litSegments(), load->segmentCount());
+}
+
+TEST_F(StatusBar, LightsItsLampsWhileAudioRunsAndMIDIIsThere) {
+    EXPECT_FALSE(isLit("Audio"));
+    EXPECT_FALSE(isLit("Remote"));
+    engine.selectDevice(device(0));
+    engine.start();
+    EXPECT_TRUE(isLit("Audio"));
+    engine.stop();
+    EXPECT_FALSE(isLit("Audio"));
+    auto source = machine.addMIDISource("Pads");
+    EXPECT_TRUE(isLit("Remote"));
+    source.reset();
+    machine.mainThread.runPosted();
+    EXPECT_FALSE(isLit("Remote"));
+}
+
+TEST_F(StatusBar, SaysWhatTheEngineReports) {
+    engine.start();
+    EXPECT_TRUE(shows(view, "No audio device selected."));
+    engine.selectDevice(device(0));
+    engine.start();
+    EXPECT_FALSE(shows(view, "No audio device selected."));
+}
+
+TEST_F(StatusBar, ArmsTheClipboardAndTellsWhatPasteWouldDo) {
+    QAbstractButton& paste = buttonOf(view, "Paste");
+    EXPECT_EQ(paste.toolTip(), QStringLiteral("Copy a plugin first — nothing on the clipboard yet."));
+    paste.click();
+    EXPECT_FALSE(isActive("Paste"));
+    buttonOf(view, "Copy").click();
+    EXPECT_TRUE(isActive("Copy"));
+    buttonOf(view, "Copy").click();
+    EXPECT_FALSE(isActive("Copy"));
+
+    const platform::Uuid strip = state().channelStrips.get()[0].id;
+    engine.selectDevice(device(0));
+    engine.loadPlugin(machine.effect, 0, strip);
+    machine.mainThread.runPosted();
+    buttonOf(view, "Copy").click();
+    engine.handleClipboardClick(0, strip);
+    EXPECT_FALSE(isActive("Copy"));
+    EXPECT_EQ(
+        paste.toolTip(),
+        QStringLiteral("Arm Paste, then click any insert slot to paste Warmth there. Stays armed so you can "
+                       "paste it onto more slots — click Paste again (or Copy) to stop.")
+    );
+    paste.click();
+    EXPECT_TRUE(isActive("Paste"));
+    EXPECT_EQ(state().pluginClipboardArmState.get(), plugins::PluginClipboardArmState::armedForPaste);
+}
+
+} // namespace

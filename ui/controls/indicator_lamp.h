@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+
+namespace orvane::ui {
+
+/// A small round lamp, dim while it is off.
+class IndicatorLamp final : public QWidget {
+  public:
+    /// `name`: for screen readers, which are told whether it is on as well.
+    explicit IndicatorLamp(const QString& name);
+
+    [[nodiscard]] bool isLit() const { return lit; }
+    void setLit(bool isOn);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    bool lit = false;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+#include "ui/sheets/sheet.h"
+
+#include <vector>
+
+class QLabel;
+class QLayout;
+class QVBoxLayout;
+
+namespace orvane::ui {
+
+class MenuPicker;
+
+/// The sheet in which the devices, the buffer size and the MIDI source are chosen. Main thread.
+class DeviceSettingsView final : public Sheet {
+  public:
+    /// `mixerEngine` outlives the sheet.
+    explicit DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    QLayout* makeDeviceSection();
+    QLayout* makeBufferSizeSection();
+    QLayout* makeMasterOutputSection();
+    QLayout* makeMIDISection();
+    void subscribe();
+    void showDevices();
+    void showSelection();
+    void showBufferSize();
+    void showEstimate();
+    void showMasterOutput();
+    void showMIDI();
+    void chooseMasterOutput(int choice);
+    void chooseMIDISource(int choice);
+
+    engine::MixerEngine& engine;
+    QLabel* const noDevices;
+    QWidget* const deviceList;
+    QVBoxLayout* const deviceRows;
+    MenuPicker* const bufferSize;
+    QLabel* const estimate;
+    MenuPicker* const masterOutput;
+    MenuPicker* const midiSource;
+    QLabel* const midiCaption;
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,34 @@
+#include "ui/sheets/sheet.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/theme/theme.h"
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int doneWidth = 90;
+
+} // namespace
+
+Sheet::Sheet(const QString& title, const QSize& size, QWidget* parent) : QDialog(parent) {
+    setWindowTitle(title);
+    setWindowModality(Qt::WindowModal);
+    setFixedSize(size);
+}
+
+QWidget* makeDoneButton(QDialog& sheet) {
+    auto* const done = new ConsoleButton(QStringLiteral("Done"), [&sheet] { sheet.accept(); });
+    done->setFixedWidth(doneWidth);
+    return done;
+}
+
+QWidget* makeHorizontalDivider() {
+    auto* const divider = new QWidget;
+    divider->setFixedHeight(1);
+    divider->setAutoFillBackground(true);
+    divider->setPalette(QPalette(theme::divider));
+    return divider;
+}
+
+} // namespace orvane::ui

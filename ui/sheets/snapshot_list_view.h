@@ -1,0 +1,31 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+
+#include <QListWidget>
+
+#include <vector>
+
+namespace orvane::ui {
+
+/// The scenes by number and name. A click selects one and does not recall it; a double click or F2 renames
+/// it. Main thread.
+class SnapshotListView final : public QListWidget {
+  public:
+    /// `mixerEngine` outlives the list.
+    explicit SnapshotListView(engine::MixerEngine& mixerEngine);
+
+    /// Takes over what has been typed into a name that is being edited.
+    void commitRenaming();
+
+  private:
+    void showSnapshots();
+    void showSelection();
+    void selectRow();
+
+    engine::MixerEngine& engine;
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

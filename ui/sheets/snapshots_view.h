@@ -1,0 +1,58 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+#include "ui/sheets/sheet.h"
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+class QCheckBox;
+class QLabel;
+class QLayout;
+
+namespace orvane::ui {
+
+class ConsoleButton;
+class SnapshotListView;
+
+/// The sheet in which scenes are kept: stored, recalled, edited, taught MIDI notes; and what recalls leave
+/// alone. Main thread.
+class SnapshotsView final : public Sheet {
+  public:
+    /// `mixerEngine` outlives the sheet.
+    explicit SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+
+  private:
+    /// The insert slots that have a row.
+    static constexpr std::size_t insertRows = 3;
+
+    QLayout* makeHeader();
+    QLayout* makeNavigation();
+    QLayout* makeMainButtons();
+    QLayout* makeEditButtons();
+    QLayout* makeInsertRow(std::size_t slot);
+    void subscribe();
+    /// What a button does, once a name that is being edited has been taken over.
+    std::function<void()> action(void (engine::MixerEngine::*operation)());
+    void showPosition();
+    void showLearning();
+    void showRecallSafe();
+    void toggleLearning();
+    void toggleRecallSafe(std::size_t slot);
+    void askForPresetName(std::size_t slot);
+
+    engine::MixerEngine& engine;
+    QLabel* const position;
+    ConsoleButton* recall = nullptr;
+    ConsoleButton* midi = nullptr;
+    QLabel* const learning;
+    QLabel* const empty;
+    SnapshotListView* const list;
+    std::array<QCheckBox*, insertRows> recallSafe = {};
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

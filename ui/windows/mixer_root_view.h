@@ -1,0 +1,36 @@
+#pragma once
+
+#include "engine/mixer_engine.h"
+#include "engine/services.h"
+
+#include <QWidget>
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+
+namespace orvane::ui {
+
+/// Makes the view of a mixer. The function that it is given asks for another channel count.
+using MixerViewFactory =
+    std::function<std::unique_ptr<QWidget>(engine::MixerEngine& mixer, std::function<void()> onReconfigure)>;
+
+/// A session: owns its engine, and shows the mixer with the status bar below. Main thread.
+class MixerRootView final : public QWidget {
+  public:
+    MixerRootView(
+        std::size_t channelCount, const engine::Services& services, const MixerViewFactory& makeMixerView,
+        std::function<void()> onReconfigure
+    );
+    ~MixerRootView() override;
+
+    [[nodiscard]] engine::MixerEngine& engine() { return mixer; }
+
+  private:
+    engine::MixerEngine mixer;
+    /// What shows the engine goes before it.
+    std::unique_ptr<QWidget> mixerView;
+    std::unique_ptr<QWidget> statusBar;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "engine/services.h"
+#include "platform/preferences.h"
+#include "ui/windows/launch_options.h"
+#include "ui/windows/mixer_root_view.h"
+#include "ui/windows/window_presenter.h"
+
+#include <QMainWindow>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane::ui {
+
+/// The application's main window with its menus: asks for a channel count where none has been chosen, and
+/// shows the mixer of that many channels otherwise. Main thread.
+class ORVANEApp final : public QMainWindow {
+  public:
+    /// What it works with; the services and preferences outlive it.
+    struct Parts {
+        engine::Services services;
+        platform::Preferences& preferences;
+        MixerViewFactory makeMixerView;
+    };
+
+    /// `options` are those of the first session.
+    ORVANEApp(Parts applicationParts, LaunchOptions options);
+    /// Remembers where the window was.
+    ~ORVANEApp() override;
+
+    /// Below 1 while none is chosen.
+    [[nodiscard]] std::int64_t channelCount() const { return channels; }
+    /// Null while a channel count is being chosen.
+    [[nodiscard]] MixerRootView* mixerRootView() const;
+
+    /// Says what has gone wrong, one sentence each.
+    void showProblems(const std::vector<std::string>& problems);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void addMenus();
+    void showContent();
+    /// Throws the session away and remembers the new size.
+    void setChannelCount(std::int64_t count);
+    void remember(std::string_view key, std::string_view value);
+    void writeToSupport();
+
+    const Parts parts;
+    LaunchOptions launchOptions;
+    std::int64_t channels;
+    AboutWindowPresenter about;
+    HelpWindowPresenter help;
+    bool mayClose = false;
+};
+
+} // namespace orvane::ui

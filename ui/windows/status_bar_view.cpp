@@ -1,0 +1,189 @@
+#include "ui/windows/status_bar_view.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/controls/indicator_lamp.h"
+#include "ui/controls/text_label.h"
+#include "ui/meters/meters.h"
+#include "ui/theme/theme.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include <cstdint>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int captionSize = 8;
+constexpr int valueSize = 12;
+constexpr int valueHeight = 20;
+constexpr QSize loadMeterSize(68, 10);
+constexpr int loadSegments = 10;
+constexpr int pluginCellWidth = 88;
+constexpr QSize dividerSize(1, 22);
+constexpr double hertzPerKilohertz = 1000.0;
+
+const QString copyHelp = QStringLiteral(
+    "Arm Copy, then click a loaded plugin slot to copy it (settings included). Click again to cancel."
+);
+const QString pasteHelp = QStringLiteral("Arm Paste, then click any insert slot to paste %1 there. Stays "
+                                         "armed so you can paste it onto more slots "
+                                         "— click Paste again (or Copy) to stop.");
+const QString emptyClipboardHelp = QStringLiteral("Copy a plugin first — nothing on the clipboard yet.");
+
+QLabel* makeValue(const QString& name) {
+    auto* const value = new QLabel;
+    value->setFont(monospacedFont(valueSize));
+    value->setAlignment(Qt::AlignCenter);
+    value->setAccessibleName(name);
+    return value;
+}
+
+/// A caption above what it names.
+QWidget* makeCell(const QString& caption, QWidget* value) {
+    auto* const cell = new QWidget;
+    auto* const layout = new QVBoxLayout(cell);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    auto* const title = new QLabel(caption);
+    title->setFont(systemFont(captionSize, QFont::Medium));
+    title->setAlignment(Qt::AlignCenter);
+    QPalette palette = title->palette();
+    palette.setColor(QPalette::WindowText, theme::secondaryText);
+    title->setPalette(palette);
+    layout->addWidget(title);
+    auto* const room = new QHBoxLayout;
+    room->addStrut(valueHeight);
+    room->addWidget(value, 0, Qt::AlignCenter);
+    layout->addLayout(room);
+    return cell;
+}
+
+QWidget* makeDivider() {
+    auto* const divider = new QWidget;
+    divider->setFixedSize(dividerSize);
+    divider->setAutoFillBackground(true);
+    divider->setPalette(QPalette(theme::divider));
+    return divider;
+}
+
+QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
+    auto* const buttons = new QWidget;
+    buttons->setFixedWidth(pluginCellWidth);
+    auto* const layout = new QHBoxLayout(buttons);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    for (ConsoleButton* button : {copy, paste}) {
+        button->setFixedHeight(valueHeight);
+        layout->addWidget(button);
+    }
+    return buttons;
+}
+
+} // namespace
+
+StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
+    : QWidget(parent),
+      engine(mixerEngine),
+      sampleRate(makeValue(QStringLiteral("Sample rate"))),
+      bufferSize(makeValue(QStringLiteral("Buffer size"))),
+      audio(new IndicatorLamp(QStringLiteral("Audio"))),
+      remote(new IndicatorLamp(QStringLiteral("Remote"))),
+      load(new LoadMeterView(loadSegments)),
+      copy(new ConsoleButton(QStringLiteral("Copy"), [this] { engine.toggleCopyArm(); })),
+      paste(new ConsoleButton(QStringLiteral("Paste"), [this] { engine.togglePasteArm(); })),
+      message(makeText({}, TextStyle::caption, theme::orange)) {
+    load->setFixedSize(loadMeterSize);
+    load->setAccessibleName(QStringLiteral("CPU load"));
+    copy->setToolTip(copyHelp);
+    message->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(14, 5, 14, 5);
+    row->setSpacing(12);
+    const std::pair<QString, QWidget*> cells[] = {
+        {QStringLiteral("SMP RATE"), sampleRate},
+        {QStringLiteral("BUFFER"), bufferSize},
+        {QStringLiteral("AUDIO"), audio},
+        {QStringLiteral("REMOTE"), remote},
+        {QStringLiteral("CPU"), load},
+        {QStringLiteral("PLUGIN"), makeClipboardButtons(copy, paste)}};
+    for (const auto& [caption, value] : cells) {
+        if (row->count() > 0) row->addWidget(makeDivider());
+        row->addWidget(makeCell(caption, value));
+    }
+    row->addWidget(message, 1);
+
+    subscribe();
+    showSampleRate();
+    showBufferSize();
+    audio->setLit(engine.state().isRunning.get());
+    showRemote();
+    load->setLoad(engine.meterModel().cpuLoad.get());
+    showClipboard();
+    showMessage();
+}
+
+void StatusBarView::subscribe() {
+    const engine::EngineState& state = engine.state();
+    const auto follow = [this](const auto& value, auto display) {
+        subscriptions.push_back(value.subscribe([display](const auto& now) { display(now); }));
+    };
+    follow(state.selectedDevice, [this](const auto&) { showSampleRate(); });
+    follow(state.bufferSize, [this](const auto&) { showBufferSize(); });
+    follow(state.isRunning, [this](bool isRunning) { audio->setLit(isRunning); });
+    follow(state.availableMIDIDevices, [this](const auto&) { showRemote(); });
+    follow(engine.meterModel().cpuLoad, [this](double share) { load->setLoad(share); });
+    follow(state.pluginClipboard, [this](const auto&) { showClipboard(); });
+    follow(state.pluginClipboardArmState, [this](const auto&) { showClipboard(); });
+    follow(state.lastError, [this](const auto&) { showMessage(); });
+}
+
+void StatusBarView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), theme::panelBackground);
+    painter.fillRect(0, 0, width(), 1, theme::divider);
+}
+
+void StatusBarView::showSampleRate() {
+    const auto& device = engine.state().selectedDevice.get();
+    const bool isKnown = device && device->sampleRate > 0.0;
+    sampleRate->setText(
+        isKnown ? QStringLiteral("%1k").arg(static_cast<std::int64_t>(device->sampleRate / hertzPerKilohertz))
+                : QStringLiteral("--")
+    );
+}
+
+void StatusBarView::showBufferSize() {
+    bufferSize->setText(QString::number(engine.state().bufferSize.get()));
+}
+
+void StatusBarView::showRemote() {
+    remote->setLit(!engine.state().availableMIDIDevices.get().empty());
+}
+
+void StatusBarView::showClipboard() {
+    using enum plugins::PluginClipboardArmState;
+    const plugins::PluginClipboardArmState armed = engine.state().pluginClipboardArmState.get();
+    copy->setActive(armed == armedForCopy);
+    paste->setActive(armed == armedForPaste);
+    const auto& clipboard = engine.state().pluginClipboard.get();
+    paste->setToolTip(
+        clipboard ? pasteHelp.arg(QString::fromStdString(clipboard->name)) : emptyClipboardHelp
+    );
+}
+
+void StatusBarView::showMessage() {
+    const QString text = QString::fromStdString(engine.state().lastError.get().value_or(""));
+    if (text == message->text()) return;
+    message->setText(text);
+    if (text.isEmpty()) return;
+    QAccessibleEvent announcement(message, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+} // namespace orvane::ui
