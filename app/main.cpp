@@ -1,0 +1,112 @@
+#include "app/command_line.h"
+#include "app/placeholder_mixer_view.h"
+#include "engine/session_files.h"
+#include "machine/audio_machine.h"
+#include "machine/interrupt.h"
+#include "platform/preferences.h"
+#include "platform/user_folders.h"
+#include "ui/qt_main_thread.h"
+#include "ui/theme/symbols.h"
+#include "ui/theme/theme.h"
+#include "ui/windows/orvane_app.h"
+
+#include <QApplication>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using namespace std::chrono_literals;
+
+/// How often the audio threads' log lines are written and signals are looked for.
+constexpr auto housekeepingInterval = 50ms;
+
+/// Qt ends a program that finds no display; it is to say so in a line of the program's own.
+void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+    if (type != QtFatalMsg) return;
+    app::printMessage("There is no display to open a window on; orvane-cli run mixes without one.");
+    std::_Exit(EXIT_FAILURE);
+}
+
+std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
+    const QtMessageHandler usual = qInstallMessageHandler(reportNoDisplay);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    qInstallMessageHandler(usual);
+    QApplication::setApplicationName(QStringLiteral("orvane"));
+    QApplication::setApplicationDisplayName(QStringLiteral("ORVANE"));
+    QApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
+    QApplication::setWindowIcon(ui::applicationIcon());
+    ui::applyTheme(*application);
+    return application;
+}
+
+platform::FilePreferences makePreferences() {
+    auto folder = platform::configurationDirectory();
+    if (folder) *folder /= "orvane/preferences";
+    return platform::FilePreferences(std::move(folder));
+}
+
+/// Runs the window until it is closed or the program is told to end; returns the exit code.
+int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
+    std::vector<std::string> problems;
+    if (line.session) {
+        auto session = engine::readSession(*line.session);
+        if (session)
+            line.launch.session = std::move(session).value();
+        else
+            problems.push_back(session.error().description);
+    }
+    line.launch.device = audioMachine.mainUID;
+
+    ui::QtMainThread mainThread;
+    platform::FilePreferences preferences = makePreferences();
+    const machine::InterruptGuard interrupt;
+    const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {
+        audioMachine.log.flush();
+        if (interrupt.isInterrupted()) QCoreApplication::exit();
+    });
+    ui::ORVANEApp window(
+        {.services =
+             {.audioHardware = audioMachine.hardware(),
+              .midiServices = audioMachine.midi(),
+              .mainThread = mainThread,
+              .audioUnitHost = audioMachine.audioUnits(),
+              .log = audioMachine.log,
+              .applicationSupport = platform::applicationSupportDirectory()},
+         .preferences = preferences,
+         .makeMixerView = app::makePlaceholderMixerView},
+        std::move(line.launch)
+    );
+    window.show();
+    window.showProblems(problems);
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A file that outgrows the shell's limit is an error like a full disk, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    auto line = app::readCommandLine(argc, argv);
+    if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
+    auto& options = std::get<app::CommandLine>(line);
+    const auto application = makeApplication(argc, argv);
+    auto audioMachine = machine::AudioMachine::make(options.machine);
+    if (!audioMachine) {
+        app::printMessage(audioMachine.error().description);
+        return EXIT_FAILURE;
+    }
+    const int exitCode = run(std::move(options), *audioMachine.value());
+    audioMachine.value()->log.flush();
+    return exitCode;
+}
