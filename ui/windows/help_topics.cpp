@@ -34,9 +34,9 @@ std::vector<HelpTopic> helpTopics() {
           "unity-gain balance rather than staying stuck wherever it last was."}},
         {"genderTrigger",
          "The ♂ / ♀ / — Picker",
-         {"This picker (found on each channel strip) helps the automix judge how \\\"active\\\" "
-          "that particular channel is. It does not touch the audio you actually hear at all -- it "
-          "only adjusts an internal copy of the signal that the automix uses purely to make its "
+         {"This picker (found on each channel strip) helps the automix judge how \"active\" that "
+          "particular channel is. It does not touch the audio you actually hear at all -- it only "
+          "adjusts an internal copy of the signal that the automix uses purely to make its "
           "open/close decisions.",
           "Leave it on the neutral (—) setting for most voices. If a particular channel tends to "
           "trigger the automix open more (or less) than it should for a voice that's unusually "
@@ -47,9 +47,9 @@ std::vector<HelpTopic> helpTopics() {
           "channel. When in doubt, leave it neutral."}},
         {"vocalRole",
          "The L / B (Lead / Backing) Picker",
-         {"This tag is purely organizational -- it groups a channel under \\\"Lead\\\" or "
-          "\\\"Backing\\\" so you can control that whole group's level together from the "
-          "Lead/Backing group faders in the Master section.",
+         {"This tag is purely organizational -- it groups a channel under \"Lead\" or \"Backing\" "
+          "so you can control that whole group's level together from the Lead/Backing group faders "
+          "in the Master section.",
           "It has no effect on the automix decision itself. A channel tagged Backing ducks and "
           "opens exactly the same way it would if it weren't tagged at all -- the tag only adds "
           "one more gain stage on top, so you can pull an entire backing group down (or push a "
@@ -69,13 +69,13 @@ std::vector<HelpTopic> helpTopics() {
         {"pinkNoise",
          "Pink Noise Reference Channel",
          {"This is a constant, quiet reference signal that takes part in the automix decision as "
-          "if it were one more \\\"singer\\\" -- but it is never sent to any output. You will "
-          "never hear it; its only job is to compete for gain-sharing against your real channels.",
+          "if it were one more \"singer\" -- but it is never sent to any output. You will never "
+          "hear it; its only job is to compete for gain-sharing against your real channels.",
           "Its purpose: without it, a room where nobody is currently talking can leave every mic "
           "sitting fully open (since with total silence, the automix has nothing to compare levels "
           "against, so it settles every channel back to unity). Raising this fader makes the "
-          "automix treat \\\"nobody's talking right now\\\" more assertively, so genuinely silent "
-          "mics get pulled down further instead of sitting wide open and picking up room noise.",
+          "automix treat \"nobody's talking right now\" more assertively, so genuinely silent mics "
+          "get pulled down further instead of sitting wide open and picking up room noise.",
           "Set it to 0 to disable the effect entirely. Because the fader's useful range is "
           "intentionally narrow, small moves make a noticeable difference -- start low and raise "
           "it gradually until idle mics behave the way you want."}},
@@ -89,8 +89,8 @@ std::vector<HelpTopic> helpTopics() {
           "manually-controlled level -- background music, a fixed announcement feed -- that "
           "shouldn't duck other channels or get ducked itself.",
           "Trim is a plain per-channel level control, applied on top of whatever the automix (or "
-          "bypass) is already doing -- your everyday \\\"this person is a bit quiet, give them a "
-          "bit more\\\" adjustment."}},
+          "bypass) is already doing -- your everyday \"this person is a bit quiet, give them a bit "
+          "more\" adjustment."}},
         {"masterLevel",
          "Master Output Level",
          {"The Master section keeps the overall (summed) output at a consistent, chosen loudness "
@@ -105,10 +105,10 @@ std::vector<HelpTopic> helpTopics() {
           "channel to a stereo output pair instead of a single mono output. The Master bus has the "
           "same stereo option, and can optionally be sent to a separate device from the rest of "
           "the session.",
-          "\\\"Reset to 1:1\\\" patches every channel straight to the matching input and output "
-          "number, a quick way to get back to a known starting point. \\\"All Outputs Off\\\" "
-          "leaves inputs untouched but clears every output -- handy if you need to kill all "
-          "outputs quickly, for example if you suspect feedback."}},
+          "\"Reset to 1:1\" patches every channel straight to the matching input and output "
+          "number, a quick way to get back to a known starting point. \"All Outputs Off\" leaves "
+          "inputs untouched but clears every output -- handy if you need to kill all outputs "
+          "quickly, for example if you suspect feedback."}},
         {"snapshots",
          "Snapshots",
          {"Snapshots store and recall a full mixer state -- routing, levels, and per-channel "
