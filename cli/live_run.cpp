@@ -84,6 +84,7 @@ class LiveRun final {
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
+        if (auto armed = armLearn(); !armed) return armed;
         return selectMIDISource();
     }
 
@@ -98,11 +99,10 @@ class LiveRun final {
             });
         // Without a window, only a MIDI note selects a scene, and that recalls it.
         const auto toRecalls = engine->state().currentSnapshotIndex.subscribe([this](const auto& index) {
-            if (index)
-                printMessage(fmt::format(
-                    "Recalled snapshot {}: {}", *index + 1,
-                    engine->state().snapshots.get()[static_cast<std::size_t>(*index)].name
-                ));
+            if (index) printMessage("Recalled snapshot " + numberAndName(*index));
+        });
+        const auto toLearning = engine->state().midiLearnTargetIndex.subscribe([this](const auto& index) {
+            if (!index) printMessage("The note now recalls snapshot " + numberAndName(*options.learn - 1));
         });
         const machine::InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
@@ -118,6 +118,20 @@ class LiveRun final {
     }
 
   private:
+    Result<Done> armLearn() {
+        if (!options.learn) return Done{};
+        engine->selectSnapshot(*options.learn - 1);
+        engine->beginMIDILearn();
+        if (engine->state().midiLearnTargetIndex.get()) return Done{};
+        return Error{fmt::format("The session has no snapshot {} to learn a note for.", *options.learn)};
+    }
+
+    /// "2: Loud".
+    [[nodiscard]] std::string numberAndName(std::int64_t snapshot) const {
+        const auto index = static_cast<std::size_t>(snapshot);
+        return fmt::format("{}: {}", index + 1, engine->state().snapshots.get()[index].name);
+    }
+
     Result<Done> selectMIDISource() {
         if (!options.midiSource) return Done{};
         const auto& sources = engine->state().availableMIDIDevices.get();

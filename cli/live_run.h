@@ -25,6 +25,8 @@ struct LiveRunOptions {
     std::optional<std::int64_t> bufferSize = {};
     /// The id of the MIDI source to listen to; all of them if absent.
     std::optional<std::int32_t> midiSource = {};
+    /// The snapshot of the session, counted from 1, that the next note is to recall from then on.
+    std::optional<std::int64_t> learn = {};
     /// How long to run; until a signal if absent.
     std::optional<double> seconds = {};
     MeterStyle meters = MeterStyle::text;

@@ -37,6 +37,9 @@ void addRunCommand(CLI::App& program, int& exitCode) {
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
     command->add_option("--midi-source", options->midiSource, "Id of the MIDI source; otherwise all of them");
+    command->add_option(
+        "--learn", options->learn, "Snapshot of the session, from 1, that the next note recalls from then on"
+    );
     command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
         ->check(CLI::PositiveNumber);
     command->add_option("--meters", options->meters, "text, json (an object per line) or none")

@@ -1,4 +1,6 @@
 #include "cli/midi_send.h"
+#include "engine/session/channel_strip.h"
+#include "engine/session/mixer_json_document.h"
 #include "platform/jack_midi/jack_midi_driver.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
@@ -11,6 +13,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <array>
+#include <cstdlib>
 #include <future>
 #include <string>
 
@@ -88,6 +92,54 @@ TEST(MIDICommand, ListsAndReachesOtherProgramsOnAJACKServer) {
     }));
     EXPECT_EQ(sent.get(), 0) << contentOf(folder / "stderr");
     EXPECT_THAT(received.waitFor(2), ElementsAre(ElementsAre(0x92, 60, 90), ElementsAre(0x82, 60, 0)));
+}
+
+TEST(MIDICommand, LearnsANoteThatThenChangesTheMix) {
+    const test::JackTestServer server({});
+    const TemporaryFolder folder;
+    session::MixerJSONDocument document;
+    document.data.bufferSize = 256;
+    document.data.channels.push_back(session::ChannelStrip::make({}, "Mic", 0, 0).settings());
+    document.data.channels[0].bypassed = true;
+    document.data.snapshots.resize(2);
+    for (auto& scene : document.data.snapshots)
+        scene.channels = document.data.channels;
+    document.data.snapshots[1].name = "Silent";
+    document.data.snapshots[1].channels[0].muted = true;
+    ASSERT_TRUE(document.write(folder / "show.orvane"));
+    const std::string run =
+        fmt::format("ORVANE_DRIVERS=jack,virtual {} run --device virtual:panel", ORVANE_GUARDED_CLI);
+    EXPECT_EQ(exitCodeOfShell(folder, run + " --learn 1"), 1);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("has no snapshot 1 to learn"));
+
+    platform::JackClients clients(test::uniqueJackName("other"));
+    platform::JackMIDIDriver other(clients);
+    const auto keyboard = other.createSource("keys").value();
+    const std::string pid = (folder / "pid").string();
+    auto running = std::async(std::launch::async, [&] {
+        return exitCodeOfShell(
+            folder, fmt::format(
+                        "{} --session '{}' --learn 2 --meters json & echo $! >'{}'; wait $!", run,
+                        (folder / "show.orvane").string(), pid
+                    )
+        );
+    });
+    // The mixer listens once it runs.
+    const auto playUntil = [&](const std::string& message) {
+        return test::waitFor([&] {
+            keyboard->send(std::array<std::uint8_t, 3>{0x91, 61, 100});
+            return contentOf(folder / "stderr").find(message) != std::string::npos;
+        });
+    };
+    EXPECT_TRUE(playUntil("The note now recalls snapshot 2: Silent\n"));
+    EXPECT_TRUE(playUntil("Recalled snapshot 2: Silent\n"));
+    const std::size_t before = contentOf(folder / "stdout").size();
+    EXPECT_TRUE(test::waitFor([&] { return contentOf(folder / "stdout").size() > before + 2000; }));
+    EXPECT_EQ(std::system(fmt::format("kill $(cat '{}')", pid).c_str()), 0);
+    EXPECT_EQ(running.get(), 0) << contentOf(folder / "stderr");
+    const std::string meters = contentOf(folder / "stdout");
+    const std::size_t last = meters.rfind('\n', meters.size() - 2) + 1;
+    EXPECT_LE(nlohmann::json::parse(meters.substr(last))["strips"][0]["levelDB"], -200.0);
 }
 
 } // namespace
