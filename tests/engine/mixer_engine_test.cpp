@@ -4,6 +4,7 @@
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "platform/virtual_midi/virtual_midi_driver.h"
 #include "support/manual_main_thread.h"
+#include "support/random_document.h"
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
 
@@ -217,6 +218,24 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
         *other.state().lastError.get(), testing::StartsWith("Master Out was reset to \"None\" because its")
     );
     EXPECT_TRUE(other.state().isRunning.get());
+}
+
+TEST_F(MixerEngineTest, HoldsAllThatAFileCanWhileItRuns) {
+    startBypassed();
+    for (std::uint64_t seed = 0; seed < 40; ++seed) {
+        const session::MixerDocumentData document = test::randomDocument(seed);
+        engine.applyDocument(document);
+        step(interface, 2);
+        MixerEngine whole(document.channels.size(), services);
+        whole.applyDocument(document);
+        session::MixerDocumentData expected = document;
+        if (!engine::isBufferSize(document.bufferSize)) expected.bufferSize = 512;
+        EXPECT_EQ(whole.makeDocumentData(), expected) << seed;
+        const session::MixerDocumentData part = engine.makeDocumentData();
+        EXPECT_EQ(part.snapshots, document.snapshots) << seed;
+        for (std::size_t i = 0; i < std::min(part.channels.size(), document.channels.size()); ++i)
+            EXPECT_EQ(part.channels[i], document.channels[i]) << seed << ", channel " << i;
+    }
 }
 
 TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
