@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -62,6 +63,13 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_GT(fader.value(), 1.01);
     press(fader, Qt::Key_Home);
     EXPECT_EQ(fader.value(), 2.0);
+
+    QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&fader);
+    EXPECT_EQ(told->role(), QAccessible::Slider);
+    ASSERT_NE(told->valueInterface(), nullptr);
+    EXPECT_EQ(told->valueInterface()->maximumValue(), 2.0);
+    told->valueInterface()->setCurrentValue(0.5);
+    EXPECT_EQ(chosen.back(), 0.5);
 }
 
 TEST(ConsoleButton, DoesNothingWhileItIsDisabled) {

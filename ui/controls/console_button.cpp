@@ -20,7 +20,7 @@ constexpr double cornerRadius = 4.0;
 } // namespace
 
 ConsoleButton::ConsoleButton(const QString& title, std::function<void()> onPress, QWidget* parent)
-    : QAbstractButton(parent) {
+    : QAbstractButton(parent), activeColor(theme::accent) {
     setText(title);
     setAccessibleName(title);
     setFont(systemFont(fontSize, QFont::Medium));
@@ -32,6 +32,7 @@ ConsoleButton::ConsoleButton(const QString& title, std::function<void()> onPress
 void ConsoleButton::setActive(bool isOn) {
     if (isOn == active) return;
     active = isOn;
+    setAccessibleDescription(active ? QStringLiteral("On") : QString());
     update();
 }
 
@@ -44,10 +45,11 @@ QSize ConsoleButton::sizeHint() const {
 void ConsoleButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor fill = active ? theme::accent.darker(170) : theme::raised;
+    QColor fill = active ? activeColor.darker(170) : theme::raised;
     if (isEnabled() && (isDown() || underMouse())) fill = fill.lighter(isDown() ? 140 : 115);
+    const QColor outline = active ? activeColor : hasFocus() ? theme::accent : theme::divider;
     painter.setBrush(fill);
-    painter.setPen(QPen(active || hasFocus() ? theme::accent : theme::divider, 1.0));
+    painter.setPen(QPen(outline, 1.0));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     painter.setPen(isEnabled() ? theme::primaryText : theme::divider.lighter(130));
     painter.drawText(rect(), Qt::AlignCenter, text());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QColor>
 #include <QString>
 
 #include <functional>
@@ -18,6 +19,8 @@ class ConsoleButton final : public QAbstractButton {
 
     [[nodiscard]] bool isActive() const { return active; }
     void setActive(bool isOn);
+    /// What highlights the button while it is active; the theme's accent at first.
+    void setActiveColor(const QColor& color) { activeColor = color; }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -29,6 +32,7 @@ class ConsoleButton final : public QAbstractButton {
 
   private:
     bool active = false;
+    QColor activeColor;
 };
 
 } // namespace orvane::ui

@@ -2,6 +2,7 @@
 
 #include "ui/theme/theme.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -18,7 +19,6 @@ namespace {
 /// Shares of the range that keys and the wheel move the value by.
 constexpr double step = 0.02;
 constexpr double fineStep = 0.0025;
-constexpr double page = 0.1;
 /// What one notch of a wheel reports.
 constexpr double notch = 120.0;
 
@@ -40,6 +40,9 @@ void VerticalFader::setValue(double value) {
     if (value == current) return;
     current = value;
     update();
+    if (!QAccessible::isActive()) return;
+    QAccessibleValueChangeEvent change(this, value);
+    QAccessible::updateAccessibility(&change);
 }
 
 double VerticalFader::positionOf(double value) const {
@@ -103,10 +106,6 @@ void VerticalFader::keyPressEvent(QKeyEvent* event) {
         return choose(current + stepFor(event->modifiers()) * range);
     case Qt::Key_Down:
         return choose(current - stepFor(event->modifiers()) * range);
-    case Qt::Key_PageUp:
-        return choose(current + page * range);
-    case Qt::Key_PageDown:
-        return choose(current - page * range);
     case Qt::Key_Home:
         return choose(style.highest);
     case Qt::Key_End:

@@ -8,7 +8,7 @@
 namespace orvane::ui {
 
 /// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it,
-/// double click for the default; wheel, arrow and page keys step it, finely with Shift; Home and End go to
+/// double click for the default; wheel and arrow keys step it, finely with Shift; Home and End go to
 /// its ends.
 class VerticalFader final : public QWidget {
   public:
@@ -31,9 +31,13 @@ class VerticalFader final : public QWidget {
     /// `onChange` gets every value that the user sets.
     VerticalFader(const Style& faderStyle, std::function<void(double)> onChange, QWidget* parent = nullptr);
 
+    [[nodiscard]] double lowest() const { return style.lowest; }
+    [[nodiscard]] double highest() const { return style.highest; }
     [[nodiscard]] double value() const { return current; }
     /// Shows a value without telling anybody.
     void setValue(double value);
+    /// Sets a value, or the end of the range that is nearest to it, as the user does.
+    void choose(double value);
 
     /// The distance from the top at which a value lies.
     [[nodiscard]] double positionOf(double value) const;
@@ -50,7 +54,6 @@ class VerticalFader final : public QWidget {
 
   private:
     void touch(double y);
-    void choose(double value);
 
     const Style style;
     const std::function<void(double)> changed;

@@ -2,6 +2,7 @@
 
 #include "engine/show.h"
 #include "ui/controls/console_button.h"
+#include "ui/controls/divider.h"
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/text_label.h"
 #include "ui/sheets/device_row.h"

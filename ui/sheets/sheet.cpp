@@ -1,7 +1,6 @@
 #include "ui/sheets/sheet.h"
 
 #include "ui/controls/console_button.h"
-#include "ui/theme/theme.h"
 
 namespace orvane::ui {
 
@@ -21,14 +20,6 @@ QWidget* makeDoneButton(QDialog& sheet) {
     auto* const done = new ConsoleButton(QStringLiteral("Done"), [&sheet] { sheet.accept(); });
     done->setFixedWidth(doneWidth);
     return done;
-}
-
-QWidget* makeHorizontalDivider() {
-    auto* const divider = new QWidget;
-    divider->setFixedHeight(1);
-    divider->setAutoFillBackground(true);
-    divider->setPalette(QPalette(theme::divider));
-    return divider;
 }
 
 } // namespace orvane::ui

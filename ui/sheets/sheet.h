@@ -16,7 +16,4 @@ class Sheet : public QDialog {
 /// A "Done" button that closes the sheet.
 QWidget* makeDoneButton(QDialog& sheet);
 
-/// A thin line across.
-QWidget* makeHorizontalDivider();
-
 } // namespace orvane::ui

@@ -1,6 +1,7 @@
 #include "ui/sheets/snapshots_view.h"
 
 #include "ui/controls/console_button.h"
+#include "ui/controls/divider.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/text_prompt.h"
 #include "ui/sheets/snapshot_list_view.h"

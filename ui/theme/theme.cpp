@@ -1,5 +1,8 @@
 #include "ui/theme/theme.h"
 
+#include "ui/controls/accessible_fader.h"
+#include "ui/theme/tool_tips.h"
+
 #include <QApplication>
 #include <QFontDatabase>
 #include <QPalette>
@@ -45,17 +48,22 @@ QString makeStyleSheet() {
         QToolTip { background: %1; color: white; border: 1px solid %2; padding: 4px; }
         QLineEdit, QComboBox { background: %3; border: 1px solid %2; border-radius: 4px; padding: 2px 6px; }
         QLineEdit:focus, QComboBox:focus { border-color: %4; }
+        QLineEdit#flat { background: transparent; border-color: transparent; padding: 0px; }
+        QLineEdit#flat:hover { border-color: %2; }
+        QLineEdit#flat:focus { background: %3; border-color: %4; }
         QComboBox::drop-down { border: none; width: 18px; }
         QComboBox::down-arrow { image: url(:/icons/choose.svg); width: 10px; height: 10px; }
         QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
-        QSlider::groove:horizontal { height: 4px; background: %3; border-radius: 2px; }
+        QSlider::groove:horizontal { height: 4px; background: %5; border-radius: 2px; }
         QSlider::sub-page:horizontal { background: %4; border-radius: 2px; }
         QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; background: white; }
         QSlider::handle:horizontal:focus { background: %4; }
         QScrollArea, QScrollArea > QWidget > QWidget { background: transparent; border: none; }
         QScrollBar:vertical { background: transparent; width: 10px; margin: 0; }
         QScrollBar::handle:vertical { background: %2; border-radius: 3px; min-height: 30px; margin: 2px; }
-        QScrollBar::add-line, QScrollBar::sub-line { height: 0; }
+        QScrollBar:horizontal { background: transparent; height: 10px; margin: 0; }
+        QScrollBar::handle:horizontal { background: %2; border-radius: 3px; min-width: 30px; margin: 2px; }
+        QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
         QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
         QCheckBox::indicator { width: 14px; height: 14px; background: %3; border: 1px solid %2; border-radius: 3px; }
         QCheckBox::indicator:focus, QCheckBox::indicator:hover { border-color: %4; }
@@ -63,14 +71,18 @@ QString makeStyleSheet() {
         QPushButton { background: %5; border: 1px solid %2; border-radius: 4px; padding: 5px 14px; min-width: 60px; }
         QPushButton:hover, QPushButton:default, QPushButton:focus { border-color: %4; }
         QPushButton:pressed { background: %2; }
+        QListView#components { background: %3; border: 1px solid %2; border-radius: 4px; }
+        QListView#components::item:selected { background: %6; color: white; }
+        QProgressBar { background: %3; border: none; border-radius: 2px; }
+        QProgressBar::chunk { background: %4; border-radius: 2px; }
         QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; }
+        QToolButton#command { padding: 4px; }
         QToolButton:hover, QToolButton:pressed { background: %5; }
         QToolButton:focus { border-color: %4; }
-        QToolBar { background: %1; border: none; spacing: 6px; padding: 4px; }
     )")
         .arg(
             css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),
-            css(theme::raised)
+            css(theme::raised), css(theme::accent.darker(170))
         );
 }
 
@@ -96,6 +108,8 @@ void applyTheme(QApplication& application) {
     QApplication::setPalette(makePalette());
     application.setFont(systemFont(13));
     application.setStyleSheet(makeStyleSheet());
+    makeFadersAccessible();
+    application.installEventFilter(new ToolTips(&application));
 }
 
 } // namespace orvane::ui

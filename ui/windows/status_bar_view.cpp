@@ -1,6 +1,7 @@
 #include "ui/windows/status_bar_view.h"
 
 #include "ui/controls/console_button.h"
+#include "ui/controls/divider.h"
 #include "ui/controls/indicator_lamp.h"
 #include "ui/controls/text_label.h"
 #include "ui/meters/meters.h"
@@ -24,7 +25,7 @@ constexpr int valueHeight = 20;
 constexpr QSize loadMeterSize(68, 10);
 constexpr int loadSegments = 10;
 constexpr int pluginCellWidth = 88;
-constexpr QSize dividerSize(1, 22);
+constexpr int dividerHeight = 22;
 constexpr double hertzPerKilohertz = 1000.0;
 
 const QString copyHelp = QStringLiteral(
@@ -61,14 +62,6 @@ QWidget* makeCell(const QString& caption, QWidget* value) {
     room->addWidget(value, 0, Qt::AlignCenter);
     layout->addLayout(room);
     return cell;
-}
-
-QWidget* makeDivider() {
-    auto* const divider = new QWidget;
-    divider->setFixedSize(dividerSize);
-    divider->setAutoFillBackground(true);
-    divider->setPalette(QPalette(theme::divider));
-    return divider;
 }
 
 QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
@@ -113,7 +106,7 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
         {QStringLiteral("CPU"), load},
         {QStringLiteral("PLUGIN"), makeClipboardButtons(copy, paste)}};
     for (const auto& [caption, value] : cells) {
-        if (row->count() > 0) row->addWidget(makeDivider());
+        if (row->count() > 0) row->addWidget(makeVerticalDivider(dividerHeight));
         row->addWidget(makeCell(caption, value));
     }
     row->addWidget(message, 1);

@@ -1,0 +1,48 @@
+#include "ui/controls/accessible_fader.h"
+
+#include "ui/controls/vertical_fader.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+namespace orvane::ui {
+
+namespace {
+
+/// As many steps of the range as an assistive tool is to take.
+constexpr double steps = 50.0;
+
+class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueInterface {
+  public:
+    explicit AccessibleFader(VerticalFader* shown)
+        : QAccessibleWidget(shown, QAccessible::Slider), fader(*shown) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    [[nodiscard]] QVariant currentValue() const override { return fader.value(); }
+    void setCurrentValue(const QVariant& value) override { fader.choose(value.toDouble()); }
+    [[nodiscard]] QVariant maximumValue() const override { return fader.highest(); }
+    [[nodiscard]] QVariant minimumValue() const override { return fader.lowest(); }
+    [[nodiscard]] QVariant minimumStepSize() const override {
+        return (fader.highest() - fader.lowest()) / steps;
+    }
+
+  private:
+    VerticalFader& fader;
+};
+
+QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
+    auto* const fader = dynamic_cast<VerticalFader*>(object);
+    return fader == nullptr ? nullptr : new AccessibleFader(fader);
+}
+
+} // namespace
+
+void makeFadersAccessible() {
+    QAccessible::installFactory(makeInterface);
+}
+
+} // namespace orvane::ui

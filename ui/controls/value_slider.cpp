@@ -1,0 +1,119 @@
+#include "ui/controls/value_slider.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace orvane::ui {
+
+namespace {
+
+/// Into how many places the handle's way is divided.
+constexpr int places = 10000;
+/// As the style sheet draws it.
+constexpr double handleWidth = 12.0;
+/// Shares of a range without steps that keys and the wheel move the value by.
+constexpr double freeStep = 0.02;
+constexpr double fineFreeStep = 0.002;
+/// What one notch of a wheel reports.
+constexpr double notch = 120.0;
+
+} // namespace
+
+ValueSlider::ValueSlider(
+    const QString& name, const Range& valueRange, std::function<void(double)> onChange, QWidget* parent
+)
+    : QSlider(Qt::Horizontal, parent),
+      range(valueRange),
+      changed(std::move(onChange)),
+      current(valueRange.lowest) {
+    setAccessibleName(name);
+    setRange(0, places);
+    setFocusPolicy(Qt::StrongFocus);
+    // What an assistive tool sets.
+    connect(this, &QSlider::valueChanged, this, [this](int place) {
+        choose(range.lowest + (range.highest - range.lowest) * place / places);
+    });
+}
+
+void ValueSlider::setValue(double value) {
+    current = value;
+    const double share = (value - range.lowest) / (range.highest - range.lowest);
+    const QSignalBlocker silent(this);
+    QSlider::setValue(static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * places)));
+}
+
+void ValueSlider::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return event->ignore();
+    setSliderDown(true);
+    touch(event->position().x());
+}
+
+void ValueSlider::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons().testFlag(Qt::LeftButton)) touch(event->position().x());
+}
+
+void ValueSlider::mouseReleaseEvent(QMouseEvent*) {
+    setSliderDown(false);
+}
+
+void ValueSlider::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && range.defaultValue) choose(*range.defaultValue);
+}
+
+void ValueSlider::wheelEvent(QWheelEvent* event) {
+    // Some systems turn the wheel sideways while Shift is held.
+    const QPoint angle = event->angleDelta();
+    const double notches = (angle.y() != 0 ? angle.y() : angle.x()) / notch;
+    event->accept();
+    if (range.step == 0.0) return stepBy(notches, event->modifiers());
+    turned += notches;
+    const double whole = std::trunc(turned);
+    turned -= whole;
+    stepBy(whole, event->modifiers());
+}
+
+void ValueSlider::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Right:
+        return stepBy(1.0, event->modifiers());
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+        return stepBy(-1.0, event->modifiers());
+    case Qt::Key_Home:
+        return choose(range.lowest);
+    case Qt::Key_End:
+        return choose(range.highest);
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void ValueSlider::touch(double x) {
+    const double way = width() - handleWidth;
+    if (way <= 0.0) return;
+    const double share = std::clamp((x - handleWidth / 2.0) / way, 0.0, 1.0);
+    choose(range.lowest + share * (range.highest - range.lowest));
+}
+
+void ValueSlider::stepBy(double steps, Qt::KeyboardModifiers modifiers) {
+    const bool isFine = modifiers.testFlag(Qt::ShiftModifier);
+    const double freely = (isFine ? fineFreeStep : freeStep) * (range.highest - range.lowest);
+    choose(current + steps * (range.step > 0.0 ? range.step : freely));
+}
+
+void ValueSlider::choose(double value) {
+    double kept = std::clamp(value, range.lowest, range.highest);
+    if (range.step > 0.0) kept = range.lowest + std::round((kept - range.lowest) / range.step) * range.step;
+    const bool isNew = kept != current;
+    setValue(kept);
+    if (isNew && changed) changed(kept);
+}
+
+} // namespace orvane::ui

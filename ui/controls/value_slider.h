@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QSlider>
+
+#include <functional>
+#include <optional>
+
+namespace orvane::ui {
+
+/// A level slider over a range of values. Click or drag to set it, double click for the default; wheel and
+/// arrow keys step it, finely with Shift; Home and End go to its ends.
+class ValueSlider final : public QSlider {
+  public:
+    struct Range {
+        double lowest = 0.0;
+        double highest = 1.0;
+        /// The distance of the values on offer; 0 = any value.
+        double step = 0.0;
+        /// Where a double click leads; absent = nowhere.
+        std::optional<double> defaultValue = {};
+    };
+
+    /// `onChange` gets every value that the user sets. `name`: for screen readers.
+    ValueSlider(
+        const QString& name, const Range& valueRange, std::function<void(double)> onChange,
+        QWidget* parent = nullptr
+    );
+
+    [[nodiscard]] double value() const { return current; }
+    /// Shows a value, or the end of the range that is nearest to it, without telling anybody.
+    void setValue(double value);
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void touch(double x);
+    void stepBy(double steps, Qt::KeyboardModifiers modifiers);
+    void choose(double value);
+
+    const Range range;
+    const std::function<void(double)> changed;
+    double current;
+    /// What the wheel has turned beyond the last step.
+    double turned = 0.0;
+};
+
+} // namespace orvane::ui

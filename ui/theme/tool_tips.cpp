@@ -1,0 +1,19 @@
+#include "ui/theme/tool_tips.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
+#include <QWidget>
+
+namespace orvane::ui {
+
+bool ToolTips::eventFilter(QObject* receiver, QEvent* event) {
+    if (event->type() != QEvent::ToolTip || !receiver->isWidgetType()) return false;
+    auto* const widget = static_cast<QWidget*>(receiver);
+    if (widget->toolTip().isEmpty()) return false;
+    // Only what is marked up wraps.
+    const QString text = QStringLiteral("<p>%1</p>").arg(widget->toolTip().toHtmlEscaped());
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, widget);
+    return true;
+}
+
+} // namespace orvane::ui
