@@ -1,0 +1,144 @@
+#include "ui/windows/plugin_editor_windows.h"
+
+#include "platform/lv2_units/lv2_unit_host.h"
+#include "support/hosted_unit.h"
+#include "support/wait_for.h"
+#include "ui/controls/value_field.h"
+#include "ui/controls/value_slider.h"
+#include "ui/windows/parameter_row.h"
+#include "ui/windows/parameter_scale.h"
+#include "ui/windows/plugin_editor_view.h"
+
+#include "mixer_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QProgressBar>
+#include <QTest>
+
+#include <cmath>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+
+/// The editor of the distribution's equaliser, which has parameters of every kind.
+class PluginEditor : public testing::Test {
+  protected:
+    PluginEditor() {
+        const auto made = instantiate(host, "x42-eq - Parametric Equalizer Mono");
+        if (!made.unit) throw std::runtime_error("x42-plugins is not installed");
+        unit = made.unit;
+        window = windows.windowWithContentViewController(
+            std::make_shared<platform::AUViewController>(unit), "Equalizer",
+            platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable
+        );
+        window->showWindow();
+        window->makeKeyAndOrderFront();
+        for (QWidget* each : QApplication::topLevelWidgets())
+            if (auto* const editor = dynamic_cast<PluginEditorView*>(each)) view = editor;
+    }
+
+    ParameterRow& row(platform::AUParameter& of) {
+        for (ParameterRow* each : viewsIn<ParameterRow>(*view))
+            if (each->accessibleName() == QString::fromStdString(of.info().displayName)) return *each;
+        throw std::runtime_error(of.info().displayName);
+    }
+    /// The first parameter that fits.
+    template <class Predicate>
+    platform::AUParameter& find(Predicate fits) {
+        for (platform::AUParameter* each : unit->parameters())
+            if (!each->info().isHidden && fits(each->info())) return *each;
+        throw std::runtime_error("no such parameter");
+    }
+    static bool comesTrue(const std::function<bool()>& condition) {
+        return waitFor([&] {
+            QApplication::processEvents();
+            return condition();
+        });
+    }
+
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    platform::Lv2UnitHost host{log};
+    std::shared_ptr<platform::AUAudioUnit> unit;
+    PluginEditorWindows windows;
+    std::unique_ptr<platform::NSWindowController> window;
+    PluginEditorView* view = nullptr;
+};
+
+using Info = platform::AUParameterInfo;
+
+TEST_F(PluginEditor, SetsParametersAndShowsWhatChangesElsewhere) {
+    EXPECT_EQ(view->windowTitle(), "Equalizer");
+    auto& frequency = find([](const Info& info) { return info.isLogarithmic && info.unitName == "Hz"; });
+    auto& slider = *viewsIn<ValueSlider>(row(frequency)).at(0);
+    auto& field = *viewsIn<ValueField>(row(frequency)).at(0);
+    QTest::keyClick(&slider, Qt::Key_End);
+    EXPECT_FLOAT_EQ(frequency.value(), frequency.info().maxValue);
+    EXPECT_TRUE(field.text().endsWith(" Hz")) << field.text().toStdString();
+    field.selectAll();
+    QTest::keyClicks(&field, "440");
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_FLOAT_EQ(
+        frequency.value(), std::clamp(440.0F, frequency.info().minValue, frequency.info().maxValue)
+    );
+    frequency.setValue(frequency.info().minValue);
+    EXPECT_TRUE(comesTrue([&] { return slider.value() == 0.0; }));
+    QTest::mouseDClick(&slider, Qt::LeftButton);
+    EXPECT_NEAR(frequency.value(), frequency.info().defaultValue, 1e-3F * frequency.info().defaultValue);
+
+    auto& toggle = find([](const Info& info) { return info.kind == Info::Kind::toggle && !info.isReadOnly; });
+    auto& box = *row(toggle).findChild<QCheckBox*>();
+    EXPECT_EQ(box.isChecked(), toggle.value() > 0.0F);
+    const bool wasOn = box.isChecked();
+    box.click();
+    EXPECT_EQ(toggle.value() > 0.0F, !wasOn);
+
+    auto& meter = find([](const Info& info) { return info.isReadOnly; });
+    EXPECT_NE(row(meter).findChild<QProgressBar*>(), nullptr);
+    EXPECT_TRUE(viewsIn<ValueSlider>(row(meter)).empty());
+}
+
+TEST_F(PluginEditor, IsClosedByTheUserForGood) {
+    EXPECT_FALSE(window->isClosed());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(view));
+    QTest::keyClick(view, Qt::Key_Escape);
+    EXPECT_TRUE(window->isClosed());
+    const std::weak_ptr kept(unit);
+    unit.reset();
+    EXPECT_FALSE(kept.expired());
+    window.reset();
+    EXPECT_TRUE(kept.expired());
+}
+
+Info makeInfo(float lowest, float highest, bool isLogarithmic = false, const char* unitName = "") {
+    Info info;
+    info.minValue = lowest;
+    info.maxValue = highest;
+    info.isLogarithmic = isLogarithmic;
+    info.unitName = unitName;
+    return info;
+}
+
+TEST(ParameterScale, GoesThereAndBack) {
+    const Info linear = makeInfo(-20.0F, 20.0F);
+    const Info logarithmic = makeInfo(20.0F, 20000.0F, true, "Hz");
+    const Info falling = makeInfo(-8.0F, -0.5F, true);
+    EXPECT_DOUBLE_EQ(shareOfRange(linear, 10.0), 0.75);
+    EXPECT_NEAR(shareOfRange(logarithmic, 632.4555), 0.5, 1e-6);
+    EXPECT_DOUBLE_EQ(shareOfRange(falling, -2.0), 0.5);
+    for (const Info& info : {linear, logarithmic, falling}) {
+        for (const double share : {0.0, 0.3, 1.0})
+            EXPECT_NEAR(shareOfRange(info, valueAtShare(info, share)), share, 1e-9);
+        EXPECT_EQ(shareOfRange(info, 1e9), 1.0);
+    }
+    EXPECT_EQ(shareOfRange(makeInfo(1.0F, 1.0F), 1.0), 0.0);
+    EXPECT_EQ(writtenValue(logarithmic, 1234.4), "1234 Hz");
+    EXPECT_EQ(writtenValue({}, 0.12345), "0.123");
+}
+
+} // namespace

@@ -1,0 +1,54 @@
+#include "ui/windows/plugin_editor_windows.h"
+
+#include "ui/windows/plugin_editor_view.h"
+#include "ui/windows/window_presenter.h"
+
+#include <utility>
+
+namespace orvane::ui {
+
+namespace {
+
+Qt::WindowFlags flagsOf(std::uint32_t styleMask) {
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
+    if ((styleMask & platform::NSWindowStyleMaskTitled) != 0)
+        flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    if ((styleMask & platform::NSWindowStyleMaskClosable) != 0) flags |= Qt::WindowCloseButtonHint;
+    if ((styleMask & platform::NSWindowStyleMaskMiniaturizable) != 0) flags |= Qt::WindowMinimizeButtonHint;
+    return flags;
+}
+
+class PluginEditorWindow final : public platform::NSWindowController {
+  public:
+    PluginEditorWindow(
+        std::shared_ptr<platform::AUViewController> content, const std::string& title, std::uint32_t styleMask
+    )
+        : view(std::move(content)) {
+        view.setWindowFlags(flagsOf(styleMask));
+        view.setWindowTitle(QString::fromStdString(title));
+        view.resize(view.sizeHint());
+        if ((styleMask & platform::NSWindowStyleMaskResizable) == 0) view.setFixedSize(view.size());
+    }
+
+    void showWindow() override {
+        view.show();
+        wasShown = true;
+    }
+    void makeKeyAndOrderFront() override { bringToFront(view); }
+    /// A window that is minimised is not hidden.
+    [[nodiscard]] bool isClosed() const override { return wasShown && view.isHidden(); }
+
+  private:
+    PluginEditorView view;
+    bool wasShown = false;
+};
+
+} // namespace
+
+std::unique_ptr<platform::NSWindowController> PluginEditorWindows::windowWithContentViewController(
+    std::shared_ptr<platform::AUViewController> content, const std::string& title, std::uint32_t styleMask
+) {
+    return std::make_unique<PluginEditorWindow>(std::move(content), title, styleMask);
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/editor_windows.h"
+
+#include <memory>
+#include <string>
+
+namespace orvane::ui {
+
+/// Shows the editors of plugins in windows of their own. Outlives what it makes. Main thread.
+class PluginEditorWindows final : public platform::EditorWindows {
+  public:
+    std::unique_ptr<platform::NSWindowController> windowWithContentViewController(
+        std::shared_ptr<platform::AUViewController> content, const std::string& title, std::uint32_t styleMask
+    ) override;
+};
+
+} // namespace orvane::ui
