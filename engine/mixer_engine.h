@@ -123,6 +123,7 @@ class MixerEngine final {
 
     // Insert plugins. Slots count from 0; what `PluginOperations` and its rack say of each holds here.
 
+    /// Any thread but the audio ones, for the first call may take seconds.
     [[nodiscard]] std::vector<platform::AVAudioUnitComponent> availableInsertComponents();
     void loadPlugin(
         const platform::AVAudioUnitComponent& component, std::size_t slot, const platform::Uuid& strip,

@@ -160,7 +160,8 @@ class AudioUnitHost {
     virtual ~AudioUnitHost() = default;
 
     /// The installed components that match, zero fields matching any, in an order that is the same on every
-    /// call. Reads no more than descriptions of plugins. Main thread.
+    /// call. Reads no more than descriptions of plugins; the first call may take seconds. Any thread but the
+    /// audio ones.
     [[nodiscard]] virtual std::vector<AVAudioUnitComponent>
     componentsMatchingDescription(const AudioComponentDescription& description) = 0;
 

@@ -11,7 +11,7 @@ namespace orvane::plugins {
 session::AUComponentIdentity identityOf(const platform::AVAudioUnitComponent& component);
 
 /// The installed effects and music effects, each identity once (the host's first), by maker and then by name
-/// as the user's language sorts them, whatever their case. Main thread.
+/// as the user's language sorts them, whatever their case. Any thread but the audio ones.
 std::vector<platform::AVAudioUnitComponent> availableInsertComponents(platform::AudioUnitHost& host);
 
 } // namespace orvane::plugins

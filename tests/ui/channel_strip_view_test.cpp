@@ -1,0 +1,322 @@
+#include "ui/strip/channel_strip_view.h"
+
+#include "ui/controls/menu_picker.h"
+#include "ui/controls/segmented_picker.h"
+#include "ui/controls/value_field.h"
+#include "ui/controls/value_slider.h"
+#include "ui/controls/vertical_fader.h"
+#include "ui/strip/plugin_picker_view.h"
+#include "ui/strip/plugin_slot_view.h"
+
+#include "mixer_machine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QContextMenuEvent>
+#include <QDialog>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+using testing::ElementsAre;
+namespace output = session::output;
+
+QStringList itemsOf(const QComboBox& menu) {
+    QStringList items;
+    for (int i = 0; i < menu.count(); ++i)
+        items.append(menu.itemText(i));
+    return items;
+}
+
+class Strip : public MixerViewTest {
+  protected:
+    Strip() { view.show(); }
+
+    [[nodiscard]] const session::ChannelStrip& strip() const { return state().channelStrips.get()[1]; }
+    [[nodiscard]] const session::PluginSlot& record(std::size_t slot) const {
+        return strip().pluginSlots[slot];
+    }
+    MenuPicker& menu(const char* name) {
+        for (MenuPicker* each : viewsIn<MenuPicker>(view))
+            if (each->accessibleName() == name) return *each;
+        throw std::runtime_error(name);
+    }
+    void pick(const char* name, const QString& entry) {
+        MenuPicker& picker = menu(name);
+        const int place = picker.findText(entry);
+        ASSERT_GE(place, 0) << entry.toStdString() << " of " << itemsOf(picker).join(',').toStdString();
+        picker.setCurrentIndex(place);
+        Q_EMIT picker.activated(place);
+    }
+    PluginSlotView& slot(std::size_t index) { return *viewsIn<PluginSlotView>(view).at(index); }
+    void load(std::size_t index) {
+        engine.loadPlugin(machine.effect, index, strip().id);
+        machine.mainThread.runPosted();
+    }
+    /// The sheet or prompt that is open; null if none is.
+    QDialog* dialog() {
+        deleteWhatIsDone();
+        const auto open = view.findChildren<QDialog*>();
+        return open.empty() ? nullptr : open.first();
+    }
+    /// The entries of a slot's context menu, or nothing where there is none. Separators are "-".
+    QStringList contextMenu(std::size_t index) {
+        QStringList entries;
+        if (const QMenu* const opened = openContextMenu(index))
+            for (const QAction* action : opened->actions())
+                entries.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+        return entries;
+    }
+    QMenu* openContextMenu(std::size_t index) {
+        for (QMenu* old : slot(index).findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
+            delete old;
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+        QApplication::sendEvent(&slot(index), &event);
+        return slot(index).findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    }
+    void choose(std::size_t index, const QString& entry) {
+        for (QAction* action : openContextMenu(index)->actions())
+            if (action->text() == entry) return action->trigger();
+        FAIL() << entry.toStdString();
+    }
+
+    InstalledComponents components{[this] { return engine.availableInsertComponents(); }};
+    ChannelStripView view{engine, components, 1};
+};
+
+TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
+    const std::vector<session::ChannelStrip> before = state().channelStrips.get();
+    auto& name = *view.findChild<QLineEdit*>();
+    EXPECT_EQ(name.text(), "Ch 2");
+    QTest::keyClicks(&name, " Anna ");
+    EXPECT_EQ(strip().name, "Ch 2");
+    QTest::keyClick(&name, Qt::Key_Return);
+    EXPECT_EQ(strip().name, "Ch 2 Anna ");
+    QTest::keyClicks(&name, "?");
+    QTest::keyClick(&name, Qt::Key_Escape);
+    EXPECT_EQ(strip().name, "Ch 2 Anna ");
+    EXPECT_EQ(name.text(), "Ch 2 Anna ");
+
+    const auto pickers = viewsIn<SegmentedPicker>(view);
+    pickers.at(0)->segment(2).click();
+    EXPECT_EQ(strip().genderMode, dsp::GenderTriggerMode::female);
+    QTest::keyClick(&pickers.at(0)->segment(2), Qt::Key_Left);
+    EXPECT_EQ(strip().genderMode, dsp::GenderTriggerMode::male);
+    pickers.at(1)->segment(1).click();
+    EXPECT_EQ(strip().vocalRole, dsp::VocalRole::lead);
+    buttonOf(view, "Mute").click();
+    buttonOf(view, "Byp").click();
+    EXPECT_TRUE(strip().muted && strip().bypassed);
+    buttonOf(view, "Mute").click();
+    EXPECT_FALSE(strip().muted);
+    QTest::keyClick(viewsIn<VerticalFader>(view).at(0), Qt::Key_Home);
+    EXPECT_EQ(strip().trim, 2.0);
+    auto& typed = *viewsIn<ValueField>(view).at(0);
+    EXPECT_EQ(typed.text(), "×2.00");
+    for (const auto& [text, trim] : {std::pair("0,5", 0.5), {"x1.25", 1.25}, {"9", 2.0}, {"loud", 2.0}}) {
+        typed.selectAll();
+        QTest::keyClicks(&typed, text);
+        QTest::keyClick(&typed, Qt::Key_Return);
+        EXPECT_EQ(strip().trim, trim) << text;
+    }
+    EXPECT_EQ(state().channelStrips.get()[0], before[0]);
+    EXPECT_EQ(state().channelStrips.get()[2], before[2]);
+}
+
+TEST_F(Strip, OffersTheChannelsOfTheDevice) {
+    EXPECT_THAT(itemsOf(menu("Input")), ElementsAre("None"));
+    engine.selectDevice(device(0));
+    EXPECT_THAT(itemsOf(menu("Input")), ElementsAre("None", "In 1", "In 2", "In 3", "In 4"));
+    EXPECT_EQ(menu("Input").currentText(), "In 2");
+    EXPECT_EQ(menu("Output").count(), 7);
+    EXPECT_EQ(menu("Output").currentText(), "Out 2");
+    pick("Input", "In 4");
+    pick("Output", "Out 6");
+    EXPECT_EQ(strip().inputChannelIndex, 3);
+    EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Mono{5}}));
+
+    buttonOf(view, "St").click();
+    EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Stereo{4, 5, 0.0}}));
+    EXPECT_THAT(itemsOf(menu("Output")), ElementsAre("None", "1-2", "3-4", "5-6"));
+    auto& pan = *viewsIn<ValueSlider>(view).at(0);
+    EXPECT_TRUE(pan.isVisible());
+    QTest::keyClick(&pan, Qt::Key_Home);
+    pick("Output", "3-4");
+    EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Stereo{2, 3, -1.0}}));
+    QTest::mouseDClick(&pan, Qt::LeftButton);
+    EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Stereo{2, 3, 0.0}}));
+    pick("Output", "None");
+    EXPECT_EQ(strip().outputRouting, session::OutputRouting{});
+    EXPECT_FALSE(pan.isVisible());
+
+    // What a device does not have is shown all the same.
+    engine.setOutputChannel(strip().id, 30);
+    engine.setInputChannel(strip().id, 40);
+    EXPECT_EQ(menu("Output").currentText(), "Out 31");
+    EXPECT_EQ(menu("Input").currentText(), "In 41");
+    EXPECT_EQ(menu("Output").count(), 8);
+}
+
+TEST_F(Strip, FollowsTheEngineOnlyWhileItIsSeenAndCatchesUp) {
+    view.hide();
+    engine.setMuted(strip().id, true);
+    engine.setName(strip().id, "Recalled");
+    EXPECT_EQ(view.findChild<QLineEdit*>()->text(), "Ch 2");
+    view.show();
+    EXPECT_EQ(view.findChild<QLineEdit*>()->text(), "Recalled");
+    EXPECT_EQ(buttonOf(view, "Mute").accessibleDescription(), "On");
+}
+
+TEST_F(Strip, SlotsSayWhatAClickDoes) {
+    EXPECT_EQ(slot(2).toolTip(), "Empty AU insert slot 3 — click to pick an installed plugin.");
+    load(0);
+    EXPECT_EQ(slot(0).text(), "Warmth");
+    EXPECT_EQ(slot(0).toolTip(), "Warmth — click to open its editor. Right-click for more options.");
+    machine.audioUnitHost.failure = platform::Error{"no licence"};
+    load(1);
+    EXPECT_TRUE(slot(1).toolTip().startsWith("Warmth failed to load: ")) << slot(1).toolTip().toStdString();
+
+    engine.toggleCopyArm();
+    EXPECT_EQ(slot(0).toolTip(), "Click to copy \"Warmth\" (and its current settings).");
+    EXPECT_EQ(slot(2).toolTip(), "Empty -- pick a slot with a plugin loaded to copy from.");
+    slot(0).click();
+    EXPECT_EQ(slot(2).toolTip(), "Empty AU insert slot 3 — click to pick an installed plugin.");
+    engine.togglePasteArm();
+    EXPECT_EQ(slot(2).toolTip(), "Click to paste Warmth here, replacing whatever's in this slot.");
+    machine.audioUnitHost.failure.reset();
+    slot(2).click();
+    machine.mainThread.runPosted();
+    EXPECT_EQ(record(2).pluginName, "Warmth");
+    EXPECT_EQ(dialog(), nullptr);
+    engine.cancelClipboardArm();
+
+    auto document = engine.makeDocumentData();
+    document.channels[1].pluginSlots[3].pluginName = "Lost";
+    document.channels[1].pluginSlots[4].pluginName = "Gone";
+    document.channels[1].pluginSlots[4].component = {1, 2, 3};
+    engine.applyDocument(document);
+    machine.mainThread.runPosted();
+    EXPECT_EQ(
+        slot(3).toolTip(),
+        "Lost — from an older session, not linked to an installed plugin. Click to pick one."
+    );
+    EXPECT_EQ(slot(4).toolTip(), "Gone — click to open its editor. Right-click for more options.");
+}
+
+TEST_F(Strip, SlotsOpenThePickerOrTheEditor) {
+    load(0);
+    slot(0).click();
+    EXPECT_EQ(machine.audioUnitHost.lastUnit()->editorRequests, 0);
+    EXPECT_EQ(state().lastError.get(), "This program has no windows to show the editor of Warmth in.");
+    machine.audioUnitHost.delivery = ScriptedAudioUnitHost::Delivery::byHand;
+    load(1);
+    slot(1).click();
+    EXPECT_EQ(dialog(), nullptr) << "a click while it loads";
+    machine.audioUnitHost.failure = platform::Error{"no licence"};
+    machine.audioUnitHost.deliver();
+    machine.mainThread.runPosted();
+    for (const std::size_t opening : {1, 2}) {
+        slot(opening).click();
+        auto* const picker = dynamic_cast<PluginPickerView*>(dialog());
+        ASSERT_NE(picker, nullptr) << opening;
+        EXPECT_TRUE(shows(*picker, QStringLiteral("Insert %1").arg(opening + 1)));
+        buttonOf(*picker, "Cancel").click();
+        EXPECT_EQ(dialog(), nullptr);
+    }
+}
+
+TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
+    EXPECT_TRUE(contextMenu(0).empty());
+    load(0);
+    EXPECT_THAT(
+        contextMenu(0),
+        ElementsAre("Open Editor", "Change Plugin…", "Bypass", "Remove", "-", "Load Preset", "Save Preset…")
+    );
+    choose(0, "Bypass");
+    EXPECT_TRUE(record(0).bypassed);
+    choose(0, "Un-bypass");
+    EXPECT_FALSE(record(0).bypassed);
+
+    const auto presetEntries = [this] { return openContextMenu(0)->findChild<QMenu*>()->actions(); };
+    ASSERT_EQ(presetEntries().size(), 1);
+    EXPECT_EQ(presetEntries().first()->text(), "No saved presets");
+    EXPECT_FALSE(presetEntries().first()->isEnabled());
+    machine.audioUnitHost.lastUnit()->gain = 0.25F;
+    choose(0, "Save Preset…");
+    QDialog* const prompt = dialog();
+    ASSERT_NE(prompt, nullptr);
+    EXPECT_TRUE(shows(
+        *prompt, "Saves Warmth's current settings so you can recall them later on any insert slot that "
+                 "loads the same plugin."
+    ));
+    QTest::keyClicks(prompt->findChild<QLineEdit*>(), "Warm & soft");
+    buttonOf(*prompt, "Save").click();
+    machine.audioUnitHost.lastUnit()->gain = 1.0F;
+    ASSERT_EQ(presetEntries().size(), 1);
+    EXPECT_EQ(presetEntries().first()->text(), "Warm && soft");
+    presetEntries().first()->trigger();
+    EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 0.25F);
+
+    choose(0, "Remove");
+    EXPECT_FALSE(record(0).pluginName);
+    machine.audioUnitHost.failure = platform::Error{"no licence"};
+    load(0);
+    EXPECT_THAT(contextMenu(0), ElementsAre("Change Plugin…", "Bypass", "Remove"));
+}
+
+/// The rows of the list that can be seen.
+std::vector<std::string> rowsOf(const QWidget& picker) {
+    std::vector<std::string> rows;
+    const auto& list = *picker.findChild<QListWidget*>();
+    for (int row = 0; row < list.count() && list.isVisible(); ++row)
+        rows.push_back(list.item(row)->text().toStdString());
+    return rows;
+}
+
+TEST_F(Strip, PicksWhatIsInstalled) {
+    const InstalledComponents installed([this] {
+        auto list = engine.availableInsertComponents();
+        list.push_back(list.front());
+        list.back().name = "Bright EQ";
+        list.push_back(list.back());
+        list.back().manufacturerName = "Equal Ltd";
+        list.back().name = "Gate";
+        return list;
+    });
+    PluginPickerView picker(engine, installed, strip().id, 3);
+    picker.show();
+    EXPECT_TRUE(rowsOf(picker).empty());
+    EXPECT_TRUE(shows(picker, "Scanning the installed plugins…"));
+    while (!installed.list().get())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_THAT(rowsOf(picker), ElementsAre("Maker", "Warmth", "Bright EQ", "Equal Ltd", "Gate"));
+    auto& search = *picker.findChild<QLineEdit*>();
+    QTest::keyClicks(&search, "eq");
+    EXPECT_THAT(rowsOf(picker), ElementsAre("Maker", "Bright EQ", "Equal Ltd", "Gate"));
+    QTest::keyClicks(&search, "x");
+    EXPECT_TRUE(shows(picker, "No plugin matches the search."));
+    search.setText("MAKER");
+    QTest::keyClick(&search, Qt::Key_Down);
+    QTest::keyClick(&search, Qt::Key_Up);
+    QTest::keyClick(&search, Qt::Key_Return);
+    EXPECT_FALSE(picker.isVisible());
+    EXPECT_EQ(record(3).pluginName, "Warmth");
+
+    const InstalledComponents none([] { return InstalledComponents::List(); });
+    while (!none.list().get())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    PluginPickerView empty(engine, none, strip().id, 0);
+    empty.show();
+    EXPECT_TRUE(shows(empty, "No installed Audio Units found (Effect / Music Effect types)."));
+}
+
+} // namespace

@@ -1,0 +1,326 @@
+#include "ui/strip/channel_strip_view.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/controls/segmented_picker.h"
+#include "ui/controls/text_label.h"
+#include "ui/controls/value_field.h"
+#include "ui/controls/value_slider.h"
+#include "ui/controls/vertical_fader.h"
+#include "ui/meters/meters.h"
+#include "ui/strip/plugin_slot_view.h"
+#include "ui/theme/theme.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include <utility>
+#include <variant>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int stripWidth = 140;
+constexpr int padding = 10;
+constexpr int contentWidth = stripWidth - 2 * padding;
+constexpr int gap = 4;
+constexpr int groupGap = 6;
+constexpr int nameHeight = 24;
+constexpr int rowHeight = 22;
+constexpr int panHeight = 18;
+constexpr int stereoWidth = 32;
+constexpr int trimCaptionSize = 9;
+constexpr QSize faderSize(36, 130);
+constexpr int trimValueWidth = 44;
+constexpr double highestTrim = 2.0;
+constexpr double cornerRadius = 6.0;
+
+const QString genderHelp = QStringLiteral(
+    "Automix trigger filter — never touches the audible signal, only an internal copy used to decide how "
+    "\"active\" this channel is for gain-sharing. — (neutral): unfiltered, no frequency bias. ♂ (Male): "
+    "de-emphasizes below 180 Hz by ~16 dB, so proximity-effect bass buildup, handling rumble, and plosive "
+    "pops don't inflate this channel's detected level. ♀ (Female): the mirror image — de-emphasizes above "
+    "3500 Hz by ~16 dB, so sibilance and breath noise don't inflate it instead. Both are gentle shelves, not "
+    "hard cuts, and only change how this channel's level is weighed against the others when sharing gain."
+);
+const QString roleHelp = QStringLiteral(
+    "Vocal group tag — purely a mix-organization label, it has NO effect on the automix gain-sharing "
+    "decision itself (ducking/opening behavior for this channel is unchanged either way). — (none): not in "
+    "either group. L (Lead): this channel's final output gets the \"Lead\" group fader (Master section, "
+    "below the channel strips) applied on top of its own automix gain and trim. B (Backing): same, but gets "
+    "the \"Backing\" group fader instead. Use it to pull the whole backing-vocal group down a few dB, or "
+    "push a lead vocal up, without touching each singer's individual trim or how the automix balances them "
+    "against each other."
+);
+const QString stereoHelp =
+    QStringLiteral("Route this channel to a stereo output pair instead of a single mono output.");
+const QString trimHelp = QStringLiteral(
+    "Trim — a plain per-channel level control, applied on top of whatever the automix (or bypass) is already "
+    "doing. The white stripe marks unity (1.0×, no change) — click it, or drag near it, to snap back to "
+    "unity. Drag up to boost, down to cut."
+);
+
+QString writeTrim(double trim) {
+    return QStringLiteral("×%1").arg(trim, 0, 'f', 2);
+}
+
+} // namespace
+
+ChannelStripView::ChannelStripView(
+    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t index,
+    QWidget* parent
+)
+    : QWidget(parent),
+      engine(mixerEngine),
+      stripIndex(index),
+      stripID(mixerEngine.state().channelStrips.get().at(index).id),
+      name(new QLineEdit),
+      genderMode(new SegmentedPicker(
+          QStringLiteral("Trigger filter"), {QStringLiteral("—"), QStringLiteral("♂"), QStringLiteral("♀")},
+          [this](int choice) { engine.setGenderMode(stripID, static_cast<dsp::GenderTriggerMode>(choice)); }
+      )),
+      vocalRole(new SegmentedPicker(
+          QStringLiteral("Vocal group"), {QStringLiteral("—"), QStringLiteral("L"), QStringLiteral("B")},
+          [this](int choice) { engine.setVocalRole(stripID, static_cast<dsp::VocalRole>(choice)); }
+      )),
+      input(
+          QStringLiteral("Input"), contentWidth,
+          [this](std::optional<std::int64_t> channel) { engine.setInputChannel(stripID, channel); }
+      ),
+      output(
+          QStringLiteral("Output"), contentWidth - stereoWidth - gap,
+          [this](std::optional<std::int64_t> channel) { chooseOutput(channel); }
+      ) {
+    setFixedWidth(stripWidth);
+    setAccessibleName(QStringLiteral("Channel %1").arg(index + 1));
+    name->setObjectName(QStringLiteral("flat"));
+    name->setPlaceholderText(QStringLiteral("Name"));
+    name->setAccessibleName(QStringLiteral("Name"));
+    name->setFont(textFont(TextStyle::body, QFont::Bold));
+    name->setAlignment(Qt::AlignCenter);
+    name->setFixedHeight(nameHeight);
+    name->installEventFilter(this);
+    connect(name, &QLineEdit::editingFinished, this, [this] { commitName(); });
+    genderMode->setToolTip(genderHelp);
+    vocalRole->setToolTip(roleHelp);
+    genderMode->setNeutral(0);
+    vocalRole->setNeutral(0);
+    for (QWidget* row :
+         {static_cast<QWidget*>(genderMode), static_cast<QWidget*>(vocalRole),
+          static_cast<QWidget*>(input.widget()), static_cast<QWidget*>(output.widget())})
+        row->setFixedHeight(rowHeight);
+
+    auto* const lines = new QVBoxLayout(this);
+    lines->setContentsMargins(padding, padding, padding, padding);
+    lines->setSpacing(gap);
+    lines->addWidget(name);
+    lines->addWidget(genderMode);
+    lines->addWidget(vocalRole);
+    lines->addSpacing(groupGap - gap);
+    lines->addWidget(input.widget());
+    lines->addLayout(makeOutputRow());
+    lines->addLayout(makePanRow());
+    lines->addSpacing(groupGap - gap);
+    auto* const slotRows = new QVBoxLayout;
+    slotRows->setSpacing(2);
+    for (std::size_t slot = 0; slot < slotViews.size(); ++slot) {
+        slotViews[slot] = new PluginSlotView(engine, installedComponents, stripIndex, slot);
+        slotRows->addWidget(slotViews[slot]);
+    }
+    lines->addLayout(slotRows);
+    lines->addSpacing(groupGap - gap);
+    lines->addLayout(makeLevels());
+    lines->addLayout(makeSwitches());
+    subscribe();
+    refresh();
+}
+
+QLayout* ChannelStripView::makeOutputRow() {
+    stereo = new ConsoleButton(QStringLiteral("St"), [this] {
+        engine.setStereo(stripID, !std::holds_alternative<session::output::Stereo>(strip().outputRouting));
+    });
+    stereo->setAccessibleName(QStringLiteral("Stereo"));
+    stereo->setToolTip(stereoHelp);
+    stereo->setFixedSize(stereoWidth, rowHeight);
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(gap);
+    row->addWidget(output.widget());
+    row->addWidget(stereo);
+    return row;
+}
+
+QLayout* ChannelStripView::makePanRow() {
+    panRow = new QWidget;
+    panRow->setFixedHeight(panHeight);
+    // The strips' rows stay in line, whether there is something to pan or not.
+    QSizePolicy policy = panRow->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    panRow->setSizePolicy(policy);
+    auto* const inside = new QHBoxLayout(panRow);
+    inside->setContentsMargins(0, 0, 0, 0);
+    inside->setSpacing(6);
+    inside->addWidget(makeText(QStringLiteral("Pan"), TextStyle::caption2, theme::secondaryText));
+    pan = new ValueSlider(
+        QStringLiteral("Pan"), {.lowest = -1.0, .highest = 1.0, .defaultValue = 0.0},
+        [this](double position) { engine.setPan(stripID, position); }
+    );
+    inside->addWidget(pan, 1);
+    auto* const row = new QHBoxLayout;
+    row->addWidget(panRow);
+    return row;
+}
+
+QLayout* ChannelStripView::makeLevels() {
+    const auto setTrim = [this](double factor) { engine.setTrim(stripID, factor); };
+    trim = new VerticalFader({.lowest = 0.0, .highest = highestTrim, .defaultValue = 1.0}, setTrim);
+    trim->setAccessibleName(QStringLiteral("Trim"));
+    trim->setToolTip(trimHelp);
+    trim->setFixedSize(faderSize);
+    trimValue = new ValueField(
+        QStringLiteral("Trim value"),
+        {.write = writeTrim, .highest = highestTrim, .width = trimValueWidth, .alignment = Qt::AlignHCenter},
+        setTrim
+    );
+    QLabel* const caption = makeText(QStringLiteral("Trim"), TextStyle::caption2, theme::secondaryText);
+    caption->setFont(systemFont(trimCaptionSize));
+    caption->setAlignment(Qt::AlignCenter);
+
+    auto* const fader = new QVBoxLayout;
+    fader->setSpacing(2);
+    fader->addWidget(caption);
+    fader->addWidget(trim, 0, Qt::AlignHCenter);
+    fader->addWidget(trimValue, 0, Qt::AlignHCenter);
+    fader->addStretch();
+    auto* const row = new QHBoxLayout;
+    row->addWidget(new ChannelMeterColumn(engine.meterModel(), stripIndex));
+    row->addStretch();
+    row->addLayout(fader);
+    return row;
+}
+
+QLayout* ChannelStripView::makeSwitches() {
+    mute = new ConsoleButton(QStringLiteral("Mute"), [this] { engine.setMuted(stripID, !strip().muted); });
+    mute->setActiveColor(theme::red);
+    bypass =
+        new ConsoleButton(QStringLiteral("Byp"), [this] { engine.setBypassed(stripID, !strip().bypassed); });
+    bypass->setActiveColor(theme::orange);
+    bypass->setAccessibleName(QStringLiteral("Bypass"));
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(gap);
+    row->addWidget(mute);
+    row->addWidget(bypass);
+    return row;
+}
+
+void ChannelStripView::subscribe() {
+    const engine::EngineState& state = engine.state();
+    const auto follow = [this](const auto& value, void (ChannelStripView::*display)()) {
+        subscriptions.push_back(value.subscribe([this, display](const auto&) {
+            if (isVisible()) (this->*display)();
+        }));
+    };
+    follow(state.channelStrips, &ChannelStripView::showStrip);
+    follow(state.selectedDevice, &ChannelStripView::showRouting);
+    follow(state.pluginLoadStates, &ChannelStripView::showSlots);
+    follow(state.pluginClipboardArmState, &ChannelStripView::showSlots);
+    follow(state.pluginClipboard, &ChannelStripView::showSlots);
+}
+
+const session::ChannelStrip& ChannelStripView::strip() const {
+    return engine.state().channelStrips.get()[stripIndex];
+}
+
+void ChannelStripView::showEvent(QShowEvent*) {
+    refresh();
+}
+
+void ChannelStripView::refresh() {
+    showStrip();
+    showRouting();
+}
+
+void ChannelStripView::showStrip() {
+    const session::ChannelStrip& shown = strip();
+    showName();
+    genderMode->setCurrent(static_cast<int>(shown.genderMode));
+    vocalRole->setCurrent(static_cast<int>(shown.vocalRole));
+    showRouting();
+    showSlots();
+    trim->setValue(shown.trim);
+    trimValue->setValue(shown.trim);
+    mute->setActive(shown.muted);
+    bypass->setActive(shown.bypassed);
+}
+
+void ChannelStripView::showName() {
+    // A name that is being typed stays.
+    if (name->hasFocus() && name->isModified()) return;
+    const QString shown = QString::fromStdString(strip().name);
+    if (shown != name->text()) name->setText(shown);
+}
+
+void ChannelStripView::commitName() {
+    if (!name->isModified()) return;
+    name->setModified(false);
+    engine.setName(stripID, name->text().toStdString());
+}
+
+bool ChannelStripView::eventFilter(QObject* receiver, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(receiver, event);
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Escape:
+        name->setModified(false);
+        showName();
+        name->clearFocus();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        commitName();
+        name->clearFocus();
+        return true;
+    default:
+        return QWidget::eventFilter(receiver, event);
+    }
+}
+
+void ChannelStripView::showRouting() {
+    const auto& device = engine.state().selectedDevice.get();
+    ShownRouting now{
+        .inputs = device ? device->inputChannelCount : 0,
+        .outputs = device ? device->outputChannelCount : 0,
+        .input = strip().inputChannelIndex,
+        .output = strip().outputRouting};
+    if (now == shownRouting) return;
+    shownRouting = std::move(now);
+    input.present(RoutingMenu::inputs(shownRouting.inputs, shownRouting.input));
+    output.present(RoutingMenu::outputs(shownRouting.outputs, shownRouting.output));
+    const auto* const routed = std::get_if<session::output::Stereo>(&shownRouting.output);
+    stereo->setActive(routed != nullptr);
+    panRow->setVisible(routed != nullptr);
+    if (routed != nullptr) pan->setValue(routed->pan);
+}
+
+void ChannelStripView::showSlots() {
+    for (PluginSlotView* slot : slotViews)
+        slot->refresh();
+}
+
+void ChannelStripView::chooseOutput(std::optional<std::int64_t> channel) {
+    if (channel && std::holds_alternative<session::output::Stereo>(strip().outputRouting))
+        engine.setStereoPair(stripID, *channel);
+    else
+        engine.setOutputChannel(stripID, channel);
+}
+
+void ChannelStripView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(theme::panelBackground);
+    painter.setPen(QPen(theme::divider, 1.0));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+#include "platform/uuid.h"
+#include "ui/strip/installed_components.h"
+#include "ui/strip/routing_picker.h"
+
+#include <QWidget>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+class QLabel;
+class QLayout;
+class QLineEdit;
+
+namespace orvane::ui {
+
+class ConsoleButton;
+class PluginSlotView;
+class SegmentedPicker;
+class ValueField;
+class ValueSlider;
+class VerticalFader;
+
+/// One strip of the mixer. Follows the engine while it is visible, and catches up when it becomes so. Main
+/// thread.
+class ChannelStripView final : public QWidget {
+  public:
+    /// `mixerEngine` and `installedComponents` outlive the view. The strip is the one at `index` in the
+    /// engine's list, for good.
+    ChannelStripView(
+        engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t index,
+        QWidget* parent = nullptr
+    );
+
+    /// Hands a name that is being typed to the engine.
+    void commitName();
+
+  protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    [[nodiscard]] const session::ChannelStrip& strip() const;
+    QLayout* makeOutputRow();
+    QLayout* makePanRow();
+    QLayout* makeLevels();
+    QLayout* makeSwitches();
+    void subscribe();
+    void refresh();
+    void showStrip();
+    void showName();
+    void showRouting();
+    void showSlots();
+    void chooseOutput(std::optional<std::int64_t> channel);
+
+    engine::MixerEngine& engine;
+    const std::size_t stripIndex;
+    const platform::Uuid stripID;
+    QLineEdit* const name;
+    SegmentedPicker* const genderMode;
+    SegmentedPicker* const vocalRole;
+    RoutingPicker input;
+    RoutingPicker output;
+    ConsoleButton* stereo = nullptr;
+    QWidget* panRow = nullptr;
+    ValueSlider* pan = nullptr;
+    std::array<PluginSlotView*, session::pluginSlotsPerChannel> slotViews = {};
+    VerticalFader* trim = nullptr;
+    ValueField* trimValue = nullptr;
+    ConsoleButton* mute = nullptr;
+    ConsoleButton* bypass = nullptr;
+    /// What the routing pickers were made from.
+    struct ShownRouting {
+        std::int64_t inputs = -1;
+        std::int64_t outputs = -1;
+        std::optional<std::int64_t> input;
+        session::OutputRouting output;
+
+        bool operator==(const ShownRouting&) const = default;
+    };
+    ShownRouting shownRouting;
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,242 @@
+#include "ui/strip/plugin_slot_view.h"
+
+#include "ui/controls/text_prompt.h"
+#include "ui/strip/plugin_picker_view.h"
+#include "ui/theme/theme.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+
+#include <variant>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int slotHeight = 24;
+constexpr int textSize = 11;
+constexpr int textInset = 8;
+constexpr double cornerRadius = 3.0;
+constexpr double dimmed = 0.45;
+/// The mark at the left edge of a slot that holds a plugin.
+constexpr double markWidth = 3.0;
+
+QString named(const session::PluginSlot& slot, const QString& otherwise) {
+    return slot.pluginName ? QString::fromStdString(*slot.pluginName) : otherwise;
+}
+
+/// A name as a menu shows it whatever its characters.
+QString menuText(const std::string& name) {
+    return QString::fromStdString(name).replace(QChar(u'&'), QStringLiteral("&&"));
+}
+
+} // namespace
+
+PluginSlotView::PluginSlotView(
+    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t strip,
+    std::size_t slot, QWidget* parent
+)
+    : QAbstractButton(parent),
+      engine(mixerEngine),
+      components(installedComponents),
+      stripIndex(strip),
+      slotIndex(slot),
+      stripID(mixerEngine.state().channelStrips.get().at(strip).id) {
+    setFont(systemFont(textSize));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+    connect(this, &QAbstractButton::clicked, this, [this] { press(); });
+    refresh();
+}
+
+QSize PluginSlotView::sizeHint() const {
+    return {100, slotHeight};
+}
+
+const session::ChannelStrip* PluginSlotView::strip() const {
+    const auto& strips = engine.state().channelStrips.get();
+    return stripIndex < strips.size() ? &strips[stripIndex] : nullptr;
+}
+
+const session::PluginSlot* PluginSlotView::record() const {
+    const session::ChannelStrip* const held = strip();
+    return held != nullptr && slotIndex < held->pluginSlots.size() ? &held->pluginSlots[slotIndex] : nullptr;
+}
+
+const plugins::PluginLoadState* PluginSlotView::loadState() const {
+    const auto& states = engine.state().pluginLoadStates.get();
+    const auto found = states.find({stripID, slotIndex});
+    return found == states.end() ? nullptr : &found->second;
+}
+
+PluginSlotView::Content PluginSlotView::contentNow() const {
+    const session::PluginSlot* const slot = record();
+    const plugins::PluginLoadState* const state = loadState();
+    if (state != nullptr && std::holds_alternative<plugins::load_state::Failed>(*state))
+        return Content::failed;
+    if (slot == nullptr || !slot->pluginName) return Content::empty;
+    if (state == nullptr || !slot->component) return Content::notLive;
+    return std::holds_alternative<plugins::load_state::Loaded>(*state) ? Content::loaded : Content::loading;
+}
+
+QString PluginSlotView::helpNow() const {
+    using enum plugins::PluginClipboardArmState;
+    const session::PluginSlot slot = record() != nullptr ? *record() : session::PluginSlot{};
+    const QString name = named(slot, QStringLiteral("Plugin"));
+    switch (engine.state().pluginClipboardArmState.get()) {
+    case armedForPaste: {
+        const auto& clipboard = engine.state().pluginClipboard.get();
+        return QStringLiteral("Click to paste %1 here, replacing whatever's in this slot.")
+            .arg(clipboard ? QString::fromStdString(clipboard->name) : QStringLiteral("the copied plugin"));
+    }
+    case armedForCopy:
+        return slot.pluginName ? QStringLiteral("Click to copy \"%1\" (and its current settings).").arg(name)
+                               : QStringLiteral("Empty -- pick a slot with a plugin loaded to copy from.");
+    case none:
+        break;
+    }
+    const auto* const state = loadState();
+    if (state != nullptr)
+        if (const auto* const failed = std::get_if<plugins::load_state::Failed>(state))
+            return QStringLiteral("%1 failed to load: %2").arg(name, QString::fromStdString(failed->message));
+    if (!slot.pluginName)
+        return QStringLiteral("Empty AU insert slot %1 — click to pick an installed plugin.")
+            .arg(slotIndex + 1);
+    if (!slot.component)
+        return QStringLiteral(
+                   "%1 — from an older session, not linked to an installed plugin. Click to pick one."
+        )
+            .arg(name);
+    return QStringLiteral("%1 — click to open its editor. Right-click for more options.").arg(name);
+}
+
+void PluginSlotView::refresh() {
+    const session::PluginSlot* const slot = record();
+    const QString name = slot != nullptr ? named(*slot, {}) : QString();
+    const Content now = contentNow();
+    const bool bypassed = slot != nullptr && slot->bypassed;
+    if (name != text() || now != content || bypassed != isBypassed || accessibleName().isEmpty()) {
+        content = now;
+        isBypassed = bypassed;
+        setText(name);
+        setAccessibleName(QStringLiteral("Insert %1 %2")
+                              .arg(slotIndex + 1)
+                              .arg(name.isEmpty() ? QStringLiteral("(empty)") : name));
+        update();
+    }
+    if (const QString help = helpNow(); help != toolTip()) setToolTip(help);
+}
+
+void PluginSlotView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool isFailed = content == Content::failed;
+    const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    QColor fill = content == Content::empty ? theme::well : theme::raised;
+    if (isDown() || underMouse()) fill = fill.lighter(isDown() ? 160 : 130);
+    QPen outline(isFailed ? theme::red : hasFocus() ? theme::accent : theme::divider, 1.0);
+    if (content == Content::notLive) outline.setStyle(Qt::DashLine);
+    painter.setBrush(fill);
+    painter.setPen(outline);
+    painter.drawRoundedRect(box, cornerRadius, cornerRadius);
+    if (content == Content::empty && text().isEmpty()) return;
+
+    painter.setOpacity(
+        isBypassed || content == Content::loading || content == Content::notLive ? dimmed : 1.0
+    );
+    if (content == Content::loaded) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(isBypassed ? theme::secondaryText : theme::accent);
+        painter.drawRoundedRect(QRectF(2.0, 4.0, markWidth, height() - 8.0), 1.5, 1.5);
+    }
+    QRect room = rect().adjusted(textInset, 0, -textInset + 2, 0);
+    painter.setPen(isFailed ? theme::red : theme::primaryText);
+    if (isFailed) {
+        painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("⚠"));
+        room.adjust(0, 0, -14, 0);
+    }
+    const QString shown = content == Content::loading ? text() + QStringLiteral("…") : text();
+    painter.drawText(
+        room, Qt::AlignLeft | Qt::AlignVCenter, fontMetrics().elidedText(shown, Qt::ElideRight, room.width())
+    );
+}
+
+void PluginSlotView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
+void PluginSlotView::press() {
+    if (engine.handleClipboardClick(slotIndex, stripID)) return;
+    switch (contentNow()) {
+    case Content::loading:
+        return;
+    case Content::loaded:
+        return engine.openPluginEditor(slotIndex, stripID);
+    case Content::empty:
+    case Content::notLive:
+    case Content::failed:
+        openPicker();
+    }
+}
+
+void PluginSlotView::openPicker() {
+    auto* const picker = new PluginPickerView(engine, components, stripID, slotIndex, this);
+    picker->setAttribute(Qt::WA_DeleteOnClose);
+    picker->open();
+}
+
+void PluginSlotView::contextMenuEvent(QContextMenuEvent* event) {
+    const session::PluginSlot* const slot = record();
+    if (slot == nullptr || (!slot->pluginName && !slot->component)) return;
+    const bool isLive = contentNow() == Content::loaded;
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (isLive)
+        menu->addAction(QStringLiteral("Open Editor"), this, [this] {
+            engine.openPluginEditor(slotIndex, stripID);
+        });
+    menu->addAction(QStringLiteral("Change Plugin…"), this, [this] { openPicker(); });
+    menu->addAction(
+        slot->bypassed ? QStringLiteral("Un-bypass") : QStringLiteral("Bypass"), this,
+        [this, bypassed = !slot->bypassed] { engine.setPluginBypassed(bypassed, slotIndex, stripID); }
+    );
+    menu->addAction(QStringLiteral("Remove"), this, [this] { engine.removePlugin(slotIndex, stripID); });
+    if (isLive) addPresetActions(*menu);
+    menu->popup(event->globalPos());
+}
+
+void PluginSlotView::addPresetActions(QMenu& menu) {
+    menu.addSeparator();
+    QMenu* const load = menu.addMenu(QStringLiteral("Load Preset"));
+    const session::PluginSlot* const slot = record();
+    if (slot != nullptr && slot->component)
+        for (const plugins::NamedPreset& preset : engine.pluginPresets(*slot->component))
+            load->addAction(menuText(preset.name), this, [this, preset] {
+                engine.applyPluginPreset(preset, slotIndex, stripID);
+            });
+    if (load->isEmpty()) load->addAction(QStringLiteral("No saved presets"))->setEnabled(false);
+    menu.addAction(QStringLiteral("Save Preset…"), this, [this] { askForPresetName(); });
+}
+
+void PluginSlotView::askForPresetName() {
+    const session::PluginSlot* const slot = record();
+    const QString name = slot != nullptr ? named(*slot, QStringLiteral("this plugin")) : QString();
+    const TextPrompt prompt{
+        .title = QStringLiteral("Save Preset"),
+        .message = QStringLiteral("Saves %1's current settings so you can recall them later on any insert "
+                                  "slot that loads the same plugin.")
+                       .arg(name),
+        .placeholder = QStringLiteral("Preset name"),
+        .text = {}};
+    askForText(this, prompt, [this](const QString& presetName) {
+        engine.savePluginPreset(presetName.toStdString(), slotIndex, stripID);
+    });
+}
+
+} // namespace orvane::ui

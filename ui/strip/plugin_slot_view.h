@@ -1,0 +1,61 @@
+#pragma once
+
+#include "engine/mixer_engine.h"
+#include "engine/session/plugin_slot.h"
+#include "platform/uuid.h"
+#include "plugins/plugin_load_state.h"
+#include "ui/strip/installed_components.h"
+
+#include <QAbstractButton>
+
+#include <cstddef>
+
+class QMenu;
+
+namespace orvane::ui {
+
+/// One insert slot of a strip: shows its plugin, and is where plugins are picked, edited, copied and pasted.
+/// Main thread.
+class PluginSlotView final : public QAbstractButton {
+  public:
+    /// `mixerEngine` and `installedComponents` outlive the view. The strip is the one at `strip` in the
+    /// engine's list, for good.
+    PluginSlotView(
+        engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t strip,
+        std::size_t slot, QWidget* parent = nullptr
+    );
+
+    /// Shows the slot as the engine has it now.
+    void refresh();
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    /// What is in the slot.
+    enum class Content { empty, notLive, loading, loaded, failed };
+
+    [[nodiscard]] const session::ChannelStrip* strip() const;
+    [[nodiscard]] const session::PluginSlot* record() const;
+    [[nodiscard]] const plugins::PluginLoadState* loadState() const;
+    [[nodiscard]] Content contentNow() const;
+    [[nodiscard]] QString helpNow() const;
+    void press();
+    void openPicker();
+    void addPresetActions(QMenu& menu);
+    void askForPresetName();
+
+    engine::MixerEngine& engine;
+    const InstalledComponents& components;
+    const std::size_t stripIndex;
+    const std::size_t slotIndex;
+    const platform::Uuid stripID;
+    Content content = Content::empty;
+    bool isBypassed = false;
+};
+
+} // namespace orvane::ui
