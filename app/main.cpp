@@ -1,5 +1,4 @@
 #include "app/command_line.h"
-#include "app/placeholder_mixer_view.h"
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
@@ -9,6 +8,7 @@
 #include "ui/theme/symbols.h"
 #include "ui/theme/theme.h"
 #include "ui/windows/orvane_app.h"
+#include "ui/windows/plugin_editor_windows.h"
 
 #include <QApplication>
 
@@ -74,6 +74,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
         audioMachine.log.flush();
         if (interrupt.isInterrupted()) QCoreApplication::exit();
     });
+    ui::PluginEditorWindows editorWindows;
     ui::ORVANEApp window(
         {.services =
              {.audioHardware = audioMachine.hardware(),
@@ -81,9 +82,9 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
               .mainThread = mainThread,
               .audioUnitHost = audioMachine.audioUnits(),
               .log = audioMachine.log,
-              .applicationSupport = platform::applicationSupportDirectory()},
-         .preferences = preferences,
-         .makeMixerView = app::makePlaceholderMixerView},
+              .applicationSupport = platform::applicationSupportDirectory(),
+              .editorWindows = &editorWindows},
+         .preferences = preferences},
         std::move(line.launch)
     );
     window.show();

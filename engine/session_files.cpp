@@ -12,8 +12,9 @@ platform::Result<session::MixerDocumentData> readSession(const std::filesystem::
     return std::move(read).value().data;
 }
 
-platform::Result<platform::Done> exportSession(const MixerEngine& engine, const std::filesystem::path& path) {
-    auto written = session::MixerJSONDocument{engine.makeDocumentData()}.write(path);
+platform::Result<platform::Done>
+exportSession(const session::MixerDocumentData& document, const std::filesystem::path& path) {
+    auto written = session::MixerJSONDocument{document}.write(path);
     if (!written) return platform::Error{"Export failed: " + written.error().description};
     return written;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
 #include "platform/result.h"
 
@@ -14,7 +13,8 @@ namespace orvane::engine {
 /// ones.
 platform::Result<session::MixerDocumentData> readSession(const std::filesystem::path& path);
 
-/// Writes the engine's session. Where it fails, a file that was there stays as it was. Main thread.
-platform::Result<platform::Done> exportSession(const MixerEngine& engine, const std::filesystem::path& path);
+/// Writes a session. Where it fails, a file that was there stays as it was. Any thread but the audio ones.
+platform::Result<platform::Done>
+exportSession(const session::MixerDocumentData& document, const std::filesystem::path& path);
 
 } // namespace orvane::engine

@@ -19,12 +19,8 @@ using namespace orvane::ui;
 class Shell : public testing::Test {
   protected:
     std::unique_ptr<ORVANEApp> launch(LaunchOptions options = {}) {
-        const auto makeMixerView = [this](engine::MixerEngine&, std::function<void()> onReconfigure) {
-            reconfigure = std::move(onReconfigure);
-            return std::make_unique<QWidget>();
-        };
         return std::make_unique<ORVANEApp>(
-            ORVANEApp::Parts{machine.services(), preferences, makeMixerView}, std::move(options)
+            ORVANEApp::Parts{machine.services(), preferences}, std::move(options)
         );
     }
 
@@ -37,7 +33,6 @@ class Shell : public testing::Test {
 
     MixerMachine machine;
     platform::InMemoryPreferences preferences;
-    std::function<void()> reconfigure;
 };
 
 TEST_F(Shell, AsksForASizeOnceAndAgainWhenTheUserWantsAnother) {
@@ -57,7 +52,8 @@ TEST_F(Shell, AsksForASizeOnceAndAgainWhenTheUserWantsAnother) {
     window->mixerRootView()->engine().setMuted(
         window->mixerRootView()->engine().state().channelStrips.get()[0].id, true
     );
-    reconfigure();
+    buttonOf(*window, "8 Channels").click();
+    buttonOf(*window, "Change Channel Count").click();
     EXPECT_TRUE(isChoosing(*window));
     EXPECT_EQ(preferences.integer("orvaneChannelCount"), 0);
     buttonOf(*window->centralWidget(), "8 channels").click();

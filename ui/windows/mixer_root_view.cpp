@@ -1,5 +1,6 @@
 #include "ui/windows/mixer_root_view.h"
 
+#include "ui/mixer/mixer_view.h"
 #include "ui/windows/status_bar_view.h"
 
 #include <QVBoxLayout>
@@ -9,11 +10,10 @@
 namespace orvane::ui {
 
 MixerRootView::MixerRootView(
-    std::size_t channelCount, const engine::Services& services, const MixerViewFactory& makeMixerView,
-    std::function<void()> onReconfigure
+    std::size_t channelCount, const engine::Services& services, std::function<void()> onReconfigure
 )
     : mixer(channelCount, services),
-      mixerView(makeMixerView(mixer, std::move(onReconfigure))),
+      mixerView(std::make_unique<MixerView>(mixer, std::move(onReconfigure))),
       statusBar(std::make_unique<StatusBarView>(mixer)) {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

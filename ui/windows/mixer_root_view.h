@@ -11,16 +11,12 @@
 
 namespace orvane::ui {
 
-/// Makes the view of a mixer. The function that it is given asks for another channel count.
-using MixerViewFactory =
-    std::function<std::unique_ptr<QWidget>(engine::MixerEngine& mixer, std::function<void()> onReconfigure)>;
-
 /// A session: owns its engine, and shows the mixer with the status bar below. Main thread.
 class MixerRootView final : public QWidget {
   public:
+    /// `onReconfigure` asks for another channel count.
     MixerRootView(
-        std::size_t channelCount, const engine::Services& services, const MixerViewFactory& makeMixerView,
-        std::function<void()> onReconfigure
+        std::size_t channelCount, const engine::Services& services, std::function<void()> onReconfigure
     );
     ~MixerRootView() override;
 

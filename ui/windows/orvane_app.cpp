@@ -101,10 +101,9 @@ void ORVANEApp::showContent() {
     if (channels < 1) {
         content = new ChannelCountPickerView({.onSelect = [this](int count) { setChannelCount(count); }});
     } else {
-        auto* const root = new MixerRootView(
-            static_cast<std::size_t>(channels), parts.services, parts.makeMixerView,
-            [this] { setChannelCount(0); }
-        );
+        auto* const root = new MixerRootView(static_cast<std::size_t>(channels), parts.services, [this] {
+            setChannelCount(0);
+        });
         problems = launch(root->engine(), parts.services.audioHardware, std::exchange(launchOptions, {}));
         content = root;
     }

@@ -22,7 +22,6 @@ class ORVANEApp final : public QMainWindow {
     struct Parts {
         engine::Services services;
         platform::Preferences& preferences;
-        MixerViewFactory makeMixerView;
     };
 
     /// `options` are those of the first session.

@@ -1,0 +1,264 @@
+#include "ui/mixer/mixer_view.h"
+
+#include "support/temporary_folder.h"
+#include "ui/controls/menu_picker.h"
+#include "ui/controls/value_field.h"
+#include "ui/controls/value_slider.h"
+#include "ui/sheets/device_settings_view.h"
+#include "ui/sheets/snapshots_view.h"
+#include "ui/strip/channel_strip_view.h"
+
+#include "mixer_machine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QScrollArea>
+#include <QTest>
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+using testing::ElementsAre;
+namespace output = session::output;
+namespace master_output = session::master_output;
+
+class Mixer : public testing::Test {
+  protected:
+    void build(std::size_t channels) {
+        view.reset();
+        engine = std::make_unique<engine::MixerEngine>(channels, machine.services());
+        view = std::make_unique<MixerView>(*engine, [this] { ++reconfigurations; });
+        view->resize(1280, 800);
+        view->show();
+        view->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
+    }
+    Mixer() { build(3); }
+
+    [[nodiscard]] const engine::EngineState& state() const { return engine->state(); }
+    void selectDevice() { engine->selectDevice(state().availableDevices.get().at(0)); }
+    QAbstractButton& button(const char* name) { return buttonOf(*view, name); }
+    /// The numbers of the strips in sight, counted from 1.
+    std::vector<int> inSight() {
+        std::vector<int> numbers;
+        for (const ChannelStripView* strip : viewsIn<ChannelStripView>(*view))
+            if (strip->isVisible()) numbers.push_back(strip->accessibleName().mid(8).toInt());
+        std::ranges::sort(numbers);
+        return numbers;
+    }
+    template <class Dialog>
+    Dialog* dialog() {
+        deleteWhatIsDone();
+        const auto open = viewsIn<Dialog>(*view);
+        return open.empty() ? nullptr : open.front();
+    }
+    ValueSlider& slider(const char* name) {
+        for (ValueSlider* each : viewsIn<ValueSlider>(*view))
+            if (each->accessibleName() == name) return *each;
+        throw std::runtime_error(name);
+    }
+    /// The text of the field beside a slider.
+    QString written(const char* name) {
+        for (const ValueField* each : viewsIn<ValueField>(*view))
+            if (each->accessibleName() == name) return each->text();
+        return {};
+    }
+    MenuPicker& masterOut() {
+        for (MenuPicker* each : viewsIn<MenuPicker>(*view))
+            if (each->accessibleName() == "Master Out") return *each;
+        throw std::runtime_error("Master Out");
+    }
+    void choosePath(const std::filesystem::path& path) {
+        auto* const files = dialog<QFileDialog>();
+        ASSERT_NE(files, nullptr);
+        files->selectFile(QString::fromStdString(path));
+        static_cast<QDialog*>(files)->done(QDialog::Accepted);
+        Q_EMIT files->fileSelected(QString::fromStdString(path));
+    }
+
+    MixerMachine machine;
+    int reconfigurations = 0;
+    std::unique_ptr<engine::MixerEngine> engine;
+    std::unique_ptr<MixerView> view;
+};
+
+TEST_F(Mixer, StartsAndStopsOnceADeviceIsSelected) {
+    EXPECT_EQ(state().availableDevices.get().size(), 2U);
+    EXPECT_FALSE(button("1:1").isEnabled());
+    EXPECT_FALSE(button("Start").isEnabled());
+    EXPECT_EQ(button("Start").toolTip(), "Select an audio device first.");
+    selectDevice();
+    EXPECT_EQ(button("Start").toolTip(), "Start the audio engine.");
+    EXPECT_TRUE(shows(*view, "Stopped"));
+    QAbstractButton& start = button("Start");
+    start.setFocus();
+    QTest::keyClick(&start, Qt::Key_Space);
+    EXPECT_FALSE(state().isRunning.get()) << "the space bar started it";
+    QTest::keyClick(&start, Qt::Key_Return);
+    EXPECT_TRUE(state().isRunning.get());
+    EXPECT_EQ(button("Stop").toolTip(), "Stop the audio engine.");
+    EXPECT_TRUE(shows(*view, "Running — Interface"));
+    QTest::keyClick(&start, Qt::Key_Space);
+    EXPECT_TRUE(state().isRunning.get()) << "the space bar stopped it";
+    button("Stop").click();
+    EXPECT_FALSE(state().isRunning.get());
+
+    engine->setInputChannel(state().channelStrips.get()[0].id, 3);
+    button("1:1").click();
+    EXPECT_EQ(state().channelStrips.get()[0].inputChannelIndex, 0);
+}
+
+TEST_F(Mixer, AsksBeforeItClearsOutputsOrStartsAfresh) {
+    selectDevice();
+    for (const bool goesAhead : {false, true}) {
+        button("Clear Outputs").click();
+        ASSERT_NE(dialog<QMessageBox>(), nullptr);
+        EXPECT_EQ(dialog<QMessageBox>()->text(), "Clear every channel's output?");
+        auto& question = *dialog<QMessageBox>();
+        buttonOf(question, goesAhead ? "Clear Outputs" : "Cancel").click();
+        EXPECT_EQ(state().channelStrips.get()[2].outputRouting == session::OutputRouting{}, goesAhead);
+        EXPECT_EQ(state().channelStrips.get()[2].inputChannelIndex, 2);
+        deleteWhatIsDone();
+
+        button("3 Channels").click();
+        ASSERT_NE(dialog<QMessageBox>(), nullptr);
+        EXPECT_EQ(dialog<QMessageBox>()->text(), "Change channel count?");
+        buttonOf(*dialog<QMessageBox>(), goesAhead ? "Change Channel Count" : "Cancel").click();
+        EXPECT_EQ(reconfigurations, goesAhead ? 1 : 0);
+    }
+    button("Snapshots").click();
+    ASSERT_NE(dialog<SnapshotsView>(), nullptr);
+    dialog<SnapshotsView>()->close();
+    button("Audio / MIDI Devices").click();
+    EXPECT_NE(dialog<DeviceSettingsView>(), nullptr);
+}
+
+TEST_F(Mixer, TurnsThePages) {
+    EXPECT_THAT(inSight(), ElementsAre(1, 2, 3));
+    EXPECT_THROW(button("16 at a Time"), std::runtime_error);
+    build(40);
+    EXPECT_EQ(inSight().size(), 16U);
+    EXPECT_EQ(viewsIn<ChannelStripView>(*view).size(), 16U) << "strips out of sight were made";
+    QTest::keyClick(view.get(), Qt::Key_PageDown);
+    EXPECT_EQ(inSight().front(), 17);
+    QTest::keyClick(view.get(), Qt::Key_PageDown);
+    QTest::keyClick(view.get(), Qt::Key_PageDown);
+    EXPECT_EQ(inSight().front(), 33);
+    EXPECT_EQ(inSight().back(), 40);
+    EXPECT_EQ(button("33-40").accessibleDescription(), "On");
+    button("32 (2 Rows)").click();
+    EXPECT_EQ(inSight().front(), 33) << "the last of two pages";
+    QTest::keyClick(view.get(), Qt::Key_PageUp);
+    EXPECT_EQ(inSight().size(), 32U);
+    const auto strips = viewsIn<ChannelStripView>(*view);
+    EXPECT_EQ(strips[16]->x(), strips[0]->x());
+    EXPECT_GT(strips[16]->y(), strips[0]->geometry().bottom());
+    button("All 40").click();
+    EXPECT_EQ(inSight().size(), 40U);
+}
+
+TEST_F(Mixer, SavesAndLoadsSessions) {
+    const TemporaryFolder folder;
+    const std::filesystem::path saved = folder / "show.orvane";
+    engine->setName(state().channelStrips.get()[0].id, "Before");
+    QTest::keyClick(view.get(), Qt::Key_S, Qt::ControlModifier);
+    engine->setName(state().channelStrips.get()[0].id, "After");
+    choosePath(saved);
+    QTest::keyClick(view.get(), Qt::Key_O, Qt::ControlModifier);
+    choosePath(folder / "none.orvane");
+    const auto message = [this]() -> QString {
+        for (const QLabel* label : view->findChildren<QLabel*>())
+            if (label->isVisible() && label->text().startsWith("Couldn't read that settings file: "))
+                return label->text();
+        return {};
+    };
+    EXPECT_TRUE(message().contains("none.orvane")) << message().toStdString();
+    deleteWhatIsDone();
+    button("Load").click();
+    choosePath(saved);
+    EXPECT_EQ(state().channelStrips.get()[0].name, "Before") << "not what there was when Save was pressed";
+    EXPECT_TRUE(message().isEmpty());
+    deleteWhatIsDone();
+    button("Save").click();
+    choosePath(folder / "missing" / "show.orvane");
+    bool isTold = false;
+    for (const QLabel* label : view->findChildren<QLabel*>())
+        isTold = isTold || (label->isVisible() && label->text().startsWith("Export failed: "));
+    EXPECT_TRUE(isTold);
+}
+
+TEST_F(Mixer, SetsTheMaster) {
+    struct Case {
+        const char* name;
+        const audio::Published<double>& value;
+        double lowest;
+        double highest;
+        double stepped;
+        const char* writtenAtHighest;
+    };
+    const engine::EngineState& now = state();
+    for (const Case& each :
+         {Case{"Target", now.masterTargetDB, -30.0, 0.0, -0.5, "0.0 dB"},
+          {"Lead", now.leadGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
+          {"Backing", now.backingGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
+          {"Ducker Speed", now.duckerReleaseMs, 50.0, 3000.0, 2941.0, "3000 ms"},
+          {"Input Volume", now.referenceNoiseGain, 0.0, 2.0, 1.96, "×2.00"}}) {
+        SCOPED_TRACE(each.name);
+        QTest::keyClick(&slider(each.name), Qt::Key_Home);
+        EXPECT_EQ(each.value.get(), each.lowest);
+        QTest::keyClick(&slider(each.name), Qt::Key_End);
+        EXPECT_EQ(each.value.get(), each.highest);
+        EXPECT_EQ(written(each.name), each.writtenAtHighest);
+        QTest::keyClick(&slider(each.name), Qt::Key_Down);
+        EXPECT_NEAR(each.value.get(), each.stepped, 1e-9);
+        EXPECT_FALSE(slider(each.name).toolTip().isEmpty());
+    }
+    QTest::mouseDClick(&slider("Ducker Speed"), Qt::LeftButton);
+    EXPECT_EQ(now.duckerReleaseMs.get(), 400.0);
+    engine->setDuckerReleaseMs(400.7);
+    EXPECT_EQ(written("Ducker Speed"), "400 ms");
+    QTest::mouseClick(&slider("Target"), Qt::LeftButton, {}, {75, 8});
+    EXPECT_EQ(now.masterTargetDB.get() * 2.0, std::round(now.masterTargetDB.get() * 2.0)) << "off its steps";
+}
+
+TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
+    const auto& routing = state().masterOutputRouting;
+    EXPECT_EQ(masterOut().count(), 1);
+    selectDevice();
+    EXPECT_EQ(masterOut().count(), 7);
+    Q_EMIT masterOut().activated(6);
+    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Mono{5}}));
+    buttonOf(*view, "Master stereo").click();
+    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Stereo{4, 5}}));
+    EXPECT_EQ(masterOut().count(), 4);
+    EXPECT_EQ(masterOut().currentText(), "5-6");
+    Q_EMIT masterOut().activated(1);
+    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Stereo{0, 1}}));
+    engine->selectMasterOutputDevice(state().availableDevices.get().at(1));
+    EXPECT_EQ(masterOut().count(), 2);
+    EXPECT_TRUE(shows(*view, "Monitor"));
+    Q_EMIT masterOut().activated(0);
+    EXPECT_EQ(routing.get(), session::MasterOutputRouting{});
+    EXPECT_EQ(masterOut().count(), 3) << "two outputs, once it is not stereo";
+}
+
+TEST_F(Mixer, ShowsAllThatItHasAtTheSmallestSizeOfTheWindow) {
+    build(8);
+    view->resize(900, 520);
+    QApplication::processEvents();
+    EXPECT_EQ(view->width(), 900);
+    for (const auto* each : view->findChildren<QAbstractButton*>("command"))
+        EXPECT_GE(each->width(), each->sizeHint().width()) << each->text().toStdString();
+    for (const auto* strip : viewsIn<ChannelStripView>(*view))
+        EXPECT_EQ(strip->width(), 140);
+}
+
+} // namespace

@@ -1,0 +1,126 @@
+#include "ui/mixer/channel_area.h"
+
+#include "ui/controls/console_button.h"
+#include "ui/controls/divider.h"
+#include "ui/controls/segmented_picker.h"
+#include "ui/controls/text_label.h"
+#include "ui/mixer/strip_rows.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int pickerWidth = 320;
+constexpr int pickerHeight = 28;
+constexpr int pageButtonWidth = 74;
+constexpr int padding = 12;
+constexpr int headerHeight = 46;
+constexpr int dividerHeight = 20;
+
+QStringList labelsOf(const ChannelLayout& layout, const std::vector<ChannelLayoutMode>& modes) {
+    QStringList labels;
+    for (const ChannelLayoutMode mode : modes)
+        labels.append(layout.label(mode));
+    return labels;
+}
+
+} // namespace
+
+ChannelArea::ChannelArea(
+    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, QWidget* parent
+)
+    : QWidget(parent),
+      shown({.channelCount = mixerEngine.state().channelStrips.get().size()}),
+      modes(shown.offeredModes()),
+      modePicker(new SegmentedPicker(
+          QStringLiteral("Channel layout"), labelsOf(shown, modes),
+          [this](int choice) { setLayoutMode(modes[static_cast<std::size_t>(choice)]); }
+      )),
+      pages(new QWidget),
+      fileErrorMessage(makeText({}, TextStyle::callout, theme::red)),
+      rows(new StripRows(mixerEngine, installedComponents)) {
+    fileErrorMessage->setContentsMargins(padding, padding, padding, 0);
+    fileErrorMessage->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    fileErrorMessage->hide();
+    auto* const lines = new QVBoxLayout(this);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(0);
+    lines->addWidget(makeHeader());
+    lines->addWidget(makeHorizontalDivider());
+    lines->addWidget(fileErrorMessage);
+    lines->addWidget(rows, 1);
+    if (std::ranges::find(modes, shown.mode) == modes.end()) shown.mode = modes.front();
+    showPages();
+}
+
+QWidget* ChannelArea::makeHeader() {
+    modePicker->setToolTip(QStringLiteral("Switch which channels are shown."));
+    modePicker->setFixedSize(pickerWidth, pickerHeight);
+    pages->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    auto* const pageRow = new QHBoxLayout(pages);
+    pageRow->setContentsMargins(0, 0, 0, 0);
+    pageRow->setSpacing(6);
+    pageRow->addWidget(makeVerticalDivider(dividerHeight));
+    pageRow->addSpacing(6);
+    auto* const header = new QWidget;
+    header->setFixedHeight(headerHeight);
+    auto* const row = new QHBoxLayout(header);
+    row->setContentsMargins(padding, 0, padding, 0);
+    row->setSpacing(padding);
+    row->addWidget(modePicker);
+    row->addWidget(pages);
+    row->addStretch();
+    return header;
+}
+
+void ChannelArea::setLayoutMode(ChannelLayoutMode mode) {
+    if (mode == shown.mode) return;
+    shown.mode = mode;
+    // The page is kept where the new mode has no pages.
+    if (shown.isPaged()) shown.page = std::min(shown.page, shown.pageCount() - 1);
+    showPages();
+}
+
+void ChannelArea::setPage(std::size_t page) {
+    if (page == shown.page || page >= shown.pageCount()) return;
+    shown.page = page;
+    arrange();
+}
+
+void ChannelArea::turn(bool forwards) {
+    if (!shown.isPaged()) return rows->scrollSideways(forwards);
+    if (forwards || shown.page > 0) setPage(forwards ? shown.page + 1 : shown.page - 1);
+}
+
+void ChannelArea::setFileErrorMessage(const std::optional<std::string>& sentence) {
+    fileErrorMessage->setText(QString::fromStdString(sentence.value_or("")));
+    fileErrorMessage->setVisible(sentence.has_value());
+}
+
+void ChannelArea::showPages() {
+    modePicker->setCurrent(static_cast<int>(std::ranges::find(modes, shown.mode) - modes.begin()));
+    for (ConsoleButton* button : pageButtons)
+        delete button;
+    pageButtons.clear();
+    for (std::size_t page = 0; shown.isPaged() && page < shown.pageCount(); ++page) {
+        auto* const button = new ConsoleButton(shown.pageTitle(page), [this, page] { setPage(page); });
+        button->setFixedWidth(pageButtonWidth);
+        pages->layout()->addWidget(button);
+        pageButtons.push_back(button);
+    }
+    pages->setVisible(shown.isPaged());
+    arrange();
+}
+
+void ChannelArea::arrange() {
+    for (std::size_t page = 0; page < pageButtons.size(); ++page)
+        pageButtons[page]->setActive(page == shown.page);
+    rows->arrange(shown.rows());
+}
+
+} // namespace orvane::ui

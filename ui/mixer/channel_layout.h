@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+#include <vector>
+
+namespace orvane::ui {
+
+/// How the strips are arranged.
+enum class ChannelLayoutMode { all, paginated, twoRows };
+
+/// The strips from `first` up to, not including, `end`. A plain value.
+struct StripRange {
+    std::size_t first = 0;
+    std::size_t end = 0;
+
+    bool operator==(const StripRange&) const = default;
+};
+
+/// Which strips a mixer of so many channels shows where. A plain value.
+struct ChannelLayout {
+    std::size_t channelCount = 0;
+    ChannelLayoutMode mode = ChannelLayoutMode::paginated;
+    std::size_t page = 0;
+
+    bool operator==(const ChannelLayout&) const = default;
+
+    /// The modes that such a mixer offers, in order; the first is always there.
+    [[nodiscard]] std::vector<ChannelLayoutMode> offeredModes() const;
+    [[nodiscard]] bool isPaged() const { return mode != ChannelLayoutMode::all; }
+    [[nodiscard]] std::size_t pageCount() const;
+    [[nodiscard]] StripRange stripsOf(std::size_t pageIndex) const;
+    /// The strips in sight, a range for each row.
+    [[nodiscard]] std::vector<StripRange> rows() const;
+
+    [[nodiscard]] QString label(ChannelLayoutMode of) const;
+    /// The first and the last channel of a page, counted from 1.
+    [[nodiscard]] QString pageTitle(std::size_t pageIndex) const;
+
+  private:
+    [[nodiscard]] std::size_t pageSize() const;
+};
+
+} // namespace orvane::ui

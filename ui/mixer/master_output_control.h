@@ -1,0 +1,36 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+#include "ui/strip/routing_picker.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class QLabel;
+
+namespace orvane::ui {
+
+class ConsoleButton;
+
+/// Where the master bus goes. Main thread.
+class MasterOutputControl final : public QWidget {
+  public:
+    /// `mixerEngine` outlives the view.
+    explicit MasterOutputControl(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+
+  private:
+    void refresh();
+    void choose(std::optional<std::int64_t> channel);
+    [[nodiscard]] bool isStereo() const;
+
+    engine::MixerEngine& engine;
+    QLabel* const device;
+    RoutingPicker output;
+    ConsoleButton* const stereo;
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

@@ -1,0 +1,90 @@
+#include "ui/mixer/strip_rows.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace orvane::ui {
+
+namespace {
+
+constexpr int padding = 12;
+constexpr int spacing = 12;
+
+} // namespace
+
+StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents)
+    : engine(mixerEngine),
+      components(installedComponents),
+      content(new QWidget),
+      strips(mixerEngine.state().channelStrips.get().size(), nullptr) {
+    setFrameShape(QFrame::NoFrame);
+    setAccessibleName(QStringLiteral("Channels"));
+    // A click beside the controls ends what is being typed.
+    content->setFocusPolicy(Qt::ClickFocus);
+    setFocusPolicy(Qt::NoFocus);
+    setWidget(content);
+}
+
+ChannelStripView& StripRows::stripAt(std::size_t index) {
+    if (strips[index] == nullptr) {
+        strips[index] = new ChannelStripView(engine, components, index, content);
+        strips[index]->resize(strips[index]->sizeHint());
+    }
+    return *strips[index];
+}
+
+void StripRows::arrange(const std::vector<StripRange>& rows) {
+    setUpdatesEnabled(false);
+    const auto isInSight = [&rows](std::size_t index) {
+        return std::ranges::any_of(rows, [index](const StripRange& row) {
+            return row.first <= index && index < row.end;
+        });
+    };
+    for (std::size_t index = 0; index < strips.size(); ++index)
+        if (strips[index] != nullptr && !isInSight(index)) strips[index]->hide();
+    QSize size(0, padding);
+    QWidget* before = nullptr;
+    for (const StripRange& row : rows) {
+        int left = padding;
+        int bottom = size.height();
+        for (std::size_t index = row.first; index < row.end; ++index) {
+            ChannelStripView& strip = stripAt(index);
+            strip.move(left, size.height());
+            left += strip.width() + spacing;
+            bottom = std::max(bottom, strip.geometry().bottom() + 1 + spacing);
+            strip.show();
+            if (before != nullptr) QWidget::setTabOrder(before, &strip);
+            before = &strip;
+        }
+        size = {std::max(size.width(), left - spacing + padding), bottom};
+    }
+    content->resize(size.width(), size.height() - spacing + padding);
+    horizontalScrollBar()->setValue(0);
+    verticalScrollBar()->setValue(0);
+    setUpdatesEnabled(true);
+}
+
+void StripRows::scrollSideways(bool toTheRight) {
+    horizontalScrollBar()->triggerAction(
+        toTheRight ? QScrollBar::SliderPageStepAdd : QScrollBar::SliderPageStepSub
+    );
+}
+
+void StripRows::wheelEvent(QWheelEvent* event) {
+    // Where nothing is above or below, the wheel moves sideways.
+    if (verticalScrollBar()->maximum() == 0 && event->angleDelta().x() == 0)
+        QCoreApplication::sendEvent(horizontalScrollBar(), event);
+    else
+        QScrollArea::wheelEvent(event);
+}
+
+void StripRows::keyPressEvent(QKeyEvent* event) {
+    // Keys that no control has taken are the mixer's, not the scroll bars'.
+    event->ignore();
+}
+
+} // namespace orvane::ui

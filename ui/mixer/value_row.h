@@ -1,0 +1,58 @@
+#pragma once
+
+#include "audio/published.h"
+#include "ui/controls/value_field.h"
+#include "ui/controls/value_slider.h"
+
+#include <functional>
+#include <utility>
+
+namespace orvane::ui {
+
+/// A slider and its value in writing, both for one published value. The widgets belong to the layout that
+/// they are put into.
+class ValueRow final {
+  public:
+    struct Style {
+        ValueSlider::Range range;
+        int sliderWidth = 160;
+        int valueWidth = 56;
+        std::function<QString(double)> write;
+        QString help;
+    };
+
+    /// `published` outlives the row. `onChange` gets every value that the user sets.
+    ValueRow(
+        const QString& name, const Style& style, const audio::Published<double>& published,
+        const std::function<void(double)>& onChange
+    )
+        : slider(new ValueSlider(name, style.range, onChange)),
+          value(new ValueField(
+              name,
+              {.write = style.write,
+               .lowest = style.range.lowest,
+               .highest = style.range.highest,
+               .width = style.valueWidth},
+              onChange
+          )),
+          subscription(published.subscribe([this](double now) { show(now); })) {
+        slider->setFixedWidth(style.sliderWidth);
+        slider->setToolTip(style.help);
+        show(published.get());
+    }
+    ValueRow(const ValueRow&) = delete;
+    ValueRow& operator=(const ValueRow&) = delete;
+
+    ValueSlider* const slider;
+    ValueField* const value;
+
+  private:
+    void show(double now) {
+        slider->setValue(now);
+        value->setValue(now);
+    }
+
+    audio::Subscription subscription;
+};
+
+} // namespace orvane::ui
