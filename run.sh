@@ -6,9 +6,10 @@ if [ "${1:-}" = --help ]; then
     cat <<'END'
 Usage: ./run.sh [ARGS]
 
-Installs the packages that are missing, builds ORVANE and starts orvane-cli with ARGS
-(./run.sh run --help and ./run.sh render --help say more). Without ARGS it mixes live on the first usable audio
-device, or the built-in demo panel where there is none, and shows meters until Ctrl-C.
+Installs the packages that are missing, builds ORVANE and starts it with ARGS: the window (orvane), or orvane-cli
+where ARGS begin with one of its subcommands (devices, midi, plugins, render, run, session). Without a display and
+without ARGS it mixes live in the terminal, on the first usable audio device or the built-in demo panel, until Ctrl-C.
+./run.sh SUBCOMMAND --help and build/release/bin/orvane --help say more.
 END
     exit 0
 fi
@@ -22,7 +23,12 @@ else
     "$root/scripts/build.sh" release ORVANE_BUILD_TESTS=OFF ORVANE_BUILD_BENCH=OFF
 fi
 
-program=$root/build/release/bin/orvane-cli
-[ $# -eq 0 ] || exec "$program" "$@"
-echo "Mixing live with meters in the terminal; Ctrl-C ends it." >&2
-exec "$program" run
+programs=$root/build/release/bin
+case "${1:-}" in
+devices | midi | plugins | render | run | session) exec "$programs/orvane-cli" "$@" ;;
+esac
+if [ $# -eq 0 ] && [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    echo "There is no display: mixing live with meters in the terminal; Ctrl-C ends it." >&2
+    exec "$programs/orvane-cli" run
+fi
+exec "$programs/orvane" "$@"
