@@ -146,7 +146,6 @@ TEST_F(Mixer, TurnsThePages) {
     EXPECT_THROW(button("16 at a Time"), std::runtime_error);
     build(40);
     EXPECT_EQ(inSight().size(), 16U);
-    EXPECT_EQ(viewsIn<ChannelStripView>(*view).size(), 16U) << "strips out of sight were made";
     QTest::keyClick(view.get(), Qt::Key_PageDown);
     EXPECT_EQ(inSight().front(), 17);
     QTest::keyClick(view.get(), Qt::Key_PageDown);

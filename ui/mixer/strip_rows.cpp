@@ -17,24 +17,18 @@ constexpr int spacing = 12;
 } // namespace
 
 StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents)
-    : engine(mixerEngine),
-      components(installedComponents),
-      content(new QWidget),
-      strips(mixerEngine.state().channelStrips.get().size(), nullptr) {
+    : content(new QWidget) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Channels"));
     // A click beside the controls ends what is being typed.
     content->setFocusPolicy(Qt::ClickFocus);
     setFocusPolicy(Qt::NoFocus);
     setWidget(content);
-}
-
-ChannelStripView& StripRows::stripAt(std::size_t index) {
-    if (strips[index] == nullptr) {
-        strips[index] = new ChannelStripView(engine, components, index, content);
-        strips[index]->resize(strips[index]->sizeHint());
+    for (std::size_t index = 0; index < mixerEngine.state().channelStrips.get().size(); ++index) {
+        strips.push_back(new ChannelStripView(mixerEngine, installedComponents, index, content));
+        strips.back()->resize(strips.back()->sizeHint());
+        strips.back()->hide();
     }
-    return *strips[index];
 }
 
 void StripRows::arrange(const std::vector<StripRange>& rows) {
@@ -45,20 +39,17 @@ void StripRows::arrange(const std::vector<StripRange>& rows) {
         });
     };
     for (std::size_t index = 0; index < strips.size(); ++index)
-        if (strips[index] != nullptr && !isInSight(index)) strips[index]->hide();
+        if (!isInSight(index)) strips[index]->hide();
     QSize size(0, padding);
-    QWidget* before = nullptr;
     for (const StripRange& row : rows) {
         int left = padding;
         int bottom = size.height();
         for (std::size_t index = row.first; index < row.end; ++index) {
-            ChannelStripView& strip = stripAt(index);
+            ChannelStripView& strip = *strips[index];
             strip.move(left, size.height());
             left += strip.width() + spacing;
             bottom = std::max(bottom, strip.geometry().bottom() + 1 + spacing);
             strip.show();
-            if (before != nullptr) QWidget::setTabOrder(before, &strip);
-            before = &strip;
         }
         size = {std::max(size.width(), left - spacing + padding), bottom};
     }

@@ -12,8 +12,8 @@
 
 namespace orvane::ui {
 
-/// The strips in sight, in rows, scrolled where they do not fit. A strip is made when it first comes into
-/// sight and kept, so that turning back to it costs nothing. Main thread.
+/// The strips in sight, in rows, scrolled where they do not fit. All strips are made at once and kept, so
+/// that no page takes time to turn to; those out of sight do nothing. Main thread.
 class StripRows final : public QScrollArea {
   public:
     /// `mixerEngine` and `installedComponents` outlive the view.
@@ -25,18 +25,11 @@ class StripRows final : public QScrollArea {
     /// Moves by what is in sight, to the right or to the left.
     void scrollSideways(bool toTheRight);
 
-    /// The view of a strip; null where it has not been in sight yet.
-    [[nodiscard]] ChannelStripView* strip(std::size_t index) const { return strips[index]; }
-
   protected:
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    ChannelStripView& stripAt(std::size_t index);
-
-    engine::MixerEngine& engine;
-    const InstalledComponents& components;
     QWidget* const content;
     /// By their place in the engine's list.
     std::vector<ChannelStripView*> strips;
