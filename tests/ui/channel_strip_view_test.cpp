@@ -109,7 +109,7 @@ TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
     const auto pickers = viewsIn<SegmentedPicker>(view);
     pickers.at(0)->segment(2).click();
     EXPECT_EQ(strip().genderMode, dsp::GenderTriggerMode::female);
-    QTest::keyClick(&pickers.at(0)->segment(2), Qt::Key_Left);
+    QTest::keyClick(pickers.at(0), Qt::Key_Left);
     EXPECT_EQ(strip().genderMode, dsp::GenderTriggerMode::male);
     pickers.at(1)->segment(1).click();
     EXPECT_EQ(strip().vocalRole, dsp::VocalRole::lead);

@@ -9,6 +9,7 @@ namespace orvane::ui {
 MenuPicker::MenuPicker(const QString& name, int width, std::function<void(int)> onChoose) {
     setAccessibleName(name);
     setFixedWidth(width);
+    setFocusPolicy(Qt::TabFocus);
     connect(this, &QComboBox::activated, this, std::move(onChoose));
 }
 

@@ -9,7 +9,7 @@
 namespace orvane::ui {
 
 /// A menu of choices that shows the current one. The wheel over it scrolls what it stands in and chooses
-/// nothing, because a choice may interrupt the sound.
+/// nothing, and a click does not leave the keys to it, because a choice may interrupt the sound.
 class MenuPicker final : public QComboBox {
   public:
     /// `onChoose` gets the place of what the user chose. `name`: for screen readers.

@@ -46,19 +46,11 @@ class Segment final : public QAbstractButton {
         QColor fill = isChecked() ? checkedFill : theme::raised;
         if (isEnabled() && underMouse()) fill = fill.lighter(115);
         painter.setBrush(fill);
-        painter.setPen(QPen(hasFocus() ? theme::accent : theme::divider, 1.0));
+        painter.setPen(QPen(parentWidget()->hasFocus() ? theme::accent : theme::divider, 1.0));
         painter.drawRoundedRect(outline, cornerRadius, cornerRadius);
         if (!isFirst) painter.drawLine(QPointF(0.5, 1.0), QPointF(0.5, height() - 1.0));
         painter.setPen(isChecked() ? theme::primaryText : theme::secondaryText);
         painter.drawText(rect(), Qt::AlignCenter, text());
-    }
-
-    void keyPressEvent(QKeyEvent* event) override {
-        // The arrows choose, which is the whole picker's doing.
-        if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)
-            event->ignore();
-        else
-            QAbstractButton::keyPressEvent(event);
     }
 
   private:
@@ -74,13 +66,14 @@ SegmentedPicker::SegmentedPicker(
 )
     : QWidget(parent), changed(std::move(onChoose)) {
     setAccessibleName(name);
+    setFocusPolicy(Qt::TabFocus);
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     for (int choice = 0; choice < choices.size(); ++choice) {
         auto* const segment = new Segment(choices[choice], choice == 0, choice + 1 == choices.size(), this);
         segment->setAccessibleName(QStringLiteral("%1 %2").arg(name, choices[choice]));
-        segment->setFocusPolicy(choice == 0 ? Qt::TabFocus : Qt::NoFocus);
+        segment->setFocusPolicy(Qt::NoFocus);
         connect(segment, &QAbstractButton::clicked, this, [this, choice] { choose(choice); });
         segments.push_back(segment);
         row->addWidget(segment);
@@ -90,10 +83,9 @@ SegmentedPicker::SegmentedPicker(
 void SegmentedPicker::setCurrent(int choice) {
     if (choice == chosen) return;
     chosen = choice;
-    for (int i = 0; i < static_cast<int>(segments.size()); ++i) {
+    for (int i = 0; i < static_cast<int>(segments.size()); ++i)
         segment(i).setChecked(i == chosen);
-        segment(i).setFocusPolicy(i == chosen ? Qt::TabFocus : Qt::NoFocus);
-    }
+    setAccessibleDescription(segment(chosen).text());
 }
 
 void SegmentedPicker::setNeutral(int choice) {
@@ -107,7 +99,14 @@ void SegmentedPicker::keyPressEvent(QKeyEvent* event) {
     if ((!isBack && event->key() != Qt::Key_Right) || next < 0 || next > last)
         return QWidget::keyPressEvent(event);
     choose(next);
-    segment(chosen).setFocus();
+}
+
+void SegmentedPicker::focusInEvent(QFocusEvent*) {
+    update();
+}
+
+void SegmentedPicker::focusOutEvent(QFocusEvent*) {
+    update();
 }
 
 void SegmentedPicker::choose(int choice) {
