@@ -144,8 +144,9 @@ void ParameterRow::choose(double value) {
 }
 
 void ParameterRow::refresh() {
-    const float now = parameter.value();
     const AUParameterInfo& info = parameter.info();
+    // A plugin's meter may come out as anything.
+    const float now = std::isfinite(parameter.value()) ? parameter.value() : info.minValue;
     if (now == shownValue && info.minValue == shownMin && info.maxValue == shownMax) return;
     shownValue = now;
     shownMin = info.minValue;
