@@ -6,9 +6,12 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QToolTip>
 
+#include <algorithm>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -70,6 +73,23 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_EQ(told->valueInterface()->maximumValue(), 2.0);
     told->valueInterface()->setCurrentValue(0.5);
     EXPECT_EQ(chosen.back(), 0.5);
+}
+
+TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
+    QWidget widget;
+    widget.setToolTip(QStringLiteral("A <b>word</b> & ") + QStringLiteral("more of them ").repeated(60));
+    widget.show();
+    QHelpEvent event(QEvent::ToolTip, {1, 1}, {1, 1});
+    QApplication::sendEvent(&widget, &event);
+    const auto windows = QApplication::topLevelWidgets();
+    const auto shown = std::ranges::find_if(windows, [](const QWidget* each) {
+        return each->windowFlags().testFlag(Qt::ToolTip) && each->isVisible();
+    });
+    ASSERT_NE(shown, windows.end());
+    EXPECT_TRUE(QToolTip::text().contains("A &lt;b&gt;word&lt;/b&gt; &amp; more"))
+        << QToolTip::text().toStdString();
+    EXPECT_LT((*shown)->width(), 1000);
+    QToolTip::hideText();
 }
 
 TEST(ConsoleButton, DoesNothingWhileItIsDisabled) {
