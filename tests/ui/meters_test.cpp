@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include <cmath>
@@ -85,6 +87,39 @@ TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
     EXPECT_EQ(first.levelMeter().litSegments(), 18);
     first.show();
     EXPECT_EQ(first.levelMeter().litSegments(), 0);
+}
+
+/// Adds up what a widget is asked to repaint.
+struct RepaintLog final : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+
+    QRegion region;
+};
+
+TEST(Meters, RepaintWhatChangesAndNothingElse) {
+    MeterView meter(20);
+    meter.resize(18, 150);
+    meter.show();
+    QApplication::processEvents();
+    RepaintLog log;
+    meter.installEventFilter(&log);
+    const auto repaintedFor = [&](double level) {
+        log.region = {};
+        meter.setLevel(level);
+        QApplication::processEvents();
+        return log.region.boundingRect();
+    };
+    const auto segments = layOutSegments({18.0, 150.0}, 20, 2.0, MeterOrigin::bottom);
+    const auto reach = [&](std::size_t first, std::size_t last) {
+        return segments[first].united(segments[last]).toAlignedRect();
+    };
+    EXPECT_EQ(repaintedFor(1.0), reach(0, 17));
+    EXPECT_EQ(repaintedFor(1.0), QRect());
+    EXPECT_EQ(repaintedFor(0.5), reach(15, 17));
+    EXPECT_EQ(repaintedFor(0.6), reach(15, 15));
 }
 
 } // namespace

@@ -14,7 +14,7 @@ SegmentMeter::SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* p
 
 void SegmentMeter::setLit(int segmentsToLight) {
     if (segmentsToLight == lit) return;
-    const auto [first, last] = std::minmax(segmentsToLight, lit);
+    const auto [first, last] = std::minmax({segmentsToLight, lit});
     lit = segmentsToLight;
     repaintSegments(first, last);
 }
