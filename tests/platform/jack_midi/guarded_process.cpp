@@ -4,8 +4,8 @@
 #include <jack/jack.h>
 
 #include <atomic>
+#include <deque>
 #include <mutex>
-#include <vector>
 
 // Stands before libjack's function of the same name in this program, so that every process callback runs
 // under the allocation guard.
@@ -32,9 +32,10 @@ int runGuarded(jack_nframes_t frameCount, void* callback) {
 /// libjack calls what it was given until its client has closed, which nobody here hears of: they are kept.
 void* keep(const Callback& callback) {
     static std::mutex mutex;
-    static std::vector<Callback*> kept;
+    // Never destroyed: callbacks may still come while the program ends.
+    static auto* const kept = new std::deque<Callback>;
     const std::scoped_lock lock(mutex);
-    return kept.emplace_back(new Callback(callback));
+    return &kept->emplace_back(callback);
 }
 
 } // namespace
