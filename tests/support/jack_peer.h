@@ -40,8 +40,7 @@ class JackPeer final {
     bool setBufferSize(std::uint32_t frameCount);
 
   private:
-    /// What orders it and the client under test is the server, which ThreadSanitizer does not see.
-    [[gnu::no_sanitize("thread")]] static int process(jack_nframes_t frameCount, void* self) noexcept;
+    static int process(jack_nframes_t frameCount, void* self) noexcept;
 
     std::string uniqueName;
     jack_client_t* client;
