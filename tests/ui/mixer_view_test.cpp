@@ -13,13 +13,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QProgressDialog>
 #include <QScrollArea>
 #include <QTest>
 
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -82,6 +84,30 @@ class Mixer : public testing::Test {
         files->selectFile(QString::fromStdString(path));
         static_cast<QDialog*>(files)->done(QDialog::Accepted);
         Q_EMIT files->fileSelected(QString::fromStdString(path));
+    }
+    /// Once nothing is being read or written any more.
+    void waitForFiles() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return viewsIn<QProgressDialog>(*view).empty(); }));
+        deleteWhatIsDone();
+        view->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
+    }
+    /// The message above the strips that begins so, nothing if there is none.
+    QString message(const char* beginning) {
+        for (const QLabel* label : view->findChildren<QLabel*>())
+            if (label->isVisible() && label->text().startsWith(beginning)) return label->text();
+        return {};
+    }
+    void drop(const QList<QUrl>& files, bool isTaken) {
+        QMimeData dragged;
+        dragged.setUrls(files);
+        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(view.get(), &enter);
+        ASSERT_EQ(enter.isAccepted(), isTaken);
+        if (!isTaken) return;
+        QDropEvent dropped({9, 9}, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(view.get(), &dropped);
+        waitForFiles();
     }
 
     MixerMachine machine;
@@ -167,31 +193,66 @@ TEST_F(Mixer, TurnsThePages) {
 TEST_F(Mixer, SavesAndLoadsSessions) {
     const TemporaryFolder folder;
     const std::filesystem::path saved = folder / "show.orvane";
-    engine->setName(state().channelStrips.get()[0].id, "Before");
+    SessionFile& file = view->sessionFile();
+    EXPECT_FALSE(file.isUnsaved());
+    const auto rename = [this](const char* name) {
+        engine->setName(state().channelStrips.get()[0].id, name);
+    };
+    const auto name = [this] { return state().channelStrips.get()[0].name; };
+    rename("Before");
+    EXPECT_TRUE(file.isUnsaved());
     QTest::keyClick(view.get(), Qt::Key_S, Qt::ControlModifier);
-    engine->setName(state().channelStrips.get()[0].id, "After");
+    rename("After");
     choosePath(saved);
+    waitForFiles();
+    EXPECT_TRUE(file.isUnsaved()) << "what was changed while the dialog was open is not in the file";
     QTest::keyClick(view.get(), Qt::Key_O, Qt::ControlModifier);
     choosePath(folder / "none.orvane");
-    const auto message = [this]() -> QString {
-        for (const QLabel* label : view->findChildren<QLabel*>())
-            if (label->isVisible() && label->text().startsWith("Couldn't read that settings file: "))
-                return label->text();
-        return {};
-    };
-    EXPECT_TRUE(message().contains("none.orvane")) << message().toStdString();
-    deleteWhatIsDone();
+    waitForFiles();
+    const char* const unreadable = "Couldn't read that settings file: ";
+    EXPECT_TRUE(message(unreadable).contains("none.orvane")) << message(unreadable).toStdString();
+
     button("Load").click();
     choosePath(saved);
-    EXPECT_EQ(state().channelStrips.get()[0].name, "Before") << "not what there was when Save was pressed";
-    EXPECT_TRUE(message().isEmpty());
-    deleteWhatIsDone();
+    waitForFiles();
+    ASSERT_NE(dialog<QMessageBox>(), nullptr) << "unsaved changes would have been lost";
+    buttonOf(*dialog<QMessageBox>(), "Cancel").click();
+    EXPECT_EQ(name(), "After");
+    const QUrl url = QUrl::fromLocalFile(QString::fromStdString(saved));
+    drop({url, url}, false);
+    drop({QUrl("http://host/show.orvane")}, false);
+    drop({QUrl::fromLocalFile("/notes.txt")}, false);
+    drop({url}, true);
+    buttonOf(*dialog<QMessageBox>(), "Load").click();
+    EXPECT_EQ(name(), "Before") << "not what there was when Save was pressed";
+    EXPECT_FALSE(file.isUnsaved());
+    EXPECT_TRUE(message(unreadable).isEmpty());
+
+    rename("Later");
+    drop({url}, true);
+    buttonOf(*dialog<QMessageBox>(), "Save First…").click();
+    choosePath(folder / "later.orvane");
+    waitForFiles();
+    EXPECT_EQ(name(), "Before");
+    EXPECT_TRUE(std::filesystem::exists(folder / "later.orvane"));
     button("Save").click();
     choosePath(folder / "missing" / "show.orvane");
-    bool isTold = false;
-    for (const QLabel* label : view->findChildren<QLabel*>())
-        isTold = isTold || (label->isVisible() && label->text().startsWith("Export failed: "));
-    EXPECT_TRUE(isTold);
+    waitForFiles();
+    EXPECT_FALSE(message("Export failed: ").isEmpty());
+}
+
+TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
+    const platform::Uuid strip = state().channelStrips.get()[1].id;
+    engine->loadPlugin(machine.effect, 0, strip);
+    machine.mainThread.runPosted();
+    const session::MixerDocumentData document = engine->makeDocumentData();
+    engine->removePlugin(0, strip);
+    bool isThere = false;
+    view->sessionFile().apply(document, [&] { isThere = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
+    machine.mainThread.runPosted();
+    EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);
+    EXPECT_FALSE(view->sessionFile().isUnsaved());
 }
 
 TEST_F(Mixer, SetsTheMaster) {

@@ -2,19 +2,29 @@
 
 #include "ui/windows/channel_count_picker_view.h"
 
+#include "support/temporary_folder.h"
+
 #include "mixer_machine.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QProgressDialog>
+#include <QTest>
+
+#include <filesystem>
 
 namespace {
 
 using namespace orvane;
 using namespace orvane::test;
 using namespace orvane::ui;
+using testing::ElementsAre;
+using testing::ResultOf;
 
 class Shell : public testing::Test {
   protected:
@@ -77,14 +87,26 @@ TEST_F(Shell, IsNeverSmallerThanItsContentAndOpensWhereItWas) {
 
 TEST_F(Shell, HasTheMenus) {
     const auto window = launch();
-    QStringList items;
-    for (const QAction* menu : window->menuBar()->actions())
-        for (const QAction* item : menu->menu()->actions())
-            if (!item->isSeparator()) items.append(item->text());
-    ASSERT_EQ(items.size(), 4);
-    EXPECT_EQ(items[0], "About ORVANE");
-    EXPECT_EQ(items[2], "ORVANE Help");
-    EXPECT_TRUE(items[3].contains("support@"));
+    const auto items = [&] {
+        QStringList texts;
+        for (const QAction* menu : window->menuBar()->actions())
+            for (const QAction* item : menu->menu()->actions())
+                if (menu->isVisible() && !item->isSeparator()) texts.append(item->text());
+        return texts;
+    };
+    EXPECT_THAT(
+        items(), ElementsAre(
+                     "About ORVANE", "Quit ORVANE", "ORVANE Help",
+                     ResultOf([](const QString& text) { return text.contains("support@"); }, true)
+                 )
+    );
+    buttonOf(*window, "8 channels").click();
+    EXPECT_THAT(
+        items().mid(2, 8),
+        ElementsAre(
+            "1:1", "Clear Outputs", "Snapshots", "Load", "Save", "Audio / MIDI Devices", "8 Channels", "Start"
+        )
+    );
 }
 
 TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
@@ -110,15 +132,40 @@ TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
     EXPECT_TRUE(alert->informativeText().contains("virtual:none"));
 }
 
-TEST_F(Shell, AsksBeforeItClosesOverRunningAudio) {
-    const auto window = launch({.channels = 2, .start = true});
+TEST_F(Shell, AsksBeforeItClosesOverRunningAudioOrAnUnsavedSession) {
+    for (const bool isRunning : {false, true})
+        for (const bool isUnsaved : {false, true}) {
+            const auto window = launch({.channels = 2, .device = "virtual:interface", .start = isRunning});
+            window->show();
+            engine::MixerEngine& engine = window->mixerRootView()->engine();
+            if (isUnsaved) engine.setMasterTargetDB(-3.0);
+            EXPECT_EQ(window->close(), !isRunning && !isUnsaved);
+            auto* const question = window->findChild<QMessageBox*>();
+            ASSERT_EQ(question != nullptr, isRunning || isUnsaved);
+            if (question == nullptr) continue;
+            EXPECT_EQ(question->informativeText().contains("running"), isRunning);
+            EXPECT_EQ(question->informativeText().contains("saved"), isUnsaved);
+            EXPECT_EQ(engine.state().isRunning.get(), isRunning);
+            buttonOf(*question, isUnsaved ? "Quit Without Saving" : "Quit").click();
+            EXPECT_FALSE(window->isVisible());
+        }
+}
+
+TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
+    const TemporaryFolder folder;
+    const auto window = launch({.channels = 2});
     window->show();
+    window->mixerRootView()->engine().setMasterTargetDB(-3.0);
     EXPECT_FALSE(window->close());
-    auto* const question = window->findChild<QMessageBox*>();
-    ASSERT_NE(question, nullptr);
-    EXPECT_TRUE(window->mixerRootView()->engine().state().isRunning.get());
-    buttonOf(*question, "Quit").click();
-    EXPECT_FALSE(window->isVisible());
+    buttonOf(*window->findChild<QMessageBox*>(), "Save…").click();
+    auto* const files = window->findChild<QFileDialog*>();
+    ASSERT_NE(files, nullptr);
+    Q_EMIT files->fileSelected(QString::fromStdString(folder / "missing" / "show.orvane"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
+    EXPECT_TRUE(window->isVisible()) << "what could not be saved would be lost";
+    Q_EMIT files->fileSelected(QString::fromStdString(folder / "show.orvane"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+    EXPECT_TRUE(std::filesystem::exists(folder / "show.orvane"));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include "mixer_machine.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -13,6 +14,9 @@ namespace {
 using namespace orvane;
 using namespace orvane::test;
 using namespace orvane::ui;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
 
 class StatusBar : public MixerViewTest {
   protected:
@@ -57,6 +61,22 @@ TEST_F(StatusBar, LightsItsLampsWhileAudioRunsAndMIDIIsThere) {
     source.reset();
     machine.mainThread.runPosted();
     EXPECT_FALSE(isLit("Remote"));
+}
+
+TEST_F(StatusBar, TellsOfTheLoad) {
+    const LoadMeterView& load = *viewsIn<LoadMeterView>(view).at(0);
+    const auto help = [&] { return load.toolTip().toStdString(); };
+    EXPECT_THAT(help(), Not(HasSubstr("xruns")));
+    engine.selectDevice(device(0));
+    for (const auto& [share, peak] : {std::pair(0.5, "at most 50.0 %"), {0.2, "at most 20.0 %"}}) {
+        engine.start();
+        ASSERT_TRUE(state().isRunning.get()) << state().lastError.get().value_or("");
+        engine.meterModel().cpuLoad.set(share);
+        engine.meterModel().cpuLoad.set(0.125);
+        EXPECT_THAT(help(), AllOf(HasSubstr("12.5 %"), HasSubstr(peak), HasSubstr("(xruns): 0.")));
+        EXPECT_THAT(help(), HasSubstr("No real-time priority was obtained."));
+        engine.stop();
+    }
 }
 
 TEST_F(StatusBar, SaysWhatTheEngineReports) {

@@ -26,9 +26,17 @@ QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& tit
 
 } // namespace
 
-void confirm(QWidget* parent, const Confirmation& question, std::function<void()> onConfirm) {
+void confirm(
+    QWidget* parent, const Confirmation& question, std::function<void()> onConfirm,
+    std::function<void()> onAlternative
+) {
     QMessageBox* const box = makeBox(parent, QMessageBox::Warning, question.title, question.message);
     QPushButton* const action = box->addButton(question.action, QMessageBox::DestructiveRole);
+    if (!question.alternative.isEmpty())
+        QObject::connect(
+            box->addButton(question.alternative, QMessageBox::AcceptRole), &QPushButton::clicked, box,
+            std::move(onAlternative)
+        );
     QPushButton* const cancel = box->addButton(QMessageBox::Cancel);
     cancel->setText(QStringLiteral("Cancel"));
     box->setDefaultButton(cancel);

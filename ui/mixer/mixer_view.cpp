@@ -1,6 +1,5 @@
 #include "ui/mixer/mixer_view.h"
 
-#include "engine/session_files.h"
 #include "ui/controls/confirmation.h"
 #include "ui/controls/divider.h"
 #include "ui/mixer/channel_area.h"
@@ -9,21 +8,18 @@
 #include "ui/sheets/device_settings_view.h"
 #include "ui/sheets/snapshots_view.h"
 
-#include <QFileDialog>
+#include <QDragEnterEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include <filesystem>
+#include <optional>
 #include <utility>
 
 namespace orvane::ui {
 
 namespace {
-
-const QString sessionFilter = QStringLiteral("ORVANE Session (*.orvane)");
-const QString sessionSuffix = QStringLiteral("orvane");
-const QString exportName = QStringLiteral("ORVANE Settings");
 
 const Confirmation clearOutputsQuestion{
     .title = QStringLiteral("Clear every channel's output?"),
@@ -40,8 +36,13 @@ const Confirmation channelCountQuestion{
                        "count."),
     .action = QStringLiteral("Change Channel Count")};
 
-std::filesystem::path toPath(const QString& path) {
-    return path.toStdString();
+/// The session file that is dragged; nothing if it is anything else.
+std::optional<QString> draggedSession(const QMimeData& dragged) {
+    const QList<QUrl> files = dragged.urls();
+    if (files.size() != 1 || !files.front().isLocalFile()) return std::nullopt;
+    const QString path = files.front().toLocalFile();
+    if (!path.endsWith(QStringLiteral(".orvane"), Qt::CaseInsensitive)) return std::nullopt;
+    return path;
 }
 
 } // namespace
@@ -53,15 +54,25 @@ MixerView::MixerView(
       engine(mixerEngine),
       reconfigure(std::move(onReconfigureChannelCount)),
       components([&mixerEngine] { return mixerEngine.availableInsertComponents(); }),
-      channelArea(new ChannelArea(mixerEngine, components)) {
+      channelArea(new ChannelArea(mixerEngine, components)),
+      file(mixerEngine, components, *this, *channelArea),
+      sessionCommands(
+          mixerEngine, {.clearOutputs = [this] { confirmClearOutputs(); },
+                        .showSnapshots = [this] { openSheet(new SnapshotsView(engine, this)); },
+                        .load = [this] { file.load(); },
+                        .save = [this] { save(); },
+                        .showDeviceSettings = [this] { openSheet(new DeviceSettingsView(engine, this)); },
+                        .changeChannelCount = [this] { confirmChannelCount(); }}
+      ) {
     auto* const lines = new QVBoxLayout(this);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
-    lines->addWidget(makeToolbar());
+    lines->addWidget(new MixerToolbar(sessionCommands));
     lines->addWidget(channelArea, 1);
     lines->addWidget(makeHorizontalDivider());
     lines->addWidget(new MasterSection(engine));
     addShortcuts();
+    setAcceptDrops(true);
     engine.refreshDevices();
 }
 
@@ -70,26 +81,30 @@ MixerView::~MixerView() {
     delete channelArea;
 }
 
-QWidget* MixerView::makeToolbar() {
-    return new MixerToolbar(
-        engine, {.clearOutputs = [this] { confirmClearOutputs(); },
-                 .showSnapshots = [this] { openSheet(new SnapshotsView(engine, this)); },
-                 .load = [this] { openImportDialog(); },
-                 .save = [this] { openExportDialog(); },
-                 .showDeviceSettings = [this] { openSheet(new DeviceSettingsView(engine, this)); },
-                 .changeChannelCount = [this] { confirmChannelCount(); }}
-    );
-}
-
 void MixerView::addShortcuts() {
     const auto add = [this](const QKeySequence& keys, auto action) {
         auto* const shortcut = new QShortcut(keys, this);
         connect(shortcut, &QShortcut::activated, this, action);
     };
-    add(QKeySequence::Save, [this] { openExportDialog(); });
-    add(QKeySequence::Open, [this] { openImportDialog(); });
     add(Qt::Key_PageDown, [this] { channelArea->turn(true); });
     add(Qt::Key_PageUp, [this] { channelArea->turn(false); });
+}
+
+void MixerView::save(std::function<void()> then) {
+    commitEditing();
+    file.save(std::move(then));
+}
+
+void MixerView::dragEnterEvent(QDragEnterEvent* event) {
+    if (draggedSession(*event->mimeData())) event->acceptProposedAction();
+}
+
+void MixerView::dropEvent(QDropEvent* event) {
+    const auto path = draggedSession(*event->mimeData());
+    if (!path) return;
+    event->acceptProposedAction();
+    commitEditing();
+    file.loadFrom(*path);
 }
 
 void MixerView::confirmClearOutputs() {
@@ -108,36 +123,6 @@ void MixerView::openSheet(QDialog* sheet) {
 
 void MixerView::commitEditing() {
     if (auto* const field = qobject_cast<QLineEdit*>(focusWidget())) field->clearFocus();
-}
-
-void MixerView::openExportDialog() {
-    commitEditing();
-    exportDocument.data = engine.makeDocumentData();
-    auto* const dialog = new QFileDialog(this, QStringLiteral("Save"), {}, sessionFilter);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix(sessionSuffix);
-    dialog->selectFile(exportName);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { exportTo(path); });
-    openSheet(dialog);
-}
-
-void MixerView::openImportDialog() {
-    auto* const dialog = new QFileDialog(this, QStringLiteral("Load"), {}, sessionFilter);
-    dialog->setFileMode(QFileDialog::ExistingFile);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { importFrom(path); });
-    openSheet(dialog);
-}
-
-void MixerView::exportTo(const QString& path) {
-    const auto written = engine::exportSession(exportDocument.data, toPath(path));
-    if (!written) channelArea->setFileErrorMessage(written.error().description);
-}
-
-void MixerView::importFrom(const QString& path) {
-    auto session = engine::readSession(toPath(path));
-    if (!session) return channelArea->setFileErrorMessage(session.error().description);
-    engine.applyDocument(std::move(session).value());
-    channelArea->setFileErrorMessage(std::nullopt);
 }
 
 } // namespace orvane::ui

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
-#include "engine/session/mixer_json_document.h"
+#include "ui/mixer/mixer_commands.h"
+#include "ui/mixer/session_file.h"
 #include "ui/strip/installed_components.h"
 
 #include <QWidget>
@@ -25,25 +26,30 @@ class MixerView final : public QWidget {
     );
     ~MixerView() override;
 
+    [[nodiscard]] const MixerCommands& commands() const { return sessionCommands; }
+    [[nodiscard]] SessionFile& sessionFile() { return file; }
+    /// Takes over what is being typed and asks where to write the session; then calls `then`, but only if it
+    /// was written.
+    void save(std::function<void()> then = {});
+
+  protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
   private:
-    QWidget* makeToolbar();
     void addShortcuts();
     void confirmClearOutputs();
     void confirmChannelCount();
     /// Takes over a name or a value that is being typed.
     void commitEditing();
     void openSheet(QDialog* sheet);
-    void openExportDialog();
-    void openImportDialog();
-    void exportTo(const QString& path);
-    void importFrom(const QString& path);
 
     engine::MixerEngine& engine;
     const std::function<void()> reconfigure;
     InstalledComponents components;
-    /// What the export dialog is to write.
-    session::MixerJSONDocument exportDocument;
     ChannelArea* const channelArea;
+    SessionFile file;
+    MixerCommands sessionCommands;
 };
 
 } // namespace orvane::ui

@@ -27,8 +27,14 @@ class InstalledComponents final {
     /// Absent while they are being looked up.
     [[nodiscard]] const audio::Published<std::optional<List>>& list() const { return found; }
 
+    /// Calls `action` once they are known: at once, or else in a later turn of the main thread's loop.
+    void whenFound(std::function<void()> action);
+
   private:
+    void keep(List components);
+
     audio::Published<std::optional<List>> found;
+    std::vector<std::function<void()>> waiting;
     /// Lives on the main thread, so that the answer arrives there.
     QObject receiver;
     std::thread worker;

@@ -28,7 +28,6 @@ launch(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const Laun
     };
     if (options.device || options.start)
         if (const auto device = find(options.device)) mixer.selectDevice(*device);
-    if (options.session) mixer.applyDocument(*options.session);
     if (options.bufferSize) mixer.setBufferSize(*options.bufferSize);
     if (options.masterDevice)
         if (const auto device = find(options.masterDevice)) mixer.selectMasterOutputDevice(*device);

@@ -31,8 +31,8 @@ struct LaunchOptions {
 /// holds it, or the largest. Nothing if they leave it open.
 std::optional<std::int64_t> channelCountFor(const LaunchOptions& options);
 
-/// Sets up and starts a fresh engine as the options say. Returns what could not be done, a sentence each; all
-/// else is done. Main thread.
+/// Sets up and starts a fresh engine, which has the session already, as the rest of the options says. Returns
+/// what could not be done, a sentence each; all else is done. Main thread.
 std::vector<std::string>
 launch(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options);
 

@@ -11,6 +11,8 @@
 
 namespace orvane::ui {
 
+class MixerView;
+
 /// A session: owns its engine, and shows the mixer with the status bar below. Main thread.
 class MixerRootView final : public QWidget {
   public:
@@ -21,11 +23,12 @@ class MixerRootView final : public QWidget {
     ~MixerRootView() override;
 
     [[nodiscard]] engine::MixerEngine& engine() { return mixer; }
+    [[nodiscard]] MixerView& view() { return *mixerView; }
 
   private:
     engine::MixerEngine mixer;
     /// What shows the engine goes before it.
-    std::unique_ptr<QWidget> mixerView;
+    std::unique_ptr<MixerView> mixerView;
     std::unique_ptr<QWidget> statusBar;
 };
 

@@ -1,6 +1,7 @@
 #include "ui/windows/orvane_app.h"
 
 #include "ui/controls/confirmation.h"
+#include "ui/mixer/mixer_view.h"
 #include "ui/windows/channel_count_picker_view.h"
 
 #include <QApplication>
@@ -60,20 +61,30 @@ void ORVANEApp::showProblems(const std::vector<std::string>& problems) {
 
 void ORVANEApp::closeEvent(QCloseEvent* event) {
     MixerRootView* const root = mixerRootView();
-    if (mayClose || root == nullptr || !root->engine().state().isRunning.get()) return event->accept();
+    if (mayClose || root == nullptr) return event->accept();
+    const bool isRunning = root->engine().state().isRunning.get();
+    const bool isUnsaved = root->view().sessionFile().isUnsaved();
+    if (!isRunning && !isUnsaved) return event->accept();
     event->ignore();
+    Confirmation question{
+        .title = QStringLiteral("Quit ORVANE?"), .message = {}, .action = QStringLiteral("Quit")};
+    QStringList reasons;
+    if (isRunning) reasons.append(QStringLiteral("The audio is running: quitting stops it."));
+    if (isUnsaved) {
+        reasons.append(QStringLiteral("This session has changed since it was last saved: quitting without "
+                                      "saving throws the changes away."));
+        question.action = QStringLiteral("Quit Without Saving");
+        question.alternative = QStringLiteral("Save…");
+    }
+    question.message = reasons.join(QStringLiteral("\n\n"));
     confirm(
-        this,
-        {.title = QStringLiteral("Quit ORVANE?"),
-         .message =
-             QStringLiteral("The audio is running: quitting stops it, and what has not been saved to a "
-                            "session file is lost."),
-         .action = QStringLiteral("Quit")},
-        [this] {
-            mayClose = true;
-            close();
-        }
+        this, question, [this] { leave(); }, [this, root] { root->view().save([this] { leave(); }); }
     );
+}
+
+void ORVANEApp::leave() {
+    mayClose = true;
+    close();
 }
 
 void ORVANEApp::addMenus() {
@@ -86,6 +97,8 @@ void ORVANEApp::addMenus() {
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
 
+    sessionMenu = menuBar()->addMenu(QStringLiteral("&Session"));
+
     QMenu* const helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
     QAction* const helpItem =
         helpMenu->addAction(QStringLiteral("ORVANE Help"), this, [this] { help.show(); });
@@ -97,21 +110,38 @@ void ORVANEApp::addMenus() {
 
 void ORVANEApp::showContent() {
     QWidget* content = nullptr;
-    std::vector<std::string> problems;
+    MixerRootView* root = nullptr;
     if (channels < 1) {
         content = new ChannelCountPickerView({.onSelect = [this](int count) { setChannelCount(count); }});
     } else {
-        auto* const root = new MixerRootView(static_cast<std::size_t>(channels), parts.services, [this] {
+        root = new MixerRootView(static_cast<std::size_t>(channels), parts.services, [this] {
             setChannelCount(0);
         });
-        problems = launch(root->engine(), parts.services.audioHardware, std::exchange(launchOptions, {}));
         content = root;
     }
     content->setMinimumSize(smallestContent);
     // A content that was there goes once its own doings are over.
     setCentralWidget(content);
     content->setFocus();
-    showProblems(problems);
+    sessionMenu->clear();
+    sessionMenu->menuAction()->setVisible(root != nullptr);
+    if (root == nullptr) return;
+    for (QAction* command : root->view().commands().all())
+        sessionMenu->addAction(command);
+    begin(*root);
+}
+
+void ORVANEApp::begin(MixerRootView& root) {
+    const LaunchOptions options = std::exchange(launchOptions, {});
+    const auto goOn = [this, &root, options] {
+        const auto problems = launch(root.engine(), parts.services.audioHardware, options);
+        root.view().sessionFile().setSaved();
+        showProblems(problems);
+    };
+    if (options.session)
+        root.view().sessionFile().apply(*options.session, goOn);
+    else
+        goOn();
 }
 
 void ORVANEApp::setChannelCount(std::int64_t count) {

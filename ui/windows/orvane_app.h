@@ -42,17 +42,22 @@ class ORVANEApp final : public QMainWindow {
 
   private:
     void addMenus();
+    /// Begins the session that has just been made as the command line said.
+    void begin(MixerRootView& root);
     void showContent();
     /// Throws the session away and remembers the new size.
     void setChannelCount(std::int64_t count);
     void remember(std::string_view key, std::string_view value);
     void writeToSupport();
+    /// Closes without a further question.
+    void leave();
 
     const Parts parts;
     LaunchOptions launchOptions;
     std::int64_t channels;
     AboutWindowPresenter about;
     HelpWindowPresenter help;
+    QMenu* sessionMenu = nullptr;
     bool mayClose = false;
 };
 

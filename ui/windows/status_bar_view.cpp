@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace orvane::ui {
@@ -117,6 +118,7 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
     audio->setLit(engine.state().isRunning.get());
     showRemote();
     load->setLoad(engine.meterModel().cpuLoad.get());
+    load->setToolTip(loadHelp());
     showClipboard();
     showMessage();
 }
@@ -128,9 +130,17 @@ void StatusBarView::subscribe() {
     };
     follow(state.selectedDevice, [this](const auto&) { showSampleRate(); });
     follow(state.bufferSize, [this](const auto&) { showBufferSize(); });
-    follow(state.isRunning, [this](bool isRunning) { audio->setLit(isRunning); });
+    follow(state.isRunning, [this](bool isRunning) {
+        audio->setLit(isRunning);
+        if (isRunning) peakLoad = 0.0;
+        load->setToolTip(loadHelp());
+    });
     follow(state.availableMIDIDevices, [this](const auto&) { showRemote(); });
-    follow(engine.meterModel().cpuLoad, [this](double share) { load->setLoad(share); });
+    follow(engine.meterModel().cpuLoad, [this](double share) {
+        load->setLoad(share);
+        peakLoad = std::max(peakLoad, share);
+        load->setToolTip(loadHelp());
+    });
     follow(state.pluginClipboard, [this](const auto&) { showClipboard(); });
     follow(state.pluginClipboardArmState, [this](const auto&) { showClipboard(); });
     follow(state.lastError, [this](const auto&) { showMessage(); });
@@ -140,6 +150,20 @@ void StatusBarView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), theme::panelBackground);
     painter.fillRect(0, 0, width(), 1, theme::divider);
+}
+
+QString StatusBarView::loadHelp() const {
+    if (!engine.state().isRunning.get())
+        return QStringLiteral("How much of each block's time the mix takes, while the audio runs.");
+    const int priority = engine.realtimePriority();
+    return QStringLiteral("%1 % of each block's time, at most %2 % since the start. Dropouts (xruns): %3. %4")
+        .arg(engine.meterModel().cpuLoad.get() * 100.0, 0, 'f', 1)
+        .arg(peakLoad * 100.0, 0, 'f', 1)
+        .arg(engine.xrunCount())
+        .arg(
+            priority > 0 ? QStringLiteral("Real-time priority: %1.").arg(priority)
+                         : QStringLiteral("No real-time priority was obtained.")
+        );
 }
 
 void StatusBarView::showSampleRate() {

@@ -26,6 +26,7 @@ class StatusBarView final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    [[nodiscard]] QString loadHelp() const;
     void subscribe();
     void showSampleRate();
     void showBufferSize();
@@ -39,6 +40,8 @@ class StatusBarView final : public QWidget {
     IndicatorLamp* const audio;
     IndicatorLamp* const remote;
     LoadMeterView* const load;
+    /// Since the last start.
+    double peakLoad = 0.0;
     ConsoleButton* const copy;
     ConsoleButton* const paste;
     QLabel* const message;

@@ -1,0 +1,78 @@
+#include "ui/mixer/mixer_commands.h"
+
+#include "ui/theme/symbols.h"
+
+#include <QAction>
+
+#include <utility>
+
+namespace orvane::ui {
+
+MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) : engine(mixerEngine) {
+    const auto add = [this](
+                         const char* icon, const QString& label, const QKeySequence& keys,
+                         const QString& help, auto action
+                     ) {
+        auto* const command = new QAction(symbol(QString::fromLatin1(icon)), label, this);
+        command->setShortcut(keys);
+        command->setAutoRepeat(false);
+        command->setToolTip(help);
+        connect(command, &QAction::triggered, this, std::move(action));
+        commands.push_back(command);
+    };
+    add("one-to-one", QStringLiteral("1:1"), {},
+        QStringLiteral("Reset every channel to a straight 1:1 patch (channel N -> input N -> output N)."),
+        [this] { engine.resetRoutingOneToOne(); });
+    add("clear-outputs", QStringLiteral("Clear Outputs"), {},
+        QStringLiteral("Set every channel's output to None, leaving inputs untouched -- a quick way to kill "
+                       "all outputs, e.g. if you suspect a feedback loop."),
+        std::move(actions.clearOutputs));
+    add("snapshots", QStringLiteral("Snapshots"), Qt::CTRL | Qt::Key_L,
+        QStringLiteral("Store/recall full mixer states (scenes), with MIDI trigger + Learn."),
+        std::move(actions.showSnapshots));
+    add("load", QStringLiteral("Load"), QKeySequence::Open,
+        QStringLiteral("Load a previously saved settings file."), std::move(actions.load));
+    add("save", QStringLiteral("Save"), QKeySequence::Save,
+        QStringLiteral("Save/export the current session (routing, names, settings, and snapshots) as an "
+                       ".orvane file."),
+        std::move(actions.save));
+    add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma,
+        QStringLiteral("Choose the Core Audio device (soundcard) and MIDI input source, and set the buffer "
+                       "size."),
+        std::move(actions.showDeviceSettings));
+    add("channels", QStringLiteral("%1 Channels").arg(engine.state().channelStrips.get().size()), {},
+        QStringLiteral("Change how many channels this session has. Smaller sessions use less CPU -- see the "
+                       "channel-count picker's explanation."),
+        std::move(actions.changeChannelCount));
+    add("start", QStringLiteral("Start"), Qt::CTRL | Qt::Key_Return, {}, [this] {
+        if (engine.state().isRunning.get())
+            engine.stop();
+        else
+            engine.start();
+    });
+
+    subscriptions.push_back(engine.state().selectedDevice.subscribe([this](const auto&) { showDevice(); }));
+    subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showRunning(); }));
+    showDevice();
+}
+
+void MixerCommands::showDevice() {
+    const bool isSelected = engine.state().selectedDevice.get().has_value();
+    commands.front()->setEnabled(isSelected);
+    startStop()->setEnabled(isSelected);
+    showRunning();
+}
+
+void MixerCommands::showRunning() {
+    const bool isRunning = engine.state().isRunning.get();
+    QAction* const command = startStop();
+    command->setIcon(symbol(isRunning ? QStringLiteral("stop") : QStringLiteral("start")));
+    command->setText(isRunning ? QStringLiteral("Stop") : QStringLiteral("Start"));
+    command->setToolTip(
+        !command->isEnabled() ? QStringLiteral("Select an audio device first.")
+        : isRunning           ? QStringLiteral("Stop the audio engine.")
+                              : QStringLiteral("Start the audio engine.")
+    );
+}
+
+} // namespace orvane::ui

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "audio/published.h"
+#include "engine/mixer_engine.h"
+
+#include <QObject>
+
+#include <functional>
+#include <vector>
+
+class QAction;
+
+namespace orvane::ui {
+
+/// The session-wide commands, for toolbar and menu alike. Main thread.
+class MixerCommands final : public QObject {
+  public:
+    /// What those commands do that do not go to the engine.
+    struct Actions {
+        std::function<void()> clearOutputs;
+        std::function<void()> showSnapshots;
+        std::function<void()> load;
+        std::function<void()> save;
+        std::function<void()> showDeviceSettings;
+        std::function<void()> changeChannelCount;
+    };
+
+    /// `mixerEngine` outlives them.
+    MixerCommands(engine::MixerEngine& mixerEngine, Actions actions);
+
+    /// In the toolbar's order.
+    [[nodiscard]] const std::vector<QAction*>& all() const { return commands; }
+    [[nodiscard]] QAction* startStop() const { return commands.back(); }
+
+  private:
+    void showDevice();
+    void showRunning();
+
+    engine::MixerEngine& engine;
+    std::vector<QAction*> commands;
+    std::vector<audio::Subscription> subscriptions;
+};
+
+} // namespace orvane::ui

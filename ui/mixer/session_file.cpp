@@ -1,0 +1,143 @@
+#include "ui/mixer/session_file.h"
+
+#include "engine/session_files.h"
+#include "ui/controls/busy_notice.h"
+#include "ui/controls/confirmation.h"
+#include "ui/mixer/channel_area.h"
+
+#include <QFileDialog>
+#include <QtConcurrent>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace orvane::ui {
+
+namespace {
+
+const QString sessionFilter = QStringLiteral("ORVANE Session (*.orvane)");
+const QString sessionSuffix = QStringLiteral("orvane");
+const QString exportName = QStringLiteral("ORVANE Settings");
+
+const Confirmation replaceQuestion{
+    .title = QStringLiteral("Replace this session?"),
+    .message =
+        QStringLiteral("It has changed since it was last saved; loading another one throws the changes "
+                       "away, its snapshots included."),
+    .action = QStringLiteral("Load"),
+    .alternative = QStringLiteral("Save First…")};
+
+using Written = platform::Result<platform::Done>;
+using Read = platform::Result<session::MixerDocumentData>;
+
+std::filesystem::path toPath(const QString& path) {
+    return path.toStdString();
+}
+
+bool hasPlugins(const std::vector<session::ChannelSettingsData>& channels) {
+    return std::ranges::any_of(channels, [](const session::ChannelSettingsData& channel) {
+        return std::ranges::any_of(channel.pluginSlots, [](const session::PluginSlot& slot) {
+            return slot.component.has_value();
+        });
+    });
+}
+
+bool hasPlugins(const session::MixerDocumentData& document) {
+    return hasPlugins(document.channels)
+           || std::ranges::any_of(document.snapshots, [](const session::Snapshot& snapshot) {
+                  return hasPlugins(snapshot.channels);
+              });
+}
+
+void open(QFileDialog* dialog) {
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+} // namespace
+
+SessionFile::SessionFile(
+    engine::MixerEngine& mixerEngine, InstalledComponents& installedComponents, QWidget& view,
+    ChannelArea& messages
+)
+    : engine(mixerEngine),
+      components(installedComponents),
+      window(view),
+      channelArea(messages),
+      saved(mixerEngine.makeDocumentData()) {}
+
+SessionFile::~SessionFile() = default;
+
+void SessionFile::save(std::function<void()> then) {
+    exportDocument.data = engine.makeDocumentData();
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), {}, sessionFilter);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(sessionSuffix);
+    dialog->selectFile(exportName);
+    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
+        write(path, then);
+    });
+    open(dialog);
+}
+
+void SessionFile::load() {
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, sessionFilter);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { loadFrom(path); });
+    open(dialog);
+}
+
+void SessionFile::showBusy(const char* text) {
+    notice = std::make_unique<BusyNotice>(&window, QString::fromUtf8(text));
+}
+
+void SessionFile::write(const QString& path, std::function<void()> then) {
+    showBusy("Saving the session…");
+    // The program does not end before the file is written.
+    QtConcurrent::run([document = exportDocument.data, file = toPath(path)] {
+        return engine::exportSession(document, file);
+    }).then(this, [this, document = exportDocument.data, then = std::move(then)](const Written& written) {
+        notice.reset();
+        if (!written) return channelArea.setFileErrorMessage(written.error().description);
+        saved = document;
+        if (then) then();
+    });
+}
+
+void SessionFile::loadFrom(const QString& path) {
+    showBusy("Reading the session…");
+    QtConcurrent::run([file = toPath(path)] { return engine::readSession(file); }
+    ).then(this, [this](const Read& session) {
+        notice.reset();
+        if (!session) return channelArea.setFileErrorMessage(session.error().description);
+        const auto replace = [this, document = session.value()] {
+            apply(document, [this] { channelArea.setFileErrorMessage(std::nullopt); });
+        };
+        if (!isUnsaved()) return replace();
+        confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });
+    });
+}
+
+void SessionFile::apply(const session::MixerDocumentData& document, std::function<void()> then) {
+    const auto hand = [this, document, then = std::move(then)] {
+        notice.reset();
+        engine.applyDocument(document);
+        setSaved();
+        then();
+    };
+    if (!hasPlugins(document)) return hand();
+    showBusy("Looking for the installed plugins…");
+    components.whenFound(hand);
+}
+
+bool SessionFile::isUnsaved() const {
+    return engine.makeDocumentData() != saved;
+}
+
+void SessionFile::setSaved() {
+    saved = engine.makeDocumentData();
+}
+
+} // namespace orvane::ui
