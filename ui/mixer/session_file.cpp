@@ -8,8 +8,11 @@
 #include <QFileDialog>
 #include <QtConcurrent>
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -34,6 +37,11 @@ using Read = platform::Result<session::MixerDocumentData>;
 
 std::filesystem::path toPath(const QString& path) {
     return path.toStdString();
+}
+
+/// Why a place that some desktops' dialogs offer will not do.
+std::string elsewhere(const QUrl& file) {
+    return fmt::format("\"{}\" is not a file on this computer.", file.toDisplayString().toStdString());
 }
 
 bool hasPlugins(const std::vector<session::ChannelSettingsData>& channels) {
@@ -76,8 +84,9 @@ void SessionFile::save(std::function<void()> then) {
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(sessionSuffix);
     dialog->selectFile(exportName);
-    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
-        write(path, then);
+    connect(dialog, &QFileDialog::urlSelected, this, [this, then = std::move(then)](const QUrl& file) {
+        if (file.isLocalFile()) return write(file.toLocalFile(), then);
+        channelArea.setFileErrorMessage(fmt::format("Export failed: {}", elsewhere(file)));
     });
     open(dialog);
 }
@@ -85,7 +94,10 @@ void SessionFile::save(std::function<void()> then) {
 void SessionFile::load() {
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, sessionFilter);
     dialog->setFileMode(QFileDialog::ExistingFile);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { loadFrom(path); });
+    connect(dialog, &QFileDialog::urlSelected, this, [this](const QUrl& file) {
+        if (file.isLocalFile()) return loadFrom(file.toLocalFile());
+        channelArea.setFileErrorMessage(fmt::format("Import failed: {}", elsewhere(file)));
+    });
     open(dialog);
 }
 

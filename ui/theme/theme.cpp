@@ -1,6 +1,6 @@
 #include "ui/theme/theme.h"
 
-#include "ui/controls/accessible_fader.h"
+#include "ui/controls/accessible_controls.h"
 #include "ui/theme/tool_tips.h"
 
 #include <QApplication>
@@ -108,7 +108,7 @@ void applyTheme(QApplication& application) {
     QApplication::setPalette(makePalette());
     application.setFont(systemFont(13));
     application.setStyleSheet(makeStyleSheet());
-    makeFadersAccessible();
+    makeControlsAccessible();
     application.installEventFilter(new ToolTips(&application));
 }
 

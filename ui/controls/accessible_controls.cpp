@@ -1,5 +1,6 @@
-#include "ui/controls/accessible_fader.h"
+#include "ui/controls/accessible_controls.h"
 
+#include "ui/controls/segmented_picker.h"
 #include "ui/controls/vertical_fader.h"
 
 #include <QAccessible>
@@ -35,13 +36,15 @@ class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueI
 };
 
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
-    auto* const fader = dynamic_cast<VerticalFader*>(object);
-    return fader == nullptr ? nullptr : new AccessibleFader(fader);
+    if (auto* const fader = dynamic_cast<VerticalFader*>(object)) return new AccessibleFader(fader);
+    if (auto* const picker = dynamic_cast<SegmentedPicker*>(object))
+        return new QAccessibleWidget(picker, QAccessible::Grouping);
+    return nullptr;
 }
 
 } // namespace
 
-void makeFadersAccessible() {
+void makeControlsAccessible() {
     QAccessible::installFactory(makeInterface);
 }
 

@@ -1,0 +1,270 @@
+#include "support/temporary_folder.h"
+#include "ui/strip/plugin_slot_view.h"
+#include "ui/windows/channel_count_picker_view.h"
+#include "ui/windows/orvane_app.h"
+
+#include "mixer_machine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QFileDialog>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QTest>
+#include <QTextBrowser>
+
+#include <algorithm>
+#include <fstream>
+#include <set>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+using testing::IsEmpty;
+
+/// Goes through the whole interface as an operator might, and looks at all that stands there.
+class Interface : public testing::Test {
+  protected:
+    void open(std::int64_t channels) {
+        window = std::make_unique<ORVANEApp>(
+            ORVANEApp::Parts{machine.services(), preferences}, LaunchOptions{.channels = channels}
+        );
+        window->show();
+        look();
+    }
+
+    [[nodiscard]] engine::MixerEngine& mixer() { return window->mixerRootView()->engine(); }
+    [[nodiscard]] platform::Uuid strip(std::size_t index) {
+        return mixer().state().channelStrips.get()[index].id;
+    }
+    void click(const QString& name) {
+        buttonOf(*window, name).click();
+        look();
+    }
+    void click(std::size_t slot) {
+        viewsIn<PluginSlotView>(*window).at(slot)->click();
+        look();
+    }
+    /// Looks at the dialog that is open and presses a button of it.
+    void answer(const QString& button) {
+        look();
+        QDialog* open = nullptr;
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            if (dialog->isVisible()) open = dialog;
+        ASSERT_NE(open, nullptr) << button.toStdString();
+        buttonOf(*open, button).click();
+        deleteWhatIsDone();
+    }
+    void closeDialogs() {
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            dialog->reject();
+        deleteWhatIsDone();
+    }
+    void choose(const char* command, const QUrl& file) {
+        click(command);
+        auto* const files = window->findChild<QFileDialog*>();
+        ASSERT_NE(files, nullptr);
+        Q_EMIT files->urlSelected(file);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
+        look();
+        closeDialogs();
+    }
+    void load(std::size_t slot) {
+        mixer().loadPlugin(machine.effect, slot, strip(0));
+        machine.mainThread.runPosted();
+        look();
+    }
+    void openContextMenu(std::size_t slot) {
+        PluginSlotView& view = *viewsIn<PluginSlotView>(*window).at(slot);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+        QApplication::sendEvent(&view, &event);
+        look();
+        for (QMenu* menu : view.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+            seeActions(*menu);
+            for (QAction* action : menu->actions())
+                if (action->text() == "Save Preset…") action->trigger();
+            delete menu;
+        }
+        look();
+    }
+
+    void look() {
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            see(*top);
+            for (QWidget* each : top->findChildren<QWidget*>())
+                see(*each);
+        }
+    }
+
+    MixerMachine machine;
+    platform::InMemoryPreferences preferences;
+    std::unique_ptr<ORVANEApp> window;
+    std::set<QString> seen;
+
+  private:
+    void seeActions(const QWidget& widget) {
+        for (const QAction* action : widget.actions()) {
+            seen.insert(action->text());
+            if (action->menu() != nullptr) seeActions(*action->menu());
+        }
+    }
+    void see(const QWidget& widget) {
+        for (const char* property : {"windowTitle", "toolTip", "text", "informativeText", "placeholderText"})
+            seen.insert(widget.property(property).toString());
+        seen.insert(widget.accessibleName());
+        seen.insert(widget.accessibleDescription());
+        if (const auto* const menu = qobject_cast<const QComboBox*>(&widget))
+            for (int item = 0; item < menu->count(); ++item)
+                seen.insert(menu->itemText(item));
+        if (const auto* const page = qobject_cast<const QTextBrowser*>(&widget))
+            for (const QString& line : page->toPlainText().split('\n'))
+                seen.insert(line);
+        if (const auto* const files = qobject_cast<const QFileDialog*>(&widget))
+            for (const QString& file : files->selectedFiles())
+                seen.insert(QFileInfo(file).completeBaseName());
+        if (qobject_cast<const QMenuBar*>(&widget) != nullptr) seeActions(widget);
+    }
+};
+
+TEST_F(Interface, SaysEverythingAsItIsWritten) {
+    ChannelCountPickerView again({.onSelect = {}, .isReconfiguring = true, .onCancel = [] {}});
+    open(0);
+    for (const char* item : {"About ORVANE", "ORVANE Help"})
+        for (const QAction* menu : window->menuBar()->actions())
+            for (QAction* action : menu->menu()->actions())
+                if (action->text() == item) action->trigger();
+    for (const QWidget* top : QApplication::topLevelWidgets())
+        if (auto* const topics = top->findChild<QListWidget*>())
+            for (int row = 0; row < topics->count(); ++row) {
+                topics->setCurrentRow(row);
+                look();
+            }
+
+    open(40);
+    open(24);
+    choose("Load", QUrl("smb://host/a.orvane"));
+    choose("Load", QUrl::fromLocalFile("/none.orvane"));
+    choose("Save", QUrl::fromLocalFile("/none/a.orvane"));
+    click("Audio / MIDI Devices");
+    closeDialogs();
+    mixer().selectDevice(mixer().state().availableDevices.get().at(0));
+    auto source = machine.addMIDISource("Pads");
+    mixer().setStereo(strip(0), true);
+    mixer().setMasterStereo(true);
+    click("Audio / MIDI Devices");
+    closeDialogs();
+    click("Start");
+    click("Stop");
+    mixer().selectMasterOutputDevice(mixer().state().availableDevices.get().at(1));
+    for (const char* command : {"24 Channels", "Clear Outputs"}) {
+        click(command);
+        answer("Cancel");
+    }
+
+    click(0);
+    closeDialogs();
+    load(0);
+    openContextMenu(0);
+    closeDialogs();
+    mixer().setPluginBypassed(true, 0, strip(0));
+    openContextMenu(0);
+    closeDialogs();
+    click("Copy");
+    click(0);
+    click("Paste");
+    mixer().cancelClipboardArm();
+    machine.audioUnitHost.failure = platform::Error{"no licence"};
+    load(3);
+    session::MixerDocumentData document = mixer().makeDocumentData();
+    document.channels[0].pluginSlots[4].pluginName = "Lost";
+    document.channels[0].pluginSlots[4].component.reset();
+    mixer().applyDocument(document);
+    look();
+
+    click("Snapshots");
+    click("New");
+    click("New");
+    mixer().selectPreviousSnapshot();
+    click("MIDI");
+    click("MIDI");
+    buttonOf(*window, "Save Insert 2").click();
+    look();
+    closeDialogs();
+
+    machine.audioUnitHost.components.clear();
+    open(2);
+    click(0);
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        look();
+        return seen.contains("No installed Audio Units found (Effect / Music Effect types).");
+    }));
+    closeDialogs();
+    mixer().refreshDevices();
+    look();
+
+    std::ifstream file(ORVANE_INTERFACE_TEXTS);
+    std::vector<std::string> missing;
+    std::size_t count = 0;
+    for (std::string line; std::getline(file, line); ++count) {
+        const QString text = QString::fromStdString(line);
+        const auto found = seen.lower_bound(text);
+        // A line that ends with a space is the beginning of a text.
+        const bool isSeen =
+            found != seen.end() && (text.endsWith(' ') ? found->startsWith(text) : *found == text);
+        if (!isSeen) missing.push_back(line);
+    }
+    EXPECT_GT(count, 190U);
+    EXPECT_THAT(missing, IsEmpty());
+}
+
+/// What the Tab key reaches and does not say what it is, by the classes of its ancestors.
+void collectNameless(
+    QAccessibleInterface& element, const std::string& above, std::vector<std::string>& nameless
+) {
+    const std::string path =
+        above + "/" + (element.object() != nullptr ? element.object()->metaObject()->className() : "?");
+    const QAccessible::Role role = element.role();
+    const bool isUnknown = role == QAccessible::NoRole || role == QAccessible::Client;
+    const auto* const widget = qobject_cast<const QWidget*>(element.object());
+    if (widget != nullptr && (widget->focusPolicy() & Qt::TabFocus) != 0 && !element.state().invisible
+        && (element.text(QAccessible::Name).isEmpty() || isUnknown))
+        nameless.push_back(path + " " + element.text(QAccessible::Name).toStdString());
+    for (int child = 0; child < element.childCount(); ++child)
+        if (QAccessibleInterface* const below = element.child(child)) collectNameless(*below, path, nameless);
+}
+
+TEST_F(Interface, NamesEveryControlForAssistiveTools) {
+    std::vector<std::string> nameless;
+    const auto collect = [&] {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->isVisible()) collectNameless(*QAccessible::queryAccessibleInterface(top), "", nameless);
+        EXPECT_THAT(nameless, IsEmpty());
+    };
+    open(0);
+    collect();
+    open(24);
+    mixer().selectDevice(mixer().state().availableDevices.get().at(0));
+    mixer().setStereo(strip(0), true);
+    load(1);
+    collect();
+    for (const char* sheet : {"Audio / MIDI Devices", "Snapshots"}) {
+        click(sheet);
+        mixer().newSnapshot();
+        collect();
+        closeDialogs();
+    }
+    click(0);
+    collect();
+}
+
+} // namespace
