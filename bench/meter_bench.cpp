@@ -1,0 +1,125 @@
+// What the meters of a window of 48 strips cost: the model is driven as its timer would drive it, 30 times
+// for each second of meters, and everything that changes is painted in software, without a display.
+
+#include "machine/audio_machine.h"
+#include "platform/user_folders.h"
+#include "ui/mixer/mixer_view.h"
+#include "ui/qt_main_thread.h"
+#include "ui/theme/theme.h"
+#include "ui/windows/mixer_root_view.h"
+
+#include <fmt/format.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+
+constexpr std::size_t stripCount = 48;
+constexpr int ticksPerSecond = 30;
+constexpr int secondsOfMeters = 20;
+constexpr double longestGainReductionDB = 26.0;
+
+/// Levels as of people who talk in turns: syllables while they do, room noise while they do not.
+class Talk final {
+  public:
+    explicit Talk(std::size_t speakers) : phases(speakers) {
+        for (Speaker& speaker : phases)
+            speaker = {secondsBetween(0.0, 3.0), secondsBetween(0.5, 3.0), secondsBetween(0.0, 1.0)};
+    }
+
+    void speakTo(audio::MeterModel& model, int tick) {
+        const double now = static_cast<double>(tick) / ticksPerSecond;
+        std::vector<double> levels(phases.size());
+        std::vector<double> reductions(phases.size());
+        for (std::size_t i = 0; i < phases.size(); ++i) {
+            const Speaker& speaker = phases[i];
+            const bool talks = std::fmod(now + speaker.offset, 2.0 * speaker.turn) < speaker.turn;
+            const double syllable = std::abs(std::sin((now + speaker.pitch) * 4.0 * 3.14159));
+            levels[i] = std::pow(10.0, (talks ? -30.0 + 26.0 * syllable : -52.0) / 20.0);
+            reductions[i] = talks ? 6.0 * syllable : longestGainReductionDB;
+        }
+        model.masterMeter.set(levels[0]);
+        model.pinkNoiseLevel.set(levels[1]);
+        model.cpuLoad.set(levels[2]);
+        model.channelMeters.set(std::move(levels));
+        model.channelGainReductionDB.set(std::move(reductions));
+    }
+
+  private:
+    struct Speaker {
+        double offset = 0.0;
+        double turn = 1.0;
+        double pitch = 0.0;
+    };
+
+    double secondsBetween(double least, double most) {
+        return std::uniform_real_distribution(least, most)(random);
+    }
+
+    std::mt19937 random{7};
+    std::vector<Speaker> phases;
+};
+
+double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// Processor time per second of meters with everything painted.
+double measure(ui::MixerRootView& root, const QSize& size, const std::string& layout) {
+    root.resize(size);
+    const auto buttons = root.findChildren<QAbstractButton*>();
+    (*std::ranges::find_if(buttons, [&](const QAbstractButton* button) {
+        return button->text().toStdString() == layout;
+    }))->click();
+    QApplication::processEvents();
+    Talk talk(stripCount);
+    const double before = processorSeconds();
+    for (int tick = 0; tick < secondsOfMeters * ticksPerSecond; ++tick) {
+        talk.speakTo(root.engine().meterModel(), tick);
+        QApplication::processEvents();
+    }
+    return (processorSeconds() - before) / secondsOfMeters;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    setenv("ORVANE_DRIVERS", "virtual", 1);
+    QApplication application(argc, argv);
+    ui::applyTheme(application);
+    const auto machine = machine::AudioMachine::make({});
+    ui::QtMainThread mainThread;
+    ui::MixerRootView root(
+        stripCount,
+        {machine.value()->hardware(), machine.value()->midi(), mainThread, machine.value()->audioUnits(),
+         machine.value()->log},
+        [] {}
+    );
+    root.show();
+    fmt::print("Meters of {} strips at {} Hz, in per cent of one core:\n", stripCount, ticksPerSecond);
+    struct Window {
+        QSize size;
+        const char* layout;
+    };
+    for (const Window& window :
+         {Window{{7400, 1000}, "All 48"}, Window{{1280, 860}, "All 48"}, Window{{2600, 1300}, "32 (2 Rows)"},
+          Window{{2600, 860}, "16 at a Time"}})
+        fmt::print(
+            "{:>6} x {:<5} {:<14} {:6.2f} %\n", window.size.width(), window.size.height(), window.layout,
+            measure(root, window.size, window.layout) * 100.0
+        );
+}
