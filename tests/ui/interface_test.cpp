@@ -74,6 +74,7 @@ class Interface : public testing::Test {
         click(command);
         auto* const files = window->findChild<QFileDialog*>();
         ASSERT_NE(files, nullptr);
+        if (file.isLocalFile()) Q_EMIT files->fileSelected(file.toLocalFile());
         Q_EMIT files->urlSelected(file);
         EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
         look();

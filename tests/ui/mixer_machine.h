@@ -9,15 +9,11 @@
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
 
+#include "widgets.h"
+
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QCoreApplication>
-#include <QLabel>
-#include <QWidget>
-
 #include <memory>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -87,33 +83,5 @@ class MixerViewTest : public testing::Test {
     MixerMachine machine;
     engine::MixerEngine engine{3, machine.services()};
 };
-
-/// All views of one class within another, also of a class that Qt knows nothing of.
-template <class View>
-std::vector<View*> viewsIn(const QWidget& view) {
-    std::vector<View*> found;
-    for (QWidget* each : view.findChildren<QWidget*>())
-        if (auto* const matching = dynamic_cast<View*>(each)) found.push_back(matching);
-    return found;
-}
-
-/// Deletes what was left to be deleted later.
-inline void deleteWhatIsDone() {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-/// The button of that accessible name or text, visible or not; it must be there.
-inline QAbstractButton& buttonOf(const QWidget& view, const QString& name) {
-    for (QAbstractButton* button : view.findChildren<QAbstractButton*>())
-        if (button->accessibleName() == name || button->text() == name) return *button;
-    throw std::runtime_error("There is no button " + name.toStdString());
-}
-
-/// Whether a label with that text can be seen.
-inline bool shows(const QWidget& view, const QString& text) {
-    for (const QLabel* label : view.findChildren<QLabel*>())
-        if (label->isVisibleTo(&view) && label->text() == text) return true;
-    return false;
-}
 
 } // namespace orvane::test

@@ -83,7 +83,7 @@ class Mixer : public testing::Test {
         ASSERT_NE(files, nullptr);
         files->selectFile(QString::fromStdString(path));
         static_cast<QDialog*>(files)->done(QDialog::Accepted);
-        Q_EMIT files->urlSelected(QUrl::fromLocalFile(QString::fromStdString(path)));
+        Q_EMIT files->fileSelected(QString::fromStdString(path));
     }
     /// Once nothing is being read or written any more.
     void waitForFiles() {

@@ -164,7 +164,7 @@ TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
     );
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
     EXPECT_TRUE(window->isVisible()) << "what could not be saved would be lost";
-    Q_EMIT files->urlSelected(QUrl::fromLocalFile(QString::fromStdString(folder / "show.orvane")));
+    Q_EMIT files->fileSelected(QString::fromStdString(folder / "show.orvane"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
     EXPECT_TRUE(std::filesystem::exists(folder / "show.orvane"));
 }

@@ -39,11 +39,6 @@ std::filesystem::path toPath(const QString& path) {
     return path.toStdString();
 }
 
-/// Why a place that some desktops' dialogs offer will not do.
-std::string elsewhere(const QUrl& file) {
-    return fmt::format("\"{}\" is not a file on this computer.", file.toDisplayString().toStdString());
-}
-
 bool hasPlugins(const std::vector<session::ChannelSettingsData>& channels) {
     return std::ranges::any_of(channels, [](const session::ChannelSettingsData& channel) {
         return std::ranges::any_of(channel.pluginSlots, [](const session::PluginSlot& slot) {
@@ -84,21 +79,28 @@ void SessionFile::save(std::function<void()> then) {
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(sessionSuffix);
     dialog->selectFile(exportName);
-    connect(dialog, &QFileDialog::urlSelected, this, [this, then = std::move(then)](const QUrl& file) {
-        if (file.isLocalFile()) return write(file.toLocalFile(), then);
-        channelArea.setFileErrorMessage(fmt::format("Export failed: {}", elsewhere(file)));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
+        write(path, then);
     });
+    refuseOtherPlaces(dialog, "Export failed: ");
     open(dialog);
 }
 
 void SessionFile::load() {
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, sessionFilter);
     dialog->setFileMode(QFileDialog::ExistingFile);
-    connect(dialog, &QFileDialog::urlSelected, this, [this](const QUrl& file) {
-        if (file.isLocalFile()) return loadFrom(file.toLocalFile());
-        channelArea.setFileErrorMessage(fmt::format("Import failed: {}", elsewhere(file)));
-    });
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { loadFrom(path); });
+    refuseOtherPlaces(dialog, "Import failed: ");
     open(dialog);
+}
+
+void SessionFile::refuseOtherPlaces(QFileDialog* dialog, const char* failure) {
+    connect(dialog, &QFileDialog::urlSelected, this, [this, failure](const QUrl& chosen) {
+        if (chosen.isLocalFile()) return;
+        channelArea.setFileErrorMessage(fmt::format(
+            "{}\"{}\" is not a file on this computer.", failure, chosen.toDisplayString().toStdString()
+        ));
+    });
 }
 
 void SessionFile::showBusy(const char* text) {

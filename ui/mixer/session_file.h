@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+class QFileDialog;
 class QWidget;
 
 namespace orvane::ui {
@@ -44,6 +45,8 @@ class SessionFile final : public QObject {
 
   private:
     void write(const QString& path, std::function<void()> then);
+    /// Some desktops' dialogs offer files of other computers.
+    void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
     void showBusy(const char* text);
 
     engine::MixerEngine& engine;

@@ -77,6 +77,7 @@ QString makeStyleSheet() {
         QProgressBar::chunk { background: %4; border-radius: 2px; }
         QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; }
         QToolButton#command { padding: 4px; }
+        QFileDialog QToolButton { padding: 0; }
         QToolButton:hover, QToolButton:pressed { background: %5; }
         QToolButton:focus { border-color: %4; }
     )")

@@ -1,0 +1,240 @@
+// A show, from the first start on, by an operator's hand on a real X server.
+
+#include "machine/audio_machine.h"
+#include "platform/preferences.h"
+#include "support/jack_midi_peer.h"
+#include "support/jack_test_server.h"
+#include "support/temporary_folder.h"
+#include "ui/controls/menu_picker.h"
+#include "ui/controls/value_slider.h"
+#include "ui/controls/vertical_fader.h"
+#include "ui/meters/meters.h"
+#include "ui/qt_main_thread.h"
+#include "ui/sheets/device_row.h"
+#include "ui/sheets/snapshots_view.h"
+#include "ui/strip/channel_strip_view.h"
+#include "ui/strip/plugin_picker_view.h"
+#include "ui/strip/plugin_slot_view.h"
+#include "ui/theme/theme.h"
+#include "ui/windows/orvane_app.h"
+#include "ui/windows/plugin_editor_windows.h"
+
+#include "hand.h"
+#include "widgets.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+
+#include <filesystem>
+#include <set>
+#include <variant>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+
+template <class Condition>
+[[nodiscard]] bool waitUntil(Condition condition) {
+    return QTest::qWaitFor(condition, 30000);
+}
+
+class Operator : public testing::Test {
+  protected:
+    Operator() {
+        setenv("ORVANE_DRIVERS", "virtual,jack", 1);
+        machine = std::move(machine::AudioMachine::make({})).value();
+        window = std::make_unique<ORVANEApp>(
+            ORVANEApp::Parts{
+                {.audioHardware = machine->hardware(),
+                 .midiServices = machine->midi(),
+                 .mainThread = mainThread,
+                 .audioUnitHost = machine->audioUnits(),
+                 .log = machine->log,
+                 .applicationSupport = folder / "support",
+                 .editorWindows = &editorWindows},
+                preferences},
+            LaunchOptions{}
+        );
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get(), 20000));
+    }
+    [[nodiscard]] engine::MixerEngine& engine() { return window->mixerRootView()->engine(); }
+    [[nodiscard]] const engine::EngineState& state() { return engine().state(); }
+    [[nodiscard]] const session::ChannelStrip& strip(std::size_t index) {
+        return state().channelStrips.get().at(index);
+    }
+    ChannelStripView& view(std::size_t index) { return *viewsIn<ChannelStripView>(*window).at(index); }
+    PluginSlotView& slot(std::size_t stripIndex, std::size_t slotIndex) {
+        return *viewsIn<PluginSlotView>(view(stripIndex)).at(slotIndex);
+    }
+
+    /// Presses a button of the window, or of the sheet in front of it.
+    void press(const QString& button) { hand.click(buttonOf(*window, button)); }
+    void press(const QWidget& within, const QString& button) { hand.click(buttonOf(within, button)); }
+
+    /// The sheet that a press has opened.
+    template <class Sheet>
+    Sheet& opened() {
+        Sheet* sheet = nullptr;
+        const bool isThere = waitUntil([&] {
+            for (Sheet* each : viewsIn<Sheet>(*window))
+                if (each->isVisible()) sheet = each;
+            return sheet != nullptr;
+        });
+        if (!isThere) throw std::runtime_error("Nothing opened");
+        EXPECT_TRUE(QTest::qWaitForWindowActive(sheet, 20000));
+        return *sheet;
+    }
+    template <class Sheet>
+    void waitUntilClosed() {
+        EXPECT_TRUE(waitUntil([&] {
+            deleteWhatIsDone();
+            return viewsIn<Sheet>(*window).empty();
+        }));
+    }
+
+    bool isLoaded(std::size_t stripIndex, std::size_t slotIndex) {
+        const auto& states = state().pluginLoadStates.get();
+        const auto found = states.find({strip(stripIndex).id, slotIndex});
+        return found != states.end() && std::holds_alternative<plugins::load_state::Loaded>(found->second);
+    }
+
+    void chooseSize(const QString& button, std::size_t strips) {
+        press(button);
+        ASSERT_TRUE(waitUntil([&] {
+            return window->mixerRootView() != nullptr && state().channelStrips.get().size() == strips;
+        }));
+    }
+
+    void chooseDemoAndStart() {
+        press(QStringLiteral("Audio / MIDI Devices"));
+        QDialog& sheet = opened<QDialog>();
+        for (DeviceRow* row : viewsIn<DeviceRow>(sheet))
+            if (row->text() == QStringLiteral("ORVANE Demo Panel")) hand.click(*row);
+        ASSERT_TRUE(waitUntil([&] { return state().selectedDevice.get().has_value(); }));
+        EXPECT_EQ(state().selectedDevice.get()->uid, "virtual:panel");
+        press(sheet, QStringLiteral("Done"));
+        waitUntilClosed<QDialog>();
+        press(QStringLiteral("Start"));
+        ASSERT_TRUE(waitUntil([&] { return state().isRunning.get(); }));
+    }
+
+    void chooseFile(const std::filesystem::path& file) {
+        opened<QFileDialog>();
+        hand.press(QStringLiteral("ctrl+a"));
+        hand.type(QString::fromStdString(file));
+        hand.press(QStringLiteral("Return"));
+        waitUntilClosed<QFileDialog>();
+    }
+
+    JackTestServer server{{}};
+    JackMIDIPeer keys{"keys", 1};
+    TemporaryFolder folder;
+    Hand hand;
+    QtMainThread mainThread;
+    platform::InMemoryPreferences preferences;
+    PluginEditorWindows editorWindows;
+    std::unique_ptr<machine::AudioMachine> machine;
+    std::unique_ptr<ORVANEApp> window;
+};
+
+TEST_F(Operator, MixesAShowAndHasItBackFromItsFile) {
+    chooseSize(QStringLiteral("8 channels"), 8);
+    chooseDemoAndStart();
+
+    std::set<int> heights;
+    const MeterView& meter = *viewsIn<MeterView>(view(0)).at(0);
+    EXPECT_TRUE(waitUntil([&] {
+        heights.insert(meter.litSegments());
+        return heights.size() > 3;
+    })) << "the meter does not move";
+
+    auto& name = *view(0).findChild<QLineEdit*>();
+    hand.click(name);
+    hand.press(QStringLiteral("ctrl+a"));
+    hand.type(QStringLiteral("Anna"));
+    hand.press(QStringLiteral("Return"));
+    EXPECT_TRUE(waitUntil([&] { return strip(0).name == "Anna"; }));
+    const VerticalFader& trim = *viewsIn<VerticalFader>(view(0)).at(0);
+    const int middle = trim.width() / 2;
+    hand.drag(trim, {middle, trim.height() / 2}, {middle, trim.height() / 4});
+    EXPECT_TRUE(waitUntil([&] { return strip(0).trim > 1.3 && strip(0).trim < 1.7; })) << strip(0).trim;
+    press(view(0), QStringLiteral("Mute"));
+    EXPECT_TRUE(waitUntil([&] { return strip(0).muted; }));
+    press(view(1), QStringLiteral("St"));
+    EXPECT_TRUE(waitUntil([&] { return viewsIn<ValueSlider>(view(1)).at(0)->isVisible(); }));
+    const ValueSlider& pan = *viewsIn<ValueSlider>(view(1)).at(0);
+    hand.clickAt(pan, {pan.width() / 4, pan.height() / 2});
+    const auto* const stereo = std::get_if<session::output::Stereo>(&strip(1).outputRouting);
+    ASSERT_NE(stereo, nullptr);
+    EXPECT_TRUE(waitUntil([&] { return stereo->pan < -0.3 && stereo->pan > -0.7; })) << stereo->pan;
+
+    hand.click(slot(0, 0));
+    opened<PluginPickerView>();
+    hand.type(QStringLiteral("Parametric Equalizer Mono"));
+    hand.press(QStringLiteral("Return"));
+    waitUntilClosed<PluginPickerView>();
+    EXPECT_TRUE(waitUntil([&] { return isLoaded(0, 0); }));
+    press(QStringLiteral("Copy"));
+    hand.click(slot(0, 0));
+    EXPECT_TRUE(waitUntil([&] { return state().pluginClipboard.get().has_value(); }));
+    press(QStringLiteral("Paste"));
+    hand.click(slot(2, 1));
+    EXPECT_TRUE(waitUntil([&] { return isLoaded(2, 1); }));
+    press(QStringLiteral("Paste"));
+
+    press(QStringLiteral("Snapshots"));
+    auto& scenes = opened<SnapshotsView>();
+    press(scenes, QStringLiteral("New"));
+    press(scenes, QStringLiteral("MIDI"));
+    EXPECT_TRUE(waitUntil([&] { return state().midiLearnTargetIndex.get().has_value(); }));
+    EXPECT_TRUE(waitUntil([&] { return keys.listenerCount(0) > 0; }));
+    ASSERT_TRUE(keys.play({{0, {0x90, 60, 100}}}));
+    EXPECT_TRUE(waitUntil([&] { return !state().midiLearnTargetIndex.get(); }));
+    press(scenes, QStringLiteral("Done"));
+    waitUntilClosed<SnapshotsView>();
+    press(view(0), QStringLiteral("Mute"));
+    EXPECT_TRUE(waitUntil([&] { return !strip(0).muted; }));
+    press(QStringLiteral("Snapshots"));
+    press(opened<SnapshotsView>(), QStringLiteral("New"));
+    press(QStringLiteral("Done"));
+    waitUntilClosed<SnapshotsView>();
+    EXPECT_EQ(state().snapshots.get().size(), 2U);
+    ASSERT_TRUE(keys.play({{0, {0x90, 60, 100}}}));
+    EXPECT_TRUE(waitUntil([&] { return strip(0).muted; })) << "the note recalls the first scene";
+    EXPECT_TRUE(waitUntil([&] { return isLoaded(0, 0) && isLoaded(2, 1); }));
+    EXPECT_TRUE(state().isRunning.get());
+
+    const std::filesystem::path file = folder / "show.orvane";
+    hand.press(QStringLiteral("ctrl+s"));
+    chooseFile(file);
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(file); }));
+    const session::MixerDocumentData show = engine().makeDocumentData();
+
+    press(QStringLiteral("8 Channels"));
+    press(opened<QMessageBox>(), QStringLiteral("Change Channel Count"));
+    EXPECT_TRUE(waitUntil([&] { return window->mixerRootView() == nullptr; }));
+    chooseSize(QStringLiteral("8 channels"), 8);
+    EXPECT_NE(engine().makeDocumentData(), show);
+    hand.press(QStringLiteral("ctrl+o"));
+    chooseFile(file);
+    EXPECT_TRUE(waitUntil([&] { return strip(0).name == "Anna" && isLoaded(0, 0) && isLoaded(2, 1); }));
+    EXPECT_EQ(engine().makeDocumentData(), show);
+    EXPECT_TRUE(waitUntil([&] { return view(0).findChild<QLineEdit*>()->text() == "Anna"; }));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    ui::applyTheme(application);
+    return RUN_ALL_TESTS();
+}
