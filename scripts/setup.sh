@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, pictures, check,
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check,
 # lint, fuzz.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
@@ -9,7 +9,6 @@ build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsnd
     libplist-dev nlohmann-json3-dev libfmt-dev libcli11-dev qt6-base-dev qt6-svg-dev libgl-dev)
 tests=(googletest libgtest-dev libgmock-dev libbenchmark-dev jackd2 mda-lv2 x42-plugins
     xvfb xauth x11-utils openbox xdotool fonts-dejavu-core)
-pictures=(imagemagick)
 check=(clang-format)
 lint=(clang-tidy cppcheck)
 fuzz=(clang-16 libclang-rt-16-dev)
@@ -24,11 +23,10 @@ for group in "$@"; do
     case "$group" in
     build) wanted+=("${build[@]}") ;;
     tests) wanted+=("${tests[@]}") ;;
-    pictures) wanted+=("${pictures[@]}") ;;
     check) wanted+=("${check[@]}") ;;
     lint) wanted+=("${lint[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, pictures, check, lint and fuzz." ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint and fuzz." ;;
     esac
 done
 
