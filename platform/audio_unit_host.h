@@ -2,6 +2,7 @@
 
 #include "platform/audio_component_description.h"
 #include "platform/audio_unit_rendering.h"
+#include "platform/native_editor.h"
 #include "platform/property_list.h"
 #include "platform/result.h"
 
@@ -141,9 +142,14 @@ class AUAudioUnit {
 
     /// Calls `completion`, on any thread, with the unit's editor, or with nothing where it has none.
     virtual void requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) = 0;
+
+    /// Opens the editor that the plugin brings along, one more each time; null where it brings none, or where
+    /// that cannot be opened, and the log says why then. The plugin's code may take its time.
+    virtual std::unique_ptr<NativeEditor> openNativeEditor(NativeEditorParent& /*parent*/) { return nullptr; }
 };
 
-/// What can be shown of a unit in a window: the panel that its parameters make up. Keeps the unit alive.
+/// What can be shown of a unit in a window: the editor that the plugin brings along, or the panel that its
+/// parameters make up. Keeps the unit alive.
 class AUViewController final {
   public:
     explicit AUViewController(std::shared_ptr<AUAudioUnit> audioUnit) : edited(std::move(audioUnit)) {}

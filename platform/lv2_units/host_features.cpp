@@ -1,6 +1,5 @@
 #include "platform/lv2_units/host_features.h"
 
-#include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/state_paths.h"
 
 #include <fmt/format.h>
@@ -10,7 +9,6 @@
 #include <lv2/state/state.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string_view>
 
 namespace orvane::platform::lv2_units {
@@ -32,34 +30,19 @@ constexpr std::string_view supportedOptions[] = {
     LV2_BUF_SIZE__minBlockLength, LV2_BUF_SIZE__maxBlockLength, LV2_BUF_SIZE__nominalBlockLength,
     LV2_BUF_SIZE__sequenceSize, LV2_PARAMETERS__sampleRate};
 
-LV2_URID mapUri(LV2_URID_Map_Handle services, const char* uri) {
-    return uri == nullptr ? 0 : static_cast<HostServices*>(services)->urids.map(uri);
-}
-
-const char* unmapUrid(LV2_URID_Unmap_Handle services, LV2_URID urid) {
-    return static_cast<HostServices*>(services)->urids.unmap(urid);
-}
-
 } // namespace
 
 HostFeatures::HostFeatures(
     HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
     double sampleRate, std::uint32_t maximumFrames
 )
-    : services(hostServices),
-      name(pluginName),
-      logTrace(services.urids.map(LV2_LOG__Trace)),
-      logError(services.urids.map(LV2_LOG__Error)),
-      map{&services, mapUri},
-      unmap{&services, unmapUrid},
-      log{this, print, vprint},
+    : common(hostServices, pluginName),
       blockLengths{
           1, static_cast<std::int32_t>(maximumFrames),
           std::min(usualBlockLength, static_cast<std::int32_t>(maximumFrames)), sequenceSize},
       optionSampleRate(static_cast<float>(sampleRate)) {
     const auto option = [&](const char* uri, const char* type, const auto& value) {
-        return LV2_Options_Option{LV2_OPTIONS_INSTANCE,     0,     services.urids.map(uri), sizeof value,
-                                  services.urids.map(type), &value};
+        return makeOption(hostServices.urids, uri, type, value);
     };
     options = {
         option(LV2_BUF_SIZE__minBlockLength, LV2_ATOM__Int, blockLengths[0]),
@@ -67,11 +50,11 @@ HostFeatures::HostFeatures(
         option(LV2_BUF_SIZE__nominalBlockLength, LV2_ATOM__Int, blockLengths[2]),
         option(LV2_BUF_SIZE__sequenceSize, LV2_ATOM__Int, blockLengths[3]),
         option(LV2_PARAMETERS__sampleRate, LV2_ATOM__Float, optionSampleRate),
-        LV2_Options_Option{LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr}};
+        noMoreOptions};
     features = {
-        LV2_Feature{LV2_URID__map, &map},
-        LV2_Feature{LV2_URID__unmap, &unmap},
-        LV2_Feature{LV2_LOG__log, &log},
+        LV2_Feature{LV2_URID__map, &common.map},
+        LV2_Feature{LV2_URID__unmap, &common.unmap},
+        LV2_Feature{LV2_LOG__log, &common.log},
         LV2_Feature{LV2_OPTIONS__options, options.data()},
         LV2_Feature{LV2_BUF_SIZE__boundedBlockLength, nullptr},
         LV2_Feature{LV2_WORKER__schedule, schedule},
@@ -83,45 +66,20 @@ HostFeatures::HostFeatures(
 }
 
 std::optional<Error> HostFeatures::whyUnsupported(const PluginDescription& description) {
-    for (const std::string& feature : description.requiredFeatures) {
+    for (const std::string& feature : description.requiredFeatures)
         if (feature == LV2_BUF_SIZE__fixedBlockLength || feature == LV2_BUF_SIZE__powerOf2BlockLength)
             return Error{fmt::format(
                 "\"{}\" needs blocks of a certain length, and a live mix has blocks of any.", description.name
             )};
-        if (std::ranges::find(supportedFeatures, feature) == std::ranges::end(supportedFeatures))
-            return Error{fmt::format(
-                "\"{}\" needs the LV2 feature {}, which is not supported.", description.name, feature
-            )};
-    }
-    for (const std::string& option : description.requiredOptions)
-        if (std::ranges::find(supportedOptions, option) == std::ranges::end(supportedOptions))
-            return Error{fmt::format(
-                "\"{}\" needs the LV2 option {}, which is not supported.", description.name, option
-            )};
+    if (const auto* const feature = firstUnsupported(description.requiredFeatures, supportedFeatures))
+        return Error{fmt::format(
+            "\"{}\" needs the LV2 feature {}, which is not supported.", description.name, *feature
+        )};
+    if (const auto* const option = firstUnsupported(description.requiredOptions, supportedOptions))
+        return Error{fmt::format(
+            "\"{}\" needs the LV2 option {}, which is not supported.", description.name, *option
+        )};
     return std::nullopt;
-}
-
-int HostFeatures::print(LV2_Log_Handle features, LV2_URID type, const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    const int length = vprint(features, type, format, arguments);
-    va_end(arguments);
-    return length;
-}
-
-int HostFeatures::vprint(LV2_Log_Handle features, LV2_URID type, const char* format, std::va_list arguments) {
-    auto& self = *static_cast<HostFeatures*>(features);
-    if (type == self.logTrace) return 0;
-    std::array<char, SystemLog::longestLine> text{};
-    const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
-    std::string_view line(text.data());
-    while (line.ends_with('\n'))
-        line.remove_suffix(1);
-    if (!line.empty())
-        self.services.log.post(
-            type == self.logError ? LogLevel::error : LogLevel::standard, logCategory, {self.name, ": ", line}
-        );
-    return length;
 }
 
 } // namespace orvane::platform::lv2_units

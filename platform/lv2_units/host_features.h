@@ -1,16 +1,15 @@
 #pragma once
 
+#include "platform/lv2_units/common_features.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/plugin_description.h"
 
 #include <lv2/core/lv2.h>
-#include <lv2/log/log.h>
 #include <lv2/options/options.h>
-#include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
 
 #include <array>
-#include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -36,19 +35,9 @@ class HostFeatures final {
     static std::optional<Error> whyUnsupported(const PluginDescription& description);
 
   private:
-    static int print(LV2_Log_Handle features, LV2_URID type, const char* format, ...);
-    static int vprint(LV2_Log_Handle features, LV2_URID type, const char* format, std::va_list arguments);
-
     static constexpr std::size_t featureCount = 9;
 
-    HostServices& services;
-    std::string name;
-    LV2_URID logTrace;
-    LV2_URID logError;
-
-    LV2_URID_Map map;
-    LV2_URID_Unmap unmap;
-    LV2_Log_Log log;
+    CommonFeatures common;
     std::array<std::int32_t, 4> blockLengths;
     float optionSampleRate;
     std::array<LV2_Options_Option, 6> options;

@@ -1,6 +1,8 @@
 #include "platform/lv2_units/lv2_unit.h"
 
 #include "platform/lv2_units/full_state.h"
+#include "platform/lv2_units/log_category.h"
+#include "platform/lv2_units/lv2_editor.h"
 
 #include <fmt/format.h>
 
@@ -158,7 +160,7 @@ OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
     const std::span<float> controls = instance->controlValues();
     for (const auto& parameter : ownParameters)
         if (!parameter->info().isReadOnly) controls[parameter->port()] = parameter->value();
-    instance->run(inputs, outputs, frameCount);
+    instance->run(inputs, outputs, frameCount, messages.load());
     for (const auto& parameter : ownParameters)
         if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
     const bool isSound =
@@ -185,8 +187,27 @@ void Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
 
 void Lv2Unit::requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) {
     const bool hasSomethingToShow =
-        std::ranges::any_of(ownParameters, [](const auto& parameter) { return !parameter->info().isHidden; });
+        description->editor || std::ranges::any_of(ownParameters, [](const auto& parameter) {
+            return !parameter->info().isHidden;
+        });
     completion(hasSomethingToShow ? std::make_shared<AUViewController>(shared_from_this()) : nullptr);
+}
+
+std::unique_ptr<NativeEditor> Lv2Unit::openNativeEditor(NativeEditorParent& parent) {
+    if (!description->editor) return nullptr;
+    if (!editorMessages) {
+        editorMessages = std::make_unique<EditorMessages>();
+        messages.store(editorMessages.get());
+    }
+    auto opened = Lv2Editor::open(
+        {shared_from_this(), *description, *services, ownParameters, *editorMessages}, parent
+    );
+    if (opened) return std::move(opened).value();
+    services->log.post(
+        LogLevel::error, logCategory,
+        {"The editor of \"", description->name, "\" cannot be opened: ", opened.error().description, "."}
+    );
+    return nullptr;
 }
 
 } // namespace orvane::platform::lv2_units

@@ -3,6 +3,7 @@
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
 #include "platform/audio_unit_host.h"
+#include "platform/lv2_units/editor_messages.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/lv2_bus.h"
 #include "platform/lv2_units/lv2_parameter.h"
@@ -10,6 +11,7 @@
 #include "platform/lv2_units/plugin_instance.h"
 #include "platform/lv2_units/render_gate.h"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -39,6 +41,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     void setFullState(const PropertyList::Dictionary& state) override;
     std::span<AUParameter* const> parameters() override { return parameterList; }
     void requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) override;
+    std::unique_ptr<NativeEditor> openNativeEditor(NativeEditorParent& parent) override;
 
   private:
     [[nodiscard]] bool hasRenderResources() const { return gate.current() != RenderGate::State::closed; }
@@ -68,6 +71,10 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
 
     std::vector<std::unique_ptr<Lv2Parameter>> ownParameters;
     std::vector<AUParameter*> parameterList;
+
+    /// Made when the first editor is opened; `messages` is where the render thread finds it.
+    std::unique_ptr<EditorMessages> editorMessages;
+    std::atomic<EditorMessages*> messages = nullptr;
 
     RenderGate gate;
     /// Sized with the render resources; the render thread's.

@@ -87,6 +87,11 @@ std::string textOf(const LilvNode* node) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
+std::string pathOf(const LilvNode* uri) {
+    const TextHandle path(uri == nullptr ? nullptr : lilv_node_get_path(uri, nullptr));
+    return path == nullptr ? std::string() : std::string(path.get());
+}
+
 std::optional<std::string> manifestProblem(const std::filesystem::path& folder) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
         std::fopen((folder / "manifest.ttl").c_str(), "r"), std::fclose

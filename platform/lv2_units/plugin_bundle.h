@@ -44,6 +44,9 @@ class PluginBundle final {
 /// What a node says as text; empty for none.
 std::string textOf(const LilvNode* node);
 
+/// The path of the file that a node is the URI of; empty for anything else.
+std::string pathOf(const LilvNode* uri);
+
 /// Why the bundle's manifest cannot be read, where that is so.
 std::optional<std::string> manifestProblem(const std::filesystem::path& folder);
 

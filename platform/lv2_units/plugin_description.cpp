@@ -50,11 +50,6 @@ std::size_t atomBufferSize(PluginBundle& bundle, const LilvPlugin* plugin, const
     );
 }
 
-std::string pathOf(const LilvNode* uri) {
-    const TextHandle path(uri == nullptr ? nullptr : lilv_node_get_path(uri, nullptr));
-    return path == nullptr ? std::string() : std::string(path.get());
-}
-
 } // namespace
 
 Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* plugin) {
@@ -67,6 +62,7 @@ Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* 
         const bool isInput = lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort));
         if (isInput == lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort)))
             return Error{fmt::format("its port number {} is not either an input or an output", i)};
+        roles[i].symbol = textOf(lilv_port_get_symbol(plugin, port));
         roles[i].isInput = isInput;
         roles[i].kind = kindOf(bundle, plugin, port);
         roles[i].isOptional = lilv_port_has_property(plugin, port, bundle.node(LV2_CORE__connectionOptional));
@@ -123,6 +119,7 @@ Result<PluginDescription> describe(PluginBundle& bundle, const LilvPlugin* plugi
         if (kind == PortKind::control && !held)
             description.controls.push_back(describeControl(bundle, plugin, port));
     }
+    description.editor = describeEditor(bundle, plugin);
     return description;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/audio_unit_host.h"
+#include "platform/lv2_units/editor_description.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/result.h"
 
@@ -24,6 +25,8 @@ struct PortRole {
     bool isSideChain = false;
     /// Names the group that an audio port belongs to; empty for none.
     std::string group = {};
+    /// The plugin's own short name of it, unique within the plugin.
+    std::string symbol = {};
 };
 
 /// The ports that carry the signal: those audio ports, but side chains, that must be connected, and those
@@ -63,6 +66,8 @@ struct PluginDescription {
 
     MainAudioPorts audio;
     std::vector<ControlPort> controls;
+    /// Nothing where the plugin brings no editor for X11 along.
+    std::optional<EditorDescription> editor;
 };
 
 /// The roles of the plugin's ports by index, or why it cannot be connected, as the end of a sentence.

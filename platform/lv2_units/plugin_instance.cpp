@@ -4,7 +4,6 @@
 #include "platform/lv2_units/state_paths.h"
 
 #include <fmt/format.h>
-#include <lv2/atom/atom.h>
 
 #include <algorithm>
 #include <array>
@@ -73,12 +72,8 @@ PluginInstance::PluginInstance(
       madeFor(settings),
       features(*services, description->name, worker.schedule(), madeFor.sampleRate, madeFor.maximumFrames),
       controls(description->heldValues),
-      sideBlocks(sideBlockCount(*description), madeFor.maximumFrames),
-      sequenceType(services->urids.map(LV2_ATOM__Sequence)),
-      chunkType(services->urids.map(LV2_ATOM__Chunk)) {
-    for (const std::size_t bytes : description->bufferSizes)
-        atomBuffers.emplace_back((bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t));
-}
+      atomPorts(*description, services->urids),
+      sideBlocks(sideBlockCount(*description), madeFor.maximumFrames) {}
 
 PluginInstance::~PluginInstance() {
     worker.stop();
@@ -110,7 +105,7 @@ void PluginInstance::connectPorts() {
         if (role.kind == PortKind::control) {
             buffer = &controls[i];
         } else if (role.kind == PortKind::atom) {
-            buffer = atomBuffers[i].data();
+            buffer = atomPorts.buffer(i);
         } else if (role.kind == PortKind::audio || role.kind == PortKind::cv) {
             if (contains(description->audio.inputs, i) || contains(description->audio.outputs, i)) continue;
             void* const block = sideBlocks[nextSideBlock++].data();
@@ -131,7 +126,8 @@ void PluginInstance::deactivate() {
 }
 
 void PluginInstance::run(
-    std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount
+    std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount,
+    EditorMessages* messages
 ) noexcept {
     const LV2_Descriptor& descriptor = library.descriptor();
     // The interface takes inputs as pointers to what could be written to; plugins do not.
@@ -139,23 +135,11 @@ void PluginInstance::run(
         descriptor.connect_port(handle, description->audio.inputs[c], const_cast<float*>(inputs[c]));
     for (std::size_t c = 0; c < outputs.size(); ++c)
         descriptor.connect_port(handle, description->audio.outputs[c], outputs[c]);
-    clearAtomPorts();
+    atomPorts.clear();
+    if (messages != nullptr) atomPorts.receive(*messages);
     descriptor.run(handle, frameCount);
     worker.deliverResponses();
-}
-
-void PluginInstance::clearAtomPorts() noexcept {
-    for (std::size_t i = 0; i < atomBuffers.size(); ++i) {
-        if (atomBuffers[i].empty()) continue;
-        auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(atomBuffers[i].data());
-        if (description->roles[i].isInput) {
-            sequence.atom = {sizeof sequence.body, sequenceType};
-        } else {
-            const std::size_t bytes = atomBuffers[i].size() * sizeof(std::max_align_t);
-            sequence.atom = {static_cast<std::uint32_t>(bytes - sizeof sequence.atom), chunkType};
-        }
-        sequence.body = {};
-    }
+    if (messages != nullptr) atomPorts.send(*messages);
 }
 
 PropertyList::Dictionary PluginInstance::state() const {

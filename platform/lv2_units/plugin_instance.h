@@ -2,6 +2,8 @@
 
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
+#include "platform/lv2_units/atom_ports.h"
+#include "platform/lv2_units/editor_messages.h"
 #include "platform/lv2_units/host_features.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/plugin_description.h"
@@ -13,7 +15,6 @@
 #include <lv2/core/lv2.h>
 #include <lv2/state/state.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -30,8 +31,8 @@ struct InstanceSettings {
 };
 
 /// A running plugin with every port but those of the main signal connected: controls to values, event
-/// inputs to empty sequences, what is beside the signal to silence. Owned by its unit. Control thread, but
-/// for what says otherwise.
+/// inputs to sequences of what editors send, what is beside the signal to silence. Owned by its unit. Control
+/// thread, but for what says otherwise.
 class PluginInstance final {
   public:
     /// Loads and instantiates the plugin, or says why not. Any thread; takes its time.
@@ -52,10 +53,11 @@ class PluginInstance final {
     [[nodiscard]] std::span<float> controlValues() noexcept { return controls; }
 
     /// Runs the plugin from the inputs into the outputs, one buffer of `frameCount` samples for each main
-    /// audio port. Render thread, real-time safe where the plugin is.
+    /// audio port; `messages`: with the plugin's open editors, null where there were none yet. Render thread,
+    /// real-time safe where the plugin is.
     ORVANE_REALTIME void
-    run(std::span<const float* const> inputs, std::span<float* const> outputs,
-        std::uint32_t frameCount) noexcept;
+    run(std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount,
+        EditorMessages* messages) noexcept;
 
     /// What the plugin's state interface saves. Also while it runs.
     [[nodiscard]] PropertyList::Dictionary state() const;
@@ -71,7 +73,6 @@ class PluginInstance final {
 
     bool instantiate();
     void connectPorts();
-    ORVANE_REALTIME void clearAtomPorts() noexcept;
 
     std::shared_ptr<const PluginDescription> description;
     std::shared_ptr<HostServices> services;
@@ -82,13 +83,11 @@ class PluginInstance final {
     LV2_Handle handle = nullptr;
     const LV2_State_Interface* stateInterface = nullptr;
 
-    /// By port index, both; an atom's buffer is empty where the port is of another kind.
+    /// By port index.
     std::vector<float> controls;
-    std::vector<std::vector<std::max_align_t>> atomBuffers;
+    AtomPorts atomPorts;
     /// One block for each audio and CV port beside the signal.
     dsp::ChannelBlocks<float> sideBlocks;
-    LV2_URID sequenceType;
-    LV2_URID chunkType;
 };
 
 } // namespace orvane::platform::lv2_units

@@ -49,6 +49,7 @@ class Lv2Bundles final {
         @prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .
         @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
         @prefix state: <http://lv2plug.in/ns/ext/state#> .
+        @prefix ui: <http://lv2plug.in/ns/extensions/ui#> .
         @prefix units: <http://lv2plug.in/ns/extensions/units#> .
 )";
 

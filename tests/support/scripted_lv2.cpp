@@ -1,6 +1,6 @@
 #include "support/scripted_lv2.h"
 
-#include <lv2/atom/atom.h>
+#include <lv2/atom/util.h>
 #include <lv2/core/lv2.h>
 #include <lv2/state/state.h>
 #include <lv2/urid/urid.h>
@@ -12,12 +12,14 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <limits>
 #include <string>
 #include <thread>
 
 // An LV2 plugin that multiplies its input by its control "gain", has its worker multiply the gain by ten and
 // shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. At
-// a gain of 2 its output is not a number. Its state is one value of each kind that there is.
+// a gain of 2 its output is not a number. Its state is one value of each kind that there is. Atoms that it is
+// sent it sends back; those of an integer below 0 with a size that is not theirs.
 
 namespace {
 
@@ -56,6 +58,7 @@ instantiate(const LV2_Descriptor* descriptor, double, const char*, const LV2_Fea
         if (std::strcmp((*features)->URI, LV2_WORKER__schedule) == 0)
             plugin->schedule = static_cast<LV2_Worker_Schedule*>((*features)->data);
     }
+    probe.pluginCount.fetch_add(1);
     plugin->choice = plugin->urid("urn:orvane:test:choice");
     plugin->floats.head = {sizeof(float), plugin->urid(LV2_ATOM__Float)};
     return plugin;
@@ -68,14 +71,27 @@ void connectPort(LV2_Handle handle, std::uint32_t port, void* data) {
 bool arePortsConnected(const Plugin& plugin, std::uint32_t frameCount) {
     const auto* const events = plugin.port<LV2_Atom_Sequence>(4);
     auto* const room = plugin.port<LV2_Atom>(5);
-    if (events->atom.type != plugin.urid(LV2_ATOM__Sequence) || events->atom.size != sizeof events->body)
-        return false;
+    if (events->atom.type != plugin.urid(LV2_ATOM__Sequence)) return false;
     if (room->type != plugin.urid(LV2_ATOM__Chunk) || room->size < 65536) return false;
     std::memset(static_cast<void*>(room + 1), 1, room->size);
     float sum = 0.0F;
     for (std::uint32_t i = 0; i < frameCount; ++i)
         sum += std::abs(plugin.port<float>(7)[i]);
     return plugin.ports[6] == nullptr && sum == 0.0F;
+}
+
+void sendBack(const Plugin& plugin) {
+    const auto& received = *plugin.port<LV2_Atom_Sequence>(4);
+    if (received.atom.size <= sizeof received.body) return;
+    auto* const sent = plugin.port<LV2_Atom_Sequence>(5);
+    std::memcpy(static_cast<void*>(sent), &received, sizeof received.atom + received.atom.size);
+    LV2_ATOM_SEQUENCE_FOREACH(sent, event) {
+        std::int32_t number = 0;
+        std::memcpy(&number, event + 1, sizeof number);
+        if (number >= 0) continue;
+        event->body.size = std::numeric_limits<std::uint32_t>::max() - 8;
+        return;
+    }
 }
 
 void run(LV2_Handle handle, std::uint32_t frameCount) {
@@ -85,7 +101,9 @@ void run(LV2_Handle handle, std::uint32_t frameCount) {
     for (std::uint32_t i = 0; i < frameCount; ++i)
         plugin.port<float>(1)[i] = gain == 2.0F ? NAN : gain * plugin.port<float>(0)[i];
     plugin.schedule->schedule_work(plugin.schedule->handle, sizeof gain, &gain);
-    *plugin.port<float>(3) = arePortsConnected(plugin, frameCount) ? plugin.answer : -1.0F;
+    const bool isConnected = arePortsConnected(plugin, frameCount);
+    *plugin.port<float>(3) = isConnected ? plugin.answer : -1.0F;
+    if (isConnected) sendBack(plugin);
 }
 
 LV2_Worker_Status work(
@@ -162,6 +180,7 @@ const void* extensionData(const char* uri) {
 
 void cleanup(LV2_Handle handle) {
     delete static_cast<Plugin*>(handle);
+    probe.pluginCount.fetch_sub(1);
 }
 
 constexpr LV2_Descriptor describe(const char* uri) {

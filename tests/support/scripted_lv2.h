@@ -1,8 +1,41 @@
 #pragma once
 
+#include <lv2/ui/ui.h>
+
 #include <atomic>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace orvane::test {
+
+/// What a test and the scripted plugin's editor know of each other. One thread.
+struct ScriptedEditorProbe {
+    // What the next one does.
+    bool refuses = false;
+    /// Asked for while it is opened, where it is not 0.
+    int width = 0;
+    bool wantsToClose = false;
+
+    // Of the one that was opened last.
+    LV2UI_Write_Function write = nullptr;
+    LV2UI_Controller controller = nullptr;
+    const LV2UI_Resize* resize = nullptr;
+    std::map<std::string, void*> features;
+    std::uint32_t gainPort = 0;
+
+    // Of all since the last reset.
+    /// Control values by port, in the order in which they came.
+    std::vector<std::pair<std::uint32_t, float>> values;
+    /// Atoms of integers.
+    std::vector<std::pair<std::uint32_t, std::int32_t>> messages;
+    int idleCalls = 0;
+    int openCount = 0;
+    /// How many plugins were there when an editor was closed.
+    std::vector<int> pluginsAtClose;
+};
 
 /// What a test and the scripted LV2 plugin, which is a library of its own, know of each other.
 struct ScriptedLv2Probe {
@@ -11,6 +44,8 @@ struct ScriptedLv2Probe {
     std::atomic<bool> isRestoring = false;
     std::atomic<int> runsDuringRestore = 0;
     std::atomic<int> runsEnded = 0;
+    std::atomic<int> pluginCount = 0;
+    ScriptedEditorProbe editor;
 };
 
 } // namespace orvane::test

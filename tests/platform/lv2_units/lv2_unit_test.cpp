@@ -1,10 +1,10 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/hosted_unit.h"
 #include "support/lv2_bundles.h"
-#include "support/scripted_lv2.h"
 #include "support/wait_for.h"
 
-#include <dlfcn.h>
+#include "scripted_plugin.h"
+
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <lv2/atom/atom.h>
@@ -22,36 +22,14 @@ namespace {
 
 using test::Lv2Bundles;
 using test::parameter;
+using test::probe;
+using test::scripted;
 using test::setUp;
 using test::UnitRenderer;
 using test::waitFor;
 using testing::Each;
 using testing::HasSubstr;
 using Dictionary = PropertyList::Dictionary;
-
-/// A description of the scripted plugin.
-std::string scripted(const std::string& variant, const std::string& more = "") {
-    return fmt::format(
-        R"(<urn:orvane:test:{0}> a lv2:Plugin ; doap:name "{0}" ; doap:maintainer [ foaf:name "Tests" ] ;
-        lv2:binary <file://{1}> ; {2} lv2:port
-        [ {3} ] , [ {4} ] ,
-        [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol "gain" ; lv2:name "Gain" ;
-          lv2:default 0.5 ; lv2:maximum 2 ] ,
-        [ a lv2:ControlPort, lv2:OutputPort ; lv2:index 3 ; lv2:symbol "answer" ; lv2:name "Answer" ] ,
-        [ a atom:AtomPort, lv2:InputPort ; lv2:index 4 ; lv2:symbol "in" ; lv2:name "In" ] ,
-        [ a atom:AtomPort, lv2:OutputPort ; lv2:index 5 ; lv2:symbol "out" ; lv2:name "Out" ;
-          rsz:minimumSize 65544 ] ,
-        [ lv2:portProperty lv2:connectionOptional, lv2:isSideChain ; {5} ] ,
-        [ a lv2:CVPort, lv2:InputPort ; lv2:index 7 ; lv2:symbol "cv" ; lv2:name "CV" ] .)",
-        variant, ORVANE_SCRIPTED_LV2, more, Lv2Bundles::audioPort(0, "Input"),
-        Lv2Bundles::audioPort(1, "Output"), Lv2Bundles::audioPort(6, "Input")
-    );
-}
-
-test::ScriptedLv2Probe& probe() {
-    void* const library = ::dlopen(ORVANE_SCRIPTED_LV2, RTLD_NOW | RTLD_LOCAL);
-    return *reinterpret_cast<decltype(&orvaneScriptedLv2Probe)>(::dlsym(library, "orvaneScriptedLv2Probe"))();
-}
 
 class Lv2UnitTest : public testing::Test {
   protected:

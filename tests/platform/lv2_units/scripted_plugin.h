@@ -1,0 +1,38 @@
+#pragma once
+
+#include "support/lv2_bundles.h"
+#include "support/scripted_lv2.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+
+#include <string>
+
+namespace orvane::test {
+
+/// A description of the scripted plugin.
+inline std::string scripted(const std::string& variant, const std::string& more = "") {
+    return fmt::format(
+        R"(<urn:orvane:test:{0}> a lv2:Plugin ; doap:name "{0}" ; doap:maintainer [ foaf:name "Tests" ] ;
+        lv2:binary <file://{1}> ; {2} lv2:port
+        [ {3} ] , [ {4} ] ,
+        [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol "gain" ; lv2:name "Gain" ;
+          lv2:default 0.5 ; lv2:maximum 2 ] ,
+        [ a lv2:ControlPort, lv2:OutputPort ; lv2:index 3 ; lv2:symbol "answer" ; lv2:name "Answer" ] ,
+        [ a atom:AtomPort, lv2:InputPort ; lv2:index 4 ; lv2:symbol "in" ; lv2:name "In" ] ,
+        [ a atom:AtomPort, lv2:OutputPort ; lv2:index 5 ; lv2:symbol "out" ; lv2:name "Out" ;
+          rsz:minimumSize 65544 ] ,
+        [ lv2:portProperty lv2:connectionOptional, lv2:isSideChain ; {5} ] ,
+        [ a lv2:CVPort, lv2:InputPort ; lv2:index 7 ; lv2:symbol "cv" ; lv2:name "CV" ] .)",
+        variant, ORVANE_SCRIPTED_LV2, more, Lv2Bundles::audioPort(0, "Input"),
+        Lv2Bundles::audioPort(1, "Output"), Lv2Bundles::audioPort(6, "Input")
+    );
+}
+
+/// What the scripted plugin and its editor tell.
+inline ScriptedLv2Probe& probe() {
+    void* const library = ::dlopen(ORVANE_SCRIPTED_LV2, RTLD_NOW | RTLD_LOCAL);
+    return *reinterpret_cast<decltype(&orvaneScriptedLv2Probe)>(::dlsym(library, "orvaneScriptedLv2Probe"))();
+}
+
+} // namespace orvane::test
