@@ -99,7 +99,12 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         editorCompletion(script.hasEditor ? std::make_shared<platform::AUViewController>(self) : nullptr);
     }
 
+    std::unique_ptr<platform::NativeEditor> openNativeEditor(platform::NativeEditorParent& parent) override {
+        return nativeEditor ? nativeEditor(parent) : nullptr;
+    }
+
     std::atomic<float> gain = 1.0F;
+    std::function<std::unique_ptr<platform::NativeEditor>(platform::NativeEditorParent&)> nativeEditor;
     std::vector<std::string> steps;
     int editorRequests = 0;
 

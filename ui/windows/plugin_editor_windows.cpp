@@ -1,7 +1,9 @@
 #include "ui/windows/plugin_editor_windows.h"
 
+#include "ui/windows/native_editor_view.h"
 #include "ui/windows/plugin_editor_view.h"
 #include "ui/windows/window_presenter.h"
+#include "ui/windows/x11_windows.h"
 
 #include <utility>
 
@@ -18,28 +20,37 @@ Qt::WindowFlags flagsOf(std::uint32_t styleMask) {
     return flags;
 }
 
+/// What the plugin brings along, else the panel that its parameters make up.
+std::unique_ptr<QWidget>
+makeView(std::shared_ptr<platform::AUViewController> content, Qt::WindowFlags flags) {
+    if (isOnX11())
+        if (auto native = NativeEditorView::open(content, flags)) return native;
+    auto panel = std::make_unique<PluginEditorView>(std::move(content));
+    panel->setWindowFlags(flags);
+    return panel;
+}
+
 class PluginEditorWindow final : public platform::NSWindowController {
   public:
     PluginEditorWindow(
         std::shared_ptr<platform::AUViewController> content, const std::string& title, std::uint32_t styleMask
     )
-        : view(std::move(content)) {
-        view.setWindowFlags(flagsOf(styleMask));
-        view.setWindowTitle(QString::fromStdString(title));
-        view.resize(view.sizeHint());
-        if ((styleMask & platform::NSWindowStyleMaskResizable) == 0) view.setFixedSize(view.size());
+        : view(makeView(std::move(content), flagsOf(styleMask))) {
+        view->setWindowTitle(QString::fromStdString(title));
+        if (view->sizeHint().isValid()) view->resize(view->sizeHint());
+        if ((styleMask & platform::NSWindowStyleMaskResizable) == 0) view->setFixedSize(view->size());
     }
 
     void showWindow() override {
-        view.show();
+        view->show();
         wasShown = true;
     }
-    void makeKeyAndOrderFront() override { bringToFront(view); }
+    void makeKeyAndOrderFront() override { bringToFront(*view); }
     /// A window that is minimised is not hidden.
-    [[nodiscard]] bool isClosed() const override { return wasShown && view.isHidden(); }
+    [[nodiscard]] bool isClosed() const override { return wasShown && view->isHidden(); }
 
   private:
-    PluginEditorView view;
+    std::unique_ptr<QWidget> view;
     bool wasShown = false;
 };
 
