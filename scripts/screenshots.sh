@@ -17,5 +17,6 @@ take() {
 }
 
 take 1280x860 1280x860 1
-take 900x560 900x560 1
+# The smallest content, with its menu bar.
+take 900x560 900x584 1
 take 1280x860@2 2560x1720 2

@@ -56,10 +56,7 @@ void Hand::moveTo(const QWidget& widget, QPoint place) {
     if (!QTest::qWaitFor(isReady, 20000))
         throw std::runtime_error("Nobody could touch " + widget.accessibleName().toStdString());
     const QPoint position = widget.mapToGlobal(place);
-    run(
-        {QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(position.x()),
-         QString::number(position.y())}
-    );
+    run({QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())});
 }
 
 } // namespace orvane::test

@@ -5,7 +5,6 @@
 #include "support/jack_midi_peer.h"
 #include "support/jack_test_server.h"
 #include "support/temporary_folder.h"
-#include "ui/controls/menu_picker.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/meters/meters.h"
@@ -16,6 +15,7 @@
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/theme/theme.h"
+#include "ui/windows/native_editor_view.h"
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
 
@@ -182,6 +182,14 @@ TEST_F(Operator, MixesAShowAndHasItBackFromItsFile) {
     hand.press(QStringLiteral("Return"));
     waitUntilClosed<PluginPickerView>();
     EXPECT_TRUE(waitUntil([&] { return isLoaded(0, 0); }));
+    hand.click(slot(0, 0));
+    NativeEditorView* editor = nullptr;
+    ASSERT_TRUE(waitUntil([&] {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (auto* const view = dynamic_cast<NativeEditorView*>(top)) editor = view;
+        return editor != nullptr && editor->isVisible();
+    })) << "the plugin's own editor does not open";
+    editor->close();
     press(QStringLiteral("Copy"));
     hand.click(slot(0, 0));
     EXPECT_TRUE(waitUntil([&] { return state().pluginClipboard.get().has_value(); }));
