@@ -1,7 +1,6 @@
 #include "audio/ring_buffer.h"
 
 #include <algorithm>
-#include <mutex>
 
 namespace orvane::audio {
 
@@ -9,26 +8,28 @@ RingBuffer::RingBuffer(std::int64_t requestedCapacity)
     : buffer(static_cast<std::size_t>(std::max<std::int64_t>(requestedCapacity, 1)), 0.0F) {}
 
 std::size_t RingBuffer::write(std::span<const float> samples) noexcept {
-    const std::scoped_lock guard(lock);
-    const std::size_t stored = std::min(capacity() - count, samples.size());
-    const std::size_t beforeEnd = std::min(stored, capacity() - writeIndex);
+    const std::size_t before = stored.load(std::memory_order_relaxed);
+    const std::size_t held = before - taken.load(std::memory_order_acquire);
+    const std::size_t count = std::min(capacity() - held, samples.size());
+    const std::size_t beforeEnd = std::min(count, capacity() - writeIndex);
     std::copy_n(samples.begin(), beforeEnd, buffer.data() + writeIndex);
-    std::copy_n(samples.data() + beforeEnd, stored - beforeEnd, buffer.begin());
-    writeIndex = (writeIndex + stored) % capacity();
-    count += stored;
-    return stored;
+    if (beforeEnd < count) std::copy_n(samples.data() + beforeEnd, count - beforeEnd, buffer.begin());
+    writeIndex = advanced(writeIndex, count);
+    stored.store(before + count, std::memory_order_release);
+    return count;
 }
 
 std::size_t RingBuffer::read(std::span<float> samples) noexcept {
-    const std::scoped_lock guard(lock);
-    const std::size_t delivered = std::min(count, samples.size());
-    const std::size_t beforeEnd = std::min(delivered, capacity() - readIndex);
+    const std::size_t before = taken.load(std::memory_order_relaxed);
+    const std::size_t held = stored.load(std::memory_order_acquire) - before;
+    const std::size_t count = std::min(held, samples.size());
+    const std::size_t beforeEnd = std::min(count, capacity() - readIndex);
     std::copy_n(buffer.data() + readIndex, beforeEnd, samples.begin());
-    std::copy_n(buffer.begin(), delivered - beforeEnd, samples.data() + beforeEnd);
-    std::ranges::fill(samples.subspan(delivered), 0.0F);
-    readIndex = (readIndex + delivered) % capacity();
-    count -= delivered;
-    return delivered;
+    if (beforeEnd < count) std::copy_n(buffer.begin(), count - beforeEnd, samples.data() + beforeEnd);
+    if (count < samples.size()) std::ranges::fill(samples.subspan(count), 0.0F);
+    readIndex = advanced(readIndex, count);
+    taken.store(before + count, std::memory_order_release);
+    return count;
 }
 
 } // namespace orvane::audio
