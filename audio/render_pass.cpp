@@ -78,8 +78,8 @@ class Pass final {
     void publish(std::uint64_t startTicks) noexcept {
         const std::span<const double> gains = automix.currentGains();
         for (std::size_t strip = 0; strip < strips; ++strip) {
-            const double reduction = -20.0 * std::log10(std::max(gains[strip], smallestShownGain));
-            scratch.gainReductionScratch[strip] = std::max(0.0, reduction);
+            const double gain = std::max(gains[strip], smallestShownGain);
+            scratch.gainReductionScratch[strip] = gain < 1.0 ? -20.0 * std::log10(gain) : 0.0;
         }
         state.publishMeters(automix);
         state.publishLoad(startTicks, frameCount);

@@ -57,7 +57,8 @@ AutomixProcessor::AutomixProcessor(
           .releaseMs = initialReleaseMs},
       handover(edited),
       levelsScratch(channelCount, 0.0),
-      lanes(channelCount),
+      detected{Lanes(channelCount), Lanes(channelCount), Lanes(channelCount)},
+      lanesOnBus(channelCount),
       lanesOffBus(channelCount),
       outputLevels(channelCount, 0.0) {
     assert(channelCount >= 1);
@@ -126,37 +127,36 @@ AutomixProcessor::process(const ChannelBlocks<double>& blocks, std::span<const b
 void AutomixProcessor::detect(
     const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
 ) noexcept {
-    std::ranges::fill(levelsScratch, 0.0);
-    for (std::size_t i = 0; i < channelCount(); ++i)
-        triggerFilters[i].mode = controls.settings[i].genderMode;
+    for (Lanes& lanes : detected)
+        lanes.clear();
+    for (std::size_t i = 0; i < channelCount(); ++i) {
+        levelsScratch[i] = 0.0;
+        const GenderTriggerMode mode = controls.settings[i].genderMode;
+        triggerFilters[i].mode = mode;
+        if (!isActive(mask, i)) continue;
+        // A shelf's state moves on even where its level is not wanted.
+        if (mode == GenderTriggerMode::neutral && !competes(controls.settings[i])) continue;
+        detected[static_cast<std::size_t>(mode)].add(i, blocks[i].data());
+    }
     for (const GenderTriggerMode mode : allGenderTriggerModes)
-        detectWith(mode, controls, blocks, mask);
+        detectWith(mode, controls, blocks.frameCount());
 }
 
 void AutomixProcessor::detectWith(
-    GenderTriggerMode mode, const Controls& controls, const ChannelBlocks<double>& blocks,
-    std::span<const bool> mask
+    GenderTriggerMode mode, const Controls& controls, std::size_t frameCount
 ) noexcept {
-    lanes.clear();
-    for (std::size_t i = 0; i < channelCount(); ++i) {
-        if (triggerFilters[i].mode != mode || !isActive(mask, i)) continue;
-        // A shelf's state moves on even where its level is not wanted.
-        if (mode == GenderTriggerMode::neutral && !competes(controls.settings[i])) continue;
-        lanes.channels[lanes.count] = i;
-        lanes.inputs[lanes.count] = blocks[i].data();
-        ++lanes.count;
-    }
+    Lanes& lanes = detected[static_cast<std::size_t>(mode)];
     if (lanes.count == 0) return;
-
-    sumSquares(mode, blocks.frameCount());
+    sumSquares(mode, frameCount);
+    kernels.rootMeans(lanes.sums.data(), lanes.count, frameCount);
     for (std::size_t lane = 0; lane < lanes.count; ++lane) {
         const std::size_t channel = lanes.channels[lane];
-        if (competes(controls.settings[channel]))
-            levelsScratch[channel] = LevelDetector::rms(lanes.sums[lane], blocks.frameCount());
+        if (competes(controls.settings[channel])) levelsScratch[channel] = lanes.sums[lane];
     }
 }
 
 void AutomixProcessor::sumSquares(GenderTriggerMode mode, std::size_t frameCount) noexcept {
+    Lanes& lanes = detected[static_cast<std::size_t>(mode)];
     const double* const* inputs = lanes.inputs.data();
     if (mode == GenderTriggerMode::neutral) {
         kernels.sumOfSquares(inputs, lanes.count, frameCount, lanes.sums.data());
@@ -182,7 +182,7 @@ void AutomixProcessor::mix(
 ) noexcept {
     const std::span<const double> gains = gainSharing.smoothedGain();
     std::ranges::fill(summedScratch, 0.0);
-    lanes.clear();
+    lanesOnBus.clear();
     lanesOffBus.clear();
     for (std::size_t i = 0; i < channelCount(); ++i) {
         if (!isActive(mask, i)) {
@@ -194,16 +194,14 @@ void AutomixProcessor::mix(
         const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
                             : settings.vocalRole == VocalRole::backing ? controls.backingGain
                                                                        : 1.0;
-        Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanes;
-        group.channels[group.count] = i;
-        group.inputs[group.count] = blocks[i].data();
-        group.outputs[group.count] = perChannelScratch[i].data();
-        group.values[group.count] = settings.muted      ? 0.0
-                                    : settings.bypassed ? role * settings.trim
-                                                        : role * (gains[i] * settings.trim);
-        ++group.count;
+        Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanesOnBus;
+        const std::size_t lane = group.add(i, blocks[i].data());
+        group.outputs[lane] = perChannelScratch[i].data();
+        group.values[lane] = settings.muted      ? 0.0
+                             : settings.bypassed ? role * settings.trim
+                                                 : role * (gains[i] * settings.trim);
     }
-    mixGroup(lanes, blocks.frameCount(), summedScratch.data());
+    mixGroup(lanesOnBus, blocks.frameCount(), summedScratch.data());
     mixGroup(lanesOffBus, blocks.frameCount(), nullptr);
 }
 
@@ -212,8 +210,9 @@ void AutomixProcessor::mixGroup(Lanes& group, std::size_t frameCount, double* bu
         group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,
         group.sums.data()
     );
+    kernels.rootMeans(group.sums.data(), group.count, frameCount);
     for (std::size_t lane = 0; lane < group.count; ++lane)
-        outputLevels[group.channels[lane]] = LevelDetector::rms(group.sums[lane], frameCount);
+        outputLevels[group.channels[lane]] = group.sums[lane];
 }
 
 void AutomixProcessor::level() noexcept {

@@ -9,6 +9,7 @@
 #include "dsp/master_bus_leveler.h"
 #include "dsp/realtime.h"
 
+#include <array>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -98,6 +99,12 @@ class AutomixProcessor final {
     struct Lanes {
         explicit Lanes(std::size_t most);
         void clear() noexcept { count = 0; }
+        /// The next lane.
+        std::size_t add(std::size_t channel, const double* input) noexcept {
+            channels[count] = channel;
+            inputs[count] = input;
+            return count++;
+        }
 
         std::size_t count = 0;
         std::vector<std::size_t> channels;
@@ -111,10 +118,7 @@ class AutomixProcessor final {
     void detect(
         const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
     ) noexcept;
-    void detectWith(
-        GenderTriggerMode mode, const Controls& controls, const ChannelBlocks<double>& blocks,
-        std::span<const bool> mask
-    ) noexcept;
+    void detectWith(GenderTriggerMode mode, const Controls& controls, std::size_t frameCount) noexcept;
     void sumSquares(GenderTriggerMode mode, std::size_t frameCount) noexcept;
     void
     mix(const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask) noexcept;
@@ -131,7 +135,9 @@ class AutomixProcessor final {
     std::vector<double> levelsScratch;
     ChannelBlocks<double> perChannelScratch;
     std::vector<double> summedScratch;
-    Lanes lanes;
+    /// One for every trigger mode.
+    std::array<Lanes, allGenderTriggerModes.size()> detected;
+    Lanes lanesOnBus;
     Lanes lanesOffBus;
     std::vector<double> outputLevels;
     double masterLevel = 0.0;

@@ -36,6 +36,9 @@ struct LaneKernels {
     )(const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
       std::size_t frameCount, double* bus, double* sums) noexcept;
 
+    /// sums[c], a sum of `frameCount` squares, becomes the root of their mean; 0 where there are no frames.
+    void (*rootMeans)(double* sums, std::size_t channelCount, std::size_t frameCount) noexcept;
+
     /// samples[i] = gain * samples[i].
     void (*scale)(double* samples, double gain, std::size_t frameCount) noexcept;
 

@@ -228,6 +228,12 @@ void mix(
     }
 }
 
+void rootMeans(double* sums, std::size_t channelCount, std::size_t frameCount) noexcept {
+    const double count = static_cast<double>(frameCount);
+    for (std::size_t c = 0; c < channelCount; ++c)
+        sums[c] = frameCount == 0 ? 0.0 : __builtin_sqrt(sums[c] / count);
+}
+
 void scale(double* samples, double gain, std::size_t frameCount) noexcept {
     for (std::size_t i = 0; i < frameCount; ++i)
         samples[i] = gain * samples[i];
@@ -251,8 +257,9 @@ void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t
 }
 
 constexpr LaneKernels kernelsNamed(const char* name) {
-    return {name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, scale, addScaled,
-            widen, narrow};
+    return {
+        name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, rootMeans, scale, addScaled,
+        widen, narrow};
 }
 
 } // namespace
