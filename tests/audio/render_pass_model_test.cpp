@@ -23,7 +23,7 @@ namespace master_output = session::master_output;
 /// The fast mixer and the plain one, given the same show.
 class TwoMixers final {
   public:
-    explicit TwoMixers(unsigned seed) : random(seed) {
+    TwoMixers(unsigned seed, const dsp::LaneKernels& loops) : random(seed), kernels(loops) {
         plain.automix.settings[shape.strips].excludedFromMasterBus = true;
         reroute();
         regain();
@@ -152,13 +152,15 @@ class TwoMixers final {
     }
 
     Random random;
+    const dsp::LaneKernels& kernels;
     std::size_t captureChannels = static_cast<std::size_t>(wholeBetween(random, 1, 12));
     MixerHarness::Shape shape{
         .strips = static_cast<std::size_t>(wholeBetween(random, 1, 20)),
         .sampleRate = oneIn(random, 2) ? 48000.0 : 44100.0,
         .bufferSize = 256,
         .outputs = static_cast<std::size_t>(wholeBetween(random, 1, 8)),
-        .masterOutputs = static_cast<std::size_t>(oneIn(random, 2) ? 0 : wholeBetween(random, 1, 4))};
+        .masterOutputs = static_cast<std::size_t>(oneIn(random, 2) ? 0 : wholeBetween(random, 1, 4)),
+        .kernels = &kernels};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     std::deque<ScriptedUnit> units;
     std::vector<std::shared_ptr<plugins::InsertRenderContext>> inserts;
@@ -167,16 +169,17 @@ class TwoMixers final {
         {shape.strips, shape.sampleRate, shape.bufferSize, shape.outputs, shape.masterOutputs}, -10.0};
 };
 
-TEST(RenderPass, GivesTheBitsOfThePlainReadingInRandomSessions) {
-    for (unsigned seed = 1; seed <= 60; ++seed) {
-        TwoMixers mixers(seed);
-        for (int block = 0; block < 40; ++block) {
-            SCOPED_TRACE(testing::Message() << "seed " << seed << ", block " << block);
-            if (block > 0) mixers.edit();
-            mixers.cycle();
-            if (testing::Test::HasFatalFailure()) return;
+TEST(RenderPass, GivesTheBitsOfThePlainReadingInRandomSessionsOnEveryInstructionSet) {
+    for (const dsp::LaneKernels* kernels : dsp::supportedLaneKernels())
+        for (unsigned seed = 1; seed <= 60; ++seed) {
+            TwoMixers mixers(seed, *kernels);
+            for (int block = 0; block < 40; ++block) {
+                SCOPED_TRACE(testing::Message() << kernels->name << ", seed " << seed << ", block " << block);
+                if (block > 0) mixers.edit();
+                mixers.cycle();
+                if (testing::Test::HasFatalFailure()) return;
+            }
         }
-    }
 }
 
 } // namespace

@@ -43,6 +43,7 @@ struct MixerHarness {
         std::size_t outputs = 2;
         /// 0: the master bus goes to the main device.
         std::size_t masterOutputs = 0;
+        const dsp::LaneKernels* kernels = &dsp::fastestLaneKernels();
     };
 
     explicit MixerHarness(
@@ -51,7 +52,7 @@ struct MixerHarness {
     )
         : automix(
             shape.strips + 1, shape.sampleRate, shape.sampleRate / static_cast<double>(shape.bufferSize),
-            masterTargetDB
+            masterTargetDB, *shape.kernels
         ),
           state(shape.strips, clock) {
         state.sampleRate = shape.sampleRate;
