@@ -1,55 +1,50 @@
-#include "dsp/kernels/lane_kernels.h"
+#include "parts.h"
 
-#include <benchmark/benchmark.h>
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <exception>
+#include <string>
 #include <vector>
 
 namespace {
 
-/// One line a benchmark: times in microseconds a block, ratios within the run.
-class TableReporter final : public benchmark::BenchmarkReporter {
-  public:
-    bool ReportContext(const Context&) override {
-        fmt::print(
-            "48 strips and the reference noise, 48 kHz, {} kernels. Times per block in microseconds; \"of "
-            "block\" is "
-            "the median's share of the time the block "
-            "lasts.\n\n{:<24}{:>9}{:>9}{:>9}{:>10}{:>10}{:>9}{:>9}\n",
-            orvane::dsp::fastestLaneKernels().name, "", "median", "99.9 %", "worst", "of block", "baseline",
-            "faster", "copy"
-        );
-        return true;
-    }
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        constexpr double micro = 1e6;
-        for (const Run& run : runs) {
-            if (run.error_occurred) {
-                fmt::print("{:<24}{}\n", run.benchmark_name(), run.error_message);
-                failed = true;
-                continue;
-            }
-            const auto value = [&run](const char* counter) { return run.counters.at(counter).value; };
-            fmt::print(
-                "{:<24}{:>9.2f}{:>9.2f}{:>9.2f}{:>8.2f} %{:>10.2f}{:>8.2f}x{:>9.2f}\n", run.benchmark_name(),
-                value("median") * micro, value("p99.9") * micro, value("worst") * micro,
-                value("share") * 100.0, value("baseline") * micro, value("faster"), value("copy") * micro
-            );
-        }
-        std::fflush(stdout);
-    }
-
-    bool failed = false;
+struct Part {
+    const char* name;
+    void (*print)();
 };
+
+constexpr Part parts[] = {
+    {"blocks", orvane::bench::printBlocks},
+    {"sets", orvane::bench::printInstructionSets},
+    {"fixed", orvane::bench::printFixedCost},
+    {"scaling", orvane::bench::printScaling},
+    {"engine", orvane::bench::printEngine}};
 
 } // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-    TableReporter table;
-    benchmark::RunSpecifiedBenchmarks(&table);
-    return table.failed ? 1 : 0;
+    CLI::App program("Measures the mixer; docs/performance.md explains the figures.", "orvane_bench");
+    std::vector<std::string> all;
+    for (const Part& part : parts)
+        all.emplace_back(part.name);
+    std::vector<std::string> wanted = all;
+    program
+        .add_option(
+            "part", wanted,
+            "What to measure, everything if left out: blocks (times per block against plain loops), sets "
+            "(instruction sets), fixed (cost of a block however short), scaling (growth with strips and "
+            "frames), engine (start, stop, recall, load, scan, memory)"
+        )
+        ->check(CLI::IsMember(all));
+    CLI11_PARSE(program, argc, argv);
+    try {
+        for (const Part& part : parts)
+            if (std::ranges::find(wanted, part.name) != wanted.end()) part.print();
+    } catch (const std::exception& problem) {
+        fmt::print(stderr, "orvane_bench: {}\n", problem.what());
+        return 1;
+    }
 }

@@ -11,16 +11,21 @@
 
 namespace orvane::bench {
 
-/// The show that everything is measured on: 48 strips and the reference noise at 48 kHz, noise on every
-/// microphone, every strip panned to a pair of 48 outputs, the master bus on the first pair, trigger filters
-/// on half the strips. The fast mixer and the plain one are set up alike.
+/// The show that everything is measured on: strips and the reference noise at 48 kHz, noise on every
+/// microphone, every strip panned to a pair of as many outputs, the master bus on the first pair, trigger
+/// filters on half the strips. The fast mixer and the plain one are set up alike.
 class ReferenceConditions final {
   public:
-    static constexpr std::size_t strips = 48;
-    static constexpr std::size_t outputs = 48;
     static constexpr double sampleRate = 48000.0;
 
-    explicit ReferenceConditions(std::size_t framesPerBlock);
+    /// What varies: 48 strips and the fastest kernels unless said otherwise.
+    struct Shape {
+        std::size_t frames = 64;
+        std::size_t strips = 48;
+        const dsp::LaneKernels* kernels = &dsp::fastestLaneKernels();
+    };
+
+    explicit ReferenceConditions(const Shape& wanted);
 
     /// One block through the fast mixer, and its outputs played.
     void runFast();
@@ -36,17 +41,21 @@ class ReferenceConditions final {
     void copyBlock();
 
     /// The time that a block lasts, in seconds.
-    [[nodiscard]] double blockSeconds() const { return static_cast<double>(frames) / sampleRate; }
+    [[nodiscard]] double blockSeconds() const { return static_cast<double>(shape.frames) / sampleRate; }
 
     /// Whether both mixers gave the same bits for the block that each ran last.
     [[nodiscard]] bool playedTheSame() const { return fastPlayed == plainPlayed; }
+
+    /// The parts of the fast mixer, to be measured one by one.
+    [[nodiscard]] dsp::AutomixProcessor& fastAutomix() { return automix; }
+    [[nodiscard]] audio::MixerRealtimeState& fastState() { return state; }
 
   private:
     using FloatBlocks = std::vector<std::vector<float>>;
 
     static std::vector<std::span<float>> viewsOf(FloatBlocks& blocks);
 
-    std::size_t frames;
+    Shape shape;
     FloatBlocks captured;
     std::vector<std::span<const float>> capturedViews;
     FloatBlocks fastPlayed;
