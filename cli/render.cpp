@@ -3,7 +3,10 @@
 #include "cli/await_plugins.h"
 #include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
+#include "cli/read_ahead.h"
+#include "cli/sound_blocks.h"
 #include "cli/stem_files.h"
+#include "cli/write_behind.h"
 #include "engine/routing_operations.h"
 #include "engine/session_files.h"
 #include "platform/atomic_file.h"
@@ -28,37 +31,8 @@ using platform::Result;
 using platform::SoundFileReader;
 using platform::SoundFileWriter;
 
-/// Planar blocks of one length, and views of their beginnings.
-class Blocks final {
-  public:
-    Blocks(std::size_t channelCount, std::size_t frameCount)
-        : samples(channelCount, std::vector<float>(frameCount)) {
-        for (std::vector<float>& channel : samples)
-            views.emplace_back(channel);
-        constViews.assign(views.begin(), views.end());
-    }
-
-    [[nodiscard]] std::span<const std::span<float>> writable() const { return views; }
-    [[nodiscard]] std::span<const std::span<const float>> readable() const { return constViews; }
-
-    /// The first `frameCount` frames of every channel.
-    [[nodiscard]] std::vector<std::span<float>> beginning(std::size_t frameCount) const {
-        std::vector<std::span<float>> parts;
-        for (const std::span<float>& view : views)
-            parts.push_back(view.first(frameCount));
-        return parts;
-    }
-
-    void silenceFrom(std::size_t frame) {
-        for (std::vector<float>& channel : samples)
-            std::fill(channel.begin() + static_cast<std::ptrdiff_t>(frame), channel.end(), 0.0F);
-    }
-
-  private:
-    std::vector<std::vector<float>> samples;
-    std::vector<std::span<float>> views;
-    std::vector<std::span<const float>> constViews;
-};
+/// Frames that reader, mixer and writer hand on at a time: few enough to stay in the processor's caches.
+constexpr std::size_t framesPerChunk = 2048;
 
 /// The session to be rendered, if one is named.
 Result<std::optional<session::MixerDocumentData>> readSession(const RenderOptions& options) {
@@ -138,76 +112,98 @@ class Run final {
             ));
         auto writer = SoundFileWriter::create(options.output, outputs.value(), reader.value().sampleRate());
         if (!writer) return writer.error();
-        std::unique_ptr<Run> run(
-            new Run(std::move(reader).value(), std::move(writer).value(), std::move(mixer), outputs.value())
-        );
+        WriteBehind::Files files{std::move(writer).value(), std::nullopt};
         if (options.stems) {
-            auto stems = StemFiles::create(*options.stems, run->stripNames(), run->reader.sampleRate());
+            auto stems =
+                StemFiles::create(*options.stems, stripNames(mixer->engine()), reader.value().sampleRate());
             if (!stems) return stems.error();
-            run->stems = std::move(stems).value();
+            files.stems = std::move(stems).value();
         }
-        return run;
+        try {
+            return std::unique_ptr<Run>(
+                new Run(std::move(reader).value(), std::move(files), std::move(mixer), outputs.value())
+            );
+        } catch (const std::system_error&) {
+            return Error{"The system has no threads left to read and write the sound with."};
+        }
     }
 
     Result<RenderReport> mixToTheEnd(const RenderObserver& observer) {
         const auto start = std::chrono::steady_clock::now();
-        const std::int64_t total = reader.frameCount();
-        for (std::int64_t done = 0; done < total; done += static_cast<std::int64_t>(mixer->blockLength())) {
-            if (observer.isCancelled()) return Error{"Stopped before the end; nothing was written."};
-            if (auto mixed = mixBlock(total - done); !mixed) return mixed.error();
-            observer.progress(static_cast<double>(done) / static_cast<double>(total));
-        }
-        if (auto committed = commit(); !committed) return committed.error();
+        if (auto mixed = mixAll(observer); !mixed) return mixed.error();
+        if (auto written = writer.finish(); !written) return written.error();
+        if (auto committed = writer.commit(); !committed) return committed.error();
         const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-        return report.finish(reader.sampleRate(), static_cast<double>(total), wall.count());
+        return report.finish(source.sampleRate(), static_cast<double>(source.frameCount()), wall.count());
     }
 
   private:
-    Run(SoundFileReader source, SoundFileWriter destination, std::unique_ptr<OfflineMixer> startedMixer,
+    Run(SoundFileReader input, WriteBehind::Files files, std::unique_ptr<OfflineMixer> startedMixer,
         std::size_t outputs)
-        : reader(std::move(source)),
-          writer(std::move(destination)),
+        : source(std::move(input)),
           mixer(std::move(startedMixer)),
           report(*mixer),
-          captured(reader.channelCount(), mixer->blockLength()),
-          played(outputs, mixer->blockLength()) {}
+          chunkLength(std::max(framesPerChunk / mixer->blockLength(), std::size_t{1}) * mixer->blockLength()),
+          stemCount(files.stems ? mixer->engine().state().channelStrips.get().size() : 0),
+          reader(source, chunkLength),
+          writer(std::move(files), {SoundBlocks(outputs, chunkLength), SoundBlocks(stemCount, chunkLength)}) {
+    }
 
-    [[nodiscard]] std::vector<std::string> stripNames() const {
+    static std::vector<std::string> stripNames(const engine::MixerEngine& engine) {
         std::vector<std::string> names;
-        for (const session::ChannelStrip& strip : mixer->engine().state().channelStrips.get())
+        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
             names.push_back(strip.name);
         return names;
     }
 
+    Result<Done> mixAll(const RenderObserver& observer) {
+        while (true) {
+            const auto read = reader.next();
+            if (!read) {
+                // What could not be written comes before it.
+                const auto written = writer.finish();
+                return written ? read.error() : written.error();
+            }
+            if (read.value() == nullptr) return Done{};
+            auto chunk = writer.next();
+            if (!chunk) return chunk.error();
+            if (auto mixed = mixChunk(*read.value(), *chunk.value(), observer); !mixed) return mixed;
+            writer.write();
+        }
+    }
+
     /// The last block is padded with silence for the pass; only what the input covers is written.
-    Result<Done> mixBlock(std::int64_t framesLeft) {
-        const auto frames =
-            static_cast<std::size_t>(std::min(framesLeft, static_cast<std::int64_t>(mixer->blockLength())));
-        const auto read = reader.read(captured.beginning(frames));
-        if (!read) return read.error();
-        captured.silenceFrom(read.value());
-        mixer->cycle(captured.readable(), played.writable());
-        report.add(*mixer);
-        const std::vector<std::span<float>> kept = played.beginning(frames);
-        if (auto written = writer.write(std::vector<std::span<const float>>(kept.begin(), kept.end()));
-            !written)
-            return written;
-        return stems ? stems->write(mixer->automix().channelOutputs(), frames) : Done{};
+    Result<Done>
+    mixChunk(const ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
+        mixed.frameCount = captured.frameCount;
+        for (std::size_t at = 0; at < captured.frameCount; at += mixer->blockLength()) {
+            if (observer.isCancelled()) return Error{"Stopped before the end; nothing was written."};
+            mixer->cycle(
+                captured.blocks.part(at, mixer->blockLength()), mixed.outputs.part(at, mixer->blockLength())
+            );
+            report.add(*mixer);
+            takeStems(mixed.stems.part(at, mixer->blockLength()));
+            observer.progress(framesMixed / static_cast<double>(source.frameCount()));
+            framesMixed += static_cast<double>(mixer->blockLength());
+        }
+        return Done{};
     }
 
-    Result<Done> commit() {
-        if (stems)
-            if (auto committed = stems->commit(); !committed) return committed;
-        return writer.commit();
+    void takeStems(std::span<const std::span<float>> stems) {
+        for (std::size_t i = 0; i < stems.size(); ++i)
+            std::ranges::transform(mixer->automix().channelOutputs()[i], stems[i].begin(), [](double sample) {
+                return static_cast<float>(sample);
+            });
     }
 
-    SoundFileReader reader;
-    SoundFileWriter writer;
+    SoundFileReader source;
     std::unique_ptr<OfflineMixer> mixer;
     RenderReportBuilder report;
-    Blocks captured;
-    Blocks played;
-    std::optional<StemFiles> stems;
+    double framesMixed = 0.0;
+    std::size_t chunkLength;
+    std::size_t stemCount;
+    ReadAhead reader;
+    WriteBehind writer;
 };
 
 } // namespace

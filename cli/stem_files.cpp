@@ -51,15 +51,9 @@ Result<StemFiles> StemFiles::create(
     return stems;
 }
 
-Result<Done> StemFiles::write(const dsp::ChannelBlocks<double>& stripBlocks, std::size_t frameCount) {
-    samples.resize(frameCount);
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        std::ranges::transform(stripBlocks[i].first(frameCount), samples.begin(), [](double sample) {
-            return static_cast<float>(sample);
-        });
-        const std::span<const float> block(samples);
-        if (auto written = files[i].write({&block, 1}); !written) return written;
-    }
+Result<Done> StemFiles::write(std::span<const std::span<const float>> stripBlocks) {
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (auto written = files[i].write(stripBlocks.subspan(i, 1)); !written) return written;
     return Done{};
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "dsp/channel_blocks.h"
 #include "platform/result.h"
 #include "platform/sound_file_writer.h"
 
@@ -24,16 +23,14 @@ class StemFiles final {
     static platform::Result<StemFiles>
     create(const std::filesystem::path& folder, std::span<const std::string> stripNames, double sampleRate);
 
-    /// Appends the first `frameCount` frames of each strip's block.
-    platform::Result<platform::Done>
-    write(const dsp::ChannelBlocks<double>& stripBlocks, std::size_t frameCount);
+    /// Appends a block of every strip.
+    platform::Result<platform::Done> write(std::span<const std::span<const float>> stripBlocks);
 
     /// Completes all files.
     platform::Result<platform::Done> commit();
 
   private:
     std::vector<platform::SoundFileWriter> files;
-    std::vector<float> samples;
 };
 
 } // namespace orvane::cli

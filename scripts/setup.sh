@@ -12,6 +12,7 @@ tests=(googletest libgtest-dev libgmock-dev jackd2 mda-lv2 x42-plugins
 check=(clang-format)
 lint=(clang-tidy cppcheck)
 fuzz=(clang-16 libclang-rt-16-dev)
+bench=(sox libsox-fmt-base ffmpeg time jackd2 mda-lv2)
 
 fail() {
     echo "${0##*/}: $*" >&2
@@ -26,7 +27,8 @@ for group in "$@"; do
     check) wanted+=("${check[@]}") ;;
     lint) wanted+=("${lint[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint and fuzz." ;;
+    bench) wanted+=("${bench[@]}") ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, fuzz and bench." ;;
     esac
 done
 

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "cli/chunk_queue.h"
+#include "cli/sound_blocks.h"
+#include "platform/result.h"
+#include "platform/sound_file_reader.h"
+
+#include <cstddef>
+#include <optional>
+#include <thread>
+
+namespace orvane::cli {
+
+/// Reads a sound file on a thread of its own, a few chunks ahead of who uses them.
+class ReadAhead final {
+  public:
+    struct Chunk {
+        /// Silent from `frameCount` on.
+        SoundBlocks blocks;
+        std::size_t frameCount = 0;
+        /// Why the file could not be read on; the last chunk then.
+        std::optional<platform::Error> failure = {};
+    };
+
+    /// Starts reading in chunks of `chunkFrames` frames. `source` outlives the reading.
+    ReadAhead(platform::SoundFileReader& source, std::size_t chunkFrames);
+    /// Stops reading.
+    ~ReadAhead();
+    ReadAhead(const ReadAhead&) = delete;
+    ReadAhead& operator=(const ReadAhead&) = delete;
+
+    /// The next chunk, valid until the next call; null after the last. Waits for it.
+    platform::Result<const Chunk*> next();
+
+  private:
+    void readOn();
+
+    platform::SoundFileReader& reader;
+    std::size_t chunkLength;
+    ChunkQueue<Chunk> queue;
+    bool isUsing = false;
+    std::thread thread;
+};
+
+} // namespace orvane::cli
