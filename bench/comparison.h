@@ -7,6 +7,8 @@ namespace orvane::bench {
 /// Times of one kind of block, in seconds.
 struct Comparison {
     double median = 0.0;
+    /// What a tenth of the blocks stayed within: a block that nothing else on the machine disturbed.
+    double undisturbed = 0.0;
     double within999 = 0.0;
     double worst = 0.0;
     /// Medians of the plain mixer's block and of a bare copy, measured in turns with the fast one's.

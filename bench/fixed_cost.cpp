@@ -21,7 +21,7 @@ constexpr int rounds = 2000;
 /// Steps that take a few nanoseconds are repeated between two looks at the clock.
 constexpr int repeats = 50;
 
-/// The median time of one call of `step`, in microseconds.
+/// The time of one call of `step` that nothing else on the machine disturbs, in microseconds.
 template <class Step>
 double timeOf(Step step) {
     BlockTimes times;
@@ -30,7 +30,7 @@ double timeOf(Step step) {
             for (int i = 0; i < repeats; ++i)
                 step();
         });
-    return times.within(0.5) / repeats * micro;
+    return times.within(0.1) / repeats * micro;
 }
 
 /// What is left of a block of no frames.
@@ -85,7 +85,8 @@ struct EmptyBlock {
 } // namespace
 
 void printFixedCost() {
-    fmt::print("\nWhat a block of 48 strips costs however short it is, in microseconds (median).\n");
+    fmt::print("\nWhat a block of 48 strips costs however short it is, in microseconds (the tenth that took "
+               "least).\n");
     std::vector<Point> points;
     for (const std::size_t frames : {8, 16, 24, 32, 48, 64, 96, 128}) {
         ReferenceConditions show({.frames = frames});

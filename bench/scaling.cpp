@@ -25,17 +25,17 @@ void printLine(const char* unit, std::span<const Point> points) {
 Point measure(double x, const ReferenceConditions::Shape& shape) {
     const Comparison times = compareRenderPass(shape);
     fmt::print(
-        "{:>8}{:>8}{:>12.2f}{:>16.3f}\n", shape.strips, shape.frames, times.median * micro,
-        times.median * 1e9 / static_cast<double>(shape.strips * shape.frames)
+        "{:>8}{:>8}{:>12.2f}{:>16.3f}\n", shape.strips, shape.frames, times.undisturbed * micro,
+        times.undisturbed * 1e9 / static_cast<double>(shape.strips * shape.frames)
     );
     std::fflush(stdout);
-    return {x, times.median * micro};
+    return {x, times.undisturbed * micro};
 }
 
 } // namespace
 
 void printScaling() {
-    fmt::print("\nHow the render pass grows (median).\n");
+    fmt::print("\nHow the render pass grows (the tenth of the blocks that took least).\n");
     fmt::print("{:>8}{:>8}{:>12}{:>16}\n", "strips", "frames", "us a block", "ns a sample");
     for (const std::size_t frames : {64, 256, 1024}) {
         std::vector<Point> points;

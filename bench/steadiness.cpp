@@ -1,0 +1,181 @@
+// Runs the mixer live while somebody edits everything and something else keeps the machine busy, and tells
+// how long every block took, how late it came, and whose fault it was where one was missed.
+
+#include "bench_mixer.h"
+#include "cycle_times.h"
+#include "histogram_plot.h"
+#include "restless_operator.h"
+#include "timed_driver.h"
+
+#include "cli/progress_bar.h"
+#include "platform/jack_audio/jack_audio_driver.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane::bench;
+using namespace std::chrono_literals;
+namespace platform = orvane::platform;
+
+constexpr std::size_t stripCount = 48;
+constexpr double sampleRate = 48000.0;
+
+struct Options {
+    std::string driver = "virtual";
+    double seconds = 600.0;
+    std::int64_t frames = 64;
+    std::string plugin = "MDA Limiter";
+    std::string plot;
+    bool isAlone = false;
+};
+
+/// Another process that computes and moves memory without a rest, until this one ends.
+class BusyNeighbour final {
+  public:
+    BusyNeighbour() : process(::fork()) {
+        if (process == 0) work();
+    }
+    ~BusyNeighbour() {
+        if (process <= 0) return;
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+    }
+    BusyNeighbour(const BusyNeighbour&) = delete;
+    BusyNeighbour& operator=(const BusyNeighbour&) = delete;
+
+  private:
+    [[noreturn]] static void work() {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        constexpr std::size_t beyondTheCaches = 16'000'000;
+        std::vector<char> memory(beyondTheCaches);
+        std::atomic<char> round = 0;
+        while (true)
+            std::ranges::fill(memory, ++round);
+    }
+
+    pid_t process;
+};
+
+void printRow(const char* what, const Histogram& times, double period) {
+    fmt::print(
+        "{:<34}{:>9.1f}{:>9.1f}{:>9.1f}{:>9.1f}{:>9.1f}{:>8.1f} %\n", what, times.within(0.5),
+        times.within(0.99), times.within(0.999), times.within(0.9999), times.worst(),
+        times.within(0.9999) / period * 100.0
+    );
+}
+
+void printReport(const CycleTimes& times, double period, std::uint32_t xruns, int priority) {
+    fmt::print(
+        "\n{} blocks of {:.0f} microseconds, {}, {} xruns of the device. In microseconds:\n",
+        times.inside.total(), period,
+        priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority", xruns
+    );
+    fmt::print(
+        "{:<34}{:>9}{:>9}{:>9}{:>9}{:>9}{:>10}\n", "", "median", "99 %", "99.9 %", "99.99 %", "worst",
+        "of period"
+    );
+    printRow("inside our callback, by the clock", times.inside, period);
+    printRow("processor time inside it", times.worked, period);
+    printRow("woken late", times.late, period);
+    const CycleTimes::Misses& misses = times.misses;
+    fmt::print(
+        "Blocks that ended after the next was due. Ours: {} computed too long, {} waited. The machine's: {} "
+        "preempted, {} woken late.\n",
+        misses.computed, misses.waited, misses.preempted, misses.wokenLate
+    );
+}
+
+void run(const Options& options) {
+    CycleTimes times(sampleRate);
+    platform::JackClients clients("orvane_steadiness");
+    BenchMixer mixer(stripCount, [&](platform::SystemLog& log) {
+        if (options.driver == "virtual") return timed(noisyDevice(log), times);
+        return timed(std::make_unique<platform::JackAudioDriver>(clients), times);
+    });
+    mixer.engine.setBufferSize(options.frames);
+    mixer.loadOnEveryStrip(options.plugin);
+    RestlessOperator restless(mixer, options.plugin);
+    mixer.start();
+    int priority = 0;
+    const auto start = std::chrono::steady_clock::now();
+    {
+        orvane::cli::ProgressBar bar;
+        const auto timer = mixer.loop.repeat(100ms, [&] {
+            const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+            priority = std::max(priority, mixer.engine.realtimePriority());
+            bar.update(elapsed.count() / options.seconds);
+            if (elapsed.count() >= options.seconds || !mixer.engine.state().isRunning.get())
+                mixer.loop.quit();
+        });
+        mixer.loop.run();
+    }
+    const std::uint32_t xruns = mixer.engine.xrunCount();
+    if (!mixer.engine.state().isRunning.get()) throw std::runtime_error("The device died.");
+    mixer.engine.stop();
+
+    const double period = static_cast<double>(options.frames) / sampleRate * 1e6;
+    fmt::print(
+        "{} device, {} strips, {} on each; {} edits, {} recalls, {} plugins exchanged meanwhile{}.\n",
+        options.driver, stripCount, options.plugin, restless.edits(), restless.recalls(),
+        restless.pluginLoads(), options.isAlone ? "" : "; another process at work"
+    );
+    printReport(times, period, xruns, priority);
+    if (options.plot.empty()) return;
+    const std::array<PlottedHistogram, 3> curves = {
+        {{"inside our callback", "#1b7f5c", times.inside},
+         {"processor time inside it", "#3b5bdb", times.worked},
+         {"woken late", "#e8890c", times.late}}};
+    plot(
+        options.plot,
+        fmt::format(
+            "{} device, {} frames, {} strips with a plugin each", options.driver, options.frames, stripCount
+        ),
+        curves, period
+    );
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App program(
+        "Measures every block of a live run under load; docs/performance.md explains the figures.",
+        "orvane_steadiness"
+    );
+    program.add_option("--driver", options.driver, "virtual, or jack: the running JACK server")
+        ->check(CLI::IsMember({"virtual", "jack"}))
+        ->capture_default_str();
+    program.add_option("--seconds", options.seconds, "How long to run")->capture_default_str();
+    program.add_option("--frames", options.frames, "Frames per block")->capture_default_str();
+    program.add_option("--plugin", options.plugin, "The LV2 plugin on every strip")->capture_default_str();
+    program.add_option("--plot", options.plot, "File for a picture of the histograms (SVG)");
+    program.add_flag("--alone", options.isAlone, "Without the process that keeps a processor busy");
+    CLI11_PARSE(program, argc, argv);
+    try {
+        // Before there are threads, of which a child would have none.
+        std::optional<BusyNeighbour> neighbour;
+        if (!options.isAlone) neighbour.emplace();
+        run(options);
+    } catch (const std::exception& problem) {
+        fmt::print(stderr, "orvane_steadiness: {}\n", problem.what());
+        return 1;
+    }
+}
