@@ -56,6 +56,7 @@ AutomixProcessor::AutomixProcessor(
           .masterTargetRMS = masterLeveler.targetRMS,
           .releaseMs = initialReleaseMs},
       handover(edited),
+      arrangement{.isActive = std::vector<char>(channelCount)},
       levelsScratch(channelCount, 0.0),
       detected{Lanes(channelCount), Lanes(channelCount), Lanes(channelCount)},
       lanesOnBus(channelCount),
@@ -105,6 +106,7 @@ void AutomixProcessor::ensureScratch(std::size_t frameCount) {
     if (perChannelScratch.channelCount() == channelCount() && perChannelScratch.frameCount() == frameCount)
         return;
     perChannelScratch.reshape(channelCount(), frameCount);
+    arrangement.controls = nullptr;
     summedScratch.assign(frameCount, 0.0);
 }
 
@@ -117,41 +119,63 @@ AutomixProcessor::process(const ChannelBlocks<double>& blocks, std::span<const b
     gainSharing.setReleaseMs(controls.releaseMs);
     masterLeveler.targetRMS = controls.masterTargetRMS;
 
-    detect(controls, blocks, activeMask);
+    if (!isArranged(controls, blocks, activeMask)) arrange(controls, blocks, activeMask);
+    detect(controls, blocks.frameCount());
     gainSharing.process(levelsScratch);
-    mix(controls, blocks, activeMask);
+    mix(controls, blocks.frameCount());
     level();
     return {perChannelScratch, summedScratch};
 }
 
-void AutomixProcessor::detect(
+bool AutomixProcessor::isArranged(
     const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
-) noexcept {
-    for (Lanes& lanes : detected)
-        lanes.clear();
-    for (std::size_t i = 0; i < channelCount(); ++i) {
-        levelsScratch[i] = 0.0;
-        const GenderTriggerMode mode = controls.settings[i].genderMode;
-        triggerFilters[i].mode = mode;
-        if (!isActive(mask, i)) continue;
-        // A shelf's state moves on even where its level is not wanted.
-        if (mode == GenderTriggerMode::neutral && !competes(controls.settings[i])) continue;
-        detected[static_cast<std::size_t>(mode)].add(i, blocks[i].data());
-    }
-    for (const GenderTriggerMode mode : allGenderTriggerModes)
-        detectWith(mode, controls, blocks.frameCount());
+) const noexcept {
+    if (arrangement.controls != &controls || arrangement.firstInput != blocks[0].data()
+        || arrangement.frameCount != blocks.frameCount())
+        return false;
+    for (std::size_t i = 0; i < channelCount(); ++i)
+        if (isActive(mask, i) != (arrangement.isActive[i] != 0)) return false;
+    return true;
 }
 
-void AutomixProcessor::detectWith(
-    GenderTriggerMode mode, const Controls& controls, std::size_t frameCount
+void AutomixProcessor::arrange(
+    const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
 ) noexcept {
-    Lanes& lanes = detected[static_cast<std::size_t>(mode)];
-    if (lanes.count == 0) return;
-    sumSquares(mode, frameCount);
-    kernels.rootMeans(lanes.sums.data(), lanes.count, frameCount);
-    for (std::size_t lane = 0; lane < lanes.count; ++lane) {
-        const std::size_t channel = lanes.channels[lane];
-        if (competes(controls.settings[channel])) levelsScratch[channel] = lanes.sums[lane];
+    arrangement.controls = &controls;
+    arrangement.firstInput = blocks[0].data();
+    arrangement.frameCount = blocks.frameCount();
+    for (Lanes& lanes : detected)
+        lanes.clear();
+    lanesOnBus.clear();
+    lanesOffBus.clear();
+    for (std::size_t i = 0; i < channelCount(); ++i) {
+        const ChannelAutomixSettings& settings = controls.settings[i];
+        triggerFilters[i].mode = settings.genderMode;
+        levelsScratch[i] = 0.0;
+        arrangement.isActive[i] = isActive(mask, i) ? 1 : 0;
+        if (arrangement.isActive[i] == 0) {
+            std::ranges::fill(perChannelScratch[i], 0.0);
+            outputLevels[i] = 0.0;
+            continue;
+        }
+        // A shelf's state moves on even where its level is not wanted.
+        if (settings.genderMode != GenderTriggerMode::neutral || competes(settings))
+            detected[static_cast<std::size_t>(settings.genderMode)].add(i, blocks[i].data());
+        Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanesOnBus;
+        group.outputs[group.add(i, blocks[i].data())] = perChannelScratch[i].data();
+    }
+}
+
+void AutomixProcessor::detect(const Controls& controls, std::size_t frameCount) noexcept {
+    for (const GenderTriggerMode mode : allGenderTriggerModes) {
+        Lanes& lanes = detected[static_cast<std::size_t>(mode)];
+        if (lanes.count == 0) continue;
+        sumSquares(mode, frameCount);
+        kernels.rootMeans(lanes.sums.data(), lanes.count, frameCount);
+        for (std::size_t lane = 0; lane < lanes.count; ++lane) {
+            const std::size_t channel = lanes.channels[lane];
+            if (competes(controls.settings[channel])) levelsScratch[channel] = lanes.sums[lane];
+        }
     }
 }
 
@@ -177,35 +201,26 @@ void AutomixProcessor::sumSquares(GenderTriggerMode mode, std::size_t frameCount
         (triggerFilters[lanes.channels[lane]].*lowpass).y = lanes.values[lane];
 }
 
-void AutomixProcessor::mix(
-    const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
+void AutomixProcessor::mix(const Controls& controls, std::size_t frameCount) noexcept {
+    std::ranges::fill(summedScratch, 0.0);
+    mixGroup(controls, lanesOnBus, frameCount, summedScratch.data());
+    mixGroup(controls, lanesOffBus, frameCount, nullptr);
+}
+
+void AutomixProcessor::mixGroup(
+    const Controls& controls, Lanes& group, std::size_t frameCount, double* bus
 ) noexcept {
     const std::span<const double> gains = gainSharing.smoothedGain();
-    std::ranges::fill(summedScratch, 0.0);
-    lanesOnBus.clear();
-    lanesOffBus.clear();
-    for (std::size_t i = 0; i < channelCount(); ++i) {
-        if (!isActive(mask, i)) {
-            std::ranges::fill(perChannelScratch[i], 0.0);
-            outputLevels[i] = 0.0;
-            continue;
-        }
-        const ChannelAutomixSettings& settings = controls.settings[i];
+    for (std::size_t lane = 0; lane < group.count; ++lane) {
+        const std::size_t channel = group.channels[lane];
+        const ChannelAutomixSettings& settings = controls.settings[channel];
         const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
                             : settings.vocalRole == VocalRole::backing ? controls.backingGain
                                                                        : 1.0;
-        Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanesOnBus;
-        const std::size_t lane = group.add(i, blocks[i].data());
-        group.outputs[lane] = perChannelScratch[i].data();
         group.values[lane] = settings.muted      ? 0.0
                              : settings.bypassed ? role * settings.trim
-                                                 : role * (gains[i] * settings.trim);
+                                                 : role * (gains[channel] * settings.trim);
     }
-    mixGroup(lanesOnBus, blocks.frameCount(), summedScratch.data());
-    mixGroup(lanesOffBus, blocks.frameCount(), nullptr);
-}
-
-void AutomixProcessor::mixGroup(Lanes& group, std::size_t frameCount, double* bus) noexcept {
     kernels.mix(
         group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,
         group.sums.data()

@@ -115,14 +115,17 @@ class AutomixProcessor final {
     };
 
     void publish() { handover.publish(edited); }
-    void detect(
+    /// Sorts the channels into lanes, where the controls, the mask or the place of the blocks have changed.
+    void arrange(
         const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
     ) noexcept;
-    void detectWith(GenderTriggerMode mode, const Controls& controls, std::size_t frameCount) noexcept;
+    [[nodiscard]] bool isArranged(
+        const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
+    ) const noexcept;
+    void detect(const Controls& controls, std::size_t frameCount) noexcept;
     void sumSquares(GenderTriggerMode mode, std::size_t frameCount) noexcept;
-    void
-    mix(const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask) noexcept;
-    void mixGroup(Lanes& group, std::size_t frameCount, double* bus) noexcept;
+    void mix(const Controls& controls, std::size_t frameCount) noexcept;
+    void mixGroup(const Controls& controls, Lanes& group, std::size_t frameCount, double* bus) noexcept;
     void level() noexcept;
 
     const LaneKernels& kernels;
@@ -131,6 +134,16 @@ class AutomixProcessor final {
     MasterBusLeveler masterLeveler;
     Controls edited;
     Handover<Controls> handover;
+
+    /// What the lanes were arranged for.
+    struct Arrangement {
+        const Controls* controls = nullptr;
+        const double* firstInput = nullptr;
+        std::size_t frameCount = 0;
+        /// Not 0 for every channel that holds audio.
+        std::vector<char> isActive = {};
+    };
+    Arrangement arrangement;
 
     std::vector<double> levelsScratch;
     ChannelBlocks<double> perChannelScratch;
