@@ -103,6 +103,66 @@ void printReport(const CycleTimes& times, double period, std::uint32_t xruns, in
     );
 }
 
+double periodOf(const Options& options) {
+    return static_cast<double>(options.frames) / sampleRate * 1e6;
+}
+
+/// Runs the loop for so long, or while `goesOn`.
+template <class GoesOn>
+void showProgress(platform::RunLoop& loop, double seconds, GoesOn goesOn) {
+    orvane::cli::ProgressBar bar;
+    const auto start = std::chrono::steady_clock::now();
+    const auto timer = loop.repeat(100ms, [&] {
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        bar.update(elapsed.count() / seconds);
+        if (!goesOn() || elapsed.count() >= seconds) loop.quit();
+    });
+    loop.run();
+}
+
+/// Computes as long as the mixer does, but touches no memory and takes no lock: what happens to it, the
+/// machine does.
+struct Probe final : platform::AudioStreamClient {
+    void cycle(
+        std::span<const std::span<const float>>, std::span<const std::span<float>> outputs, std::size_t
+    ) noexcept override {
+        for (const std::span<float>& block : outputs)
+            std::ranges::fill(block, 0.0F);
+        constexpr int additions = 100'000;
+        double sum = 0.0;
+        for (int i = 0; i < additions; ++i)
+            sum += static_cast<double>(i);
+        result = sum;
+    }
+
+    std::atomic<double> result = 0.0;
+};
+
+void probe(const Options& options) {
+    CycleTimes times(sampleRate);
+    platform::SystemLog log([](const platform::LogLine&) {});
+    const auto driver = timed(noisyDevice(log), times);
+    const std::string uid = driver->devices().front().uid;
+    driver->requestBufferSize(uid, static_cast<std::uint32_t>(options.frames));
+    Probe client;
+    auto opened = driver->open(uid, true, client);
+    if (!opened) throw std::runtime_error("The device could not be opened.");
+    platform::AudioStream& stream = *opened.value();
+    if (stream.start() != platform::noErr) throw std::runtime_error("The device did not start.");
+    platform::RunLoop loop;
+    int priority = 0;
+    showProgress(loop, options.seconds, [&] {
+        priority = std::max(priority, stream.realtimePriority());
+        return true;
+    });
+    const std::uint32_t xruns = stream.xrunCount();
+    stream.stop();
+    fmt::print(
+        "The machine alone: blocks that only count{}.\n", options.isAlone ? "" : "; another process at work"
+    );
+    printReport(times, periodOf(options), xruns, priority);
+}
+
 void run(const Options& options) {
     CycleTimes times(sampleRate);
     platform::JackClients clients("orvane_steadiness");
@@ -115,29 +175,20 @@ void run(const Options& options) {
     RestlessOperator restless(mixer, options.plugin);
     mixer.start();
     int priority = 0;
-    const auto start = std::chrono::steady_clock::now();
-    {
-        orvane::cli::ProgressBar bar;
-        const auto timer = mixer.loop.repeat(100ms, [&] {
-            const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-            priority = std::max(priority, mixer.engine.realtimePriority());
-            bar.update(elapsed.count() / options.seconds);
-            if (elapsed.count() >= options.seconds || !mixer.engine.state().isRunning.get())
-                mixer.loop.quit();
-        });
-        mixer.loop.run();
-    }
+    showProgress(mixer.loop, options.seconds, [&] {
+        priority = std::max(priority, mixer.engine.realtimePriority());
+        return mixer.engine.state().isRunning.get();
+    });
     const std::uint32_t xruns = mixer.engine.xrunCount();
     if (!mixer.engine.state().isRunning.get()) throw std::runtime_error("The device died.");
     mixer.engine.stop();
 
-    const double period = static_cast<double>(options.frames) / sampleRate * 1e6;
     fmt::print(
         "{} device, {} strips, {} on each; {} edits, {} recalls, {} plugins exchanged meanwhile{}.\n",
         options.driver, stripCount, options.plugin, restless.edits(), restless.recalls(),
         restless.pluginLoads(), options.isAlone ? "" : "; another process at work"
     );
-    printReport(times, period, xruns, priority);
+    printReport(times, periodOf(options), xruns, priority);
     if (options.plot.empty()) return;
     const std::array<PlottedHistogram, 3> curves = {
         {{"inside our callback", "#1b7f5c", times.inside},
@@ -148,7 +199,7 @@ void run(const Options& options) {
         fmt::format(
             "{} device, {} frames, {} strips with a plugin each", options.driver, options.frames, stripCount
         ),
-        curves, period
+        curves, periodOf(options)
     );
 }
 
@@ -160,8 +211,13 @@ int main(int argc, char** argv) {
         "Measures every block of a live run under load; docs/performance.md explains the figures.",
         "orvane_steadiness"
     );
-    program.add_option("--driver", options.driver, "virtual, or jack: the running JACK server")
-        ->check(CLI::IsMember({"virtual", "jack"}))
+    program
+        .add_option(
+            "--driver", options.driver,
+            "virtual; jack: the running JACK server; probe: the virtual one with nothing but a loop that "
+            "counts"
+        )
+        ->check(CLI::IsMember({"virtual", "jack", "probe"}))
         ->capture_default_str();
     program.add_option("--seconds", options.seconds, "How long to run")->capture_default_str();
     program.add_option("--frames", options.frames, "Frames per block")->capture_default_str();
@@ -173,7 +229,7 @@ int main(int argc, char** argv) {
         // Before there are threads, of which a child would have none.
         std::optional<BusyNeighbour> neighbour;
         if (!options.isAlone) neighbour.emplace();
-        run(options);
+        options.driver == "probe" ? probe(options) : run(options);
     } catch (const std::exception& problem) {
         fmt::print(stderr, "orvane_steadiness: {}\n", problem.what());
         return 1;

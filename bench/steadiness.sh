@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures every block of two live runs under load, one on a virtual device, one on a JACK server of its own at
-# 64 frames, and leaves a picture of each.
+# 64 frames, and leaves a picture of each; before them, what the machine does to a loop that only counts.
 # Usage: bench/steadiness.sh [SECONDS] [FOLDER]    (600 s each, pictures into the current folder)
 set -euo pipefail
 
@@ -19,6 +19,8 @@ scripts/setup.sh bench
 program=build/release/bin/orvane_steadiness
 [ -x "$program" ] || fail "$program is not there; build it first (scripts/build.sh release)."
 
+"$program" --driver probe --seconds "$seconds"
+echo
 "$program" --driver virtual --seconds "$seconds" --plot "$folder/steadiness-virtual.svg"
 
 # The server runs before ordinary programs where the system lets it.
