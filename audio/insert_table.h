@@ -1,9 +1,12 @@
 #pragma once
 
+#include "dsp/realtime.h"
 #include "plugins/insert_render_context.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace orvane::audio {
@@ -16,10 +19,28 @@ struct InsertTable {
     /// Per strip, per slot: true = skipped. A missing flag means not bypassed.
     std::vector<std::vector<bool>> pluginBypassFlags;
 
-    /// Real-time safe.
+    /// Real-time safe, like all that follow.
     [[nodiscard]] bool isBypassed(std::size_t strip, std::size_t slot) const noexcept {
         return strip < pluginBypassFlags.size() && slot < pluginBypassFlags[strip].size()
                && pluginBypassFlags[strip][slot];
+    }
+
+    /// Whether something is to be run on the strip.
+    [[nodiscard]] bool hasInserts(std::size_t strip) const noexcept {
+        if (strip >= pluginContexts.size()) return false;
+        const auto& slots = pluginContexts[strip];
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+            if (slots[slot] && !isBypassed(strip, slot)) return true;
+        return false;
+    }
+
+    /// Runs the strip's effects over its block, each on what the one before it gave.
+    ORVANE_REALTIME void render(std::size_t strip, std::span<double> block) const noexcept {
+        if (strip >= pluginContexts.size()) return;
+        const auto& slots = pluginContexts[strip];
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+            if (slots[slot] && !isBypassed(strip, slot))
+                slots[slot]->process(block, static_cast<std::int64_t>(block.size()));
     }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/insert_table.h"
+#include "audio/insert_workers.h"
 #include "audio/render_scratch.h"
 #include "audio/render_table.h"
 #include "audio/ring_buffer.h"
@@ -58,6 +59,9 @@ class MixerRealtimeState final {
     /// One ring per output channel of a separate master device; none if the master bus goes to the main
     /// device.
     RingBuffers masterOutputRingBuffers;
+    /// Who helps the I/O thread with inserts; nobody if absent, which a device whose clock is stepped needs:
+    /// what comes too late is left out.
+    std::unique_ptr<InsertWorkers> insertWorkers;
 
     // Control thread, at any time.
 
@@ -98,7 +102,7 @@ class MixerRealtimeState final {
 
     const platform::HostClock clock;
     RenderTable<RoutingTable> routing;
-    RenderTable<InsertTable> inserts;
+    RenderTable<InsertTable> inserts{[this] { return insertWorkers && insertWorkers->isLate(); }};
     dsp::PinkNoiseGenerator pinkNoise;
     RenderScratch scratch;
 

@@ -49,16 +49,15 @@ class Pass final {
 
     void runInserts() noexcept {
         const auto inserts = state.inserts.hold();
-        const std::size_t withInserts = std::min(strips, inserts->pluginContexts.size());
-        for (std::size_t strip = 0; strip < withInserts; ++strip) {
-            if (!scratch.routedMaskScratch()[strip]) continue;
-            const auto& slots = inserts->pluginContexts[strip];
-            for (std::size_t slot = 0; slot < slots.size(); ++slot)
-                if (slots[slot] && !inserts->isBypassed(strip, slot))
-                    slots[slot]->process(
-                        scratch.inputBlocksScratch[strip], static_cast<std::int64_t>(frameCount)
-                    );
+        const std::span<const bool> routed = scratch.routedMaskScratch();
+        const bool canShare = frameCount > 0 && frameCount <= plugins::InsertRenderContext::maximumFrames;
+        if (state.insertWorkers && canShare) {
+            const double blockSeconds = static_cast<double>(frameCount) / state.sampleRate;
+            state.insertWorkers->run(*inserts, scratch.inputBlocksScratch, routed, blockSeconds);
+            return;
         }
+        for (std::size_t strip = 0; strip < strips; ++strip)
+            if (routed[strip]) inserts->render(strip, scratch.inputBlocksScratch[strip]);
     }
 
     void mix() noexcept {

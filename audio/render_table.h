@@ -4,6 +4,7 @@
 #include "platform/unfair_lock.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -33,7 +34,11 @@ class RenderTable final {
         const Table* table;
     };
 
-    RenderTable() : current(std::make_unique<const Table>()) {}
+    /// Whether somebody is still at the table of a pass that has ended.
+    using IsBorrowed = std::function<bool()>;
+
+    explicit RenderTable(IsBorrowed borrowed = [] { return false; })
+        : isBorrowed(std::move(borrowed)), current(std::make_unique<const Table>()) {}
 
     /// The next pass works on `next`. Control thread.
     void replace(std::unique_ptr<const Table> next) {
@@ -53,6 +58,7 @@ class RenderTable final {
             const std::scoped_lock guard(lock);
             inUse = held.load(std::memory_order_acquire);
         }
+        if (isBorrowed()) return retired.empty();
         std::erase_if(retired, [inUse](const auto& table) { return table.get() != inUse; });
         return retired.empty();
     }
@@ -67,6 +73,7 @@ class RenderTable final {
         return current.get();
     }
 
+    IsBorrowed isBorrowed;
     platform::UnfairLock lock;
     std::unique_ptr<const Table> current;
     std::atomic<const Table*> held = nullptr;

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -156,7 +157,9 @@ class LiveRun final {
     }
 
     [[nodiscard]] engine::Services services(platform::MIDIServices& midi) {
-        return {machine.hardware(), midi, loop, machine.audioUnits(), machine.log};
+        engine::Services all{machine.hardware(), midi, loop, machine.audioUnits(), machine.log};
+        all.insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency());
+        return all;
     }
 
     [[nodiscard]] MeterFrame frameAt(double seconds) {

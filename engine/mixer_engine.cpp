@@ -78,8 +78,8 @@ void MixerEngine::start() {
     if (master && master->id != devices.main.id) devices.master = master;
 
     auto started = RunningAudio::start(
-        services.audioHardware, services.clock, devices, show(), pluginOperations.insertTable(),
-        makeObserver()
+        services.audioHardware, services.clock, devices, show(),
+        {pluginOperations.insertTable(), services.insertWorkers}, makeObserver()
     );
     if (!started) {
         published.lastError.set(started.error().description);

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace orvane::engine {
@@ -43,6 +44,19 @@ std::unique_ptr<CoreAudioIOEngine> makeIO(
     return std::make_unique<CoreAudioIOEngine>(hardware, configuration);
 }
 
+/// Nobody where none are wanted or the system has no threads left: the I/O thread does without.
+std::unique_ptr<audio::InsertWorkers>
+makeWorkers(std::size_t count, std::size_t stripCount, platform::HostClock clock) {
+    if (count == 0) return nullptr;
+    try {
+        return std::make_unique<audio::InsertWorkers>(
+            count, stripCount, clock, audio::InsertWorkers::Limits{}
+        );
+    } catch (const std::system_error&) {
+        return nullptr;
+    }
+}
+
 void configure(dsp::AutomixProcessor& automix, const Show& show) {
     automix.setLeadGroupGainDB(show.leadGroupGainDB);
     automix.setBackingGroupGainDB(show.backingGroupGainDB);
@@ -66,7 +80,7 @@ void pushRouting(audio::MixerRealtimeState& state, const Show& show) {
 
 platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
     platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices, const Show& show,
-    audio::InsertTable inserts, const Observer& observer
+    Inserts inserts, const Observer& observer
 ) {
     std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show, std::move(inserts)));
     run->connect(devices, observer);
@@ -92,7 +106,7 @@ platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
 
 RunningAudio::RunningAudio(
     platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-    const Show& show, audio::InsertTable inserts
+    const Show& show, Inserts inserts
 )
     : hardware(audioHardware),
       processor(std::make_shared<dsp::AutomixProcessor>(
@@ -111,7 +125,8 @@ RunningAudio::RunningAudio(
         state->masterOutputRingBuffers = makeRings(masterOutputs, show.bufferSize);
     }
     pushRouting(*state, show);
-    state->updatePlugins(std::move(inserts));
+    state->insertWorkers = makeWorkers(inserts.workers, show.channelStrips.size(), clock);
+    state->updatePlugins(std::move(inserts.table));
     state->setNoiseGain(show.referenceNoiseGain);
 }
 

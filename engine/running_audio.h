@@ -9,6 +9,7 @@
 #include "platform/audio_hardware.h"
 #include "platform/result.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -39,11 +40,17 @@ class RunningAudio final {
         std::function<void(const audio::AudioDeviceInfo& device)> deviceDied;
     };
 
+    /// What runs on the strips, and how many threads help with it.
+    struct Inserts {
+        audio::InsertTable table;
+        std::size_t workers = 0;
+    };
+
     /// Builds the path with its inserts, connects it and starts the main and then the master device. The
     /// error is the whole sentence for the user; nothing runs then.
     static platform::Result<std::unique_ptr<RunningAudio>> start(
         platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices,
-        const Show& show, audio::InsertTable inserts, const Observer& observer
+        const Show& show, Inserts inserts, const Observer& observer
     );
 
     ~RunningAudio();
@@ -65,7 +72,7 @@ class RunningAudio final {
   private:
     RunningAudio(
         platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-        const Show& show, audio::InsertTable inserts
+        const Show& show, Inserts inserts
     );
 
     void connect(const Devices& devices, const Observer& observer);

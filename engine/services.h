@@ -8,6 +8,7 @@
 #include "platform/midi_services.h"
 #include "platform/system_log.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 
@@ -25,6 +26,9 @@ struct Services {
     /// Absent in a program without windows.
     platform::EditorWindows* editorWindows = nullptr;
     platform::HostClock clock = platform::HostClock::system();
+    /// Real-time threads that help a run with its inserts, `audio::InsertWorkers`; none where the device's
+    /// clock is stepped, which they cannot keep up with by themselves.
+    std::size_t insertWorkers = 0;
 };
 
 } // namespace orvane::engine

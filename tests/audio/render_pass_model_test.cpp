@@ -160,7 +160,8 @@ class TwoMixers final {
         .bufferSize = 256,
         .outputs = static_cast<std::size_t>(wholeBetween(random, 1, 8)),
         .masterOutputs = static_cast<std::size_t>(oneIn(random, 2) ? 0 : wholeBetween(random, 1, 4)),
-        .kernels = &kernels};
+        .kernels = &kernels,
+        .insertWorkers = static_cast<std::size_t>(oneIn(random, 2) ? 0 : wholeBetween(random, 1, 3))};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     std::deque<ScriptedUnit> units;
     std::vector<std::shared_ptr<plugins::InsertRenderContext>> inserts;

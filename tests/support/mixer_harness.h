@@ -44,6 +44,8 @@ struct MixerHarness {
         /// 0: the master bus goes to the main device.
         std::size_t masterOutputs = 0;
         const dsp::LaneKernels* kernels = &dsp::fastestLaneKernels();
+        /// Threads that share the inserts of every block.
+        std::size_t insertWorkers = 0;
     };
 
     explicit MixerHarness(
@@ -59,6 +61,11 @@ struct MixerHarness {
         state.outputRingBuffers = makeRings(shape.outputs, shape.bufferSize);
         state.masterOutputRingBuffers = makeRings(shape.masterOutputs, shape.bufferSize);
         automix.setSettings(shape.strips, {.excludedFromMasterBus = true});
+        if (shape.insertWorkers == 0) return;
+        constexpr double forEver = 1e9;
+        const audio::InsertWorkers::Limits limits{-1.0, -1.0, forEver};
+        state.insertWorkers =
+            std::make_unique<audio::InsertWorkers>(shape.insertWorkers, shape.strips, clock, limits);
     }
 
     /// One cycle of the main device: `frameCount` frames captured, as many played.

@@ -1,0 +1,171 @@
+#include "audio/insert_workers.h"
+
+#include "platform/audio_thread_scope.h"
+#include "platform/flush_denormals.h"
+#include "platform/futex.h"
+#include "platform/realtime_priority.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace orvane::audio {
+
+namespace {
+
+constexpr unsigned fewestProcessors = 4;
+/// One is the I/O thread's, one everybody else's.
+constexpr unsigned sparedProcessors = 2;
+constexpr unsigned mostWorkers = 6;
+
+/// What remains after a block of the most that one has taken: effects that gather samples and then work on
+/// many at once come back to it soon.
+constexpr double remembered = 0.9995;
+constexpr double nanosecondsPerSecond = 1e9;
+
+} // namespace
+
+std::size_t InsertWorkers::countFor(unsigned processors) {
+    return processors < fewestProcessors ? 0 : std::min(processors - sparedProcessors, mostWorkers);
+}
+
+InsertWorkers::InsertWorkers(
+    std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given
+)
+    : clock(hostClock),
+      limits(given),
+      items(stripCount),
+      samples(stripCount, plugins::InsertRenderContext::maximumFrames) {
+    // They begin at different strips, so that few reach for the same one. With fewer of them than wanted the
+    // I/O thread has more to do itself.
+    try {
+        for (std::size_t number = 0; number < workerCount; ++number)
+            workers.emplace_back([this, first = (number + 1) * stripCount / (workerCount + 1)] {
+                work(first);
+            });
+    } catch (const std::system_error&) {
+        if (workers.empty()) throw;
+    }
+}
+
+InsertWorkers::~InsertWorkers() {
+    isEnding = true;
+    ++round;
+    platform::futexWakeAll(round);
+    for (std::thread& worker : workers)
+        worker.join();
+}
+
+void InsertWorkers::run(
+    const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed,
+    double blockSeconds
+) noexcept {
+    const double taken =
+        isSharing ? renderShared(table, blocks, routed, blockSeconds) : renderAlone(table, blocks, routed);
+    mostLately = std::max(taken / blockSeconds, mostLately * remembered);
+    isSharing = mostLately > (isSharing ? limits.unsharedBelow : limits.sharedFrom);
+}
+
+bool InsertWorkers::isLate() const noexcept {
+    return std::ranges::any_of(items, [](const Item& item) {
+        return item.stage.load(std::memory_order_acquire) == Stage::late;
+    });
+}
+
+double InsertWorkers::renderAlone(
+    const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed
+) noexcept {
+    const std::uint64_t begun = clock.absoluteTime();
+    for (std::size_t strip = 0; strip < items.size(); ++strip)
+        if (routed[strip] && items[strip].stage.load(std::memory_order_acquire) == Stage::idle)
+            table.render(strip, blocks[strip]);
+    return seconds(clock.absoluteTime() - begun);
+}
+
+double InsertWorkers::renderShared(
+    const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed,
+    double blockSeconds
+) noexcept {
+    const std::uint64_t begun = clock.absoluteTime();
+    for (std::size_t strip = 0; strip < items.size(); ++strip)
+        if (routed[strip] && table.hasInserts(strip)) offer(strip, table, blocks[strip]);
+    round.fetch_add(1, std::memory_order_release);
+    platform::futexWakeAll(round);
+    takeFrom(0);
+    double taken = 0.0;
+    for (std::size_t strip = 0; strip < items.size(); ++strip)
+        taken += collect(strip, blocks[strip], begun, limits.waitedFor * blockSeconds);
+    return taken;
+}
+
+void InsertWorkers::offer(
+    std::size_t strip, const InsertTable& table, std::span<const double> block
+) noexcept {
+    Item& item = items[strip];
+    if (item.stage.load(std::memory_order_acquire) != Stage::idle) return;
+    std::ranges::copy(block, samples[strip].begin());
+    item.table = &table;
+    item.frameCount = block.size();
+    item.stage.store(Stage::offered, std::memory_order_release);
+}
+
+void InsertWorkers::takeFrom(std::size_t first) noexcept {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::size_t strip = (first + i) % items.size();
+        Stage offered = Stage::offered;
+        if (items[strip].stage.compare_exchange_strong(
+                offered, Stage::taken, std::memory_order_acquire, std::memory_order_relaxed
+            ))
+            render(strip);
+    }
+}
+
+void InsertWorkers::render(std::size_t strip) noexcept {
+    Item& item = items[strip];
+    const std::uint64_t begun = clock.absoluteTime();
+    item.table->render(strip, samples[strip].first(item.frameCount));
+    item.ticks = clock.absoluteTime() - begun;
+    Stage taken = Stage::taken;
+    if (!item.stage.compare_exchange_strong(
+            taken, Stage::done, std::memory_order_release, std::memory_order_relaxed
+        ))
+        item.stage.store(Stage::idle, std::memory_order_release);
+}
+
+double InsertWorkers::collect(
+    std::size_t strip, std::span<double> block, std::uint64_t begun, double waitSeconds
+) noexcept {
+    Item& item = items[strip];
+    Stage stage = item.stage.load(std::memory_order_acquire);
+    while (stage == Stage::taken) {
+        if (seconds(clock.absoluteTime() - begun) < waitSeconds)
+            stage = item.stage.load(std::memory_order_acquire);
+        else if (item.stage.compare_exchange_strong(
+                     stage, Stage::late, std::memory_order_acq_rel, std::memory_order_acquire
+                 ))
+            return waitSeconds;
+    }
+    if (stage != Stage::done) return 0.0;
+    std::copy_n(samples[strip].begin(), block.size(), block.begin());
+    item.stage.store(Stage::idle, std::memory_order_relaxed);
+    return seconds(item.ticks);
+}
+
+void InsertWorkers::work(std::size_t first) noexcept {
+    platform::takeRealtimePriority();
+    const platform::FlushDenormals flushDenormals;
+    std::uint32_t seen = 0;
+    while (true) {
+        platform::futexWait(round, seen);
+        seen = round.load(std::memory_order_acquire);
+        if (isEnding) return;
+        const platform::AudioThreadScope audioThread;
+        takeFrom(first);
+    }
+}
+
+double InsertWorkers::seconds(std::uint64_t ticks) const noexcept {
+    const platform::TimebaseInfo& timebase = clock.timebaseInfo;
+    return static_cast<double>(ticks) * timebase.numer / timebase.denom / nanosecondsPerSecond;
+}
+
+} // namespace orvane::audio

@@ -1,0 +1,103 @@
+#include "audio/insert_workers.h"
+#include "audio/mixer_realtime_state.h"
+#include "support/allocation_guard.h"
+#include "support/scripted_unit.h"
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace {
+
+using namespace orvane;
+using audio::InsertWorkers;
+
+constexpr std::size_t frames = 64;
+
+/// Two strips with an effect each that doubles its input and first does something else.
+struct TwoStrips {
+    TwoStrips() {
+        state.insertWorkers = std::make_unique<InsertWorkers>(
+            1, 2, platform::HostClock::system(),
+            InsertWorkers::Limits{.sharedFrom = -1.0, .unsharedBelow = -1.0, .waitedFor = 0.0}
+        );
+    }
+
+    audio::InsertTable makeTable() {
+        audio::InsertTable table;
+        for (std::size_t strip = 0; strip < 2; ++strip) {
+            auto effect = [this, strip, inner = units[strip].renderBlock()](auto&&... call) {
+                before[strip]();
+                return inner(call...);
+            };
+            auto context = std::make_shared<plugins::InsertRenderContext>(effect, 1, "Insert", log);
+            contexts[strip] = context;
+            table.pluginContexts.push_back({context});
+        }
+        return table;
+    }
+
+    /// What a block of ones becomes on each strip.
+    std::pair<double, double> run() {
+        for (std::size_t strip = 0; strip < 2; ++strip)
+            std::ranges::fill(blocks[strip], 1.0);
+        constexpr bool routed[] = {true, true};
+        const auto hold = state.inserts.hold();
+        const test::AllocationGuard guard;
+        state.insertWorkers->run(*hold, blocks, routed, 1.0);
+        return {blocks[0].back(), blocks[1].back()};
+    }
+
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    test::ScriptedUnit units[2] = {
+        test::ScriptedUnit({test::UnitAct::doubles}), test::ScriptedUnit({test::UnitAct::doubles})};
+    std::function<void()> before[2] = {[] {}, [] {}};
+    std::weak_ptr<plugins::InsertRenderContext> contexts[2];
+    dsp::ChannelBlocks<double> blocks{2, frames};
+    audio::MixerRealtimeState state{2};
+};
+
+TEST(InsertWorkers, AreNoneOnSmallMachines) {
+    for (const auto& [processors, workers] : {std::pair(0U, 0U), {2U, 0U}, {3U, 0U}, {4U, 2U}, {64U, 6U}})
+        EXPECT_EQ(InsertWorkers::countFor(processors), workers) << processors;
+}
+
+TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilItLetsGo) {
+    TwoStrips strips;
+    std::atomic<bool> isEntered = false;
+    std::atomic<bool> isReleased = false;
+    strips.state.updatePlugins(strips.makeTable());
+    EXPECT_EQ(strips.run(), std::pair(2.0, 2.0));
+
+    // The I/O thread waits at the first strip until the worker, which begins at the second, is held up there.
+    strips.before[0] = [&] {
+        while (!isEntered)
+            std::this_thread::yield();
+    };
+    strips.before[1] = [&] {
+        isEntered = true;
+        while (!isReleased)
+            std::this_thread::yield();
+    };
+    EXPECT_EQ(strips.run(), std::pair(2.0, 1.0));
+    EXPECT_EQ(strips.run(), std::pair(2.0, 1.0));
+    EXPECT_EQ(strips.units[1].calls, 1);
+
+    strips.state.updatePlugins({});
+    EXPECT_FALSE(strips.state.freeRetired());
+    EXPECT_FALSE(strips.contexts[1].expired());
+    isReleased = true;
+    EXPECT_TRUE(test::waitFor([&] { return strips.state.freeRetired(); }));
+    EXPECT_TRUE(strips.contexts[1].expired());
+
+    strips.state.updatePlugins(strips.makeTable());
+    strips.before[0] = strips.before[1] = [] {};
+    EXPECT_TRUE(test::waitFor([&] { return strips.run() == std::pair(2.0, 2.0); }));
+}
+
+} // namespace
