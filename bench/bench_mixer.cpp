@@ -50,12 +50,18 @@ class Noise final : public platform::VirtualInput {
 
 } // namespace
 
-BenchMixer::BenchMixer(std::size_t strips, const MakeDriver& makeDriver)
-    : hardware(only(makeDriver(log))), engine(strips, {hardware, noMIDI, loop, units, log}) {
+BenchMixer::BenchMixer(std::size_t strips, const MakeDriver& makeDriver, std::size_t insertWorkers)
+    : hardware(only(makeDriver(log))), engine(strips, services(insertWorkers)) {
     engine.refreshDevices();
     if (engine.state().availableDevices.get().empty())
         throw std::runtime_error(engine.state().lastError.get().value_or("There is no audio device."));
     engine.selectDevice(engine.state().availableDevices.get().front());
+}
+
+engine::Services BenchMixer::services(std::size_t insertWorkers) {
+    engine::Services all{hardware, noMIDI, loop, units, log};
+    all.insertWorkers = insertWorkers;
+    return all;
 }
 
 void BenchMixer::loadOnEveryStrip(std::string_view pluginName) {

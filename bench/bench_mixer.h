@@ -19,8 +19,8 @@ class BenchMixer final {
   public:
     using MakeDriver = std::function<std::unique_ptr<platform::AudioDriver>(platform::SystemLog&)>;
 
-    /// With the devices of one driver, of which the first is selected.
-    BenchMixer(std::size_t strips, const MakeDriver& makeDriver);
+    /// With the devices of one driver, of which the first is selected. `insertWorkers` help with inserts.
+    BenchMixer(std::size_t strips, const MakeDriver& makeDriver, std::size_t insertWorkers = 0);
 
     /// Loads an installed plugin into the first slot of every strip and waits until all are live; throws
     /// where there is none of that name.
@@ -33,6 +33,8 @@ class BenchMixer final {
     void start();
 
   private:
+    engine::Services services(std::size_t insertWorkers);
+
     platform::SystemLog log{[](const platform::LogLine&) {}};
     platform::SystemAudioHardware hardware;
     platform::SystemMIDIServices noMIDI{{}};

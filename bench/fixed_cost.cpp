@@ -110,7 +110,7 @@ void printFixedCost() {
     fmt::print("{:<60}{:>7.3f}\n", "A block of no frames", whole);
     row("rings: two indices and two counts, written and read", empty.rings());
     row("gain sharing: levels, shares and gains of 49 channels", gains);
-    row("processor: settings taken over, channels put into lanes", processor);
+    row("processor: settings taken over, levels, lane gains", processor);
     row("gain reduction for the meters: 48 logarithms", empty.logarithms());
     row("routing and insert tables taken: two locks", empty.tables());
     row("meters and reference gain: two locks, 97 levels copied", empty.meters());

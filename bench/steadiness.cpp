@@ -44,6 +44,7 @@ struct Options {
     std::int64_t frames = 64;
     std::string plugin = "MDA Limiter";
     std::string plot;
+    std::size_t insertWorkers = 0;
     bool isAlone = false;
 };
 
@@ -166,10 +167,11 @@ void probe(const Options& options) {
 void run(const Options& options) {
     CycleTimes times(sampleRate);
     platform::JackClients clients("orvane_steadiness");
-    BenchMixer mixer(stripCount, [&](platform::SystemLog& log) {
+    const auto makeDriver = [&](platform::SystemLog& log) {
         if (options.driver == "virtual") return timed(noisyDevice(log), times);
         return timed(std::make_unique<platform::JackAudioDriver>(clients), times);
-    });
+    };
+    BenchMixer mixer(stripCount, makeDriver, options.insertWorkers);
     mixer.engine.setBufferSize(options.frames);
     mixer.loadOnEveryStrip(options.plugin);
     RestlessOperator restless(mixer, options.plugin);
@@ -222,6 +224,8 @@ int main(int argc, char** argv) {
     program.add_option("--seconds", options.seconds, "How long to run")->capture_default_str();
     program.add_option("--frames", options.frames, "Frames per block")->capture_default_str();
     program.add_option("--plugin", options.plugin, "The LV2 plugin on every strip")->capture_default_str();
+    program.add_option("--insert-workers", options.insertWorkers, "Threads that help with the plugins")
+        ->capture_default_str();
     program.add_option("--plot", options.plot, "File for a picture of the histograms (SVG)");
     program.add_flag("--alone", options.isAlone, "Without the process that keeps a processor busy");
     CLI11_PARSE(program, argc, argv);
