@@ -16,13 +16,15 @@ constexpr double width = 860.0;
 constexpr double height = 400.0;
 constexpr double left = 70.0;
 constexpr double top = 50.0;
-constexpr double right = 20.0;
+constexpr double right = 40.0;
 constexpr double bottom = 50.0;
 
 // What the axes show, as powers of ten.
 constexpr double firstDecade = 0.0;
 constexpr double lastDecade = 5.0;
-constexpr double mostDecade = 7.0;
+constexpr double mostDecade = 6.0;
+/// Where no block lies, below a single one.
+constexpr double noneDecade = -0.5;
 
 double x(double microseconds) {
     const double share = (std::log10(microseconds) - firstDecade) / (lastDecade - firstDecade);
@@ -30,7 +32,8 @@ double x(double microseconds) {
 }
 
 double y(double count) {
-    return height - bottom - std::log10(count) / mostDecade * (height - top - bottom);
+    const double decade = count < 1.0 ? noneDecade : std::log10(count);
+    return height - bottom - (decade - noneDecade) / (mostDecade - noneDecade) * (height - top - bottom);
 }
 
 std::string line(double x1, double y1, double x2, double y2, const char* style) {
@@ -65,7 +68,7 @@ std::string curve(const PlottedHistogram& plotted) {
         const double edge = Histogram::upperEdge(bin);
         if (edge < std::pow(10.0, firstDecade) || edge > std::pow(10.0, lastDecade)) continue;
         const double count = static_cast<double>(plotted.histogram.count(bin));
-        fmt::format_to(std::back_inserter(points), "{:.1f},{:.1f} ", x(edge), y(std::max(count, 1.0)));
+        fmt::format_to(std::back_inserter(points), "{:.1f},{:.1f} ", x(edge), y(count));
     }
     return fmt::format(
         "<polyline points='{}' style='fill:none;stroke:{};stroke-width:1.5'/>\n", points, plotted.colour

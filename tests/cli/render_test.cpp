@@ -5,6 +5,7 @@
 #include "platform/sound_file_reader.h"
 #include "platform/sound_file_writer.h"
 #include "plugins/insert_components.h"
+#include "support/file_size_limit.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -256,6 +257,24 @@ TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
     EXPECT_THAT(mix("plain.wav"), testing::IsEmpty());
     EXPECT_EQ(test::contentOf(folder / "first.wav"), test::contentOf(folder / "second.wav"));
     EXPECT_NE(readSound(folder / "first.wav")[0], readSound(folder / "plain.wav")[0]);
+}
+
+TEST(Render, SaysWhatStopsItMidwayAndLeavesNothingBehind) {
+    const TemporaryFolder folder;
+    const std::string whole = test::contentOf(panel);
+    folder.add("half.flac", whole.substr(0, whole.size() / 2));
+    const auto before = folder.names();
+    const Rendering cutOff({.input = folder / "half.flac", .output = folder / "out.wav"});
+    ASSERT_FALSE(cutOff.report);
+    EXPECT_THAT(cutOff.report.error().description, HasSubstr("half.flac\" could not be read"));
+    EXPECT_GT(cutOff.progress.size(), 1U);
+    {
+        const test::FileSizeLimit limit(200'000);
+        const Rendering tooLong({.input = panel, .output = folder / "out.wav"});
+        ASSERT_FALSE(tooLong.report);
+        EXPECT_THAT(tooLong.report.error().description, HasSubstr("out.wav\" could not be written"));
+    }
+    EXPECT_EQ(folder.names(), before);
 }
 
 TEST(Render, LeavesTheOldFileAloneWhenCancelled) {
