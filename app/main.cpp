@@ -1,4 +1,5 @@
 #include "app/command_line.h"
+#include "audio/insert_workers.h"
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
@@ -18,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -83,7 +85,8 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
               .audioUnitHost = audioMachine.audioUnits(),
               .log = audioMachine.log,
               .applicationSupport = platform::applicationSupportDirectory(),
-              .editorWindows = &editorWindows},
+              .editorWindows = &editorWindows,
+              .insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency())},
          .preferences = preferences},
         std::move(line.launch)
     );
