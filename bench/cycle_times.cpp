@@ -46,7 +46,7 @@ void CycleTimes::add(const Moment& begun, const Moment& ended, std::size_t frame
         ++misses.computed;
     else if (ended.voluntarySwitches > begun.voluntarySwitches && tookInside > period)
         ++misses.waited;
-    else if (ended.involuntarySwitches > begun.involuntarySwitches)
+    else if (ended.involuntarySwitches > begun.involuntarySwitches || tookInside > period)
         ++misses.preempted;
     else
         ++misses.wokenLate;

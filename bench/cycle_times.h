@@ -19,7 +19,7 @@ class CycleTimes final {
         std::uint64_t computed = 0;
         /// We gave the processor up within the cycle, as a thread does that waits for a lock.
         std::uint64_t waited = 0;
-        /// Another thread was given the processor within the cycle.
+        /// Another thread was given the processor within the cycle, or the machine stood still.
         std::uint64_t preempted = 0;
         /// The machine began the cycle too late.
         std::uint64_t wokenLate = 0;
