@@ -5,9 +5,11 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 preset=release
+bench=ON
 launcher=()
 if [ "${1:-}" = --sanitize ]; then
     preset=${2:-}
+    bench=OFF
     case "$preset" in
     address | thread) shift 2 ;;
     *)
@@ -24,5 +26,5 @@ export UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
 export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:suppressions=$PWD/tests/support/tsan.supp}
 
 scripts/setup.sh build tests
-"${launcher[@]}" scripts/build.sh "$preset" ORVANE_BUILD_TESTS=ON
+"${launcher[@]}" scripts/build.sh "$preset" ORVANE_BUILD_TESTS=ON ORVANE_BUILD_BENCH="$bench"
 "${launcher[@]}" ctest --preset "$preset" -j2 --output-on-failure --no-tests=error "$@"

@@ -80,8 +80,11 @@ JackTestServer::~JackTestServer() {
 }
 
 void JackTestServer::restart() {
-    launch();
-    if (waitUntilReady()) return;
+    // Servers that start at the same moment can trip over the registry that they share.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        launch();
+        if (waitUntilReady()) return;
+    }
     throw std::runtime_error(
         "No JACK server could be started; install the package jackd2, and see whether the command "
         "\"jackd -d dummy\" works."

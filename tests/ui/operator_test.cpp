@@ -127,9 +127,12 @@ class Operator : public testing::Test {
     }
 
     void chooseFile(const std::filesystem::path& file) {
-        opened<QFileDialog>();
+        auto& name = *opened<QFileDialog>().findChild<QLineEdit*>();
+        // Its list of what might be meant would take the Return key, sooner or later.
+        name.setCompleter(nullptr);
         hand.press(QStringLiteral("ctrl+a"));
         hand.type(QString::fromStdString(file));
+        EXPECT_TRUE(waitUntil([&] { return name.text() == QString::fromStdString(file); }));
         hand.press(QStringLiteral("Return"));
         waitUntilClosed<QFileDialog>();
     }
