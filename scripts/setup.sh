@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check,
-# lint, fuzz.
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, fuzz, bench.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
