@@ -3,6 +3,7 @@
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
+#include "machine/process.h"
 #include "platform/preferences.h"
 #include "platform/user_folders.h"
 #include "ui/qt_main_thread.h"
@@ -14,7 +15,6 @@
 #include <QApplication>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -98,9 +98,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // A file that outgrows the shell's limit is an error like a full disk, not the end of the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
+    machine::prepareProcess();
     auto line = app::readCommandLine(argc, argv);
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
     auto& options = std::get<app::CommandLine>(line);

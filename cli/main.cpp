@@ -5,11 +5,10 @@
 #include "cli/render_command.h"
 #include "cli/run_command.h"
 #include "cli/session_command.h"
+#include "machine/process.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-
-#include <csignal>
 
 namespace {
 
@@ -18,10 +17,7 @@ constexpr int wrongUsage = 2;
 } // namespace
 
 int main(int argc, char** argv) {
-    // A file that outgrows the shell's limit is an error like a full disk, not the end of the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-    // So is a reader of the output that has gone.
-    std::signal(SIGPIPE, SIG_IGN);
+    orvane::machine::prepareProcess();
     int exitCode = 0;
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
     program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);

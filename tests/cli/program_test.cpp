@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -70,6 +71,19 @@ TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*out.wav[^\n]*\n"));
     EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
+}
+
+TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
+    namespace fs = std::filesystem;
+    const TemporaryFolder folder;
+    const std::string command = std::string("umask 0; XDG_DATA_HOME='") + (folder / "data").string() + "' "
+                                + ORVANE_CLI + " render --input " + panel + " --output '"
+                                + (folder / "mix.wav").string() + "' --stems '" + (folder / "stems").string()
+                                + "' --report '" + (folder / "report.json").string() + "'";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
+    EXPECT_THAT(folder.names(), testing::IsSupersetOf({"mix.wav", "stems", "report.json"}));
+    for (const auto& entry : fs::recursive_directory_iterator(folder / ""))
+        EXPECT_EQ(entry.status().permissions() & fs::perms::others_write, fs::perms::none) << entry.path();
 }
 
 TEST(Session, IsPrintedAsItWouldBeSaved) {

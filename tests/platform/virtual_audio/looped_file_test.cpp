@@ -8,8 +8,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -40,7 +42,8 @@ void expectLoop(LoopedFile& loop, std::size_t frameCount, std::size_t total) {
     orvane::test::Random random(3);
     PlanarBlocks blocks(3, 4096);
     for (std::size_t done = 0; done < total;) {
-        const auto length = static_cast<std::size_t>(orvane::test::wholeBetween(random, 1, 4096));
+        const std::size_t length =
+            std::min(total - done, static_cast<std::size_t>(orvane::test::wholeBetween(random, 1, 4096)));
         const auto views = blocks.writable(length);
         loop.fill(views);
         for (std::size_t channel = 0; channel < 3; ++channel)
@@ -79,6 +82,42 @@ TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
     expectLoop(loop, 5'000, 10'000);
     loop.stop();
     EXPECT_THAT(logged(), testing::IsEmpty());
+}
+
+TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
+    namespace fs = std::filesystem;
+    constexpr std::size_t length = 50'000;
+    const fs::path path = folder / "loop.wav";
+    struct Case {
+        const char* loss;
+        std::function<void()> lose;
+        /// Frames that are sure to be played before the silence.
+        std::size_t atLeast;
+        const char* said;
+    };
+    const Case cases[] = {
+        {"removed", [&] { fs::remove(path); }, length, "could not be read: "},
+        {"cut short", [&] { fs::resize_file(path, 8'000); }, 1, "breaks off after"},
+        {"emptied", [&] { fs::resize_file(path, 0); }, 1, "breaks off after"},
+        {"replaced", [&] { fs::rename(folder.add("other", "no sound"), path); }, length,
+         "could not be read: "}};
+    std::size_t linesBefore = 0;
+    for (const auto& [loss, lose, atLeast, said] : cases) {
+        SCOPED_TRACE(loss);
+        writeFile(path, length);
+        LoopedFile loop(path, 3, log, nothingInMemory);
+        ASSERT_TRUE(loop.start(VirtualPacing::stepped));
+        lose();
+        expectLoop(loop, length, atLeast);
+        PlanarBlocks blocks(3, 1000);
+        for (std::size_t done = 0; done < 2 * length; done += 1000)
+            loop.fill(blocks.writable(1000));
+        EXPECT_THAT(blocks.readable(1000)[1], testing::Each(0.0F));
+        loop.stop();
+        const auto allLines = logged();
+        ASSERT_EQ(allLines.size(), ++linesBefore);
+        EXPECT_THAT(allLines.back(), testing::HasSubstr(said));
+    }
 }
 
 TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
