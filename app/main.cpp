@@ -46,6 +46,7 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("orvane"));
     QApplication::setApplicationDisplayName(QStringLiteral("ORVANE"));
     QApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("app.orvane.mixer"));
     QApplication::setWindowIcon(ui::applicationIcon());
     ui::applyTheme(*application);
     return application;

@@ -4,6 +4,7 @@
 #include "platform/alsa_midi/alsa_midi_driver.h"
 #include "platform/jack_audio/jack_audio_driver.h"
 #include "platform/jack_midi/jack_midi_driver.h"
+#include "platform/program_data.h"
 #include "platform/virtual_audio/output_recorder.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "platform/virtual_audio/virtual_devices.h"
@@ -23,6 +24,8 @@ namespace {
 using platform::Error;
 using platform::Result;
 using platform::VirtualDevice;
+
+constexpr const char* demoRecording = "demo/panel-8ch.flac";
 
 /// Whether a comma-separated list names a driver; no list names them all.
 bool isWanted(std::string_view driver) {
@@ -46,7 +49,10 @@ virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
         if (!device) return device.error();
         devices.push_back(std::move(device).value());
     }
-    std::ranges::move(platform::builtInDevices(ORVANE_DEMO_RECORDING, log), std::back_inserter(devices));
+    std::ranges::move(
+        platform::builtInDevices(platform::programDataDirectory() / demoRecording, log),
+        std::back_inserter(devices)
+    );
     if (!options.record) return devices;
 
     const std::string uid = options.device.value_or(devices.front().description.uid);

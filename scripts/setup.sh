@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, fuzz, bench.
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, fuzz, bench,
+# package.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
@@ -12,6 +13,7 @@ check=(clang-format)
 lint=(clang-tidy cppcheck)
 fuzz=(clang-16 libclang-rt-16-dev)
 bench=(sox libsox-fmt-base ffmpeg time jackd2 mda-lv2)
+package=(dpkg-dev file binutils xz-utils lintian appstream desktop-file-utils mandoc debootstrap)
 
 fail() {
     echo "${0##*/}: $*" >&2
@@ -27,7 +29,8 @@ for group in "$@"; do
     lint) wanted+=("${lint[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
     bench) wanted+=("${bench[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, fuzz and bench." ;;
+    package) wanted+=("${package[@]}") ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, fuzz, bench and package." ;;
     esac
 done
 

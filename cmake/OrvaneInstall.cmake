@@ -1,0 +1,15 @@
+# Where things are installed, and how the programs find what they open while they run.
+
+include(GNUInstallDirs)
+
+# From the folder of the programs to that of their data, so that the programs find it below any prefix. In the
+# build tree a link stands in its place.
+set(orvane_data_folder "${CMAKE_INSTALL_FULL_DATADIR}/orvane")
+cmake_path(RELATIVE_PATH orvane_data_folder BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
+  OUTPUT_VARIABLE ORVANE_DATA_FROM_PROGRAMS)
+cmake_path(ABSOLUTE_PATH ORVANE_DATA_FROM_PROGRAMS BASE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" NORMALIZE
+  OUTPUT_VARIABLE orvane_data_in_build)
+file(MAKE_DIRECTORY "${orvane_data_in_build}")
+file(CREATE_LINK "${PROJECT_SOURCE_DIR}/assets/demo" "${orvane_data_in_build}/demo" SYMBOLIC)
+
+install(FILES "${PROJECT_SOURCE_DIR}/assets/demo/panel-8ch.flac" DESTINATION "${CMAKE_INSTALL_DATADIR}/orvane/demo")

@@ -1,0 +1,61 @@
+# Completion of orvane-cli in bash.
+
+_orvane_cli_options() {
+    case $1 in
+    devices) echo "--help --json --virtual-input" ;;
+    midi) echo "--help --json --send --seconds" ;;
+    plugins) echo "--help --json" ;;
+    render) echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" ;;
+    run)
+        echo "--help --session --channels --device --master-device --buffer-size --midi-source --learn" \
+            "--seconds --meters --virtual-input --record"
+        ;;
+    session) echo "--help --channels" ;;
+    *) echo "--help --version devices midi plugins render run session" ;;
+    esac
+}
+
+_orvane_cli() {
+    local cur prev words cword
+    _init_completion -n := || return
+    case $prev in
+    --device | --master-device)
+        local IFS=$'\n'
+        COMPREPLY=($(compgen -W "$(orvane-cli devices --json 2>/dev/null |
+            sed -n 's/^ *"uid": "\(.*\)",*$/\1/p')" -- "$cur"))
+        __ltrim_colon_completions "$cur"
+        ;;
+    --midi-source)
+        COMPREPLY=($(compgen -W "$(orvane-cli midi --json 2>/dev/null |
+            sed -n 's/^ *"id": \(-*[0-9]*\),*$/\1/p')" -- "$cur"))
+        ;;
+    --buffer-size)
+        COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))
+        ;;
+    --meters)
+        COMPREPLY=($(compgen -W "text json none" -- "$cur"))
+        ;;
+    --session)
+        _filedir orvane
+        ;;
+    --stems)
+        _filedir -d
+        ;;
+    --report)
+        _filedir json
+        ;;
+    --input | --output | --virtual-input | --record)
+        _filedir
+        ;;
+    --channels | --outputs | --learn | --seconds | --send) ;;
+    *)
+        if [[ ${words[1]} == session && $cur != -* ]]; then
+            _filedir orvane
+        else
+            local subcommand=
+            [[ $cword -gt 1 ]] && subcommand=${words[1]}
+            COMPREPLY=($(compgen -W "$(_orvane_cli_options "$subcommand")" -- "$cur"))
+        fi
+        ;;
+    esac
+} && complete -F _orvane_cli orvane-cli

@@ -1,0 +1,66 @@
+#compdef orvane-cli
+
+_orvane_cli_devices() {
+    local -a uids=(${(f)"$(orvane-cli devices --json 2>/dev/null | sed -n 's/^ *"uid": "\(.*\)",*$/\1/p')"})
+    compadd -a uids
+}
+
+_orvane_cli_sources() {
+    local -a ids=(${(f)"$(orvane-cli midi --json 2>/dev/null | sed -n 's/^ *"id": \(-*[0-9]*\),*$/\1/p')"})
+    compadd -a ids
+}
+
+_orvane_cli() {
+    local -a help=('(- *)'{-h,--help}'[print the options and exit]')
+    local -a json=('--json[as one JSON object]')
+    local -a session=('--session[session that sets up the mix]:session:_files -g "*.orvane"')
+    local -a channels=('--channels[number of strips]:strips:')
+    local -a virtual_input=('--virtual-input[sound file that a virtual device plays]:sound file:_files')
+    local -a buffer_size=(
+        '--buffer-size[frames per block]:frames:(32 64 96 128 192 256 512 768 1024 2048)'
+    )
+    local -a subcommands=(
+        'devices:list the audio devices'
+        'midi:list the MIDI sources, or send a note'
+        'plugins:list the effects'
+        'render:mix a sound file'
+        'run:mix live without a window'
+        'session:print a session as it would be saved'
+    )
+    if ((CURRENT == 2)); then
+        _describe subcommand subcommands
+        _arguments $help '(- *)--version[print the version and exit]'
+        return
+    fi
+    local subcommand=$words[2]
+    shift words
+    ((CURRENT--))
+    case $subcommand in
+    devices) _arguments $help $json $virtual_input ;;
+    midi)
+        _arguments $help $json '--send[send a note-on]:CHANNEL\:NOTE:' '--seconds[how long to wait]:seconds:'
+        ;;
+    plugins) _arguments $help $json ;;
+    render)
+        _arguments $help $session $channels $buffer_size \
+            '--input[sound file whose channels are the inputs]:sound file:_files' \
+            '--output[sound file for the outputs]:sound file:_files' \
+            '--outputs[number of outputs]:outputs:' \
+            '--stems[folder for a file per strip]:folder:_files -/' \
+            '--report[JSON file for gains, levels, time and load]:file:_files'
+        ;;
+    run)
+        _arguments $help $session $channels $buffer_size $virtual_input \
+            '--device[audio device]:uid:_orvane_cli_devices' \
+            '--master-device[device for the master bus]:uid:_orvane_cli_devices' \
+            '--midi-source[MIDI source to listen to]:id:_orvane_cli_sources' \
+            '--learn[snapshot that the next note recalls]:snapshot:' \
+            '--seconds[how long to run]:seconds:' \
+            '--meters[how meters are shown]:style:(text json none)' \
+            '--record[sound file for the outputs of a virtual device]:sound file:_files'
+        ;;
+    session) _arguments $help $channels '*:session:_files -g "*.orvane"' ;;
+    esac
+}
+
+_orvane_cli "$@"

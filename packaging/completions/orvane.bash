@@ -1,0 +1,34 @@
+# Completion of orvane in bash.
+
+_orvane() {
+    local cur prev words cword
+    _init_completion -n := || return
+    case $prev in
+    --device | --master-device)
+        local IFS=$'\n'
+        COMPREPLY=($(compgen -W "$(orvane-cli devices --json 2>/dev/null |
+            sed -n 's/^ *"uid": "\(.*\)",*$/\1/p')" -- "$cur"))
+        __ltrim_colon_completions "$cur"
+        ;;
+    --buffer-size)
+        COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))
+        ;;
+    --channels)
+        COMPREPLY=($(compgen -W "2 4 8 12 16 24 32 48" -- "$cur"))
+        ;;
+    --virtual-input | --record)
+        _filedir
+        ;;
+    *)
+        case $cur in
+        -*)
+            COMPREPLY=($(compgen -W "--help --version --channels --device --master-device --buffer-size
+                --start --virtual-input --record" -- "$cur"))
+            ;;
+        *)
+            _filedir orvane
+            ;;
+        esac
+        ;;
+    esac
+} && complete -F _orvane orvane
