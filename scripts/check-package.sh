@@ -15,7 +15,11 @@ fail() {
 package=$(realpath "$1")
 "$(dirname "$0")/setup.sh" package
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+clean_up() {
+    if mountpoint -q "$work/system/proc"; then umount "$work/system/proc"; fi
+    rm -rf --one-file-system "$work"
+}
+trap clean_up EXIT
 bare=${2:-$work/bare}
 system=$work/system
 
@@ -27,6 +31,7 @@ if [ ! -d "$bare" ]; then
         { cat "$work/debootstrap.log" >&2 && fail "Debian could not be installed."; }
 fi
 cp -a "$bare" "$system"
+mount -t proc proc "$system/proc"
 cp /etc/resolv.conf "$system/etc/resolv.conf"
 apt-config dump | grep -iE '^Acquire::(https?|ForceIPv4)' >"$system/etc/apt/apt.conf.d/99mirror" || true
 
@@ -53,7 +58,6 @@ inside orvane --version
 inside orvane-cli run --seconds 5 --meters text | tail -n 3
 inside sh -c 'ORVANE_DRIVERS=virtual timeout --preserve-status -s TERM 5 \
     env QT_QPA_PLATFORM=offscreen orvane --channels 8 --start' || fail "The window did not run."
-inside man --version >/dev/null 2>&1 && inside man -w orvane orvane-cli
 
 # What the trial runs themselves wrote is the user's.
 rm -rf "$system/root/.config" "$system/root/.local" "$system/root/.cache" "$system/root/${package##*/}"
