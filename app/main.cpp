@@ -4,6 +4,7 @@
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
 #include "machine/process.h"
+#include "machine/save_signal.h"
 #include "platform/preferences.h"
 #include "platform/user_folders.h"
 #include "ui/qt_main_thread.h"
@@ -63,20 +64,19 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
     std::vector<std::string> problems;
     if (line.session) {
         auto session = engine::readSession(*line.session);
-        if (session)
+        if (session) {
             line.launch.session = std::move(session).value();
-        else
+            line.launch.sessionFile = line.session;
+        } else {
             problems.push_back(session.error().description);
+        }
     }
     line.launch.device = audioMachine.mainUID;
 
     ui::QtMainThread mainThread;
     platform::FilePreferences preferences = makePreferences();
     const machine::InterruptGuard interrupt;
-    const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {
-        audioMachine.log.flush();
-        if (interrupt.isInterrupted()) QCoreApplication::exit();
-    });
+    const machine::SaveSignal saveSignal;
     ui::PluginEditorWindows editorWindows;
     ui::ORVANEApp window(
         {.services =
@@ -91,6 +91,11 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
          .preferences = preferences},
         std::move(line.launch)
     );
+    const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {
+        audioMachine.log.flush();
+        if (interrupt.isInterrupted()) QCoreApplication::exit();
+        if (saveSignal.take()) window.saveInPlace();
+    });
     window.show();
     window.showProblems(problems);
     return QApplication::exec();

@@ -8,6 +8,7 @@
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
 #include "machine/interrupt.h"
+#include "machine/save_signal.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
 
@@ -144,8 +145,21 @@ class LiveRun final {
         return Done{};
     }
 
+    /// Writes the session as it is now to the file that it came from.
+    void save() const {
+        if (!options.session)
+            return printMessage("There is no file to save the session to; the mixer was started without one "
+                                "(--session).");
+        const auto written = engine::exportSession(engine->makeDocumentData(), *options.session);
+        printMessage(
+            written ? fmt::format("Saved the session to {}.", options.session->string())
+                    : written.error().description
+        );
+    }
+
     void tick(double seconds) {
         machine.log.flush();
+        if (saveSignal.take()) save();
         const double load = engine->meterModel().cpuLoad.get();
         peakLoad = std::max(peakLoad, load);
         sumOfLoads += load;
@@ -211,6 +225,7 @@ class LiveRun final {
     const LiveRunOptions& options;
     AudioMachine& machine;
     platform::RunLoop& loop;
+    const machine::SaveSignal saveSignal;
     std::optional<MixerEngine> engine;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;

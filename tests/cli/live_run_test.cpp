@@ -68,6 +68,30 @@ TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("nobody reads its meters any more.\n1\n"));
 }
 
+TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
+    const TemporaryFolder folder;
+    const auto session = folder.add(
+        "show.orvane", R"({"channels": [{"name": "Host", "outputRouting": {"none": {}}, "genderMode": "male",
+            "muted": false, "bypassed": false, "trim": 0.5}], "masterTargetDB": -12, "bufferSize": 512,
+            "snapshots": []})"
+    );
+    for (const auto& [options, says] :
+         {std::pair(std::string(), std::string("There is no file to save the session to")),
+          std::pair(" --session " + session.string(), "Saved the session to " + session.string())}) {
+        const std::string command = fmt::format(
+            "rm -f {0}; mkfifo {0}; {1} run --meters json{2} >{0} 2>{0}.says & "
+            "{{ read line; kill -USR1 $!; while ! grep -q session {0}.says && read line; do :; done; "
+            "kill -TERM $!; cat >/dev/null; }} <{0}; wait $!",
+            (folder / "meters").string(), cli, options
+        );
+        EXPECT_EQ(exitCodeOfShell(folder, command), 0) << options;
+        EXPECT_THAT(contentOf(folder / "meters.says"), HasSubstr(says));
+    }
+    const auto document = nlohmann::json::parse(contentOf(session));
+    EXPECT_EQ(document["channels"][0]["name"], "Host");
+    EXPECT_EQ(document["duckerReleaseMs"], 400.0);
+}
+
 TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     const TemporaryFolder folder;
     folder.add("bad.orvane", "{}");

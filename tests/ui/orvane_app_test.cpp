@@ -1,5 +1,7 @@
 #include "ui/windows/orvane_app.h"
 
+#include "engine/session_files.h"
+#include "ui/mixer/mixer_view.h"
 #include "ui/windows/channel_count_picker_view.h"
 
 #include "support/temporary_folder.h"
@@ -149,6 +151,33 @@ TEST_F(Shell, AsksBeforeItClosesOverRunningAudioOrAnUnsavedSession) {
             buttonOf(*question, isUnsaved ? "Quit Without Saving" : "Quit").click();
             EXPECT_FALSE(window->isVisible());
         }
+}
+
+TEST_F(Shell, SavesInPlaceToTheFileThatTheSessionCameFromOrWentTo) {
+    const TemporaryFolder folder;
+    const auto window = launch({.session = session::MixerDocumentData{}, .channels = 2});
+    SessionFile& file = window->mixerRootView()->view().sessionFile();
+    EXPECT_FALSE(file.saveInPlace());
+    window->saveInPlace();
+    EXPECT_TRUE(folder.names().empty());
+
+    for (const char* name : {"first.orvane", "second.orvane"}) {
+        file.setFile(QString::fromStdString(folder / name));
+        window->mixerRootView()->engine().setMasterTargetDB(
+            name == std::string("first.orvane") ? -3.0 : -5.0
+        );
+        EXPECT_TRUE(file.isUnsaved());
+        window->saveInPlace();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !file.isUnsaved(); }));
+    }
+    EXPECT_EQ(engine::readSession(folder / "first.orvane").value().masterTargetDB, -3.0);
+    EXPECT_EQ(engine::readSession(folder / "second.orvane").value().masterTargetDB, -5.0);
+    const auto again =
+        launch({.session = session::MixerDocumentData{}, .sessionFile = folder / "first.orvane"});
+    again->saveInPlace();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return engine::readSession(folder / "first.orvane").value().masterTargetDB != -3.0;
+    }));
 }
 
 TEST_F(Shell, ClosesOnceTheSessionIsSaved) {

@@ -86,6 +86,17 @@ void SessionFile::save(std::function<void()> then) {
     open(dialog);
 }
 
+bool SessionFile::saveInPlace() {
+    if (!ownFile) return false;
+    exportDocument.data = engine.makeDocumentData();
+    write(*ownFile, {});
+    return true;
+}
+
+void SessionFile::setFile(std::optional<QString> path) {
+    ownFile = std::move(path);
+}
+
 void SessionFile::load() {
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, sessionFilter);
     dialog->setFileMode(QFileDialog::ExistingFile);
@@ -112,22 +123,30 @@ void SessionFile::write(const QString& path, std::function<void()> then) {
     // The program does not end before the file is written.
     QtConcurrent::run([document = exportDocument.data, file = toPath(path)] {
         return engine::exportSession(document, file);
-    }).then(this, [this, document = exportDocument.data, then = std::move(then)](const Written& written) {
-        notice.reset();
-        if (!written) return channelArea.setFileErrorMessage(written.error().description);
-        saved = document;
-        if (then) then();
-    });
+    })
+        .then(
+            this,
+            [this, path, document = exportDocument.data, then = std::move(then)](const Written& written) {
+                notice.reset();
+                if (!written) return channelArea.setFileErrorMessage(written.error().description);
+                saved = document;
+                ownFile = path;
+                if (then) then();
+            }
+        );
 }
 
 void SessionFile::loadFrom(const QString& path) {
     showBusy("Reading the session…");
     QtConcurrent::run([file = toPath(path)] { return engine::readSession(file); }
-    ).then(this, [this](const Read& session) {
+    ).then(this, [this, path](const Read& session) {
         notice.reset();
         if (!session) return channelArea.setFileErrorMessage(session.error().description);
-        const auto replace = [this, document = session.value()] {
-            apply(document, [this] { channelArea.setFileErrorMessage(std::nullopt); });
+        const auto replace = [this, path, document = session.value()] {
+            apply(document, [this, path] {
+                ownFile = path;
+                channelArea.setFileErrorMessage(std::nullopt);
+            });
         };
         if (!isUnsaved()) return replace();
         confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });

@@ -5,9 +5,11 @@
 #include "ui/strip/installed_components.h"
 
 #include <QObject>
+#include <QString>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QFileDialog;
 class QWidget;
@@ -30,6 +32,8 @@ class SessionFile final : public QObject {
 
     /// Asks for a file and writes the session; then calls `then`, but only if it was written.
     void save(std::function<void()> then = {});
+    /// Writes the session to the file that it was opened from or last saved to; false where there is none.
+    bool saveInPlace();
     /// Asks for a file and loads it.
     void load();
     /// Loads a file, having asked first if that would throw away what has not been saved.
@@ -42,6 +46,8 @@ class SessionFile final : public QObject {
     [[nodiscard]] bool isUnsaved() const;
     /// Takes the session as it is now for saved.
     void setSaved();
+    /// Says which file the session was opened from, if any.
+    void setFile(std::optional<QString> path);
 
   private:
     void write(const QString& path, std::function<void()> then);
@@ -56,6 +62,7 @@ class SessionFile final : public QObject {
     /// What the export dialog is to write.
     session::MixerJSONDocument exportDocument;
     session::MixerDocumentData saved;
+    std::optional<QString> ownFile;
     /// There while something is under way.
     std::unique_ptr<BusyNotice> notice;
 };

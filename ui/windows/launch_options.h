@@ -5,6 +5,7 @@
 #include "platform/audio_hardware.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@ namespace orvane::ui {
 struct LaunchOptions {
     /// The session to begin with.
     std::optional<session::MixerDocumentData> session = {};
+    /// The file that it was read from.
+    std::optional<std::filesystem::path> sessionFile = {};
     /// Strips; the session's or else the remembered number if absent.
     std::optional<std::int64_t> channels = {};
     /// The uid of the main device.

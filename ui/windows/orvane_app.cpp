@@ -49,6 +49,15 @@ MixerRootView* ORVANEApp::mixerRootView() const {
     return dynamic_cast<MixerRootView*>(centralWidget());
 }
 
+void ORVANEApp::saveInPlace() {
+    MixerRootView* const root = mixerRootView();
+    if (root != nullptr && root->view().sessionFile().saveInPlace()) return;
+    parts.services.log.post(
+        platform::LogLevel::error, logCategory,
+        {"There is no file to save the session to; it has not been opened from one or saved to one."}
+    );
+}
+
 void ORVANEApp::showProblems(const std::vector<std::string>& problems) {
     for (const std::string& problem : problems) {
         parts.services.log.post(platform::LogLevel::error, logCategory, {problem});
@@ -136,6 +145,8 @@ void ORVANEApp::begin(MixerRootView& root) {
     const auto goOn = [this, &root, options] {
         const auto problems = launch(root.engine(), parts.services.audioHardware, options);
         root.view().sessionFile().setSaved();
+        if (options.sessionFile)
+            root.view().sessionFile().setFile(QString::fromStdString(options.sessionFile->string()));
         showProblems(problems);
     };
     if (options.session)

@@ -34,6 +34,9 @@ class ORVANEApp final : public QMainWindow {
     /// Null while a channel count is being chosen.
     [[nodiscard]] MixerRootView* mixerRootView() const;
 
+    /// Writes the session to the file that it was opened from; the log says so where there is none.
+    void saveInPlace();
+
     /// Says what has gone wrong, one sentence each.
     void showProblems(const std::vector<std::string>& problems);
 
