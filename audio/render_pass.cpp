@@ -1,5 +1,6 @@
 #include "audio/render_pass.h"
 
+#include "dsp/sound_bounds.h"
 #include "platform/flush_denormals.h"
 
 #include <algorithm>
@@ -41,7 +42,8 @@ class Pass final {
     }
 
     void addReferenceNoise() noexcept {
-        const double gain = state.noiseGain() * referenceNoiseScale;
+        const double gain =
+            dsp::orSilence<double>(state.noiseGain() * referenceNoiseScale, dsp::largestSample);
         for (double& sample : scratch.inputBlocksScratch[strips])
             sample = gain * state.pinkNoise.next();
         scratch.routedMaskScratch()[strips] = true;

@@ -2,6 +2,7 @@
 
 #include "dsp/decibels.h"
 #include "dsp/level_detector.h"
+#include "dsp/sound_bounds.h"
 
 #include <algorithm>
 #include <cassert>
@@ -217,9 +218,10 @@ void AutomixProcessor::mixGroup(
         const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
                             : settings.vocalRole == VocalRole::backing ? controls.backingGain
                                                                        : 1.0;
-        group.values[lane] = settings.muted      ? 0.0
-                             : settings.bypassed ? role * settings.trim
-                                                 : role * (gains[channel] * settings.trim);
+        const double gain = settings.muted      ? 0.0
+                            : settings.bypassed ? role * settings.trim
+                                                : role * (gains[channel] * settings.trim);
+        group.values[lane] = orSilence(gain, largestGain);
     }
     kernels.mix(
         group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,

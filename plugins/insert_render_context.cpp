@@ -1,5 +1,7 @@
 #include "plugins/insert_render_context.h"
 
+#include "dsp/sound_bounds.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -85,11 +87,12 @@ OSStatus InsertRenderContext::render(std::uint32_t frameCount) noexcept {
 
 void InsertRenderContext::takeOutput(std::span<double> samples) const noexcept {
     if (channelCount == 1) {
-        std::copy_n(outputs[0], samples.size(), samples.begin());
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = dsp::orSilence(outputs[0][i], dsp::largestSample);
         return;
     }
     for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = (outputs[0][i] + outputs[1][i]) * 0.5F;
+        samples[i] = dsp::orSilence((outputs[0][i] + outputs[1][i]) * 0.5F, dsp::largestSample);
 }
 
 void InsertRenderContext::reportRenderStatus(OSStatus status) noexcept {

@@ -45,10 +45,10 @@ struct LaneKernels {
     /// sum[i] = sum[i] + gain * samples[i]; the arrays do not overlap.
     void (*addScaled)(double* sum, const double* samples, double gain, std::size_t frameCount) noexcept;
 
-    /// wide[i] = narrow[i] in double precision.
+    /// wide[i] = narrow[i] in double precision; what is not within `largestSample` becomes 0.
     void (*widen)(double* wide, const float* narrow, std::size_t frameCount) noexcept;
 
-    /// narrow[i] = wide[i] rounded to single precision.
+    /// narrow[i] = wide[i] rounded to single precision; what that cannot hold becomes 0.
     void (*narrow)(float* narrow, const double* wide, std::size_t frameCount) noexcept;
 };
 

@@ -6,6 +6,7 @@
 // and would then run on processors that lack the instructions.
 
 #include "dsp/kernels/lane_kernels.h"
+#include "dsp/sound_bounds.h"
 
 // NOLINTBEGIN(misc-definitions-in-headers): each source has definitions of its own, as said above.
 
@@ -247,13 +248,17 @@ void addScaled(
 }
 
 void widen(double* __restrict wide, const float* __restrict narrow, std::size_t frameCount) noexcept {
-    for (std::size_t i = 0; i < frameCount; ++i)
-        wide[i] = narrow[i];
+    for (std::size_t i = 0; i < frameCount; ++i) {
+        const double sample = narrow[i];
+        wide[i] = __builtin_fabs(sample) <= largestSample ? sample : 0.0;
+    }
 }
 
 void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t frameCount) noexcept {
-    for (std::size_t i = 0; i < frameCount; ++i)
-        narrow[i] = static_cast<float>(wide[i]);
+    for (std::size_t i = 0; i < frameCount; ++i) {
+        const float rounded = static_cast<float>(wide[i]);
+        narrow[i] = __builtin_fabsf(rounded) <= __FLT_MAX__ ? rounded : 0.0F;
+    }
 }
 
 constexpr LaneKernels kernelsNamed(const char* name) {

@@ -3,12 +3,14 @@
 #include "dsp/decibels.h"
 #include "platform/flush_denormals.h"
 #include "support/mixer_harness.h"
+#include "support/no_sound.h"
 #include "support/random_blocks.h"
 #include "support/scripted_unit.h"
 
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -43,17 +45,21 @@ class TwoMixers final {
             resettle(static_cast<std::size_t>(wholeBetween(random, 0, static_cast<long>(shape.strips) - 1)));
     }
 
-    /// One block of a random length; the devices play now the same, now another length.
+    /// One block of a random length; the devices play now the same, now another length. Where the fast mixer
+    /// is given samples that are no sound, the plain one is given silence.
     void cycle() {
-        constexpr std::size_t lengths[] = {0, 1, 31, 32, 96, 256, 2048, 4096};
-        const std::size_t frameCount = lengths[static_cast<std::size_t>(wholeBetween(random, 0, 7))];
+        constexpr std::size_t lengths[] = {0, 1, 3, 17, 31, 32, 63, 96, 256, 511, 2048, 4095, 4096};
+        const std::size_t frameCount =
+            lengths[static_cast<std::size_t>(wholeBetween(random, 0, std::ssize(lengths) - 1))];
         DeviceBlocks captured(captureChannels, std::vector<float>(frameCount));
         for (std::vector<float>& block : captured)
             fillWithSignal(random, std::span<float>(block));
+        DeviceBlocks meant = captured;
+        spoil(captured, meant);
         fast.pass(captured, frameCount);
         {
             const platform::FlushDenormals flushDenormals;
-            plain.process(readable(captured), frameCount);
+            plain.process(readable(meant), frameCount);
         }
         const std::size_t playedFrames = oneIn(random, 4) ? frameCount / 2 : frameCount;
         comparePlayed(fast.state.outputRingBuffers, plain.rings, playedFrames);
@@ -62,6 +68,19 @@ class TwoMixers final {
     }
 
   private:
+    /// Now and then a channel brings what is no sound, in a few samples or throughout.
+    void spoil(DeviceBlocks& captured, DeviceBlocks& meant) {
+        for (std::size_t channel = 0; channel < captured.size(); ++channel) {
+            if (!oneIn(random, 5)) continue;
+            const long samplesApart = oneIn(random, 2) ? 1 : 100;
+            for (std::size_t i = 0; i < captured[channel].size(); ++i) {
+                if (!oneIn(random, samplesApart)) continue;
+                captured[channel][i] = noSound[static_cast<std::size_t>(wholeBetween(random, 0, 5))];
+                meant[channel][i] = 0.0F;
+            }
+        }
+    }
+
     void comparePlayed(
         const audio::RingBuffers& rings, std::vector<baseline::PlainRing>& plainRings, std::size_t frames
     ) {
@@ -138,7 +157,7 @@ class TwoMixers final {
         for (std::size_t strip = 0; strip < shape.strips; ++strip) {
             table.pluginContexts.emplace_back();
             for (int slot = 0; slot < 3; ++slot) {
-                const auto act = static_cast<UnitAct>(wholeBetween(random, 0, 5));
+                const auto act = static_cast<UnitAct>(wholeBetween(random, 0, 6));
                 const auto channels = static_cast<std::size_t>(wholeBetween(random, 1, 2));
                 const bool isEmpty = !oneIn(random, 3);
                 table.pluginContexts.back().push_back(isEmpty ? nullptr : makeInsert(act, channels));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/audio_unit_rendering.h"
+#include "support/no_sound.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,6 +24,8 @@ enum class UnitAct {
     replacesPointers,
     /// Succeeds with one output fewer than it was asked for.
     dropsOutput,
+    /// Leaves what is no sound in its outputs, another kind every sample.
+    blowsUp,
 };
 
 /// An effect that does as it is told, one act a call, the last one for ever, and keeps what it was given.
@@ -63,7 +66,9 @@ class ScriptedUnit final {
             auto* const output = static_cast<float*>(list.mBuffers[c].mData);
             const auto* const source = static_cast<const float*>(input.mBuffers[c].mData);
             for (std::uint32_t i = 0; i < frameCount; ++i)
-                output[i] = act == UnitAct::leftOnly ? (c == 0 ? 1.0F : 0.0F) : 2.0F * source[i];
+                output[i] = act == UnitAct::leftOnly  ? (c == 0 ? 1.0F : 0.0F)
+                            : act == UnitAct::blowsUp ? noSound[i % noSound.size()]
+                                                      : 2.0F * source[i];
             if (act == UnitAct::replacesPointers) list.mBuffers[c].mData = own.data();
         }
         if (act == UnitAct::losesPointer) list.mBuffers.back().mData = nullptr;

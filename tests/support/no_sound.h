@@ -1,0 +1,17 @@
+#pragma once
+
+#include <array>
+#include <limits>
+
+namespace orvane::test {
+
+/// Samples that are no sound: what broken converters, drivers and effects leave in a block.
+inline constexpr std::array noSound = {
+    std::numeric_limits<float>::quiet_NaN(),
+    std::numeric_limits<float>::infinity(),
+    1e30F,
+    -std::numeric_limits<float>::quiet_NaN(),
+    -std::numeric_limits<float>::infinity(),
+    -std::numeric_limits<float>::max()};
+
+} // namespace orvane::test
