@@ -1,5 +1,6 @@
 #include "platform/lv2_units/lv2_unit.h"
 
+#include "dsp/sound_bounds.h"
 #include "platform/lv2_units/full_state.h"
 #include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/lv2_editor.h"
@@ -7,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -18,13 +20,12 @@ constexpr std::uint32_t byteSize(std::uint32_t frameCount) noexcept {
     return frameCount * static_cast<std::uint32_t>(sizeof(float));
 }
 
-/// Whether every sample is a number; one that is not would never leave the mix again.
-ORVANE_REALTIME bool isFinite(const float* samples, std::uint32_t frameCount) noexcept {
-    // Zero times anything that is not finite is not zero.
-    float sum = 0.0F;
+/// Whether every sample is sound.
+ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noexcept {
+    bool isWithin = true;
     for (std::uint32_t i = 0; i < frameCount; ++i)
-        sum += samples[i] * 0.0F;
-    return sum == 0.0F;
+        isWithin &= std::abs(samples[i]) <= dsp::largestSample;
+    return isWithin;
 }
 
 } // namespace
@@ -160,12 +161,13 @@ OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
     const std::span<float> controls = instance->controlValues();
     for (const auto& parameter : ownParameters)
         if (!parameter->info().isReadOnly) controls[parameter->port()] = parameter->value();
-    instance->run(inputs, outputs, frameCount, messages.load());
+    if (!instance->run(inputs, outputs, frameCount, messages.load()))
+        return kAudioUnitErr_CannotDoInCurrentContext;
     for (const auto& parameter : ownParameters)
         if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
-    const bool isSound =
-        std::ranges::all_of(outputs, [&](const float* samples) { return isFinite(samples, frameCount); });
-    return isSound ? noErr : kAudioUnitErr_CannotDoInCurrentContext;
+    const bool isAllSound =
+        std::ranges::all_of(outputs, [&](const float* samples) { return isSound(samples, frameCount); });
+    return isAllSound ? noErr : kAudioUnitErr_CannotDoInCurrentContext;
 }
 
 std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {

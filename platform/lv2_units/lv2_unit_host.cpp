@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -86,12 +87,23 @@ void Lv2UnitHost::serveRequests() {
         const Request request = std::move(requests.front());
         requests.pop_front();
         lock.unlock();
-        auto made = makeUnit(request.description);
+        auto made = makeUnitSafely(request.description);
         if (made)
             request.completion(std::move(made).value(), std::nullopt);
         else
             request.completion(nullptr, made.error());
         lock.lock();
+    }
+}
+
+Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnitSafely(const AudioComponentDescription& description
+) {
+    try {
+        return makeUnit(description);
+    } catch (const std::bad_alloc&) {
+        return Error{"There is not enough memory to load the effect."};
+    } catch (...) {
+        return Error{"The effect failed while it was being loaded."};
     }
 }
 

@@ -49,6 +49,8 @@ class Lv2UnitHost final : public AudioUnitHost {
 
     const std::vector<lv2_units::InstalledPlugin>& plugins();
     Result<std::shared_ptr<AUAudioUnit>> makeUnit(const AudioComponentDescription& description);
+    /// Whatever it throws ends here: the program goes on without the effect.
+    Result<std::shared_ptr<AUAudioUnit>> makeUnitSafely(const AudioComponentDescription& description);
     void serveRequests();
 
     std::shared_ptr<lv2_units::HostServices> services;

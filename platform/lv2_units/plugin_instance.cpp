@@ -1,5 +1,7 @@
 #include "platform/lv2_units/plugin_instance.h"
 
+#include "platform/lv2_units/log_category.h"
+#include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/plugin_state.h"
 #include "platform/lv2_units/state_paths.h"
 
@@ -78,22 +80,26 @@ PluginInstance::PluginInstance(
 PluginInstance::~PluginInstance() {
     worker.stop();
     const std::scoped_lock lock(services->instantiating);
-    if (handle != nullptr && library.descriptor().cleanup != nullptr) library.descriptor().cleanup(handle);
+    if (handle == nullptr || library.descriptor().cleanup == nullptr) return;
+    if (!callPlugin([this] { library.descriptor().cleanup(handle); })) report("failed at its end.");
 }
 
 bool PluginInstance::instantiate() {
     const LV2_Descriptor& descriptor = library.descriptor();
     {
         const std::scoped_lock lock(services->instantiating);
-        handle = descriptor.instantiate(
-            &descriptor, madeFor.sampleRate, description->bundlePath.c_str(), features.list()
-        );
+        const Worker::ControlCall call(worker);
+        callPlugin([&] {
+            handle = descriptor.instantiate(
+                &descriptor, madeFor.sampleRate, description->bundlePath.c_str(), features.list()
+            );
+        });
     }
     if (handle == nullptr) return false;
     connectPorts();
     stateInterface = extension<LV2_State_Interface>(descriptor, LV2_STATE__interface);
     if (const auto* const work = extension<LV2_Worker_Interface>(descriptor, LV2_WORKER__interface))
-        worker.start(handle, *work);
+        worker.start(handle, *work, [this] { report("failed at work that it had handed on."); });
     return true;
 }
 
@@ -117,36 +123,47 @@ void PluginInstance::connectPorts() {
 
 void PluginInstance::activate() {
     const Worker::ControlCall call(worker);
-    if (library.descriptor().activate != nullptr) library.descriptor().activate(handle);
+    if (library.descriptor().activate == nullptr) return;
+    isBroken = !callPlugin([this] { library.descriptor().activate(handle); });
+    if (isBroken) report("failed to get ready, so it is not run.");
 }
 
 void PluginInstance::deactivate() {
     const Worker::ControlCall call(worker);
-    if (library.descriptor().deactivate != nullptr) library.descriptor().deactivate(handle);
+    if (library.descriptor().deactivate == nullptr) return;
+    if (!callPlugin([this] { library.descriptor().deactivate(handle); })) report("failed to come to rest.");
 }
 
-void PluginInstance::run(
+bool PluginInstance::run(
     std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount,
     EditorMessages* messages
 ) noexcept {
+    if (isBroken) return false;
     const LV2_Descriptor& descriptor = library.descriptor();
-    // The interface takes inputs as pointers to what could be written to; plugins do not.
-    for (std::size_t c = 0; c < inputs.size(); ++c)
-        descriptor.connect_port(handle, description->audio.inputs[c], const_cast<float*>(inputs[c]));
-    for (std::size_t c = 0; c < outputs.size(); ++c)
-        descriptor.connect_port(handle, description->audio.outputs[c], outputs[c]);
     atomPorts.clear();
     if (messages != nullptr) atomPorts.receive(*messages);
-    descriptor.run(handle, frameCount);
-    worker.deliverResponses();
+    const Worker::RenderCall call(worker);
+    isBroken = !callPlugin([&] {
+        // The interface takes inputs as pointers to what could be written to; plugins do not.
+        for (std::size_t c = 0; c < inputs.size(); ++c)
+            descriptor.connect_port(handle, description->audio.inputs[c], const_cast<float*>(inputs[c]));
+        for (std::size_t c = 0; c < outputs.size(); ++c)
+            descriptor.connect_port(handle, description->audio.outputs[c], outputs[c]);
+        descriptor.run(handle, frameCount);
+        worker.deliverResponses();
+    });
+    if (isBroken) report("failed in the middle of a block, so it is no longer run.");
     if (messages != nullptr) atomPorts.send(*messages);
+    return !isBroken;
 }
 
 PropertyList::Dictionary PluginInstance::state() const {
     if (stateInterface == nullptr) return {};
     const auto paths = statePathFeatures();
     const LV2_Feature* const offered[] = {&paths[0], &paths[1], nullptr};
-    return savePluginState(*stateInterface, handle, services->urids, offered);
+    SavedState saved = savePluginState(*stateInterface, handle, services->urids, offered);
+    if (!saved.isWhole) report("could not give all of its state.");
+    return std::move(saved.state);
 }
 
 void PluginInstance::restore(const PropertyList::Dictionary& state) {
@@ -155,7 +172,12 @@ void PluginInstance::restore(const PropertyList::Dictionary& state) {
     const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
     const auto paths = statePathFeatures();
     const LV2_Feature* const offered[] = {&paths[0], &paths[1], &schedule, nullptr};
-    restorePluginState(*stateInterface, handle, services->urids, offered, state);
+    if (!restorePluginState(*stateInterface, handle, services->urids, offered, state))
+        report("could not take all of the state that it was given.");
+}
+
+void PluginInstance::report(std::string_view what) const noexcept {
+    services->log.post(LogLevel::error, logCategory, {description->name, ": the plugin ", what});
 }
 
 } // namespace orvane::platform::lv2_units

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace orvane::platform::lv2_units {
@@ -53,9 +54,9 @@ class PluginInstance final {
     [[nodiscard]] std::span<float> controlValues() noexcept { return controls; }
 
     /// Runs the plugin from the inputs into the outputs, one buffer of `frameCount` samples for each main
-    /// audio port; `messages`: with the plugin's open editors, null where there were none yet. Render thread,
-    /// real-time safe where the plugin is.
-    ORVANE_REALTIME void
+    /// audio port; `messages`: with the plugin's open editors, null where there were none yet. False where
+    /// the plugin throws, which is logged, and ever after. Render thread, real-time safe where the plugin is.
+    ORVANE_REALTIME bool
     run(std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount,
         EditorMessages* messages) noexcept;
 
@@ -73,6 +74,7 @@ class PluginInstance final {
 
     bool instantiate();
     void connectPorts();
+    ORVANE_REALTIME void report(std::string_view what) const noexcept;
 
     std::shared_ptr<const PluginDescription> description;
     std::shared_ptr<HostServices> services;
@@ -82,6 +84,8 @@ class PluginInstance final {
     HostFeatures features;
     LV2_Handle handle = nullptr;
     const LV2_State_Interface* stateInterface = nullptr;
+    /// It has thrown where it runs.
+    bool isBroken = false;
 
     /// By port index.
     std::vector<float> controls;

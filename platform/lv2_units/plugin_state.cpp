@@ -1,9 +1,11 @@
 #include "platform/lv2_units/plugin_state.h"
 
+#include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/state_value.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -26,7 +28,7 @@ struct Restoring {
 LV2_State_Status store(
     LV2_State_Handle handle, std::uint32_t key, const void* value, std::size_t size, std::uint32_t type,
     std::uint32_t flags
-) {
+) try {
     auto& saving = *static_cast<Saving*>(handle);
     const char* const uri = saving.urids.unmap(key);
     if (uri == nullptr || value == nullptr) return LV2_STATE_ERR_UNKNOWN;
@@ -36,11 +38,13 @@ LV2_State_Status store(
     if (!encoded) return LV2_STATE_ERR_BAD_TYPE;
     saving.saved[uri].value = *std::move(encoded);
     return LV2_STATE_SUCCESS;
+} catch (const std::bad_alloc&) {
+    return LV2_STATE_ERR_NO_SPACE;
 }
 
 const void* retrieve(
     LV2_State_Handle handle, std::uint32_t key, std::size_t* size, std::uint32_t* type, std::uint32_t* flags
-) {
+) try {
     auto& restoring = *static_cast<Restoring*>(handle);
     const char* const uri = restoring.urids.unmap(key);
     if (uri == nullptr) return nullptr;
@@ -54,25 +58,32 @@ const void* retrieve(
     if (type != nullptr) *type = value.type;
     if (flags != nullptr) *flags = value.flags;
     return value.body.data();
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 } // namespace
 
-PropertyList::Dictionary savePluginState(
+SavedState savePluginState(
     const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
     const LV2_Feature* const* features
 ) {
     Saving saving{urids};
-    interface.save(handle, store, &saving, LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE, features);
-    return std::move(saving.saved);
+    LV2_State_Status status = LV2_STATE_ERR_UNKNOWN;
+    callPlugin([&] {
+        status = interface.save(handle, store, &saving, LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE, features);
+    });
+    return {std::move(saving.saved), status == LV2_STATE_SUCCESS};
 }
 
-void restorePluginState(
+bool restorePluginState(
     const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
     const LV2_Feature* const* features, const PropertyList::Dictionary& state
 ) {
     Restoring restoring{urids, state};
-    interface.restore(handle, retrieve, &restoring, 0, features);
+    LV2_State_Status status = LV2_STATE_ERR_UNKNOWN;
+    callPlugin([&] { status = interface.restore(handle, retrieve, &restoring, 0, features); });
+    return status == LV2_STATE_SUCCESS;
 }
 
 } // namespace orvane::platform::lv2_units

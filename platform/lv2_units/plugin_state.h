@@ -8,17 +8,23 @@
 
 namespace orvane::platform::lv2_units {
 
+/// What a plugin saved, and whether it says that this is all.
+struct SavedState {
+    PropertyList::Dictionary state;
+    bool isWhole = false;
+};
+
 /// What the plugin's state interface saves, each value under the URI of its key as a dictionary of its
 /// "type" (a URI), "flags" and "value". Only what means the same in another process is kept: plain data
 /// without paths. Control thread.
-PropertyList::Dictionary savePluginState(
+SavedState savePluginState(
     const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
     const LV2_Feature* const* features
 );
 
 /// Lets the plugin take what was saved. Entries that are not of that form, or not of the size that their
-/// type has, are as if they were not there. Control thread.
-void restorePluginState(
+/// type has, are as if they were not there. True where the plugin says that it took it. Control thread.
+bool restorePluginState(
     const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
     const LV2_Feature* const* features, const PropertyList::Dictionary& state
 );

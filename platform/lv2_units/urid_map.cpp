@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <new>
 
 namespace orvane::platform::lv2_units {
 
@@ -17,7 +18,7 @@ UridMap::Entry* UridMap::find(const Bucket& bucket, std::string_view uri) noexce
     return entry;
 }
 
-LV2_URID UridMap::map(std::string_view uri) noexcept {
+LV2_URID UridMap::map(std::string_view uri) noexcept try {
     Bucket& bucket = buckets[std::hash<std::string_view>()(uri) % buckets.size()];
     if (const Entry* const known = find(bucket, uri)) return known->urid;
 
@@ -31,6 +32,8 @@ LV2_URID UridMap::map(std::string_view uri) noexcept {
     entries[entry->urid].store(entry, std::memory_order_release);
     bucket.store(entry, std::memory_order_release);
     return entry->urid;
+} catch (const std::bad_alloc&) {
+    return 0;
 }
 
 const char* UridMap::unmap(LV2_URID urid) const noexcept {

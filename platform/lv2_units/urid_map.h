@@ -23,8 +23,8 @@ class UridMap final {
     UridMap(const UridMap&) = delete;
     UridMap& operator=(const UridMap&) = delete;
 
-    /// The number of a URI, given to it the first time it is asked for; 0 where no number is left. Real-time
-    /// safe for URIs that have one.
+    /// The number of a URI, given to it the first time it is asked for; 0 where no number or memory is left.
+    /// Real-time safe for URIs that have one.
     LV2_URID map(std::string_view uri) noexcept;
 
     /// The URI that has the number; null where none has. Real-time safe.

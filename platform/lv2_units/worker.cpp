@@ -1,6 +1,9 @@
 #include "platform/lv2_units/worker.h"
 
+#include "platform/lv2_units/plugin_call.h"
+
 #include <span>
+#include <utility>
 
 namespace orvane::platform::lv2_units {
 
@@ -22,8 +25,11 @@ Worker::ControlCall::ControlCall(Worker& called) : worker(called), lock(called.w
     worker.controlThread.store(std::this_thread::get_id());
 }
 
-void Worker::start(LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface) {
+void Worker::start(
+    LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface, std::function<void()> reportFailure
+) {
     handle = pluginHandle;
+    failureReport = std::move(reportFailure);
     interface = &pluginInterface;
     thread = std::thread([this] { run(); });
 }
@@ -36,7 +42,7 @@ void Worker::stop() {
     thread.join();
 }
 
-void Worker::deliverResponses() noexcept {
+void Worker::deliverResponses() {
     if (interface == nullptr) return;
     while (const auto size = responses.take(response))
         if (interface->work_response != nullptr)
@@ -47,7 +53,9 @@ void Worker::deliverResponses() noexcept {
 LV2_Worker_Status
 Worker::scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, const void* data) {
     auto& self = *static_cast<Worker*>(worker);
+    // Each ring takes what one thread writes.
     const bool isControl = self.controlThread.load() == std::this_thread::get_id();
+    if (!isControl && self.renderThread.load() != std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
     MessageRing& requests = isControl ? self.controlRequests : self.renderRequests;
     if (!requests.write(message(size, data))) return statusOf(false);
     self.wakeUps.fetch_add(1);
@@ -56,7 +64,9 @@ Worker::scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, cons
 }
 
 LV2_Worker_Status Worker::respond(LV2_Worker_Respond_Handle worker, std::uint32_t size, const void* data) {
-    return statusOf(static_cast<Worker*>(worker)->responses.write(message(size, data)));
+    auto& self = *static_cast<Worker*>(worker);
+    if (self.workThread.load() != std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
+    return statusOf(self.responses.write(message(size, data)));
 }
 
 void Worker::run() {
@@ -73,8 +83,17 @@ void Worker::workOff(MessageRing& requests) {
         const std::scoped_lock lock(working);
         const auto size = requests.take(request);
         if (!size) return;
-        interface->work(handle, respond, this, static_cast<std::uint32_t>(*size), request.bytes.data());
+        work(*size);
     }
+}
+
+void Worker::work(std::size_t size) {
+    workThread.store(std::this_thread::get_id());
+    const bool isDone = callPlugin([&] {
+        interface->work(handle, respond, this, static_cast<std::uint32_t>(size), request.bytes.data());
+    });
+    workThread.store(std::thread::id());
+    if (!isDone && failureReport) std::exchange(failureReport, nullptr)();
 }
 
 } // namespace orvane::platform::lv2_units

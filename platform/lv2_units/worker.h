@@ -6,7 +6,9 @@
 #include <lv2/worker/worker.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -25,14 +27,33 @@ class Worker final {
     /// What the plugin schedules work with: from its run(), and within a `ControlCall`.
     LV2_Worker_Schedule* schedule() { return &feature; }
 
+    /// `reportFailure` is told, on the worker's thread, the first time that the plugin throws at its work.
     /// Control thread.
-    void start(LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface);
+    void start(
+        LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface,
+        std::function<void()> reportFailure
+    );
     /// Waits for the work that is being done; what waits behind it is dropped. Control thread.
     void stop();
 
-    /// Hands the plugin what its work has answered and ends the run; after each run(). Render thread,
-    /// real-time safe where the plugin is.
-    ORVANE_REALTIME void deliverResponses() noexcept;
+    /// Hands the plugin what its work has answered and ends the run; after each run(), within its
+    /// `RenderCall`. Throws what the plugin does. Render thread, real-time safe where the plugin is.
+    ORVANE_REALTIME void deliverResponses();
+
+    /// While it lives, the calling thread is the one that renders: what it schedules goes to the worker. Work
+    /// that another thread schedules, and responses to none, are refused. Real-time safe.
+    class RenderCall final {
+      public:
+        explicit RenderCall(Worker& called) noexcept : worker(called) {
+            worker.renderThread.store(std::this_thread::get_id());
+        }
+        ~RenderCall() { worker.renderThread.store(std::thread::id()); }
+        RenderCall(const RenderCall&) = delete;
+        RenderCall& operator=(const RenderCall&) = delete;
+
+      private:
+        Worker& worker;
+    };
 
     /// While it lives, what the calling thread schedules comes from the control side, whose way to the
     /// worker is another one than the render thread's. No work is done meanwhile.
@@ -55,6 +76,7 @@ class Worker final {
 
     void run();
     void workOff(MessageRing& requests);
+    void work(std::size_t size);
 
     LV2_Worker_Schedule feature;
     LV2_Handle handle = nullptr;
@@ -69,6 +91,11 @@ class Worker final {
     /// Held while the plugin works.
     std::mutex working;
     std::atomic<std::thread::id> controlThread;
+    std::atomic<std::thread::id> renderThread;
+    /// While it works.
+    std::atomic<std::thread::id> workThread;
+    /// Until it has been told.
+    std::function<void()> failureReport;
     /// What the thread waits for a change of.
     std::atomic<std::uint32_t> wakeUps = 0;
     std::atomic<bool> isStopping = false;

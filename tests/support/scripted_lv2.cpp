@@ -2,23 +2,26 @@
 
 #include <lv2/atom/util.h>
 #include <lv2/core/lv2.h>
+#include <lv2/log/log.h>
 #include <lv2/state/state.h>
 #include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
 // An LV2 plugin that multiplies its input by its control "gain", has its worker multiply the gain by ten and
-// shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. At
-// a gain of 2 its output is not a number. Its state is one value of each kind that there is. Atoms that it is
+// shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. Its
+// state is one value of each kind that there is. Atoms that it is
 // sent it sends back; those of an integer below 0 with a size that is not theirs.
 
 namespace {
@@ -30,6 +33,10 @@ ScriptedLv2Probe probe;
 struct Plugin {
     LV2_URID_Map* map = nullptr;
     LV2_Worker_Schedule* schedule = nullptr;
+    LV2_Log_Log* log = nullptr;
+    /// Of the last work.
+    std::atomic<LV2_Worker_Respond_Function> respond = nullptr;
+    std::atomic<LV2_Worker_Respond_Handle> respondHandle = nullptr;
     std::array<void*, 12> ports{};
     float answer = 0.0F;
 
@@ -48,17 +55,41 @@ struct Plugin {
     }
 };
 
+void throwIf(ScriptedLv2Probe::Throw place) {
+    if (probe.throwsIn.load() == place) throw std::runtime_error("as it was told to");
+}
+
+int callHost(const Plugin& plugin) {
+    const float request = 1.0F;
+    int taken = plugin.schedule->schedule_work(plugin.schedule->handle, sizeof request, &request)
+                        == LV2_WORKER_SUCCESS
+                    ? 1
+                    : 0;
+    const LV2_Worker_Respond_Function respond = plugin.respond.load();
+    if (respond != nullptr
+        && respond(plugin.respondHandle.load(), sizeof request, &request) == LV2_WORKER_SUCCESS)
+        ++taken;
+    if (plugin.urid("urn:orvane:test:strange") != 0) ++taken;
+    if (plugin.log->printf(plugin.log->handle, plugin.urid(LV2_LOG__Note), "from a strange thread") > 0)
+        ++taken;
+    return taken;
+}
+
 LV2_Handle
 instantiate(const LV2_Descriptor* descriptor, double, const char*, const LV2_Feature* const* features) {
     if (std::strstr(descriptor->URI, "refuses") != nullptr) return nullptr;
+    throwIf(ScriptedLv2Probe::Throw::instantiate);
     auto* const plugin = new Plugin;
     for (; *features != nullptr; ++features) {
         if (std::strcmp((*features)->URI, LV2_URID__map) == 0)
             plugin->map = static_cast<LV2_URID_Map*>((*features)->data);
         if (std::strcmp((*features)->URI, LV2_WORKER__schedule) == 0)
             plugin->schedule = static_cast<LV2_Worker_Schedule*>((*features)->data);
+        if (std::strcmp((*features)->URI, LV2_LOG__log) == 0)
+            plugin->log = static_cast<LV2_Log_Log*>((*features)->data);
     }
     probe.pluginCount.fetch_add(1);
+    probe.callHost = [plugin] { return callHost(*plugin); };
     plugin->choice = plugin->urid("urn:orvane:test:choice");
     plugin->floats.head = {sizeof(float), plugin->urid(LV2_ATOM__Float)};
     return plugin;
@@ -96,10 +127,12 @@ void sendBack(const Plugin& plugin) {
 
 void run(LV2_Handle handle, std::uint32_t frameCount) {
     auto& plugin = *static_cast<Plugin*>(handle);
+    throwIf(ScriptedLv2Probe::Throw::run);
     if (probe.isRestoring.load()) probe.runsDuringRestore.fetch_add(1);
+    const float plays = probe.plays.load();
     const float gain = *plugin.port<float>(2);
     for (std::uint32_t i = 0; i < frameCount; ++i)
-        plugin.port<float>(1)[i] = gain == 2.0F ? NAN : gain * plugin.port<float>(0)[i];
+        plugin.port<float>(1)[i] = plays != 0.0F ? plays : gain * plugin.port<float>(0)[i];
     plugin.schedule->schedule_work(plugin.schedule->handle, sizeof gain, &gain);
     const bool isConnected = arePortsConnected(plugin, frameCount);
     *plugin.port<float>(3) = isConnected ? plugin.answer : -1.0F;
@@ -107,14 +140,19 @@ void run(LV2_Handle handle, std::uint32_t frameCount) {
 }
 
 LV2_Worker_Status work(
-    LV2_Handle, LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle, std::uint32_t,
+    LV2_Handle instance, LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle, std::uint32_t,
     const void* data
 ) {
+    throwIf(ScriptedLv2Probe::Throw::work);
+    auto& plugin = *static_cast<Plugin*>(instance);
+    plugin.respondHandle = handle;
+    plugin.respond = respond;
     const float answer = *static_cast<const float*>(data) * 10.0F;
     return respond(handle, sizeof answer, &answer);
 }
 
 LV2_Worker_Status workResponse(LV2_Handle handle, std::uint32_t, const void* data) {
+    throwIf(ScriptedLv2Probe::Throw::workResponse);
     static_cast<Plugin*>(handle)->answer = *static_cast<const float*>(data);
     return LV2_WORKER_SUCCESS;
 }
@@ -133,13 +171,14 @@ save(LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle state, 
         return store(state, plugin.urid(key), value, size, plugin.urid(type), flags);
     };
     put("urn:orvane:test:number", &plugin.number, sizeof plugin.number, LV2_ATOM__Int, plain);
+    throwIf(ScriptedLv2Probe::Throw::save);
     put("urn:orvane:test:text", plugin.text.c_str(), plugin.text.size() + 1, LV2_ATOM__String, plain);
     put("urn:orvane:test:choice", &plugin.choice, sizeof plugin.choice, LV2_ATOM__URID, plain);
     put("urn:orvane:test:floats", &plugin.floats, sizeof plugin.floats, LV2_ATOM__Vector, plain);
     put("urn:orvane:test:path", "/etc/passwd", 12, LV2_ATOM__Path, plain);
     put("urn:orvane:test:object", &plugin.number, sizeof plugin.number, LV2_ATOM__Object, plain);
     put("urn:orvane:test:pointer", &handle, sizeof handle, LV2_ATOM__Chunk, 0);
-    return LV2_STATE_SUCCESS;
+    return probe.deniesState.load() ? LV2_STATE_ERR_UNKNOWN : LV2_STATE_SUCCESS;
 }
 
 LV2_State_Status
@@ -157,6 +196,8 @@ restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handl
     };
     if (const void* value = get("urn:orvane:test:number", LV2_ATOM__Int))
         std::memcpy(&plugin.number, value, sizeof plugin.number);
+    probe.isRestoring.store(probe.throwsIn.load() != ScriptedLv2Probe::Throw::restore);
+    throwIf(ScriptedLv2Probe::Throw::restore);
     if (const void* value = get("urn:orvane:test:text", LV2_ATOM__String))
         plugin.text = static_cast<const char*>(value);
     if (const void* value = get("urn:orvane:test:choice", LV2_ATOM__URID))
@@ -167,7 +208,7 @@ restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handl
     // A path in a state is a path to a file of somebody else's.
     if (get("urn:orvane:test:path", LV2_ATOM__Path) != nullptr) plugin.text = "path";
     probe.isRestoring.store(false);
-    return LV2_STATE_SUCCESS;
+    return probe.deniesState.load() ? LV2_STATE_ERR_UNKNOWN : LV2_STATE_SUCCESS;
 }
 
 const void* extensionData(const char* uri) {
@@ -181,6 +222,7 @@ const void* extensionData(const char* uri) {
 void cleanup(LV2_Handle handle) {
     delete static_cast<Plugin*>(handle);
     probe.pluginCount.fetch_sub(1);
+    throwIf(ScriptedLv2Probe::Throw::cleanup);
 }
 
 constexpr LV2_Descriptor describe(const char* uri) {

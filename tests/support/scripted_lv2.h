@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -39,6 +40,17 @@ struct ScriptedEditorProbe {
 
 /// What a test and the scripted LV2 plugin, which is a library of its own, know of each other.
 struct ScriptedLv2Probe {
+    /// Where the plugin throws.
+    enum class Throw { nowhere, instantiate, run, work, workResponse, save, restore, cleanup };
+
+    std::atomic<Throw> throwsIn = Throw::nowhere;
+    /// save() and restore() do what they do and say that they failed.
+    std::atomic<bool> deniesState = false;
+    /// What run() puts into every sample, where it is not 0.
+    std::atomic<float> plays = 0.0F;
+    /// Schedules work, answers work, maps a URI and logs, on the calling thread, for the plugin made last;
+    /// the number of calls that the host took.
+    std::function<int()> callHost;
     /// restore() does not return while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;

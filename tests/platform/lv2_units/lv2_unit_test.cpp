@@ -1,6 +1,7 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/hosted_unit.h"
 #include "support/lv2_bundles.h"
+#include "support/no_sound.h"
 #include "support/wait_for.h"
 
 #include "scripted_plugin.h"
@@ -10,6 +11,7 @@
 #include <lv2/atom/atom.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <future>
 #include <limits>
@@ -43,7 +45,8 @@ class Lv2UnitTest : public testing::Test {
     std::shared_ptr<AUAudioUnit> make(const char* name) { return test::instantiate(*host, name).unit; }
 
     Lv2Bundles bundles;
-    SystemLog log{[](const LogLine&) {}};
+    std::vector<std::string> lines;
+    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
     std::unique_ptr<Lv2UnitHost> host = std::make_unique<Lv2UnitHost>(log, bundles.searchPath());
     const std::vector<float> ones = std::vector<float>(64, 1.0F);
 };
@@ -142,14 +145,109 @@ TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsIsGivenTheUnitsOwn) {
     }
 }
 
-TEST_F(Lv2UnitTest, OutputThatIsNotANumberIsAnErrorForAsLongAsItLasts) {
+TEST_F(Lv2UnitTest, OutputThatIsNoSoundIsAnErrorForAsLongAsItLasts) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     UnitRenderer renderer(*unit, 1);
-    parameter(*unit, "gain").setValue(2.0F);
-    EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_CannotDoInCurrentContext);
-    parameter(*unit, "gain").setValue(1.0F);
+    for (const float bad : test::noSound) {
+        probe().plays.store(bad);
+        EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_CannotDoInCurrentContext) << bad;
+        probe().plays.store(0.0F);
+        EXPECT_EQ(renderer.renderBlock(ones), noErr) << bad;
+    }
+    probe().plays.store(std::numeric_limits<float>::denorm_min());
     EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    probe().plays.store(0.0F);
+}
+
+TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
+    using Throw = test::ScriptedLv2Probe::Throw;
+    const int pluginsBefore = probe().pluginCount.load();
+    const struct {
+        Throw place;
+        const char* logged;
+        OSStatus rendered;
+    } cases[] = {
+        {Throw::run, "plain: the plugin failed in the middle of a block, so it is no longer run.",
+         kAudioUnitErr_CannotDoInCurrentContext},
+        {Throw::workResponse, "plain: the plugin failed in the middle of a block, so it is no longer run.",
+         kAudioUnitErr_CannotDoInCurrentContext},
+        {Throw::work, "plain: the plugin failed at work that it had handed on.", noErr},
+        {Throw::save, "plain: the plugin could not give all of its state.", noErr},
+        {Throw::restore, "plain: the plugin could not take all of the state that it was given.", noErr},
+        {Throw::cleanup, "plain: the plugin failed at its end.", noErr}};
+    for (const auto& [place, logged, rendered] : cases) {
+        SCOPED_TRACE(logged);
+        lines.clear();
+        {
+            const auto unit = make("plain");
+            ASSERT_EQ(setUp(*unit, 1), "");
+            UnitRenderer renderer(*unit, 1);
+            ASSERT_EQ(renderer.renderBlock(ones), noErr);
+            probe().throwsIn.store(place);
+            const auto state = unit->fullState();
+            EXPECT_TRUE(state && state->contains("controls"));
+            unit->setFullState(*state);
+            // What throws allocates.
+            const auto isOver = [&, expected = rendered] {
+                return renderer.renderBlock(ones, false) == expected
+                       && (log.flush(), place == Throw::cleanup || !lines.empty());
+            };
+            EXPECT_TRUE(waitFor(isOver));
+            probe().throwsIn.store(place == Throw::cleanup ? place : Throw::nowhere);
+            EXPECT_EQ(renderer.renderBlock(ones), rendered);
+        }
+        probe().throwsIn.store(Throw::nowhere);
+        log.flush();
+        EXPECT_THAT(lines, testing::ElementsAre(logged));
+    }
+    probe().throwsIn.store(Throw::instantiate);
+    const auto made = test::instantiate(*host, "plain");
+    probe().throwsIn.store(Throw::nowhere);
+    EXPECT_EQ(made.error, Error{"\"plain\" could not be started at 48000 Hz."});
+    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore);
+}
+
+TEST_F(Lv2UnitTest, KeepsWhatAPluginSavedThatSaysItFailed) {
+    const auto unit = make("plain");
+    const auto whole = unit->fullState();
+    probe().deniesState.store(true);
+    EXPECT_EQ(unit->fullState(), whole);
+    unit->setFullState(*whole);
+    probe().deniesState.store(false);
+    log.flush();
+    EXPECT_THAT(
+        lines, testing::ElementsAre(
+                   "plain: the plugin could not give all of its state.",
+                   "plain: the plugin could not take all of the state that it was given."
+               )
+    );
+}
+
+TEST_F(Lv2UnitTest, TakesCallsOfStrangeThreadsOrRefusesThem) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    UnitRenderer renderer(*unit, 1);
+    ASSERT_TRUE(waitFor([&] {
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        return parameter(*unit, "answer").value() == 5.0F;
+    }));
+    std::vector<std::thread> strangers;
+    std::atomic<int> calling = 3;
+    for (int i = 0; i < 3; ++i)
+        strangers.emplace_back([&] {
+            // To map and to log is anybody's, to schedule and to answer is not.
+            for (int call = 0; call < 300; ++call)
+                EXPECT_EQ(probe().callHost(), 2);
+            --calling;
+        });
+    while (calling > 0) {
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        EXPECT_THAT(renderer.outputs[0], Each(0.5F));
+    }
+    for (std::thread& stranger : strangers)
+        stranger.join();
+    EXPECT_EQ(parameter(*unit, "answer").value(), 5.0F);
 }
 
 TEST_F(Lv2UnitTest, WorkIsDoneElsewhereAndItsResponseArrivesWithALaterBlock) {
