@@ -68,10 +68,11 @@ virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
 
 } // namespace
 
-std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers(platform::JackClients& clients) {
+std::vector<std::unique_ptr<platform::MIDIDriver>>
+makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log) {
     std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
     if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::AlsaMIDIDriver>());
-    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::JackMIDIDriver>(clients));
+    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::JackMIDIDriver>(clients, log));
     return drivers;
 }
 

@@ -18,7 +18,8 @@ namespace orvane::machine {
 
 /// The ways to MIDI sources that ORVANE_DRIVERS names, or all: the ALSA sequencer, which reaches hardware
 /// directly, before JACK, which may have bridges to it. `clients` outlives them.
-std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers(platform::JackClients& clients);
+std::vector<std::unique_ptr<platform::MIDIDriver>>
+makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log = nullptr);
 
 /// What a program is told about the machine's audio.
 struct AudioMachineOptions {
@@ -51,7 +52,7 @@ class AudioMachine final {
   private:
     platform::JackClients jackClients;
     platform::Lv2UnitHost audioUnitHost{log};
-    platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients)};
+    platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };
 

@@ -27,7 +27,7 @@ constexpr std::chrono::seconds retryInterval{2};
 } // namespace
 
 struct JackMIDIDriver::State {
-    explicit State(JackClients& jackClients) : clients(jackClients) {}
+    State(JackClients& jackClients, SystemLog* systemLog) : clients(jackClients), log(systemLog) {}
 
     ~State() {
         events.post(JackEvent::finished);
@@ -90,6 +90,7 @@ struct JackMIDIDriver::State {
     }
 
     JackClients& clients;
+    SystemLog* log;
     JackEvents events;
     std::mutex mutex;
     JackServer server{clients, events, controlRole};
@@ -111,7 +112,7 @@ class JackMIDIDriver::Input final : public MIDIDriverInput {
     Input(State& driver, std::string_view name, Receiver receiver)
         : state(driver),
           input(std::make_shared<JackMIDIInput>(
-              state.clients, state.events, std::string(name), std::move(receiver)
+              state.clients, state.events, std::string(name), std::move(receiver), state.log
           )) {
         const std::scoped_lock lock(state.mutex);
         state.inputs.push_back(input);
@@ -139,7 +140,8 @@ class JackMIDIDriver::Input final : public MIDIDriverInput {
     std::shared_ptr<JackMIDIInput> input;
 };
 
-JackMIDIDriver::JackMIDIDriver(JackClients& clients) : state(std::make_unique<State>(clients)) {}
+JackMIDIDriver::JackMIDIDriver(JackClients& clients, SystemLog* log)
+    : state(std::make_unique<State>(clients, log)) {}
 
 JackMIDIDriver::~JackMIDIDriver() = default;
 

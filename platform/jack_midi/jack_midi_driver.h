@@ -2,6 +2,7 @@
 
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/midi_driver.h"
+#include "platform/system_log.h"
 
 #include <memory>
 #include <string_view>
@@ -15,8 +16,8 @@ namespace orvane::platform {
 /// which fails at once where no server is. That thread also hands on what the inputs receive.
 class JackMIDIDriver final : public MIDIDriver {
   public:
-    /// `clients` outlives the driver.
-    explicit JackMIDIDriver(JackClients& clients);
+    /// `clients` and `log`, which says what was lost, outlive the driver.
+    explicit JackMIDIDriver(JackClients& clients, SystemLog* log = nullptr);
     ~JackMIDIDriver() override;
 
     std::vector<MIDIDriverSource> sources() override;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace orvane::platform {
@@ -19,12 +20,13 @@ constexpr std::string_view clientRole = " MIDI";
 
 JackMIDIInput::JackMIDIInput(
     JackClients& jackClients, JackEvents& inputEvents, std::string inputPortName,
-    MIDIDriver::Receiver inputReceiver
+    MIDIDriver::Receiver inputReceiver, SystemLog* systemLog
 )
     : clients(jackClients),
       events(inputEvents),
       portName(std::move(inputPortName)),
-      receiver(std::move(inputReceiver)) {}
+      receiver(std::move(inputReceiver)),
+      log(systemLog) {}
 
 bool JackMIDIInput::open() {
     if (client != nullptr && !client->isGone()) return false;
@@ -64,6 +66,12 @@ void JackMIDIInput::deliver() {
             packets[i].data = batch[i].data();
         receiver(MIDIPacketList(packets.data(), count));
     }
+    const std::size_t count = lost.exchange(0);
+    if (count == 0 || log == nullptr) return;
+    log->post(
+        LogLevel::error, "MIDI",
+        {"More MIDI messages came from JACK than there is room for; ", std::to_string(count), " are lost."}
+    );
 }
 
 void JackMIDIInput::process(jack_nframes_t frameCount, void* self) noexcept {
@@ -72,8 +80,10 @@ void JackMIDIInput::process(jack_nframes_t frameCount, void* self) noexcept {
     const jack_nframes_t count = jack_midi_get_event_count(buffer);
     for (jack_nframes_t i = 0; i < count; ++i) {
         jack_midi_event_t event{};
-        if (jack_midi_event_get(&event, buffer, i) == 0) input.received.push({event.buffer, event.size});
+        if (jack_midi_event_get(&event, buffer, i) == 0 && !input.received.push({event.buffer, event.size}))
+            input.lost.fetch_add(1);
     }
+    input.lost.fetch_add(jack_midi_get_lost_event_count(buffer));
     if (count > 0) input.events.post(JackEvent::messages);
 }
 

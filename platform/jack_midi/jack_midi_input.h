@@ -6,8 +6,11 @@
 #include "platform/jack_audio/jack_events.h"
 #include "platform/jack_midi/midi_message_queue.h"
 #include "platform/midi_driver.h"
+#include "platform/system_log.h"
 
 #include <array>
+#include <atomic>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,7 +25,7 @@ class JackMIDIInput final {
     /// Not yet a client of a server. Posts `messages`, and what JackClients::open posts, to the events.
     JackMIDIInput(
         JackClients& jackClients, JackEvents& inputEvents, std::string inputPortName,
-        MIDIDriver::Receiver inputReceiver
+        MIDIDriver::Receiver inputReceiver, SystemLog* systemLog
     );
     JackMIDIInput(const JackMIDIInput&) = delete;
     JackMIDIInput& operator=(const JackMIDIInput&) = delete;
@@ -36,7 +39,8 @@ class JackMIDIInput final {
     OSStatus connect(const std::string& source);
     void disconnect(const std::string& source);
 
-    /// Hands what has come to the receiver. One thread, any.
+    /// Hands what has come to the receiver, and logs how many messages found no room since the last time. One
+    /// thread, any.
     void deliver();
 
   private:
@@ -46,7 +50,10 @@ class JackMIDIInput final {
     JackEvents& events;
     std::string portName;
     MIDIDriver::Receiver receiver;
+    /// Where losses are logged; nowhere if null.
+    SystemLog* log;
     MIDIMessageQueue received;
+    std::atomic<std::size_t> lost = 0;
     /// What `deliver` works on.
     std::array<MIDIMessageQueue::Piece, 64> batch{};
     jack_port_t* port = nullptr;

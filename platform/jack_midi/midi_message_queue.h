@@ -50,7 +50,7 @@ class MIDIMessageQueue final {
     }
 
   private:
-    static constexpr std::size_t capacity = 1024;
+    static constexpr std::size_t capacity = 4096;
     static constexpr std::size_t longestPiece = std::tuple_size_v<decltype(Piece::bytes)>;
 
     std::array<Piece, capacity> pieces{};

@@ -15,6 +15,7 @@
 #include <memory>
 #include <numeric>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -94,6 +95,48 @@ TEST(JackMIDIDriver, HandsOnWhatItsSourcesSendInTheOrderOfTheirFrames) {
             piece(93, 100), Message{0xF8}, withoutStatus, Message{0xC0, 0x05}, Message{0x80, 0x3C, 0x40}
         )
     );
+}
+
+// In a burst as large as JACK itself can carry in a cycle, with a receiver that does not keep up.
+TEST(JackMIDIDriver, DeliversOrCountsEveryMessageOfAStorm) {
+    const JackTestServer server({.period = 1024});
+    std::vector<std::string> lines;
+    SystemLog log([&](const LogLine& line) { lines.emplace_back(line.text); });
+    JackClients clients{uniqueJackName("ORVANE")};
+    JackMIDIDriver driver(clients, &log);
+    JackMIDIPeer peer("keyboard", 1);
+    ReceivedMIDI received;
+    std::atomic<bool> holds = false;
+    const auto input = driver.openInput("input", [&, take = received.receiver()](MIDIPacketList packets) {
+        while (holds.load())
+            std::this_thread::yield();
+        take(packets);
+    });
+    ASSERT_EQ(driver.sources().size(), 1U);
+    ASSERT_EQ(input->connect(peer.portName(0)), noErr);
+    ASSERT_TRUE(awaitMessages(peer, 0, received));
+
+    const std::vector<JackMIDIPeer::Event> burst(500, {0, {0x90, 0x3C, 0x64}});
+    const auto notes = [&] { return withoutSensing(received.get()).size(); };
+    for (int cycle = 0; cycle < 5; ++cycle)
+        ASSERT_TRUE(peer.play(burst));
+    ASSERT_TRUE(waitFor([&] { return notes() == 5 * burst.size(); }));
+
+    holds.store(true);
+    constexpr std::size_t heldCycles = 20;
+    for (std::size_t cycle = 0; cycle < heldCycles; ++cycle)
+        ASSERT_TRUE(peer.play(burst));
+    holds.store(false);
+    const auto lost = [&] {
+        log.flush();
+        std::size_t sum = 0;
+        for (const std::string& line : lines)
+            sum += std::stoul(line.substr(line.find(';') + 2));
+        return sum;
+    };
+    EXPECT_TRUE(waitFor([&] { return notes() + lost() == (5 + heldCycles) * burst.size(); }));
+    EXPECT_GT(lost(), 0U);
+    ASSERT_TRUE(awaitMessages(peer, 0, received)) << "it hears again";
 }
 
 TEST(JackMIDIDriver, HearsOnlyTheSourcesThatItIsConnectedTo) {
