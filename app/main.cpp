@@ -7,6 +7,7 @@
 #include "machine/save_signal.h"
 #include "platform/preferences.h"
 #include "platform/user_folders.h"
+#include "ui/application.h"
 #include "ui/qt_main_thread.h"
 #include "ui/theme/symbols.h"
 #include "ui/theme/theme.h"
@@ -42,7 +43,7 @@ void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, cons
 
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     const QtMessageHandler usual = qInstallMessageHandler(reportNoDisplay);
-    auto application = std::make_unique<QApplication>(argc, argv);
+    auto application = std::make_unique<ui::Application>(argc, argv);
     qInstallMessageHandler(usual);
     QApplication::setApplicationName(QStringLiteral("orvane"));
     QApplication::setApplicationDisplayName(QStringLiteral("ORVANE"));

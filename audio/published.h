@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -42,12 +43,15 @@ class Published final {
 
     /// Replaces the value and tells every subscriber. From within a notification the value changes at once,
     /// and once the round under way has ended one more tells everybody of it; so no listener is entered
-    /// twice, and the last that each hears is the value as it is.
+    /// twice, and the last that each hears is the value as it is. What a listener throws comes out once
+    /// everybody has been told.
     void set(T next) {
         value = std::move(next);
         if (pendingRounds++ > 0) return;
+        std::exception_ptr thrown;
         for (; pendingRounds > 0; --pendingRounds)
-            tellEverybody();
+            tellEverybody(thrown);
+        if (thrown) std::rethrow_exception(thrown);
     }
 
     /// Calls `listener` at every assignment from now on, not for the value as it is.
@@ -59,11 +63,15 @@ class Published final {
     }
 
   private:
-    void tellEverybody() {
+    void tellEverybody(std::exception_ptr& thrown) {
         // Who subscribes meanwhile has not missed this assignment.
         const std::size_t subscribed = listeners.size();
         for (std::size_t i = 0; i < subscribed; ++i)
-            if (const auto listener = listeners[i].lock()) (*listener)(value);
+            if (const auto listener = listeners[i].lock()) try {
+                    (*listener)(value);
+                } catch (...) {
+                    thrown = std::current_exception();
+                }
     }
 
     T value;

@@ -78,7 +78,7 @@ class LiveRun final {
         // What the session asks for and cannot have; the mix goes on without.
         const auto toErrors = engine->state().lastError.subscribe(printSentence);
         engine->selectDevice(main.value());
-        setUpMix(*engine, document);
+        if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
         awaitPlugins(*engine, loop, [] { return false; });
         if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
         if (options.masterDevice) {

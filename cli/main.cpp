@@ -10,6 +10,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <new>
+
 namespace {
 
 constexpr int wrongUsage = 2;
@@ -37,6 +39,9 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         orvane::cli::printMessage(fmt::format("{} (--help tells more)", error.what()));
         return wrongUsage;
+    } catch (const std::bad_alloc&) {
+        orvane::cli::printMessage("There is not enough memory for this.");
+        return 1;
     }
     return exitCode;
 }

@@ -4,19 +4,22 @@
 
 namespace orvane::cli {
 
-void setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocumentData>& document) {
+std::optional<platform::Error>
+setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocumentData>& document) {
     engine.resetRoutingOneToOne();
     engine.allOutputsOff();
     if (document) {
         // A copy: every edit replaces the list.
         for (const session::ChannelStrip& strip : std::vector(engine.state().channelStrips.get()))
             engine.setInputChannel(strip.id, std::nullopt);
-        engine.applyDocument(*document);
-    } else if (engine.state().selectedDevice.get()->outputChannelCount >= 2) {
-        engine.setMasterOutputRouting(session::master_output::Stereo{0, 1});
-    } else {
-        engine.setMasterOutputChannel(0);
+        const auto loaded = engine.loadDocument(*document);
+        return loaded ? std::nullopt : std::optional(loaded.error());
     }
+    if (engine.state().selectedDevice.get()->outputChannelCount >= 2)
+        engine.setMasterOutputRouting(session::master_output::Stereo{0, 1});
+    else
+        engine.setMasterOutputChannel(0);
+    return std::nullopt;
 }
 
 } // namespace orvane::cli

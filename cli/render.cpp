@@ -15,7 +15,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <system_error>
@@ -101,7 +100,7 @@ class Run final {
                                                         ) {
                 if (warning) observer.warn(*warning);
             });
-        setUpMix(mixer->engine(), document.value());
+        if (auto problem = setUpMix(mixer->engine(), document.value())) return *std::move(problem);
         awaitPlugins(mixer->engine(), mixer->loop(), observer.isCancelled);
         if (options.bufferSize) mixer->engine().setBufferSize(*options.bufferSize);
         if (auto started = mixer->start(); !started) return started.error();
@@ -191,9 +190,9 @@ class Run final {
 
     void takeStems(std::span<const std::span<float>> stems) {
         for (std::size_t i = 0; i < stems.size(); ++i)
-            std::ranges::transform(mixer->automix().channelOutputs()[i], stems[i].begin(), [](double sample) {
-                return static_cast<float>(sample);
-            });
+            mixer->automix().laneKernels().narrow(
+                stems[i].data(), mixer->automix().channelOutputs()[i].data(), stems[i].size()
+            );
     }
 
     SoundFileReader source;

@@ -42,7 +42,7 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
     engine::MixerEngine engine(
         options.channels.value_or(document.value().channels.size()), {hardware, noMIDI, loop, audioUnits, log}
     );
-    engine.applyDocument(document.value());
+    if (auto loaded = engine.loadDocument(document.value()); !loaded) return loaded.error();
     auto encoded = session::encodeMixerDocument(engine.makeDocumentData());
     if (!encoded) return platform::Error{"Export failed: " + encoded.error().description};
     return encoded;

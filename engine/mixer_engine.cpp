@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <utility>
 
 namespace orvane::engine {
@@ -67,6 +68,15 @@ MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServi
 MixerEngine::~MixerEngine() = default;
 
 void MixerEngine::start() {
+    try {
+        startOrThrow();
+    } catch (const std::bad_alloc&) {
+        stop();
+        published.lastError.set("Failed to start audio engine: there is not enough memory.");
+    }
+}
+
+void MixerEngine::startOrThrow() {
     if (published.isRunning.get()) return;
     if (!published.selectedDevice.get()) {
         published.lastError.set("No audio device selected.");
@@ -105,11 +115,15 @@ void MixerEngine::stop() {
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
-    if (!isBufferSize(frameCount)) return;
+    if (takeBufferSize(frameCount)) start();
+}
+
+bool MixerEngine::takeBufferSize(std::int64_t frameCount) {
+    if (!isBufferSize(frameCount)) return false;
     published.bufferSize.set(frameCount);
-    if (!published.isRunning.get()) return;
+    if (!published.isRunning.get()) return false;
     stop();
-    start();
+    return true;
 }
 
 void MixerEngine::refreshDevices() {
@@ -270,35 +284,6 @@ void MixerEngine::allOutputsOff() {
         for (ChannelStrip& strip : strips)
             strip.outputRouting = session::output::None{};
     });
-}
-
-session::MixerDocumentData MixerEngine::makeDocumentData() const {
-    return {
-        .channels = pluginOperations.rack().capturedChannels(),
-        .masterTargetDB = published.masterTargetDB.get(),
-        .bufferSize = published.bufferSize.get(),
-        .snapshots = published.snapshots.get(),
-        .masterOutputRouting = published.masterOutputRouting.get(),
-        .leadGroupGainDB = published.leadGroupGainDB.get(),
-        .backingGroupGainDB = published.backingGroupGainDB.get(),
-        .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get(),
-        .referenceNoiseGain = published.referenceNoiseGain.get(),
-        .duckerReleaseMs = published.duckerReleaseMs.get()};
-}
-
-void MixerEngine::applyDocument(const session::MixerDocumentData& document) {
-    editStrips([&document](Strips& strips) { session::applySettings(document.channels, strips); });
-    setMasterTargetDB(document.masterTargetDB);
-    setBufferSize(document.bufferSize);
-    published.snapshots.set(document.snapshots);
-    published.currentSnapshotIndex.set(std::nullopt);
-    setMasterOutputRouting(document.masterOutputRouting);
-    setLeadGroupGainDB(document.leadGroupGainDB);
-    setBackingGroupGainDB(document.backingGroupGainDB);
-    published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
-    setReferenceNoiseGain(document.referenceNoiseGain);
-    setDuckerReleaseMs(document.duckerReleaseMs);
-    restorePluginsFromStrips();
 }
 
 void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelStrip&)>& edit) {

@@ -4,12 +4,14 @@
 #include "audio/meter_timer.h"
 #include "engine/engine_state.h"
 #include "engine/midi_input.h"
+#include "engine/mix_backup.h"
 #include "engine/plugin_operations.h"
 #include "engine/running_audio.h"
 #include "engine/services.h"
 #include "engine/session/mixer_document_data.h"
 #include "engine/show.h"
 #include "engine/snapshot_list.h"
+#include "platform/result.h"
 #include "platform/uuid.h"
 
 #include <cstddef>
@@ -39,6 +41,9 @@ class MixerEngine final {
     [[nodiscard]] audio::MeterModel& meterModel() { return meters; }
 
     // Lifecycle.
+
+    // An operation that starts, loads or recalls leaves everything as it was where there is not enough memory
+    // for it, and `lastError` says so. The others then throw std::bad_alloc.
 
     /// Builds and starts the audio path; `lastError` says what failed, or what to mind where it runs.
     void start();
@@ -151,6 +156,9 @@ class MixerEngine final {
 
     [[nodiscard]] session::MixerDocumentData makeDocumentData() const;
     void applyDocument(const session::MixerDocumentData& document);
+    /// The same for callers that tell the user themselves: the error is the whole sentence, and `lastError`
+    /// does not have it.
+    [[nodiscard]] platform::Result<platform::Done> loadDocument(const session::MixerDocumentData& document);
 
     // The run; nothing and 0 while stopped.
 
@@ -163,6 +171,21 @@ class MixerEngine final {
     [[nodiscard]] int realtimePriority() const { return running ? running->realtimePriority() : 0; }
 
   private:
+    enum class Extent { mix, mixAndSnapshots };
+    /// Makes `change`, which goes so far, or nothing of it where there is not enough memory for all; true if
+    /// it did.
+    bool changeMix(Extent extent, const std::function<void()>& change);
+    void recall(const std::function<void()>& change);
+    [[nodiscard]] MixBackup backUp(Extent extent);
+    void takeBack(MixBackup before);
+
+    /// As `start`, but throws std::bad_alloc, half started, where there is not enough memory.
+    void startOrThrow();
+    /// Takes an offered size, and stops the engine for it; true where it is to be started again.
+    bool takeBufferSize(std::int64_t frameCount);
+    void takeDocument(const session::MixerDocumentData& document);
+    void recallSelected();
+
     void editStrip(const platform::Uuid& strip, const std::function<void(session::ChannelStrip&)>& edit);
     void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
     void pushStrips();

@@ -17,11 +17,22 @@ void MixerEngine::storeSnapshot() {
 }
 
 void MixerEngine::recallSnapshot(std::int64_t index) {
-    scenes.select(index);
-    if (published.currentSnapshotIndex.get() == index) recallCurrentSnapshot();
+    recall([this, index] {
+        scenes.select(index);
+        if (published.currentSnapshotIndex.get() == index) recallSelected();
+    });
 }
 
 void MixerEngine::recallCurrentSnapshot() {
+    recall([this] { recallSelected(); });
+}
+
+void MixerEngine::recall(const std::function<void()>& change) {
+    if (changeMix(Extent::mix, change)) return;
+    published.lastError.set("There is not enough memory to recall the scene; the mixer is as it was.");
+}
+
+void MixerEngine::recallSelected() {
     if (scenes.selected() == nullptr) return;
     const session::Snapshot scene = *scenes.selected();
     editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });

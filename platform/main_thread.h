@@ -14,7 +14,7 @@ class MainThreadTimer {
 };
 
 /// The thread that models and views live on, as a queue of tasks and timers. Made by the composition root;
-/// outlives whoever posts to it. Tasks do not throw.
+/// outlives whoever posts to it. Tasks throw nothing but std::bad_alloc, which ends the task and is reported.
 class MainThread {
   public:
     virtual ~MainThread() = default;

@@ -1,5 +1,7 @@
 #include "platform/run_loop.h"
 
+#include "platform/memory_shortage.h"
+
 #include <chrono>
 #include <utility>
 
@@ -52,7 +54,7 @@ bool RunLoop::runNextTask() {
         task = std::move(tasks.front());
         tasks.pop_front();
     }
-    task();
+    runUnlessOutOfMemory(task);
     return true;
 }
 

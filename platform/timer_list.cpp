@@ -1,5 +1,7 @@
 #include "platform/timer_list.h"
 
+#include "platform/memory_shortage.h"
+
 #include <utility>
 
 namespace orvane::platform {
@@ -39,7 +41,7 @@ bool TimerList::runNextDue(Time now) {
     const auto entry = earliest();
     if (!entry || entry->due > now) return false;
     entry->due += entry->interval * ((now - entry->due) / entry->interval + 1);
-    entry->task();
+    runUnlessOutOfMemory(entry->task);
     return true;
 }
 

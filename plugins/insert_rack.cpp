@@ -163,6 +163,22 @@ std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
     return channels;
 }
 
+InsertRack::LivePlugins InsertRack::livePlugins() {
+    auto laterLoads = std::make_shared<bool>(true);
+    LivePlugins now{loadedPlugins, owner.pluginLoadStates(), nullptr};
+    now.loadsAreWanted = std::exchange(loadsAreWanted, std::move(laterLoads));
+    return now;
+}
+
+void InsertRack::takeBack(LivePlugins before) {
+    *loadsAreWanted = false;
+    loadsAreWanted = std::move(before.loadsAreWanted);
+    loadedPlugins = std::move(before.plugins);
+    for (const auto& [key, plugin] : loadedPlugins)
+        retired.takeBack(plugin);
+    owner.setPluginLoadStates(std::move(before.loadStates));
+}
+
 void InsertRack::insertsWerePushed() {
     retired.wereWithdrawn();
     retired.release();
@@ -207,9 +223,11 @@ void InsertRack::instantiate(
 ) {
     services.audioUnitHost.instantiate(
         component.audioComponentDescription, 0,
-        [this, component, key, presetData = std::move(presetData),
+        [this, component, key, presetData = std::move(presetData), isWanted = loadsAreWanted,
          hop = onMainThread()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
-            hop([this, component, key, presetData, unit = std::move(unit), error = std::move(error)] {
+            hop([this, component, key, presetData, isWanted, unit = std::move(unit),
+                 error = std::move(error)] {
+                if (!*isWanted) return;
                 if (unit && !error)
                     finishLoad(unit, component, key, presetData);
                 else

@@ -58,6 +58,17 @@ class InsertRack final {
     /// The settings of every strip, with the present state of every live plugin in its slot's record.
     [[nodiscard]] std::vector<session::ChannelSettingsData> capturedChannels() const;
 
+    /// The live plugins at one moment, to go back to.
+    struct LivePlugins {
+        std::unordered_map<PluginSlotKey, std::shared_ptr<LoadedInsertPlugin>> plugins;
+        PluginLoadStates loadStates;
+        std::shared_ptr<bool> loadsAreWanted;
+    };
+    [[nodiscard]] LivePlugins livePlugins();
+    /// Makes those plugins the live ones again and forgets every load begun since, where no push of the
+    /// inserts has succeeded without them. The caller pushes the inserts.
+    void takeBack(LivePlugins before);
+
     /// The contexts of all slots have been handed over, or there is nobody to hand them to: plugins that were
     /// unloaded before are not in use from the next pass on.
     void insertsWerePushed();
@@ -99,6 +110,8 @@ class InsertRack final {
     InsertRackOwner& owner;
     Services services;
     std::unordered_map<PluginSlotKey, std::shared_ptr<LoadedInsertPlugin>> loadedPlugins;
+    /// Lets an instance that arrives find out that its load was taken back.
+    std::shared_ptr<bool> loadsAreWanted = std::make_shared<bool>(true);
     RetiredPlugins retired;
     /// In the order the windows were opened.
     std::vector<std::unique_ptr<platform::NSWindowController>> pluginEditorWindowControllers;

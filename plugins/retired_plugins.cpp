@@ -22,8 +22,15 @@ void RetiredPlugins::add(std::shared_ptr<LoadedInsertPlugin> plugin) {
     inTables.push_back(std::move(plugin));
 }
 
+void RetiredPlugins::takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept {
+    std::erase(inTables, plugin);
+    std::erase(withdrawn, plugin);
+}
+
 void RetiredPlugins::wereWithdrawn() {
-    std::ranges::move(inTables, std::back_inserter(withdrawn));
+    withdrawn.insert(
+        withdrawn.end(), std::make_move_iterator(inTables.begin()), std::make_move_iterator(inTables.end())
+    );
     inTables.clear();
 }
 

@@ -23,6 +23,9 @@ class RetiredPlugins final {
     /// Takes a plugin whose context the tables may still have.
     void add(std::shared_ptr<LoadedInsertPlugin> plugin);
 
+    /// Lets go of a plugin that is live again, if it is here.
+    void takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept;
+
     /// The tables are without all that were added.
     void wereWithdrawn();
 

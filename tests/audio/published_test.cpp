@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -57,6 +58,17 @@ TEST_F(PublishedTest, LetsSubscriptionsEndAndBeginDuringANotification) {
     number.set(2);
     number.set(3);
     EXPECT_EQ(told, (Told{tag, "last2", "last3", "new3", "new3"}));
+}
+
+TEST_F(PublishedTest, TellsEverybodyAlsoWhereAListenerThrows) {
+    const Subscription first = listen("a");
+    const Subscription thrower = number.subscribe([](const int& value) {
+        if (value == 2) throw std::bad_alloc();
+    });
+    const Subscription last = listen("b");
+    EXPECT_THROW(number.set(2), std::bad_alloc);
+    number.set(3);
+    EXPECT_EQ(told, (Told{"a2", "b2", "a3", "b3"}));
 }
 
 TEST_F(PublishedTest, TellsOfAnAssignmentMadeDuringANotificationInARoundOfItsOwn) {

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -81,6 +83,21 @@ TEST(RunLoop, RepeatsTimersBetweenTasksUntilTheyEndAlsoFromWithin) {
     EXPECT_EQ(ended, 1);
     EXPECT_EQ(ticks, 20);
     EXPECT_GT(tasks, 0);
+}
+
+TEST(RunLoop, GoesOnWhereATaskOrATimerFindsNoMemory) {
+    RunLoop loop;
+    int ticks = 0;
+    loop.post([] { throw std::bad_alloc(); });
+    const auto timer = loop.repeat(10us, [&] {
+        if (++ticks == 3) loop.quit();
+        throw std::bad_alloc();
+    });
+    testing::internal::CaptureStderr();
+    loop.run();
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(ticks, 3);
+    EXPECT_EQ(std::ranges::count(said, '\n'), 4) << said;
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "platform/audio_thread_scope.h"
+#include "support/failing_allocation.h"
 
 #include <unistd.h>
 
@@ -19,14 +20,35 @@ void refuseOnAudioThread(const char* call) noexcept {
     std::abort();
 }
 
+/// How many allocations it is to the one that fails; 0 where none does.
+thread_local std::size_t untilFailure = 0;
+
+/// Whether this one is it.
+bool isTheFailingOne() noexcept {
+    return untilFailure > 0 && --untilFailure == 0;
+}
+
 } // namespace
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+namespace orvane::test {
 
-// A sanitizer stands in for malloc itself; what C++ code allocates is still seen here.
+FailingAllocation::FailingAllocation(std::size_t nth) {
+    untilFailure = nth;
+}
+
+FailingAllocation::~FailingAllocation() {
+    untilFailure = 0;
+}
+
+bool FailingAllocation::hasHappened() const {
+    return untilFailure == 0;
+}
+
+} // namespace orvane::test
 
 void* operator new(std::size_t size) {
     refuseOnAudioThread("operator new");
+    if (isTheFailingOne()) throw std::bad_alloc();
     if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
 }
@@ -38,13 +60,14 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
     refuseOnAudioThread("operator new");
+    if (isTheFailingOne()) throw std::bad_alloc();
     const auto step = static_cast<std::size_t>(alignment);
     if (void* memory = std::aligned_alloc(step, (size + step - 1) / step * step)) return memory;
     throw std::bad_alloc();
 }
 
 void operator delete(void* memory) noexcept {
-    refuseOnAudioThread("operator delete");
+    if (memory != nullptr) refuseOnAudioThread("operator delete");
     std::free(memory);
 }
 
@@ -58,7 +81,8 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
     ::operator delete(memory);
 }
 
-#else
+// A sanitizer stands in for malloc itself; what C++ code allocates is still seen above.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 extern "C" {
 

@@ -12,7 +12,11 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
+#include <new>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -123,6 +127,21 @@ TEST(QtMainThread, RunsTasksOfAnyThreadInOrderAndTimersUntilTheyEnd) {
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     EXPECT_EQ(ran, (std::vector{0, 1, 2}));
     EXPECT_EQ(ticks, 3);
+}
+
+TEST(QtMainThread, GoesOnWhereATaskOrATimerFindsNoMemory) {
+    QtMainThread mainThread;
+    mainThread.post([] { throw std::bad_alloc(); });
+    int ticks = 0;
+    const auto timer = mainThread.repeat(std::chrono::milliseconds(1), [&] {
+        ++ticks;
+        throw std::bad_alloc();
+    });
+    testing::internal::CaptureStderr();
+    while (ticks < 3)
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::ranges::count(said, '\n'), 1 + ticks) << said;
 }
 
 } // namespace

@@ -1,14 +1,13 @@
+#include "ui/application.h"
 #include "ui/theme/theme.h"
 
 #include <gtest/gtest.h>
-
-#include <QApplication>
 
 int main(int argc, char** argv) {
     // No display: widgets are painted into memory.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
-    QApplication application(argc, argv);
+    orvane::ui::Application application(argc, argv);
     orvane::ui::applyTheme(application);
     return RUN_ALL_TESTS();
 }

@@ -156,7 +156,8 @@ void SessionFile::loadFrom(const QString& path) {
 void SessionFile::apply(const session::MixerDocumentData& document, std::function<void()> then) {
     const auto hand = [this, document, then = std::move(then)] {
         notice.reset();
-        engine.applyDocument(document);
+        if (const auto loaded = engine.loadDocument(document); !loaded)
+            return channelArea.setFileErrorMessage(loaded.error().description);
         setSaved();
         then();
     };

@@ -1,0 +1,178 @@
+#include "insert_plugins_fixture.h"
+#include "support/failing_allocation.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using test::FailingAllocation;
+
+/// What somebody who subscribes to a value takes it for.
+template <class T>
+class LastHeard final {
+  public:
+    explicit LastHeard(const audio::Published<T>& value)
+        : published(value),
+          last(value.get()),
+          subscription(value.subscribe([this](const T& told) { last = told; })) {}
+    LastHeard(const LastHeard&) = delete;
+    LastHeard& operator=(const LastHeard&) = delete;
+
+    [[nodiscard]] bool isTrue() const { return last == published.get(); }
+
+  private:
+    const audio::Published<T>& published;
+    T last;
+    audio::Subscription subscription;
+};
+
+/// The engine's operations with each of their allocations failing in turn.
+class MemoryShortage : public test::InsertPlugins {
+  protected:
+    /// Calls `operate` with its first allocation failing, then with its second and so on, until it meets no
+    /// failure; `check` follows each that does.
+    void failAtEachAllocation(
+        const std::function<void()>& operate, const std::function<void(std::size_t nth)>& check
+    ) {
+        for (std::size_t nth = 1;; ++nth) {
+            bool hasFailed = false;
+            {
+                const FailingAllocation failing(nth);
+                operate();
+                hasFailed = failing.hasHappened();
+            }
+            if (!hasFailed) {
+                EXPECT_GT(nth, 10U) << "it hardly allocates at all";
+                return;
+            }
+            SCOPED_TRACE(testing::Message() << "allocation " << nth);
+            check(nth);
+            if (HasFatalFailure()) return;
+        }
+    }
+
+    /// Every value that loading or recalling changes, as its subscribers know it.
+    struct Heard {
+        explicit Heard(const engine::EngineState& state)
+            : strips(state.channelStrips),
+              snapshots(state.snapshots),
+              loadStates(state.pluginLoadStates),
+              current(state.currentSnapshotIndex),
+              target(state.masterTargetDB),
+              release(state.duckerReleaseMs),
+              bufferSize(state.bufferSize),
+              isRunning(state.isRunning) {}
+
+        [[nodiscard]] bool isTrue() const {
+            return strips.isTrue() && snapshots.isTrue() && loadStates.isTrue() && current.isTrue()
+                   && target.isTrue() && release.isTrue() && bufferSize.isTrue() && isRunning.isTrue();
+        }
+
+        LastHeard<std::vector<session::ChannelStrip>> strips;
+        LastHeard<std::vector<session::Snapshot>> snapshots;
+        LastHeard<plugins::PluginLoadStates> loadStates;
+        LastHeard<std::optional<std::int64_t>> current;
+        LastHeard<double> target;
+        LastHeard<double> release;
+        LastHeard<std::int64_t> bufferSize;
+        LastHeard<bool> isRunning;
+    };
+
+    /// A mix with a plugin in slot 0 and another in slot 1, and a scene that differs in all it can.
+    void makeMixAndScene() {
+        start();
+        loadLive(stereo, 0)->gain = 8.0F;
+        engine->setMasterTargetDB(-20.0);
+        engine->setTrim(id(0), 0.25);
+        engine->newSnapshot("Other");
+        loadLive(mono, 0)->gain = 2.0F;
+        loadLive(mono, 1)->gain = 3.0F;
+        engine->setMasterTargetDB(-10.0);
+        engine->setTrim(id(0), 1.0);
+        engine->setName(id(0), "A name that is too long to stand in a string by itself");
+    }
+
+    /// Nothing of the operation is left: not in the mix, not for the ears, not for subscribers, not later.
+    void expectMixAsItWas(const session::MixerDocumentData& before, const Heard& heardOf) {
+        for (const char* when : {"at once", "after all that is posted has run"}) {
+            ASSERT_EQ(engine->makeDocumentData(), before) << when;
+            ASSERT_EQ(heard(), 6.0F) << when;
+            ASSERT_EQ(heard(1), 1.0F) << when;
+            ASSERT_EQ(loadState(0), plugins::PluginLoadState(plugins::load_state::Loaded{})) << when;
+            ASSERT_TRUE(heardOf.isTrue()) << when;
+            mainThread.advance(std::chrono::milliseconds(50));
+        }
+        EXPECT_EQ(audioUnitHost.report.living.load(), 2);
+        EXPECT_EQ(audioUnitHost.report.rendersWithoutResources.load(), 0);
+    }
+
+    void changeWholeOrNotAtAll(
+        const std::function<void()>& operate, const session::MixerDocumentData& before,
+        const std::string& sentence
+    ) {
+        const Heard heardOf(engine->state());
+        failAtEachAllocation(operate, [&](std::size_t) {
+            ASSERT_EQ(message(), sentence);
+            expectMixAsItWas(before, heardOf);
+        });
+        mainThread.runPosted();
+        EXPECT_EQ(heard(), 2.0F);
+        EXPECT_EQ(audioUnitHost.report.ready.load(), 1);
+        EXPECT_TRUE(heardOf.isTrue());
+    }
+};
+
+TEST_F(MemoryShortage, LeavesTheMixerStoppedAndReadyToStart) {
+    engine->selectDevice(engine->state().availableDevices.get().at(0));
+    for (std::size_t strip = 0; strip < test::stripCount; ++strip)
+        engine->setBypassed(id(strip), true);
+    loadLive(mono, 0)->gain = 2.0F;
+    failAtEachAllocation(
+        [this] { engine->start(); },
+        [this](std::size_t) {
+            EXPECT_EQ(message(), "Failed to start audio engine: there is not enough memory.");
+            ASSERT_FALSE(engine->state().isRunning.get());
+            EXPECT_EQ(driver->clock().step("virtual:interface", 1), 0U);
+            engine->start();
+            ASSERT_TRUE(engine->state().isRunning.get()) << message();
+            EXPECT_EQ(heard(), 2.0F);
+            engine->stop();
+        }
+    );
+    EXPECT_EQ(heard(), 2.0F);
+}
+
+TEST_F(MemoryShortage, LoadsASessionWholeOrNotAtAll) {
+    makeMixAndScene();
+    const session::MixerDocumentData before = engine->makeDocumentData();
+    session::MixerDocumentData document = before;
+    document.bufferSize = 256;
+    document.duckerReleaseMs = 900.0;
+    document.masterTargetDB = -20.0;
+    document.channels = document.snapshots.at(0).channels;
+    document.snapshots.resize(3, document.snapshots.at(0));
+    changeWholeOrNotAtAll(
+        [&] { engine->applyDocument(document); }, before,
+        "There is not enough memory to load the session; the mixer is as it was."
+    );
+    EXPECT_EQ(engine->makeDocumentData(), document);
+}
+
+TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
+    makeMixAndScene();
+    const session::MixerDocumentData before = engine->makeDocumentData();
+    changeWholeOrNotAtAll(
+        [&] { engine->recallSnapshot(0); }, before,
+        "There is not enough memory to recall the scene; the mixer is as it was."
+    );
+    EXPECT_EQ(engine->state().masterTargetDB.get(), -20.0);
+}
+
+} // namespace

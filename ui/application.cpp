@@ -1,0 +1,13 @@
+#include "ui/application.h"
+
+#include "platform/memory_shortage.h"
+
+namespace orvane::ui {
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    bool isHandled = false;
+    platform::runUnlessOutOfMemory([&] { isHandled = QApplication::notify(receiver, event); });
+    return isHandled;
+}
+
+} // namespace orvane::ui
