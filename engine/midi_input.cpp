@@ -4,10 +4,10 @@
 
 namespace orvane::engine {
 
-MIDIInput::MIDIInput(const Services& services, EngineState& published, NoteHandler handler)
+MIDIInput::MIDIInput(const Services& services, EngineState& published, NotesHandler handler)
     : mainThread(services.mainThread),
       state(published),
-      handleNote(std::move(handler)),
+      handleNotes(std::move(handler)),
       manager(services.midiServices) {
     const auto onMainThread = [&thread = mainThread, alive = std::weak_ptr(isAlive)](auto task) {
         thread.post([alive, task = std::move(task)] {
@@ -15,7 +15,12 @@ MIDIInput::MIDIInput(const Services& services, EngineState& published, NoteHandl
         });
     };
     manager.onNoteOn([this, onMainThread](const midi::NoteMessage& note) {
-        onMainThread([this, note] { handleNote(note); });
+        {
+            const std::scoped_lock guard(waiting);
+            waitingNotes.push_back(note);
+            if (waitingNotes.size() > 1) return;
+        }
+        onMainThread([this] { handleWaitingNotes(); });
     });
     manager.onSourcesChanged([this, onMainThread] { onMainThread([this] { refreshDevices(); }); });
 }
@@ -23,6 +28,15 @@ MIDIInput::MIDIInput(const Services& services, EngineState& published, NoteHandl
 void MIDIInput::start() {
     manager.start();
     refreshDevices();
+}
+
+void MIDIInput::handleWaitingNotes() {
+    std::vector<midi::NoteMessage> notes;
+    {
+        const std::scoped_lock guard(waiting);
+        notes.swap(waitingNotes);
+    }
+    handleNotes(notes);
 }
 
 void MIDIInput::refreshDevices() {

@@ -7,7 +7,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace orvane::engine {
 
@@ -15,10 +18,11 @@ namespace orvane::engine {
 /// services' threads to the main thread. Owned by the engine. Main thread.
 class MIDIInput final {
   public:
-    using NoteHandler = std::function<void(const midi::NoteMessage&)>;
+    using NotesHandler = std::function<void(std::span<const midi::NoteMessage>)>;
 
-    /// Not yet started. `published` outlives it; `handler` gets every note-on, on the main thread.
-    MIDIInput(const Services& services, EngineState& published, NoteHandler handler);
+    /// Not yet started. `published` outlives it; `handler` gets every note-on in order, on the main thread,
+    /// and at once all that have come while that was busy.
+    MIDIInput(const Services& services, EngineState& published, NotesHandler handler);
 
     /// Listens, and publishes the sources as they are and whenever they change.
     void start();
@@ -27,9 +31,14 @@ class MIDIInput final {
     void select(std::optional<std::int32_t> sourceID);
 
   private:
+    void handleWaitingNotes();
+
     platform::MainThread& mainThread;
     EngineState& state;
-    NoteHandler handleNote;
+    NotesHandler handleNotes;
+    std::mutex waiting;
+    /// Those that the main thread has not taken yet. Under the lock.
+    std::vector<midi::NoteMessage> waitingNotes;
     /// Lets tasks on their way to the main thread find out that there is nobody left to do them for.
     std::shared_ptr<const bool> isAlive = std::make_shared<const bool>(true);
     /// Last, so that it has stopped before what its callbacks use goes.

@@ -58,8 +58,8 @@ MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServi
           services
       ),
       meterTimer(services.mainThread, meters),
-      midiInput(services, published, [this](const midi::NoteMessage& note) {
-          handleMIDINote({note.channel, note.note});
+      midiInput(services, published, [this](std::span<const midi::NoteMessage> notes) {
+          handleMIDINotes(notes);
       }) {
     published.channelStrips.set(session::makeDefaultStrips(channelCount));
     midiInput.start();

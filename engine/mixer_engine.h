@@ -19,6 +19,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -176,6 +177,8 @@ class MixerEngine final {
     /// it did.
     bool changeMix(Extent extent, const std::function<void()>& change);
     void recall(const std::function<void()>& change);
+    /// As each note by itself, but of the scenes that they recall only the last is.
+    void handleMIDINotes(std::span<const midi::NoteMessage> notes);
     [[nodiscard]] MixBackup backUp(Extent extent);
     void takeBack(MixBackup before);
 

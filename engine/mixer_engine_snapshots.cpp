@@ -1,5 +1,6 @@
 #include "engine/mixer_engine.h"
 
+#include <string>
 #include <utility>
 
 namespace orvane::engine {
@@ -51,6 +52,25 @@ void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {
 
 void MixerEngine::handleMIDINote(const session::MIDITrigger& note) {
     if (const std::optional<std::int64_t> recalled = scenes.handleNote(note)) recallSnapshot(*recalled);
+}
+
+void MixerEngine::handleMIDINotes(std::span<const midi::NoteMessage> notes) {
+    std::optional<std::int64_t> last;
+    std::size_t recalls = 0;
+    for (const midi::NoteMessage& note : notes) {
+        const std::optional<std::int64_t> recalled = scenes.handleNote({note.channel, note.note});
+        if (!recalled) continue;
+        last = recalled;
+        ++recalls;
+    }
+    if (!last) return;
+    if (recalls > 1)
+        services.log.post(
+            platform::LogLevel::standard, "MIDI",
+            {"Notes came faster than their scenes can be recalled; ", std::to_string(recalls - 1),
+             " were passed over for the last one."}
+        );
+    recallSnapshot(*last);
 }
 
 session::Snapshot MixerEngine::captureMix() const {

@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -99,7 +101,8 @@ class MixerEngineTest : public testing::Test {
     std::shared_ptr<test::KeptOutput> mainOutput = std::make_shared<test::KeptOutput>();
     std::shared_ptr<test::KeptOutput> masterOutput = std::make_shared<test::KeptOutput>();
     test::ManualMainThread mainThread;
-    platform::SystemLog log{[](const platform::LogLine&) {}};
+    std::vector<std::string> lines;
+    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
     platform::VirtualAudioDriver* driver = nullptr;
     platform::VirtualMIDIDriver* midiDriver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
@@ -348,6 +351,51 @@ TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
     keys.reset();
     engine.refreshMIDIDevices();
     EXPECT_THAT(names(), IsEmpty());
+}
+
+// From the driver's thread while blocks run; a block may not allocate.
+TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
+    constexpr std::int64_t sceneCount = 8;
+    constexpr int noteCount = 50000;
+    const auto keys = midiDriver->createSource("Keys").value();
+    mainThread.runPosted();
+    startBypassed();
+    const auto play = [&](std::int64_t note) {
+        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
+    };
+    for (std::int64_t scene = 0; scene < sceneCount; ++scene) {
+        engine.setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
+        engine.newSnapshot();
+        engine.beginMIDILearn();
+        play(scene);
+        mainThread.runPosted();
+    }
+    std::vector<std::int64_t> recalled;
+    const auto keeping =
+        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+    std::atomic<bool> isOver = false;
+    std::thread player([&] {
+        for (int i = 0; i < noteCount; ++i)
+            play(i % (sceneCount + 2));
+        play(5);
+        isOver = true;
+    });
+    while (!isOver) {
+        mainThread.runPosted();
+        EXPECT_EQ(step(), 1U);
+    }
+    player.join();
+    mainThread.runPosted();
+    EXPECT_LT(recalled.size(), noteCount) << "notes that came together recall one scene";
+    ASSERT_FALSE(recalled.empty());
+    EXPECT_EQ(recalled.back(), 5);
+    step();
+    EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 6.0 / 8.0));
+    log.flush();
+    EXPECT_THAT(lines, testing::Contains(HasSubstr("Notes came faster than their scenes can be recalled; ")));
+    const std::size_t before = recalled.size();
+    mainThread.advance(std::chrono::seconds(1));
+    EXPECT_EQ(recalled.size(), before);
 }
 
 TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
