@@ -112,6 +112,15 @@ class JackEngineTest : public testing::Test {
 
     [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
 
+    /// Whether what a client plays comes back to it through the mix.
+    [[nodiscard]] bool isHeard() {
+        for (const session::ChannelStrip& strip : std::vector(engine.state().channelStrips.get()))
+            engine.setBypassed(strip.id, true);
+        JackPeer peer("listener", channelCount);
+        return peer.connectTo(test::uniqueJackName("ORVANE"))
+               && peer.exchange(4 * period)[0].size() == 4 * period;
+    }
+
     /// Lets what the server tells reach the engine, until the message is another one.
     [[nodiscard]] bool awaitMessage() {
         return test::waitFor([this, before = message()] {
@@ -204,6 +213,51 @@ TEST_F(JackEngineTest, StopsWhenTheServerIsGoneAndStartsOnTheNext) {
         server.restart();
     }
     start();
+}
+
+TEST_F(JackEngineTest, StartsAtTheRateOfTheServerThatComesNext) {
+    start();
+    server.end(SIGKILL);
+    ASSERT_TRUE(awaitMessage());
+    EXPECT_FALSE(engine.state().isRunning.get());
+    server.restart(44100);
+    engine.refreshDevices();
+    engine.selectDevice(engine.state().availableDevices.get().at(0));
+    EXPECT_EQ(engine.state().selectedDevice.get()->sampleRate, 44100.0);
+    start();
+    ASSERT_TRUE(isHeard());
+}
+
+TEST_F(JackEngineTest, PlaysOnThroughFiftyChangesOfTheBufferSize) {
+    start();
+    JackPeer other("other", 1);
+    for (int change = 0; change < 50; ++change)
+        ASSERT_TRUE(other.setBufferSize(32U << (change % 6))) << change;
+    ASSERT_TRUE(other.setBufferSize(period));
+    ASSERT_TRUE(awaitMessage());
+    EXPECT_THAT(message(), testing::HasSubstr("buffer size changed to"));
+    EXPECT_TRUE(engine.state().isRunning.get());
+    ASSERT_TRUE(isHeard());
+    engine.stop();
+    start();
+}
+
+TEST_F(JackEngineTest, PlaysOnOrSaysWhyWhenAFrozenServerGoesOn) {
+    start();
+    ASSERT_TRUE(isHeard());
+    server.send(SIGSTOP);
+    // What the operator does meanwhile goes through at once; no cycle runs.
+    for (int edit = 0; edit < 1000; ++edit)
+        engine.setTrim(engine.state().channelStrips.get()[0].id, edit % 2);
+    mainThread.advance(std::chrono::seconds(1));
+    server.send(SIGCONT);
+    const bool isGone = !isHeard();
+    mainThread.runPosted();
+    EXPECT_EQ(engine.state().isRunning.get(), !isGone);
+    EXPECT_THAT(message(), isGone ? testing::HasSubstr("is gone") : testing::HasSubstr(""));
+    engine.stop();
+    start();
+    ASSERT_TRUE(isHeard());
 }
 
 } // namespace

@@ -35,6 +35,8 @@ class AlsaFixture final {
     }
 
     platform::AlsaAudioDriver* operator->() { return driver.get(); }
+    /// Hands the driver over.
+    std::unique_ptr<platform::AlsaAudioDriver> take() { return std::move(driver); }
 
     const TemporaryFolder folder;
 

@@ -79,7 +79,12 @@ JackTestServer::~JackTestServer() {
     removeFilesOf(name.text());
 }
 
-void JackTestServer::restart() {
+void JackTestServer::send(int signal) const {
+    ::kill(process, signal);
+}
+
+void JackTestServer::restart(std::optional<std::uint32_t> sampleRate) {
+    format.sampleRate = sampleRate.value_or(format.sampleRate);
     // Servers that start at the same moment can trip over the registry that they share.
     for (int attempt = 0; attempt < 3; ++attempt) {
         launch();

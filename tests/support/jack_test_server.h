@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -49,8 +50,10 @@ class JackTestServer final {
 
     /// Ends the server's process with `signal` and returns when it has ended.
     void end(int signal);
-    /// Starts it again, as another one under the same name.
-    void restart();
+    /// Sends its process a signal that it does not end by.
+    void send(int signal) const;
+    /// Starts it again, as another one under the same name, at that rate where one is given.
+    void restart(std::optional<std::uint32_t> sampleRate = {});
 
   private:
     void launch();

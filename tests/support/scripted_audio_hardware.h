@@ -9,6 +9,7 @@
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <sstream>
 #include <string>
@@ -45,6 +46,9 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
     std::vector<ScriptedDevice> devices;
     /// The status that a call fails with whose line begins like the key.
     std::map<std::string, OSStatus> failures;
+    /// The index in `calls` of one more call that fails.
+    std::optional<std::size_t> failingCall;
+    static constexpr platform::OSStatus failure = -50;
     /// Every call but AudioUnitRender, whose cycles may not allocate.
     std::vector<std::string> calls;
 
@@ -116,7 +120,8 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
     /// Where its failure is no error, it comes back without a unit, though with success.
     NewInstance AudioComponentInstanceNew(platform::AudioComponent component) override {
         const OSStatus status = record("AudioComponentInstanceNew", component);
-        if (failures.contains("AudioComponentInstanceNew")) return {status, nullptr};
+        if (status != platform::noErr || failures.contains("AudioComponentInstanceNew"))
+            return {status, nullptr};
         return {status, reinterpret_cast<Unit>(this)};
     }
     OSStatus AudioComponentInstanceDispose(Unit) override { return record("AudioComponentInstanceDispose"); }
@@ -197,6 +202,7 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
         const std::string call = joined(parts...);
         const std::scoped_lock guard(mutex);
         calls.push_back(call);
+        if (failingCall == calls.size() - 1) return failure;
         for (const auto& [beginning, status] : failures)
             if (call.starts_with(beginning)) return status;
         return platform::noErr;

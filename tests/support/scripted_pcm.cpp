@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cerrno>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -45,11 +46,16 @@ struct ScriptedPcm {
     long errorCount = 1;
     /// How many transfers go well before the device falls silent.
     long silentAfter = -1;
+    /// How long a transfer takes, in microseconds.
+    long pause = 0;
+    /// While there is a file of that name, the device is unplugged.
+    std::string gone;
     /// Whether a direction can only be opened once at a time.
     long exclusive = 0;
 
     long transferCount = 0;
 
+    [[nodiscard]] bool isGone() const { return !gone.empty() && ::access(gone.c_str(), F_OK) == 0; }
     [[nodiscard]] bool isSilent() const { return silentAfter >= 0 && transferCount >= silentAfter; }
 };
 
@@ -69,6 +75,8 @@ snd_pcm_sframes_t pointer(snd_pcm_ioplug_t* io) {
 snd_pcm_sframes_t
 transfer(snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t*, snd_pcm_uframes_t, snd_pcm_uframes_t size) {
     ScriptedPcm& script = scriptOf(io);
+    if (script.isGone()) return -ENODEV;
+    if (script.pause > 0) ::usleep(static_cast<useconds_t>(script.pause));
     const long since = script.transferCount++ - script.errorAfter;
     if (script.error != 0 && since >= 0 && since < script.errorCount) return -script.error;
     eventfd_t ignored = 0;
@@ -97,7 +105,7 @@ void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
         {"period", &script.period},         {"openError", &script.openError},
         {"error", &script.error},           {"errorAfter", &script.errorAfter},
         {"errorCount", &script.errorCount}, {"silentAfter", &script.silentAfter},
-        {"exclusive", &script.exclusive}};
+        {"exclusive", &script.exclusive},   {"pause", &script.pause}};
     snd_config_iterator_t at = nullptr;
     snd_config_iterator_t next = nullptr;
     snd_config_for_each(at, next, definition) {
@@ -108,6 +116,7 @@ void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
         for (const auto& [name, value] : fields)
             if (name == key) snd_config_get_integer(entry, value);
         if (snd_config_get_string(entry, &text) < 0) continue;
+        if (std::string_view("gone") == key) script.gone = text;
         if (std::string_view("format") == key) script.format = snd_pcm_format_value(text);
         if (std::string_view("access") != key) continue;
         for (int access = 0; access <= SND_PCM_ACCESS_LAST; ++access)
@@ -147,6 +156,7 @@ int _snd_pcm_scripted_open(
     script->io.poll_fd = eventfd(1, EFD_NONBLOCK);
     script->io.poll_events = POLLIN;
     script->io.mmap_rw = script->access <= SND_PCM_ACCESS_MMAP_COMPLEX ? 1 : 0;
+    if (script->isGone()) return -ENODEV;
     if (script->openError != 0) return -static_cast<int>(script->openError);
     if (script->exclusive != 0 && script->openCount > 1) return -EBUSY;
     if (const int error = snd_pcm_ioplug_create(&script->io, name, stream, mode); error < 0) return error;

@@ -1,0 +1,182 @@
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/midi_services/system_midi_services.h"
+#include "support/alsa_fixture.h"
+#include "support/manual_main_thread.h"
+#include "support/scripted_audio_hardware.h"
+#include "support/scripted_audio_unit.h"
+#include "support/wait_for.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using engine::MixerEngine;
+using testing::AnyOf;
+using testing::StartsWith;
+
+/// An engine on hardware of the test's own.
+struct Mixer {
+    explicit Mixer(platform::AudioHardware& audioHardware)
+        : engine(4, {audioHardware, midiServices, mainThread, audioUnitHost, log}) {
+        engine.refreshDevices();
+    }
+
+    [[nodiscard]] const audio::AudioDeviceInfo& device(std::size_t index) const {
+        return engine.state().availableDevices.get().at(index);
+    }
+    [[nodiscard]] bool isRunning() const { return engine.state().isRunning.get(); }
+    [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
+
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    test::ManualMainThread mainThread;
+    test::ScriptedAudioUnitHost audioUnitHost;
+    platform::SystemMIDIServices midiServices{{}};
+    MixerEngine engine;
+};
+
+std::vector<test::ScriptedDevice> mainAndMaster() {
+    return {
+        {.id = 41, .uid = "main", .name = "Main", .inputStreams = {4}, .outputStreams = {4}},
+        {.id = 42, .uid = "master", .name = "Master", .outputStreams = {2}}};
+}
+
+std::size_t countOf(const std::vector<std::string>& calls, std::string_view name) {
+    return static_cast<std::size_t>(std::ranges::count_if(calls, [name](const std::string& call) {
+        return call == name || call.starts_with(std::string(name) + " ");
+    }));
+}
+
+TEST(DriverFaults, AnyCallOfAStartOnTwoDevicesMayFail) {
+    // What a mix can do without, or tells of while it runs.
+    const std::set<std::string> mayFail = {
+        "AudioObjectAddPropertyListenerBlock", "AudioObjectGetPropertyData", "AudioObjectSetPropertyData"};
+    std::size_t masterFailures = 0;
+    for (std::size_t failing = 0;; ++failing) {
+        test::ScriptedAudioHardware hardware;
+        hardware.devices = mainAndMaster();
+        Mixer mixer(hardware);
+        mixer.engine.selectDevice(mixer.device(0));
+        mixer.engine.selectMasterOutputDevice(mixer.device(1));
+        hardware.calls.clear();
+        hardware.failingCall = failing;
+        mixer.engine.start();
+        if (failing >= hardware.calls.size()) break;
+        const std::string failed = hardware.calls[failing];
+        SCOPED_TRACE(testing::Message() << "call " << failing << ", " << failed);
+        const std::string name = failed.substr(0, failed.find(' '));
+        if (mixer.isRunning()) {
+            EXPECT_TRUE(mayFail.contains(name));
+        } else {
+            EXPECT_THAT(
+                mixer.message(), AnyOf(
+                                     StartsWith("Failed to start audio engine: "),
+                                     StartsWith("Failed to start master output device (Master): ")
+                                 )
+            );
+            masterFailures += mixer.message().starts_with("Failed to start master") ? 1 : 0;
+        }
+        mixer.engine.stop();
+        const std::vector<std::string> calls = std::exchange(hardware.calls, {});
+        const std::size_t unmade = name == "AudioComponentInstanceNew" ? 1 : 0;
+        EXPECT_EQ(
+            countOf(calls, "AudioComponentInstanceDispose"),
+            countOf(calls, "AudioComponentInstanceNew") - unmade
+        );
+        const std::size_t unstarted = name == "AudioOutputUnitStart" ? 1 : 0;
+        EXPECT_GE(countOf(calls, "AudioOutputUnitStop"), countOf(calls, "AudioOutputUnitStart") - unstarted);
+        const std::size_t unheard = name == "AudioObjectAddPropertyListenerBlock" ? 1 : 0;
+        EXPECT_EQ(
+            countOf(calls, "AudioObjectRemovePropertyListenerBlock"),
+            countOf(calls, "AudioObjectAddPropertyListenerBlock") - unheard
+        );
+        hardware.failingCall.reset();
+        mixer.engine.start();
+        EXPECT_TRUE(mixer.isRunning()) << mixer.message();
+    }
+    EXPECT_GT(masterFailures, 5U) << "also after the main device has started";
+}
+
+TEST(DriverFaults, AnyCallOfAStopMayFail) {
+    for (std::size_t failing = 0;; ++failing) {
+        test::ScriptedAudioHardware hardware;
+        hardware.devices = mainAndMaster();
+        Mixer mixer(hardware);
+        mixer.engine.selectDevice(mixer.device(0));
+        mixer.engine.selectMasterOutputDevice(mixer.device(1));
+        mixer.engine.start();
+        ASSERT_TRUE(mixer.isRunning());
+        hardware.calls.clear();
+        hardware.failingCall = failing;
+        mixer.engine.stop();
+        if (failing >= hardware.calls.size()) break;
+        SCOPED_TRACE(hardware.calls[failing]);
+        EXPECT_FALSE(mixer.isRunning());
+        EXPECT_EQ(countOf(hardware.calls, "AudioComponentInstanceDispose"), 2U);
+        hardware.failingCall.reset();
+        mixer.engine.start();
+        EXPECT_TRUE(mixer.isRunning()) << mixer.message();
+    }
+}
+
+TEST(DriverFaults, AnyCallOfAnEnumerationMayFail) {
+    test::ScriptedAudioHardware hardware;
+    hardware.devices = mainAndMaster();
+    Mixer mixer(hardware);
+    ASSERT_EQ(mixer.engine.state().availableDevices.get().size(), 2U);
+    hardware.calls.clear();
+    mixer.engine.refreshDevices();
+    const std::size_t callCount = hardware.calls.size();
+    for (std::size_t failing = 0; failing < callCount; ++failing) {
+        hardware.calls.clear();
+        hardware.failingCall = failing;
+        mixer.engine.refreshDevices();
+        const bool isOfTheList = failing < 2;
+        EXPECT_GE(mixer.engine.state().availableDevices.get().size(), isOfTheList ? 2U : 1U)
+            << hardware.calls[failing] << ": only a device that cannot be described is left out";
+        hardware.failingCall.reset();
+        mixer.engine.refreshDevices();
+        EXPECT_EQ(mixer.engine.state().availableDevices.get().size(), 2U);
+    }
+    EXPECT_THAT(mixer.message(), StartsWith("Failed to enumerate audio devices: "));
+}
+
+TEST(DriverFaults, AnInterfaceThatIsUnpluggedStopsTheMixAndStartsAgainWhenItIsBack) {
+    test::AlsaFixture alsa("pcm.device { type scripted channels 4 pause 500 gone \"FOLDER/gone\" }");
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    drivers.push_back(alsa.take());
+    platform::SystemAudioHardware hardware(std::move(drivers));
+    Mixer mixer(hardware);
+    mixer.engine.selectDevice(mixer.device(0));
+    for (int round = 0; round < 3; ++round) {
+        mixer.engine.start();
+        ASSERT_TRUE(mixer.isRunning()) << mixer.message();
+        alsa.folder.add("gone", "");
+        ASSERT_TRUE(test::waitFor([&] {
+            mixer.mainThread.runPosted();
+            return !mixer.isRunning();
+        }));
+        EXPECT_THAT(
+            mixer.message(), StartsWith("The audio device " + mixer.device(0).name + " is gone, so the mixer")
+        );
+        mixer.engine.start();
+        EXPECT_FALSE(mixer.isRunning());
+        EXPECT_THAT(mixer.message(), StartsWith("Failed to start audio engine: "));
+        std::filesystem::remove(alsa.folder / "gone");
+    }
+    mixer.engine.start();
+    EXPECT_TRUE(mixer.isRunning()) << mixer.message();
+}
+
+} // namespace
