@@ -92,6 +92,18 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
 }
 
+TEST(LiveRun, GoesOnAfterItWasStopped) {
+    const TemporaryFolder folder;
+    const std::string command = fmt::format(
+        "mkfifo {0}; env --default-signal=INT {1} run --meters json >{0} & "
+        "{{ read line; kill -STOP $!; until grep -q ' T ' /proc/$!/stat; do :; done; kill -CONT $!; "
+        "for more in 1 2 3 4 5 6 7 8 9; do read line || exit 9; done; kill -INT $!; cat >/dev/null; }} <{0}; "
+        "wait $!",
+        (folder / "meters").string(), cli
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
+}
+
 TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     const TemporaryFolder folder;
     folder.add("bad.orvane", "{}");
