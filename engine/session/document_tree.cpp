@@ -60,7 +60,7 @@ class TreeBuilder final {
     bool end_object();
     bool parse_error(std::size_t position, const std::string& token, const json::exception& exception);
 
-    json root;
+    DocumentTree tree;
     std::optional<Error> failure;
 
   private:
@@ -126,7 +126,7 @@ bool TreeBuilder::leave() {
 }
 
 json* TreeBuilder::keep(json value) {
-    if (levels.empty()) return &(root = std::move(value));
+    if (levels.empty()) return &(tree.root = std::move(value));
     const Level& level = levels.back();
     if (level.node == nullptr) return nullptr;
     if (++keptCount > maximumValueCount) {
@@ -165,7 +165,19 @@ std::string TreeBuilder::path() const {
     return way.empty() ? "The document" : way;
 }
 
+/// Empties every container below, from the innermost on.
+void dissolve(json& node) noexcept {
+    if (!node.is_structured()) return;
+    for (json& member : node)
+        dissolve(member);
+    node.clear();
+}
+
 } // namespace
+
+DocumentTree::~DocumentTree() {
+    dissolve(root);
+}
 
 platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownKey isKnown) {
     if (text.size() > maximumDocumentSize) return Error{std::string(documentTooLarge)};
@@ -175,7 +187,7 @@ platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownK
     TreeBuilder builder(text, isKnown);
     json::sax_parse(text.data(), text.data() + text.size(), &builder);
     if (builder.failure) return *builder.failure;
-    return DocumentTree{std::move(builder.root)};
+    return std::move(builder.tree);
 }
 
 } // namespace orvane::session

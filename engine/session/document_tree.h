@@ -12,6 +12,13 @@ namespace orvane::session {
 /// The values of a JSON text that something can be made of. A key without a meaning stands with null for
 /// whatever it held, so that the tree of a large file of something else stays small.
 struct DocumentTree {
+    DocumentTree() = default;
+    DocumentTree(DocumentTree&&) noexcept = default;
+    DocumentTree& operator=(DocumentTree&&) = delete;
+    /// Needs no memory, which the library would take as much of again as the tree has, and end the program
+    /// where there is none.
+    ~DocumentTree();
+
     nlohmann::json root;
 };
 

@@ -1,6 +1,7 @@
 #include "engine/session/mixer_document_decoder.h"
 #include "engine/session/mixer_document_encoder.h"
 #include "support/description_of.h"
+#include "support/failing_allocation.h"
 #include "support/random_document.h"
 
 #include <gmock/gmock.h>
@@ -8,6 +9,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 #include <random>
 #include <sstream>
 #include <string>
@@ -17,6 +20,7 @@ namespace {
 
 using namespace orvane::session;
 using nlohmann::json;
+using orvane::test::FailingAllocation;
 using orvane::test::randomDocument;
 using testing::HasSubstr;
 
@@ -177,6 +181,21 @@ std::string repeated(std::string_view piece, std::size_t count) {
     for (std::size_t index = 0; index < count; ++index)
         text += piece;
     return text;
+}
+
+TEST(MixerDocumentFaults, ATextThatThereIsNoMemoryForIsGivenUp) {
+    const std::string text = validDocument().dump();
+    std::size_t nth = 0;
+    for (bool isOver = false; !isOver;) {
+        const FailingAllocation failing(++nth);
+        try {
+            const auto document = decodeMixerDocument(text);
+            ASSERT_TRUE(document);
+            isOver = !failing.hasHappened();
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_GT(nth, 100U);
 }
 
 TEST(MixerDocumentFaults, DeepNestingIsRefused) {
