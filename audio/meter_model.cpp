@@ -1,5 +1,6 @@
 #include "audio/meter_model.h"
 
+#include <cmath>
 #include <utility>
 
 namespace orvane::audio {
@@ -20,8 +21,10 @@ void MeterModel::update(const MixerRealtimeState& state) {
     channelMeters.set(std::move(reading.channelLevels));
     masterMeter.set(reading.masterLevel);
     channelGainReductionDB.set(std::move(reading.gainReductionDB));
+    // What is not finite would stay in the smoothed level for good.
     const double shown = pinkNoiseLevel.get();
-    pinkNoiseLevel.set(shown + (reading.referenceNoiseLevel - shown) * noiseLevelSmoothing);
+    const double level = std::isfinite(reading.referenceNoiseLevel) ? reading.referenceNoiseLevel : shown;
+    pinkNoiseLevel.set(shown + (level - shown) * noiseLevelSmoothing);
     cpuLoad.set(state.cpuLoad());
 }
 

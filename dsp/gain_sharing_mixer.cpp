@@ -4,6 +4,7 @@
 #include "dsp/elementary.h"
 
 #include <cassert>
+#include <cmath>
 
 namespace orvane::dsp {
 
@@ -57,8 +58,10 @@ std::span<const double> GainSharingMixer::process(std::span<const double> levels
 }
 
 void GainSharingMixer::followLevels(std::span<const double> levels) noexcept {
+    // What is not finite would stay in the smoothed level for good.
     for (std::size_t i = 0; i < levels.size(); ++i)
-        smoothedLevel[i] = smoothed(smoothedLevel[i], levels[i], attackCoef, releaseCoef);
+        smoothedLevel[i] =
+            smoothed(smoothedLevel[i], std::isfinite(levels[i]) ? levels[i] : 0.0, attackCoef, releaseCoef);
 }
 
 void GainSharingMixer::shareActivity() noexcept {

@@ -27,8 +27,8 @@ class GainSharingMixer final {
     /// Takes effect at the next `process`. Real-time safe.
     ORVANE_REALTIME void setReleaseMs(double releaseMs) noexcept;
 
-    /// One step: `levels` are channelCount linear RMS values of one block. Returns `smoothedGain`. Real-time
-    /// safe.
+    /// One step: `levels` are channelCount linear RMS values of one block; one that is not finite counts as
+    /// silence. Returns `smoothedGain`. Real-time safe.
     ORVANE_REALTIME std::span<const double> process(std::span<const double> levels) noexcept;
 
     /// The current linear gain of every channel; 1 / channelCount each at creation. Real-time safe.

@@ -36,7 +36,8 @@ void MasterBusLeveler::setTargetDB(double targetDB) noexcept {
 
 double MasterBusLeveler::process(double rms) noexcept {
     double desired = targetRMS / (rms > smallestRMS ? rms : smallestRMS);
-    if (desired <= minGain) desired = minGain;
+    // Also where target and bus are both infinite: what is no number would stay in the gain for good.
+    if (!(desired > minGain)) desired = minGain;
     if (desired > maxGain) desired = maxGain;
     const double c = desired < gain ? attackCoef : releaseCoef;
     gain = gain * c + (1.0 - c) * desired;

@@ -47,6 +47,21 @@ TEST(MeterModel, ShowsWhatWasMeasuredAndSmoothsOnlyTheNoise) {
     }
 }
 
+TEST(MeterModel, FindsBackFromEndlessNoise) {
+    test::MixerHarness mixer({.strips = 1});
+    mixer.state.updateRouting(
+        std::vector<std::optional<std::int64_t>>(1), std::vector<session::OutputRouting>(1), {}
+    );
+    MeterModel model(1);
+    for (const double gain : {1e300, 0.5}) {
+        mixer.state.setNoiseGain(gain);
+        mixer.pass({std::vector<float>(256, 0.0F)}, 256);
+        model.update(mixer.state);
+    }
+    EXPECT_GT(model.pinkNoiseLevel.get(), 0.0);
+    EXPECT_LT(model.pinkNoiseLevel.get(), 1.0);
+}
+
 TEST(MeterTimer, UpdatesThirtyTimesASecondWhileItsRunLasts) {
     test::ManualMainThread mainThread;
     MeterModel model(2);

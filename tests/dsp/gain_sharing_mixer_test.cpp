@@ -34,6 +34,7 @@ TEST(GainSharingMixer, SettlesWhereTheSharesSay) {
         {"one talks", {0.1, 0.0, 0.0}, {1.0, floorGain, floorGain}},
         {"equals share", {0.1, 0.1, 0.0}, {1.0, 1.0, floorGain}},
         {"louder", {0.2 + above, 0.1 + above, 0.0, 0.0}, {1.2, 0.6, floorGain, floorGain}},
+        {"what is no level is silence", {0.1, std::nan(""), HUGE_VAL}, {1.0, floorGain, floorGain}},
         {"below the noise floor is silence", {9e-7, 5e-7}, {1.0, 1.0}}};
     for (const auto& [what, levels, expected] : gainsByLevels) {
         const Values gains = settledGains(levels);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using namespace orvane::dsp;
@@ -28,6 +30,13 @@ TEST(MasterBusLeveler, DrivesTheBusToItsTargetWithinBounds) {
             leveler.process(bus);
         EXPECT_NEAR(leveler.smoothedGain(), gain, 1e-9) << what;
     }
+}
+
+TEST(MasterBusLeveler, FindsBackFromAnEndlesslyLoudBus) {
+    MasterBusLeveler leveler = levelerFor(1e6);
+    leveler.process(HUGE_VAL);
+    leveler.setTargetDB(-18.0);
+    EXPECT_NEAR(leveler.process(dbToLinear(-18.0)), 1.0, 1.0 - attackCoef);
 }
 
 TEST(MasterBusLeveler, ReadsItsTargetBackInDB) {

@@ -58,6 +58,13 @@ TEST(InsertRenderContext, BringsBackWhatTheEffectMadeOrTheInputUntouched) {
     }
 }
 
+TEST(InsertRenderContext, SilencesWhatIsNoNumber) {
+    for (const std::size_t channels : {1U, 2U}) {
+        Insert insert({UnitAct::doubles}, channels);
+        EXPECT_EQ(insert.process({3e38, tenth}, 2), (std::vector<double>{0.0, 2.0 * tenth})) << channels;
+    }
+}
+
 TEST(InsertRenderContext, RendersOnlyBlocksThatFit) {
     Insert insert({UnitAct::doubles}, 1);
     for (const std::int64_t frameCount : {0L, -1L, 4097L})
