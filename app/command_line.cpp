@@ -48,7 +48,7 @@ void addOptions(CLI::App& program, CommandLine& line) {
 
 } // namespace
 
-std::variant<CommandLine, int> readCommandLine(int argc, char** argv) {
+std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv) {
     CommandLine line;
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane");
     program.set_version_flag("--version", "orvane " ORVANE_VERSION);

@@ -20,7 +20,7 @@ struct CommandLine {
 
 /// Reads the arguments, or gives the exit code with which the program is to end: having printed its help or
 /// version, or what is wrong with them. Main thread.
-std::variant<CommandLine, int> readCommandLine(int argc, char** argv);
+std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv);
 
 /// Writes a sentence to standard error as one line "orvane: ...". Main thread.
 void printMessage(std::string_view sentence);

@@ -73,14 +73,14 @@ int listDevices(const DevicesOptions& options) {
 
 } // namespace
 
-void addDevicesCommand(CLI::App& program, int& exitCode) {
+void addDevicesCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<DevicesOptions>();
     CLI::App* const command = program.add_subcommand("devices", "List the audio devices");
     command->add_flag("--json", options->asJSON, "As one JSON object");
     command->add_option(
         "--virtual-input", options->machine.virtualInput, "Sound file that a virtual device plays"
     );
-    command->callback([options, &exitCode] { exitCode = listDevices(*options); });
+    command->callback([options, &action] { action = [options] { return listDevices(*options); }; });
 }
 
 } // namespace orvane::cli

@@ -73,7 +73,7 @@ std::string checkNote(const std::string& text) {
 
 } // namespace
 
-void addMIDICommand(CLI::App& program, int& exitCode) {
+void addMIDICommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<MIDIOptions>();
     CLI::App* const command = program.add_subcommand("midi", "List the MIDI sources, or send a note");
     command->footer(
@@ -91,8 +91,9 @@ void addMIDICommand(CLI::App& program, int& exitCode) {
         ->add_option("--seconds", options->seconds, "How long to wait for somebody who listens, otherwise 10")
         ->check(CLI::PositiveNumber)
         ->needs(note);
-    command->callback([options, note, &exitCode] {
-        exitCode = note->count() > 0 ? send(*options) : listSources(*options);
+    command->callback([options, note, &action] {
+        const bool isToSend = note->count() > 0;
+        action = [options, isToSend] { return isToSend ? send(*options) : listSources(*options); };
     });
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "cli/action.h"
+
 #include <CLI/App.hpp>
 
 namespace orvane::cli {
 
-/// Adds the subcommand `midi` to the program. `exitCode` outlives the parsing and is set when it has run.
-void addMIDICommand(CLI::App& program, int& exitCode);
+/// Adds the subcommand "midi"; what it does goes to `action` when the arguments ask for it.
+void addMIDICommand(CLI::App& program, Action& action);
 
 } // namespace orvane::cli

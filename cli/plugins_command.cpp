@@ -39,18 +39,19 @@ void printJSON(const Components& components) {
     fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
-void listPlugins(bool asJSON) {
+int listPlugins(bool asJSON) {
     platform::SystemLog log(platform::standardErrorSink());
     platform::Lv2UnitHost host(log);
     const Components components = plugins::availableInsertComponents(host);
     log.flush();
     const auto print = asJSON ? printJSON : printTable;
     print(components);
+    return 0;
 }
 
 } // namespace
 
-void addPluginsCommand(CLI::App& program, int& exitCode) {
+void addPluginsCommand(CLI::App& program, Action& action) {
     const auto asJSON = std::make_shared<bool>(false);
     CLI::App* const command =
         program.add_subcommand("plugins", "List the effects that can be inserted into a strip");
@@ -59,10 +60,7 @@ void addPluginsCommand(CLI::App& program, int& exitCode) {
         "The codes of the JSON form are how sessions name them."
     );
     command->add_flag("--json", *asJSON, "As one JSON object");
-    command->callback([asJSON, &exitCode] {
-        listPlugins(*asJSON);
-        exitCode = 0;
-    });
+    command->callback([asJSON, &action] { action = [asJSON] { return listPlugins(*asJSON); }; });
 }
 
 } // namespace orvane::cli

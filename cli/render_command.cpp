@@ -36,7 +36,7 @@ int runRender(const RenderOptions& options) {
 
 } // namespace
 
-void addRenderCommand(CLI::App& program, int& exitCode) {
+void addRenderCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<RenderOptions>();
     CLI::App* const command = program.add_subcommand("render", "Mix a sound file, faster than real time");
     command->footer("Every channel of the input is one microphone. The output carries what the outputs of an "
@@ -63,7 +63,7 @@ void addRenderCommand(CLI::App& program, int& exitCode) {
         ));
     command->add_option("--stems", options->stems, "Folder for one file per strip: its automixed signal");
     command->add_option("--report", options->report, "JSON file for gains, levels, time and load");
-    command->callback([options, &exitCode] { exitCode = runRender(*options); });
+    command->callback([options, &action] { action = [options] { return runRender(*options); }; });
 }
 
 } // namespace orvane::cli

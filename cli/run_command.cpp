@@ -12,7 +12,7 @@
 
 namespace orvane::cli {
 
-void addRunCommand(CLI::App& program, int& exitCode) {
+void addRunCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<LiveRunOptions>();
     CLI::App* const command = program.add_subcommand("run", "Mix live without a window");
     command->footer(
@@ -52,7 +52,7 @@ void addRunCommand(CLI::App& program, int& exitCode) {
     command->add_option(
         "--record", options->machine.record, "Sound file for the outputs of a virtual device"
     );
-    command->callback([options, &exitCode] { exitCode = runLive(*options); });
+    command->callback([options, &action] { action = [options] { return runLive(*options); }; });
 }
 
 } // namespace orvane::cli

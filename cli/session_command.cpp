@@ -60,7 +60,7 @@ int printSession(const SessionOptions& options) {
 
 } // namespace
 
-void addSessionCommand(CLI::App& program, int& exitCode) {
+void addSessionCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<SessionOptions>();
     CLI::App* const command =
         program.add_subcommand("session", "Load a session file and print it as it would be saved");
@@ -71,7 +71,7 @@ void addSessionCommand(CLI::App& program, int& exitCode) {
             "--channels", options->channels, "Number of strips to load it into; otherwise the file's"
         )
         ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
-    command->callback([options, &exitCode] { exitCode = printSession(*options); });
+    command->callback([options, &action] { action = [options] { return printSession(*options); }; });
 }
 
 } // namespace orvane::cli

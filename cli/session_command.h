@@ -1,12 +1,14 @@
 #pragma once
 
+#include "cli/action.h"
+
 namespace CLI {
 class App;
 }
 
 namespace orvane::cli {
 
-/// Adds the subcommand "session"; its exit code goes to `exitCode`.
-void addSessionCommand(CLI::App& program, int& exitCode);
+/// Adds the subcommand "session"; what it does goes to `action` when the arguments ask for it.
+void addSessionCommand(CLI::App& program, Action& action);
 
 } // namespace orvane::cli

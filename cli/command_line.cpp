@@ -1,0 +1,46 @@
+#include "cli/command_line.h"
+
+#include "cli/devices_command.h"
+#include "cli/message.h"
+#include "cli/midi_command.h"
+#include "cli/plugins_command.h"
+#include "cli/render_command.h"
+#include "cli/run_command.h"
+#include "cli/session_command.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace orvane::cli {
+
+namespace {
+
+constexpr int wrongUsage = 2;
+
+} // namespace
+
+std::variant<Action, int> readCommandLine(int argc, const char* const* argv) {
+    Action action;
+    CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
+    program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
+    // One is required, but an unknown word is to be named rather than called missing.
+    program.require_subcommand(0, 1);
+    addDevicesCommand(program, action);
+    addMIDICommand(program, action);
+    addPluginsCommand(program, action);
+    addRenderCommand(program, action);
+    addRunCommand(program, action);
+    addSessionCommand(program, action);
+    try {
+        program.parse(argc, argv);
+        if (program.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
+    } catch (const CLI::Success& asked) {
+        return program.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        printMessage(fmt::format("{} (--help tells more)", error.what()));
+        return wrongUsage;
+    }
+    return action;
+}
+
+} // namespace orvane::cli
