@@ -6,6 +6,7 @@
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
+#include "support/scripted_windows.h"
 #include "support/virtual_signals.h"
 
 #include <gtest/gtest.h>
@@ -19,31 +20,6 @@
 namespace orvane::test {
 
 inline constexpr std::size_t stripCount = 3;
-
-/// Windows that tell what was done with them.
-struct ScriptedWindows final : platform::EditorWindows {
-    struct Window final : platform::NSWindowController {
-        explicit Window(ScriptedWindows& madeBy) : windows(madeBy) {}
-        ~Window() override { windows.log.emplace_back("gone"); }
-        void showWindow() override { windows.log.emplace_back("show"); }
-        void makeKeyAndOrderFront() override { windows.log.emplace_back("front"); }
-        [[nodiscard]] bool isClosed() const override { return windows.areClosed; }
-        ScriptedWindows& windows;
-        std::shared_ptr<platform::AUViewController> content;
-    };
-
-    std::unique_ptr<platform::NSWindowController> windowWithContentViewController(
-        std::shared_ptr<platform::AUViewController> content, const std::string& title, std::uint32_t styleMask
-    ) override {
-        log.push_back(title + " " + std::to_string(styleMask));
-        auto window = std::make_unique<Window>(*this);
-        window->content = std::move(content);
-        return window;
-    }
-
-    std::vector<std::string> log;
-    bool areClosed = false;
-};
 
 /// A mixer on a stepped device, every strip bypassed and going straight to the output of its number.
 class InsertPlugins : public testing::Test {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -94,8 +95,9 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         ++editorRequests;
         editorCompletion = std::move(completion);
     }
-    /// Answers the last request, with an editor of `self` where the script has one.
+    /// Answers the last request, if any, with an editor of `self` where the script has one.
     void giveEditor(const std::shared_ptr<AUAudioUnit>& self) const {
+        if (!editorCompletion) return;
         editorCompletion(script.hasEditor ? std::make_shared<platform::AUViewController>(self) : nullptr);
     }
 
@@ -193,6 +195,14 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
         deliverOne();
     }
 
+    /// How many instantiations wait to be delivered.
+    [[nodiscard]] std::size_t pendingCount() const { return pending.size(); }
+
+    void deliverAll() {
+        while (!pending.empty())
+            deliver();
+    }
+
     void joinThreads() {
         for (std::thread& thread : std::exchange(threads, {}))
             thread.join();
@@ -202,6 +212,11 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
     [[nodiscard]] std::shared_ptr<ScriptedAudioUnit> lastUnit() const {
         const std::scoped_lock guard(mutex);
         return std::shared_ptr(last);
+    }
+    /// The same; null where it is gone.
+    [[nodiscard]] std::shared_ptr<ScriptedAudioUnit> lastUnitIfThere() const {
+        const std::scoped_lock guard(mutex);
+        return last.lock();
     }
 
     Delivery delivery = Delivery::atOnce;

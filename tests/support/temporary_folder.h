@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -12,11 +13,17 @@
 
 namespace orvane::test {
 
+/// Where files are kept in memory; where there is no such place, that of all temporary files.
+inline std::filesystem::path memoryFolder() {
+    const std::filesystem::path sharedMemory = "/dev/shm";
+    return ::access(sharedMemory.c_str(), W_OK) == 0 ? sharedMemory : std::filesystem::temp_directory_path();
+}
+
 /// A folder of a test's own, removed with all that is in it.
 class TemporaryFolder final {
   public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "orvane-test-XXXXXX").string();
+    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string name = (parent / "orvane-test-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("Could not make " + name);
         path = name;
     }

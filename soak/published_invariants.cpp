@@ -1,0 +1,84 @@
+#include "soak/published_invariants.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace orvane::soak {
+
+PublishedInvariants::PublishedInvariants(const engine::MixerEngine& watched, Fault& found)
+    : engine(watched), fault(found) {
+    for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+        strips.push_back(strip.id);
+}
+
+void PublishedInvariants::check() {
+    const engine::EngineState& state = engine.state();
+    fault.require(
+        state.isRunning.get() == (engine.automix() != nullptr), "It is shown to run: {}, which is wrong",
+        state.isRunning.get()
+    );
+    fault.require(
+        engine::isBufferSize(state.bufferSize.get()), "The buffer size is {}", state.bufferSize.get()
+    );
+    const auto& message = state.lastError.get();
+    fault.require(!message || !message->empty(), "The message is empty");
+    fault.require(
+        state.pluginClipboardArmState.get() != plugins::PluginClipboardArmState::armedForPaste
+            || state.pluginClipboard.get(),
+        "Pasting is armed with nothing to paste"
+    );
+    checkStrips();
+    checkScenes();
+    if (const dsp::AutomixProcessor* const automix = engine.automix()) checkAutomix(*automix);
+}
+
+void PublishedInvariants::checkAutomix(const dsp::AutomixProcessor& automix) {
+    const engine::EngineState& state = engine.state();
+    fault.require(
+        automix.leadGroupGainDB() == state.leadGroupGainDB.get()
+            && automix.backingGroupGainDB() == state.backingGroupGainDB.get()
+            && automix.releaseMs() == state.duckerReleaseMs.get(),
+        "The automix has other settings than those shown"
+    );
+    for (std::size_t i = 0; i < strips.size(); ++i)
+        fault.require(
+            automix.settings()[i] == engine::automixSettings(state.channelStrips.get()[i]),
+            "The automix has other settings for strip {} than those shown", i + 1
+        );
+}
+
+void PublishedInvariants::checkStrips() {
+    const auto& published = engine.state().channelStrips.get();
+    fault.require(
+        published.size() == strips.size(), "There are {} strips, not {}", published.size(), strips.size()
+    );
+    for (std::size_t i = 0; i < std::min(published.size(), strips.size()); ++i) {
+        fault.require(published[i].id == strips[i], "Strip {} is another one", i + 1);
+        fault.require(
+            published[i].pluginSlots.size() >= session::pluginSlotsPerChannel, "Strip {} has {} insert slots",
+            i + 1, published[i].pluginSlots.size()
+        );
+    }
+    for (const auto& [key, loadState] : engine.state().pluginLoadStates.get())
+        fault.require(
+            std::ranges::find(strips, key.stripID) != strips.end(), "Slot {} of no strip has a plugin",
+            key.slot + 1
+        );
+}
+
+void PublishedInvariants::checkScenes() {
+    const engine::EngineState& state = engine.state();
+    const std::size_t count = state.snapshots.get().size();
+    const std::optional<std::int64_t>& selected = state.currentSnapshotIndex.get();
+    fault.require(
+        !selected || (*selected >= 0 && static_cast<std::size_t>(*selected) < count),
+        "Scene {} of {} is selected", selected.value_or(-1), count
+    );
+    // It may have been deleted since.
+    const std::optional<std::int64_t>& learning = state.midiLearnTargetIndex.get();
+    fault.require(!learning || *learning >= 0, "Scene {} is learning", learning.value_or(-1));
+}
+
+} // namespace orvane::soak

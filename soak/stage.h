@@ -1,0 +1,94 @@
+#pragma once
+
+#include "engine/mixer_engine.h"
+#include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/system_log.h"
+#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "soak/voices.h"
+#include "support/manual_main_thread.h"
+#include "support/scripted_audio_unit.h"
+#include "support/scripted_midi_services.h"
+#include "support/scripted_windows.h"
+#include "support/temporary_folder.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace orvane::soak {
+
+/// A device of the stage and what plays into it. Its driver owns the device.
+struct StageDevice {
+    /// What each block of the outputs is given to, on the thread of the cycle.
+    using Listener = std::function<void(std::span<const std::span<const float>> outputs)>;
+
+    /// Calls whoever listens.
+    struct Output final : platform::VirtualOutput {
+        void take(std::span<const std::span<const float>> blocks) noexcept override {
+            if (listener) listener(blocks);
+        }
+        Listener listener;
+    };
+
+    std::string uid;
+    std::shared_ptr<Voices> voices;
+    std::shared_ptr<Output> output = std::make_shared<Output>();
+};
+
+/// A mixer and all that it works with, where everything can be made to happen: virtual devices of several
+/// kinds with people talking into them, MIDI sources, effects, editor windows, a folder for presets. Stopped
+/// at first, with the first device selected. Main thread.
+struct Stage final {
+    struct Shape {
+        std::size_t strips = 8;
+        platform::VirtualPacing pacing = platform::VirtualPacing::stepped;
+        /// Of what is played into the devices.
+        std::uint32_t seed = 1;
+        /// In frames, at first.
+        std::int64_t bufferSize = 512;
+        /// `engine::Services::insertWorkers`.
+        std::size_t insertWorkers = 0;
+    };
+
+    explicit Stage(const Shape& shape);
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+
+    /// Lets what the devices have told of arrive, and what is posted run, so that a step of a stepped stage
+    /// does not depend on other threads.
+    void settle();
+
+    const Shape shape;
+    std::vector<StageDevice> devices;
+    platform::SystemLog log{[](const platform::LogLine&) {}};
+    test::ManualMainThread mainThread;
+    /// The hardware layer's; lives as long as that.
+    platform::VirtualAudioDriver* driver = nullptr;
+    platform::SystemAudioHardware hardware;
+    test::ScriptedAudioUnitHost effects;
+    test::ScriptedMIDIServices midi;
+    test::ScriptedWindows windows;
+    test::TemporaryFolder folder;
+    engine::MixerEngine engine;
+
+  private:
+    std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers();
+
+    /// Rung behind everything that devices have told of.
+    struct Bell {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::size_t heard = 0;
+    };
+    Bell bell;
+    std::size_t rings = 0;
+    std::unique_ptr<platform::AudioDeviceWatch> bellWatch;
+};
+
+} // namespace orvane::soak
