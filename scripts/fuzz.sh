@@ -1,21 +1,30 @@
 #!/usr/bin/env bash
-# Fuzzes what reads untrusted bytes, under AddressSanitizer, from the corpora in fuzz/corpus; ends at the first
-# finding. New inputs are kept in build/fuzz/corpus.
-# Usage: scripts/fuzz.sh [SECONDS] [FUZZER...]
+# Fuzzes what reads untrusted bytes and what is done with a mixer, under AddressSanitizer, from the corpora in
+# fuzz/corpus; ends at the first finding. New inputs are kept in build/fuzz/corpus; with --keep those that reach code
+# that the corpora do not are added to them afterwards.
+# Usage: scripts/fuzz.sh [--keep] [SECONDS] [FUZZER...]; all fuzzers of fuzz/CMakeLists.txt by default, 300 s each.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+keep=
+if [ "${1:-}" = --keep ]; then
+    keep=yes
+    shift
+fi
 seconds=${1:-300}
 [ $# -eq 0 ] || shift
 fuzzers=("$@")
-[ ${#fuzzers[@]} -gt 0 ] || fuzzers=(session_codec state_bytes)
 
 scripts/setup.sh build fuzz
 cmake --preset fuzz >/dev/null
+[ ${#fuzzers[@]} -gt 0 ] || mapfile -t fuzzers <build/fuzz/fuzz/fuzzers
 cmake --build --preset fuzz --target "${fuzzers[@]/%/_fuzzer}"
 for fuzzer in "${fuzzers[@]}"; do
+    program=build/fuzz/bin/${fuzzer}_fuzzer
+    limits=(-timeout=10 -rss_limit_mb=4096)
     mkdir -p "build/fuzz/corpus/$fuzzer"
     echo "== $fuzzer, $seconds s" >&2
-    "build/fuzz/bin/${fuzzer}_fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 -print_final_stats=1 \
-        -artifact_prefix="build/fuzz/$fuzzer-" "build/fuzz/corpus/$fuzzer" "fuzz/corpus/$fuzzer"
+    "$program" -max_total_time="$seconds" "${limits[@]}" -print_final_stats=1 -artifact_prefix="build/fuzz/$fuzzer-" \
+        "build/fuzz/corpus/$fuzzer" "fuzz/corpus/$fuzzer"
+    [ -z "$keep" ] || "$program" -merge=1 "${limits[@]}" "fuzz/corpus/$fuzzer" "build/fuzz/corpus/$fuzzer"
 done
