@@ -38,13 +38,13 @@ class JackClient final {
   private:
     friend class JackClients;
 
-    JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents);
+    JackClient(JackClients& owner, JackEvents& clientEvents);
     static void markGone(void* self);
     void close();
 
     JackClients& clients;
-    jack_client_t* handle;
     JackEvents& events;
+    jack_client_t* handle = nullptr;
     std::atomic<bool> gone = false;
 };
 

@@ -44,29 +44,28 @@ JackClients::JackClients(std::string programName) : name(std::move(programName))
 }
 
 std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents& events) {
+    // It is there, whole, before libjack starts the thread that will call it.
+    std::unique_ptr<JackClient> client(new JackClient(*this, events));
     const JackLibraryCall libraryCall(libraryMutex);
     if (isServerGone.load()) {
-        for (JackClient* client : opened) {
-            client->close();
+        for (JackClient* old : opened) {
+            old->close();
             // Its server may have shut out another one only, so that nobody has told it.
-            client->events.post(JackEvent::portsAdded);
+            old->events.post(JackEvent::portsAdded);
         }
         opened.clear();
         isServerGone.store(false);
     }
     const std::string clientName = name + std::string(role);
-    jack_client_t* const handle = jack_client_open(clientName.c_str(), JackNoStartServer, nullptr);
-    if (handle == nullptr) return nullptr;
-    std::unique_ptr<JackClient> client(new JackClient(*this, handle, events));
+    client->handle = jack_client_open(clientName.c_str(), JackNoStartServer, nullptr);
+    if (client->handle == nullptr) return nullptr;
+    // PipeWire does not call what is set with jack_on_info_shutdown.
+    jack_on_shutdown(client->handle, JackClient::markGone, client.get());
     opened.push_back(client.get());
     return client;
 }
 
-JackClient::JackClient(JackClients& owner, jack_client_t* openedHandle, JackEvents& clientEvents)
-    : clients(owner), handle(openedHandle), events(clientEvents) {
-    // PipeWire does not call what is set with jack_on_info_shutdown.
-    jack_on_shutdown(handle, markGone, this);
-}
+JackClient::JackClient(JackClients& owner, JackEvents& clientEvents) : clients(owner), events(clientEvents) {}
 
 JackClient::~JackClient() {
     const JackLibraryCall libraryCall(clients.libraryMutex);

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,11 @@ struct Stored {
     std::string (*write)(const path& folder, int version);
     std::string (*read)(const path& folder);
 };
+
+/// For the names of the tests.
+void PrintTo(const Stored& stored, std::ostream* stream) {
+    *stream << stored.name;
+}
 
 std::string writeSession(const path& folder, int version) {
     auto document = randomDocument(1);
