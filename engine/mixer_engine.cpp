@@ -48,8 +48,8 @@ rateWarning(const AudioDeviceInfo& main, const std::optional<AudioDeviceInfo>& m
 
 } // namespace
 
-MixerEngine::MixerEngine(std::size_t channelCount, const Services& platformServices)
-    : services(platformServices),
+MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
+    : services(std::move(platformServices)),
       meters(channelCount),
       pluginOperations(
           {.state = published,

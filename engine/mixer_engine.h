@@ -32,7 +32,7 @@ namespace orvane::engine {
 class MixerEngine final {
   public:
     /// Stopped, with N default strips; neither looks for devices nor starts audio.
-    MixerEngine(std::size_t channelCount, const Services& platformServices);
+    MixerEngine(std::size_t channelCount, Services platformServices);
     ~MixerEngine();
     MixerEngine(const MixerEngine&) = delete;
     MixerEngine& operator=(const MixerEngine&) = delete;

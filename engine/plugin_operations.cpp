@@ -12,7 +12,6 @@ namespace {
 
 using plugins::LoadedInsertPlugin;
 using plugins::PluginClipboardArmState;
-using plugins::PluginSlotKey;
 using session::ChannelStrip;
 
 /// What plugins are set up for until a device is selected, in Hz.

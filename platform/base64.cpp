@@ -10,13 +10,15 @@ namespace {
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint8_t noDigit = 0xFF;
 
-constexpr std::array<std::uint8_t, 256> digitValues = [] {
+constexpr std::array<std::uint8_t, 256> makeDigitValues() {
     std::array<std::uint8_t, 256> values{};
     values.fill(noDigit);
     for (std::size_t value = 0; value < alphabet.size(); ++value)
         values[static_cast<std::uint8_t>(alphabet[value])] = static_cast<std::uint8_t>(value);
     return values;
-}();
+}
+
+constexpr std::array<std::uint8_t, 256> digitValues = makeDigitValues();
 
 } // namespace
 

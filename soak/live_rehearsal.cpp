@@ -6,12 +6,10 @@
 
 namespace orvane::soak {
 
-using namespace std::chrono_literals;
-
 namespace {
 
 /// How often what is posted to the main thread is looked for.
-constexpr auto housekeepingInterval = 5ms;
+constexpr std::chrono::milliseconds housekeepingInterval{5};
 /// The automix turns nobody down further than by 26 dB; this much is left to rounding.
 constexpr double mostReductionDB = 26.0 + 1e-6;
 /// Gains begin below the floor that they rise to.

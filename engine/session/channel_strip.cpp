@@ -6,6 +6,7 @@
 namespace orvane::session {
 
 ChannelStrip ChannelStrip::make(
+    // cppcheck-suppress passedByValue ; it is two words
     platform::Uuid id, std::string name, std::optional<std::int64_t> inputChannel,
     std::optional<std::int64_t> outputChannel
 ) {

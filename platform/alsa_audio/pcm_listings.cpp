@@ -2,6 +2,8 @@
 
 #include "platform/alsa_audio/alsa_library.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -38,8 +40,8 @@ void addPcmsOfCard(std::vector<PcmListing>& listings, int card) {
     for (int device = -1; snd_ctl_pcm_next_device(control.get(), &device) == 0 && device >= 0;) {
         const std::string title = pcmTitle(control.get(), device);
         listings.push_back(
-            {.pcmName = "hw:CARD=" + id + ",DEV=" + std::to_string(device),
-             .title = title.empty() || title == name ? name : name + ", " + title}
+            {.pcmName = fmt::format("hw:CARD={},DEV={}", id, device),
+             .title = title.empty() || title == name ? name : fmt::format("{}, {}", name, title)}
         );
     }
 }

@@ -8,7 +8,7 @@ namespace orvane::platform::alsa_audio {
 
 namespace {
 
-using std::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr std::array soundServers{"default"sv, "sysdefault"sv, "pipewire"sv, "pulse"sv};
 

@@ -20,7 +20,7 @@ class AudioUnitInstance final : public AudioStreamClient {
     OSStatus setProperty(
         std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<const std::byte> data
     );
-    PropertySize getProperty(
+    [[nodiscard]] PropertySize getProperty(
         std::uint32_t property, std::uint32_t scope, std::uint32_t element, std::span<std::byte> data
     ) const;
     OSStatus initialize();

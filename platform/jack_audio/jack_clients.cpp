@@ -61,6 +61,7 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     if (client->handle == nullptr) return nullptr;
     // PipeWire does not call what is set with jack_on_info_shutdown.
     jack_on_shutdown(client->handle, JackClient::markGone, client.get());
+    // cppcheck-suppress danglingLifetime ; it takes itself out at its destruction
     opened.push_back(client.get());
     return client;
 }

@@ -154,6 +154,7 @@ std::vector<JackDevice> jackDevices(std::span<const JackPort> ports) {
     std::ranges::sort(cards, comesNaturallyBefore, &Card::name);
 
     std::vector<JackDevice> devices;
+    devices.reserve(cards.size() + 1);
     for (const Card& card : cards)
         devices.push_back({std::string(uidPrefix) + card.name, card.name, card.captures, card.playbacks});
     if (devices.size() > 1) devices.push_back(allPortsOf(devices));

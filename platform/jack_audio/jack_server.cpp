@@ -19,10 +19,7 @@ std::vector<std::string> aliasesOf(const jack_port_t* port) {
     std::array<std::string, mostAliases> aliases{std::string(size, '\0'), std::string(size, '\0')};
     char* const buffers[mostAliases] = {aliases[0].data(), aliases[1].data()};
     const int count = std::max(jack_port_get_aliases(port, buffers), 0);
-    std::vector<std::string> found;
-    for (int i = 0; i < count; ++i)
-        found.emplace_back(buffers[i]);
-    return found;
+    return {buffers, buffers + count};
 }
 
 std::vector<JackPort> portsOf(jack_client_t* client, const char* type, unsigned long wantedFlags) {

@@ -48,7 +48,7 @@ std::optional<Error> whyUnconnectable(const PluginDescription& description) {
 } // namespace
 
 Result<std::unique_ptr<PluginInstance>> PluginInstance::make(
-    std::shared_ptr<const PluginDescription> description, std::shared_ptr<HostServices> services,
+    const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
     const InstanceSettings& settings
 ) {
     if (auto error = HostFeatures::whyUnsupported(*description)) return *std::move(error);

@@ -38,7 +38,7 @@ class PluginInstance final {
   public:
     /// Loads and instantiates the plugin, or says why not. Any thread; takes its time.
     static Result<std::unique_ptr<PluginInstance>> make(
-        std::shared_ptr<const PluginDescription> description, std::shared_ptr<HostServices> services,
+        const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
         const InstanceSettings& settings
     );
     ~PluginInstance();

@@ -27,7 +27,7 @@ class LoopedFile final : public VirtualInput {
     void stop() override;
 
   private:
-    Result<std::unique_ptr<VirtualInput>> openLoop() const;
+    [[nodiscard]] Result<std::unique_ptr<VirtualInput>> openLoop() const;
 
     std::filesystem::path path;
     std::size_t channels;

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<std::unique_ptr<VirtualDeviceState>> statesOf(std::vector<VirtualDevice> devices) {
     std::vector<std::unique_ptr<VirtualDeviceState>> states;
+    states.reserve(devices.size());
     for (VirtualDevice& device : devices)
         states.push_back(std::make_unique<VirtualDeviceState>(std::move(device)));
     return states;

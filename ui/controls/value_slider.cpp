@@ -91,7 +91,7 @@ void ValueSlider::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_End:
         return choose(range.highest);
     default:
-        QWidget::keyPressEvent(event);
+        event->ignore();
     }
 }
 

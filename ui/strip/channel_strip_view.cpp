@@ -16,7 +16,6 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include <utility>
 #include <variant>
 
 namespace orvane::ui {
@@ -294,7 +293,7 @@ void ChannelStripView::showRouting() {
         .input = strip().inputChannelIndex,
         .output = strip().outputRouting};
     if (now == shownRouting) return;
-    shownRouting = std::move(now);
+    shownRouting = now;
     input.present(RoutingMenu::inputs(shownRouting.inputs, shownRouting.input));
     output.present(RoutingMenu::outputs(shownRouting.outputs, shownRouting.output));
     const auto* const routed = std::get_if<session::output::Stereo>(&shownRouting.output);
