@@ -133,7 +133,7 @@ class Run final {
         if (auto written = writer.finish(); !written) return written.error();
         if (auto committed = writer.commit(); !committed) return committed.error();
         const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-        return report.finish(source.sampleRate(), static_cast<double>(source.frameCount()), wall.count());
+        return report.finish(static_cast<double>(source.frameCount()), wall.count());
     }
 
   private:
@@ -141,7 +141,7 @@ class Run final {
         std::size_t outputs)
         : source(std::move(input)),
           mixer(std::move(startedMixer)),
-          report(*mixer),
+          report(*mixer, source.sampleRate()),
           chunkLength(std::max(framesPerChunk / mixer->blockLength(), std::size_t{1}) * mixer->blockLength()),
           stemCount(files.stems ? mixer->engine().state().channelStrips.get().size() : 0),
           reader(source, chunkLength),

@@ -23,6 +23,7 @@ std::string RenderReport::json() const {
         {"masterGainDB", dsp::linearToDB(masterGain)},
         {"peakLoad", peakLoad},
         {"meanLoad", meanLoad},
+        {"gainIntervalSeconds", gainIntervalSeconds},
         {"strips", nlohmann::json::array()}};
     for (std::size_t i = 0; i < strips.size(); ++i)
         document["strips"].push_back(
@@ -31,7 +32,8 @@ std::string RenderReport::json() const {
              {"finalGain", strips[i].finalGain},
              {"finalGainDB", dsp::linearToDB(strips[i].finalGain)},
              {"meanOutputLevel", strips[i].meanOutputLevel},
-             {"meanOutputLevelDB", dsp::linearToDB(strips[i].meanOutputLevel)}}
+             {"meanOutputLevelDB", dsp::linearToDB(strips[i].meanOutputLevel)},
+             {"gainsDB", strips[i].gainsDB}}
         );
     return document.dump(2) + "\n";
 }
@@ -53,7 +55,12 @@ std::string RenderReport::text() const {
     return lines;
 }
 
-RenderReportBuilder::RenderReportBuilder(const OfflineMixer& mixer) {
+RenderReportBuilder::RenderReportBuilder(const OfflineMixer& mixer, double sampleRate)
+    : gains(
+        mixer.engine().state().channelStrips.get().size(),
+        static_cast<double>(mixer.blockLength()) / sampleRate
+    ) {
+    report.sampleRate = sampleRate;
     report.bufferSize = mixer.blockLength();
     for (const session::ChannelStrip& strip : mixer.engine().state().channelStrips.get())
         report.strips.push_back({.name = strip.name});
@@ -67,21 +74,24 @@ void RenderReportBuilder::add(const OfflineMixer& mixer) {
         sumOfSquaredLevels[i] += level * level;
         report.strips[i].finalGain = automix.currentGains()[i];
     }
+    gains.add(automix.currentGains());
     report.masterGain = automix.currentMasterGain();
     report.peakLoad = std::max(report.peakLoad, mixer.load());
     sumOfLoads += mixer.load();
     ++report.blocks;
 }
 
-RenderReport RenderReportBuilder::finish(double sampleRate, double frameCount, double wallSeconds) const {
+RenderReport RenderReportBuilder::finish(double frameCount, double wallSeconds) const {
     RenderReport finished = report;
-    finished.sampleRate = sampleRate;
-    finished.seconds = frameCount / sampleRate;
+    finished.seconds = frameCount / report.sampleRate;
     finished.wallSeconds = wallSeconds;
     const double blocks = static_cast<double>(std::max<std::size_t>(report.blocks, 1));
     finished.meanLoad = sumOfLoads / blocks;
-    for (std::size_t i = 0; i < finished.strips.size(); ++i)
+    finished.gainIntervalSeconds = gains.intervalSeconds();
+    for (std::size_t i = 0; i < finished.strips.size(); ++i) {
         finished.strips[i].meanOutputLevel = std::sqrt(sumOfSquaredLevels[i] / blocks);
+        finished.strips[i].gainsDB = gains.gainsDB()[i];
+    }
     return finished;
 }
 

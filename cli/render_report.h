@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/gain_history.h"
 #include "cli/offline_mixer.h"
 
 #include <cstddef>
@@ -15,6 +16,8 @@ struct StripReport {
     double finalGain = 0.0;
     /// RMS of the strip's output over the whole run, linear.
     double meanOutputLevel = 0.0;
+    /// The automix gain over time, in dB: at the report's interval, and at every multiple of it.
+    std::vector<double> gainsDB = {};
 };
 
 /// The figures of one offline run. A plain value.
@@ -27,6 +30,8 @@ struct RenderReport {
     /// How long it took.
     double wallSeconds = 0.0;
     std::vector<StripReport> strips;
+    /// Time between the strips' gains.
+    double gainIntervalSeconds = 0.0;
     /// The leveler's gain of the last block, linear.
     double masterGain = 0.0;
     /// Of a block's duration, 0 to 1.
@@ -45,17 +50,18 @@ struct RenderReport {
 /// Gathers a report while blocks run. One thread.
 class RenderReportBuilder final {
   public:
-    /// Of a mixer that is set up.
-    explicit RenderReportBuilder(const OfflineMixer& mixer);
+    /// Of a mixer that is set up, whose device runs at `sampleRate`.
+    RenderReportBuilder(const OfflineMixer& mixer, double sampleRate);
 
     /// Takes in the block that `mixer` has just run.
     void add(const OfflineMixer& mixer);
 
-    /// The figures of the blocks so far, `frameCount` frames of sound at `sampleRate`, made in `wallSeconds`.
-    [[nodiscard]] RenderReport finish(double sampleRate, double frameCount, double wallSeconds) const;
+    /// The figures of the blocks so far, `frameCount` frames of sound, made in `wallSeconds`.
+    [[nodiscard]] RenderReport finish(double frameCount, double wallSeconds) const;
 
   private:
     RenderReport report;
+    GainHistory gains;
     std::vector<double> sumOfSquaredLevels;
     double sumOfLoads = 0.0;
 };

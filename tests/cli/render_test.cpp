@@ -93,12 +93,17 @@ writeSession(const TemporaryFolder& folder, const session::MixerDocumentData& do
 
 TEST(Render, GivesTheSameBytesTwice) {
     const TemporaryFolder folder;
+    std::vector<std::vector<double>> gains;
     for (const char* run : {"a", "b"}) {
         const Rendering rendering({.input = panel, .output = folder / run});
         ASSERT_TRUE(rendering.report);
         EXPECT_TRUE(rendering.warnings.empty());
+        for (const cli::StripReport& strip : rendering.report.value().strips)
+            gains.push_back(strip.gainsDB);
     }
     EXPECT_EQ(test::contentOf(folder / "a"), test::contentOf(folder / "b"));
+    ASSERT_EQ(gains.size(), 16U);
+    EXPECT_EQ(std::vector(gains.begin(), gains.begin() + 8), std::vector(gains.begin() + 8, gains.end()));
 }
 
 TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
@@ -174,6 +179,33 @@ TEST(Render, ReportsWhatItDid) {
     EXPECT_NEAR(report["masterGainDB"].get<double>(), -10.0 - dsp::linearToDB(0.25), 0.1);
     EXPECT_LE(report["meanLoad"], report["peakLoad"]);
     EXPECT_THAT(rendering.report.value().text(), HasSubstr("2.0 s in 188 blocks of 512 frames"));
+}
+
+TEST(Render, ReportsTheGainsOfWhoSpeaksAndWhoListens) {
+    const TemporaryFolder folder;
+    // The first speaks for two seconds, then the second.
+    Samples input(2, std::vector<float>(192'000, 0.0F));
+    for (std::size_t i = 0; i < input[0].size(); ++i)
+        input[i / 96'000][i] = 0.25F * std::sin(static_cast<float>(i) * 0.1F);
+    const Rendering rendering(
+        {.input = writeSound(folder, "in.wav", input),
+         .output = folder / "out.wav",
+         .report = folder / "report.json"}
+    );
+    ASSERT_TRUE(rendering.report);
+    const auto report = nlohmann::json::parse(test::contentOf(folder / "report.json"));
+    const double interval = report["gainIntervalSeconds"];
+    EXPECT_NEAR(interval, 0.1, 0.01);
+    for (std::size_t strip = 0; strip < 2; ++strip) {
+        const std::vector<double> gains = report["strips"][strip]["gainsDB"];
+        const auto at = [&](double seconds) {
+            return gains.at(static_cast<std::size_t>(seconds / interval));
+        };
+        ASSERT_EQ(gains.size(), static_cast<std::size_t>(4.0 / interval));
+        EXPECT_GE(std::ranges::min(gains), -26.0);
+        EXPECT_NEAR(at(strip == 0 ? 1.8 : 3.8), 0.0, 0.5) << "speaking, strip " << strip;
+        EXPECT_LT(at(strip == 0 ? 3.8 : 1.8), -20.0) << "listening, strip " << strip;
+    }
 }
 
 TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {

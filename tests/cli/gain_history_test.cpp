@@ -1,0 +1,45 @@
+#include "cli/gain_history.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using namespace orvane;
+using cli::GainHistory;
+
+TEST(GainHistory, KeepsTheTimesOfItsPointsHoweverLongTheRun) {
+    constexpr double blockSeconds = 0.02;
+    for (const std::size_t blocks : {4U, 5U, 29'994U, 30'000U, 200'001U}) {
+        GainHistory history(2, blockSeconds);
+        // The first strip falls from block to block by what is still told apart; the second stays.
+        for (std::size_t block = 1; block <= blocks; ++block) {
+            const double gains[] = {std::pow(10.0, -0.01 * static_cast<double>(block) / 20.0), 1.0, 5.0};
+            history.add(gains);
+        }
+        const std::vector<double>& falling = history.gainsDB().at(0);
+        ASSERT_LT(falling.size(), GainHistory::mostPoints) << blocks;
+        EXPECT_EQ(
+            falling.size(), static_cast<std::size_t>(
+                                static_cast<double>(blocks) * blockSeconds / history.intervalSeconds() + 1e-9
+                            )
+        ) << blocks;
+        for (std::size_t point = 0; point < falling.size(); ++point) {
+            const double block = static_cast<double>(point + 1) * history.intervalSeconds() / blockSeconds;
+            // Beyond -240 dB all is silence.
+            ASSERT_NEAR(falling[point], std::max(-0.01 * block, -240.0), 0.006) << blocks << ", " << point;
+        }
+        EXPECT_EQ(history.gainsDB().at(1), std::vector<double>(falling.size(), 0.0)) << blocks;
+    }
+}
+
+TEST(GainHistory, HasAPointPerBlockWhereBlocksAreLong) {
+    GainHistory history(1, 0.25);
+    const double gain[] = {0.5};
+    history.add(gain);
+    EXPECT_EQ(history.intervalSeconds(), 0.25);
+    EXPECT_EQ(history.gainsDB().at(0), std::vector<double>{-6.02});
+}
+
+} // namespace
