@@ -10,7 +10,7 @@ build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsnd
 tests=(googletest libgtest-dev libgmock-dev jackd2 mda-lv2 x42-plugins
     xvfb xauth x11-utils openbox xdotool fonts-dejavu-core)
 check=(clang-format)
-lint=(clang-tidy-16 cppcheck)
+lint=(clang-tidy-16 cppcheck valgrind)
 fuzz=(clang-16 libclang-rt-16-dev)
 bench=(sox libsox-fmt-base ffmpeg time jackd2 mda-lv2)
 package=(dpkg-dev file binutils xz-utils lintian appstream desktop-file-utils mandoc debootstrap)

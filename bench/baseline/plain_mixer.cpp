@@ -17,6 +17,8 @@ namespace output = session::output;
 namespace master_output = session::master_output;
 
 /// Whether `channel` is one of `count` outputs.
+constexpr std::int64_t noChannel = -1;
+
 bool exists(std::int64_t channel, std::size_t count) {
     return channel >= 0 && static_cast<std::size_t>(channel) < count;
 }
@@ -117,10 +119,11 @@ void PlainMixer::setRouting(
 void PlainMixer::process(std::span<const std::span<const float>> captured, std::size_t frameCount) {
     resize(frameCount);
     for (std::size_t i = 0; i < strips; ++i) {
-        mask[i] = inputChannels[i] && exists(*inputChannels[i], captured.size());
+        const std::int64_t channel = inputChannels[i].value_or(noChannel);
+        mask[i] = exists(channel, captured.size());
         if (!mask[i]) continue;
         for (std::size_t j = 0; j < frameCount; ++j)
-            blocks[i][j] = captured[static_cast<std::size_t>(*inputChannels[i])][j];
+            blocks[i][j] = captured[static_cast<std::size_t>(channel)][j];
     }
     for (double& sample : blocks[strips])
         sample = noiseGain * 0.6 * pinkNoise.next();
