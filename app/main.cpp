@@ -4,6 +4,7 @@
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
 #include "machine/process.h"
+#include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
 #include "platform/preferences.h"
 #include "platform/user_folders.h"
@@ -115,6 +116,7 @@ int main(int argc, char** argv) {
         app::printMessage(audioMachine.error().description);
         return EXIT_FAILURE;
     }
+    if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
     const int exitCode = run(std::move(options), *audioMachine.value());
     audioMachine.value()->log.flush();
     return exitCode;

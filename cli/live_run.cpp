@@ -8,6 +8,7 @@
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
 #include "machine/interrupt.h"
+#include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
@@ -95,6 +96,7 @@ class LiveRun final {
         const std::optional<std::string>& message = engine->state().lastError.get();
         if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
         if (message) printMessage(*message);
+        printSentence(machine::realtimeAdvice());
         const auto toErrors =
             engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {
                 if (text && engine->state().isRunning.get()) printMessage(*text);

@@ -26,10 +26,9 @@ ALSA, with LV2 effects, scenes that MIDI notes recall, and sessions as
 files. The package has the desktop application, orvane, and a program for
 the command line, orvane-cli, that mixes live or faster than real time.")
 # What the programs link says which libraries they need; the rest is opened while they run: Qt's way to Wayland,
-# the program that opens web and mail addresses, the service that lends real-time priority, a JACK server,
-# effects.
+# the program that opens web and mail addresses, a JACK server, effects.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, rtkit, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-jack | jackd2, lv2-plugin")
 
 include(CPack)

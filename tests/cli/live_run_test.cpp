@@ -47,8 +47,8 @@ TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
     }
     EXPECT_GE(count, 1);
     EXPECT_THAT(
-        contentOf(folder / "stderr"),
-        MatchesRegex("orvane-cli: Ran for [^\n]* xruns; load [^\n]* at most; [^\n]*\n")
+        contentOf(folder / "stderr"), MatchesRegex("(orvane-cli: This account [^\n]*\n)?orvane-cli: Ran for "
+                                                   "[^\n]* xruns; load [^\n]* at most; [^\n]*\n")
     );
 }
 

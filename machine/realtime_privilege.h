@@ -1,0 +1,12 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace orvane::machine {
+
+/// What to do so that audio threads may have real-time priority, as one sentence; nothing where they may. A
+/// sound server may still lend its own threads some. Any thread but the audio ones.
+std::optional<std::string> realtimeAdvice();
+
+} // namespace orvane::machine
