@@ -12,7 +12,7 @@
 namespace orvane::audio {
 
 /// Why the hardware layer could not be asked about its devices. A plain value.
-struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Assign): it loses track in the copy
+struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Assign): not so
     platform::OSStatus status = platform::noErr;
     /// The query that failed.
     std::string what;
