@@ -1,4 +1,5 @@
 #include "app/command_line.h"
+#include "app/managed_session.h"
 #include "audio/insert_workers.h"
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
@@ -34,6 +35,8 @@ using namespace std::chrono_literals;
 
 /// How often the audio threads' log lines are written and signals are looked for.
 constexpr auto housekeepingInterval = 50ms;
+/// How often a session manager is told whether there are changes to save.
+constexpr auto changesInterval = 1s;
 
 /// Qt ends a program that finds no display; it is to say so in a line of the program's own.
 void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
@@ -62,15 +65,18 @@ platform::FilePreferences makePreferences() {
 }
 
 /// Runs the window until it is closed or the program is told to end; returns the exit code.
-int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
+int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed) {
     std::vector<std::string> problems;
-    if (line.session) {
+    if (managed != nullptr && !managed->isStored()) {
+        line.launch.sessionFile = managed->file();
+    } else if (line.session) {
         auto session = engine::readSession(*line.session);
         if (session) {
             line.launch.session = std::move(session).value();
             line.launch.sessionFile = line.session;
         } else {
             problems.push_back(session.error().description);
+            if (managed != nullptr) managed->refuse(problems.back());
         }
     }
     line.launch.device = audioMachine.mainUID;
@@ -97,7 +103,13 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine) {
         audioMachine.log.flush();
         if (interrupt.isInterrupted()) QCoreApplication::exit();
         if (saveSignal.take()) window.saveInPlace();
+        if (managed != nullptr) managed->poll();
     });
+    std::unique_ptr<platform::MainThreadTimer> watching;
+    if (managed != nullptr) {
+        managed->serve(window);
+        watching = mainThread.repeat(changesInterval, [&] { managed->tellChanges(window); });
+    }
     window.show();
     window.showProblems(problems);
     return QApplication::exec();
@@ -111,13 +123,19 @@ int main(int argc, char** argv) {
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
     auto& options = std::get<app::CommandLine>(line);
     const auto application = makeApplication(argc, argv);
+    const auto managed = app::ManagedSession::join(argv[0]);
+    if (managed) {
+        options.session = managed->file();
+        options.machine.clientName = managed->clientName();
+    }
     auto audioMachine = machine::AudioMachine::make(options.machine);
     if (!audioMachine) {
         app::printMessage(audioMachine.error().description);
+        if (managed) managed->refuse(audioMachine.error().description);
         return EXIT_FAILURE;
     }
     if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
-    const int exitCode = run(std::move(options), *audioMachine.value());
+    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
     audioMachine.value()->log.flush();
     return exitCode;
 }

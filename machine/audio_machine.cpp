@@ -76,8 +76,10 @@ makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log) {
     return drivers;
 }
 
+AudioMachine::AudioMachine(std::string clientName) : jackClients(std::move(clientName)) {}
+
 Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptions& options) {
-    auto machine = std::make_unique<AudioMachine>();
+    auto machine = std::make_unique<AudioMachine>(options.clientName);
     auto devices = virtualDevices(options, machine->log);
     if (!devices) return devices.error();
     machine->mainUID = options.device;

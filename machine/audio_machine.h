@@ -29,12 +29,17 @@ struct AudioMachineOptions {
     std::optional<std::filesystem::path> record = {};
     /// The uid of the main device; the first usable one if absent.
     std::optional<std::string> device = {};
+    /// What others see as the name of the JACK clients.
+    std::string clientName = "ORVANE";
 };
 
 /// The audio hardware, effects and MIDI services that a program works with, and its log. Made by its
 /// composition root; outlives its engine, and ends before the main thread that the engine posts to.
 class AudioMachine final {
   public:
+    /// Without hardware yet; `make` is what programs call.
+    explicit AudioMachine(std::string clientName);
+
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
     /// where a file cannot be played or recorded.
     static platform::Result<std::unique_ptr<AudioMachine>> make(const AudioMachineOptions& options);

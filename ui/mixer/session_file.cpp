@@ -80,7 +80,9 @@ void SessionFile::save(std::function<void()> then) {
     dialog->setDefaultSuffix(sessionSuffix);
     dialog->selectFile(exportName);
     connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
-        write(path, then);
+        write(path, [then](const Written& written) {
+            if (written && then) then();
+        });
     });
     refuseOtherPlaces(dialog, "Export failed: ");
     open(dialog);
@@ -88,9 +90,13 @@ void SessionFile::save(std::function<void()> then) {
 
 bool SessionFile::saveInPlace() {
     if (!ownFile) return false;
-    exportDocument.data = engine.makeDocumentData();
-    write(*ownFile, {});
+    saveTo(*ownFile, [](const Written& /*written*/) {});
     return true;
+}
+
+void SessionFile::saveTo(const QString& path, std::function<void(const Written&)> then) {
+    exportDocument.data = engine.makeDocumentData();
+    write(path, std::move(then));
 }
 
 void SessionFile::setFile(std::optional<QString> path) {
@@ -118,7 +124,7 @@ void SessionFile::showBusy(const char* text) {
     notice = std::make_unique<BusyNotice>(&window, QString::fromUtf8(text));
 }
 
-void SessionFile::write(const QString& path, std::function<void()> then) {
+void SessionFile::write(const QString& path, std::function<void(const Written&)> then) {
     showBusy("Saving the session…");
     // The program does not end before the file is written.
     QtConcurrent::run([document = exportDocument.data, file = toPath(path)] {
@@ -128,10 +134,13 @@ void SessionFile::write(const QString& path, std::function<void()> then) {
             this,
             [this, path, document = exportDocument.data, then = std::move(then)](const Written& written) {
                 notice.reset();
-                if (!written) return channelArea.setFileErrorMessage(written.error().description);
-                saved = document;
-                ownFile = path;
-                if (then) then();
+                if (written) {
+                    saved = document;
+                    ownFile = path;
+                } else {
+                    channelArea.setFileErrorMessage(written.error().description);
+                }
+                then(written);
             }
         );
 }

@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_json_document.h"
+#include "platform/result.h"
 #include "ui/strip/installed_components.h"
 
 #include <QObject>
@@ -34,6 +35,8 @@ class SessionFile final : public QObject {
     void save(std::function<void()> then = {});
     /// Writes the session to the file that it was opened from or last saved to; false where there is none.
     bool saveInPlace();
+    /// Writes the session to a file, which is its own from then on if it was written; then calls `then`.
+    void saveTo(const QString& path, std::function<void(const platform::Result<platform::Done>&)> then);
     /// Asks for a file and loads it.
     void load();
     /// Loads a file, having asked first if that would throw away what has not been saved.
@@ -50,7 +53,7 @@ class SessionFile final : public QObject {
     void setFile(std::optional<QString> path);
 
   private:
-    void write(const QString& path, std::function<void()> then);
+    void write(const QString& path, std::function<void(const platform::Result<platform::Done>&)> then);
     /// Some desktops' dialogs offer files of other computers.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
     void showBusy(const char* text);

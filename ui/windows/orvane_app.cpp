@@ -58,6 +58,19 @@ void ORVANEApp::saveInPlace() {
     );
 }
 
+void ORVANEApp::saveTo(
+    const std::filesystem::path& file, std::function<void(const platform::Result<platform::Done>&)> then
+) {
+    MixerRootView* const root = mixerRootView();
+    if (root == nullptr) return then(platform::Done{});
+    root->view().sessionFile().saveTo(QString::fromStdString(file.string()), std::move(then));
+}
+
+bool ORVANEApp::isUnsaved() const {
+    MixerRootView* const root = mixerRootView();
+    return root != nullptr && root->view().sessionFile().isUnsaved();
+}
+
 void ORVANEApp::showProblems(const std::vector<std::string>& problems) {
     for (const std::string& problem : problems) {
         parts.services.log.post(platform::LogLevel::error, logCategory, {problem});
@@ -72,14 +85,14 @@ void ORVANEApp::closeEvent(QCloseEvent* event) {
     MixerRootView* const root = mixerRootView();
     if (mayClose || root == nullptr) return event->accept();
     const bool isRunning = root->engine().state().isRunning.get();
-    const bool isUnsaved = root->view().sessionFile().isUnsaved();
-    if (!isRunning && !isUnsaved) return event->accept();
+    const bool isChanged = isUnsaved();
+    if (!isRunning && !isChanged) return event->accept();
     event->ignore();
     Confirmation question{
         .title = QStringLiteral("Quit ORVANE?"), .message = {}, .action = QStringLiteral("Quit")};
     QStringList reasons;
     if (isRunning) reasons.append(QStringLiteral("The audio is running: quitting stops it."));
-    if (isUnsaved) {
+    if (isChanged) {
         reasons.append(QStringLiteral("This session has changed since it was last saved: quitting without "
                                       "saving throws the changes away."));
         question.action = QStringLiteral("Quit Without Saving");

@@ -2,6 +2,7 @@
 
 #include "engine/services.h"
 #include "platform/preferences.h"
+#include "platform/result.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"
 #include "ui/windows/window_presenter.h"
@@ -9,6 +10,8 @@
 #include <QMainWindow>
 
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,6 +39,12 @@ class ORVANEApp final : public QMainWindow {
 
     /// Writes the session to the file that it was opened from; the log says so where there is none.
     void saveInPlace();
+    /// Writes the session to a file, then calls `then`; at once while there is no session to write.
+    void saveTo(
+        const std::filesystem::path& file, std::function<void(const platform::Result<platform::Done>&)> then
+    );
+    /// Whether there is a session that has changed since it was last saved.
+    [[nodiscard]] bool isUnsaved() const;
 
     /// Says what has gone wrong, one sentence each.
     void showProblems(const std::vector<std::string>& problems);

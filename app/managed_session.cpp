@@ -1,0 +1,62 @@
+#include "app/managed_session.h"
+
+#include "app/command_line.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace orvane::app {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How long a manager, which may be starting a whole show, is waited for.
+constexpr auto patience = 10s;
+
+} // namespace
+
+std::unique_ptr<ManagedSession> ManagedSession::join(const std::filesystem::path& program) {
+    const char* const url = std::getenv("NSM_URL");
+    if (url == nullptr || *url == '\0') return nullptr;
+    auto client = platform::SessionManagerClient::connect(url, program.filename().string(), patience);
+    if (client) return std::make_unique<ManagedSession>(std::move(client).value());
+    printMessage(client.error().description);
+    return nullptr;
+}
+
+ManagedSession::ManagedSession(std::unique_ptr<platform::SessionManagerClient> joined)
+    : client(std::move(joined)), sessionFile(client->session().path) {
+    sessionFile += ".orvane";
+    // Where this fails, so will saving, which says why.
+    std::error_code ignored;
+    std::filesystem::create_directories(sessionFile.parent_path(), ignored);
+}
+
+bool ManagedSession::isStored() const {
+    std::error_code unknown;
+    // What cannot be looked at is read, which says why not.
+    return std::filesystem::exists(sessionFile, unknown) || unknown;
+}
+
+void ManagedSession::refuse(const std::string& sentence) {
+    isRefused = true;
+    client->refuseOpen(platform::ManagerRefusal::badSession, sentence);
+}
+
+void ManagedSession::serve(ui::ORVANEApp& window) {
+    client->setOnSave([this, &window] {
+        window.saveTo(sessionFile, [this](const platform::Result<platform::Done>& saved) {
+            client->answerSave(saved);
+        });
+    });
+    if (!isRefused) client->confirmOpen();
+}
+
+void ManagedSession::tellChanges(const ui::ORVANEApp& window) {
+    client->setDirty(window.isUnsaved());
+}
+
+} // namespace orvane::app

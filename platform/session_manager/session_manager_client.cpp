@@ -1,0 +1,190 @@
+#include "platform/session_manager/session_manager_client.h"
+
+#include <fmt/format.h>
+#include <lo/lo.h>
+
+#include <unistd.h>
+
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace orvane::platform {
+
+namespace {
+
+constexpr const char* announcePath = "/nsm/server/announce";
+constexpr const char* openPath = "/nsm/client/open";
+constexpr const char* savePath = "/nsm/client/save";
+constexpr int protocolMajor = 1;
+constexpr int protocolMinor = 2;
+
+struct FreeAddress {
+    void operator()(lo_address address) const { lo_address_free(address); }
+};
+struct FreeServer {
+    void operator()(lo_server server) const { lo_server_free(server); }
+};
+using Address = std::unique_ptr<std::remove_pointer_t<lo_address>, FreeAddress>;
+using Server = std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer>;
+
+/// What liblo would print is told by the answers that do not come.
+void keepQuiet(int /*number*/, const char* /*message*/, const char* /*path*/) {}
+
+} // namespace
+
+/// The OSC port and what has been agreed on; methods stay at the place that liblo knows.
+class SessionManagerClient::Connection final {
+  public:
+    Connection(Address address, Server port) : manager(std::move(address)), server(std::move(port)) {
+        add<&Connection::onReply>("/reply", "ssss");
+        add<&Connection::onError>("/error", "sis");
+        add<&Connection::onOpen>(openPath, "sss");
+        add<&Connection::onSave>(savePath, "");
+    }
+
+    void announce(const std::string& executable) {
+        send(
+            announcePath, "sssiii", "ORVANE", ":dirty:", executable.c_str(), protocolMajor, protocolMinor,
+            static_cast<int>(::getpid())
+        );
+    }
+
+    /// Serves messages until there is a session or a refusal, or the time is over.
+    void waitForOpen(std::chrono::milliseconds patience) {
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        while (!session && !refusal) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            if (left.count() <= 0) return;
+            lo_server_recv_noblock(server.get(), static_cast<int>(left.count()));
+        }
+    }
+
+    void poll() {
+        while (lo_server_recv_noblock(server.get(), 0) > 0) {
+        }
+    }
+
+    void reply(const char* request, const char* text) { send("/reply", "ss", request, text); }
+
+    void refuse(const char* request, ManagerRefusal why, const char* text) {
+        send("/error", "sis", request, static_cast<int>(why), text);
+    }
+
+    void tellDirty(bool dirty) {
+        if (std::exchange(isDirty, dirty) == dirty) return;
+        send(dirty ? "/nsm/client/is_dirty" : "/nsm/client/is_clean", "");
+    }
+
+    std::optional<ManagedSession> session;
+    std::optional<std::string> refusal;
+    bool isAnnounced = false;
+    bool isOpen = false;
+    std::function<void()> save;
+
+  private:
+    template <void (Connection::*handle)(lo_arg**)>
+    void add(const char* path, const char* types) {
+        lo_server_add_method(
+            server.get(), path, types,
+            [](const char*, const char*, lo_arg** arguments, int, lo_message, void* self) {
+                (static_cast<Connection*>(self)->*handle)(arguments);
+                return 0;
+            },
+            this
+        );
+    }
+
+    template <class... Arguments>
+    void send(const char* path, const char* types, Arguments... arguments) {
+        lo_send_from(manager.get(), server.get(), LO_TT_IMMEDIATE, path, types, arguments...);
+    }
+
+    void onReply(lo_arg** arguments) {
+        if (std::string_view(&arguments[0]->s) == announcePath) isAnnounced = true;
+    }
+
+    void onError(lo_arg** arguments) {
+        if (!isAnnounced && std::string_view(&arguments[0]->s) == announcePath) refusal = &arguments[2]->s;
+    }
+
+    void onOpen(lo_arg** arguments) {
+        if (session)
+            return refuse(openPath, ManagerRefusal::notNow, "A session is open; ORVANE opens one at a time.");
+        const std::string_view path = &arguments[0]->s;
+        const std::string_view clientID = &arguments[2]->s;
+        if (path.empty() || clientID.empty())
+            return refuse(openPath, ManagerRefusal::general, "The session has no path or no client id.");
+        session = {.path = path, .displayName = &arguments[1]->s, .clientID = std::string(clientID)};
+    }
+
+    void onSave(lo_arg** /*arguments*/) {
+        if (isOpen && save) return save();
+        refuse(savePath, ManagerRefusal::noSessionOpen, "No session of the manager is open.");
+    }
+
+    Address manager;
+    Server server;
+    bool isDirty = false;
+};
+
+Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
+    const std::string& url, const std::string& executable, std::chrono::milliseconds patience
+) {
+    Address manager(lo_address_new_from_url(url.c_str()));
+    if (!manager || lo_address_get_protocol(manager.get()) != LO_UDP)
+        return Error{fmt::format("NSM_URL \"{}\" is not the address of a session manager.", url)};
+    Server server(lo_server_new_with_proto(nullptr, LO_UDP, keepQuiet));
+    if (!server) return Error{"There is no network port on which to hear the session manager."};
+    auto connection = std::make_unique<Connection>(std::move(manager), std::move(server));
+    connection->announce(executable);
+    connection->waitForOpen(patience);
+    if (connection->refusal)
+        return Error{fmt::format("The session manager at {} refuses ORVANE: {}", url, *connection->refusal)};
+    if (!connection->session)
+        return Error{fmt::format(
+            "The session manager at {} {}.", url,
+            connection->isAnnounced ? "has not said what to open" : "does not answer"
+        )};
+    return std::unique_ptr<SessionManagerClient>(new SessionManagerClient(std::move(connection)));
+}
+
+SessionManagerClient::SessionManagerClient(std::unique_ptr<Connection> established)
+    : connection(std::move(established)) {}
+
+SessionManagerClient::~SessionManagerClient() = default;
+
+const ManagedSession& SessionManagerClient::session() const {
+    return *connection->session;
+}
+
+void SessionManagerClient::confirmOpen() {
+    connection->isOpen = true;
+    connection->reply(openPath, "The session is open.");
+}
+
+void SessionManagerClient::refuseOpen(ManagerRefusal why, const std::string& sentence) {
+    connection->refuse(openPath, why, sentence.c_str());
+}
+
+void SessionManagerClient::setOnSave(std::function<void()> save) {
+    connection->save = std::move(save);
+}
+
+void SessionManagerClient::answerSave(const Result<Done>& saved) {
+    if (saved)
+        connection->reply(savePath, "The session is saved.");
+    else
+        connection->refuse(savePath, ManagerRefusal::general, saved.error().description.c_str());
+}
+
+void SessionManagerClient::setDirty(bool isDirty) {
+    connection->tellDirty(isDirty);
+}
+
+void SessionManagerClient::poll() {
+    connection->poll();
+}
+
+} // namespace orvane::platform
