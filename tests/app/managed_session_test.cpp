@@ -1,0 +1,111 @@
+#include "support/session_manager_peer.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using orvane::test::contentOf;
+using orvane::test::SessionManagerPeer;
+using orvane::test::TemporaryFolder;
+using testing::HasSubstr;
+
+class ManagedProgram : public testing::Test {
+  protected:
+    void start(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), ORVANE_PROGRAM);
+        std::vector<char*> words;
+        for (std::string& argument : arguments)
+            words.push_back(argument.data());
+        words.push_back(nullptr);
+        program = ::fork();
+        ASSERT_GE(program, 0);
+        if (program != 0) return;
+        ::setenv("NSM_URL", manager.url().c_str(), 1);
+        ::setenv("HOME", (folder / "home").c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+        ::setenv("ORVANE_DRIVERS", "virtual", 1);
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::execv(ORVANE_PROGRAM, words.data());
+        ::_exit(127);
+    }
+
+    void open() {
+        manager.say("/nsm/client/open", "sss", (folder / "show/ORVANE.nABC").c_str(), "Show", "ORVANE.nABC");
+    }
+
+    /// Waits for its end; -1 where it is killed.
+    int exitCode() {
+        int status = 0;
+        EXPECT_EQ(::waitpid(program, &status, 0), program);
+        program = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    void TearDown() override {
+        if (program <= 0) return;
+        ::kill(program, SIGKILL);
+        exitCode();
+    }
+
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder / "show/ORVANE.nABC.orvane";
+    SessionManagerPeer manager;
+    pid_t program = 0;
+};
+
+TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
+    start({"--channels", "8"});
+    ASSERT_TRUE(manager.welcomes());
+    EXPECT_THAT(manager.message(), HasSubstr("ORVANE :dirty: orvane 1 2 " + std::to_string(program)));
+    open();
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    EXPECT_FALSE(std::filesystem::exists(file));
+    manager.say("/nsm/client/session_is_loaded", "");
+    manager.say("/nsm/client/save", "");
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    EXPECT_THAT(contentOf(file), HasSubstr("\"channels\""));
+
+    std::filesystem::remove_all(file.parent_path());
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(manager.hears("/error /nsm/client/save -1 "));
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
+}
+
+TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
+    // Its audio cannot be made: it ends as soon as it tries to.
+    start({"--virtual-input", "none.wav"});
+    ASSERT_TRUE(manager.welcomes());
+    open();
+    EXPECT_TRUE(manager.hears("/error /nsm/client/open "));
+    EXPECT_THAT(manager.message(), HasSubstr("none.wav"));
+    EXPECT_EQ(exitCode(), 1);
+}
+
+TEST_F(ManagedProgram, LeavesASessionThatCannotBeReadAsItIs) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << "no session";
+    start({"--channels", "8"});
+    ASSERT_TRUE(manager.welcomes());
+    open();
+    ASSERT_TRUE(manager.hears("/error /nsm/client/open -9 "));
+    manager.say("/nsm/client/save", "");
+    ASSERT_TRUE(manager.hears("/error /nsm/client/save -6 "));
+    EXPECT_EQ(contentOf(file), "no session");
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
+}
+
+} // namespace

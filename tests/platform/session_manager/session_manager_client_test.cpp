@@ -1,0 +1,137 @@
+#include "platform/session_manager/session_manager_client.h"
+#include "support/session_manager_peer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace orvane::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using test::SessionManagerPeer;
+using test::waitFor;
+using testing::HasSubstr;
+
+using Client = std::unique_ptr<SessionManagerClient>;
+
+/// Connects while the test plays the manager.
+class Connecting final {
+  public:
+    explicit Connecting(const std::string& url, std::chrono::milliseconds patience = 60s)
+        : thread([this, url, patience] { made = SessionManagerClient::connect(url, "orvane", patience); }) {}
+
+    Result<Client>& result() {
+        if (thread.joinable()) thread.join();
+        return *made;
+    }
+
+    std::string failure() { return result() ? "connected" : result().error().description; }
+
+    ~Connecting() { result(); }
+
+  private:
+    std::optional<Result<Client>> made;
+    std::thread thread;
+};
+
+class ManagedClient : public testing::Test {
+  protected:
+    void SetUp() override {
+        Connecting connection(manager.url());
+        ASSERT_TRUE(manager.welcomes());
+        EXPECT_EQ(
+            manager.message(), "/nsm/server/announce ORVANE :dirty: orvane 1 2 " + std::to_string(::getpid())
+        );
+        // None of these is one of the protocol's messages.
+        manager.say("/nsm/client/open", "");
+        manager.say("/nsm/client/open", "iii", 1, 2, 3);
+        manager.say("/nsm/client/open", "sss", "", "Show", "");
+        EXPECT_TRUE(manager.hears("/error /nsm/client/open -1 "));
+        manager.say("/nsm/client/open", "sss", "/shows/one/ORVANE.nABC", "Show", "ORVANE.nABC");
+        auto& made = connection.result();
+        ASSERT_TRUE(made) << made.error().description;
+        client = std::move(made).value();
+    }
+
+    SessionManagerPeer manager;
+    Client client;
+};
+
+TEST_F(ManagedClient, AnswersWhatItIsAskedOnceItIsDone) {
+    EXPECT_EQ(client->session().path, "/shows/one/ORVANE.nABC");
+    EXPECT_EQ(client->session().displayName, "Show");
+    EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
+    client->confirmOpen();
+    EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
+
+    int asked = 0;
+    client->setOnSave([&] { ++asked; });
+    manager.say("/nsm/client/session_is_loaded", "");
+    manager.say("/nsm/client/save", "i", 5);
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(waitFor([&] {
+        client->poll();
+        return asked == 1;
+    }));
+    client->setDirty(false);
+    client->setDirty(true);
+    client->setDirty(true);
+    client->answerSave(Error{"The disk is full."});
+    client->setDirty(false);
+    client->answerSave(Done{});
+    for (const char* expected :
+         {"/nsm/client/is_dirty", "/error /nsm/client/save -1 The disk is full.", "/nsm/client/is_clean",
+          "/reply /nsm/client/save "})
+        EXPECT_TRUE(manager.hears(expected)) << expected;
+
+    manager.say("/nsm/client/open", "sss", "/shows/two/ORVANE.nDEF", "Other", "ORVANE.nDEF");
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(waitFor([&] {
+        client->poll();
+        return asked == 2;
+    }));
+    EXPECT_TRUE(manager.hears("/error /nsm/client/open -8 "));
+    EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
+}
+
+TEST_F(ManagedClient, SavesNothingOverASessionThatItCouldNotOpen) {
+    client->setOnSave([] { FAIL() << "the session's file would be lost"; });
+    client->refuseOpen(ManagerRefusal::badSession, "The file is damaged.");
+    EXPECT_TRUE(manager.hears("/error /nsm/client/open -9 The file is damaged."));
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(manager.hearsWhile("/error /nsm/client/save -6 ", [&] { client->poll(); }));
+}
+
+TEST(SessionManagerClient, TellsWhyItHasNoManager) {
+    SessionManagerPeer refusing;
+    Connecting refused(refusing.url());
+    ASSERT_TRUE(refusing.hears("/nsm/server/announce "));
+    refusing.say("/error", "sis", "/nsm/server/announce", -2, "Too new.");
+    EXPECT_THAT(refused.failure(), HasSubstr("refuses ORVANE: Too new."));
+
+    SessionManagerPeer idle;
+    Connecting idling(idle.url(), 3s);
+    ASSERT_TRUE(idle.welcomes());
+    EXPECT_THAT(idling.failure(), HasSubstr("has not said what to open"));
+
+    const SessionManagerPeer silent;
+    for (const auto& [url, says] :
+         {std::pair(silent.url(), "does not answer"),
+          {"nonsense", "\"nonsense\" is not the address"},
+          {"osc.tcp://127.0.0.1:9/", "is not the address"}}) {
+        Connecting connection(url, 1ms);
+        EXPECT_THAT(connection.failure(), HasSubstr(says));
+    }
+}
+
+} // namespace
+} // namespace orvane::platform

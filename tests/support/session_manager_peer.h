@@ -1,0 +1,95 @@
+#pragma once
+
+#include "support/wait_for.h"
+
+#include <lo/lo.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace orvane::test {
+
+/// A session manager on a loopback port, which says what a test has it say. Used by one thread.
+class SessionManagerPeer final {
+  public:
+    SessionManagerPeer() { lo_server_add_method(server.get(), nullptr, nullptr, keep, this); }
+    ~SessionManagerPeer() { lo_address_free(client); }
+    SessionManagerPeer(const SessionManagerPeer&) = delete;
+    SessionManagerPeer& operator=(const SessionManagerPeer&) = delete;
+
+    [[nodiscard]] std::string url() const {
+        std::string address = "osc.udp://127.0.0.1:";
+        address += std::to_string(lo_server_get_port(server.get()));
+        return address;
+    }
+
+    /// Waits for a message whose path and arguments begin like this, and takes all up to it from those that
+    /// came.
+    bool hears(const std::string& beginning) {
+        return hearsWhile(beginning, [] {});
+    }
+
+    /// The same for a client that has to be called again and again meanwhile.
+    template <class Task>
+    bool hearsWhile(const std::string& beginning, Task clientsTask) {
+        return waitFor([&] {
+            clientsTask();
+            while (lo_server_recv_noblock(server.get(), 0) > 0) {
+            }
+            const auto found = std::ranges::find_if(heard, [&](const std::string& message) {
+                return message.starts_with(beginning);
+            });
+            if (found == heard.end()) return false;
+            last = *found;
+            heard.erase(heard.begin(), found + 1);
+            return true;
+        });
+    }
+
+    /// What was heard last.
+    [[nodiscard]] const std::string& message() const { return last; }
+
+    /// Says something to the client that was heard last.
+    template <class... Arguments>
+    void say(const char* path, const char* types, Arguments... arguments) {
+        lo_send_from(client, server.get(), LO_TT_IMMEDIATE, path, types, arguments...);
+    }
+
+    /// Accepts the client that announces itself.
+    bool welcomes() {
+        if (!hears("/nsm/server/announce ")) return false;
+        say("/reply", "ssss", "/nsm/server/announce", "Welcome", "Peer", ":server-control:");
+        return true;
+    }
+
+  private:
+    static int
+    keep(const char* path, const char* types, lo_arg** values, int count, lo_message sent, void* self) {
+        auto& peer = *static_cast<SessionManagerPeer*>(self);
+        std::string text = path;
+        for (int index = 0; index < count; ++index) {
+            text += ' ';
+            text += types[index] == 's' ? std::string(&values[index]->s) : std::to_string(values[index]->i);
+        }
+        peer.heard.push_back(text);
+        lo_address_free(peer.client);
+        char* const url = lo_address_get_url(lo_message_get_source(sent));
+        peer.client = lo_address_new_from_url(url);
+        std::free(url);
+        return 0;
+    }
+
+    struct FreeServer {
+        void operator()(lo_server ended) const { lo_server_free(ended); }
+    };
+    std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer> server{lo_server_new(nullptr, nullptr)};
+    lo_address client = nullptr;
+    std::vector<std::string> heard;
+    std::string last;
+};
+
+} // namespace orvane::test
