@@ -35,8 +35,8 @@ using namespace std::chrono_literals;
 
 /// How often the audio threads' log lines are written and signals are looked for.
 constexpr auto housekeepingInterval = 50ms;
-/// How often a session manager is told whether there are changes to save.
-constexpr auto changesInterval = 1s;
+/// How often a session manager is told whether there are changes to save; to look asks each plugin its state.
+constexpr auto changesInterval = 2s;
 
 /// Qt ends a program that finds no display; it is to say so in a line of the program's own.
 void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {

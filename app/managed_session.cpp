@@ -48,8 +48,9 @@ void ManagedSession::refuse(const std::string& sentence) {
 
 void ManagedSession::serve(ui::ORVANEApp& window) {
     client->setOnSave([this, &window] {
-        window.saveTo(sessionFile, [this](const platform::Result<platform::Done>& saved) {
+        window.saveTo(sessionFile, [this, &window](const platform::Result<platform::Done>& saved) {
             client->answerSave(saved);
+            tellChanges(window);
         });
     });
     if (!isRefused) client->confirmOpen();

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace orvane::platform {
@@ -18,6 +19,10 @@ constexpr const char* openPath = "/nsm/client/open";
 constexpr const char* savePath = "/nsm/client/save";
 constexpr int protocolMajor = 1;
 constexpr int protocolMinor = 2;
+/// More than a manager sends at once, and few enough that nobody can hold up the main thread.
+constexpr int mostMessagesAPoll = 16;
+/// The one transport that managers use.
+constexpr std::string_view urlBeginning = "osc.udp://";
 
 struct FreeAddress {
     void operator()(lo_address address) const { lo_address_free(address); }
@@ -62,8 +67,8 @@ class SessionManagerClient::Connection final {
     }
 
     void poll() {
-        while (lo_server_recv_noblock(server.get(), 0) > 0) {
-        }
+        for (int served = 0; served < mostMessagesAPoll; ++served)
+            if (lo_server_recv_noblock(server.get(), 0) <= 0) return;
     }
 
     void reply(const char* request, const char* text) { send("/reply", "ss", request, text); }
@@ -116,7 +121,7 @@ class SessionManagerClient::Connection final {
         const std::string_view clientID = &arguments[2]->s;
         if (path.empty() || clientID.empty())
             return refuse(openPath, ManagerRefusal::general, "The session has no path or no client id.");
-        session = {.path = path, .displayName = &arguments[1]->s, .clientID = std::string(clientID)};
+        session = {.path = path, .clientID = std::string(clientID)};
     }
 
     void onSave(lo_arg** /*arguments*/) {
@@ -132,9 +137,9 @@ class SessionManagerClient::Connection final {
 Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
     const std::string& url, const std::string& executable, std::chrono::milliseconds patience
 ) {
-    Address manager(lo_address_new_from_url(url.c_str()));
-    if (!manager || lo_address_get_protocol(manager.get()) != LO_UDP)
-        return Error{fmt::format("NSM_URL \"{}\" is not the address of a session manager.", url)};
+    // liblo would print what it does not understand.
+    Address manager(url.starts_with(urlBeginning) ? lo_address_new_from_url(url.c_str()) : nullptr);
+    if (!manager) return Error{fmt::format("NSM_URL \"{}\" is not the address of a session manager.", url)};
     Server server(lo_server_new_with_proto(nullptr, LO_UDP, keepQuiet));
     if (!server) return Error{"There is no network port on which to hear the session manager."};
     auto connection = std::make_unique<Connection>(std::move(manager), std::move(server));

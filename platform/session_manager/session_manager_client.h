@@ -14,8 +14,6 @@ namespace orvane::platform {
 struct ManagedSession {
     /// The session's place in the manager's folder, to which the program adds its suffix.
     std::filesystem::path path;
-    /// What people call the session.
-    std::string displayName;
     /// The name that the program's audio clients are to have.
     std::string clientID;
 };

@@ -77,6 +77,20 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
     EXPECT_THAT(contentOf(file), HasSubstr("\"channels\""));
 
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
+
+    // Only from the file can it know how many strips there are.
+    const std::string stored = contentOf(file);
+    start({});
+    ASSERT_TRUE(manager.welcomes());
+    open();
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    std::filesystem::remove(file);
+    manager.say("/nsm/client/save", "");
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    EXPECT_EQ(contentOf(file), stored);
+
     std::filesystem::remove_all(file.parent_path());
     manager.say("/nsm/client/save", "");
     EXPECT_TRUE(manager.hears("/error /nsm/client/save -1 "));

@@ -68,7 +68,6 @@ class ManagedClient : public testing::Test {
 
 TEST_F(ManagedClient, AnswersWhatItIsAskedOnceItIsDone) {
     EXPECT_EQ(client->session().path, "/shows/one/ORVANE.nABC");
-    EXPECT_EQ(client->session().displayName, "Show");
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
     client->confirmOpen();
     EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
