@@ -5,11 +5,8 @@
 #include "platform/jack_audio/jack_library_call.h"
 
 #include <jack/jack.h>
-#include <jack/uuid.h>
 
 #include <atomic>
-#include <string>
-#include <vector>
 
 namespace orvane::platform {
 
@@ -31,10 +28,6 @@ class JackClient final {
         return true;
     }
 
-    /// Gives the client or one of its ports the name that connection programs show instead of its own, until
-    /// the client closes; nothing where the server keeps no such names. Only within a call of `use`.
-    void setPrettyName(jack_uuid_t subject, const std::string& prettyName);
-
     /// Ends the client's part in the server's cycles, also where the server is gone: no process callback is
     /// running when it returns and none comes after.
     void deactivate();
@@ -53,8 +46,6 @@ class JackClient final {
     JackEvents& events;
     jack_client_t* handle = nullptr;
     std::atomic<bool> gone = false;
-    /// Those that have a pretty name.
-    std::vector<jack_uuid_t> named;
 };
 
 } // namespace orvane::platform

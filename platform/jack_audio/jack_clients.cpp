@@ -3,12 +3,9 @@
 #include "platform/jack_audio/jack_client.h"
 #include "platform/jack_audio/jack_events.h"
 
-#include <jack/metadata.h>
-#include <jack/session.h>
 #include <pthread.h>
 
 #include <chrono>
-#include <optional>
 #include <thread>
 #include <utility>
 
@@ -36,14 +33,6 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     }
     for (auto waited = pause; !isGone.load() && waited < longestEnding; waited += pause)
         std::this_thread::sleep_for(pause);
-}
-
-/// Nothing where the server gives clients none.
-std::optional<jack_uuid_t> uuidOf(jack_client_t* handle) {
-    const std::unique_ptr<char, decltype(&jack_free)> text(jack_client_get_uuid(handle), jack_free);
-    jack_uuid_t uuid = JACK_UUID_EMPTY_INITIALIZER;
-    if (text == nullptr || jack_uuid_parse(text.get(), &uuid) != 0) return std::nullopt;
-    return uuid;
 }
 
 } // namespace
@@ -74,7 +63,6 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     jack_on_shutdown(client->handle, JackClient::markGone, client.get());
     // cppcheck-suppress danglingLifetime ; it takes itself out at its destruction
     opened.push_back(client.get());
-    if (const auto uuid = uuidOf(client->handle)) client->setPrettyName(*uuid, clientName);
     return client;
 }
 
@@ -88,20 +76,10 @@ JackClient::~JackClient() {
 
 void JackClient::close() {
     if (handle == nullptr) return;
-    // The server would remove them too, but tell of each to our notification thread, which has ended by then;
-    // from some tens on it would wait forever.
-    if (!isGone())
-        for (const jack_uuid_t subject : named)
-            jack_remove_properties(handle, subject);
     settle(handle, gone);
     jack_client_close(handle);
     handle = nullptr;
     gone.store(true);
-}
-
-void JackClient::setPrettyName(jack_uuid_t subject, const std::string& prettyName) {
-    if (jack_set_property(handle, subject, JACK_METADATA_PRETTY_NAME, prettyName.c_str(), "text/plain") == 0)
-        named.push_back(subject);
 }
 
 void JackClient::deactivate() {

@@ -2,7 +2,6 @@
 
 #include "support/wait_for.h"
 
-#include <jack/metadata.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -76,29 +75,6 @@ std::vector<std::vector<float>> JackPeer::exchange(std::size_t frameCount) {
     isExchanging.store(true);
     waitFor([this] { return !isExchanging.load(); });
     return recorded;
-}
-
-jack_uuid_t JackPeer::uuidOfClient(const std::string& other) const {
-    char* const text = jack_get_uuid_for_client_name(client, other.c_str());
-    jack_uuid_t uuid = JACK_UUID_EMPTY_INITIALIZER;
-    if (text != nullptr) jack_uuid_parse(text, &uuid);
-    jack_free(text);
-    return uuid;
-}
-
-jack_uuid_t JackPeer::uuidOfPort(const std::string& port) const {
-    jack_port_t* const found = jack_port_by_name(client, port.c_str());
-    return found == nullptr ? JACK_UUID_EMPTY_INITIALIZER : jack_port_uuid(found);
-}
-
-std::optional<std::string> JackPeer::prettyName(jack_uuid_t subject) {
-    char* value = nullptr;
-    char* type = nullptr;
-    if (jack_get_property(subject, JACK_METADATA_PRETTY_NAME, &value, &type) != 0) return std::nullopt;
-    std::string text(value);
-    jack_free(value);
-    jack_free(type);
-    return text;
 }
 
 bool JackPeer::setBufferSize(std::uint32_t frameCount) {

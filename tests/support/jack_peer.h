@@ -1,12 +1,10 @@
 #pragma once
 
 #include <jack/jack.h>
-#include <jack/uuid.h>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,11 +38,6 @@ class JackPeer final {
     std::vector<std::vector<float>> exchange(std::size_t frameCount);
 
     bool setBufferSize(std::uint32_t frameCount);
-
-    /// Of another client, or of a port of one ("client:port"); 0 where there is none.
-    [[nodiscard]] jack_uuid_t uuidOfClient(const std::string& other) const;
-    [[nodiscard]] jack_uuid_t uuidOfPort(const std::string& port) const;
-    [[nodiscard]] static std::optional<std::string> prettyName(jack_uuid_t subject);
 
   private:
     static int process(jack_nframes_t frameCount, void* self) noexcept;

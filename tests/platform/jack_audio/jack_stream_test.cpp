@@ -12,7 +12,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace {
@@ -113,27 +112,6 @@ TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
     EXPECT_TRUE(client.waitForCycles(3));
     EXPECT_EQ(client.inputCount.load(), 0U);
     EXPECT_TRUE(client.endGuard());
-}
-
-TEST(JackStream, NamesItsClientAndPortsForPeopleUntilItCloses) {
-    const JackTestServer server({.channelCount = 3});
-    Driver driver;
-    InvertingClient client;
-    client.mayAllocate = true;
-    const JackPeer other("other", 1);
-    const std::string name = uniqueJackName("ORVANE");
-    std::vector<jack_uuid_t> uuids;
-    // A user's servers share one store of names, and each that ends, of another test too, empties it.
-    EXPECT_TRUE(waitFor([&] {
-        const auto stream = driver.jack.open(uid, true, client);
-        if (!stream) return false;
-        uuids = {
-            other.uuidOfClient(name), other.uuidOfPort(name + ":in_3"), other.uuidOfPort(name + ":out_1")};
-        return JackPeer::prettyName(uuids[0]) == name && JackPeer::prettyName(uuids[1]) == "Input 3"
-               && JackPeer::prettyName(uuids[2]) == "Output 1";
-    }));
-    for (const jack_uuid_t uuid : uuids)
-        EXPECT_TRUE(waitFor([&] { return !JackPeer::prettyName(uuid); })) << uuid;
 }
 
 TEST(JackStream, GoesOnWhenTheBufferSizeChanges) {
