@@ -36,6 +36,11 @@ using Server = std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer>;
 /// What liblo would print is told by the answers that do not come.
 void keepQuiet(int /*number*/, const char* /*message*/, const char* /*path*/) {}
 
+/// Of a string. Arguments stand at multiples of four bytes, which is less than the union asks for.
+const char* text(const lo_arg* argument) {
+    return reinterpret_cast<const char*>(argument);
+}
+
 } // namespace
 
 /// The OSC port and what has been agreed on; methods stay at the place that liblo knows.
@@ -107,18 +112,19 @@ class SessionManagerClient::Connection final {
     }
 
     void onReply(lo_arg** arguments) {
-        if (std::string_view(&arguments[0]->s) == announcePath) isAnnounced = true;
+        if (std::string_view(text(arguments[0])) == announcePath) isAnnounced = true;
     }
 
     void onError(lo_arg** arguments) {
-        if (!isAnnounced && std::string_view(&arguments[0]->s) == announcePath) refusal = &arguments[2]->s;
+        if (!isAnnounced && std::string_view(text(arguments[0])) == announcePath)
+            refusal = text(arguments[2]);
     }
 
     void onOpen(lo_arg** arguments) {
         if (session)
             return refuse(openPath, ManagerRefusal::notNow, "A session is open; ORVANE opens one at a time.");
-        const std::string_view path = &arguments[0]->s;
-        const std::string_view clientID = &arguments[2]->s;
+        const std::string_view path = text(arguments[0]);
+        const std::string_view clientID = text(arguments[2]);
         if (path.empty() || clientID.empty())
             return refuse(openPath, ManagerRefusal::general, "The session has no path or no client id.");
         session = {.path = path, .clientID = std::string(clientID)};

@@ -5,7 +5,9 @@
 #include <lo/lo.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -73,7 +75,11 @@ class SessionManagerPeer final {
         std::string text = path;
         for (int index = 0; index < count; ++index) {
             text += ' ';
-            text += types[index] == 's' ? std::string(&values[index]->s) : std::to_string(values[index]->i);
+            // They stand at multiples of four bytes, which is less than the union asks for.
+            std::int32_t number = 0;
+            std::memcpy(&number, values[index], sizeof number);
+            text +=
+                types[index] == 's' ? reinterpret_cast<const char*>(values[index]) : std::to_string(number);
         }
         peer.heard.push_back(text);
         lo_address_free(peer.client);
