@@ -57,6 +57,12 @@ void LiveRehearsal::step(std::chrono::nanoseconds longestPause) {
     check();
 }
 
+void LiveRehearsal::clearDesk() {
+    last = "clear the desk";
+    person.clearDesk();
+    check();
+}
+
 void LiveRehearsal::check() {
     firstFault.require(
         stage.engine.state().isRunning.get(), "It has stopped by itself: {}",

@@ -28,6 +28,9 @@ class LiveRehearsal final {
     /// Does one operation and works on until up to `longestPause` have passed.
     void step(std::chrono::nanoseconds longestPause);
 
+    /// Empties all lists and slots while the audio goes on.
+    void clearDesk();
+
     /// What did not hold first, absent while all does.
     [[nodiscard]] const std::optional<std::string>& fault() const { return firstFault.first(); }
 

@@ -122,6 +122,7 @@ bool rehearseLive(const Options& options) {
     );
     soak::MemoryTrend memory;
     const auto report = [&] {
+        show.clearDesk();
         memory.read();
         print(fmt::format(
             "{:.0f} s, {} strips: {} operations, {} blocks, {} late cycles, load {:.3f}, priority {}, {:.1f} "

@@ -21,8 +21,8 @@ session::AUComponentIdentity Hands::component() const {
     return plugins::identityOf(choices.of(stage.effects.components));
 }
 
-RandomOperator::RandomOperator(Stage& workedOn, Choices& decisions, Manner manner)
-    : hands{workedOn, decisions} {
+RandomOperator::RandomOperator(Stage& workedOn, Choices& decisions, Manner mannerOfWork)
+    : manner(mannerOfWork), hands{workedOn, decisions} {
     for (const auto all :
          {stripOperations(), masterOperations(), sceneOperations(), pluginOperations(), machineOperations()})
         for (const Operation& operation : all)
@@ -45,13 +45,14 @@ std::string_view RandomOperator::act() {
 
 void RandomOperator::clearDesk() {
     engine::MixerEngine& engine = hands.engine();
-    const engine::Show fresh;
-    engine.applyDocument(
-        {.channels = session::settingsOf(session::makeDefaultStrips(hands.stage.shape.strips)),
-         .masterTargetDB = fresh.masterTargetDB,
-         .bufferSize = hands.stage.shape.bufferSize,
-         .masterOutputRouting = session::master_output::Stereo{0, 1}}
-    );
+    if (manner == Manner::careless) makeFreshMixer();
+    for (const session::ChannelStrip& strip : std::vector(hands.state().channelStrips.get()))
+        for (std::size_t slot = 0; slot < session::pluginSlotsPerChannel; ++slot)
+            engine.removePlugin(slot, strip.id);
+    while (!hands.state().snapshots.get().empty()) {
+        engine.selectSnapshot(0);
+        engine.deleteSnapshot();
+    }
     for (std::size_t i = 0; i < engine::SnapshotList::mostUndos; ++i) {
         engine.newSnapshot();
         engine.deleteSnapshot();
@@ -62,9 +63,20 @@ void RandomOperator::clearDesk() {
     hands.sessions.clear();
     hands.before.reset();
     hands.stage.effects.deliverAll();
+    hands.stage.settle();
+}
+
+void RandomOperator::makeFreshMixer() {
+    engine::MixerEngine& engine = hands.engine();
+    const engine::Show fresh;
+    engine.applyDocument(
+        {.channels = session::settingsOf(session::makeDefaultStrips(hands.stage.shape.strips)),
+         .masterTargetDB = fresh.masterTargetDB,
+         .bufferSize = hands.stage.shape.bufferSize,
+         .masterOutputRouting = session::master_output::Stereo{0, 1}}
+    );
     engine.resetRoutingOneToOne();
     engine.start();
-    hands.stage.settle();
 }
 
 const Operation& RandomOperator::next() const {

@@ -22,13 +22,13 @@ class RandomOperator final {
     };
 
     /// Both outlive the operator.
-    RandomOperator(Stage& workedOn, Choices& decisions, Manner manner = Manner::careless);
+    RandomOperator(Stage& workedOn, Choices& decisions, Manner mannerOfWork = Manner::careless);
 
     /// Does the next operation and returns its name.
     std::string_view act();
 
-    /// Ends the show: empties all lists and slots and leaves a fresh mixer, running where it can, so that no
-    /// more memory is in use than after any other show.
+    /// Ends the show: empties all lists and slots, so that no more memory is in use than after any other
+    /// show. A careless operator also leaves a fresh mixer, running where it can.
     void clearDesk();
 
     /// How many there have been.
@@ -36,7 +36,9 @@ class RandomOperator final {
 
   private:
     [[nodiscard]] const Operation& next() const;
+    void makeFreshMixer();
 
+    Manner manner;
     Hands hands;
     std::vector<const Operation*> repertoire;
     std::size_t done = 0;
