@@ -18,7 +18,7 @@ using orvane::test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-/// Any allocation on an audio thread ends it.
+/// Any allocation on an audio thread ends it; its wall clock leaps to and fro.
 const std::string program = ORVANE_GUARDED_CLI;
 const std::string cli = "ORVANE_DRIVERS=virtual " + program;
 const std::string panel = ORVANE_ASSETS "/demo/panel-8ch.flac";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -40,6 +41,8 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         std::atomic<int> rendersWithoutResources = 0;
         /// Called once, in the next render.
         std::function<void()> onRender;
+        /// How many of the next renders hang for 5 ms.
+        std::atomic<int> hangs = 0;
     };
 
     ScriptedAudioUnit(AudioUnitScript unitScript, Report& told)
@@ -73,6 +76,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
                 std::transform(samples, samples + frameCount, samples, [this](float x) { return x * gain; });
             }
             if (report.onRender) std::exchange(report.onRender, nullptr)();
+            if (report.hangs > 0) hang();
             report.rendersWithoutResources += wasReady && isReady ? 0 : 1;
             return platform::noErr;
         };
@@ -128,6 +132,13 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         std::string name;
         const std::set<std::uint32_t>& accepted;
     };
+
+    void hang() const {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
+        while (std::chrono::steady_clock::now() < end) {
+        }
+        --report.hangs;
+    }
 
     std::span<platform::AUAudioUnitBus* const> busses(platform::AUAudioUnitBus* const& bus) const {
         return {&bus, script.hasBusses ? 1U : 0U};
