@@ -32,7 +32,8 @@ class NativeEditor {
 
     /// How often `idle` is called in a second.
     static constexpr int idleRate = 30;
-    /// Brings editor and unit up to date with each other. False where the editor asks to be closed.
+    /// Brings editor and unit up to date with each other. False where the editor asks to be closed or
+    /// has failed.
     virtual bool idle() = 0;
 };
 

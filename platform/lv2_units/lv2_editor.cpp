@@ -1,5 +1,7 @@
 #include "platform/lv2_units/lv2_editor.h"
 
+#include "platform/lv2_units/log_category.h"
+#include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/shared_library.h"
 
 #include <fmt/format.h>
@@ -21,7 +23,9 @@ Result<std::unique_ptr<Lv2Editor>> Lv2Editor::open(EditedUnit unit, NativeEditor
         getDescriptor == nullptr ? nullptr : findDescriptor(description.uri, getDescriptor);
     if (found == nullptr) return Error{fmt::format("{} does not have it", description.libraryPath)};
     std::unique_ptr<Lv2Editor> editor(new Lv2Editor(std::move(unit), *found, parent));
-    if (!editor->instantiate()) return Error{"the plugin refuses to open it"};
+    editor->instantiate();
+    if (editor->hasFailed) return Error{"it failed"};
+    if (editor->handle == nullptr) return Error{"the plugin refuses to open it"};
     return editor;
 }
 
@@ -38,27 +42,43 @@ Lv2Editor::Lv2Editor(EditedUnit unit, const LV2UI_Descriptor& found, NativeEdito
 }
 
 Lv2Editor::~Lv2Editor() {
-    if (handle != nullptr && descriptor.cleanup != nullptr) descriptor.cleanup(handle);
+    if (handle != nullptr && descriptor.cleanup != nullptr)
+        callPlugin([this] { descriptor.cleanup(handle); });
     edited.messages.remove(*this);
 }
 
-bool Lv2Editor::instantiate() {
-    handle = descriptor.instantiate(
-        &descriptor, edited.description.uri.c_str(), edited.description.editor->bundlePath.c_str(), write,
-        this, &widget, features.list()
-    );
-    if (handle == nullptr) return false;
-    if (descriptor.extension_data != nullptr)
+template <class Call>
+void Lv2Editor::callEditor(const Call& call) {
+    if (!hasFailed) hasFailed = !callPlugin(call);
+}
+
+void Lv2Editor::instantiate() {
+    callEditor([this] {
+        handle = descriptor.instantiate(
+            &descriptor, edited.description.uri.c_str(), edited.description.editor->bundlePath.c_str(), write,
+            this, &widget, features.list()
+        );
+        if (handle == nullptr || descriptor.extension_data == nullptr) return;
         idleInterface =
             static_cast<const LV2UI_Idle_Interface*>(descriptor.extension_data(LV2_UI__idleInterface));
-    showControls();
-    return true;
+    });
+    if (handle != nullptr) showControls();
 }
 
 bool Lv2Editor::idle() {
     edited.messages.distribute();
     showControls();
-    return idleInterface == nullptr || idleInterface->idle == nullptr || idleInterface->idle(handle) == 0;
+    bool staysOpen = true;
+    callEditor([&] {
+        if (idleInterface != nullptr && idleInterface->idle != nullptr)
+            staysOpen = idleInterface->idle(handle) == 0;
+    });
+    if (!hasFailed) return staysOpen;
+    edited.services.log.post(
+        LogLevel::error, logCategory,
+        {"The editor of \"", edited.description.name, "\" failed; it is closed."}
+    );
+    return false;
 }
 
 /// What an editor has written itself is shown where the parameter has not taken it as it was.
@@ -71,7 +91,7 @@ void Lv2Editor::showControls() {
         const auto bits = std::bit_cast<std::uint32_t>(value);
         if (shown[port] == bits) continue;
         shown[port] = bits;
-        descriptor.port_event(handle, port, sizeof value, 0, &value);
+        callEditor([&] { descriptor.port_event(handle, port, sizeof value, 0, &value); });
     }
 }
 
@@ -98,10 +118,11 @@ void Lv2Editor::writeControl(std::uint32_t port, float value) {
 }
 
 void Lv2Editor::messageArrived(std::uint32_t port, const LV2_Atom& atom) {
-    if (descriptor.port_event != nullptr && handle != nullptr)
-        descriptor.port_event(
-            handle, port, static_cast<std::uint32_t>(sizeof atom + atom.size), eventTransfer, &atom
-        );
+    if (descriptor.port_event == nullptr || handle == nullptr) return;
+    callEditor([&] {
+        const auto size = static_cast<std::uint32_t>(sizeof atom + atom.size);
+        descriptor.port_event(handle, port, size, eventTransfer, &atom);
+    });
 }
 
 } // namespace orvane::platform::lv2_units

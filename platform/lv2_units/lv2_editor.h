@@ -46,7 +46,10 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
   private:
     Lv2Editor(EditedUnit unit, const LV2UI_Descriptor& found, NativeEditorParent& parent);
 
-    bool instantiate();
+    /// Calls into the editor, unless it has failed before.
+    template <class Call>
+    void callEditor(const Call& call);
+    void instantiate();
     void showControls();
     /// What the editor sends.
     static void write(
@@ -67,6 +70,8 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
     LV2UI_Handle handle = nullptr;
     LV2UI_Widget widget = nullptr;
     const LV2UI_Idle_Interface* idleInterface = nullptr;
+    /// An exception has come out of it: it is only closed.
+    bool hasFailed = false;
 };
 
 } // namespace orvane::platform::lv2_units

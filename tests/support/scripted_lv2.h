@@ -19,6 +19,9 @@ struct ScriptedEditorProbe {
     /// Asked for while it is opened, where it is not 0.
     int width = 0;
     bool wantsToClose = false;
+    /// Where it throws.
+    enum class Throw { nowhere, instantiate, extensionData, portEvent, idle, cleanup };
+    Throw throwsIn = Throw::nowhere;
 
     // Of the one that was opened last.
     LV2UI_Write_Function write = nullptr;

@@ -4,6 +4,7 @@
 #include <lv2/core/lv2.h>
 
 #include <cstring>
+#include <stdexcept>
 
 // The editor of the scripted plugin. It has no window; it writes down what it is told, and a test writes in
 // its name.
@@ -16,11 +17,16 @@ ScriptedEditorProbe& probe() {
     return orvaneScriptedLv2Probe()->editor;
 }
 
+void throwIf(ScriptedEditorProbe::Throw place) {
+    if (probe().throwsIn == place) throw std::runtime_error("as it was told to");
+}
+
 LV2UI_Handle instantiate(
     const LV2UI_Descriptor*, const char*, const char*, LV2UI_Write_Function write,
     LV2UI_Controller controller, LV2UI_Widget* widget, const LV2_Feature* const* features
 ) {
     ScriptedEditorProbe& told = probe();
+    throwIf(ScriptedEditorProbe::Throw::instantiate);
     if (told.refuses) return nullptr;
     ++told.openCount;
     told.write = write;
@@ -38,11 +44,13 @@ LV2UI_Handle instantiate(
 
 void cleanup(LV2UI_Handle) {
     probe().pluginsAtClose.push_back(orvaneScriptedLv2Probe()->pluginCount.load());
+    throwIf(ScriptedEditorProbe::Throw::cleanup);
 }
 
 void portEvent(
     LV2UI_Handle, std::uint32_t port, std::uint32_t size, std::uint32_t protocol, const void* buffer
 ) {
+    throwIf(ScriptedEditorProbe::Throw::portEvent);
     if (protocol == 0 && size == sizeof(float)) {
         probe().values.emplace_back(port, *static_cast<const float*>(buffer));
     } else if (size == sizeof(LV2_Atom) + sizeof(std::int32_t)) {
@@ -54,10 +62,12 @@ void portEvent(
 
 int idle(LV2UI_Handle) {
     ++probe().idleCalls;
+    throwIf(ScriptedEditorProbe::Throw::idle);
     return probe().wantsToClose ? 1 : 0;
 }
 
 const void* extensionData(const char* uri) {
+    throwIf(ScriptedEditorProbe::Throw::extensionData);
     static const LV2UI_Idle_Interface idling{idle};
     return std::strcmp(uri, LV2_UI__idleInterface) == 0 ? &idling : nullptr;
 }

@@ -152,6 +152,31 @@ TEST_F(Lv2EditorTest, IsToldOfItsWindowAndTellsOfItself) {
     EXPECT_FALSE(editor->idle());
 }
 
+TEST_F(Lv2EditorTest, IsClosedWithALineInTheLogWhereItThrows) {
+    using Throw = test::ScriptedEditorProbe::Throw;
+    load(usualEditor);
+    for (const Throw place : {Throw::instantiate, Throw::extensionData, Throw::portEvent}) {
+        probe().editor.throwsIn = place;
+        EXPECT_FALSE(open()) << static_cast<int>(place);
+        EXPECT_THAT(lines, ElementsAre("The editor of \"plain\" cannot be opened: it failed."));
+        lines.clear();
+    }
+    EXPECT_EQ(probe().editor.pluginsAtClose.size(), 2U) << "those that had begun";
+    for (const Throw place : {Throw::portEvent, Throw::idle, Throw::cleanup}) {
+        probe().editor.throwsIn = Throw::nowhere;
+        auto editor = open();
+        ASSERT_TRUE(editor);
+        probe().editor.throwsIn = place;
+        AUParameter& gain = parameter(*unit, "gain");
+        gain.setValue(gain.value() / 2.0F);
+        EXPECT_EQ(editor->idle(), place == Throw::cleanup);
+        editor.reset();
+        log.flush();
+        EXPECT_EQ(lines.size(), place == Throw::cleanup ? 0U : 1U);
+        lines.clear();
+    }
+}
+
 TEST_F(Lv2EditorTest, ShowsWhatChangesElsewhereAndSetsWhatItsUserChanges) {
     load(usualEditor);
     auto& values = probe().editor.values;
