@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, fuzz, bench,
-# package.
+# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, coverage, fuzz,
+# bench, package.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
 
 build=(cmake ninja-build g++ pkg-config libasound2-dev libjack-jackd2-dev libsndfile1-dev liblilv-dev lv2-dev
     liblo-dev libplist-dev nlohmann-json3-dev libfmt-dev libcli11-dev qt6-base-dev qt6-svg-dev libgl-dev libx11-dev)
-tests=(googletest libgtest-dev libgmock-dev jackd2 mda-lv2 x42-plugins
+tests=(googletest libgtest-dev libgmock-dev jackd2 pipewire pipewire-jack wireplumber mda-lv2 x42-plugins
     xvfb xauth x11-utils openbox xdotool fonts-dejavu-core)
 check=(clang-format)
 lint=(clang-tidy-16 cppcheck valgrind)
+coverage=(gcovr)
 fuzz=(clang-16 libclang-rt-16-dev)
 bench=(sox libsox-fmt-base ffmpeg time jackd2 mda-lv2)
 package=(dpkg-dev file binutils xz-utils lintian appstream desktop-file-utils mandoc debootstrap)
@@ -27,10 +28,11 @@ for group in "$@"; do
     tests) wanted+=("${tests[@]}") ;;
     check) wanted+=("${check[@]}") ;;
     lint) wanted+=("${lint[@]}") ;;
+    coverage) wanted+=("${coverage[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
     bench) wanted+=("${bench[@]}") ;;
     package) wanted+=("${package[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, fuzz, bench and package." ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, coverage, fuzz, bench and package." ;;
     esac
 done
 

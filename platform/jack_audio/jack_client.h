@@ -5,8 +5,10 @@
 #include "platform/jack_audio/jack_library_call.h"
 
 #include <jack/jack.h>
+#include <jack/uuid.h>
 
 #include <atomic>
+#include <string>
 
 namespace orvane::platform {
 
@@ -27,6 +29,12 @@ class JackClient final {
         call(handle);
         return true;
     }
+
+    /// Gives the client or one of its ports the name that connection programs show instead of its own, until
+    /// the client closes. Only where the server is PipeWire: jackd keeps these names in one store for all
+    /// servers and clients of a user, which they lock, and a program that was killed in there, or closed with
+    /// many names set, leaves the server waiting for good. Only within a call of `use`.
+    void setPrettyName(jack_uuid_t subject, const std::string& prettyName);
 
     /// Ends the client's part in the server's cycles, also where the server is gone: no process callback is
     /// running when it returns and none comes after.

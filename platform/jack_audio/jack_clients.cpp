@@ -3,9 +3,12 @@
 #include "platform/jack_audio/jack_client.h"
 #include "platform/jack_audio/jack_events.h"
 
+#include <jack/metadata.h>
+#include <jack/session.h>
 #include <pthread.h>
 
 #include <chrono>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -33,6 +36,19 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     }
     for (auto waited = pause; !isGone.load() && waited < longestEnding; waited += pause)
         std::this_thread::sleep_for(pause);
+}
+
+/// Whether libjack is PipeWire's.
+bool isPipeWire() {
+    return std::string_view(jack_get_version_string()).find("PipeWire") != std::string_view::npos;
+}
+
+/// Nothing where the server gives clients none.
+std::optional<jack_uuid_t> uuidOf(jack_client_t* handle) {
+    const std::unique_ptr<char, decltype(&jack_free)> text(jack_client_get_uuid(handle), jack_free);
+    jack_uuid_t uuid = JACK_UUID_EMPTY_INITIALIZER;
+    if (text == nullptr || jack_uuid_parse(text.get(), &uuid) != 0) return std::nullopt;
+    return uuid;
 }
 
 } // namespace
@@ -63,6 +79,7 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     jack_on_shutdown(client->handle, JackClient::markGone, client.get());
     // cppcheck-suppress danglingLifetime ; it takes itself out at its destruction
     opened.push_back(client.get());
+    if (const auto uuid = uuidOf(client->handle)) client->setPrettyName(*uuid, clientName);
     return client;
 }
 
@@ -80,6 +97,11 @@ void JackClient::close() {
     jack_client_close(handle);
     handle = nullptr;
     gone.store(true);
+}
+
+void JackClient::setPrettyName(jack_uuid_t subject, const std::string& prettyName) {
+    if (isPipeWire())
+        jack_set_property(handle, subject, JACK_METADATA_PRETTY_NAME, prettyName.c_str(), "text/plain");
 }
 
 void JackClient::deactivate() {

@@ -54,6 +54,9 @@ bool JackStream::prepare() {
                      && outputs.registerPorts(client, "out_", JackPortIsOutput)
                      && jack_set_process_callback(client, jackCallback<int, &JackStream::process>, this) == 0
                      && jack_set_xrun_callback(client, jackCallback<int, &JackStream::countXrun>, this) == 0;
+        if (!isPrepared) return;
+        inputs.namePorts(*jackClient, "Input");
+        outputs.namePorts(*jackClient, "Output");
     });
     return isPrepared;
 }
@@ -73,6 +76,12 @@ bool JackStream::Side<Sample>::registerPorts(
     return true;
 }
 
+template <class Sample>
+void JackStream::Side<Sample>::namePorts(JackClient& owner, const std::string& kind) const {
+    for (std::size_t channel = 0; channel < ports.size(); ++channel)
+        owner.setPrettyName(jack_port_uuid(ports[channel]), kind + ' ' + std::to_string(channel + 1));
+}
+
 OSStatus JackStream::start() {
     OSStatus status = kAudioHardwareBadDeviceError;
     jackClient->use([&](jack_client_t* client) { status = isRunning ? noErr : activate(client); });
@@ -85,7 +94,8 @@ OSStatus JackStream::start() {
 
 OSStatus JackStream::activate(jack_client_t* client) {
     xruns.store(0);
-    if (jack_activate(client) != 0) return kAudioHardwareUnspecifiedError;
+    // The server has gone and we have not been told yet.
+    if (jack_activate(client) != 0) return kAudioHardwareBadDeviceError;
     priority.store(jack_is_realtime(client) != 0 ? jack_client_real_time_priority(client) : 0);
     return connect(client) ? noErr : kAudioHardwareBadDeviceError;
 }

@@ -43,6 +43,8 @@ class JackStream final : public AudioStream {
         std::vector<std::span<Sample>> blocks;
 
         bool registerPorts(jack_client_t* client, const char* prefix, unsigned long direction);
+        /// "Input 1" and so on, where that is the `kind`.
+        void namePorts(JackClient& owner, const std::string& kind) const;
         ORVANE_REALTIME void takeBlocks(jack_nframes_t frameCount) noexcept;
     };
 

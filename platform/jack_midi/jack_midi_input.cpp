@@ -15,6 +15,7 @@ namespace orvane::platform {
 namespace {
 
 constexpr std::string_view clientRole = " MIDI";
+constexpr const char* prettyPortName = "MIDI input";
 
 } // namespace
 
@@ -36,6 +37,7 @@ bool JackMIDIInput::open() {
     bool isActive = false;
     client->use([&](jack_client_t* jack) {
         port = jack_port_register(jack, portName.c_str(), JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
+        if (port != nullptr) client->setPrettyName(jack_port_uuid(port), prettyPortName);
         isActive = port != nullptr
                    && jack_set_process_callback(jack, jackCallback<int, &JackMIDIInput::process>, this) == 0
                    && jack_activate(jack) == 0;

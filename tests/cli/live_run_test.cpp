@@ -15,8 +15,10 @@ namespace {
 using orvane::test::contentOf;
 using orvane::test::exitCodeOfShell;
 using orvane::test::TemporaryFolder;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 
 /// Any allocation on an audio thread ends it; its wall clock leaps to and fro.
 const std::string program = ORVANE_GUARDED_CLI;
@@ -50,6 +52,15 @@ TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
         contentOf(folder / "stderr"), MatchesRegex("(orvane-cli: This account [^\n]*\n)?orvane-cli: Ran for "
                                                    "[^\n]* xruns; load [^\n]* at most; [^\n]*\n")
     );
+}
+
+TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
+    const TemporaryFolder folder;
+    const std::string run = cli + " run --seconds 0.3 --channels 2 --meters text";
+    EXPECT_EQ(exitCodeOfShell(folder, run), 0);
+    EXPECT_THAT(contentOf(folder / "stdout"), AllOf(HasSubstr(" 2 "), Not(HasSubstr("\x1b["))));
+    EXPECT_EQ(exitCodeOfShell(folder, "script -qec '" + run + "' /dev/null"), 0);
+    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("\x1b[5A"));
 }
 
 TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {

@@ -54,6 +54,7 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
     };
     for (const Case& one :
          {Case{"--help", "render"}, Case{"--version", "orvane-cli "}, Case{"render --help", "--stems"},
+          Case{"plugins", "MDA Limiter"}, Case{"plugins --json", "\"name\": \"MDA Limiter\""},
           Case{
               std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
               "times real time"}}) {
