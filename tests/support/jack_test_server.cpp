@@ -1,10 +1,9 @@
 #include "support/jack_test_server.h"
 
 #include "platform/file_descriptor.h"
+#include "support/server_process.h"
 #include "support/wait_for.h"
 
-#include <fcntl.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -15,6 +14,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace orvane::test {
@@ -23,16 +23,6 @@ namespace {
 
 constexpr const char* nameVariable = "JACK_DEFAULT_SERVER";
 constexpr const char* clientTimeoutInMs = "3000";
-
-/// In the process that becomes the server: no standard streams, and no longer life than the test's.
-[[noreturn]] void becomeServer(const std::vector<char*>& arguments) {
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    const int nowhere = ::open("/dev/null", O_RDWR);
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        ::dup2(nowhere, stream);
-    ::execvp(arguments.front(), arguments.data());
-    ::_exit(EXIT_FAILURE);
-}
 
 std::string socketPath(const std::string& serverName) {
     return "/dev/shm/jack_" + serverName + "_" + std::to_string(::getuid()) + "_0";
@@ -104,13 +94,7 @@ void JackTestServer::launch() {
         words.end(), {"-d", "dummy", "-r", std::to_string(format.sampleRate), "-p",
                       std::to_string(format.period), "-C", channels, "-P", channels}
     );
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-
-    process = ::fork();
-    if (process == 0) becomeServer(arguments);
+    process = startServer(std::move(words));
 }
 
 bool JackTestServer::waitUntilReady() {
