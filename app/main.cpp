@@ -1,4 +1,5 @@
 #include "app/command_line.h"
+#include "app/desktop_services.h"
 #include "app/managed_session.h"
 #include "audio/insert_workers.h"
 #include "engine/session_files.h"
@@ -86,6 +87,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
     const machine::InterruptGuard interrupt;
     const machine::SaveSignal saveSignal;
     ui::PluginEditorWindows editorWindows;
+    app::DesktopServices desktop(mainThread, audioMachine.log);
     ui::ORVANEApp window(
         {.services =
              {.audioHardware = audioMachine.hardware(),
@@ -96,7 +98,8 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
               .applicationSupport = platform::applicationSupportDirectory(),
               .editorWindows = &editorWindows,
               .insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency())},
-         .preferences = preferences},
+         .preferences = preferences,
+         .onMixer = [&desktop](const engine::EngineState* mixer) { desktop.follow(mixer); }},
         std::move(line.launch)
     );
     const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {

@@ -10,6 +10,7 @@
 #include "machine/interrupt.h"
 #include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
+#include "platform/desktop_bus/sleep_inhibitor.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
 
@@ -97,6 +98,8 @@ class LiveRun final {
         if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
         if (message) printMessage(*message);
         printSentence(machine::realtimeAdvice());
+        platform::SleepInhibitor sleepInhibitor(loop, machine.log);
+        sleepInhibitor.setHeld(true);
         const auto toErrors =
             engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {
                 if (text && engine->state().isRunning.get()) printMessage(*text);

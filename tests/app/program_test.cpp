@@ -1,3 +1,4 @@
+#include "support/desktop_peer.h"
 #include "support/program.h"
 #include "support/wait_for.h"
 
@@ -57,6 +58,7 @@ TEST(Application, TellsWhyItDoesNotStart) {
 
 TEST(Application, MixesFromItsStartUntilItIsTold) {
     const TemporaryFolder folder;
+    orvane::test::DesktopPeer desktop;
     const std::string recording = (folder / "out.wav").string();
     const pid_t program = ::fork();
     ASSERT_GE(program, 0);
@@ -79,11 +81,16 @@ TEST(Application, MixesFromItsStartUntilItIsTold) {
             if (entry.is_regular_file() && entry.file_size(missing) > aSecondOfTheRecording) return true;
         return false;
     }));
+    EXPECT_TRUE(waitFor([&] {
+        desktop.serve();
+        return desktop.locks() == 1;
+    }));
     ::kill(program, SIGTERM);
     int status = 0;
     ASSERT_EQ(::waitpid(program, &status, 0), program);
     EXPECT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(desktop.locks(), 0U);
     EXPECT_TRUE(std::filesystem::exists(recording));
     EXPECT_THAT(contentOf(folder / "config/orvane/preferences"), HasSubstr("orvaneWindow="));
 }

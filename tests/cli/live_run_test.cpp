@@ -1,4 +1,5 @@
 #include "platform/sound_file_reader.h"
+#include "support/desktop_peer.h"
 #include "support/program.h"
 
 #include <fmt/format.h>
@@ -14,7 +15,9 @@ namespace {
 
 using orvane::test::contentOf;
 using orvane::test::exitCodeOfShell;
+using orvane::test::startServer;
 using orvane::test::TemporaryFolder;
+using orvane::test::waitFor;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -77,6 +80,20 @@ TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
     }
     EXPECT_EQ(exitCodeOfShell(folder, "(" + cli + " run --meters json; echo $? >&2) | head -n 1"), 0);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("nobody reads its meters any more.\n1\n"));
+}
+
+TEST(LiveRun, KeepsTheMachineAwake) {
+    orvane::test::DesktopPeer desktop;
+    const pid_t run = startServer({"env", "ORVANE_DRIVERS=virtual", program, "run", "--meters", "none"});
+    EXPECT_TRUE(waitFor([&] {
+        desktop.serve();
+        return desktop.locks() == 1;
+    }));
+    ::kill(run, SIGTERM);
+    int status = 0;
+    ASSERT_EQ(::waitpid(run, &status, 0), run);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(desktop.locks(), 0U);
 }
 
 TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {

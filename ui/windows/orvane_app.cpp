@@ -141,6 +141,7 @@ void ORVANEApp::showContent() {
         });
         content = root;
     }
+    if (parts.onMixer) parts.onMixer(root == nullptr ? nullptr : &root->engine().state());
     content->setMinimumSize(smallestContent);
     // A content that was there goes once its own doings are over.
     setCentralWidget(content);

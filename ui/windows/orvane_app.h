@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/engine_state.h"
 #include "engine/services.h"
 #include "platform/preferences.h"
 #include "platform/result.h"
@@ -25,6 +26,9 @@ class ORVANEApp final : public QMainWindow {
     struct Parts {
         engine::Services services;
         platform::Preferences& preferences;
+        /// Told of the mixer that a session begins with, before its audio runs, and of null where it has
+        /// ended.
+        std::function<void(const engine::EngineState*)> onMixer = {};
     };
 
     /// `options` are those of the first session.

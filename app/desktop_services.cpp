@@ -1,0 +1,31 @@
+#include "app/desktop_services.h"
+
+#include <utility>
+
+namespace orvane::app {
+
+DesktopServices::DesktopServices(platform::MainThread& thread, platform::SystemLog& log)
+    : mainThread(thread), sleepInhibitor(thread, log), notifier(thread, log) {}
+
+void DesktopServices::follow(const engine::EngineState* mixer) {
+    toRunning = {};
+    following.reset();
+    hasRun = false;
+    sleepInhibitor.setHeld(false);
+    if (mixer == nullptr) return;
+    following = std::make_shared<const bool>(true);
+    toRunning = mixer->isRunning.subscribe([this, mixer](bool isRunning) { hear(*mixer, isRunning); });
+}
+
+void DesktopServices::hear(const engine::EngineState& mixer, bool isRunning) {
+    sleepInhibitor.setHeld(isRunning);
+    if (!std::exchange(hasRun, isRunning) || isRunning) return;
+    // Where nobody has stopped it, the sentence that says why it did follows before anything else is done.
+    mainThread.post([this, &mixer, before = mixer.lastError.get(), followed = std::weak_ptr(following)] {
+        if (followed.expired() || mixer.isRunning.get()) return;
+        const auto& reason = mixer.lastError.get();
+        if (reason && reason != before) notifier.show("The mixer has stopped", *reason);
+    });
+}
+
+} // namespace orvane::app
