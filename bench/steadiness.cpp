@@ -174,6 +174,7 @@ void run(const Options& options) {
     BenchMixer mixer(stripCount, makeDriver, options.insertWorkers);
     mixer.engine.setBufferSize(options.frames);
     mixer.loadOnEveryStrip(options.plugin);
+    // NOLINTNEXTLINE(misc-const-correctness): its timers change it.
     RestlessOperator restless(mixer, options.plugin);
     mixer.start();
     int priority = 0;

@@ -182,7 +182,7 @@ class LiveRun final {
     }
 
     [[nodiscard]] MeterFrame frameAt(double seconds) {
-        audio::MeterModel& model = engine->meterModel();
+        const audio::MeterModel& model = engine->meterModel();
         MeterFrame frame{
             .seconds = seconds,
             .masterLevel = model.masterMeter.get(),

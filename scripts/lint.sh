@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Checks the code with clang-tidy and cppcheck. Needs the debug preset configured.
+# Checks the code with clang-tidy and cppcheck, as the debug preset compiles it.
 # Usage: scripts/lint.sh [FILE...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh build tests check lint
-[ -f build/debug/compile_commands.json ] || cmake --preset debug >/dev/null
+cmake --preset debug -DORVANE_BUILD_TESTS=ON -DORVANE_BUILD_BENCH=ON >/dev/null
 if [ $# -gt 0 ]; then
     files=("$@")
 else

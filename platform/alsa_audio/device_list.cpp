@@ -35,6 +35,7 @@ std::vector<AudioDriverDevice> DeviceList::devices() {
 
 std::vector<PcmListing> DeviceList::listings() const {
     std::vector<PcmListing> found;
+    found.reserve(givenNames.size());
     for (const std::string& name : givenNames)
         found.push_back({.pcmName = name, .title = name});
     if (!found.empty()) return found;
