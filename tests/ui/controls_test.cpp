@@ -1,4 +1,5 @@
 #include "ui/controls/console_button.h"
+#include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/qt_main_thread.h"
 
@@ -10,6 +11,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QToolTip>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <chrono>
@@ -34,6 +36,17 @@ void drag(QWidget& widget, QEvent::Type type, double y) {
 
 void press(QWidget& widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     QKeyEvent event(QEvent::KeyPress, key, modifiers);
+    QApplication::sendEvent(&widget, &event);
+}
+
+/// By so many notches, of which a touchpad sends parts.
+void turnWheel(QWidget& widget, double notches, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    const QPointF middle(widget.width() / 2.0, widget.height() / 2.0);
+    constexpr double angleOfANotch = 120.0;
+    const QPoint turned(0, static_cast<int>(notches * angleOfANotch));
+    QWheelEvent event(
+        middle, widget.mapToGlobal(middle), {}, turned, Qt::NoButton, modifiers, Qt::NoScrollPhase, false
+    );
     QApplication::sendEvent(&widget, &event);
 }
 
@@ -70,6 +83,15 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_GT(fader.value(), 1.01);
     press(fader, Qt::Key_Home);
     EXPECT_EQ(fader.value(), 2.0);
+    press(fader, Qt::Key_End);
+    EXPECT_EQ(fader.value(), 0.0);
+    turnWheel(fader, 2.0);
+    const double coarse = fader.value();
+    EXPECT_GT(coarse, 0.0);
+    turnWheel(fader, -1.0);
+    EXPECT_DOUBLE_EQ(fader.value(), coarse / 2.0);
+    turnWheel(fader, 1.0, Qt::ShiftModifier);
+    EXPECT_LT(fader.value(), coarse);
 
     QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&fader);
     EXPECT_EQ(told->role(), QAccessible::Slider);
@@ -77,6 +99,28 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_EQ(told->valueInterface()->maximumValue(), 2.0);
     told->valueInterface()->setCurrentValue(0.5);
     EXPECT_EQ(chosen.back(), 0.5);
+}
+
+TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {
+    std::vector<double> chosen;
+    const auto keep = [&chosen](double value) { chosen.push_back(value); };
+    ValueSlider whole("Count", {.lowest = 0.0, .highest = 10.0, .step = 1.0, .defaultValue = {}}, keep);
+    whole.resize(200, 24);
+    for (const auto& [notches, value] :
+         {std::pair(1.0, 1.0), {0.5, 1.0}, {0.5, 2.0}, {-3.0, 0.0}, {20.0, 10.0}}) {
+        turnWheel(whole, notches);
+        EXPECT_EQ(whole.value(), value) << notches;
+    }
+    drag(whole, QEvent::MouseButtonPress, 12.0);
+    EXPECT_EQ(whole.value(), 5.0);
+    drag(whole, QEvent::MouseMove, 12.0);
+    drag(whole, QEvent::MouseButtonRelease, 12.0);
+    press(whole, Qt::Key_Up);
+    EXPECT_EQ(whole.value(), 6.0);
+    QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&whole);
+    ASSERT_NE(told->valueInterface(), nullptr);
+    told->valueInterface()->setCurrentValue(told->valueInterface()->maximumValue());
+    EXPECT_EQ(chosen.back(), 10.0);
 }
 
 TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {

@@ -3,6 +3,7 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/hosted_unit.h"
 #include "support/wait_for.h"
+#include "ui/controls/menu_picker.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
 #include "ui/windows/parameter_row.h"
@@ -101,6 +102,25 @@ TEST_F(PluginEditor, SetsParametersAndShowsWhatChangesElsewhere) {
     auto& meter = find([](const Info& info) { return info.isReadOnly; });
     EXPECT_NE(row(meter).findChild<QProgressBar*>(), nullptr);
     EXPECT_TRUE(viewsIn<ValueSlider>(row(meter)).empty());
+}
+
+TEST_F(PluginEditor, OffersNamedValuesInAMenu) {
+    const auto distortion = instantiate(host, "MDA Bandisto").unit;
+    ASSERT_TRUE(distortion);
+    for (platform::AUParameter* listen : distortion->parameters()) {
+        if (listen->info().kind != Info::Kind::choice || listen->info().namedValues.size() != 4) continue;
+        ParameterRow choice(*listen);
+        auto& menu = *choice.findChild<MenuPicker*>();
+        EXPECT_EQ(menu.currentText(), "Out");
+        QTest::keyClick(&menu, Qt::Key_Up);
+        EXPECT_EQ(menu.currentText(), "High");
+        EXPECT_FLOAT_EQ(listen->value(), 0.66666666F);
+        listen->setValue(0.0F);
+        choice.refresh();
+        EXPECT_EQ(menu.currentText(), "Low");
+        return;
+    }
+    FAIL() << "no parameter offers named values";
 }
 
 TEST_F(PluginEditor, IsClosedByTheUserForGood) {
