@@ -55,7 +55,7 @@ void makeNamesDurable(const std::filesystem::path& folder) {
 } // namespace
 
 Result<AtomicFile> AtomicFile::open(const std::filesystem::path& target) {
-    const auto resolved = linkTarget(target);
+    auto resolved = linkTarget(target);
     if (!resolved) return resolved.error();
     const auto permissions = permissionsOf(resolved.value());
     if (!permissions) return permissions.error();
@@ -66,7 +66,8 @@ Result<AtomicFile> AtomicFile::open(const std::filesystem::path& target) {
     FileDescriptor opened(::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (!opened.isOpen()) return fileError(resolved.value(), cannotWrite, errno);
 
-    AtomicFile file(std::move(opened), std::move(temporary), resolved.value());
+    // Nothing that needs memory stands between the file and what removes it again.
+    AtomicFile file(std::move(opened), std::move(temporary), std::move(resolved).value());
     if (permissions.value() && ::fchmod(file.descriptor(), *permissions.value()) != 0)
         return fileError(file.target, cannotWrite, errno);
     return file;
@@ -88,9 +89,10 @@ AtomicFile::~AtomicFile() {
 
 Result<Done> AtomicFile::commit() {
     if (::fsync(file.number()) != 0) return fileError(target, cannotWrite, errno);
+    const std::filesystem::path folder = target.parent_path();
     if (::rename(temporary.c_str(), target.c_str()) != 0) return fileError(target, cannotWrite, errno);
     temporary.clear();
-    makeNamesDurable(target.parent_path());
+    makeNamesDurable(folder);
     return Done{};
 }
 

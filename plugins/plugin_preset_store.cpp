@@ -8,8 +8,6 @@
 #include "platform/base64.h"
 #include "platform/read_file.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <array>
 #include <span>
@@ -21,7 +19,6 @@ namespace orvane::plugins {
 
 namespace {
 
-using nlohmann::json;
 using session::AUComponentIdentity;
 using session::DocumentNode;
 
@@ -68,21 +65,27 @@ Entry readEntry(const DocumentNode& node) {
         .presets = node.required(key::presets).list(readPreset)};
 }
 
-json written(const NamedPreset& preset) {
-    json object;
-    object[session::key::id] = preset.id.toString();
-    object[session::key::name] = preset.name;
-    object[key::data] = platform::encodeBase64(preset.data);
-    return object;
+void write(session::JSONWriter& to, const NamedPreset& preset) {
+    to.beginObject();
+    to.key(key::data);
+    to.plainText(platform::encodeBase64(preset.data));
+    to.member(session::key::id, preset.id.toString());
+    to.member(session::key::name, preset.name);
+    to.endObject();
 }
 
-json written(const AUComponentIdentity& identity, const std::vector<NamedPreset>& presets) {
-    json object;
-    object[key::identity] = session::written(identity);
-    object[key::presets] = json::array();
+void write(
+    session::JSONWriter& to, const AUComponentIdentity& identity, const std::vector<NamedPreset>& presets
+) {
+    to.beginObject();
+    to.key(key::identity);
+    session::writeComponent(to, identity);
+    to.key(key::presets);
+    to.beginArray();
     for (const NamedPreset& preset : presets)
-        object[key::presets].push_back(written(preset));
-    return object;
+        write(to, preset);
+    to.endArray();
+    to.endObject();
 }
 
 /// Makes the file of an earlier version the store's own unless there is one.
@@ -137,11 +140,16 @@ void PluginPresetStore::load() {
 
 void PluginPresetStore::save() const {
     if (!fileURL) return;
-    json file;
-    file[key::entries] = json::array();
+    constexpr std::size_t onOneLine = 0;
+    session::JSONWriter writer(onOneLine);
+    writer.beginObject();
+    writer.key(key::entries);
+    writer.beginArray();
     for (const auto& [identity, presets] : presetsByComponent)
-        file[key::entries].push_back(written(identity, presets));
-    const std::string text = file.dump(-1, ' ', false, json::error_handler_t::replace);
+        write(writer, identity, presets);
+    writer.endArray();
+    writer.endObject();
+    const std::string& text = writer.text();
     // A larger file would not be read again.
     if (text.size() > session::maximumDocumentSize) return;
     (void)platform::writeFileAtomically(*fileURL, std::as_bytes(std::span(text)));

@@ -36,12 +36,12 @@ AUComponentIdentity readComponent(const DocumentNode& node) {
         .componentManufacturer = readComponentCode(node.required(key::componentManufacturer))};
 }
 
-nlohmann::json written(const AUComponentIdentity& component) {
-    nlohmann::json object;
-    object[key::componentType] = component.componentType;
-    object[key::componentSubType] = component.componentSubType;
-    object[key::componentManufacturer] = component.componentManufacturer;
-    return object;
+void writeComponent(JSONWriter& to, const AUComponentIdentity& component) {
+    to.beginObject();
+    to.member(key::componentManufacturer, std::int64_t{component.componentManufacturer});
+    to.member(key::componentSubType, std::int64_t{component.componentSubType});
+    to.member(key::componentType, std::int64_t{component.componentType});
+    to.endObject();
 }
 
 } // namespace orvane::session

@@ -2,9 +2,8 @@
 
 #include "engine/session/au_component_identity.h"
 #include "engine/session/document_node.h"
+#include "engine/session/json_writer.h"
 #include "platform/uuid.h"
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <vector>
@@ -19,6 +18,6 @@ platform::Uuid readUuid(const DocumentNode& node);
 std::vector<std::uint8_t> readBytes(const DocumentNode& node);
 
 AUComponentIdentity readComponent(const DocumentNode& node);
-nlohmann::json written(const AUComponentIdentity& component);
+void writeComponent(JSONWriter& to, const AUComponentIdentity& component);
 
 } // namespace orvane::session

@@ -3,12 +3,10 @@
 #include "engine/session/document_keys.h"
 #include "engine/session/document_limits.h"
 #include "engine/session/document_values.h"
+#include "engine/session/json_writer.h"
 #include "platform/base64.h"
 
-#include <nlohmann/json.hpp>
-
-#include <cmath>
-#include <optional>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -16,129 +14,140 @@ namespace orvane::session {
 
 namespace {
 
-using nlohmann::json;
+void write(JSONWriter& to, const PluginSlot& slot);
+void write(JSONWriter& to, const ChannelSettingsData& channel);
+void write(JSONWriter& to, const Snapshot& snapshot);
 
-json written(const ChannelSettingsData& channel);
-json written(const Snapshot& snapshot);
-
-json written(const PluginSlot& slot) {
-    json object;
-    object[key::id] = slot.id.toString();
-    if (slot.pluginName) object[key::pluginName] = *slot.pluginName;
-    if (slot.component) object[key::component] = written(*slot.component);
-    if (slot.presetData) object[key::presetData] = platform::encodeBase64(*slot.presetData);
-    object[key::bypassed] = slot.bypassed;
-    return object;
+void write(JSONWriter& to, bool truth) {
+    to.value(truth);
 }
 
-json written(output::None) {
-    json object;
-    object[key::none] = json::object();
-    return object;
+template <class Items>
+void writeList(JSONWriter& to, std::string_view key, const Items& items) {
+    to.key(key);
+    to.beginArray();
+    for (const auto& item : items)
+        write(to, item);
+    to.endArray();
 }
 
-json written(output::Mono mono) {
-    json object;
-    object[key::mono][key::channel] = mono.channel;
-    return object;
+void write(JSONWriter& to, const PluginSlot& slot) {
+    to.beginObject();
+    to.member(key::bypassed, slot.bypassed);
+    if (slot.component) {
+        to.key(key::component);
+        writeComponent(to, *slot.component);
+    }
+    to.member(key::id, slot.id.toString());
+    if (slot.pluginName) to.member(key::pluginName, *slot.pluginName);
+    if (slot.presetData) {
+        to.key(key::presetData);
+        to.plainText(platform::encodeBase64(*slot.presetData));
+    }
+    to.endObject();
 }
 
-json written(output::Stereo stereo) {
-    json object;
-    object[key::stereo][key::left] = stereo.left;
-    object[key::stereo][key::right] = stereo.right;
-    object[key::stereo][key::pan] = stereo.pan;
-    return object;
+void writeMembers(JSONWriter&, output::None) {}
+
+void writeMembers(JSONWriter& to, output::Mono mono) {
+    to.member(key::channel, mono.channel);
 }
 
-json written(master_output::Stereo stereo) {
-    json object;
-    object[key::stereo][key::left] = stereo.left;
-    object[key::stereo][key::right] = stereo.right;
-    return object;
+void writeMembers(JSONWriter& to, output::Stereo stereo) {
+    to.member(key::left, stereo.left);
+    to.member(key::pan, stereo.pan);
+    to.member(key::right, stereo.right);
+}
+
+void writeMembers(JSONWriter& to, master_output::Stereo stereo) {
+    to.member(key::left, stereo.left);
+    to.member(key::right, stereo.right);
+}
+
+std::string_view caseOf(output::None) {
+    return key::none;
+}
+std::string_view caseOf(output::Mono) {
+    return key::mono;
+}
+std::string_view caseOf(output::Stereo) {
+    return key::stereo;
+}
+std::string_view caseOf(master_output::Stereo) {
+    return key::stereo;
 }
 
 template <class... Cases>
-json written(const std::variant<Cases...>& routing) {
-    return std::visit([](const auto& chosen) { return written(chosen); }, routing);
+void writeRouting(JSONWriter& to, std::string_view key, const std::variant<Cases...>& routing) {
+    to.key(key);
+    to.beginObject();
+    std::visit(
+        [&to](const auto& chosen) {
+            to.key(caseOf(chosen));
+            to.beginObject();
+            writeMembers(to, chosen);
+            to.endObject();
+        },
+        routing
+    );
+    to.endObject();
 }
 
-template <class Item>
-json written(const std::vector<Item>& items) {
-    json array = json::array();
-    for (const Item& item : items)
-        array.push_back(written(item));
-    return array;
+void write(JSONWriter& to, const ChannelSettingsData& channel) {
+    to.beginObject();
+    to.member(key::bypassed, channel.bypassed);
+    to.member(key::genderMode, dsp::rawValue(channel.genderMode));
+    if (channel.inputChannelIndex) to.member(key::inputChannelIndex, *channel.inputChannelIndex);
+    to.member(key::muted, channel.muted);
+    to.member(key::name, channel.name);
+    writeRouting(to, key::outputRouting, channel.outputRouting);
+    writeList(to, key::pluginSlots, channel.pluginSlots);
+    to.member(key::trim, channel.trim);
+    to.member(key::vocalRole, dsp::rawValue(channel.vocalRole));
+    to.endObject();
 }
 
-json written(const ChannelSettingsData& channel) {
-    json object;
-    object[key::name] = channel.name;
-    if (channel.inputChannelIndex) object[key::inputChannelIndex] = *channel.inputChannelIndex;
-    object[key::outputRouting] = written(channel.outputRouting);
-    object[key::genderMode] = dsp::rawValue(channel.genderMode);
-    object[key::muted] = channel.muted;
-    object[key::bypassed] = channel.bypassed;
-    object[key::trim] = channel.trim;
-    object[key::vocalRole] = dsp::rawValue(channel.vocalRole);
-    object[key::pluginSlots] = written(channel.pluginSlots);
-    return object;
+void write(JSONWriter& to, const Snapshot& snapshot) {
+    to.beginObject();
+    to.member(key::backingGroupGainDB, snapshot.backingGroupGainDB);
+    writeList(to, key::channels, snapshot.channels);
+    to.member(key::id, snapshot.id.toString());
+    to.member(key::leadGroupGainDB, snapshot.leadGroupGainDB);
+    to.member(key::masterTargetDB, snapshot.masterTargetDB);
+    if (snapshot.midiTrigger) {
+        to.key(key::midiTrigger);
+        to.beginObject();
+        to.member(key::channel, snapshot.midiTrigger->channel);
+        to.member(key::note, snapshot.midiTrigger->note);
+        to.endObject();
+    }
+    to.member(key::name, snapshot.name);
+    to.endObject();
 }
 
-json written(const MIDITrigger& trigger) {
-    json object;
-    object[key::channel] = trigger.channel;
-    object[key::note] = trigger.note;
-    return object;
-}
-
-json written(const Snapshot& snapshot) {
-    json object;
-    object[key::id] = snapshot.id.toString();
-    object[key::name] = snapshot.name;
-    object[key::channels] = written(snapshot.channels);
-    object[key::masterTargetDB] = snapshot.masterTargetDB;
-    object[key::leadGroupGainDB] = snapshot.leadGroupGainDB;
-    object[key::backingGroupGainDB] = snapshot.backingGroupGainDB;
-    if (snapshot.midiTrigger) object[key::midiTrigger] = written(*snapshot.midiTrigger);
-    return object;
-}
-
-json written(const MixerDocumentData& data) {
-    json object;
-    object[key::channels] = written(data.channels);
-    object[key::masterTargetDB] = data.masterTargetDB;
-    object[key::bufferSize] = data.bufferSize;
-    object[key::snapshots] = written(data.snapshots);
-    object[key::masterOutputRouting] = written(data.masterOutputRouting);
-    object[key::leadGroupGainDB] = data.leadGroupGainDB;
-    object[key::backingGroupGainDB] = data.backingGroupGainDB;
-    object[key::pluginSlotRecallSafe] = data.pluginSlotRecallSafe;
-    object[key::referenceNoiseGain] = data.referenceNoiseGain;
-    object[key::duckerReleaseMs] = data.duckerReleaseMs;
-    return object;
-}
-
-/// The path within `value` of a number that JSON has no form for; nothing where all are finite.
-std::optional<std::string> pathOfNonFinite(const json& value) {
-    if (value.is_number_float() && !std::isfinite(value.get<double>())) return std::string();
-    for (std::size_t index = 0; value.is_array() && index < value.size(); ++index)
-        if (const auto rest = pathOfNonFinite(value[index])) return '[' + std::to_string(index) + ']' + *rest;
-    if (!value.is_object()) return std::nullopt;
-    for (const auto& [word, member] : value.items())
-        if (const auto rest = pathOfNonFinite(member)) return '.' + word + *rest;
-    return std::nullopt;
+void write(JSONWriter& to, const MixerDocumentData& data) {
+    to.beginObject();
+    to.member(key::backingGroupGainDB, data.backingGroupGainDB);
+    to.member(key::bufferSize, data.bufferSize);
+    writeList(to, key::channels, data.channels);
+    to.member(key::duckerReleaseMs, data.duckerReleaseMs);
+    to.member(key::leadGroupGainDB, data.leadGroupGainDB);
+    writeRouting(to, key::masterOutputRouting, data.masterOutputRouting);
+    to.member(key::masterTargetDB, data.masterTargetDB);
+    writeList(to, key::pluginSlotRecallSafe, data.pluginSlotRecallSafe);
+    to.member(key::referenceNoiseGain, data.referenceNoiseGain);
+    writeList(to, key::snapshots, data.snapshots);
+    to.endObject();
 }
 
 } // namespace
 
 platform::Result<std::string> encodeMixerDocument(const MixerDocumentData& data) {
-    const json document = written(data);
-    if (const auto path = pathOfNonFinite(document))
-        return platform::Error{path->substr(1) + " is not a finite number."};
-    std::string text = document.dump(indentWidth, ' ', false, json::error_handler_t::replace);
-    if (text.size() > maximumDocumentSize) return platform::Error{std::string(documentTooLarge)};
-    return text;
+    JSONWriter writer(indentWidth);
+    write(writer, data);
+    if (const auto& path = writer.nonFinite()) return platform::Error{*path + " is not a finite number."};
+    if (writer.text().size() > maximumDocumentSize) return platform::Error{std::string(documentTooLarge)};
+    return std::move(writer.text());
 }
 
 } // namespace orvane::session

@@ -1,5 +1,7 @@
+#include "engine/session_files.h"
 #include "insert_plugins_fixture.h"
 #include "support/failing_allocation.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -173,6 +175,27 @@ TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
         "There is not enough memory to recall the scene; the mixer is as it was."
     );
     EXPECT_EQ(engine->state().masterTargetDB.get(), -20.0);
+}
+
+TEST_F(MemoryShortage, SavesASessionOrLeavesTheFileAlone) {
+    makeMixAndScene();
+    const session::MixerDocumentData document = engine->makeDocumentData();
+    const test::TemporaryFolder folder;
+    const auto path = folder.add("show.orvane", "the last one");
+    std::optional<platform::Result<platform::Done>> saved;
+    failAtEachAllocation(
+        [&] { saved.emplace(engine::exportSession(document, path)); },
+        [&](std::size_t) {
+            ASSERT_FALSE(*saved);
+            EXPECT_EQ(
+                saved->error().description, "Export failed: there is not enough memory to write the session."
+            );
+            EXPECT_EQ(test::contentOf(path), "the last one");
+            EXPECT_EQ(folder.names().size(), 1U);
+        }
+    );
+    ASSERT_TRUE(*saved);
+    EXPECT_EQ(engine::readSession(path).value(), document);
 }
 
 } // namespace
