@@ -87,7 +87,7 @@ class SessionManagerClient::Connection final {
         send(dirty ? "/nsm/client/is_dirty" : "/nsm/client/is_clean", "");
     }
 
-    std::optional<ManagedSession> session;
+    std::optional<SessionPlace> session;
     std::optional<std::string> refusal;
     bool isAnnounced = false;
     bool isOpen = false;
@@ -166,7 +166,7 @@ SessionManagerClient::SessionManagerClient(std::unique_ptr<Connection> establish
 
 SessionManagerClient::~SessionManagerClient() = default;
 
-const ManagedSession& SessionManagerClient::session() const {
+const SessionPlace& SessionManagerClient::session() const {
     return *connection->session;
 }
 

@@ -11,7 +11,7 @@
 namespace orvane::platform {
 
 /// What a session manager asks a program to open.
-struct ManagedSession {
+struct SessionPlace {
     /// The session's place in the manager's folder, to which the program adds its suffix.
     std::filesystem::path path;
     /// The name that the program's audio clients are to have.
@@ -37,7 +37,7 @@ class SessionManagerClient final {
     SessionManagerClient& operator=(const SessionManagerClient&) = delete;
 
     /// What is to be opened.
-    [[nodiscard]] const ManagedSession& session() const;
+    [[nodiscard]] const SessionPlace& session() const;
 
     /// Answers that the session is open.
     void confirmOpen();

@@ -1,5 +1,8 @@
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
 #include "support/session_manager_peer.h"
 #include "support/temporary_folder.h"
+#include "support/wait_for.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +25,7 @@ using testing::HasSubstr;
 
 class ManagedProgram : public testing::Test {
   protected:
-    void start(std::vector<std::string> arguments) {
+    void start(std::vector<std::string> arguments, const char* drivers = "virtual") {
         arguments.insert(arguments.begin(), ORVANE_PROGRAM);
         std::vector<char*> words;
         for (std::string& argument : arguments)
@@ -35,7 +38,7 @@ class ManagedProgram : public testing::Test {
         ::setenv("HOME", (folder / "home").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
         ::setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
-        ::setenv("ORVANE_DRIVERS", "virtual", 1);
+        ::setenv("ORVANE_DRIVERS", drivers, 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::execv(ORVANE_PROGRAM, words.data());
         ::_exit(127);
@@ -106,6 +109,18 @@ TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
     EXPECT_TRUE(manager.hears("/error /nsm/client/open "));
     EXPECT_THAT(manager.message(), HasSubstr("none.wav"));
     EXPECT_EQ(exitCode(), 1);
+}
+
+TEST_F(ManagedProgram, GivesItsAudioClientTheNameThatItIsTold) {
+    const orvane::test::JackTestServer server({});
+    start({"--channels", "2", "--start", "--device", "jack:system"}, "jack");
+    ASSERT_TRUE(manager.welcomes());
+    open();
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    orvane::test::JackPeer peer("peer", 2);
+    EXPECT_TRUE(orvane::test::waitFor([&] { return peer.connectTo("ORVANE.nABC"); }));
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
 }
 
 TEST_F(ManagedProgram, LeavesASessionThatCannotBeReadAsItIs) {
