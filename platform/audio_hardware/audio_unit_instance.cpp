@@ -135,7 +135,7 @@ OSStatus AudioUnitInstance::renderInput(std::uint32_t bus, std::uint32_t frameCo
     if (frameCount > maximumFrames) return kAudioUnitErr_TooManyFramesToProcess;
     if (frameCount != capturedFrames) return kAudioUnitErr_CannotDoInCurrentContext;
     for (std::size_t channel = 0; channel < buffers.mBuffers.size(); ++channel) {
-        AudioBuffer& buffer = buffers.mBuffers[channel];
+        const AudioBuffer& buffer = buffers.mBuffers[channel];
         if (buffer.mData == nullptr || buffer.mDataByteSize < frameCount * sizeof(float))
             return kAudioUnitErr_InvalidParameter;
         const std::span<float> samples(static_cast<float*>(buffer.mData), frameCount);
