@@ -198,7 +198,7 @@ void BlockInvariants::checkSums(const dsp::AutomixProcessor& automix, Outputs ou
 }
 
 void BlockInvariants::checkMeters() {
-    audio::MeterModel& meters = stage.engine.meterModel();
+    const audio::MeterModel& meters = stage.engine.meterModel();
     const double load = meters.cpuLoad.get();
     fault.require(load >= 0.0 && load <= 1.0, "The load is {}", load);
     if (!run) {

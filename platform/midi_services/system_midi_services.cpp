@@ -36,6 +36,7 @@ MIDIServices::NewObject SystemMIDIServices::MIDIInputPortCreateWithBlock(
 std::size_t SystemMIDIServices::MIDIGetNumberOfSources() {
     const std::scoped_lock lock(mutex);
     std::vector<std::vector<MIDIDriverSource>> listed;
+    listed.reserve(drivers.size());
     for (const auto& driver : drivers)
         listed.push_back(driver->sources());
     registry.update(listed);
