@@ -69,7 +69,7 @@ void LiveRehearsal::check() {
         stage.engine.state().lastError.get().value_or("")
     );
     firstFault.require(badBlocks == 0, "{} blocks held what is no number", badBlocks.load());
-    audio::MeterModel& meters = stage.engine.meterModel();
+    const audio::MeterModel& meters = stage.engine.meterModel();
     const double load = meters.cpuLoad.get();
     firstFault.require(load >= 0.0 && load <= 1.0, "The load is {}", load);
     const auto isLevel = [](double level) { return std::isfinite(level) && level >= 0.0; };

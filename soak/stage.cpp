@@ -69,7 +69,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> Stage::makeDrivers() {
     for (std::size_t i = 0; i < described.size(); ++i) {
         platform::VirtualDevice& device = described[i];
         if (device.description.uid == bellUID) continue;
-        StageDevice& made = devices.emplace_back(StageDevice{
+        const StageDevice& made = devices.emplace_back(StageDevice{
             .uid = device.description.uid,
             .voices = std::make_shared<Voices>(
                 device.description.inputChannelCount, shape.seed + static_cast<std::uint32_t>(i)

@@ -108,7 +108,8 @@ class SessionManagerClient::Connection final {
 
     template <class... Arguments>
     void send(const char* path, const char* types, Arguments... arguments) {
-        lo_send_from(manager.get(), server.get(), LO_TT_IMMEDIATE, path, types, arguments...);
+        constexpr lo_timetag immediately{0, 1};
+        lo_send_from(manager.get(), server.get(), immediately, path, types, arguments...);
     }
 
     void onReply(lo_arg** arguments) {

@@ -58,7 +58,8 @@ class SessionManagerPeer final {
     /// Says something to the client that was heard last.
     template <class... Arguments>
     void say(const char* path, const char* types, Arguments... arguments) {
-        lo_send_from(client, server.get(), LO_TT_IMMEDIATE, path, types, arguments...);
+        constexpr lo_timetag immediately{0, 1};
+        lo_send_from(client, server.get(), immediately, path, types, arguments...);
     }
 
     /// Accepts the client that announces itself.
