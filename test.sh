@@ -22,7 +22,6 @@ if [ "${1:-}" = --sanitize ]; then
 fi
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-halt_on_error=1:detect_leaks=1:strict_string_checks=1}
-export LSAN_OPTIONS=${LSAN_OPTIONS:-print_suppressions=0:suppressions=$PWD/tests/support/lsan.supp}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
 export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:suppressions=$PWD/tests/support/tsan.supp}
 
