@@ -287,7 +287,7 @@ bool ChannelStripView::eventFilter(QObject* receiver, QEvent* event) {
 
 void ChannelStripView::showRouting() {
     const auto& device = engine.state().selectedDevice.get();
-    ShownRouting now{
+    const ShownRouting now{
         .inputs = device ? device->inputChannelCount : 0,
         .outputs = device ? device->outputChannelCount : 0,
         .input = strip().inputChannelIndex,

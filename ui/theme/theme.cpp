@@ -10,6 +10,7 @@
 #include <QStyleFactory>
 
 // A library's resources are there only once they are asked for, and by a function outside of namespaces.
+// NOLINTNEXTLINE(misc-use-anonymous-namespace)
 static void addAssets() {
     Q_INIT_RESOURCE(assets);
 }
