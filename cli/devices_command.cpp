@@ -23,7 +23,7 @@ struct DevicesOptions {
     bool asJSON = false;
 };
 
-void printTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+void printDeviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
     fmt::print("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
     for (const audio::AudioDeviceInfo& device : devices)
         fmt::print(
@@ -36,7 +36,7 @@ void printTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority
         fmt::print("Audio threads of ALSA and virtual devices get no real-time priority here.\n");
 }
 
-void printJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+void printDevicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
     nlohmann::json document = {{"realtimePriority", priority}, {"devices", nlohmann::json::array()}};
     for (const audio::AudioDeviceInfo& device : devices)
         document["devices"].push_back(
@@ -66,7 +66,7 @@ int listDevices(const DevicesOptions& options) {
         printMessage(*error);
         return 1;
     }
-    const auto print = options.asJSON ? printJSON : printTable;
+    const auto print = options.asJSON ? printDevicesAsJSON : printDeviceTable;
     print(engine.state().availableDevices.get(), platform::obtainableRealtimePriority());
     return 0;
 }

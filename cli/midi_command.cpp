@@ -28,13 +28,13 @@ struct MIDIOptions {
     double seconds = defaultSeconds;
 };
 
-void printTable(const Sources& sources) {
+void printSourceTable(const Sources& sources) {
     fmt::print("{:>11}  {}\n", "id", "name");
     for (const midi::MIDIDeviceInfo& source : sources)
         fmt::print("{:>11}  {}\n", source.id, source.name);
 }
 
-void printJSON(const Sources& sources) {
+void printSourcesAsJSON(const Sources& sources) {
     nlohmann::json document = {{"sources", nlohmann::json::array()}};
     for (const midi::MIDIDeviceInfo& source : sources)
         document["sources"].push_back({{"id", source.id}, {"name", source.name}});
@@ -53,7 +53,7 @@ int listSources(const MIDIOptions& options) {
     const engine::MixerEngine engine(
         0, {services.hardware(), services.midi(), loop, services.audioUnits(), services.log}
     );
-    const auto print = options.asJSON ? printJSON : printTable;
+    const auto print = options.asJSON ? printSourcesAsJSON : printSourceTable;
     print(engine.state().availableMIDIDevices.get());
     return 0;
 }

@@ -17,13 +17,13 @@ namespace {
 
 using Components = std::vector<platform::AVAudioUnitComponent>;
 
-void printTable(const Components& components) {
+void printComponentTable(const Components& components) {
     fmt::print("{:<36} {}\n", "maker", "name");
     for (const platform::AVAudioUnitComponent& component : components)
         fmt::print("{:<36} {}\n", component.manufacturerName, component.name);
 }
 
-void printJSON(const Components& components) {
+void printComponentsAsJSON(const Components& components) {
     nlohmann::json document = {{"plugins", nlohmann::json::array()}};
     for (const platform::AVAudioUnitComponent& component : components) {
         const session::AUComponentIdentity identity = plugins::identityOf(component);
@@ -44,7 +44,7 @@ int listPlugins(bool asJSON) {
     platform::Lv2UnitHost host(log);
     const Components components = plugins::availableInsertComponents(host);
     log.flush();
-    const auto print = asJSON ? printJSON : printTable;
+    const auto print = asJSON ? printComponentsAsJSON : printComponentTable;
     print(components);
     return 0;
 }
