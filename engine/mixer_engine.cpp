@@ -82,6 +82,8 @@ void MixerEngine::startOrThrow() {
         published.lastError.set("No audio device selected.");
         return;
     }
+    if (devicesMayHaveChanged) refreshDevices();
+    devicesMayHaveChanged = true;
     const bool masterWasReset = validateMasterOutputRouting();
     RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
     const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
@@ -96,6 +98,7 @@ void MixerEngine::startOrThrow() {
         return;
     }
     running = std::move(started).value();
+    devicesMayHaveChanged = false;
     std::string warnings;
     append(warnings, running->mainWarning());
     if (masterWasReset) append(warnings, masterResetWarning);
@@ -136,6 +139,16 @@ void MixerEngine::refreshDevices() {
         return device.inputChannelCount < 1 && device.outputChannelCount < 1;
     });
     published.availableDevices.set(std::move(devices).value());
+    updateChosenDevices();
+}
+
+void MixerEngine::updateChosenDevices() {
+    for (const AudioDeviceInfo& device : published.availableDevices.get())
+        for (auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice}) {
+            const std::optional<AudioDeviceInfo>& known = chosen->get();
+            if (known && known->id == device.id && known->uid == device.uid && *known != device)
+                chosen->set(device);
+        }
 }
 
 void MixerEngine::selectDevice(const AudioDeviceInfo& device) {
@@ -370,6 +383,7 @@ void MixerEngine::reportBufferSizeChange(
 
 void MixerEngine::reportDeath(const AudioDeviceInfo& device) {
     stop();
+    devicesMayHaveChanged = true;
     published.lastError.set(fmt::format(
         "The audio device {} is gone, so the mixer has stopped; connect it again or select another device.",
         device.name

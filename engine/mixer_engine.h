@@ -55,6 +55,7 @@ class MixerEngine final {
 
     // Devices. A running engine takes them at its next start.
 
+    /// Lists the devices, and takes what the chosen ones are now.
     void refreshDevices();
     /// Also fills the routing that is still open and takes the master bus off outputs that are not there.
     void selectDevice(const audio::AudioDeviceInfo& device);
@@ -193,6 +194,9 @@ class MixerEngine final {
     void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
     void pushStrips();
     void pushRouting();
+    /// Takes what the list says of the chosen devices, which may have come back at another rate or with other
+    /// channels.
+    void updateChosenDevices();
     /// True if it took the master bus off outputs that do not exist.
     bool validateMasterOutputRouting();
     [[nodiscard]] std::int64_t masterCapacity() const;
@@ -211,6 +215,8 @@ class MixerEngine final {
     /// Outlives the run, whose passes may use its plugins.
     PluginOperations pluginOperations;
     std::unique_ptr<RunningAudio> running;
+    /// A device has gone or did not start: the next start looks what there is now.
+    bool devicesMayHaveChanged = false;
     audio::MeterTimer meterTimer;
     /// Lets tasks that were posted during a run find out that it is over; renewed at every start.
     std::shared_ptr<const bool> runIsOn;
