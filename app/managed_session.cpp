@@ -53,7 +53,13 @@ void ManagedSession::serve(ui::ORVANEApp& window) {
             tellChanges(window);
         });
     });
-    if (!isRefused) client->confirmOpen();
+    if (isRefused) return;
+    window.whenOpened([this](const platform::Result<platform::Done>& opened) {
+        if (opened)
+            client->confirmOpen();
+        else
+            refuse(opened.error().description);
+    });
 }
 
 void ManagedSession::tellChanges(const ui::ORVANEApp& window) {

@@ -26,8 +26,8 @@ class ManagedSession final {
 
     /// Tells the manager that its session could not be opened; its file is not written then.
     void refuse(const std::string& sentence);
-    /// Tells the manager that the session is open, unless it has been refused, and has `window` save it when
-    /// the manager asks; the window stays until the last `poll`.
+    /// Tells the manager when `window` has the session open, unless it has been refused, and has it saved
+    /// when the manager asks; the window stays until the last `poll`.
     void serve(ui::ORVANEApp& window);
     /// Tells the manager whether there are changes to save.
     void tellChanges(const ui::ORVANEApp& window);

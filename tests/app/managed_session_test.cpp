@@ -1,3 +1,5 @@
+#include "engine/session/channel_strip.h"
+#include "engine/session_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/session_manager_peer.h"
@@ -7,7 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,9 +22,10 @@
 
 namespace {
 
-using orvane::test::contentOf;
-using orvane::test::SessionManagerPeer;
-using orvane::test::TemporaryFolder;
+using namespace orvane;
+using test::contentOf;
+using test::SessionManagerPeer;
+using test::TemporaryFolder;
 using testing::HasSubstr;
 
 class ManagedProgram : public testing::Test {
@@ -38,6 +43,7 @@ class ManagedProgram : public testing::Test {
         ::setenv("HOME", (folder / "home").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
         ::setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+        ::setenv("LV2_PATH", (folder / "lv2").c_str(), 1);
         ::setenv("ORVANE_DRIVERS", drivers, 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::execv(ORVANE_PROGRAM, words.data());
@@ -101,6 +107,41 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     EXPECT_EQ(exitCode(), 0);
 }
 
+TEST_F(ManagedProgram, SavesNothingOverASessionThatIsNotOpenYet) {
+    const std::filesystem::path manifest = folder / "lv2/slow.lv2/manifest.ttl";
+    std::filesystem::create_directories(manifest.parent_path());
+    ASSERT_EQ(::mkfifo(manifest.c_str(), S_IRUSR | S_IWUSR), 0);
+    session::MixerDocumentData show;
+    show.bufferSize = 512;
+    show.channels = session::settingsOf(session::makeDefaultStrips(2));
+    show.channels[0].name = "Moderator";
+    show.channels[1].pluginSlots[0].component = session::AUComponentIdentity{1, 2, 3};
+    std::filesystem::create_directories(file.parent_path());
+    ASSERT_TRUE(engine::exportSession(show, file));
+    const std::string stored = contentOf(file);
+
+    start({});
+    ASSERT_TRUE(manager.welcomes());
+    open();
+    // It cannot know yet which plugins are installed.
+    int writer = -1;
+    ASSERT_TRUE(test::waitFor([&] {
+        writer = ::open(manifest.c_str(), O_WRONLY | O_NONBLOCK);
+        return writer >= 0;
+    }));
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(manager.hears("/error /nsm/client/save -6 "));
+    EXPECT_EQ(contentOf(file), stored);
+    std::filesystem::remove(manifest);
+    ::close(writer);
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    manager.say("/nsm/client/save", "");
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    EXPECT_EQ(contentOf(file), stored);
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
+}
+
 TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
     // Its audio cannot be made: it ends as soon as it tries to.
     start({"--virtual-input", "none.wav"});
@@ -112,13 +153,13 @@ TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
 }
 
 TEST_F(ManagedProgram, GivesItsAudioClientTheNameThatItIsTold) {
-    const orvane::test::JackTestServer server({});
+    const test::JackTestServer server({});
     start({"--channels", "2", "--start", "--device", "jack:system"}, "jack");
     ASSERT_TRUE(manager.welcomes());
     open();
     ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
-    orvane::test::JackPeer peer("peer", 2);
-    EXPECT_TRUE(orvane::test::waitFor([&] { return peer.connectTo("ORVANE.nABC"); }));
+    test::JackPeer peer("peer", 2);
+    EXPECT_TRUE(test::waitFor([&] { return peer.connectTo("ORVANE.nABC"); }));
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);
 }

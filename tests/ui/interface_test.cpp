@@ -1,4 +1,5 @@
 #include "support/temporary_folder.h"
+#include "ui/controls/busy_notice.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/windows/channel_count_picker_view.h"
 #include "ui/windows/orvane_app.h"
@@ -17,7 +18,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QProgressDialog>
 #include <QTest>
 #include <QTextBrowser>
 
@@ -76,7 +76,7 @@ class Interface : public testing::Test {
         ASSERT_NE(files, nullptr);
         if (file.isLocalFile()) Q_EMIT files->fileSelected(file.toLocalFile());
         Q_EMIT files->urlSelected(file);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
         look();
         closeDialogs();
     }

@@ -1,6 +1,7 @@
 #include "ui/mixer/mixer_view.h"
 
 #include "support/temporary_folder.h"
+#include "ui/controls/busy_notice.h"
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
@@ -17,7 +18,6 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QProgressDialog>
 #include <QScrollArea>
 #include <QTest>
 
@@ -87,7 +87,7 @@ class Mixer : public testing::Test {
     }
     /// Once nothing is being read or written any more.
     void waitForFiles() {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return viewsIn<QProgressDialog>(*view).empty(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return viewsIn<BusyNotice>(*view).empty(); }));
         deleteWhatIsDone();
         view->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
@@ -248,7 +248,7 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     const session::MixerDocumentData document = engine->makeDocumentData();
     engine->removePlugin(0, strip);
     bool isThere = false;
-    view->sessionFile().apply(document, [&] { isThere = true; });
+    view->sessionFile().apply(document, [&](const auto& applied) { isThere = static_cast<bool>(applied); });
     EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
     machine.mainThread.runPosted();
     EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);

@@ -1,7 +1,9 @@
 #include "ui/windows/orvane_app.h"
 
 #include "engine/session_files.h"
+#include "ui/controls/busy_notice.h"
 #include "ui/mixer/mixer_view.h"
+#include "ui/strip/channel_strip_view.h"
 #include "ui/windows/channel_count_picker_view.h"
 
 #include "support/temporary_folder.h"
@@ -13,9 +15,9 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QProgressDialog>
 #include <QTest>
 
 #include <filesystem>
@@ -180,6 +182,36 @@ TEST_F(Shell, SavesInPlaceToTheFileThatTheSessionCameFromOrWentTo) {
     }));
 }
 
+TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
+    const TemporaryFolder folder;
+    session::MixerDocumentData choir;
+    choir.bufferSize = 512;
+    choir.channels = session::settingsOf(session::makeDefaultStrips(4));
+    choir.channels[3].name = "Alto";
+    const std::filesystem::path path = folder / "choir.orvane";
+    const auto window = launch({.session = choir, .sessionFile = path, .channels = 2});
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    auto* const name = viewsIn<ChannelStripView>(*window).front()->findChild<QLineEdit*>();
+    name->setFocus();
+    QTest::keyClicks(name, "!");
+    window->saveInPlace();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
+    choir.channels[0].name += '!';
+    EXPECT_EQ(engine::readSession(path).value(), choir);
+
+    SessionFile& file = window->mixerRootView()->view().sessionFile();
+    bool isSaved = false;
+    file.loadFrom(QString::fromStdString(path));
+    file.saveTo(QString::fromStdString(folder / "copy.orvane"), [&](const auto& saved) {
+        isSaved = static_cast<bool>(saved);
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isSaved; })) << "once the other file is read";
+    choir.channels.resize(2);
+    EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir) << "what the mixer has, elsewhere";
+}
+
 TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
     const TemporaryFolder folder;
     const auto window = launch({.channels = 2});
@@ -191,7 +223,7 @@ TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
     ASSERT_NE(files, nullptr);
     Q_EMIT files->urlSelected(QUrl::fromLocalFile(QString::fromStdString(folder / "missing" / "show.orvane"))
     );
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<QProgressDialog*>() == nullptr; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
     EXPECT_TRUE(window->isVisible()) << "what could not be saved would be lost";
     Q_EMIT files->fileSelected(QString::fromStdString(folder / "show.orvane"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));

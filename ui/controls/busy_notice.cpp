@@ -1,21 +1,36 @@
 #include "ui/controls/busy_notice.h"
 
-#include <QProgressDialog>
+#include "ui/controls/text_label.h"
+
+#include <QTimer>
+
+#include <chrono>
 
 namespace orvane::ui {
 
 namespace {
 
-constexpr int patienceInMs = 400;
+using namespace std::chrono_literals;
+
+constexpr auto patience = 400ms;
+constexpr int distance = 12;
 
 } // namespace
 
-BusyNotice::BusyNotice(QWidget* view, const QString& text)
-    : dialog(std::make_unique<QProgressDialog>(text, QString(), 0, 0, view->window())) {
-    dialog->setWindowModality(Qt::WindowModal);
-    dialog->setMinimumDuration(patienceInMs);
+BusyNotice::BusyNotice(QWidget* view, const QString& text) : QLabel(text, view->window()) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFont(textFont(TextStyle::callout, QFont::DemiBold));
+    setStyleSheet(QStringLiteral("background: %1; color: %2; border: 1px solid %3; padding: 6px 12px;")
+                      .arg(theme::panelBackground.name(), theme::primaryText.name(), theme::accent.name()));
+    hide();
+    QTimer::singleShot(patience, this, [this] { appear(); });
 }
 
-BusyNotice::~BusyNotice() = default;
+void BusyNotice::appear() {
+    adjustSize();
+    move((window()->width() - width()) / 2, window()->height() - height() - distance);
+    raise();
+    show();
+}
 
 } // namespace orvane::ui

@@ -1,25 +1,20 @@
 #pragma once
 
-#include <QString>
-
-#include <memory>
-
-class QProgressDialog;
-class QWidget;
+#include <QLabel>
 
 namespace orvane::ui {
 
-/// A notice that something is being done, in front of the window of a view for as long as it is held; not
-/// shown at all for what is done at once. Main thread.
-class BusyNotice final {
+/// A line that says what is being done, at the foot of the window of a view for as long as it is held; not
+/// shown at all for what is done at once. Takes nothing away from the window, which may have to be mixed on.
+/// Main thread.
+class BusyNotice final : public QLabel {
+    Q_OBJECT
+
   public:
     BusyNotice(QWidget* view, const QString& text);
-    ~BusyNotice();
-    BusyNotice(const BusyNotice&) = delete;
-    BusyNotice& operator=(const BusyNotice&) = delete;
 
   private:
-    std::unique_ptr<QProgressDialog> dialog;
+    void appear();
 };
 
 } // namespace orvane::ui

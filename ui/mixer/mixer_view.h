@@ -31,6 +31,8 @@ class MixerView final : public QWidget {
     /// Takes over what is being typed and asks where to write the session; then calls `then`, but only if it
     /// was written.
     void save(std::function<void()> then = {});
+    /// Takes over a name or a value that is being typed.
+    void commitEditing();
 
   protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -40,8 +42,6 @@ class MixerView final : public QWidget {
     void addShortcuts();
     void confirmClearOutputs();
     void confirmChannelCount();
-    /// Takes over a name or a value that is being typed.
-    void commitEditing();
     void openSheet(QDialog* sheet);
 
     engine::MixerEngine& engine;

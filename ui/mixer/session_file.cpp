@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <ranges>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,8 +82,10 @@ void SessionFile::save(std::function<void()> then) {
     dialog->setDefaultSuffix(sessionSuffix);
     dialog->selectFile(exportName);
     connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
-        write(path, [then](const Written& written) {
-            if (written && then) then();
+        whenIdle([this, path, then, document = exportDocument.data] {
+            write(path, document, [then](const Written& written) {
+                if (written && then) then();
+            });
         });
     });
     refuseOtherPlaces(dialog, "Export failed: ");
@@ -90,13 +94,15 @@ void SessionFile::save(std::function<void()> then) {
 
 bool SessionFile::saveInPlace() {
     if (!ownFile) return false;
-    saveTo(*ownFile, [](const Written& /*written*/) {});
+    // What is under way may give it another one.
+    whenIdle([this] {
+        if (ownFile) write(*ownFile, engine.makeDocumentData(), [](const Written& /*written*/) {});
+    });
     return true;
 }
 
-void SessionFile::saveTo(const QString& path, std::function<void(const Written&)> then) {
-    exportDocument.data = engine.makeDocumentData();
-    write(path, std::move(then));
+void SessionFile::saveTo(const QString& path, Report then) {
+    whenIdle([this, path, then = std::move(then)] { write(path, engine.makeDocumentData(), then); });
 }
 
 void SessionFile::setFile(std::optional<QString> path) {
@@ -120,59 +126,94 @@ void SessionFile::refuseOtherPlaces(QFileDialog* dialog, const char* failure) {
     });
 }
 
-void SessionFile::showBusy(const char* text) {
+void SessionFile::whenIdle(std::function<void()> task) {
+    waiting.push_back(std::move(task));
+    runWaiting();
+}
+
+void SessionFile::begin(const char* text) {
     notice = std::make_unique<BusyNotice>(&window, QString::fromUtf8(text));
 }
 
-void SessionFile::write(const QString& path, std::function<void(const Written&)> then) {
-    showBusy("Saving the session…");
-    // The program does not end before the file is written.
-    QtConcurrent::run([document = exportDocument.data, file = toPath(path)] {
-        return engine::exportSession(document, file);
-    })
-        .then(
-            this,
-            [this, path, document = exportDocument.data, then = std::move(then)](const Written& written) {
-                notice.reset();
-                if (written) {
-                    saved = document;
-                    ownFile = path;
-                } else {
-                    channelArea.setFileErrorMessage(written.error().description);
-                }
-                then(written);
-            }
-        );
+void SessionFile::end() {
+    notice.reset();
+    // What is done next comes after what the one that has just ended leads to.
+    QMetaObject::invokeMethod(
+        this, [this] { runWaiting(); }, Qt::QueuedConnection
+    );
 }
 
-void SessionFile::loadFrom(const QString& path) {
-    showBusy("Reading the session…");
-    QtConcurrent::run([file = toPath(path)] { return engine::readSession(file); }
-    ).then(this, [this, path](const Read& session) {
-        notice.reset();
-        if (!session) return channelArea.setFileErrorMessage(session.error().description);
-        const auto replace = [this, path, document = session.value()] {
-            apply(document, [this, path] {
-                ownFile = path;
-                channelArea.setFileErrorMessage(std::nullopt);
-            });
-        };
-        if (!isUnsaved()) return replace();
-        confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });
+void SessionFile::runWaiting() {
+    while (!notice && !waiting.empty()) {
+        const auto task = std::move(waiting.front());
+        waiting.pop_front();
+        task();
+    }
+}
+
+void SessionFile::write(const QString& path, const session::MixerDocumentData& document, Report then) {
+    begin("Saving the session…");
+    const bool isOwn = ownFile == path;
+    session::MixerDocumentData content = document;
+    if (isOwn) std::ranges::copy(channelsBeyond, std::back_inserter(content.channels));
+    // The program does not end before the file is written.
+    QtConcurrent::run([content = std::move(content), file = toPath(path)] {
+        return engine::exportSession(content, file);
+    }).then(this, [this, path, document, isOwn, then = std::move(then)](const Written& written) {
+        end();
+        if (written) {
+            saved = document;
+            ownFile = path;
+            if (!isOwn) channelsBeyond.clear();
+        } else {
+            channelArea.setFileErrorMessage(written.error().description);
+        }
+        then(written);
     });
 }
 
-void SessionFile::apply(const session::MixerDocumentData& document, std::function<void()> then) {
+void SessionFile::loadFrom(const QString& path) {
+    whenIdle([this, path] {
+        begin("Reading the session…");
+        QtConcurrent::run([file = toPath(path)] { return engine::readSession(file); }
+        ).then(this, [this, path](const Read& session) {
+            end();
+            if (!session) return channelArea.setFileErrorMessage(session.error().description);
+            const auto replace = [this, path, document = session.value()] {
+                apply(document, [this, path](const Written& applied) {
+                    if (!applied) return;
+                    ownFile = path;
+                    channelArea.setFileErrorMessage(std::nullopt);
+                });
+            };
+            if (!isUnsaved()) return replace();
+            confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });
+        });
+    });
+}
+
+void SessionFile::apply(const session::MixerDocumentData& document, Report then) {
     const auto hand = [this, document, then = std::move(then)] {
-        notice.reset();
-        if (const auto loaded = engine.loadDocument(document); !loaded)
-            return channelArea.setFileErrorMessage(loaded.error().description);
-        setSaved();
-        then();
+        end();
+        const auto loaded = engine.loadDocument(document);
+        if (loaded) {
+            const std::size_t strips = engine.state().channelStrips.get().size();
+            channelsBeyond.clear();
+            std::ranges::copy(
+                document.channels | std::views::drop(strips), std::back_inserter(channelsBeyond)
+            );
+            ownFile.reset();
+            setSaved();
+        } else {
+            channelArea.setFileErrorMessage(loaded.error().description);
+        }
+        then(loaded);
     };
-    if (!hasPlugins(document)) return hand();
-    showBusy("Looking for the installed plugins…");
-    components.whenFound(hand);
+    whenIdle([this, hand, needsPlugins = hasPlugins(document)] {
+        if (!needsPlugins) return hand();
+        begin("Looking for the installed plugins…");
+        components.whenFound(hand);
+    });
 }
 
 bool SessionFile::isUnsaved() const {

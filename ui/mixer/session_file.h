@@ -8,9 +8,11 @@
 #include <QObject>
 #include <QString>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class QFileDialog;
 class QWidget;
@@ -20,10 +22,13 @@ namespace orvane::ui {
 class BusyNotice;
 class ChannelArea;
 
-/// A session's way into files and out of them: asks which file, reads and writes it in the background, and
-/// knows what would be lost. Main thread.
+/// A session's way into files and out of them: asks which file, reads and writes one at a time in the
+/// background while the mixer stays in reach, and knows what would be lost. Main thread.
 class SessionFile final : public QObject {
   public:
+    /// What is told of something that was done, or why it could not be.
+    using Report = std::function<void(const platform::Result<platform::Done>&)>;
+
     /// `view` is what dialogs are shown in front of, `messages` says what has gone wrong; all outlive this.
     SessionFile(
         engine::MixerEngine& mixerEngine, InstalledComponents& installedComponents, QWidget& view,
@@ -36,14 +41,14 @@ class SessionFile final : public QObject {
     /// Writes the session to the file that it was opened from or last saved to; false where there is none.
     bool saveInPlace();
     /// Writes the session to a file, which is its own from then on if it was written; then calls `then`.
-    void saveTo(const QString& path, std::function<void(const platform::Result<platform::Done>&)> then);
+    void saveTo(const QString& path, Report then);
     /// Asks for a file and loads it.
     void load();
     /// Loads a file, having asked first if that would throw away what has not been saved.
     void loadFrom(const QString& path);
     /// Gives the session to the engine, once the installed plugins are known if it has any; then calls
     /// `then`.
-    void apply(const session::MixerDocumentData& document, std::function<void()> then);
+    void apply(const session::MixerDocumentData& document, Report then);
 
     /// Whether the session is not as it was last saved, loaded or begun.
     [[nodiscard]] bool isUnsaved() const;
@@ -53,10 +58,14 @@ class SessionFile final : public QObject {
     void setFile(std::optional<QString> path);
 
   private:
-    void write(const QString& path, std::function<void(const platform::Result<platform::Done>&)> then);
+    /// Runs `task` once nothing is under way any more.
+    void whenIdle(std::function<void()> task);
+    void begin(const char* text);
+    void end();
+    void runWaiting();
+    void write(const QString& path, const session::MixerDocumentData& document, Report then);
     /// Some desktops' dialogs offer files of other computers.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
-    void showBusy(const char* text);
 
     engine::MixerEngine& engine;
     InstalledComponents& components;
@@ -66,8 +75,11 @@ class SessionFile final : public QObject {
     session::MixerJSONDocument exportDocument;
     session::MixerDocumentData saved;
     std::optional<QString> ownFile;
+    /// The channels of the own file that the mixer has no strips for: they stay in the file.
+    std::vector<session::ChannelSettingsData> channelsBeyond;
     /// There while something is under way.
     std::unique_ptr<BusyNotice> notice;
+    std::deque<std::function<void()>> waiting;
 };
 
 } // namespace orvane::ui

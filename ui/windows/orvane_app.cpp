@@ -49,8 +49,15 @@ MixerRootView* ORVANEApp::mixerRootView() const {
     return dynamic_cast<MixerRootView*>(centralWidget());
 }
 
+void ORVANEApp::whenOpened(SessionFile::Report then) {
+    if (mixerRootView() == nullptr) return then(platform::Done{});
+    if (opened) return then(*opened);
+    onOpened = std::move(then);
+}
+
 void ORVANEApp::saveInPlace() {
     MixerRootView* const root = mixerRootView();
+    if (root != nullptr) root->view().commitEditing();
     if (root != nullptr && root->view().sessionFile().saveInPlace()) return;
     parts.services.log.post(
         platform::LogLevel::error, logCategory,
@@ -58,11 +65,10 @@ void ORVANEApp::saveInPlace() {
     );
 }
 
-void ORVANEApp::saveTo(
-    const std::filesystem::path& file, std::function<void(const platform::Result<platform::Done>&)> then
-) {
+void ORVANEApp::saveTo(const std::filesystem::path& file, SessionFile::Report then) {
     MixerRootView* const root = mixerRootView();
     if (root == nullptr) return then(platform::Done{});
+    root->view().commitEditing();
     root->view().sessionFile().saveTo(QString::fromStdString(file.string()), std::move(then));
 }
 
@@ -84,6 +90,7 @@ void ORVANEApp::showProblems(const std::vector<std::string>& problems) {
 void ORVANEApp::closeEvent(QCloseEvent* event) {
     MixerRootView* const root = mixerRootView();
     if (mayClose || root == nullptr) return event->accept();
+    root->view().commitEditing();
     const bool isRunning = root->engine().state().isRunning.get();
     const bool isChanged = isUnsaved();
     if (!isRunning && !isChanged) return event->accept();
@@ -156,7 +163,10 @@ void ORVANEApp::showContent() {
 
 void ORVANEApp::begin(MixerRootView& root) {
     const LaunchOptions options = std::exchange(launchOptions, {});
-    const auto goOn = [this, &root, options] {
+    const auto goOn = [this, &root, options](const platform::Result<platform::Done>& applied) {
+        opened = applied;
+        if (onOpened) std::exchange(onOpened, {})(applied);
+        if (!applied) return;
         const auto problems = launch(root.engine(), parts.services.audioHardware, options);
         root.view().sessionFile().setSaved();
         if (options.sessionFile)
@@ -166,7 +176,7 @@ void ORVANEApp::begin(MixerRootView& root) {
     if (options.session)
         root.view().sessionFile().apply(*options.session, goOn);
     else
-        goOn();
+        goOn(platform::Done{});
 }
 
 void ORVANEApp::setChannelCount(std::int64_t count) {

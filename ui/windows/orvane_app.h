@@ -4,6 +4,7 @@
 #include "engine/services.h"
 #include "platform/preferences.h"
 #include "platform/result.h"
+#include "ui/mixer/session_file.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"
 #include "ui/windows/window_presenter.h"
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,12 +43,14 @@ class ORVANEApp final : public QMainWindow {
     /// Null while a channel count is being chosen.
     [[nodiscard]] MixerRootView* mixerRootView() const;
 
+    /// Calls `then` once the session that the window was to begin with is open or could not be opened; at
+    /// once where it is, or while a channel count is being chosen.
+    void whenOpened(SessionFile::Report then);
+
     /// Writes the session to the file that it was opened from; the log says so where there is none.
     void saveInPlace();
     /// Writes the session to a file, then calls `then`; at once while there is no session to write.
-    void saveTo(
-        const std::filesystem::path& file, std::function<void(const platform::Result<platform::Done>&)> then
-    );
+    void saveTo(const std::filesystem::path& file, SessionFile::Report then);
     /// Whether there is a session that has changed since it was last saved.
     [[nodiscard]] bool isUnsaved() const;
 
@@ -71,6 +75,8 @@ class ORVANEApp final : public QMainWindow {
     const Parts parts;
     LaunchOptions launchOptions;
     std::int64_t channels;
+    std::optional<platform::Result<platform::Done>> opened;
+    SessionFile::Report onOpened;
     AboutWindowPresenter about;
     HelpWindowPresenter help;
     QMenu* sessionMenu = nullptr;
