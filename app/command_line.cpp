@@ -1,15 +1,13 @@
 #include "app/command_line.h"
 
 #include "engine/show.h"
+#include "machine/message.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <iterator>
-#include <string>
 #include <vector>
 
 namespace orvane::app {
@@ -67,9 +65,7 @@ std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv
 }
 
 void printMessage(std::string_view sentence) {
-    std::string text(sentence);
-    std::ranges::replace(text, '\n', ' ');
-    fmt::print(stderr, "orvane: {}\n", text);
+    machine::printMessage("orvane", sentence);
 }
 
 } // namespace orvane::app

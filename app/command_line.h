@@ -22,7 +22,7 @@ struct CommandLine {
 /// version, or what is wrong with them. Main thread.
 std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv);
 
-/// Writes a sentence to standard error as one line "orvane: ...". Main thread.
+/// Writes a sentence to standard error as one line "orvane: ...", as far as that can be written. Main thread.
 void printMessage(std::string_view sentence);
 
 } // namespace orvane::app

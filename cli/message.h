@@ -4,7 +4,8 @@
 
 namespace orvane::cli {
 
-/// Writes a sentence to standard error as one line "orvane-cli: ...". Main thread.
+/// Writes a sentence to standard error as one line "orvane-cli: ...", as far as that can be written. Main
+/// thread.
 void printMessage(std::string_view sentence);
 
 } // namespace orvane::cli

@@ -1,9 +1,10 @@
 #include "platform/system_log.h"
 
+#include "platform/standard_error.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -64,9 +65,7 @@ SystemLog::Sink standardErrorSink() {
     const bool toJournal = std::getenv("JOURNAL_STREAM") != nullptr;
     return [toJournal](const LogLine& line) {
         const std::string_view priority = !toJournal ? "" : line.level == LogLevel::error ? "<3>" : "<5>";
-        const std::string text =
-            fmt::format("{}{} [{}] {}\n", priority, logSubsystem, line.category, line.text);
-        std::fwrite(text.data(), 1, text.size(), stderr);
+        writeToStandardError(fmt::format("{}{} [{}] {}\n", priority, logSubsystem, line.category, line.text));
     };
 }
 

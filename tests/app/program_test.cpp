@@ -48,6 +48,8 @@ TEST(Application, TellsWhyItDoesNotStart) {
         EXPECT_THAT(message, MatchesRegex("orvane: [^\n]+\n")) << one.arguments;
         EXPECT_THAT(message, HasSubstr(one.says)) << one.arguments;
         EXPECT_EQ(contentOf(folder / "stdout"), "") << one.arguments;
+        EXPECT_EQ(exitCodeOf(folder, one.arguments + " 2>/dev/full", one.display), one.exitCode)
+            << one.arguments;
     }
     for (const auto& [arguments, says] : {std::pair("--help", "--master-device"), {"--version", "orvane "}}) {
         EXPECT_EQ(exitCodeOf(folder, arguments, none), 0) << arguments;

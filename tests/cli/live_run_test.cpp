@@ -82,6 +82,16 @@ TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("nobody reads its meters any more.\n1\n"));
 }
 
+TEST(LiveRun, GoesOnWhereItsMessagesCannotBeWritten) {
+    const TemporaryFolder folder;
+    const std::string run = cli + " run --meters none --seconds 0.1";
+    for (const std::string& command :
+         {run + " 2>/dev/full", run + " 2>&-",
+          "{ { " + run + "; echo $? >&3; } 2>&1 >&3 | true; } 3>'" + (folder / "exit").string()
+              + "'; exit $(cat '" + (folder / "exit").string() + "')"})
+        EXPECT_EQ(exitCodeOfShell(folder, command), 0) << command;
+}
+
 TEST(LiveRun, KeepsTheMachineAwake) {
     orvane::test::DesktopPeer desktop;
     const pid_t run = startServer({"env", "ORVANE_DRIVERS=virtual", program, "run", "--meters", "none"});

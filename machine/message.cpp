@@ -1,0 +1,18 @@
+#include "machine/message.h"
+
+#include "platform/standard_error.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+
+namespace orvane::machine {
+
+void printMessage(std::string_view program, std::string_view sentence) {
+    std::string text(sentence);
+    std::ranges::replace(text, '\n', ' ');
+    platform::writeToStandardError(fmt::format("{}: {}\n", program, text));
+}
+
+} // namespace orvane::machine
