@@ -4,6 +4,7 @@
 #include "cli/await_plugins.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
+#include "cli/meter_output.h"
 #include "cli/mix_setup.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
@@ -19,7 +20,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -111,14 +112,14 @@ class LiveRun final {
         const auto toLearning = engine->state().midiLearnTargetIndex.subscribe([this](const auto& index) {
             if (!index) printMessage("The note now recalls snapshot " + numberAndName(*options.learn - 1));
         });
+        if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
         const machine::InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
         const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {
             const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
             tick(elapsed.count());
             const bool isOver = options.seconds && elapsed.count() >= *options.seconds;
-            if (isOver || interrupt.isInterrupted() || !engine->state().isRunning.get() || outputIsGone)
-                loop.quit();
+            if (isOver || interrupt.isInterrupted() || !engine->state().isRunning.get()) loop.quit();
         });
         loop.run();
         return finish();
@@ -172,7 +173,7 @@ class LiveRun final {
         xruns = std::max(xruns, engine->xrunCount());
         priority = std::max(priority, engine->realtimePriority());
         elapsedSeconds = seconds;
-        if (options.meters != MeterStyle::none) show(frameAt(seconds));
+        if (meters) show(frameAt(seconds));
     }
 
     [[nodiscard]] engine::Services services(platform::MIDIServices& midi) {
@@ -199,23 +200,26 @@ class LiveRun final {
 
     void show(const MeterFrame& frame) {
         if (options.meters == MeterStyle::json)
-            print(meterJSON(frame));
+            meters->write(meterJSON(frame));
         else if (isTerminal)
-            print(std::exchange(hasShown, true) ? meterTextOver(frame) : meterText(frame));
+            hasShown |= meters->write(hasShown ? meterTextOver(frame) : meterText(frame));
         else if (frame.seconds >= nextPlainLine) {
             nextPlainLine += plainLineSeconds;
-            print(meterText(frame));
+            meters->write(meterText(frame));
         }
-    }
-
-    void print(const std::string& text) {
-        const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-        if (!isWritten || std::fflush(stdout) != 0) outputIsGone = true;
+        if (const int error = meters->error(); error != 0) {
+            meters.reset();
+            printMessage(fmt::format(
+                "The meters cannot be written any more ({}); the mix goes on without them.",
+                std::generic_category().message(error)
+            ));
+        }
     }
 
     Result<Done> finish() {
         const bool died = !engine->state().isRunning.get();
         engine->stop();
+        meters.reset();
         machine.log.flush();
         printMessage(fmt::format(
             "Ran for {:.1f} s with {} xruns; load {:.1f} % on average, {:.1f} % at most; {}.", elapsedSeconds,
@@ -223,7 +227,6 @@ class LiveRun final {
             priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority"
         ));
         if (died) return Error{engine->state().lastError.get().value_or("The mixer has stopped.")};
-        if (outputIsGone) return Error{"The mixer stopped because nobody reads its meters any more."};
         return Done{};
     }
 
@@ -232,9 +235,9 @@ class LiveRun final {
     platform::RunLoop& loop;
     const machine::SaveSignal saveSignal;
     std::optional<MixerEngine> engine;
+    std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;
-    bool outputIsGone = false;
     double nextPlainLine = 0.0;
     double elapsedSeconds = 0.0;
     double peakLoad = 0.0;

@@ -66,7 +66,7 @@ TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
     EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("\x1b[5A"));
 }
 
-TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
+TEST(LiveRun, EndsCleanlyAtASignal) {
     const TemporaryFolder folder;
     for (const std::string signal : {"INT", "TERM"}) {
         // The first line says that it runs; the program has the signals' default handling, which a shell
@@ -78,8 +78,37 @@ TEST(LiveRun, EndsCleanlyAtASignalAndWhenNobodyReads) {
         );
         EXPECT_EQ(exitCodeOfShell(folder, command), 0) << signal << ": " << contentOf(folder / "stderr");
     }
-    EXPECT_EQ(exitCodeOfShell(folder, "(" + cli + " run --meters json; echo $? >&2) | head -n 1"), 0);
-    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("nobody reads its meters any more.\n1\n"));
+}
+
+TEST(LiveRun, EndsAtASignalAlsoWhereNobodyReads) {
+    const TemporaryFolder folder;
+    for (const std::string streams : {">&3", ">/dev/null 2>&3", ">&3 2>&3"}) {
+        // A pipe that is full from the start; that the signal is caught says that the mix begins.
+        const std::string command = fmt::format(
+            "rm -f {0}; mkfifo {0}; exec 3<>{0}; dd if=/dev/zero of={0} oflag=nonblock bs=4096 2>/dev/null; "
+            "{1} run --meters json {2} & "
+            "until [ ! -d /proc/$! ] || grep -q 'SigCgt:.*[4-7c-f]...$' /proc/$!/status; do :; done; "
+            "kill -TERM $!; wait $!",
+            (folder / "full").string(), cli, streams
+        );
+        EXPECT_EQ(exitCodeOfShell(folder, command), 0) << streams;
+    }
+}
+
+TEST(LiveRun, MixesOnWithoutMetersWhenTheirReaderHasGone) {
+    const TemporaryFolder folder;
+    const std::string command = fmt::format(
+        "mkfifo {0}; {1} run --meters json >{0} 2>{0}.says & head -n 1 <{0}; "
+        "until [ ! -d /proc/$! ] || grep -q meters {0}.says; do :; done; kill -TERM $!; wait $!",
+        (folder / "meters").string(), cli
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, command), 0);
+    EXPECT_NO_THROW(nlohmann::json::parse(contentOf(folder / "stdout")));
+    EXPECT_THAT(
+        contentOf(folder / "meters.says"),
+        MatchesRegex("(orvane-cli: This account [^\n]*\n)?orvane-cli: The meters cannot be written any more "
+                     "\\(Broken pipe\\); [^\n]*\norvane-cli: Ran for [^\n]*\n")
+    );
 }
 
 TEST(LiveRun, GoesOnWhereItsMessagesCannotBeWritten) {
