@@ -4,12 +4,15 @@
 #include "cli/message.h"
 #include "cli/midi_command.h"
 #include "cli/plugins_command.h"
+#include "cli/print_result.h"
 #include "cli/render_command.h"
 #include "cli/run_command.h"
 #include "cli/session_command.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+
+#include <sstream>
 
 namespace orvane::cli {
 
@@ -35,7 +38,9 @@ std::variant<Action, int> readCommandLine(int argc, const char* const* argv) {
         program.parse(argc, argv);
         if (program.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
     } catch (const CLI::Success& asked) {
-        return program.exit(asked);
+        std::ostringstream text;
+        program.exit(asked, text, text);
+        return printResult(text.str());
     } catch (const CLI::ParseError& error) {
         printMessage(fmt::format("{} (--help tells more)", error.what()));
         return wrongUsage;

@@ -1,6 +1,7 @@
 #include "cli/devices_command.h"
 
 #include "cli/message.h"
+#include "cli/print_result.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
 #include "platform/midi_services/system_midi_services.h"
@@ -12,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace orvane::cli {
@@ -23,20 +25,21 @@ struct DevicesOptions {
     bool asJSON = false;
 };
 
-void printDeviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
-    fmt::print("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
+std::string deviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+    std::string table = fmt::format("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
     for (const audio::AudioDeviceInfo& device : devices)
-        fmt::print(
+        table += fmt::format(
             "{:<28} {:<32} {:>3} {:>4} {:>8.0f}\n", device.uid, device.name, device.inputChannelCount,
             device.outputChannelCount, device.sampleRate
         );
-    if (priority > 0)
-        fmt::print("Audio threads of ALSA and virtual devices get real-time priority {}.\n", priority);
-    else
-        fmt::print("Audio threads of ALSA and virtual devices get no real-time priority here.\n");
+    table +=
+        priority > 0
+            ? fmt::format("Audio threads of ALSA and virtual devices get real-time priority {}.\n", priority)
+            : "Audio threads of ALSA and virtual devices get no real-time priority here.\n";
+    return table;
 }
 
-void printDevicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+std::string devicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
     nlohmann::json document = {{"realtimePriority", priority}, {"devices", nlohmann::json::array()}};
     for (const audio::AudioDeviceInfo& device : devices)
         document["devices"].push_back(
@@ -46,7 +49,7 @@ void printDevicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, int 
              {"outputChannelCount", device.outputChannelCount},
              {"sampleRate", device.sampleRate}}
         );
-    fmt::print("{}\n", document.dump(2));
+    return document.dump(2) + "\n";
 }
 
 int listDevices(const DevicesOptions& options) {
@@ -66,9 +69,8 @@ int listDevices(const DevicesOptions& options) {
         printMessage(*error);
         return 1;
     }
-    const auto print = options.asJSON ? printDevicesAsJSON : printDeviceTable;
-    print(engine.state().availableDevices.get(), platform::obtainableRealtimePriority());
-    return 0;
+    const auto text = options.asJSON ? devicesAsJSON : deviceTable;
+    return printResult(text(engine.state().availableDevices.get(), platform::obtainableRealtimePriority()));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "cli/message.h"
 #include "cli/midi_send.h"
+#include "cli/print_result.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
 #include "platform/run_loop.h"
@@ -28,18 +29,19 @@ struct MIDIOptions {
     double seconds = defaultSeconds;
 };
 
-void printSourceTable(const Sources& sources) {
-    fmt::print("{:>11}  {}\n", "id", "name");
+std::string sourceTable(const Sources& sources) {
+    std::string table = fmt::format("{:>11}  {}\n", "id", "name");
     for (const midi::MIDIDeviceInfo& source : sources)
-        fmt::print("{:>11}  {}\n", source.id, source.name);
+        table += fmt::format("{:>11}  {}\n", source.id, source.name);
+    return table;
 }
 
-void printSourcesAsJSON(const Sources& sources) {
+std::string sourcesAsJSON(const Sources& sources) {
     nlohmann::json document = {{"sources", nlohmann::json::array()}};
     for (const midi::MIDIDeviceInfo& source : sources)
         document["sources"].push_back({{"id", source.id}, {"name", source.name}});
     // Names are whatever other programs have made them.
-    fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 int listSources(const MIDIOptions& options) {
@@ -53,9 +55,8 @@ int listSources(const MIDIOptions& options) {
     const engine::MixerEngine engine(
         0, {services.hardware(), services.midi(), loop, services.audioUnits(), services.log}
     );
-    const auto print = options.asJSON ? printSourcesAsJSON : printSourceTable;
-    print(engine.state().availableMIDIDevices.get());
-    return 0;
+    const auto text = options.asJSON ? sourcesAsJSON : sourceTable;
+    return printResult(text(engine.state().availableMIDIDevices.get()));
 }
 
 int send(const MIDIOptions& options) {

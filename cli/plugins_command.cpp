@@ -1,5 +1,6 @@
 #include "cli/plugins_command.h"
 
+#include "cli/print_result.h"
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/system_log.h"
 #include "plugins/insert_components.h"
@@ -9,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace orvane::cli {
@@ -17,13 +19,14 @@ namespace {
 
 using Components = std::vector<platform::AVAudioUnitComponent>;
 
-void printComponentTable(const Components& components) {
-    fmt::print("{:<36} {}\n", "maker", "name");
+std::string componentTable(const Components& components) {
+    std::string table = fmt::format("{:<36} {}\n", "maker", "name");
     for (const platform::AVAudioUnitComponent& component : components)
-        fmt::print("{:<36} {}\n", component.manufacturerName, component.name);
+        table += fmt::format("{:<36} {}\n", component.manufacturerName, component.name);
+    return table;
 }
 
-void printComponentsAsJSON(const Components& components) {
+std::string componentsAsJSON(const Components& components) {
     nlohmann::json document = {{"plugins", nlohmann::json::array()}};
     for (const platform::AVAudioUnitComponent& component : components) {
         const session::AUComponentIdentity identity = plugins::identityOf(component);
@@ -36,7 +39,7 @@ void printComponentsAsJSON(const Components& components) {
         );
     }
     // Names are whatever their makers have written.
-    fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 int listPlugins(bool asJSON) {
@@ -44,9 +47,7 @@ int listPlugins(bool asJSON) {
     platform::Lv2UnitHost host(log);
     const Components components = plugins::availableInsertComponents(host);
     log.flush();
-    const auto print = asJSON ? printComponentsAsJSON : printComponentTable;
-    print(components);
-    return 0;
+    return printResult(asJSON ? componentsAsJSON(components) : componentTable(components));
 }
 
 } // namespace

@@ -1,15 +1,14 @@
 #include "cli/render_command.h"
 
 #include "cli/message.h"
+#include "cli/print_result.h"
 #include "cli/progress_bar.h"
 #include "cli/render.h"
 #include "engine/show.h"
 #include "machine/interrupt.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
-#include <cstdio>
 #include <iterator>
 #include <memory>
 
@@ -30,8 +29,7 @@ int runRender(const RenderOptions& options) {
         printMessage(report.error().description);
         return 1;
     }
-    fmt::print("{}", report.value().text());
-    return 0;
+    return printResult(report.value().text());
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "cli/message.h"
 #include "cli/no_audio_units.h"
+#include "cli/print_result.h"
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_encoder.h"
@@ -12,7 +13,6 @@
 #include "platform/system_log.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -54,8 +54,7 @@ int printSession(const SessionOptions& options) {
         printMessage(text.error().description);
         return 1;
     }
-    fmt::print("{}", text.value());
-    return 0;
+    return printResult(text.value());
 }
 
 } // namespace

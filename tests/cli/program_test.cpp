@@ -64,6 +64,25 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
     }
 }
 
+TEST(Program, SaysWhereItsResultCannotBeWritten) {
+    const TemporaryFolder folder;
+    const auto session =
+        folder.add("empty.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 512,
+        "snapshots": []})");
+    for (const std::string& arguments :
+         {std::string("--help"), std::string("--version"), std::string("devices"),
+          std::string("devices --json"), std::string("midi"), std::string("midi --json"),
+          std::string("plugins"), std::string("plugins --json"),
+          std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
+          "session '" + session.string() + "'"}) {
+        EXPECT_EQ(exitCodeOf(folder, arguments + " >/dev/full"), 1) << arguments;
+        EXPECT_EQ(
+            contentOf(folder / "stderr"),
+            "orvane-cli: The result could not be written: No space left on device.\n"
+        ) << arguments;
+    }
+}
+
 TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
     const TemporaryFolder folder;
     const std::string command = std::string("ulimit -f 64; ") + ORVANE_CLI + " render --input " + panel
