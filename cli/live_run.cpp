@@ -81,14 +81,16 @@ class LiveRun final {
         // What the session asks for and cannot have; the mix goes on without.
         const auto toErrors = engine->state().lastError.subscribe(printSentence);
         engine->selectDevice(main.value());
-        if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
-        awaitPlugins(*engine, loop, [] { return false; });
-        if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
+        // Before the mix is set up: a routing of the master bus that the device lacks is for the start to
+        // tell.
         if (options.masterDevice) {
             const auto master = audio::findDevice(machine.hardware(), devices, options.masterDevice);
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
+        if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
+        awaitPlugins(*engine, loop, [] { return false; });
+        if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
         if (auto armed = armLearn(); !armed) return armed;
         return selectMIDISource();
     }

@@ -15,7 +15,8 @@ setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocument
         const auto loaded = engine.loadDocument(*document);
         return loaded ? std::nullopt : std::optional(loaded.error());
     }
-    if (engine.state().selectedDevice.get()->outputChannelCount >= 2)
+    const auto& master = engine.state().masterOutputDevice.get();
+    if ((master ? master : engine.state().selectedDevice.get())->outputChannelCount >= 2)
         engine.setMasterOutputRouting(session::master_output::Stereo{0, 1});
     else
         engine.setMasterOutputChannel(0);

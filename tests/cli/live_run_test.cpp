@@ -159,6 +159,20 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
 }
 
+TEST(LiveRun, TellsThatTheMasterDeviceLacksTheOutputsOfTheSession) {
+    const TemporaryFolder folder;
+    const auto session = folder.add(
+        "show.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 512, "snapshots": [],
+            "masterOutputRouting": {"stereo": {"left": 6, "right": 7}}})"
+    );
+    const std::string run =
+        cli + " run --meters none --seconds 0.1 --channels 8 --session " + session.string();
+    EXPECT_EQ(exitCodeOfShell(folder, run), 0);
+    EXPECT_THAT(contentOf(folder / "stderr"), Not(HasSubstr("Master Out")));
+    EXPECT_EQ(exitCodeOfShell(folder, run + " --master-device virtual:monitor"), 0);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("Master Out was reset to \"None\""));
+}
+
 TEST(LiveRun, GoesOnAfterItWasStopped) {
     const TemporaryFolder folder;
     const std::string command = fmt::format(
