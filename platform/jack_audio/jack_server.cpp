@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -13,6 +14,8 @@ namespace orvane::platform {
 namespace {
 
 constexpr std::size_t mostAliases = 2;
+/// jackd has changed when it says that it took the request, PipeWire does with one of its next cycles.
+constexpr std::chrono::milliseconds longestBufferSizeChange{200};
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
     const auto size = static_cast<std::size_t>(jack_port_name_size());
@@ -74,11 +77,18 @@ bool JackServer::isOpen() {
 }
 
 bool JackServer::requestBufferSize(std::uint32_t frameCount) {
-    const std::scoped_lock lock(mutex);
     bool isTaken = false;
-    return open()
-           && client->use([&](jack_client_t* jack) { isTaken = jack_set_buffer_size(jack, frameCount) == 0; })
-           && isTaken;
+    {
+        const std::scoped_lock lock(mutex);
+        if (!open()) return false;
+        client->use([&](jack_client_t* jack) { isTaken = jack_set_buffer_size(jack, frameCount) == 0; });
+    }
+    if (!isTaken) return false;
+    const auto deadline = std::chrono::steady_clock::now() + longestBufferSizeChange;
+    while (lastBufferSize.load() != frameCount
+           && bufferSizeChanges.takeWithin(deadline - std::chrono::steady_clock::now()) != 0) {
+    }
+    return true;
 }
 
 bool JackServer::open() {
@@ -112,7 +122,8 @@ std::optional<JackServerState> JackServer::readState() {
 void JackServer::bufferSizeChanged(jack_nframes_t frameCount, void* self) noexcept {
     auto& server = *static_cast<JackServer*>(self);
     if (server.lastBufferSize.exchange(frameCount) != frameCount)
-        server.events.post(JackEvent::bufferSizeChanged);
+        for (JackEvents* const told : {&server.bufferSizeChanges, &server.events})
+            told->post(JackEvent::bufferSizeChanged);
 }
 
 void JackServer::portChanged(jack_port_id_t, int isRegistered, void* self) noexcept {

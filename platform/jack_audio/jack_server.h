@@ -48,7 +48,8 @@ class JackServer final {
     /// Whether we are a client of a server that runs.
     [[nodiscard]] bool isOpen();
 
-    /// Asks for a buffer size in frames; whether the server took the request.
+    /// Asks for a buffer size in frames; whether the server took the request. Waits until it runs at that
+    /// size, for a fifth of a second at most. One thread at a time.
     bool requestBufferSize(std::uint32_t frameCount);
 
   private:
@@ -64,6 +65,7 @@ class JackServer final {
     std::mutex mutex;
     std::unique_ptr<JackClient> client;
     std::atomic<std::uint32_t> lastBufferSize = 0;
+    JackEvents bufferSizeChanges;
 };
 
 } // namespace orvane::platform
