@@ -137,8 +137,8 @@ class AudioHardware {
     virtual PropertySize
     AudioObjectGetPropertyDataSize(AudioObjectID object, const AudioObjectPropertyAddress& address) = 0;
 
-    /// Copies a property's value into `data`, which has room for it; gives the bytes copied. Any thread for
-    /// the buffer size.
+    /// Copies a property's value into `data`, which has room for it, or of the devices as many as fit; gives
+    /// the bytes copied. Any thread for the buffer size.
     virtual PropertySize AudioObjectGetPropertyData(
         AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<std::byte> data
     ) = 0;

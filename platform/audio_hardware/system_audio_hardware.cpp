@@ -46,8 +46,11 @@ PropertySize SystemAudioHardware::AudioObjectGetPropertyDataSize(
 PropertySize SystemAudioHardware::AudioObjectGetPropertyData(
     AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<std::byte> data
 ) {
-    const PropertyValue value = read(object, address);
+    PropertyValue value = read(object, address);
     if (value.status != noErr) return {value.status, 0};
+    // A device may have come since the list's size was asked for.
+    if (object == kAudioObjectSystemObject)
+        value.bytes.resize(std::min(value.bytes.size(), data.size() - data.size() % sizeof(AudioObjectID)));
     if (data.size() < value.bytes.size()) return {kAudioHardwareBadPropertySizeError, 0};
     std::ranges::copy(value.bytes, data.begin());
     return {noErr, static_cast<std::uint32_t>(value.bytes.size())};

@@ -24,8 +24,8 @@ struct Machine {
         : Machine(std::make_unique<FakeAudioDriver>(std::vector<AudioDriverDevice>{
             {"fake:card", "Card", 2, 3, 48000.0}, {"fake:monitor", "Monitor", 0, 2, 44100.0}})) {}
 
-    std::vector<AudioObjectID> devices() {
-        std::vector<AudioObjectID> ids(8);
+    std::vector<AudioObjectID> devices(std::size_t most = 8) {
+        std::vector<AudioObjectID> ids(most);
         const AudioObjectPropertyAddress address = {kAudioHardwarePropertyDevices, global, 0};
         const PropertySize read = hardware.AudioObjectGetPropertyData(
             kAudioObjectSystemObject, address, std::as_writable_bytes(std::span(ids))
@@ -62,6 +62,7 @@ TEST(SystemAudioHardware, DescribesDevicesUnderIdsThatStayTheirs) {
     Machine machine;
     const std::vector<AudioObjectID> ids = machine.devices();
     ASSERT_EQ(ids.size(), 2U);
+    EXPECT_EQ(machine.devices(1), std::vector(1, ids[0])) << "as many as fit";
     EXPECT_EQ(*machine.get<StringRef>(ids[0], kAudioDevicePropertyDeviceUID), "fake:card");
     EXPECT_EQ(machine.get<double>(ids[1], kAudioDevicePropertyNominalSampleRate), 44100.0);
     const AudioObjectPropertyAddress inputs = {
