@@ -1,12 +1,30 @@
 #include "machine/process.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
 namespace orvane::machine {
 
+namespace {
+
+/// Takes the numbers of standard streams that are closed, so that no file gets one and with it what is
+/// printed.
+void occupyStandardStreams() {
+    int descriptor = -1;
+    do
+        // Writing to it still fails.
+        descriptor = ::open("/dev/null", O_RDONLY);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0) ::close(descriptor);
+}
+
+} // namespace
+
 void prepareProcess() {
+    occupyStandardStreams();
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     const mode_t wanted = ::umask(S_IWOTH);

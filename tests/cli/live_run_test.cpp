@@ -121,6 +121,17 @@ TEST(LiveRun, GoesOnWhereItsMessagesCannotBeWritten) {
         EXPECT_EQ(exitCodeOfShell(folder, command), 0) << command;
 }
 
+TEST(LiveRun, PrintsIntoNoFileOfItsOwnWhereItsStreamsAreClosed) {
+    const TemporaryFolder folder;
+    const std::string recording = (folder / "out.wav").string();
+    EXPECT_EQ(
+        exitCodeOfShell(folder, cli + " run --meters json --seconds 0.2 --record " + recording + " >&- 2>&-"),
+        0
+    );
+    EXPECT_TRUE(orvane::platform::SoundFileReader::open(recording));
+    EXPECT_THAT(contentOf(recording), Not(HasSubstr("strips")));
+}
+
 TEST(LiveRun, KeepsTheMachineAwake) {
     orvane::test::DesktopPeer desktop;
     const pid_t run = startServer({"env", "ORVANE_DRIVERS=virtual", program, "run", "--meters", "none"});
