@@ -1,5 +1,6 @@
 #include "cli/devices_command.h"
 
+#include "cli/json_text.h"
 #include "cli/message.h"
 #include "cli/print_result.h"
 #include "engine/mixer_engine.h"
@@ -49,7 +50,7 @@ std::string devicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, in
              {"outputChannelCount", device.outputChannelCount},
              {"sampleRate", device.sampleRate}}
         );
-    return document.dump(2) + "\n";
+    return jsonText(document);
 }
 
 int listDevices(const DevicesOptions& options) {

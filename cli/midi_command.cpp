@@ -1,5 +1,6 @@
 #include "cli/midi_command.h"
 
+#include "cli/json_text.h"
 #include "cli/message.h"
 #include "cli/midi_send.h"
 #include "cli/print_result.h"
@@ -40,8 +41,7 @@ std::string sourcesAsJSON(const Sources& sources) {
     nlohmann::json document = {{"sources", nlohmann::json::array()}};
     for (const midi::MIDIDeviceInfo& source : sources)
         document["sources"].push_back({{"id", source.id}, {"name", source.name}});
-    // Names are whatever other programs have made them.
-    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(document);
 }
 
 int listSources(const MIDIOptions& options) {

@@ -1,5 +1,6 @@
 #include "cli/plugins_command.h"
 
+#include "cli/json_text.h"
 #include "cli/print_result.h"
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/system_log.h"
@@ -38,8 +39,7 @@ std::string componentsAsJSON(const Components& components) {
              {"componentManufacturer", identity.componentManufacturer}}
         );
     }
-    // Names are whatever their makers have written.
-    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return jsonText(document);
 }
 
 int listPlugins(bool asJSON) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,6 +37,10 @@ TEST(Devices, AreListedForPeopleAndForPrograms) {
     const auto document = nlohmann::json::parse(contentOf(folder / "stdout"));
     EXPECT_EQ(document["devices"][0]["uid"], "virtual:file:panel-8ch.flac");
     EXPECT_EQ(document["devices"].size(), 4U);
+    const auto noText = folder / "no\xfftext.flac";
+    std::filesystem::copy_file(panel, noText);
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " devices --json --virtual-input '" + noText.string() + "'"), 0);
+    EXPECT_TRUE(nlohmann::json::accept(contentOf(folder / "stdout")));
 }
 
 TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
