@@ -20,6 +20,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
+#include <ranges>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -77,6 +79,10 @@ class LiveRun final {
                 "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
                 strips
             )};
+        if (document)
+            std::ranges::copy(
+                document->channels | std::views::drop(strips), std::back_inserter(channelsBeyond)
+            );
         engine.emplace(strips, services(machine.midi()));
         // What the session asks for and cannot have; the mix goes on without.
         const auto toErrors = engine->state().lastError.subscribe(printSentence);
@@ -158,7 +164,9 @@ class LiveRun final {
         if (!options.session)
             return printMessage("There is no file to save the session to; the mixer was started without one "
                                 "(--session).");
-        const auto written = engine::exportSession(engine->makeDocumentData(), *options.session);
+        session::MixerDocumentData document = engine->makeDocumentData();
+        std::ranges::copy(channelsBeyond, std::back_inserter(document.channels));
+        const auto written = engine::exportSession(document, *options.session);
         printMessage(
             written ? fmt::format("Saved the session to {}.", options.session->string())
                     : written.error().description
@@ -237,6 +245,8 @@ class LiveRun final {
     platform::RunLoop& loop;
     const machine::SaveSignal saveSignal;
     std::optional<MixerEngine> engine;
+    /// The channels of the session that the mixer has no strips for: they stay in its file.
+    std::vector<session::ChannelSettingsData> channelsBeyond;
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;

@@ -16,8 +16,8 @@ void addRunCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<LiveRunOptions>();
     CLI::App* const command = program.add_subcommand("run", "Mix live without a window");
     command->footer(
-        "SIGINT (Ctrl-C) and SIGTERM end the run; SIGUSR1 saves the session to its file. Without a session "
-        "every input of the device has a strip, "
+        "SIGINT (Ctrl-C), SIGTERM and SIGHUP end the run; SIGUSR1 saves the session to its file. Without a "
+        "session every input of the device has a strip, "
         "and the master bus goes to outputs 1 and 2. ORVANE_DRIVERS=jack,alsa,virtual limits the drivers."
     );
     command->add_option("--session", options->session, "Session that sets up the mix");

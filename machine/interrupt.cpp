@@ -1,6 +1,7 @@
 #include "machine/interrupt.h"
 
 #include <atomic>
+#include <cstddef>
 
 namespace orvane::machine {
 
@@ -22,13 +23,15 @@ InterruptGuard::InterruptGuard() {
     action.sa_handler = remember;
     // Reads and writes that are under way go on; waits still end early, so that the flag is looked at soon.
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, &interruptBefore);
-    sigaction(SIGTERM, &action, &terminateBefore);
+    for (std::size_t i = 0; i < signals.size(); ++i)
+        sigaction(signals[i], &action, &before[i]);
+    // Whoever starts a program with nohup wants it to outlive the terminal.
+    if (before.back().sa_handler == SIG_IGN) sigaction(signals.back(), &before.back(), nullptr);
 }
 
 InterruptGuard::~InterruptGuard() {
-    sigaction(SIGINT, &interruptBefore, nullptr);
-    sigaction(SIGTERM, &terminateBefore, nullptr);
+    for (std::size_t i = 0; i < signals.size(); ++i)
+        sigaction(signals[i], &before[i], nullptr);
 }
 
 bool InterruptGuard::isInterrupted() const noexcept {

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <array>
 #include <csignal>
 
 namespace orvane::machine {
 
-/// While one stands, SIGINT and SIGTERM no longer end the program but are remembered, so that long work can
-/// stop cleanly; then they do again what they did before. The program that does the work owns it, at most one
-/// at a time.
+/// While one stands, SIGINT, SIGTERM and SIGHUP no longer end the program but are remembered, so that long
+/// work can stop cleanly; then they do again what they did before. A SIGHUP that is ignored stays so. The
+/// program that does the work owns it, at most one at a time.
 class InterruptGuard final {
   public:
     /// Main thread.
@@ -20,8 +21,9 @@ class InterruptGuard final {
     [[nodiscard]] bool isInterrupted() const noexcept;
 
   private:
-    struct sigaction interruptBefore {};
-    struct sigaction terminateBefore {};
+    static constexpr std::array signals = {SIGINT, SIGTERM, SIGHUP};
+
+    std::array<struct sigaction, signals.size()> before = {};
 };
 
 } // namespace orvane::machine

@@ -155,12 +155,15 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     const TemporaryFolder folder;
     const auto session = folder.add(
         "show.orvane", R"({"channels": [{"name": "Host", "outputRouting": {"none": {}}, "genderMode": "male",
-            "muted": false, "bypassed": false, "trim": 0.5}], "masterTargetDB": -12, "bufferSize": 512,
-            "snapshots": []})"
+            "muted": false, "bypassed": false, "trim": 0.5}, {"name": "Guest", "outputRouting": {"none": {}},
+            "genderMode": "neutral", "muted": true, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
+            "bufferSize": 512, "snapshots": []})"
     );
     for (const auto& [options, says] :
          {std::pair(std::string(), std::string("There is no file to save the session to")),
-          std::pair(" --session " + session.string(), "Saved the session to " + session.string())}) {
+          std::pair(
+              " --channels 1 --session " + session.string(), "Saved the session to " + session.string()
+          )}) {
         const std::string command = fmt::format(
             "rm -f {0}; mkfifo {0}; {1} run --meters json{2} >{0} 2>{0}.says & "
             "{{ read line; kill -USR1 $!; while ! grep -q session {0}.says && read line; do :; done; "
@@ -172,6 +175,7 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     }
     const auto document = nlohmann::json::parse(contentOf(session));
     EXPECT_EQ(document["channels"][0]["name"], "Host");
+    EXPECT_EQ(document["channels"][1]["name"], "Guest") << "the mixer has no strip for it";
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
 }
 

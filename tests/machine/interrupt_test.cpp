@@ -8,7 +8,7 @@ namespace {
 
 using orvane::machine::InterruptGuard;
 
-constexpr int endingSignals[] = {SIGINT, SIGTERM};
+constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 TEST(InterruptGuard, RemembersASignalInsteadOfEndingTheProgram) {
     for (const int signal : endingSignals) {
@@ -19,6 +19,14 @@ TEST(InterruptGuard, RemembersASignalInsteadOfEndingTheProgram) {
         std::raise(signal);
         EXPECT_TRUE(guard.isInterrupted()) << "after signal " << signal << " came again";
     }
+}
+
+TEST(InterruptGuard, LetsAProgramOutliveItsTerminalThatIsToldTo) {
+    const auto before = std::signal(SIGHUP, SIG_IGN);
+    const InterruptGuard guard;
+    std::raise(SIGHUP);
+    EXPECT_FALSE(guard.isInterrupted());
+    std::signal(SIGHUP, before);
 }
 
 TEST(InterruptGuard, GivesTheSignalsBackAsTheyWere) {

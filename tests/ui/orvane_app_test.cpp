@@ -118,6 +118,7 @@ TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
     session::MixerDocumentData document;
     document.channels.resize(3);
     document.channels[2].name = "Choir";
+    document.masterOutputRouting = session::output::Mono{3};
     const auto window =
         launch({.session = document, .masterDevice = "virtual:monitor", .bufferSize = 128, .start = true});
     const engine::EngineState& state = window->mixerRootView()->engine().state();
@@ -127,6 +128,7 @@ TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
     EXPECT_EQ(state.masterOutputDevice.get()->uid, "virtual:monitor");
     EXPECT_EQ(state.bufferSize.get(), 128);
     EXPECT_TRUE(state.isRunning.get());
+    EXPECT_THAT(state.lastError.get().value_or(""), testing::StartsWith("Master Out was reset to \"None\""));
     EXPECT_EQ(preferences.integer("orvaneChannelCount"), 16);
 
     const auto wrong = launch({.channels = 5, .device = "virtual:none"});

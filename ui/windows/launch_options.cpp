@@ -17,7 +17,7 @@ std::optional<std::int64_t> channelCountFor(const LaunchOptions& options) {
 }
 
 std::vector<std::string>
-launch(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options) {
+selectDevices(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options) {
     std::vector<std::string> problems;
     mixer.refreshDevices();
     const auto find = [&](const std::optional<std::string>& uid) -> std::optional<audio::AudioDeviceInfo> {
@@ -28,11 +28,14 @@ launch(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const Laun
     };
     if (options.device || options.start)
         if (const auto device = find(options.device)) mixer.selectDevice(*device);
-    if (options.bufferSize) mixer.setBufferSize(*options.bufferSize);
     if (options.masterDevice)
         if (const auto device = find(options.masterDevice)) mixer.selectMasterOutputDevice(*device);
-    if (options.start && mixer.state().selectedDevice.get()) mixer.start();
     return problems;
+}
+
+void launch(engine::MixerEngine& mixer, const LaunchOptions& options) {
+    if (options.bufferSize) mixer.setBufferSize(*options.bufferSize);
+    if (options.start && mixer.state().selectedDevice.get()) mixer.start();
 }
 
 } // namespace orvane::ui

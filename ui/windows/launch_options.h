@@ -34,9 +34,14 @@ struct LaunchOptions {
 /// holds it, or the largest. Nothing if they leave it open.
 std::optional<std::int64_t> channelCountFor(const LaunchOptions& options);
 
-/// Sets up and starts a fresh engine, which has the session already, as the rest of the options says. Returns
-/// what could not be done, a sentence each; all else is done. Main thread.
+/// Selects the devices that the options name in a fresh engine; before it is given the session, whose routing
+/// is then the one that counts. Returns what could not be done, a sentence each; all else is done. Main
+/// thread.
 std::vector<std::string>
-launch(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options);
+selectDevices(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options);
+
+/// Sets up and starts an engine that has its devices and the session as the rest of the options says. Main
+/// thread.
+void launch(engine::MixerEngine& mixer, const LaunchOptions& options);
 
 } // namespace orvane::ui

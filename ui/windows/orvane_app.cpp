@@ -163,20 +163,21 @@ void ORVANEApp::showContent() {
 
 void ORVANEApp::begin(MixerRootView& root) {
     const LaunchOptions options = std::exchange(launchOptions, {});
+    const auto problems = selectDevices(root.engine(), parts.services.audioHardware, options);
     const auto goOn = [this, &root, options](const platform::Result<platform::Done>& applied) {
         opened = applied;
         if (onOpened) std::exchange(onOpened, {})(applied);
         if (!applied) return;
-        const auto problems = launch(root.engine(), parts.services.audioHardware, options);
+        launch(root.engine(), options);
         root.view().sessionFile().setSaved();
         if (options.sessionFile)
             root.view().sessionFile().setFile(QString::fromStdString(options.sessionFile->string()));
-        showProblems(problems);
     };
     if (options.session)
         root.view().sessionFile().apply(*options.session, goOn);
     else
         goOn(platform::Done{});
+    showProblems(problems);
 }
 
 void ORVANEApp::setChannelCount(std::int64_t count) {
