@@ -69,8 +69,10 @@ void SnapshotList::remove() {
 
 void SnapshotList::undo() {
     if (undoStack.empty()) return;
-    state.snapshots.set(std::move(undoStack.back()));
+    // Taken off first: who is told may throw.
+    std::vector<Snapshot> earlier = std::move(undoStack.back());
     undoStack.pop_back();
+    state.snapshots.set(std::move(earlier));
     if (state.currentSnapshotIndex.get() && selected() == nullptr)
         state.currentSnapshotIndex.set(count() > 0 ? std::optional(count() - 1) : std::nullopt);
 }

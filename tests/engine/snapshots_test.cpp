@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -197,6 +198,20 @@ TEST(Snapshots, ArePlayedFromTheNextBlockOn) {
             ) << "recall "
               << recall << ", strip " << i;
     }
+}
+
+TEST_F(SnapshotsTest, AreUndoneStepByStepAlsoWhereAListenerThrows) {
+    for (int i = 0; i < 3; ++i)
+        engine.newSnapshot();
+    bool isThrowing = true;
+    const auto throwing = engine.state().snapshots.subscribe([&](const auto&) {
+        if (isThrowing) throw std::bad_alloc();
+    });
+    EXPECT_THROW(engine.undoSnapshotEdit(), std::bad_alloc);
+    isThrowing = false;
+    EXPECT_THAT(names(), ElementsAre("Snapshot 1", "Snapshot 2"));
+    engine.undoSnapshotEdit();
+    EXPECT_THAT(names(), ElementsAre("Snapshot 1"));
 }
 
 TEST_F(SnapshotsTest, FlagRecallSafeOnlyTheSlotsThatHaveAFlag) {
