@@ -2,21 +2,21 @@
 
 #include "engine/session/channel_settings_data.h"
 #include "engine/session/midi_trigger.h"
+#include "engine/session/shared_list.h"
 #include "platform/uuid.h"
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace orvane::session {
 
-/// A stored scene. A plain value.
+/// A stored scene. A plain value, cheap to copy: lists of scenes are copied at every edit and kept for undo.
 struct Snapshot {
     platform::Uuid id;
     /// What the user reads.
     std::string name;
     /// Entry i belongs to strip i.
-    std::vector<ChannelSettingsData> channels;
+    SharedList<ChannelSettingsData> channels;
     /// The master leveler's target in dB.
     double masterTargetDB = 0.0;
     /// The lead group fader in dB.

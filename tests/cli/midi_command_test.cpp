@@ -102,10 +102,11 @@ TEST(MIDICommand, LearnsANoteThatThenChangesTheMix) {
     document.data.channels.push_back(session::ChannelStrip::make({}, "Mic", 0, 0).settings());
     document.data.channels[0].bypassed = true;
     document.data.snapshots.resize(2);
-    for (auto& scene : document.data.snapshots)
-        scene.channels = document.data.channels;
+    auto channels = document.data.channels;
+    document.data.snapshots[0].channels = channels;
     document.data.snapshots[1].name = "Silent";
-    document.data.snapshots[1].channels[0].muted = true;
+    channels[0].muted = true;
+    document.data.snapshots[1].channels = channels;
     ASSERT_TRUE(document.write(folder / "show.orvane"));
     const std::string run =
         fmt::format("ORVANE_DRIVERS=jack,virtual {} run --device virtual:panel", ORVANE_GUARDED_CLI);

@@ -158,8 +158,9 @@ TEST_F(MemoryShortage, LoadsASessionWholeOrNotAtAll) {
     document.bufferSize = 256;
     document.duckerReleaseMs = 900.0;
     document.masterTargetDB = -20.0;
-    document.channels = document.snapshots.at(0).channels;
-    document.snapshots.resize(3, document.snapshots.at(0));
+    const session::Snapshot& scene = document.snapshots.at(0);
+    document.channels.assign(scene.channels.begin(), scene.channels.end());
+    document.snapshots.resize(3, session::Snapshot(scene));
     changeWholeOrNotAtAll(
         [&] { engine->applyDocument(document); }, before,
         "There is not enough memory to load the session; the mixer is as it was."

@@ -110,8 +110,11 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     );
     // A scene of more strips than there are, and one of fewer.
     session::MixerDocumentData document = engine.makeDocumentData();
-    document.snapshots[0].channels.resize(6);
-    document.snapshots[1].channels.resize(1);
+    std::vector<session::ChannelSettingsData> channels = document.channels;
+    channels.resize(6);
+    document.snapshots[0].channels = channels;
+    channels.resize(1);
+    document.snapshots[1].channels = channels;
     engine.applyDocument(document);
     EXPECT_FALSE(selection());
     engine.recallSnapshot(1);
@@ -212,6 +215,16 @@ TEST_F(SnapshotsTest, AreUndoneStepByStepAlsoWhereAListenerThrows) {
     EXPECT_THAT(names(), ElementsAre("Snapshot 1", "Snapshot 2"));
     engine.undoSnapshotEdit();
     EXPECT_THAT(names(), ElementsAre("Snapshot 1"));
+}
+
+TEST_F(SnapshotsTest, AreNotCopiedByEditsOfOthersAndTheirUndo) {
+    engine.newSnapshot();
+    const session::ChannelSettingsData* const channels = scenes()[0].channels.begin();
+    engine.newSnapshot();
+    engine.storeSnapshot();
+    engine.renameSnapshot(0, "Opening");
+    engine.undoSnapshotEdit();
+    EXPECT_EQ(scenes()[0].channels.begin(), channels);
 }
 
 TEST_F(SnapshotsTest, FlagRecallSafeOnlyTheSlotsThatHaveAFlag) {

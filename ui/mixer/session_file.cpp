@@ -14,9 +14,9 @@
 #include <filesystem>
 #include <iterator>
 #include <ranges>
+#include <span>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace orvane::ui {
 
@@ -41,7 +41,7 @@ std::filesystem::path toPath(const QString& path) {
     return path.toStdString();
 }
 
-bool hasPlugins(const std::vector<session::ChannelSettingsData>& channels) {
+bool hasPlugins(std::span<const session::ChannelSettingsData> channels) {
     return std::ranges::any_of(channels, [](const session::ChannelSettingsData& channel) {
         return std::ranges::any_of(channel.pluginSlots, [](const session::PluginSlot& slot) {
             return slot.component.has_value();

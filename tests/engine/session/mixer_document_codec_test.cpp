@@ -115,8 +115,9 @@ TEST(MixerDocumentCodec, GivesOlderFilesTheDefaultsOfWhatTheyLackOrHoldAsNull) {
         MixerDocumentData expected{whole.channels, whole.masterTargetDB, whole.bufferSize, whole.snapshots};
         resetOptional(expected.channels);
         for (Snapshot& snapshot : expected.snapshots) {
-            resetOptional(snapshot.channels);
-            snapshot = {snapshot.id, snapshot.name, snapshot.channels, snapshot.masterTargetDB, 0, 0, {}};
+            std::vector channels(snapshot.channels.begin(), snapshot.channels.end());
+            resetOptional(channels);
+            snapshot = {snapshot.id, snapshot.name, channels, snapshot.masterTargetDB, 0, 0, {}};
         }
         for (const auto instead : {lost, nullAndLost})
             EXPECT_EQ(decoded(rewritten(encoded(whole), keys, instead)), expected) << "seed " << seed;
@@ -164,8 +165,9 @@ TEST(MixerDocumentCodec, NamesTheNumberThatHasNoForm) {
     for (const double value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity()}) {
         MixerDocumentData data;
         data.snapshots.resize(3);
-        data.snapshots[2].channels.resize(2);
-        data.snapshots[2].channels[1].outputRouting = output::Stereo{0, 1, value};
+        std::vector<ChannelSettingsData> channels(2);
+        channels[1].outputRouting = output::Stereo{0, 1, value};
+        data.snapshots[2].channels = channels;
         EXPECT_EQ(
             descriptionOf(encodeMixerDocument(data)),
             "snapshots[2].channels[1].outputRouting.stereo.pan is not a finite number."
