@@ -92,7 +92,7 @@ void write(
 void migrate(const std::filesystem::path& earlier, const std::filesystem::path& file) {
     std::error_code ignored;
     if (std::filesystem::exists(file, ignored)) return;
-    const auto text = platform::readFile(earlier, session::maximumDocumentSize);
+    const auto text = platform::readFile(earlier, session::DocumentLimits{}.size);
     if (text) (void)platform::writeFileAtomically(file, std::as_bytes(std::span(text.value())));
 }
 
@@ -127,7 +127,7 @@ void PluginPresetStore::remove(const platform::Uuid& id, const AUComponentIdenti
 }
 
 void PluginPresetStore::load() {
-    const auto text = platform::readFile(*fileURL, session::maximumDocumentSize);
+    const auto text = platform::readFile(*fileURL, session::DocumentLimits{}.size);
     if (!text) return;
     const auto tree = session::parseDocumentTree(text.value(), isKnown);
     if (!tree) return;
@@ -151,7 +151,7 @@ void PluginPresetStore::save() const {
     writer.endObject();
     const std::string& text = writer.text();
     // A larger file would not be read again.
-    if (text.size() > session::maximumDocumentSize) return;
+    if (text.size() > session::DocumentLimits{}.size) return;
     (void)platform::writeFileAtomically(*fileURL, std::as_bytes(std::span(text)));
 }
 

@@ -1,27 +1,26 @@
 #pragma once
 
+#include "platform/result.h"
+
 #include <cstddef>
-#include <string_view>
+#include <optional>
 
-/// What keeps a hostile file from exhausting the machine. Files are written within the same limits, so that
-/// whatever was exported can be read back.
 namespace orvane::session {
-
-/// Bytes of a session file.
-inline constexpr std::size_t maximumDocumentSize = 64U << 20U;
-
-/// The error for a text beyond it.
-inline constexpr std::string_view documentTooLarge =
-    "The session takes more than the 64 MiB that a file may have.";
 
 /// Objects and arrays inside each other; a session has eight.
 inline constexpr std::size_t maximumNesting = 64;
 
-/// Spaces that a written line is indented by for each level.
-inline constexpr std::size_t indentWidth = 4;
+/// What keeps a hostile file from exhausting the machine. Files are written within the same limits, so that
+/// whatever was exported can be read back. A plain value.
+struct DocumentLimits {
+    /// Bytes of a file.
+    std::size_t size = 512U << 20U;
+    /// Values that are kept while a file is read, the outermost aside. They take up to two hundred bytes
+    /// each; a scene of 48 strips has two thousand.
+    std::size_t valueCount = 5'000'000;
 
-/// Values that are kept while a file is read. In a written file every value but the outermost has a line of
-/// its own, the shortest being `true,` on the second level, so that no file within the size limit has more.
-inline constexpr std::size_t maximumValueCount = maximumDocumentSize / (2 * indentWidth + 6);
+    /// What is wrong with a content that has so many of both; nothing where it is within.
+    [[nodiscard]] std::optional<platform::Error> excess(std::size_t bytes, std::size_t values) const;
+};
 
 } // namespace orvane::session

@@ -1,7 +1,6 @@
 #include "engine/session/document_tree.h"
 
 #include "engine/session/displayed_text.h"
-#include "engine/session/document_limits.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -44,7 +43,8 @@ struct Level {
 /// first event that is answered with false; `failure` says why.
 class TreeBuilder final {
   public:
-    TreeBuilder(std::string_view parsedText, IsKnownKey knownKeys) : text(parsedText), isKnown(knownKeys) {}
+    TreeBuilder(std::string_view parsedText, IsKnownKey knownKeys, const DocumentLimits& documentLimits)
+        : text(parsedText), isKnown(knownKeys), limits(documentLimits) {}
 
     bool null() { return addScalar(nullptr); }
     bool boolean(bool value) { return addScalar(value); }
@@ -74,6 +74,7 @@ class TreeBuilder final {
 
     std::string_view text;
     IsKnownKey isKnown;
+    const DocumentLimits& limits;
     std::vector<Level> levels;
     std::size_t keptCount = 0;
 };
@@ -129,10 +130,8 @@ json* TreeBuilder::keep(json value) {
     if (levels.empty()) return &(tree.root = std::move(value));
     const Level& level = levels.back();
     if (level.node == nullptr) return nullptr;
-    if (++keptCount > maximumValueCount) {
-        fail("The session has more than " + std::to_string(maximumValueCount) + " values.");
-        return nullptr;
-    }
+    failure = limits.excess(text.size(), ++keptCount);
+    if (failure) return nullptr;
     if (!level.isObject) {
         level.node->push_back(std::move(value));
         return &level.node->back();
@@ -179,12 +178,13 @@ DocumentTree::~DocumentTree() {
     dissolve(root);
 }
 
-platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownKey isKnown) {
-    if (text.size() > maximumDocumentSize) return Error{std::string(documentTooLarge)};
+platform::Result<DocumentTree>
+parseDocumentTree(std::string_view text, IsKnownKey isKnown, const DocumentLimits& limits) {
+    if (const auto excess = limits.excess(text.size(), 0)) return *excess;
     // The parser would take a zero byte for the end of the text and leave the rest unread.
     if (const auto zero = text.find('\0'); zero != std::string_view::npos) return syntaxError(text, zero);
 
-    TreeBuilder builder(text, isKnown);
+    TreeBuilder builder(text, isKnown, limits);
     json::sax_parse(text.data(), text.data() + text.size(), &builder);
     if (builder.failure) return *builder.failure;
     return std::move(builder.tree);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/session/document_keys.h"
+#include "engine/session/document_limits.h"
 #include "platform/result.h"
 
 #include <nlohmann/json.hpp>
@@ -26,8 +27,10 @@ struct DocumentTree {
 using IsKnownKey = bool (*)(std::string_view key);
 
 /// Reads a JSON text, a session's unless other keys are known. Fails, telling where, for anything but one
-/// well-formed text within the limits of "engine/session/document_limits.h", for a key that an object has
-/// twice and for a number that no double can hold, in the parts without a meaning too.
-platform::Result<DocumentTree> parseDocumentTree(std::string_view text, IsKnownKey isKnown = key::isKnown);
+/// well-formed text within the limits, for a key that an object has twice and for a number that no double can
+/// hold, in the parts without a meaning too.
+platform::Result<DocumentTree> parseDocumentTree(
+    std::string_view text, IsKnownKey isKnown = key::isKnown, const DocumentLimits& limits = {}
+);
 
 } // namespace orvane::session

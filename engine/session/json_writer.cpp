@@ -66,6 +66,7 @@ void JSONWriter::startValue() {
 }
 
 void JSONWriter::separate() {
+    ++writtenCount;
     if (levels.back().count++ > 0) written += ',';
     breakLine();
 }

@@ -44,6 +44,9 @@ class JSONWriter final {
     /// The way to the first number that was not finite, as in "channels[3].trim"; nothing where all were.
     [[nodiscard]] const std::optional<std::string>& nonFinite() const { return nonFinitePath; }
 
+    /// How many values have been written, the outermost aside.
+    [[nodiscard]] std::size_t valueCount() const { return writtenCount; }
+
     /// What has been written.
     [[nodiscard]] std::string& text() { return written; }
 
@@ -66,6 +69,7 @@ class JSONWriter final {
 
     std::size_t indentWidth;
     std::string written;
+    std::size_t writtenCount = 0;
     std::vector<Level> levels;
     std::optional<std::string> nonFinitePath;
 };

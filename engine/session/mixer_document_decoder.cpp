@@ -145,8 +145,8 @@ MixerDocumentData readDocument(const DocumentNode& node) {
 
 } // namespace
 
-platform::Result<MixerDocumentData> decodeMixerDocument(std::string_view text) {
-    const auto tree = parseDocumentTree(text);
+platform::Result<MixerDocumentData> decodeMixerDocument(std::string_view text, const DocumentLimits& limits) {
+    const auto tree = parseDocumentTree(text, key::isKnown, limits);
     if (!tree) return tree.error();
     std::optional<platform::Error> fault;
     auto data = readDocument(DocumentNode(tree.value().root, fault));

@@ -1,7 +1,6 @@
 #include "engine/session/mixer_document_encoder.h"
 
 #include "engine/session/document_keys.h"
-#include "engine/session/document_limits.h"
 #include "engine/session/document_values.h"
 #include "engine/session/json_writer.h"
 #include "platform/base64.h"
@@ -13,6 +12,9 @@
 namespace orvane::session {
 
 namespace {
+
+/// Spaces that a line is indented by for each level.
+constexpr std::size_t indentWidth = 4;
 
 void write(JSONWriter& to, const PluginSlot& slot);
 void write(JSONWriter& to, const ChannelSettingsData& channel);
@@ -142,11 +144,12 @@ void write(JSONWriter& to, const MixerDocumentData& data) {
 
 } // namespace
 
-platform::Result<std::string> encodeMixerDocument(const MixerDocumentData& data) {
+platform::Result<std::string>
+encodeMixerDocument(const MixerDocumentData& data, const DocumentLimits& limits) {
     JSONWriter writer(indentWidth);
     write(writer, data);
     if (const auto& path = writer.nonFinite()) return platform::Error{*path + " is not a finite number."};
-    if (writer.text().size() > maximumDocumentSize) return platform::Error{std::string(documentTooLarge)};
+    if (const auto excess = limits.excess(writer.text().size(), writer.valueCount())) return *excess;
     return std::move(writer.text());
 }
 

@@ -12,7 +12,7 @@
 namespace orvane::session {
 
 platform::Result<MixerJSONDocument> MixerJSONDocument::read(const std::filesystem::path& path) {
-    const auto content = platform::readFile(path, maximumDocumentSize);
+    const auto content = platform::readFile(path, DocumentLimits{}.size);
     if (!content) return content.error();
     auto decoded = decodeMixerDocument(content.value());
     if (!decoded) return decoded.error();

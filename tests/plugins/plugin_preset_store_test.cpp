@@ -86,7 +86,7 @@ TEST(PluginPresetStore, StartsEmptyWithADamagedFileAndOverwritesIt) {
              whole.substr(0, whole.size() - 1), whole + std::string(1, '\0'), with("\"Hall\"", "7"),
              with("\"Hall\"", "\"\xFF\""), with("4294967295", "4294967296"), with("4294967295", "-1"),
              with("4294967295", "1.0"), with("AQ==", "AQ="), with("\"name\"", "\"title\""),
-             with("\"id\":\"", "\"id\":\"x"), std::string(1'000'000, '['), std::string(70'000'000, ' ')}) {
+             with("\"id\":\"", "\"id\":\"x"), std::string(1'000'000, '[')}) {
         folder.add(file, damaged);
         EXPECT_TRUE(namesStored(folder / "").empty()) << damaged.substr(0, 200);
         PluginPresetStore(folder / "").add("New", {2}, delay);
