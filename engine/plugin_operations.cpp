@@ -22,7 +22,7 @@ constexpr double sampleRateWithoutDevice = 48000.0;
 PluginOperations::PluginOperations(Engine partOf, const Services& services)
     : engine(std::move(partOf)),
       insertRack(*this, {services.audioUnitHost, services.mainThread, services.log, services.editorWindows}),
-      pluginPresetStore(services.applicationSupport) {}
+      pluginPresetStore(services.applicationSupport, services.log) {}
 
 audio::InsertTable PluginOperations::insertTable() const {
     audio::InsertTable table;

@@ -21,13 +21,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const test::TemporaryFolder folder(test::memoryFolder());
     std::filesystem::create_directories(folder / "ORVANE");
     folder.add("ORVANE/PluginPresets.json", {reinterpret_cast<const char*>(data), size});
-    PluginPresetStore first(folder / "");
+    platform::SystemLog quiet([](const platform::LogLine&) {});
+    PluginPresetStore first(folder / "", quiet);
     first.add("New", {1, 2, 3}, components[0]);
-    const PluginPresetStore second(folder / "");
+    const PluginPresetStore second(folder / "", quiet);
     for (const session::AUComponentIdentity& component : components)
         fuzz::require(second.presets(component) == first.presets(component));
     for (const plugins::NamedPreset& preset : second.presets(components[0]))
         first.remove(preset.id, components[0]);
-    fuzz::require(PluginPresetStore(folder / "").presets(components[0]).empty());
+    fuzz::require(PluginPresetStore(folder / "", quiet).presets(components[0]).empty());
     return 0;
 }

@@ -19,9 +19,12 @@ namespace orvane::plugins {
 
 namespace {
 
+using platform::Done;
+using platform::Result;
 using session::AUComponentIdentity;
 using session::DocumentNode;
 
+constexpr std::string_view logCategory = "PluginPresets";
 constexpr const char* folderName = "ORVANE";
 constexpr const char* earlierFolderName = "Dravonel";
 constexpr const char* fileName = "PluginPresets.json";
@@ -98,7 +101,10 @@ void migrate(const std::filesystem::path& earlier, const std::filesystem::path& 
 
 } // namespace
 
-PluginPresetStore::PluginPresetStore(const std::optional<std::filesystem::path>& applicationSupport) {
+PluginPresetStore::PluginPresetStore(
+    const std::optional<std::filesystem::path>& applicationSupport, platform::SystemLog& systemLog
+)
+    : log(systemLog) {
     if (!applicationSupport) return;
     const std::filesystem::path folder = *applicationSupport / folderName;
     std::error_code ignored;
@@ -127,32 +133,53 @@ void PluginPresetStore::remove(const platform::Uuid& id, const AUComponentIdenti
 }
 
 void PluginPresetStore::load() {
+    std::error_code unknown;
+    if (!std::filesystem::exists(*fileURL, unknown) && !unknown) return;
+    if (const auto done = read(); !done)
+        log.post(
+            platform::LogLevel::error, logCategory,
+            {"The plugin presets could not be read, and the next change replaces them: ",
+             done.error().description}
+        );
+}
+
+Result<Done> PluginPresetStore::read() {
     const auto text = platform::readFile(*fileURL, session::DocumentLimits{}.size);
-    if (!text) return;
+    if (!text) return text.error();
     const auto tree = session::parseDocumentTree(text.value(), isKnown);
-    if (!tree) return;
+    if (!tree) return tree.error();
     std::optional<platform::Error> fault;
     auto entries = DocumentNode(tree.value().root, fault).required(key::entries).list(readEntry);
-    if (fault) return;
+    if (fault) return *fault;
     for (Entry& entry : entries)
         presetsByComponent[entry.identity] = std::move(entry.presets);
+    return Done{};
 }
 
 void PluginPresetStore::save() const {
     if (!fileURL) return;
+    if (const auto done = write(); !done)
+        log.post(
+            platform::LogLevel::error, logCategory,
+            {"The plugin presets could not be saved: ", done.error().description}
+        );
+}
+
+Result<Done> PluginPresetStore::write() const {
     constexpr std::size_t onOneLine = 0;
     session::JSONWriter writer(onOneLine);
     writer.beginObject();
     writer.key(key::entries);
     writer.beginArray();
     for (const auto& [identity, presets] : presetsByComponent)
-        write(writer, identity, presets);
+        plugins::write(writer, identity, presets);
     writer.endArray();
     writer.endObject();
     const std::string& text = writer.text();
-    // A larger file would not be read again.
-    if (text.size() > session::DocumentLimits{}.size) return;
-    (void)platform::writeFileAtomically(*fileURL, std::as_bytes(std::span(text)));
+    // A file beyond the limits would not be read again.
+    if (const auto excess = session::DocumentLimits{}.excess(text.size(), writer.valueCount()))
+        return *excess;
+    return platform::writeFileAtomically(*fileURL, std::as_bytes(std::span(text)));
 }
 
 } // namespace orvane::plugins

@@ -2,6 +2,8 @@
 
 #include "engine/session/au_component_identity.h"
 #include "platform/property_list.h"
+#include "platform/result.h"
+#include "platform/system_log.h"
 #include "platform/uuid.h"
 
 #include <filesystem>
@@ -26,13 +28,16 @@ struct NamedPreset {
 };
 
 /// The named settings of all plugins, independent of any session: in memory and, rewritten whole after every
-/// change, in a file. What fails with the file fails silently: the presets in memory stay, and so does the
-/// file that was there. Owned by the engine. Main thread.
+/// change, in a file. What fails with the file is told by a line of the log alone: the presets in memory
+/// stay, and so does the file that was there. Owned by the engine. Main thread.
 class PluginPresetStore final {
   public:
     /// Reads what is stored in the user's application-support directory; what an earlier version stored there
-    /// is taken over first, once. Without a directory presets are kept in memory alone.
-    explicit PluginPresetStore(const std::optional<std::filesystem::path>& applicationSupport);
+    /// is taken over first, once. Without a directory presets are kept in memory alone. `systemLog` outlives
+    /// the store.
+    PluginPresetStore(
+        const std::optional<std::filesystem::path>& applicationSupport, platform::SystemLog& systemLog
+    );
 
     /// The presets of a component in the order they were added.
     [[nodiscard]] std::vector<NamedPreset> presets(const session::AUComponentIdentity& identity) const;
@@ -44,8 +49,11 @@ class PluginPresetStore final {
 
   private:
     void load();
+    [[nodiscard]] platform::Result<platform::Done> read();
     void save() const;
+    [[nodiscard]] platform::Result<platform::Done> write() const;
 
+    platform::SystemLog& log;
     std::unordered_map<session::AUComponentIdentity, std::vector<NamedPreset>> presetsByComponent;
     std::optional<std::filesystem::path> fileURL;
 };

@@ -56,12 +56,14 @@ std::string readSession(const path& folder) {
 
 /// Version n has n presets.
 std::string writePreset(const path& folder, int /*version*/) {
-    plugins::PluginPresetStore(folder).add("Hall", platform::PropertyList::Data(100'000), delay);
+    platform::SystemLog quiet([](const platform::LogLine&) {});
+    plugins::PluginPresetStore(folder, quiet).add("Hall", platform::PropertyList::Data(100'000), delay);
     return "success";
 }
 
 std::string readPresets(const path& folder) {
-    const std::size_t count = plugins::PluginPresetStore(folder).presets(delay).size();
+    platform::SystemLog quiet([](const platform::LogLine&) {});
+    const std::size_t count = plugins::PluginPresetStore(folder, quiet).presets(delay).size();
     return count == 0 ? "" : std::to_string(count);
 }
 

@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -17,7 +18,9 @@ using namespace orvane;
 using namespace orvane::test;
 using plugins::PluginPresetStore;
 using session::AUComponentIdentity;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 constexpr AUComponentIdentity delay{0x61756678, 4294967295, 1};
@@ -31,51 +34,63 @@ std::vector<std::string> names(const PluginPresetStore& store, const AUComponent
     return found;
 }
 
-std::vector<std::string> namesStored(const fs::path& folder) {
-    return names(PluginPresetStore(folder), delay);
-}
+class PluginPresets : public testing::Test {
+  protected:
+    std::vector<std::string> namesStored(const fs::path& folder) {
+        return names(PluginPresetStore(folder, log), delay);
+    }
 
-TEST(PluginPresetStore, KeepsWhatIsAddedInOrderAcrossEngines) {
+    /// What has been logged since.
+    std::vector<std::string> logged() {
+        log.flush();
+        return std::exchange(lines, {});
+    }
+
+    std::vector<std::string> lines;
+    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
+};
+
+TEST_F(PluginPresets, KeepsWhatIsAddedInOrderAcrossEngines) {
     const TemporaryFolder folder;
     const fs::path support = folder / "share";
-    PluginPresetStore store(support);
+    PluginPresetStore store(support, log);
     EXPECT_FALSE(fs::exists(support / file));
     store.add("Hall", {0, 255, 7}, delay);
     store.add("Hall", {}, delay);
     store.add("Größe \xFF \"", {1}, gate);
-    const PluginPresetStore second(support);
+    const PluginPresetStore second(support, log);
     EXPECT_EQ(second.presets(delay), store.presets(delay));
     EXPECT_THAT(names(second, gate), ElementsAre("Größe \xEF\xBF\xBD \""));
     store.remove(store.presets(delay)[0].id, delay);
-    EXPECT_EQ(PluginPresetStore(support).presets(delay), store.presets(delay));
+    EXPECT_EQ(PluginPresetStore(support, log).presets(delay), store.presets(delay));
     store.remove(store.presets(delay)[0].id, delay);
     store.remove(store.presets(gate)[0].id, gate);
     store.remove(platform::Uuid::random(), {1, 2, 3});
-    EXPECT_THAT(contentOf(support / file), testing::HasSubstr(R"("componentSubType":4294967295)"));
-    EXPECT_THAT(contentOf(support / file), testing::HasSubstr(R"("presets":[])"));
+    EXPECT_THAT(contentOf(support / file), HasSubstr(R"("componentSubType":4294967295)"));
+    EXPECT_THAT(contentOf(support / file), HasSubstr(R"("presets":[])"));
     EXPECT_TRUE(namesStored(support).empty());
 
-    PluginPresetStore inMemory(std::nullopt);
+    PluginPresetStore inMemory(std::nullopt, log);
     inMemory.add("Hall", {1}, delay);
     EXPECT_THAT(names(inMemory, delay), ElementsAre("Hall"));
 }
 
-TEST(PluginPresetStore, TakesOverAnEarlierFileOnce) {
+TEST_F(PluginPresets, TakesOverAnEarlierFileOnce) {
     const TemporaryFolder folder;
     const TemporaryFolder other;
-    PluginPresetStore(other / "").add("Earlier", {1}, delay);
+    PluginPresetStore(other / "", log).add("Earlier", {1}, delay);
     const std::string earlier = contentOf(other / file);
     fs::create_directory(folder / "Dravonel");
     folder.add("Dravonel/PluginPresets.json", earlier);
-    PluginPresetStore store(folder / "");
+    PluginPresetStore store(folder / "", log);
     store.add("Later", {1}, delay);
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Earlier", "Later"));
     EXPECT_EQ(contentOf(folder / "Dravonel/PluginPresets.json"), earlier);
 }
 
-TEST(PluginPresetStore, StartsEmptyWithADamagedFileAndOverwritesIt) {
+TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
     const TemporaryFolder folder;
-    PluginPresetStore(folder / "").add("Hall", {1}, delay);
+    PluginPresetStore(folder / "", log).add("Hall", {1}, delay);
     const std::string whole = contentOf(folder / file);
     const auto with = [&whole](const std::string& part, const std::string& other) {
         std::string changed = whole;
@@ -88,8 +103,10 @@ TEST(PluginPresetStore, StartsEmptyWithADamagedFileAndOverwritesIt) {
              with("4294967295", "1.0"), with("AQ==", "AQ="), with("\"name\"", "\"title\""),
              with("\"id\":\"", "\"id\":\"x"), std::string(1'000'000, '[')}) {
         folder.add(file, damaged);
-        EXPECT_TRUE(namesStored(folder / "").empty()) << damaged.substr(0, 200);
-        PluginPresetStore(folder / "").add("New", {2}, delay);
+        PluginPresetStore store(folder / "", log);
+        EXPECT_TRUE(names(store, delay).empty()) << damaged.substr(0, 200);
+        EXPECT_THAT(logged(), ElementsAre(HasSubstr("could not be read"))) << damaged.substr(0, 200);
+        store.add("New", {2}, delay);
         EXPECT_THAT(namesStored(folder / ""), ElementsAre("New"));
     }
     // Of two entries of one component the later counts, and foreign keys are none of ours.
@@ -100,34 +117,35 @@ TEST(PluginPresetStore, StartsEmptyWithADamagedFileAndOverwritesIt) {
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Room"));
 }
 
-TEST(PluginPresetStore, LeavesTheFileWholeWhenItCannotBeWritten) {
+TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
     const TemporaryFolder folder;
-    PluginPresetStore store(folder / "");
+    PluginPresetStore store(folder / "", log);
     store.add("Hall", {1}, delay);
     {
         const FileSizeLimit fullDisk(1000);
         store.add("Large", platform::PropertyList::Data(5000), delay);
     }
+    EXPECT_THAT(logged(), ElementsAre(AllOf(HasSubstr("could not be saved"), HasSubstr("File too large"))));
     EXPECT_THAT(names(store, delay), ElementsAre("Hall", "Large"));
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Hall"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "ORVANE"), {}), 1);
 
     // The folder cannot be made where a file has its name.
     folder.add("blocked", "");
-    PluginPresetStore blocked(folder / "blocked");
+    PluginPresetStore blocked(folder / "blocked", log);
     blocked.add("Hall", {1}, delay);
     EXPECT_THAT(names(blocked, delay), ElementsAre("Hall"));
 }
 
-TEST(PluginPresetStore, SurvivesBeingKilledInMidWrite) {
+TEST_F(PluginPresets, SurvivesBeingKilledInMidWrite) {
     const TemporaryFolder folder;
-    PluginPresetStore(folder / "").add("Hall", {1}, delay);
+    PluginPresetStore(folder / "", log).add("Hall", {1}, delay);
     for (int round = 0; round < 10; ++round) {
         int written[2];
         ASSERT_EQ(pipe(written), 0);
         const pid_t writer = fork();
         if (writer == 0) {
-            PluginPresetStore store(folder / "");
+            PluginPresetStore store(folder / "", log);
             while (true) {
                 store.add("Large", platform::PropertyList::Data(100'000), gate);
                 if (write(written[1], "x", 1) != 1) _exit(1);
@@ -141,7 +159,9 @@ TEST(PluginPresetStore, SurvivesBeingKilledInMidWrite) {
         close(written[0]);
         close(written[1]);
         EXPECT_THAT(namesStored(folder / ""), ElementsAre("Hall")) << "round " << round;
-        EXPECT_GE(PluginPresetStore(folder / "").presets(gate).size(), static_cast<std::size_t>(round) + 1);
+        EXPECT_GE(
+            PluginPresetStore(folder / "", log).presets(gate).size(), static_cast<std::size_t>(round) + 1
+        );
     }
 }
 
