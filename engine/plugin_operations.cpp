@@ -84,22 +84,32 @@ bool PluginOperations::handleClipboardClick(const PluginSlotKey& key) {
     return true;
 }
 
-void PluginOperations::savePluginPreset(const std::string& name, const PluginSlotKey& key) {
+std::optional<plugins::NewPreset>
+PluginOperations::presetOf(const std::string& name, const PluginSlotKey& key) {
     const LoadedInsertPlugin* const live = insertRack.plugin(key);
-    if (live == nullptr) return;
+    if (live == nullptr) return std::nullopt;
     auto captured = plugins::captureState(*live->avAudioUnit);
-    if (!captured)
-        setLastError("Couldn't save a preset for " + live->component.name + ".");
-    else if (!captured.value())
-        setLastError(live->component.name + " has no state to save yet -- change a setting on it first.");
-    else
-        pluginPresetStore.add(name, *std::move(captured).value(), plugins::identityOf(live->component));
+    if (captured && captured.value())
+        return plugins::NewPreset{name, *std::move(captured).value(), plugins::identityOf(live->component)};
+    setLastError(
+        captured ? live->component.name + " has no state to save yet -- change a setting on it first."
+                 : "Couldn't save a preset for " + live->component.name + "."
+    );
+    return std::nullopt;
+}
+
+void PluginOperations::savePluginPreset(const std::string& name, const PluginSlotKey& key) {
+    if (auto preset = presetOf(name, key))
+        pluginPresetStore.add(std::move(preset->name), std::move(preset->data), preset->identity);
 }
 
 void PluginOperations::savePluginPresetOnAllChannels(const std::string& name, std::size_t slot) {
     // A copy: who is told of an error may change the strips.
-    for (const ChannelStrip& strip : std::vector(channelStrips()))
-        savePluginPreset(name, {strip.id, slot});
+    const std::vector<ChannelStrip> strips = channelStrips();
+    std::vector<plugins::NewPreset> presets;
+    for (const ChannelStrip& strip : strips)
+        if (auto preset = presetOf(name, {strip.id, slot})) presets.push_back(*std::move(preset));
+    pluginPresetStore.add(std::move(presets));
 }
 
 void PluginOperations::applyPluginPreset(const plugins::NamedPreset& preset, const PluginSlotKey& key) {

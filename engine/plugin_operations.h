@@ -67,6 +67,9 @@ class PluginOperations final : private plugins::InsertRackOwner {
     void deletePluginPreset(const platform::Uuid& id, const session::AUComponentIdentity& identity);
 
   private:
+    /// Of the settings that a plugin has now; nothing where it has none to save, which the error says.
+    std::optional<plugins::NewPreset> presetOf(const std::string& name, const PluginSlotKey& key);
+
     [[nodiscard]] const std::vector<session::ChannelStrip>& channelStrips() const override;
     void replaceSlot(const PluginSlotKey& key, session::PluginSlot record) override;
     [[nodiscard]] const plugins::PluginLoadStates& pluginLoadStates() const override;

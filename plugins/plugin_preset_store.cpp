@@ -122,8 +122,15 @@ std::vector<NamedPreset> PluginPresetStore::presets(const AUComponentIdentity& i
 void PluginPresetStore::add(
     std::string name, platform::PropertyList::Data data, const AUComponentIdentity& identity
 ) {
-    presetsByComponent[identity].push_back({platform::Uuid::random(), std::move(name), std::move(data)});
-    save();
+    add({{std::move(name), std::move(data), identity}});
+}
+
+void PluginPresetStore::add(std::vector<NewPreset> presets) {
+    for (NewPreset& preset : presets)
+        presetsByComponent[preset.identity].push_back(
+            {platform::Uuid::random(), std::move(preset.name), std::move(preset.data)}
+        );
+    if (!presets.empty()) save();
 }
 
 void PluginPresetStore::remove(const platform::Uuid& id, const AUComponentIdentity& identity) {

@@ -27,6 +27,14 @@ struct NamedPreset {
     bool operator==(const NamedPreset&) const = default;
 };
 
+/// A setting that is to become a named one. A plain value.
+struct NewPreset {
+    std::string name;
+    platform::PropertyList::Data data;
+    /// The plugin's.
+    session::AUComponentIdentity identity;
+};
+
 /// The named settings of all plugins, independent of any session: in memory and, rewritten whole after every
 /// change, in a file. What fails with the file is told by a line of the log alone: the presets in memory
 /// stay, and so does the file that was there. Owned by the engine. Main thread.
@@ -44,6 +52,8 @@ class PluginPresetStore final {
 
     void
     add(std::string name, platform::PropertyList::Data data, const session::AUComponentIdentity& identity);
+    /// Adds them in order as one change.
+    void add(std::vector<NewPreset> presets);
     /// Unknown ids change nothing.
     void remove(const platform::Uuid& id, const session::AUComponentIdentity& identity);
 

@@ -1,8 +1,13 @@
 #include "insert_plugins_fixture.h"
 
+#include "support/file_faults.h"
+#include "support/temporary_folder.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <functional>
 #include <memory>
 #include <semaphore>
 #include <string>
@@ -291,6 +296,27 @@ TEST_F(InsertPlugins, MoveThroughTheClipboard) {
     EXPECT_EQ(armState.get(), armedForPaste);
     start();
     EXPECT_EQ(heard(2), 2.0F);
+}
+
+TEST_F(InsertPlugins, KeepThePresetsOfAllChannelsInOneWritingOfTheFile) {
+    const test::TemporaryFolder folder;
+    platform::SystemAudioHardware noDevices{{}};
+    engine::Services services{noDevices, midiServices, mainThread, audioUnitHost, log};
+    services.applicationSupport = folder / "";
+    engine = std::make_unique<engine::MixerEngine>(stripCount, services);
+    for (std::size_t strip = 0; strip < stripCount; ++strip)
+        load(mono, 0, strip);
+    // As many as it takes for none to be hit by a fault.
+    const auto fileCalls = [](const std::function<void()>& save) {
+        for (std::size_t call = 0;; ++call) {
+            const test::FileFault fault(call, EIO);
+            save();
+            if (!fault.hasHappened()) return call;
+        }
+    };
+    const std::size_t ofOne = fileCalls([this] { engine->savePluginPreset("One", 0, id(0)); });
+    EXPECT_EQ(fileCalls([this] { engine->savePluginPresetOnAllChannels("All", 0); }), ofOne);
+    EXPECT_EQ(fileCalls([this] { engine->savePluginPresetOnAllChannels("None", 1); }), 0U);
 }
 
 TEST_F(InsertPlugins, KeepTheirSettingsAsPresets) {
