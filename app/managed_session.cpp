@@ -13,8 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How long a manager, which may be starting a whole show, is waited for.
-constexpr auto patience = 10s;
+/// The window waits as long, so not for long where NSM_URL names a manager that is gone.
+constexpr platform::ManagerPatience patience{.answer = 2s, .open = 10s};
 
 } // namespace
 

@@ -61,14 +61,10 @@ class SessionManagerClient::Connection final {
     }
 
     /// Serves messages until there is a session or a refusal, or the time is over.
-    void waitForOpen(std::chrono::milliseconds patience) {
-        const auto deadline = std::chrono::steady_clock::now() + patience;
-        while (!session && !refusal) {
-            const auto left =
-                std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0) return;
-            lo_server_recv_noblock(server.get(), static_cast<int>(left.count()));
-        }
+    void waitForOpen(const ManagerPatience& patience) {
+        const auto isDecided = [this] { return session || refusal; };
+        serveUntil([&] { return isAnnounced || isDecided(); }, patience.answer);
+        if (isAnnounced) serveUntil(isDecided, patience.open);
     }
 
     void poll() {
@@ -94,6 +90,17 @@ class SessionManagerClient::Connection final {
     std::function<void()> save;
 
   private:
+    template <class Condition>
+    void serveUntil(Condition isMet, std::chrono::milliseconds patience) {
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        while (!isMet()) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            if (left.count() <= 0) return;
+            lo_server_recv_noblock(server.get(), static_cast<int>(left.count()));
+        }
+    }
+
     template <void (Connection::*handle)(lo_arg**)>
     void add(const char* path, const char* types) {
         lo_server_add_method(
@@ -142,7 +149,7 @@ class SessionManagerClient::Connection final {
 };
 
 Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
-    const std::string& url, const std::string& executable, std::chrono::milliseconds patience
+    const std::string& url, const std::string& executable, const ManagerPatience& patience
 ) {
     // liblo would print what it does not understand.
     Address manager(url.starts_with(urlBeginning) ? lo_address_new_from_url(url.c_str()) : nullptr);

@@ -21,6 +21,14 @@ struct SessionPlace {
 /// Why a program does not do what the manager asks, as the protocol numbers it.
 enum class ManagerRefusal : int { general = -1, noSessionOpen = -6, notNow = -8, badSession = -9 };
 
+/// How long a session manager is waited for.
+struct ManagerPatience {
+    /// For its answer to the announcement, which managers give at once.
+    std::chrono::milliseconds answer;
+    /// For what is to be opened, from the answer on; it may be starting a whole show.
+    std::chrono::milliseconds open;
+};
+
 /// The program's side of the NSM protocol, which session managers speak to open, save and close the programs
 /// of a show together. Made by the composition root before any audio client. Main thread; only `connect`
 /// waits.
@@ -30,7 +38,7 @@ class SessionManagerClient final {
     /// waits until it is told what to open. Fails where the manager refuses, does not answer or says nothing
     /// to open within `patience`.
     static Result<std::unique_ptr<SessionManagerClient>>
-    connect(const std::string& url, const std::string& executable, std::chrono::milliseconds patience);
+    connect(const std::string& url, const std::string& executable, const ManagerPatience& patience);
 
     ~SessionManagerClient();
     SessionManagerClient(const SessionManagerClient&) = delete;

@@ -26,7 +26,9 @@ using Client = std::unique_ptr<SessionManagerClient>;
 /// Connects while the test plays the manager.
 class Connecting final {
   public:
-    explicit Connecting(const std::string& url, std::chrono::milliseconds patience = 60s)
+    explicit Connecting(
+        const std::string& url, const ManagerPatience& patience = {.answer = 60s, .open = 60s}
+    )
         : thread([this, url, patience] { made = SessionManagerClient::connect(url, "orvane", patience); }) {}
 
     Result<Client>& result() {
@@ -118,7 +120,7 @@ TEST(SessionManagerClient, TellsWhyItHasNoManager) {
     EXPECT_THAT(refused.failure(), HasSubstr("refuses ORVANE: Too new."));
 
     SessionManagerPeer idle;
-    Connecting idling(idle.url(), 3s);
+    Connecting idling(idle.url(), {.answer = 60s, .open = 1ms});
     ASSERT_TRUE(idle.welcomes());
     EXPECT_THAT(idling.failure(), HasSubstr("has not said what to open"));
 
@@ -127,7 +129,8 @@ TEST(SessionManagerClient, TellsWhyItHasNoManager) {
          {std::pair(silent.url(), "does not answer"),
           {"nonsense", "\"nonsense\" is not the address"},
           {"osc.tcp://127.0.0.1:9/", "is not the address"}}) {
-        Connecting connection(url, 1ms);
+        // The time for what is to be opened does not count yet.
+        Connecting connection(url, {.answer = 1ms, .open = 24h});
         EXPECT_THAT(connection.failure(), HasSubstr(says));
     }
 }
