@@ -5,6 +5,8 @@
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
+#include "ui/controls/vertical_fader.h"
+#include "ui/mixer/strip_rows.h"
 #include "ui/sheets/device_settings_view.h"
 #include "ui/sheets/snapshots_view.h"
 #include "ui/strip/channel_strip_view.h"
@@ -19,6 +21,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 
 #include <filesystem>
@@ -188,6 +191,32 @@ TEST_F(Mixer, TurnsThePages) {
     EXPECT_GT(strips[16]->y(), strips[0]->geometry().bottom());
     button("All 40").click();
     EXPECT_EQ(inSight().size(), 40U);
+}
+
+TEST_F(Mixer, ScrollsTheStripsWithoutMovingTheirFaders) {
+    build(16);
+    view->resize(1280, 1000);
+    QApplication::processEvents();
+    VerticalFader& trim = *viewsIn<VerticalFader>(*view).at(0);
+    const QScrollBar& place = *viewsIn<StripRows>(*view).at(0)->horizontalScrollBar();
+    /// Whether a notch of the wheel over the fader has moved it, and not the strips.
+    const auto turn = [&](std::uint64_t milliseconds) {
+        const double before = trim.value();
+        const int placeBefore = place.value();
+        QWheelEvent event({5, 5}, {5, 5}, {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+        event.setTimestamp(milliseconds);
+        // Only what comes from outside goes on to what a widget stands in.
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(&trim, &event);
+        EXPECT_NE(trim.value() == before, place.value() == placeBefore) << milliseconds;
+        return trim.value() != before;
+    };
+    EXPECT_FALSE(turn(1000));
+    trim.setFocus();
+    EXPECT_FALSE(turn(1250)) << "the strips are being scrolled";
+    EXPECT_FALSE(turn(1500));
+    EXPECT_TRUE(turn(1900));
+    EXPECT_TRUE(turn(1950));
 }
 
 TEST_F(Mixer, SavesAndLoadsSessions) {

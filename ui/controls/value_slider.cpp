@@ -67,6 +67,8 @@ void ValueSlider::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ValueSlider::wheelEvent(QWheelEvent* event) {
+    // Who scrolls past it does not mean it.
+    if (!hasFocus()) return event->ignore();
     // Some systems turn the wheel sideways while Shift is held.
     const QPoint angle = event->angleDelta();
     const double notches = (angle.y() != 0 ? angle.y() : angle.x()) / notch;

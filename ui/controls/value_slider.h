@@ -7,8 +7,8 @@
 
 namespace orvane::ui {
 
-/// A level slider over a range of values. Click or drag to set it, double click for the default; wheel and
-/// arrow keys step it, finely with Shift; Home and End go to its ends.
+/// A level slider over a range of values. Click or drag to set it, double click for the default; while it has
+/// the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
 class ValueSlider final : public QSlider {
   public:
     struct Range {

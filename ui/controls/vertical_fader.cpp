@@ -92,6 +92,8 @@ void VerticalFader::mouseDoubleClickEvent(QMouseEvent*) {
 }
 
 void VerticalFader::wheelEvent(QWheelEvent* event) {
+    // Who scrolls past it does not mean it.
+    if (!hasFocus()) return event->ignore();
     // Some systems turn the wheel sideways while Shift is held.
     const QPoint turned = event->angleDelta();
     const double notches = (turned.y() != 0 ? turned.y() : turned.x()) / notch;

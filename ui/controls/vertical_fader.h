@@ -8,8 +8,8 @@
 namespace orvane::ui {
 
 /// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it,
-/// double click for the default; wheel and arrow keys step it, finely with Shift; Home and End go to
-/// its ends.
+/// double click for the default; while it has the focus, wheel and arrow keys step it, finely with Shift, and
+/// Home and End go to its ends.
 class VerticalFader final : public QWidget {
   public:
     /// What a fader is like; sizes in points.
