@@ -133,6 +133,9 @@ TEST_F(Mixer, StartsAndStopsOnceADeviceIsSelected) {
     EXPECT_FALSE(state().isRunning.get()) << "the space bar started it";
     QTest::keyClick(&start, Qt::Key_Return);
     EXPECT_TRUE(state().isRunning.get());
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(&start, &held);
+    EXPECT_TRUE(state().isRunning.get()) << "the key was held and stopped it";
     EXPECT_EQ(button("Stop").toolTip(), "Stop the audio engine.");
     EXPECT_TRUE(shows(*view, "Running — Interface"));
     QTest::keyClick(&start, Qt::Key_Space);

@@ -1,5 +1,6 @@
 #include "ui/controls/console_button.h"
 
+#include "ui/controls/enter_key.h"
 #include "ui/theme/theme.h"
 
 #include <QFontMetrics>
@@ -64,10 +65,7 @@ void ConsoleButton::leaveEvent(QEvent*) {
 }
 
 void ConsoleButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
+    if (!pressWithEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
 }
 
 } // namespace orvane::ui

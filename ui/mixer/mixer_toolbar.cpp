@@ -1,6 +1,7 @@
 #include "ui/mixer/mixer_toolbar.h"
 
 #include "ui/controls/brand_wordmark.h"
+#include "ui/controls/enter_key.h"
 #include "ui/controls/text_label.h"
 #include "ui/mixer/mixer_commands.h"
 #include "ui/theme/theme.h"
@@ -34,8 +35,8 @@ class Button final : public QToolButton {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return click();
-        if (event->key() != Qt::Key_Space) QToolButton::keyPressEvent(event);
+        if (!pressWithEnter(*this, *event) && event->key() != Qt::Key_Space)
+            QToolButton::keyPressEvent(event);
     }
 };
 

@@ -103,7 +103,8 @@ bool PluginPickerView::eventFilter(QObject* receiver, QEvent* event) {
         return QCoreApplication::sendEvent(list, event);
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        choose(list->currentItem());
+        // The key that has opened the sheet may still be held.
+        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) choose(list->currentItem());
         return true;
     default:
         return Sheet::eventFilter(receiver, event);

@@ -1,5 +1,6 @@
 #include "ui/strip/plugin_slot_view.h"
 
+#include "ui/controls/enter_key.h"
 #include "ui/controls/text_prompt.h"
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/theme/theme.h"
@@ -165,10 +166,7 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
 }
 
 void PluginSlotView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
+    if (!pressWithEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
 }
 
 void PluginSlotView::press() {

@@ -2,6 +2,7 @@
 
 #include "ui/controls/brand_wordmark.h"
 #include "ui/controls/console_button.h"
+#include "ui/controls/enter_key.h"
 #include "ui/controls/text_label.h"
 #include "ui/theme/theme.h"
 
@@ -70,10 +71,7 @@ class SizeButton final : public QAbstractButton {
     }
 
     void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-            click();
-        else
-            QAbstractButton::keyPressEvent(event);
+        if (!pressWithEnter(*this, *event)) QAbstractButton::keyPressEvent(event);
     }
 };
 
