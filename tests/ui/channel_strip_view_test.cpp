@@ -152,7 +152,7 @@ TEST_F(Strip, OffersTheChannelsOfTheDevice) {
     QTest::keyClick(&pan, Qt::Key_Home);
     pick("Output", "3-4");
     EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Stereo{2, 3, -1.0}}));
-    QTest::mouseDClick(&pan, Qt::LeftButton);
+    doubleClick(pan, {6, pan.height() / 2});
     EXPECT_EQ(strip().outputRouting, (session::OutputRouting{output::Stereo{2, 3, 0.0}}));
     pick("Output", "None");
     EXPECT_EQ(strip().outputRouting, session::OutputRouting{});

@@ -313,7 +313,11 @@ TEST_F(Mixer, SetsTheMaster) {
         EXPECT_NEAR(each.value.get(), each.stepped, 1e-9);
         EXPECT_FALSE(slider(each.name).toolTip().isEmpty());
     }
-    QTest::mouseDClick(&slider("Ducker Speed"), Qt::LeftButton);
+    ValueSlider& release = slider("Ducker Speed");
+    const QPoint middle = release.rect().center();
+    doubleClick(release, middle);
+    EXPECT_NEAR(now.duckerReleaseMs.get(), 1525.0, 20.0) << "beside the handle";
+    doubleClick(release, middle);
     EXPECT_EQ(now.duckerReleaseMs.get(), 400.0);
     engine->setDuckerReleaseMs(400.7);
     EXPECT_EQ(written("Ducker Speed"), "400 ms");

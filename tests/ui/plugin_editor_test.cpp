@@ -89,7 +89,7 @@ TEST_F(PluginEditor, SetsParametersAndShowsWhatChangesElsewhere) {
     );
     frequency.setValue(frequency.info().minValue);
     EXPECT_TRUE(comesTrue([&] { return slider.value() == 0.0; }));
-    QTest::mouseDClick(&slider, Qt::LeftButton);
+    doubleClick(slider, {10, slider.height() / 2});
     EXPECT_NEAR(frequency.value(), frequency.info().defaultValue, 1e-3F * frequency.info().defaultValue);
 
     auto& toggle = find([](const Info& info) { return info.kind == Info::Kind::toggle && !info.isReadOnly; });

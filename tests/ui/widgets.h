@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QTest>
 #include <QWidget>
 
 #include <stdexcept>
@@ -22,6 +23,12 @@ std::vector<View*> viewsIn(const QWidget& view) {
 /// Deletes what was left to be deleted later.
 inline void deleteWhatIsDone() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// Clicks twice in quick succession, as a mouse tells of it.
+inline void doubleClick(QWidget& widget, QPoint place) {
+    QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
+    QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
 }
 
 /// The button of that accessible name or text, visible or not; it must be there.

@@ -50,6 +50,9 @@ void ValueSlider::setValue(double value) {
 
 void ValueSlider::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return event->ignore();
+    const double share = (current - range.lowest) / (range.highest - range.lowest);
+    const double handle = handleWidth / 2.0 + std::clamp(share, 0.0, 1.0) * (width() - handleWidth);
+    isHandlePressed = std::abs(event->position().x() - handle) <= handleWidth / 2.0;
     setSliderDown(true);
     touch(event->position().x());
 }
@@ -63,7 +66,10 @@ void ValueSlider::mouseReleaseEvent(QMouseEvent*) {
 }
 
 void ValueSlider::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && range.defaultValue) choose(*range.defaultValue);
+    // The first of two clicks beside the handle has brought it there, and the second means that place, too.
+    if (event->button() == Qt::LeftButton && isHandlePressed && range.defaultValue)
+        return choose(*range.defaultValue);
+    mousePressEvent(event);
 }
 
 void ValueSlider::wheelEvent(QWheelEvent* event) {

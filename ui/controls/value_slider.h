@@ -7,8 +7,8 @@
 
 namespace orvane::ui {
 
-/// A level slider over a range of values. Click or drag to set it, double click for the default; while it has
-/// the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
+/// A level slider over a range of values. Click or drag to set it, double click its handle for the default;
+/// while it has the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
 class ValueSlider final : public QSlider {
   public:
     struct Range {
@@ -16,7 +16,7 @@ class ValueSlider final : public QSlider {
         double highest = 1.0;
         /// The distance of the values on offer; 0 = any value.
         double step = 0.0;
-        /// Where a double click leads; absent = nowhere.
+        /// Where a double click on the handle leads; absent = nowhere.
         std::optional<double> defaultValue = {};
     };
 
@@ -46,6 +46,8 @@ class ValueSlider final : public QSlider {
     const Range range;
     const std::function<void(double)> changed;
     double current;
+    /// Whether the last press was on the handle, not beside it.
+    bool isHandlePressed = false;
     /// What the wheel has turned beyond the last step.
     double turned = 0.0;
 };

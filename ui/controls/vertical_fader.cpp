@@ -87,10 +87,6 @@ void VerticalFader::mouseMoveEvent(QMouseEvent* event) {
     if (event->buttons().testFlag(Qt::LeftButton)) touch(event->position().y());
 }
 
-void VerticalFader::mouseDoubleClickEvent(QMouseEvent*) {
-    if (style.defaultValue) choose(*style.defaultValue);
-}
-
 void VerticalFader::wheelEvent(QWheelEvent* event) {
     // Who scrolls past it does not mean it.
     if (!hasFocus()) return event->ignore();

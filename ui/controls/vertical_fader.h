@@ -7,9 +7,8 @@
 
 namespace orvane::ui {
 
-/// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it,
-/// double click for the default; while it has the focus, wheel and arrow keys step it, finely with Shift, and
-/// Home and End go to its ends.
+/// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it;
+/// while it has the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
 class VerticalFader final : public QWidget {
   public:
     /// What a fader is like; sizes in points.
@@ -46,7 +45,6 @@ class VerticalFader final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;

@@ -73,7 +73,7 @@ void ParameterRow::makeSlider() {
         [this](double share) { choose(valueAtShare(parameter.info(), share)); }
     );
     slider->setFixedWidth(controlWidth);
-    slider->setToolTip(QStringLiteral("Double-click for %1.").arg(write(info.defaultValue)));
+    slider->setToolTip(QStringLiteral("Double-click the handle for %1.").arg(write(info.defaultValue)));
     auto* const value = new ValueField(
         QStringLiteral("%1 value").arg(accessibleName()),
         {.write = [this](double shown) { return write(shown); },
