@@ -97,6 +97,7 @@ TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
     const std::vector<session::ChannelStrip> before = state().channelStrips.get();
     auto& name = *view.findChild<QLineEdit*>();
     EXPECT_EQ(name.text(), "Ch 2");
+    name.end(false);
     QTest::keyClicks(&name, " Anna ");
     EXPECT_EQ(strip().name, "Ch 2");
     QTest::keyClick(&name, Qt::Key_Return);
@@ -130,6 +131,26 @@ TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
     }
     EXPECT_EQ(state().channelStrips.get()[0], before[0]);
     EXPECT_EQ(state().channelStrips.get()[2], before[2]);
+}
+
+TEST_F(Strip, ShowsALongNameFromItsBeginning) {
+    auto& name = *view.findChild<QLineEdit*>();
+    EXPECT_EQ(name.toolTip(), "");
+    const QString longName = "Moderator on the left (handheld)";
+    engine.setName(strip().id, longName.toStdString());
+    EXPECT_EQ(name.toolTip(), longName);
+    EXPECT_EQ(name.cursorPosition(), 0);
+    view.activateWindow();
+    for (const Qt::Key end : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab}) {
+        name.setFocus();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return name.hasFocus(); }));
+        name.end(false);
+        QTest::keyClicks(&name, "!");
+        QTest::keyClick(&name, end);
+        EXPECT_FALSE(name.hasFocus());
+        EXPECT_EQ(name.cursorPosition(), 0) << end;
+    }
+    EXPECT_EQ(strip().name, longName.toStdString() + "!!");
 }
 
 TEST_F(Strip, OffersTheChannelsOfTheDevice) {

@@ -28,6 +28,8 @@ constexpr int contentWidth = stripWidth - 2 * padding;
 constexpr int gap = 4;
 constexpr int groupGap = 6;
 constexpr int nameHeight = 24;
+/// What a line edit leaves free at either side of its text.
+constexpr int nameInset = 3;
 constexpr int rowHeight = 22;
 constexpr int panHeight = 18;
 constexpr int stereoWidth = 32;
@@ -103,6 +105,10 @@ ChannelStripView::ChannelStripView(
     name->setFixedHeight(nameHeight);
     name->installEventFilter(this);
     connect(name, &QLineEdit::editingFinished, this, [this] { commitName(); });
+    connect(name, &QLineEdit::textChanged, this, [this](const QString& text) {
+        const bool fits = name->fontMetrics().horizontalAdvance(text) <= contentWidth - 2 * nameInset;
+        name->setToolTip(fits ? QString() : text);
+    });
     genderMode->setToolTip(genderHelp);
     vocalRole->setToolTip(roleHelp);
     genderMode->setNeutral(0);
@@ -258,16 +264,21 @@ void ChannelStripView::showName() {
     // A name that is being typed stays.
     if (name->hasFocus() && name->isModified()) return;
     const QString shown = QString::fromStdString(strip().name);
-    if (shown != name->text()) name->setText(shown);
+    if (shown == name->text()) return;
+    name->setText(shown);
+    name->setCursorPosition(0);
 }
 
 void ChannelStripView::commitName() {
     if (!name->isModified()) return;
     name->setModified(false);
+    name->setCursorPosition(0);
     engine.setName(stripID, name->text().toStdString());
 }
 
 bool ChannelStripView::eventFilter(QObject* receiver, QEvent* event) {
+    // A long name is left with its beginning in sight.
+    if (event->type() == QEvent::FocusOut && !name->isModified()) name->setCursorPosition(0);
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(receiver, event);
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Escape:
