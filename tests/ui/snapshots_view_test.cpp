@@ -114,6 +114,12 @@ TEST_F(Snapshots, LearnANoteUntilItComesOrIsCalledOff) {
         EXPECT_EQ(midi.isActive(), isLearning);
         EXPECT_EQ(shows(sheet, waiting), isLearning);
     }
+    engine.applyDocument(engine.makeDocumentData());
+    EXPECT_FALSE(midi.isEnabled()) << "a load selects none";
+    press("Cancel MIDI learn");
+    EXPECT_FALSE(shows(sheet, waiting));
+    engine.selectSnapshot(0);
+    midi.click();
     engine.handleMIDINote({2, 60});
     EXPECT_FALSE(midi.isActive());
     EXPECT_EQ(list.item(0)->toolTip(), "Recalled by MIDI channel 3, note 60.");

@@ -87,6 +87,22 @@ TEST_F(StatusBar, SaysWhatTheEngineReports) {
     EXPECT_FALSE(shows(view, "No audio device selected."));
 }
 
+TEST_F(StatusBar, NamesTheSceneThatWaitsForAMIDINoteAndCallsItOff) {
+    const QString waiting = "Waiting for a MIDI note for\n";
+    engine.newSnapshot();
+    engine.newSnapshot();
+    EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
+    engine.beginMIDILearn();
+    EXPECT_TRUE(shows(view, waiting + "2 Snapshot 2"));
+    engine.renameSnapshot(1, "Intro");
+    EXPECT_TRUE(shows(view, waiting + "2 Intro"));
+    engine.deleteSnapshot();
+    EXPECT_TRUE(shows(view, waiting + "2 (no longer there)"));
+    buttonOf(view, "Cancel MIDI learn").click();
+    EXPECT_FALSE(state().midiLearnTargetIndex.get());
+    EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
+}
+
 TEST_F(StatusBar, ArmsTheClipboardAndTellsWhatPasteWouldDo) {
     QAbstractButton& paste = buttonOf(view, "Paste");
     EXPECT_EQ(paste.toolTip(), QStringLiteral("Copy a plugin first — nothing on the clipboard yet."));

@@ -4,6 +4,7 @@
 #include "ui/controls/divider.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/text_prompt.h"
+#include "ui/sheets/midi_learn_notice.h"
 #include "ui/sheets/snapshot_list_view.h"
 #include "ui/theme/symbols.h"
 #include "ui/theme/theme.h"
@@ -58,13 +59,13 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     : Sheet(QStringLiteral("Snapshots"), sheetSize, parent),
       engine(mixerEngine),
       position(makeText({}, TextStyle::body)),
-      learning(makeText(learningText, TextStyle::callout, theme::yellow)),
+      learning(new MIDILearnNotice(mixerEngine, TextStyle::callout)),
       empty(makeText(emptyText, TextStyle::callout, theme::secondaryText)),
       list(new SnapshotListView(mixerEngine)) {
     position->setFont(monospacedFont(13));
     position->setAlignment(Qt::AlignCenter);
     position->setFixedWidth(positionWidth);
-    learning->setAlignment(Qt::AlignHCenter);
+    learning->setText(learningText);
     empty->setAlignment(Qt::AlignCenter);
 
     auto* const lines = new QVBoxLayout(this);

@@ -16,6 +16,7 @@ class QLayout;
 namespace orvane::ui {
 
 class ConsoleButton;
+class MIDILearnNotice;
 class SnapshotListView;
 
 /// The sheet in which scenes are kept: stored, recalled, edited, taught MIDI notes; and what recalls leave
@@ -48,7 +49,7 @@ class SnapshotsView final : public Sheet {
     QLabel* const position;
     ConsoleButton* recall = nullptr;
     ConsoleButton* midi = nullptr;
-    QLabel* const learning;
+    MIDILearnNotice* const learning;
     QLabel* const empty;
     SnapshotListView* const list;
     std::array<QCheckBox*, insertRows> recallSafe = {};

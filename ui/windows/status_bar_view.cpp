@@ -5,6 +5,7 @@
 #include "ui/controls/indicator_lamp.h"
 #include "ui/controls/text_label.h"
 #include "ui/meters/meters.h"
+#include "ui/sheets/midi_learn_notice.h"
 #include "ui/theme/theme.h"
 
 #include <QAccessible>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 
 namespace orvane::ui {
 
@@ -35,6 +37,7 @@ const QString copyHelp = QStringLiteral(
 const QString pasteHelp = QStringLiteral("Arm Paste, then click any insert slot to paste %1 there. Stays "
                                          "armed so you can paste it onto more slots "
                                          "— click Paste again (or Copy) to stop.");
+const QString learningText = QStringLiteral("Waiting for a MIDI note for");
 const QString emptyClipboardHelp = QStringLiteral("Copy a plugin first — nothing on the clipboard yet.");
 
 QLabel* makeValue(const QString& name) {
@@ -90,7 +93,8 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
       load(new LoadMeterView(loadSegments)),
       copy(new ConsoleButton(QStringLiteral("Copy"), [this] { engine.toggleCopyArm(); })),
       paste(new ConsoleButton(QStringLiteral("Paste"), [this] { engine.togglePasteArm(); })),
-      message(makeText({}, TextStyle::caption, theme::orange)) {
+      message(makeText({}, TextStyle::caption, theme::orange)),
+      learning(new MIDILearnNotice(mixerEngine, TextStyle::caption)) {
     load->setFixedSize(loadMeterSize);
     load->setAccessibleName(QStringLiteral("CPU load"));
     copy->setToolTip(copyHelp);
@@ -111,6 +115,7 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
         row->addWidget(makeCell(caption, value));
     }
     row->addWidget(message, 1);
+    row->addWidget(learning);
 
     subscribe();
     showSampleRate();
@@ -121,6 +126,7 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
     load->setToolTip(loadHelp());
     showClipboard();
     showMessage();
+    showLearning();
 }
 
 void StatusBarView::subscribe() {
@@ -144,6 +150,8 @@ void StatusBarView::subscribe() {
     follow(state.pluginClipboard, [this](const auto&) { showClipboard(); });
     follow(state.pluginClipboardArmState, [this](const auto&) { showClipboard(); });
     follow(state.lastError, [this](const auto&) { showMessage(); });
+    follow(state.midiLearnTargetIndex, [this](const auto&) { showLearning(); });
+    follow(state.snapshots, [this](const auto&) { showLearning(); });
 }
 
 void StatusBarView::paintEvent(QPaintEvent*) {
@@ -201,6 +209,23 @@ void StatusBarView::showMessage() {
     if (text.isEmpty()) return;
     QAccessibleEvent announcement(message, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
+}
+
+void StatusBarView::showLearning() {
+    const std::optional<std::int64_t> target = engine.state().midiLearnTargetIndex.get();
+    learning->setVisible(target.has_value());
+    if (!target) return;
+    const std::vector<session::Snapshot>& snapshots = engine.state().snapshots.get();
+    const bool isThere = *target < static_cast<std::int64_t>(snapshots.size());
+    const QString name = isThere ? QString::fromStdString(snapshots[static_cast<std::size_t>(*target)].name)
+                                 : QStringLiteral("(no longer there)");
+    const QString scene = QStringLiteral("%1 %2").arg(*target + 1).arg(name);
+    const QFontMetrics metrics = learning->metrics();
+    learning->setText(
+        learningText + QChar(u'\n')
+        + metrics.elidedText(scene, Qt::ElideRight, metrics.horizontalAdvance(learningText))
+    );
+    learning->setToolTip(scene);
 }
 
 } // namespace orvane::ui

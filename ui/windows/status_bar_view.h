@@ -14,9 +14,10 @@ namespace orvane::ui {
 class ConsoleButton;
 class IndicatorLamp;
 class LoadMeterView;
+class MIDILearnNotice;
 
 /// The line along the bottom of the mixer: what the engine runs with, whether it runs, its load, the plugin
-/// clipboard, and the engine's message. Main thread.
+/// clipboard, the engine's message, and which scene waits for a MIDI note. Main thread.
 class StatusBarView final : public QWidget {
   public:
     /// `mixerEngine` outlives the view.
@@ -33,6 +34,7 @@ class StatusBarView final : public QWidget {
     void showRemote();
     void showClipboard();
     void showMessage();
+    void showLearning();
 
     engine::MixerEngine& engine;
     QLabel* const sampleRate;
@@ -45,6 +47,7 @@ class StatusBarView final : public QWidget {
     ConsoleButton* const copy;
     ConsoleButton* const paste;
     QLabel* const message;
+    MIDILearnNotice* const learning;
     std::vector<audio::Subscription> subscriptions;
 };
 
