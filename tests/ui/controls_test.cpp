@@ -133,6 +133,10 @@ TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {
     EXPECT_EQ(whole.value(), 6.0);
     QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&whole);
     ASSERT_NE(told->valueInterface(), nullptr);
+    EXPECT_EQ(told->role(), QAccessible::Slider);
+    EXPECT_EQ(told->text(QAccessible::Name), "Count");
+    EXPECT_EQ(told->valueInterface()->currentValue(), 6.0);
+    EXPECT_EQ(told->valueInterface()->minimumStepSize(), 1.0);
     told->valueInterface()->setCurrentValue(told->valueInterface()->maximumValue());
     EXPECT_EQ(chosen.back(), 10.0);
 }
@@ -164,6 +168,10 @@ TEST(ConsoleButton, IsPressedOnceAndNotWhileItIsDisabled) {
     QApplication::sendEvent(&button, &held);
     EXPECT_TRUE(held.isAccepted());
     EXPECT_EQ(presses, 2) << "while Enter is held";
+    button.setActive(true);
+    const QImage lit = button.grab().toImage();
+    giveFocus(button);
+    EXPECT_NE(button.grab().toImage(), lit) << "the focus is not to be seen";
     button.setEnabled(false);
     button.click();
     press(button, Qt::Key_Return);

@@ -16,6 +16,7 @@ using namespace orvane::test;
 using namespace orvane::ui;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::IsSupersetOf;
 using testing::Not;
 
 class StatusBar : public MixerViewTest {
@@ -42,6 +43,10 @@ TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
     }
     engine.setBufferSize(64);
     EXPECT_TRUE(shows(view, "64"));
+    std::vector<std::string> told;
+    for (const QLabel* label : view.findChildren<QLabel*>())
+        told.push_back(label->accessibleName().toStdString());
+    EXPECT_THAT(told, IsSupersetOf({"Sample rate: 192k", "Buffer size: 64"}));
     const auto* const load = viewsIn<LoadMeterView>(view).at(0);
     EXPECT_EQ(load->size(), QSize(68, 10));
     engine.meterModel().cpuLoad.set(1.0);

@@ -1,6 +1,7 @@
 #include "ui/controls/accessible_controls.h"
 
 #include "ui/controls/segmented_picker.h"
+#include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 
 #include <QAccessible>
@@ -10,13 +11,11 @@ namespace orvane::ui {
 
 namespace {
 
-/// As many steps of the range as an assistive tool is to take.
-constexpr double steps = 50.0;
-
+/// A fader or a slider, told in its own values.
+template <class Fader>
 class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueInterface {
   public:
-    explicit AccessibleFader(VerticalFader* shown)
-        : QAccessibleWidget(shown, QAccessible::Slider), fader(*shown) {}
+    explicit AccessibleFader(Fader* shown) : QAccessibleWidget(shown, QAccessible::Slider), fader(*shown) {}
 
     void* interface_cast(QAccessible::InterfaceType type) override {
         if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
@@ -27,16 +26,15 @@ class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueI
     void setCurrentValue(const QVariant& value) override { fader.choose(value.toDouble()); }
     [[nodiscard]] QVariant maximumValue() const override { return fader.highest(); }
     [[nodiscard]] QVariant minimumValue() const override { return fader.lowest(); }
-    [[nodiscard]] QVariant minimumStepSize() const override {
-        return (fader.highest() - fader.lowest()) / steps;
-    }
+    [[nodiscard]] QVariant minimumStepSize() const override { return fader.step(); }
 
   private:
-    VerticalFader& fader;
+    Fader& fader;
 };
 
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* const fader = dynamic_cast<VerticalFader*>(object)) return new AccessibleFader(fader);
+    if (auto* const slider = dynamic_cast<ValueSlider*>(object)) return new AccessibleFader(slider);
     if (auto* const picker = dynamic_cast<SegmentedPicker*>(object))
         return new QAccessibleWidget(picker, QAccessible::Grouping);
     return nullptr;

@@ -48,7 +48,10 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor fill = active ? activeColor.darker(170) : theme::raised;
     if (isEnabled() && (isDown() || underMouse())) fill = fill.lighter(isDown() ? 140 : 115);
-    const QColor outline = active ? activeColor : hasFocus() ? theme::accent : theme::divider;
+    // On a lit button the focus is white, whatever its colour.
+    const QColor plain = hasFocus() ? theme::accent : theme::divider;
+    const QColor lit = hasFocus() ? theme::primaryText : activeColor;
+    const QColor outline = active ? lit : plain;
     painter.setBrush(fill);
     painter.setPen(QPen(outline, 1.0));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);

@@ -2,7 +2,6 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QSignalBlocker>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -35,16 +34,15 @@ ValueSlider::ValueSlider(
     setAccessibleName(name);
     setRange(0, places);
     setFocusPolicy(Qt::StrongFocus);
-    // What an assistive tool sets.
-    connect(this, &QSlider::valueChanged, this, [this](int place) {
-        choose(range.lowest + (range.highest - range.lowest) * place / places);
-    });
+}
+
+double ValueSlider::step() const {
+    return range.step > 0.0 ? range.step : freeStep * (range.highest - range.lowest);
 }
 
 void ValueSlider::setValue(double value) {
     current = value;
     const double share = (value - range.lowest) / (range.highest - range.lowest);
-    const QSignalBlocker silent(this);
     QSlider::setValue(static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * places)));
 }
 
@@ -112,8 +110,8 @@ void ValueSlider::touch(double x) {
 
 void ValueSlider::stepBy(double steps, Qt::KeyboardModifiers modifiers) {
     const bool isFine = modifiers.testFlag(Qt::ShiftModifier);
-    const double freely = (isFine ? fineFreeStep : freeStep) * (range.highest - range.lowest);
-    choose(current + steps * (range.step > 0.0 ? range.step : freely));
+    const bool isFree = range.step == 0.0;
+    choose(current + steps * (isFine && isFree ? fineFreeStep * (range.highest - range.lowest) : step()));
 }
 
 void ValueSlider::choose(double value) {

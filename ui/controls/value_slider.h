@@ -26,9 +26,15 @@ class ValueSlider final : public QSlider {
         QWidget* parent = nullptr
     );
 
+    [[nodiscard]] double lowest() const { return range.lowest; }
+    [[nodiscard]] double highest() const { return range.highest; }
+    /// What an arrow key moves the value by.
+    [[nodiscard]] double step() const;
     [[nodiscard]] double value() const { return current; }
     /// Shows a value, or the end of the range that is nearest to it, without telling anybody.
     void setValue(double value);
+    /// Sets the value on offer that is nearest to this one, as the user does.
+    void choose(double value);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -41,7 +47,6 @@ class ValueSlider final : public QSlider {
   private:
     void touch(double x);
     void stepBy(double steps, Qt::KeyboardModifiers modifiers);
-    void choose(double value);
 
     const Range range;
     const std::function<void(double)> changed;

@@ -17,13 +17,13 @@ namespace orvane::ui {
 namespace {
 
 /// Shares of the range that keys and the wheel move the value by.
-constexpr double step = 0.02;
-constexpr double fineStep = 0.0025;
+constexpr double coarseShare = 0.02;
+constexpr double fineShare = 0.0025;
 /// What one notch of a wheel reports.
 constexpr double notch = 120.0;
 
-double stepFor(Qt::KeyboardModifiers modifiers) {
-    return modifiers.testFlag(Qt::ShiftModifier) ? fineStep : step;
+double shareFor(Qt::KeyboardModifiers modifiers) {
+    return modifiers.testFlag(Qt::ShiftModifier) ? fineShare : coarseShare;
 }
 
 } // namespace
@@ -34,6 +34,10 @@ VerticalFader::VerticalFader(const Style& faderStyle, std::function<void(double)
       changed(std::move(onChange)),
       current(faderStyle.defaultValue.value_or(faderStyle.lowest)) {
     setFocusPolicy(Qt::StrongFocus);
+}
+
+double VerticalFader::step() const {
+    return coarseShare * (style.highest - style.lowest);
 }
 
 void VerticalFader::setValue(double value) {
@@ -93,7 +97,7 @@ void VerticalFader::wheelEvent(QWheelEvent* event) {
     // Some systems turn the wheel sideways while Shift is held.
     const QPoint turned = event->angleDelta();
     const double notches = (turned.y() != 0 ? turned.y() : turned.x()) / notch;
-    choose(current + notches * stepFor(event->modifiers()) * (style.highest - style.lowest));
+    choose(current + notches * shareFor(event->modifiers()) * (style.highest - style.lowest));
     event->accept();
 }
 
@@ -101,9 +105,9 @@ void VerticalFader::keyPressEvent(QKeyEvent* event) {
     const double range = style.highest - style.lowest;
     switch (event->key()) {
     case Qt::Key_Up:
-        return choose(current + stepFor(event->modifiers()) * range);
+        return choose(current + shareFor(event->modifiers()) * range);
     case Qt::Key_Down:
-        return choose(current - stepFor(event->modifiers()) * range);
+        return choose(current - shareFor(event->modifiers()) * range);
     case Qt::Key_Home:
         return choose(style.highest);
     case Qt::Key_End:

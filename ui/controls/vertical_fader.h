@@ -32,6 +32,8 @@ class VerticalFader final : public QWidget {
 
     [[nodiscard]] double lowest() const { return style.lowest; }
     [[nodiscard]] double highest() const { return style.highest; }
+    /// What an arrow key moves the value by.
+    [[nodiscard]] double step() const;
     [[nodiscard]] double value() const { return current; }
     /// Shows a value without telling anybody.
     void setValue(double value);

@@ -40,12 +40,17 @@ const QString pasteHelp = QStringLiteral("Arm Paste, then click any insert slot 
 const QString learningText = QStringLiteral("Waiting for a MIDI note for");
 const QString emptyClipboardHelp = QStringLiteral("Copy a plugin first — nothing on the clipboard yet.");
 
-QLabel* makeValue(const QString& name) {
+QLabel* makeValue() {
     auto* const value = new QLabel;
     value->setFont(monospacedFont(valueSize));
     value->setAlignment(Qt::AlignCenter);
-    value->setAccessibleName(name);
     return value;
+}
+
+/// Shows a value, and tells it by its name to assistive tools, which read no more than that.
+void showValue(QLabel& label, const QString& name, const QString& value) {
+    label.setText(value);
+    label.setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
 }
 
 /// A caption above what it names.
@@ -86,8 +91,8 @@ QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
 StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
     : QWidget(parent),
       engine(mixerEngine),
-      sampleRate(makeValue(QStringLiteral("Sample rate"))),
-      bufferSize(makeValue(QStringLiteral("Buffer size"))),
+      sampleRate(makeValue()),
+      bufferSize(makeValue()),
       audio(new IndicatorLamp(QStringLiteral("Audio"))),
       remote(new IndicatorLamp(QStringLiteral("Remote"))),
       load(new LoadMeterView(loadSegments)),
@@ -177,14 +182,15 @@ QString StatusBarView::loadHelp() const {
 void StatusBarView::showSampleRate() {
     const auto& device = engine.state().selectedDevice.get();
     const bool isKnown = device && device->sampleRate > 0.0;
-    sampleRate->setText(
+    showValue(
+        *sampleRate, QStringLiteral("Sample rate"),
         isKnown ? QStringLiteral("%1k").arg(static_cast<std::int64_t>(device->sampleRate / hertzPerKilohertz))
                 : QStringLiteral("--")
     );
 }
 
 void StatusBarView::showBufferSize() {
-    bufferSize->setText(QString::number(engine.state().bufferSize.get()));
+    showValue(*bufferSize, QStringLiteral("Buffer size"), QString::number(engine.state().bufferSize.get()));
 }
 
 void StatusBarView::showRemote() {
