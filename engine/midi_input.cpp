@@ -1,5 +1,6 @@
 #include "engine/midi_input.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane::engine {
@@ -44,6 +45,9 @@ void MIDIInput::refreshDevices() {
 }
 
 void MIDIInput::select(std::optional<std::int32_t> sourceID) {
+    const std::vector<midi::MIDIDeviceInfo>& sources = state.availableMIDIDevices.get();
+    const auto selected = std::ranges::find(sources, sourceID, &midi::MIDIDeviceInfo::id);
+    nameOfSelected = selected == sources.end() ? std::string() : selected->name;
     state.selectedMIDIDeviceID.set(sourceID);
     manager.setSelectedSourceID(sourceID);
 }

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace orvane::engine {
@@ -29,12 +30,15 @@ class MIDIInput final {
     void refreshDevices();
     /// Absent = all sources.
     void select(std::optional<std::int32_t> sourceID);
+    /// What the selected source was called when it was selected; empty if it was not there.
+    [[nodiscard]] const std::string& selectedName() const { return nameOfSelected; }
 
   private:
     void handleWaitingNotes();
 
     platform::MainThread& mainThread;
     EngineState& state;
+    std::string nameOfSelected;
     NotesHandler handleNotes;
     std::mutex waiting;
     /// Those that the main thread has not taken yet. Under the lock.

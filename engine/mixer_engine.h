@@ -71,6 +71,9 @@ class MixerEngine final {
     void refreshMIDIDevices();
     /// Absent = all sources. An id that no source has leaves nothing to listen to until one comes.
     void selectMIDIDevice(std::optional<std::int32_t> sourceID);
+    /// What the selected source was called when it was selected, also while it is unplugged; empty if it was
+    /// not there.
+    [[nodiscard]] const std::string& selectedMIDIDeviceName() const { return midiInput.selectedName(); }
 
     // Strips. Device channels count from 0.
 

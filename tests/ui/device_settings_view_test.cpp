@@ -140,9 +140,12 @@ TEST_F(DeviceSettings, FollowsTheMIDISources) {
     EXPECT_EQ(state().selectedMIDIDeviceID.get(), state().availableMIDIDevices.get().at(0).id);
     choose(sources, 0);
     EXPECT_FALSE(state().selectedMIDIDeviceID.get());
+    choose(sources, 1);
     source.reset();
     machine.mainThread.runPosted();
     EXPECT_TRUE(shows(sheet, none));
+    EXPECT_EQ(sources.currentIndex(), -1);
+    EXPECT_EQ(sources.placeholderText(), "Pads") << "unplugged";
 }
 
 } // namespace

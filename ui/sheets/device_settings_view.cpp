@@ -284,7 +284,9 @@ void DeviceSettingsView::showMIDI() {
     for (const auto& source : sources)
         names.append(QString::fromStdString(source.name));
     const int place = chosen ? placeOf(sources, *chosen, &midi::MIDIDeviceInfo::id) : -1;
-    midiSource->present(names, chosen && place < 0 ? -1 : place + 1);
+    midiSource->present(
+        names, chosen && place < 0 ? -1 : place + 1, QString::fromStdString(engine.selectedMIDIDeviceName())
+    );
     midiCaption->setText(sources.empty() ? noMIDISourcesText : midiSourcesText);
 }
 
