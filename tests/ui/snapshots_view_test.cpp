@@ -86,6 +86,17 @@ TEST_F(Snapshots, AreSelectedByAClickAndAppliedByRecall) {
     EXPECT_TRUE(shows(sheet, "2 / 4"));
 }
 
+TEST_F(Snapshots, ShowTheirPositionOnOneLine) {
+    for (int scene = 0; scene < 100; ++scene)
+        engine.newSnapshot();
+    sheet.layout()->activate();
+    const auto labels = sheet.findChildren<QLabel*>();
+    const auto position = std::ranges::find(labels, QString("100 / 100"), &QLabel::text);
+    ASSERT_NE(position, labels.end());
+    EXPECT_FALSE((*position)->wordWrap());
+    EXPECT_GE((*position)->width(), (*position)->sizeHint().width());
+}
+
 TEST_F(Snapshots, AreRenamedInTheListAsTyped) {
     press("New");
     press("New");

@@ -27,10 +27,11 @@ constexpr int padding = 16;
 constexpr int lineSpacing = 10;
 constexpr QSize mainButtonSize(72, 22);
 constexpr int iconSize = 16;
-constexpr int positionWidth = 70;
 constexpr int insertLabelWidth = 56;
 constexpr QSize saveButtonSize(72, 22);
 
+/// The widest that keeps its place.
+const QString widePosition = QStringLiteral("100 / 100");
 const QString noPosition = QStringLiteral("—");
 const QString learningText = QStringLiteral("Waiting for a MIDI note… (send one from your controller)");
 const QString emptyText = QStringLiteral("No snapshots yet — tap New to capture the current mix.");
@@ -64,7 +65,8 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
       list(new SnapshotListView(mixerEngine)) {
     position->setFont(monospacedFont(13));
     position->setAlignment(Qt::AlignCenter);
-    position->setFixedWidth(positionWidth);
+    position->setWordWrap(false);
+    position->setMinimumWidth(position->fontMetrics().horizontalAdvance(widePosition));
     learning->setText(learningText);
     empty->setAlignment(Qt::AlignCenter);
 
