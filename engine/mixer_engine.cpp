@@ -85,6 +85,7 @@ void MixerEngine::startOrThrow() {
     if (devicesMayHaveChanged) refreshDevices();
     devicesMayHaveChanged = true;
     const bool masterWasReset = validateMasterOutputRouting();
+    const std::vector<std::string> refusals = pluginOperations.rack().followSampleRate();
     RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
     const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
     if (master && master->id != devices.main.id) devices.master = master;
@@ -104,6 +105,8 @@ void MixerEngine::startOrThrow() {
     if (masterWasReset) append(warnings, masterResetWarning);
     append(warnings, running->masterWarning());
     append(warnings, rateWarning(devices.main, devices.master));
+    for (const std::string& refusal : refusals)
+        append(warnings, refusal);
     published.isRunning.set(true);
     published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
     meterTimer.start(running->realtimeState());

@@ -250,28 +250,65 @@ void InsertRack::finishLoad(
     std::shared_ptr<AUAudioUnit> unit, const AVAudioUnitComponent& component, const PluginSlotKey& key,
     const PresetData& presetData
 ) {
-    const auto channelCount = negotiateFormat(*unit, owner.sampleRate());
-    if (!channelCount) {
-        setLoadState(
-            key,
-            load_state::Failed{
-                "Couldn't configure an audio format this plugin accepts (tried mono and stereo)."}
-        );
-        owner.setLastError(
-            "Couldn't load " + component.name + ": it didn't accept a mono or stereo audio format."
-        );
+    const auto plugin = std::make_shared<LoadedInsertPlugin>(LoadedInsertPlugin{
+        .component = component, .avAudioUnit = std::move(unit)});
+    if (!setUp(*plugin, key, presetData)) {
+        owner.setLastError(refuse(component, key));
         return;
     }
-    const auto context = std::make_shared<InsertRenderContext>(
-        unit->renderBlock(), *channelCount, labelOf(key, component.name), services.log
-    );
-    if (presetData) restoreState(*unit, *presetData);
-    warmUp(*context, owner.bufferSize());
     std::shared_ptr<LoadedInsertPlugin>& loaded = loadedPlugins[key];
     if (loaded) retired.add(std::move(loaded));
-    loaded = std::make_shared<LoadedInsertPlugin>(LoadedInsertPlugin{component, std::move(unit), context});
+    loaded = plugin;
     setLoadState(key, load_state::Loaded{});
     owner.pushInserts();
+}
+
+bool InsertRack::setUp(LoadedInsertPlugin& plugin, const PluginSlotKey& key, const PresetData& presetData) {
+    const double sampleRate = owner.sampleRate();
+    const auto channelCount = negotiateFormat(*plugin.avAudioUnit, sampleRate);
+    if (!channelCount) return false;
+    plugin.renderContext = std::make_shared<InsertRenderContext>(
+        plugin.avAudioUnit->renderBlock(), *channelCount, labelOf(key, plugin.component.name), services.log
+    );
+    if (presetData) restoreState(*plugin.avAudioUnit, *presetData);
+    warmUp(*plugin.renderContext, owner.bufferSize());
+    plugin.sampleRate = sampleRate;
+    return true;
+}
+
+std::string InsertRack::refuse(const AVAudioUnitComponent& component, const PluginSlotKey& key) {
+    setLoadState(
+        key,
+        load_state::Failed{"Couldn't configure an audio format this plugin accepts (tried mono and stereo)."}
+    );
+    return "Couldn't load " + component.name + ": it didn't accept a mono or stereo audio format.";
+}
+
+std::vector<std::string> InsertRack::followSampleRate() {
+    std::vector<std::string> refusals;
+    // A copy: who is told of a change may change the strips.
+    for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
+        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
+            if (auto refusal = followSampleRate({strip.id, slot})) refusals.push_back(*std::move(refusal));
+    return refusals;
+}
+
+std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key) {
+    const auto found = loadedPlugins.find(key);
+    if (found == loadedPlugins.end() || found->second->sampleRate == owner.sampleRate()) return std::nullopt;
+    const std::shared_ptr<LoadedInsertPlugin> plugin = found->second;
+    plugin->sampleRate = 0.0;
+    plugin->avAudioUnit->deallocateRenderResources();
+    if (setUp(*plugin, key)) return std::nullopt;
+    // What it was set to is not lost with it.
+    const PluginSlot* const existing = record(key);
+    if (existing != nullptr && existing->component == identityOf(plugin->component)) {
+        PluginSlot kept = *existing;
+        captureInto(kept, *plugin->avAudioUnit);
+        owner.replaceSlot(key, std::move(kept));
+    }
+    unload(key);
+    return refuse(plugin->component, key);
 }
 
 std::string InsertRack::labelOf(const PluginSlotKey& key, const std::string& pluginName) const {

@@ -53,6 +53,11 @@ class InsertRack final {
     /// plugin they have, and so do slots whose plugin is the record's, settings and all.
     void restoreFromStrips(const std::vector<bool>& recallSafe);
 
+    /// Sets the live plugins up for the owner's rate where they are at another, with the settings they have;
+    /// their editors stay open. One that refuses leaves its slot; the sentences say so, for the user. Before
+    /// a run.
+    std::vector<std::string> followSampleRate();
+
     /// The plugin that is live in a slot, or null. Valid until the next operation.
     [[nodiscard]] const LoadedInsertPlugin* plugin(const PluginSlotKey& key) const;
     /// The settings of every strip, with the present state of every live plugin in its slot's record.
@@ -94,6 +99,11 @@ class InsertRack final {
         std::shared_ptr<platform::AUAudioUnit> unit, const platform::AVAudioUnitComponent& component,
         const PluginSlotKey& key, const PresetData& presetData
     );
+    /// False where the plugin takes no format.
+    bool setUp(LoadedInsertPlugin& plugin, const PluginSlotKey& key, const PresetData& presetData = {});
+    /// Marks the slot of a plugin that takes no format; the sentence for the user.
+    std::string refuse(const platform::AVAudioUnitComponent& component, const PluginSlotKey& key);
+    std::optional<std::string> followSampleRate(const PluginSlotKey& key);
     [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
     void restoreSlot(
         const PluginSlotKey& key, const session::PluginSlot& slot, const std::string& stripName,

@@ -13,7 +13,9 @@ struct LoadedInsertPlugin {
     /// What it was made from.
     platform::AVAudioUnitComponent component;
     std::shared_ptr<platform::AUAudioUnit> avAudioUnit;
-    std::shared_ptr<InsertRenderContext> renderContext;
+    std::shared_ptr<InsertRenderContext> renderContext = nullptr;
+    /// What it is set up for, in Hz; 0 where it is not.
+    double sampleRate = 0.0;
     /// Fetched when the editor is first opened, and kept.
     std::shared_ptr<platform::AUViewController> editorViewController = nullptr;
 };

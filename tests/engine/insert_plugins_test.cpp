@@ -67,6 +67,47 @@ TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
     EXPECT_EQ(audioUnitHost.report.living, 1);
 }
 
+TEST_F(InsertPlugins, AreSetUpAnewForTheRateOfTheDeviceThatStarts) {
+    const auto kept = loadLive(mono, 0);
+    kept->gain = 2.0F;
+    loadLive(audioUnitHost.add("Widens", {.lowestMonoRate = 48000.0}), 1)->gain = 3.0F;
+    loadLive(audioUnitHost.add("Fixed", {.lowestRate = 48000.0}), 2)->gain = 5.0F;
+    engine->openPluginEditor(0, id(0));
+    kept->giveEditor(kept);
+    mainThread.runPosted();
+    const auto stepsAt = [](const std::string& rate) {
+        return ElementsAre(
+            "in " + rate + "x1", "out " + rate + "x1", "enable in", "enable out", "frames 4096", "allocate"
+        );
+    };
+    EXPECT_THAT(std::exchange(kept->steps, {}), stepsAt("48000"));
+    start();
+    EXPECT_EQ(message(), "Couldn't load Fixed: it didn't accept a mono or stereo audio format.");
+    EXPECT_TRUE(std::holds_alternative<load_state::Failed>(*loadState(2)));
+    EXPECT_EQ(record(2).presetData, stateOf(5.0));
+    EXPECT_EQ(heard(), 2.0F * 3.0F);
+    engine->stop();
+    engine->start();
+    EXPECT_THAT(std::exchange(kept->steps, {}), stepsAt("44100"));
+
+    engine->stop();
+    audio::AudioDeviceInfo gone = *engine->state().selectedDevice.get();
+    gone.id = 1000;
+    gone.sampleRate = 96000.0;
+    engine->selectDevice(gone);
+    engine->start();
+    EXPECT_FALSE(engine->state().isRunning.get());
+    EXPECT_THAT(std::exchange(kept->steps, {}), stepsAt("96000"));
+    start();
+    EXPECT_EQ(message(), "");
+    EXPECT_THAT(kept->steps, stepsAt("44100"));
+    EXPECT_EQ(heard(), 2.0F * 3.0F);
+    engine->openPluginEditor(0, id(0));
+    EXPECT_EQ(kept->editorRequests, 1);
+    EXPECT_EQ(audioUnitHost.report.living, 2);
+    EXPECT_EQ(audioUnitHost.report.rendersWithoutResources, 0);
+}
+
 TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
     constexpr const char* noFormat = "Couldn't configure an audio format this plugin accepts (tried mono and "
                                      "stereo).";

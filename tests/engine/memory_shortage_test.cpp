@@ -132,13 +132,19 @@ class MemoryShortage : public test::InsertPlugins {
 };
 
 TEST_F(MemoryShortage, LeavesTheMixerStoppedAndReadyToStart) {
-    engine->selectDevice(engine->state().availableDevices.get().at(0));
     for (std::size_t strip = 0; strip < test::stripCount; ++strip)
         engine->setBypassed(id(strip), true);
-    loadLive(mono, 0)->gain = 2.0F;
+    const auto loadForAnotherRate = [this] {
+        audio::AudioDeviceInfo device = engine->state().availableDevices.get().at(0);
+        device.sampleRate = 96000.0;
+        engine->selectDevice(device);
+        loadLive(mono, 0)->gain = 2.0F;
+        engine->selectDevice(engine->state().availableDevices.get().at(0));
+    };
+    loadForAnotherRate();
     failAtEachAllocation(
         [this] { engine->start(); },
-        [this](std::size_t) {
+        [&](std::size_t) {
             EXPECT_EQ(message(), "Failed to start audio engine: there is not enough memory.");
             ASSERT_FALSE(engine->state().isRunning.get());
             EXPECT_EQ(driver->clock().step("virtual:interface", 1), 0U);
@@ -146,6 +152,7 @@ TEST_F(MemoryShortage, LeavesTheMixerStoppedAndReadyToStart) {
             ASSERT_TRUE(engine->state().isRunning.get()) << message();
             EXPECT_EQ(heard(), 2.0F);
             engine->stop();
+            loadForAnotherRate();
         }
     );
     EXPECT_EQ(heard(), 2.0F);

@@ -22,6 +22,9 @@ namespace orvane::test {
 struct AudioUnitScript {
     std::set<std::uint32_t> inputChannels = {1, 2};
     std::set<std::uint32_t> outputChannels = {1, 2};
+    /// In Hz.
+    double lowestRate = 0.0;
+    double lowestMonoRate = 0.0;
     bool allocates = true;
     bool hasState = true;
     /// The state holds a text that no property list can.
@@ -123,6 +126,10 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
                 name + " " + std::to_string(static_cast<int>(format.sampleRate)) + "x"
                 + std::to_string(format.channelCount)
             );
+            const AudioUnitScript& script = owner.script;
+            const double lowest = format.channelCount == 1 ? script.lowestMonoRate : 0.0;
+            if (owner.isReady) return platform::Error{"in use"};
+            if (format.sampleRate < std::max(lowest, script.lowestRate)) return platform::Error{"too slow"};
             if (!accepted.contains(format.channelCount)) return platform::Error{"not this format"};
             return platform::Done{};
         }
