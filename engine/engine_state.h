@@ -45,7 +45,8 @@ struct EngineState {
     audio::Published<std::int64_t> bufferSize{512};
     audio::Published<std::vector<session::Snapshot>> snapshots;
     audio::Published<std::optional<std::int64_t>> currentSnapshotIndex;
-    /// Entry i is true where slot i of every strip keeps its plugin through recalls and loads.
+    /// Entry i is true where recalls leave what is live in slot i of every strip alone, and loads where there
+    /// is something.
     audio::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};
     /// The index of the scene that waits for the note that is to recall it; absent = none does.
     audio::Published<std::optional<std::int64_t>> midiLearnTargetIndex;

@@ -142,7 +142,7 @@ class MixerEngine final {
     void removePlugin(std::size_t slot, const platform::Uuid& strip);
     void setPluginBypassed(bool bypassed, std::size_t slot, const platform::Uuid& strip);
     void openPluginEditor(std::size_t slot, const platform::Uuid& strip);
-    void restorePluginsFromStrips();
+    void restorePluginsFromStrips(plugins::RecordsFrom source = plugins::RecordsFrom::scene);
 
     void copyPlugin(std::size_t slot, const platform::Uuid& strip);
     void toggleCopyArm();

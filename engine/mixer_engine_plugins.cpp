@@ -32,8 +32,8 @@ void MixerEngine::openPluginEditor(std::size_t slot, const Uuid& strip) {
     pluginOperations.rack().openEditor({strip, slot});
 }
 
-void MixerEngine::restorePluginsFromStrips() {
-    pluginOperations.rack().restoreFromStrips(published.pluginSlotRecallSafe.get());
+void MixerEngine::restorePluginsFromStrips(plugins::RecordsFrom source) {
+    pluginOperations.rack().restoreFromStrips(published.pluginSlotRecallSafe.get(), source);
 }
 
 void MixerEngine::copyPlugin(std::size_t slot, const Uuid& strip) {

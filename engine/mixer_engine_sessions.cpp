@@ -44,7 +44,7 @@ void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
     setReferenceNoiseGain(document.referenceNoiseGain);
     setDuckerReleaseMs(document.duckerReleaseMs);
-    restorePluginsFromStrips();
+    restorePluginsFromStrips(plugins::RecordsFrom::session);
 }
 
 bool MixerEngine::changeMix(Extent extent, const std::function<void()>& change) {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <utility>
+#include <variant>
 
 namespace orvane::plugins {
 
@@ -115,15 +116,26 @@ void InsertRack::openWindow(const LoadedInsertPlugin& plugin) {
     window.makeKeyAndOrderFront();
 }
 
-void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe) {
+void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe, RecordsFrom source) {
+    const auto isLeftAlone = [&](const PluginSlotKey& key) {
+        return key.slot < recallSafe.size() && recallSafe[key.slot]
+               && (source == RecordsFrom::scene || isLiveOrLoading(key));
+    };
     const std::vector<AVAudioUnitComponent> installed = availableInsertComponents(services.audioUnitHost);
     // A copy: who is told of a change may change the strips.
     for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
         for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
-            if (slot >= recallSafe.size() || !recallSafe[slot])
-                restoreSlot({strip.id, slot}, strip.pluginSlots[slot], strip.name, installed);
+            if (const PluginSlotKey key{strip.id, slot}; !isLeftAlone(key))
+                restoreSlot(key, strip.pluginSlots[slot], strip.name, installed);
     unloadWhereNoSlotIs();
     owner.pushInserts();
+}
+
+bool InsertRack::isLiveOrLoading(const PluginSlotKey& key) const {
+    const PluginLoadStates& states = owner.pluginLoadStates();
+    const auto found = states.find(key);
+    return plugin(key) != nullptr
+           || (found != states.end() && std::holds_alternative<load_state::Loading>(found->second));
 }
 
 void InsertRack::restoreSlot(

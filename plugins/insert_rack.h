@@ -19,6 +19,9 @@
 
 namespace orvane::plugins {
 
+/// What the slot records were replaced by.
+enum class RecordsFrom { scene, session };
+
 /// The live insert plugins of a mixer: brings them to life from the slot records and keeps them as long as
 /// they are in use. Operations with a slot that does not exist do nothing. Owned by the mixer engine, on the
 /// main thread; whatever arrives late or from another thread is moved there, or finds the rack gone.
@@ -49,9 +52,10 @@ class InsertRack final {
     void setBypassed(const PluginSlotKey& key, bool bypassed);
     /// Opens one more window for the editor of a live plugin.
     void openEditor(const PluginSlotKey& key);
-    /// Makes the live plugins match the slot records. Slots whose index is marked in `recallSafe` keep the
-    /// plugin they have, and so do slots whose plugin is the record's, settings and all.
-    void restoreFromStrips(const std::vector<bool>& recallSafe);
+    /// Makes the live plugins match the slot records. Slots whose plugin is the record's keep it, settings
+    /// and all. Slots whose index is marked in `recallSafe` keep what they have; after a session, those with
+    /// no plugin that is live or being loaded follow their records too.
+    void restoreFromStrips(const std::vector<bool>& recallSafe, RecordsFrom source);
 
     /// Sets the live plugins up for the owner's rate where they are at another, with the settings they have;
     /// their editors stay open. One that refuses leaves its slot; the sentences say so, for the user. Before
@@ -105,6 +109,7 @@ class InsertRack final {
     std::string refuse(const platform::AVAudioUnitComponent& component, const PluginSlotKey& key);
     std::optional<std::string> followSampleRate(const PluginSlotKey& key);
     [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
+    [[nodiscard]] bool isLiveOrLoading(const PluginSlotKey& key) const;
     void restoreSlot(
         const PluginSlotKey& key, const session::PluginSlot& slot, const std::string& stripName,
         const std::vector<platform::AVAudioUnitComponent>& installed

@@ -270,6 +270,7 @@ TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
         document.data.channels.push_back(strip.settings());
     }
     document.data.channels[5].pluginSlots[0].component->componentSubType = 1;
+    document.data.pluginSlotRecallSafe = {true, false, false};
     document.data.masterOutputRouting = master_output::Stereo{0, 1};
     document.data.bufferSize = 256;
     const auto mix = [&](const char* name) {

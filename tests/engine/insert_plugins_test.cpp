@@ -298,6 +298,31 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     }
 }
 
+TEST_F(InsertPlugins, InRecallSafeSlotsAreLeftAloneUnlessASessionFindsNone) {
+    start();
+    engine->setRecallSafe(true, 0);
+    for (std::size_t strip = 0; strip < stripCount; ++strip)
+        loadLive(mono, 0, strip)->gain = 2.0F;
+    const session::MixerDocumentData document = engine->makeDocumentData();
+    engine->newSnapshot();
+    audioUnitHost.failure = platform::Error{"no licence"};
+    load(mono, 0);
+    audioUnitHost.failure.reset();
+    loadLive(stereo, 0, 1)->gain = 3.0F;
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->loadPlugin(stereo, 0, id(2), stateOf(5.0));
+    engine->recallSnapshot(0);
+    EXPECT_EQ(audioUnitHost.pendingCount(), 1U);
+    EXPECT_EQ(loadState(0), PluginLoadState(load_state::Failed{"no licence"}));
+    engine->applyDocument(document);
+    EXPECT_EQ(audioUnitHost.pendingCount(), 2U);
+    audioUnitHost.deliverAll();
+    mainThread.runPosted();
+    EXPECT_EQ(heard(0), 2.0F);
+    EXPECT_EQ(heard(1), 3.0F);
+    EXPECT_EQ(heard(2), 5.0F);
+}
+
 TEST_F(InsertPlugins, MoveThroughTheClipboard) {
     const auto& armState = engine->state().pluginClipboardArmState;
     const auto& clipboard = engine->state().pluginClipboard;
