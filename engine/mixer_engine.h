@@ -142,6 +142,10 @@ class MixerEngine final {
     void removePlugin(std::size_t slot, const platform::Uuid& strip);
     void setPluginBypassed(bool bypassed, std::size_t slot, const platform::Uuid& strip);
     void openPluginEditor(std::size_t slot, const platform::Uuid& strip);
+    /// What is live in a slot, or null; changes together with the load states. Valid until the next
+    /// operation.
+    [[nodiscard]] const platform::AVAudioUnitComponent*
+    livePlugin(std::size_t slot, const platform::Uuid& strip) const;
     void restorePluginsFromStrips(plugins::RecordsFrom source = plugins::RecordsFrom::scene);
 
     void copyPlugin(std::size_t slot, const platform::Uuid& strip);

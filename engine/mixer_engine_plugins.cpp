@@ -32,6 +32,11 @@ void MixerEngine::openPluginEditor(std::size_t slot, const Uuid& strip) {
     pluginOperations.rack().openEditor({strip, slot});
 }
 
+const AVAudioUnitComponent* MixerEngine::livePlugin(std::size_t slot, const Uuid& strip) const {
+    const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
+    return live == nullptr ? nullptr : &live->component;
+}
+
 void MixerEngine::restorePluginsFromStrips(plugins::RecordsFrom source) {
     pluginOperations.rack().restoreFromStrips(published.pluginSlotRecallSafe.get(), source);
 }

@@ -170,7 +170,7 @@ std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
         std::vector<PluginSlot>& slots = channels[strip].pluginSlots;
         for (std::size_t slot = 0; slot < slots.size(); ++slot)
             if (const LoadedInsertPlugin* const live = plugin({strips[strip].id, slot}))
-                captureInto(slots[slot], *live->avAudioUnit);
+                captureInto(slots[slot], *live);
     }
     return channels;
 }
@@ -316,7 +316,7 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     const PluginSlot* const existing = record(key);
     if (existing != nullptr && existing->component == identityOf(plugin->component)) {
         PluginSlot kept = *existing;
-        captureInto(kept, *plugin->avAudioUnit);
+        captureInto(kept, *plugin);
         owner.replaceSlot(key, std::move(kept));
     }
     unload(key);

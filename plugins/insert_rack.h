@@ -62,9 +62,10 @@ class InsertRack final {
     /// a run.
     std::vector<std::string> followSampleRate();
 
-    /// The plugin that is live in a slot, or null. Valid until the next operation.
+    /// The plugin that is live in a slot, or null: the record's or, in a recall-safe slot or where it arrived
+    /// late, another. Valid until the next operation.
     [[nodiscard]] const LoadedInsertPlugin* plugin(const PluginSlotKey& key) const;
-    /// The settings of every strip, with the present state of every live plugin in its slot's record.
+    /// The settings of every strip, with every live plugin and its present state in its slot's record.
     [[nodiscard]] std::vector<session::ChannelSettingsData> capturedChannels() const;
 
     /// The live plugins at one moment, to go back to.

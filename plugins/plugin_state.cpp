@@ -1,5 +1,7 @@
 #include "plugins/plugin_state.h"
 
+#include "plugins/insert_components.h"
+
 #include <utility>
 
 namespace orvane::plugins {
@@ -18,8 +20,13 @@ void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> dat
     if (const auto state = platform::propertyListWithData(data)) unit.setFullState(state.value());
 }
 
-void captureInto(session::PluginSlot& record, const platform::AUAudioUnit& unit) {
-    auto captured = captureState(unit);
+void captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin) {
+    if (const auto identity = identityOf(plugin.component); record.component != identity) {
+        record.pluginName = plugin.component.name;
+        record.component = identity;
+        record.presetData.reset();
+    }
+    auto captured = captureState(*plugin.avAudioUnit);
     if (!captured)
         record.presetData.reset();
     else if (captured.value())

@@ -4,6 +4,7 @@
 #include "platform/audio_unit_host.h"
 #include "platform/property_list.h"
 #include "platform/result.h"
+#include "plugins/loaded_insert_plugin.h"
 
 #include <cstdint>
 #include <optional>
@@ -19,8 +20,8 @@ platform::Result<std::optional<platform::PropertyList::Data>> captureState(const
 /// Bytes that hold no state leave the plugin as it is.
 void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> data);
 
-/// Makes the record of a slot hold the state of the plugin that is live in it: the one it has stays where the
-/// plugin has none, and goes where it cannot be written.
-void captureInto(session::PluginSlot& record, const platform::AUAudioUnit& unit);
+/// Makes the record of a slot hold the state of the plugin that is live in it, and name that plugin. The
+/// state that it has of the same plugin stays where there is none, and goes where it cannot be written.
+void captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin);
 
 } // namespace orvane::plugins

@@ -1,5 +1,6 @@
 #include "insert_plugins_fixture.h"
 
+#include "plugins/insert_components.h"
 #include "support/file_faults.h"
 #include "support/temporary_folder.h"
 
@@ -321,6 +322,47 @@ TEST_F(InsertPlugins, InRecallSafeSlotsAreLeftAloneUnlessASessionFindsNone) {
     EXPECT_EQ(heard(0), 2.0F);
     EXPECT_EQ(heard(1), 3.0F);
     EXPECT_EQ(heard(2), 5.0F);
+}
+
+TEST_F(InsertPlugins, AreCapturedByTheirOwnNamesWhateverTheirRecordsSay) {
+    const auto captured = [this](std::size_t slot) {
+        return engine->makeDocumentData().channels[0].pluginSlots[slot];
+    };
+    engine->newSnapshot();
+    engine->loadPlugin(mono, 0, id(0), stateOf(2.0));
+    engine->loadPlugin(mono, 1, id(0), stateOf(2.0));
+    mainThread.runPosted();
+    engine->setPluginBypassed(true, 0, id(0));
+    engine->newSnapshot();
+    engine->setRecallSafe(true, 0);
+    engine->setRecallSafe(true, 1);
+    loadLive(stereo, 0)->gain = 3.0F;
+    loadLive(audioUnitHost.add("Stateless", {.hasState = false}), 1);
+    for (const int scene : {0, 1}) {
+        SCOPED_TRACE(scene);
+        engine->recallSnapshot(scene);
+        const PluginSlot recalled = record(0);
+        EXPECT_EQ(recalled.pluginName.value_or(""), scene == 0 ? "" : "Mono");
+        PluginSlot expected = recalled;
+        expected.pluginName = "Stereo";
+        expected.component = plugins::identityOf(stereo);
+        expected.presetData = stateOf(3.0);
+        EXPECT_EQ(captured(0), expected);
+        EXPECT_EQ(record(0), recalled);
+        EXPECT_EQ(engine->livePlugin(0, id(0))->name, "Stereo");
+        EXPECT_EQ(captured(1).pluginName, "Stateless");
+        EXPECT_EQ(captured(1).presetData, std::nullopt);
+    }
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->loadPlugin(mono, 4, id(0));
+    engine->removePlugin(4, id(0));
+    audioUnitHost.deliver();
+    mainThread.runPosted();
+    EXPECT_TRUE(record(4).isEmpty());
+    EXPECT_EQ(captured(4).component, plugins::identityOf(mono));
+    engine->removePlugin(4, id(0));
+    EXPECT_EQ(engine->livePlugin(4, id(0)), nullptr);
+    EXPECT_TRUE(captured(4).isEmpty());
 }
 
 TEST_F(InsertPlugins, MoveThroughTheClipboard) {

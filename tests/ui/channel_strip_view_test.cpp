@@ -294,6 +294,32 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
     EXPECT_THAT(contextMenu(0), ElementsAre("Change Plugin…", "Bypass", "Remove"));
 }
 
+TEST_F(Strip, SlotsShowTheLivePluginWhateverTheirRecordNames) {
+    const auto shine = machine.audioUnitHost.add("Shine");
+    engine.newSnapshot();
+    load(0);
+    engine.newSnapshot();
+    engine.setRecallSafe(true, 0);
+    engine.loadPlugin(shine, 0, strip().id);
+    machine.mainThread.runPosted();
+    for (const int scene : {1, 0}) {
+        engine.recallSnapshot(scene);
+        EXPECT_NE(record(0).pluginName, "Shine");
+        EXPECT_EQ(slot(0).text(), "Shine");
+        EXPECT_EQ(slot(0).accessibleName(), "Insert 1 Shine");
+        EXPECT_EQ(slot(0).toolTip(), "Shine — click to open its editor. Right-click for more options.");
+        slot(0).click();
+        EXPECT_EQ(state().lastError.get(), "This program has no windows to show the editor of Shine in.");
+        EXPECT_EQ(contextMenu(0).size(), 7);
+    }
+    choose(0, "Bypass");
+    EXPECT_TRUE(record(0).bypassed);
+    EXPECT_EQ(slot(0).text(), "Shine");
+    choose(0, "Remove");
+    EXPECT_EQ(slot(0).text(), "");
+    EXPECT_EQ(machine.audioUnitHost.report.living, 0);
+}
+
 /// The rows of the list that can be seen.
 std::vector<std::string> rowsOf(const QWidget& picker) {
     std::vector<std::string> rows;

@@ -1,5 +1,6 @@
 #include "ui/strip/plugin_slot_view.h"
 
+#include "plugins/insert_components.h"
 #include "ui/controls/enter_key.h"
 #include "ui/controls/text_prompt.h"
 #include "ui/strip/plugin_picker_view.h"
@@ -24,8 +25,8 @@ constexpr double dimmed = 0.45;
 /// The mark at the left edge of a slot that holds a plugin.
 constexpr double markWidth = 3.0;
 
-QString named(const session::PluginSlot& slot, const QString& otherwise) {
-    return slot.pluginName ? QString::fromStdString(*slot.pluginName) : otherwise;
+QString textOf(const std::optional<std::string>& name, const QString& otherwise) {
+    return name ? QString::fromStdString(*name) : otherwise;
 }
 
 /// A name as a menu shows it whatever its characters.
@@ -67,6 +68,15 @@ const session::PluginSlot* PluginSlotView::record() const {
     return held != nullptr && slotIndex < held->pluginSlots.size() ? &held->pluginSlots[slotIndex] : nullptr;
 }
 
+PluginSlotView::Plugin PluginSlotView::plugin() const {
+    const session::PluginSlot* const slot = record();
+    const platform::AVAudioUnitComponent* const live = engine.livePlugin(slotIndex, stripID);
+    if (live != nullptr && (slot == nullptr || slot->component != plugins::identityOf(*live)))
+        return {live->name, plugins::identityOf(*live)};
+    if (slot == nullptr) return {};
+    return {slot->pluginName, slot->component};
+}
+
 const plugins::PluginLoadState* PluginSlotView::loadState() const {
     const auto& states = engine.state().pluginLoadStates.get();
     const auto found = states.find({stripID, slotIndex});
@@ -74,19 +84,19 @@ const plugins::PluginLoadState* PluginSlotView::loadState() const {
 }
 
 PluginSlotView::Content PluginSlotView::contentNow() const {
-    const session::PluginSlot* const slot = record();
+    const Plugin shown = plugin();
     const plugins::PluginLoadState* const state = loadState();
     if (state != nullptr && std::holds_alternative<plugins::load_state::Failed>(*state))
         return Content::failed;
-    if (slot == nullptr || !slot->pluginName) return Content::empty;
-    if (state == nullptr || !slot->component) return Content::notLive;
+    if (!shown.name) return Content::empty;
+    if (state == nullptr || !shown.component) return Content::notLive;
     return std::holds_alternative<plugins::load_state::Loaded>(*state) ? Content::loaded : Content::loading;
 }
 
 QString PluginSlotView::helpNow() const {
     using enum plugins::PluginClipboardArmState;
-    const session::PluginSlot slot = record() != nullptr ? *record() : session::PluginSlot{};
-    const QString name = named(slot, QStringLiteral("Plugin"));
+    const Plugin shown = plugin();
+    const QString name = textOf(shown.name, QStringLiteral("Plugin"));
     switch (engine.state().pluginClipboardArmState.get()) {
     case armedForPaste: {
         const auto& clipboard = engine.state().pluginClipboard.get();
@@ -94,8 +104,8 @@ QString PluginSlotView::helpNow() const {
             .arg(clipboard ? QString::fromStdString(clipboard->name) : QStringLiteral("the copied plugin"));
     }
     case armedForCopy:
-        return slot.pluginName ? QStringLiteral("Click to copy \"%1\" (and its current settings).").arg(name)
-                               : QStringLiteral("Empty -- pick a slot with a plugin loaded to copy from.");
+        return shown.name ? QStringLiteral("Click to copy \"%1\" (and its current settings).").arg(name)
+                          : QStringLiteral("Empty -- pick a slot with a plugin loaded to copy from.");
     case none:
         break;
     }
@@ -103,10 +113,10 @@ QString PluginSlotView::helpNow() const {
     if (state != nullptr)
         if (const auto* const failed = std::get_if<plugins::load_state::Failed>(state))
             return QStringLiteral("%1 failed to load: %2").arg(name, QString::fromStdString(failed->message));
-    if (!slot.pluginName)
+    if (!shown.name)
         return QStringLiteral("Empty AU insert slot %1 — click to pick an installed plugin.")
             .arg(slotIndex + 1);
-    if (!slot.component)
+    if (!shown.component)
         return QStringLiteral(
                    "%1 — from an older session, not linked to an installed plugin. Click to pick one."
         )
@@ -116,7 +126,7 @@ QString PluginSlotView::helpNow() const {
 
 void PluginSlotView::refresh() {
     const session::PluginSlot* const slot = record();
-    const QString name = slot != nullptr ? named(*slot, {}) : QString();
+    const QString name = textOf(plugin().name, {});
     const Content now = contentNow();
     const bool bypassed = slot != nullptr && slot->bypassed;
     if (name != text() || now != content || bypassed != isBypassed || accessibleName().isEmpty()) {
@@ -191,8 +201,9 @@ void PluginSlotView::openPicker() {
 
 void PluginSlotView::contextMenuEvent(QContextMenuEvent* event) {
     const session::PluginSlot* const slot = record();
-    if (slot == nullptr || (!slot->pluginName && !slot->component)) return;
-    const bool isLive = contentNow() == Content::loaded;
+    const Plugin shown = plugin();
+    if (slot == nullptr || (!shown.name && !shown.component)) return;
+    const bool isLive = engine.livePlugin(slotIndex, stripID) != nullptr;
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     if (isLive)
@@ -212,9 +223,8 @@ void PluginSlotView::contextMenuEvent(QContextMenuEvent* event) {
 void PluginSlotView::addPresetActions(QMenu& menu) {
     menu.addSeparator();
     QMenu* const load = menu.addMenu(QStringLiteral("Load Preset"));
-    const session::PluginSlot* const slot = record();
-    if (slot != nullptr && slot->component)
-        for (const plugins::NamedPreset& preset : engine.pluginPresets(*slot->component))
+    if (const auto component = plugin().component)
+        for (const plugins::NamedPreset& preset : engine.pluginPresets(*component))
             load->addAction(menuText(preset.name), this, [this, preset] {
                 engine.applyPluginPreset(preset, slotIndex, stripID);
             });
@@ -223,8 +233,7 @@ void PluginSlotView::addPresetActions(QMenu& menu) {
 }
 
 void PluginSlotView::askForPresetName() {
-    const session::PluginSlot* const slot = record();
-    const QString name = slot != nullptr ? named(*slot, QStringLiteral("this plugin")) : QString();
+    const QString name = textOf(plugin().name, QStringLiteral("this plugin"));
     const TextPrompt prompt{
         .title = QStringLiteral("Save Preset"),
         .message = QStringLiteral("Saves %1's current settings so you can recall them later on any insert "

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
+#include "engine/session/au_component_identity.h"
 #include "engine/session/plugin_slot.h"
 #include "platform/uuid.h"
 #include "plugins/plugin_load_state.h"
@@ -9,6 +10,8 @@
 #include <QAbstractButton>
 
 #include <cstddef>
+#include <optional>
+#include <string>
 
 class QMenu;
 
@@ -38,9 +41,16 @@ class PluginSlotView final : public QAbstractButton {
   private:
     /// What is in the slot.
     enum class Content { empty, notLive, loading, loaded, failed };
+    /// Which plugin that is, as far as it is known.
+    struct Plugin {
+        std::optional<std::string> name = {};
+        std::optional<session::AUComponentIdentity> component = {};
+    };
 
     [[nodiscard]] const session::ChannelStrip* strip() const;
     [[nodiscard]] const session::PluginSlot* record() const;
+    /// The record's, or the live one where that is another.
+    [[nodiscard]] Plugin plugin() const;
     [[nodiscard]] const plugins::PluginLoadState* loadState() const;
     [[nodiscard]] Content contentNow() const;
     [[nodiscard]] QString helpNow() const;
