@@ -121,12 +121,17 @@ void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe, RecordsF
         return key.slot < recallSafe.size() && recallSafe[key.slot]
                && (source == RecordsFrom::scene || isLiveOrLoading(key));
     };
-    const std::vector<AVAudioUnitComponent> installed = availableInsertComponents(services.audioUnitHost);
+    // Not before it is needed: the first list may take seconds.
+    std::optional<std::vector<AVAudioUnitComponent>> installed;
     // A copy: who is told of a change may change the strips.
     for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
-        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
-            if (const PluginSlotKey key{strip.id, slot}; !isLeftAlone(key))
-                restoreSlot(key, strip.pluginSlots[slot], strip.name, installed);
+        for (std::size_t index = 0; index < strip.pluginSlots.size(); ++index) {
+            const PluginSlotKey key{strip.id, index};
+            const PluginSlot& slot = strip.pluginSlots[index];
+            if (isLeftAlone(key) || !makeRoom(key, slot)) continue;
+            if (!installed) installed = availableInsertComponents(services.audioUnitHost);
+            restoreSlot(key, slot, strip.name, *installed);
+        }
     unloadWhereNoSlotIs();
     owner.pushInserts();
 }
@@ -138,14 +143,17 @@ bool InsertRack::isLiveOrLoading(const PluginSlotKey& key) const {
            || (found != states.end() && std::holds_alternative<load_state::Loading>(found->second));
 }
 
+bool InsertRack::makeRoom(const PluginSlotKey& key, const PluginSlot& slot) {
+    const LoadedInsertPlugin* const live = plugin(key);
+    if (live != nullptr && slot.component == identityOf(live->component)) return false;
+    unload(key);
+    return slot.component.has_value();
+}
+
 void InsertRack::restoreSlot(
     const PluginSlotKey& key, const PluginSlot& slot, const std::string& stripName,
     const std::vector<AVAudioUnitComponent>& installed
 ) {
-    const LoadedInsertPlugin* const live = plugin(key);
-    if (live != nullptr && slot.component == identityOf(live->component)) return;
-    unload(key);
-    if (!slot.component) return;
     const auto found = std::ranges::find(installed, *slot.component, identityOf);
     if (found == installed.end()) {
         owner.setLastError(fmt::format(

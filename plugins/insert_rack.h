@@ -111,6 +111,9 @@ class InsertRack final {
     std::optional<std::string> followSampleRate(const PluginSlotKey& key);
     [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
     [[nodiscard]] bool isLiveOrLoading(const PluginSlotKey& key) const;
+    /// Unloads what is not the record's plugin; whether that is yet to be loaded.
+    bool makeRoom(const PluginSlotKey& key, const session::PluginSlot& slot);
+    /// For a record that names a plugin.
     void restoreSlot(
         const PluginSlotKey& key, const session::PluginSlot& slot, const std::string& stripName,
         const std::vector<platform::AVAudioUnitComponent>& installed

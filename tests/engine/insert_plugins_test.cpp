@@ -363,6 +363,7 @@ TEST_F(InsertPlugins, AreCapturedByTheirOwnNamesWhateverTheirRecordsSay) {
     engine->removePlugin(4, id(0));
     EXPECT_EQ(engine->livePlugin(4, id(0)), nullptr);
     EXPECT_TRUE(captured(4).isEmpty());
+    EXPECT_EQ(audioUnitHost.listings, 0) << "though no plugin had to be found";
 }
 
 TEST_F(InsertPlugins, MoveThroughTheClipboard) {

@@ -179,6 +179,7 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
 
     std::vector<platform::AVAudioUnitComponent>
     componentsMatchingDescription(const platform::AudioComponentDescription& description) override {
+        ++listings;
         std::vector<platform::AVAudioUnitComponent> found;
         for (const auto& component : components)
             if (component.audioComponentDescription.componentType == description.componentType)
@@ -241,6 +242,7 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
     /// What every instantiation gives; an empty text stands for no error at all.
     std::optional<platform::Error> failure;
     int instantiations = 0;
+    std::atomic<int> listings = 0;
     ScriptedAudioUnit::Report report;
     std::vector<platform::AVAudioUnitComponent> components;
 
