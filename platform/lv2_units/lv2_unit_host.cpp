@@ -45,12 +45,12 @@ Lv2UnitHost::Lv2UnitHost(SystemLog& systemLog, std::string searchPath)
 
 Lv2UnitHost::~Lv2UnitHost() {
     {
-        const std::scoped_lock lock(mutex);
-        isClosing = true;
+        const std::scoped_lock lock(work->mutex);
+        work->isClosing = true;
     }
-    changed.notify_one();
+    work->changed.notify_one();
     loader.join();
-    for (const Request& request : requests)
+    for (const Request& request : work->requests)
         request.completion(nullptr, Error{"The effect was not loaded because the program is closing."});
 }
 
@@ -68,10 +68,10 @@ void Lv2UnitHost::instantiate(
     InstantiationCompletion completion
 ) {
     {
-        const std::scoped_lock lock(mutex);
-        requests.push_back({description, std::move(completion)});
+        const std::scoped_lock lock(work->mutex);
+        work->requests.push_back({description, std::move(completion)});
     }
-    changed.notify_one();
+    work->changed.notify_one();
 }
 
 const std::vector<InstalledPlugin>& Lv2UnitHost::plugins() {
@@ -79,13 +79,36 @@ const std::vector<InstalledPlugin>& Lv2UnitHost::plugins() {
     return installed;
 }
 
+/// Where there is no loading thread any more, the unit goes here and now.
+void Lv2UnitHost::discard(std::unique_ptr<AUAudioUnit> unit, const std::weak_ptr<Work>& loader) {
+    const auto work = loader.lock();
+    if (!work) return;
+    const std::scoped_lock lock(work->mutex);
+    if (work->isClosing) return;
+    try {
+        work->discarded.push_back(std::move(unit));
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    work->changed.notify_one();
+}
+
 void Lv2UnitHost::serveRequests() {
-    std::unique_lock lock(mutex);
+    std::unique_lock lock(work->mutex);
     while (true) {
-        changed.wait(lock, [this] { return isClosing || !requests.empty(); });
-        if (isClosing) return;
-        const Request request = std::move(requests.front());
-        requests.pop_front();
+        work->changed.wait(lock, [this] {
+            return work->isClosing || !work->requests.empty() || !work->discarded.empty();
+        });
+        if (work->isClosing) return;
+        if (!work->discarded.empty()) {
+            auto discarded = std::exchange(work->discarded, {});
+            lock.unlock();
+            discarded.clear();
+            lock.lock();
+            continue;
+        }
+        const Request request = std::move(work->requests.front());
+        work->requests.pop_front();
         lock.unlock();
         auto made = makeUnitSafely(request.description);
         if (made)
@@ -120,9 +143,12 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentD
     auto instance =
         lv2_units::PluginInstance::make(shared, services, {.sampleRate = services->sampleRate.load()});
     if (!instance) return instance.error();
-    return std::shared_ptr<AUAudioUnit>(
-        std::make_shared<lv2_units::Lv2Unit>(std::move(shared), services, std::move(instance).value())
-    );
+    auto unit =
+        std::make_unique<lv2_units::Lv2Unit>(std::move(shared), services, std::move(instance).value());
+    return std::shared_ptr<AUAudioUnit>(std::shared_ptr<lv2_units::Lv2Unit>(
+        unit.release(), [loader = std::weak_ptr(work)](lv2_units::Lv2Unit* let
+                        ) { discard(std::unique_ptr<AUAudioUnit>(let), loader); }
+    ));
 }
 
 } // namespace orvane::platform

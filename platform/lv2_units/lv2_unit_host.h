@@ -20,9 +20,10 @@ struct HostServices;
 }
 
 /// Hosts the LV2 plugins of this machine. Plugins are loaded on a thread of the host's own, one after the
-/// other; completions come from there. A request that is still open when the host is destroyed is answered
-/// with an error by the destructor, which waits for the plugin that is being loaded. Its units may outlive
-/// it.
+/// other; completions come from there, and there a unit is destroyed once nobody has it, so that who lets go
+/// of it does not wait for a plugin that is being loaded. A request that is still open when the host is
+/// destroyed is answered with an error by the destructor, which waits for the plugin that is being loaded.
+/// Its units may outlive it.
 class Lv2UnitHost final : public AudioUnitHost {
   public:
     /// `searchPath`: the folders of bundles, separated by colons. `systemLog` outlives host and units.
@@ -47,10 +48,20 @@ class Lv2UnitHost final : public AudioUnitHost {
         InstantiationCompletion completion;
     };
 
+    /// What the loading thread has to do. Units look for it when they go.
+    struct Work {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::deque<Request> requests;
+        std::vector<std::unique_ptr<AUAudioUnit>> discarded;
+        bool isClosing = false;
+    };
+
     const std::vector<lv2_units::InstalledPlugin>& plugins();
     Result<std::shared_ptr<AUAudioUnit>> makeUnit(const AudioComponentDescription& description);
     /// Whatever it throws ends here: the program goes on without the effect.
     Result<std::shared_ptr<AUAudioUnit>> makeUnitSafely(const AudioComponentDescription& description);
+    static void discard(std::unique_ptr<AUAudioUnit> unit, const std::weak_ptr<Work>& loader);
     void serveRequests();
 
     std::shared_ptr<lv2_units::HostServices> services;
@@ -58,10 +69,7 @@ class Lv2UnitHost final : public AudioUnitHost {
     std::once_flag scanned;
     std::vector<lv2_units::InstalledPlugin> installed;
 
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<Request> requests;
-    bool isClosing = false;
+    std::shared_ptr<Work> work = std::make_shared<Work>();
     std::thread loader;
 };
 

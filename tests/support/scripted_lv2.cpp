@@ -79,6 +79,10 @@ LV2_Handle
 instantiate(const LV2_Descriptor* descriptor, double, const char*, const LV2_Feature* const* features) {
     if (std::strstr(descriptor->URI, "refuses") != nullptr) return nullptr;
     throwIf(ScriptedLv2Probe::Throw::instantiate);
+    probe.isInstantiating.store(true);
+    while (probe.holdsInstantiate.load())
+        std::this_thread::yield();
+    probe.isInstantiating.store(false);
     auto* const plugin = new Plugin;
     for (; *features != nullptr; ++features) {
         if (std::strcmp((*features)->URI, LV2_URID__map) == 0)

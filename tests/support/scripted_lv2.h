@@ -54,6 +54,9 @@ struct ScriptedLv2Probe {
     /// Schedules work, answers work, maps a URI and logs, on the calling thread, for the plugin made last;
     /// the number of calls that the host took.
     std::function<int()> callHost;
+    /// instantiate() does not return while this is set.
+    std::atomic<bool> holdsInstantiate = false;
+    std::atomic<bool> isInstantiating = false;
     /// restore() does not return while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;

@@ -197,15 +197,33 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
             probe().throwsIn.store(place == Throw::cleanup ? place : Throw::nowhere);
             EXPECT_EQ(renderer.renderBlock(ones), rendered);
         }
+        EXPECT_TRUE(waitFor([&] { return log.flush(), !lines.empty(); }));
         probe().throwsIn.store(Throw::nowhere);
-        log.flush();
         EXPECT_THAT(lines, testing::ElementsAre(logged));
     }
     probe().throwsIn.store(Throw::instantiate);
     const auto made = test::instantiate(*host, "plain");
     probe().throwsIn.store(Throw::nowhere);
     EXPECT_EQ(made.error, Error{"\"plain\" could not be started at 48000 Hz."});
-    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore);
+    EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
+}
+
+TEST_F(Lv2UnitTest, NobodyWhoLetsGoOfAUnitWaitsForAnotherThatIsMade) {
+    const int pluginsBefore = probe().pluginCount.load();
+    auto unit = make("plain");
+    probe().holdsInstantiate.store(true);
+    auto made = std::async(std::launch::async, [this] { return test::instantiate(*host, "plain").unit; });
+    EXPECT_TRUE(waitFor([] { return probe().isInstantiating.load(); }));
+    std::atomic<bool> isGone = false;
+    const auto gone = std::async(std::launch::async, [&] {
+        unit.reset();
+        isGone.store(true);
+    });
+    EXPECT_TRUE(waitFor([&] { return isGone.load(); }));
+    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore + 1);
+    probe().holdsInstantiate.store(false);
+    made.get().reset();
+    EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
 }
 
 TEST_F(Lv2UnitTest, KeepsWhatAPluginSavedThatSaysItFailed) {
