@@ -20,7 +20,6 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
 
