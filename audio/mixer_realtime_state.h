@@ -59,10 +59,6 @@ class MixerRealtimeState final {
     /// One ring per output channel of a separate master device; none if the master bus goes to the main
     /// device.
     RingBuffers masterOutputRingBuffers;
-    /// Who helps the I/O thread with inserts; nobody if absent, which a device whose clock is stepped needs:
-    /// what comes too late is left out.
-    std::unique_ptr<InsertWorkers> insertWorkers;
-
     // Control thread, at any time.
 
     /// Replaces the routing; one entry per strip in each list.
@@ -103,6 +99,10 @@ class MixerRealtimeState final {
     const platform::HostClock clock;
     RenderTable<RoutingTable> routing;
     RenderTable<InsertTable> inserts{[this] { return insertWorkers && insertWorkers->isLate(); }};
+    /// Who helps the I/O thread with inserts; nobody if absent, which a device whose clock is stepped needs:
+    /// what comes too late is left out. Set before the devices start. After `inserts`, so that it goes first:
+    /// a worker may still be at a table, and its end waits for that.
+    std::unique_ptr<InsertWorkers> insertWorkers;
     dsp::PinkNoiseGenerator pinkNoise;
     RenderScratch scratch;
 

@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <thread>
 
@@ -21,9 +24,9 @@ constexpr std::size_t frames = 64;
 
 /// Two strips with an effect each that doubles its input and first does something else.
 struct TwoStrips {
-    TwoStrips() {
+    explicit TwoStrips(std::size_t workerCount = 1) {
         state.insertWorkers = std::make_unique<InsertWorkers>(
-            1, 2, platform::HostClock::system(),
+            workerCount, 2, platform::HostClock::system(),
             InsertWorkers::Limits{.sharedFrom = -1.0, .unsharedBelow = -1.0, .waitedFor = 0.0}
         );
     }
@@ -98,6 +101,46 @@ TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilIt
     strips.state.updatePlugins(strips.makeTable());
     strips.before[0] = strips.before[1] = [] {};
     EXPECT_TRUE(test::waitFor([&] { return strips.run() == std::pair(2.0, 2.0); }));
+}
+
+std::ptrdiff_t threadCount() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+TEST(InsertWorkers, AreWaitedForBeforeTheEffectsGoThatTheyAreAt) {
+    auto strips = std::make_unique<TwoStrips>(2);
+    std::atomic<int> entered = 0;
+    std::atomic<bool> isHeldUp = false;
+    std::atomic<bool> isReleased = false;
+    std::atomic<bool> isKept = false;
+    strips->state.updatePlugins(strips->makeTable());
+    strips->run();
+    // Of the two threads that are at the strips at once, a worker is held up.
+    for (std::size_t strip = 0; strip < 2; ++strip)
+        strips->before[strip] = [&, effect = &strips->contexts[strip],
+                                 ioThread = std::this_thread::get_id()] {
+            ++entered;
+            while (entered < 2)
+                std::this_thread::yield();
+            if (std::this_thread::get_id() == ioThread || isHeldUp.exchange(true)) return;
+            while (!isReleased)
+                std::this_thread::yield();
+            isKept = !effect->expired();
+        };
+    strips->run();
+
+    // Once the idle one has left, the end of the state has come to waiting for the other.
+    std::atomic<bool> isWatched = false;
+    std::thread watcher([&] {
+        const std::ptrdiff_t before = threadCount();
+        isWatched = true;
+        EXPECT_TRUE(test::waitFor([before] { return threadCount() < before; }));
+        isReleased = true;
+    });
+    EXPECT_TRUE(test::waitFor([&] { return isWatched.load(); }));
+    strips.reset();
+    watcher.join();
+    EXPECT_TRUE(isKept);
 }
 
 } // namespace
