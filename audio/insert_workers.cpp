@@ -3,7 +3,6 @@
 #include "platform/audio_thread_scope.h"
 #include "platform/flush_denormals.h"
 #include "platform/futex.h"
-#include "platform/realtime_priority.h"
 
 #include <algorithm>
 #include <system_error>
@@ -29,7 +28,8 @@ std::size_t InsertWorkers::countFor(unsigned processors) {
 }
 
 InsertWorkers::InsertWorkers(
-    std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given
+    std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given,
+    TakePriority takePriority
 )
     : clock(hostClock),
       limits(given),
@@ -39,8 +39,8 @@ InsertWorkers::InsertWorkers(
     // I/O thread has more to do itself.
     try {
         for (std::size_t number = 0; number < workerCount; ++number)
-            workers.emplace_back([this, first = (number + 1) * stripCount / (workerCount + 1)] {
-                work(first);
+            workers.emplace_back([this, takePriority, first = (number + 1) * stripCount / (workerCount + 1)] {
+                work(first, takePriority);
             });
     } catch (const std::system_error&) {
         if (workers.empty()) throw;
@@ -62,7 +62,7 @@ void InsertWorkers::run(
     const double taken =
         isSharing ? renderShared(table, blocks, routed, blockSeconds) : renderAlone(table, blocks, routed);
     mostLately = std::max(taken / blockSeconds, mostLately * remembered);
-    isSharing = mostLately > (isSharing ? limits.unsharedBelow : limits.sharedFrom);
+    isSharing = helperCount() > 0 && mostLately > (isSharing ? limits.unsharedBelow : limits.sharedFrom);
 }
 
 bool InsertWorkers::isLate() const noexcept {
@@ -150,8 +150,9 @@ double InsertWorkers::collect(
     return seconds(item.ticks);
 }
 
-void InsertWorkers::work(std::size_t first) noexcept {
-    platform::takeRealtimePriority();
+void InsertWorkers::work(std::size_t first, TakePriority takePriority) noexcept {
+    if (takePriority() == 0) return;
+    ++helpers;
     const platform::FlushDenormals flushDenormals;
     std::uint32_t seen = 0;
     while (true) {

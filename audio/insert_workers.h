@@ -4,6 +4,7 @@
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
 #include "platform/host_clock.h"
+#include "platform/realtime_priority.h"
 
 #include <atomic>
 #include <cstddef>
@@ -26,8 +27,8 @@ class InsertWorkers final {
     struct Limits {
         /// The work is shared out when a block has lately taken more than the first, and no longer when none
         /// has taken more than the second.
-        double sharedFrom = 0.4;
-        double unsharedBelow = 0.2;
+        double sharedFrom = 0.6;
+        double unsharedBelow = 0.4;
         /// How long after the beginning of the inserts the I/O thread waits for a strip.
         double waitedFor = 0.75;
     };
@@ -35,9 +36,15 @@ class InsertWorkers final {
     /// The workers that a machine of so many processors has room for: none below four.
     static std::size_t countFor(unsigned processors);
 
+    /// Puts the calling thread before all ordinary ones; gives the priority, 0 where there is none to be had.
+    using TakePriority = int (*)() noexcept;
+
     /// Starts `workerCount` threads, at least one. Throws std::system_error where there are none to be had.
+    /// Each takes its priority first. One that gets none ends: any ordinary thread could hold it up at a
+    /// strip, which would be left dry.
     InsertWorkers(
-        std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given
+        std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given,
+        TakePriority takePriority = platform::takeRealtimePriority
     );
     /// Waits for the strips that workers are at.
     ~InsertWorkers();
@@ -49,6 +56,10 @@ class InsertWorkers final {
     ORVANE_REALTIME void
     run(const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed,
         double blockSeconds) noexcept;
+
+    /// The workers that have their priority: at first none, all that ever will soon after. The I/O thread
+    /// shares nothing while there are none. Any thread.
+    [[nodiscard]] std::size_t helperCount() const noexcept { return helpers.load(std::memory_order_relaxed); }
 
     /// Whether a worker is still at a strip that a pass has gone on without, and so at the table of that
     /// pass. Any thread.
@@ -92,7 +103,7 @@ class InsertWorkers final {
     ORVANE_REALTIME void render(std::size_t strip) noexcept;
     ORVANE_REALTIME double
     collect(std::size_t strip, std::span<double> block, std::uint64_t begun, double waitSeconds) noexcept;
-    ORVANE_REALTIME void work(std::size_t first) noexcept;
+    ORVANE_REALTIME void work(std::size_t first, TakePriority takePriority) noexcept;
     [[nodiscard]] double seconds(std::uint64_t ticks) const noexcept;
 
     const platform::HostClock clock;
@@ -104,6 +115,7 @@ class InsertWorkers final {
     /// Counts what workers are woken for.
     std::atomic<std::uint32_t> round = 0;
     std::atomic<bool> isEnding = false;
+    std::atomic<std::size_t> helpers = 0;
     std::vector<std::thread> workers;
 };
 

@@ -26,8 +26,8 @@ struct Services {
     /// Absent in a program without windows.
     platform::EditorWindows* editorWindows = nullptr;
     platform::HostClock clock = platform::HostClock::system();
-    /// Real-time threads that help a run with its inserts, `audio::InsertWorkers`; none where the device's
-    /// clock is stepped, which they cannot keep up with by themselves.
+    /// Real-time threads that help a run with its inserts, `audio::InsertWorkers`, as far as they get that
+    /// priority; none where the device's clock is stepped, which they cannot keep up with by themselves.
     std::size_t insertWorkers = 0;
 };
 

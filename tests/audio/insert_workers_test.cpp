@@ -1,6 +1,7 @@
 #include "audio/insert_workers.h"
 #include "audio/mixer_realtime_state.h"
 #include "support/allocation_guard.h"
+#include "support/mixer_harness.h"
 #include "support/scripted_unit.h"
 #include "support/wait_for.h"
 
@@ -25,10 +26,7 @@ constexpr std::size_t frames = 64;
 /// Two strips with an effect each that doubles its input and first does something else.
 struct TwoStrips {
     explicit TwoStrips(std::size_t workerCount = 1) {
-        state.insertWorkers = std::make_unique<InsertWorkers>(
-            workerCount, 2, platform::HostClock::system(),
-            InsertWorkers::Limits{.sharedFrom = -1.0, .unsharedBelow = -1.0, .waitedFor = 0.0}
-        );
+        state.insertWorkers = test::startWorkers(workerCount, 2, platform::HostClock::system(), limits);
     }
 
     audio::InsertTable makeTable() {
@@ -56,6 +54,8 @@ struct TwoStrips {
         return {blocks[0].back(), blocks[1].back()};
     }
 
+    static constexpr InsertWorkers::Limits limits{
+        .sharedFrom = -1.0, .unsharedBelow = -1.0, .waitedFor = 0.0};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ScriptedUnit units[2] = {
         test::ScriptedUnit({test::UnitAct::doubles}), test::ScriptedUnit({test::UnitAct::doubles})};
@@ -101,6 +101,30 @@ TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilIt
     strips.state.updatePlugins(strips.makeTable());
     strips.before[0] = strips.before[1] = [] {};
     EXPECT_TRUE(test::waitFor([&] { return strips.run() == std::pair(2.0, 2.0); }));
+}
+
+TEST(InsertWorkers, TakeNothingWithoutTheirPriority) {
+    static std::atomic<int> asked;
+    asked = 0;
+    TwoStrips strips;
+    strips.state.insertWorkers = std::make_unique<InsertWorkers>(
+        2, 2, platform::HostClock::system(), TwoStrips::limits,
+        []() noexcept {
+            ++asked;
+            return 0;
+        }
+    );
+    std::atomic<int> taken = 0;
+    for (auto& before : strips.before)
+        before = [&, ioThread = std::this_thread::get_id()] {
+            taken += std::this_thread::get_id() == ioThread ? 0 : 1;
+        };
+    strips.state.updatePlugins(strips.makeTable());
+    EXPECT_TRUE(test::waitFor([] { return asked == 2; }));
+    for (int block = 0; block < 1000; ++block)
+        ASSERT_EQ(strips.run(), std::pair(2.0, 2.0)) << block;
+    EXPECT_EQ(taken, 0);
+    EXPECT_EQ(strips.state.insertWorkers->helperCount(), 0U);
 }
 
 std::ptrdiff_t threadCount() {

@@ -4,6 +4,9 @@
 #include "audio/render_pass.h"
 #include "dsp/automix_processor.h"
 #include "support/allocation_guard.h"
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -31,6 +34,18 @@ inline audio::RingBuffers makeRings(std::size_t count, std::size_t bufferSize) {
     for (std::size_t i = 0; i < count; ++i)
         rings.push_back(std::make_unique<audio::RingBuffer>(static_cast<std::int64_t>(8 * bufferSize)));
     return rings;
+}
+
+/// Starts workers that take part on any machine, whatever priority they may have there, and waits until all
+/// do.
+inline std::unique_ptr<audio::InsertWorkers> startWorkers(
+    std::size_t count, std::size_t strips, platform::HostClock clock,
+    const audio::InsertWorkers::Limits& limits
+) {
+    auto workers =
+        std::make_unique<audio::InsertWorkers>(count, strips, clock, limits, []() noexcept { return 1; });
+    EXPECT_TRUE(waitFor([&] { return workers->helperCount() == count; }));
+    return workers;
 }
 
 /// A running mixer without devices: whoever holds it is the device. Passes and pulls run under the allocation
@@ -64,8 +79,7 @@ struct MixerHarness {
         if (shape.insertWorkers == 0) return;
         constexpr double forEver = 1e9;
         const audio::InsertWorkers::Limits limits{-1.0, -1.0, forEver};
-        state.insertWorkers =
-            std::make_unique<audio::InsertWorkers>(shape.insertWorkers, shape.strips, clock, limits);
+        state.insertWorkers = startWorkers(shape.insertWorkers, shape.strips, clock, limits);
     }
 
     /// One cycle of the main device: `frameCount` frames captured, as many played.
