@@ -5,7 +5,7 @@
 #include "platform/futex.h"
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 
 namespace orvane::audio {
 
@@ -35,6 +35,7 @@ InsertWorkers::InsertWorkers(
       limits(given),
       items(stripCount),
       samples(stripCount, plugins::InsertRenderContext::maximumFrames) {
+    workers.reserve(workerCount);
     // They begin at different strips, so that few reach for the same one. With fewer of them than wanted the
     // I/O thread has more to do itself.
     try {
@@ -42,7 +43,7 @@ InsertWorkers::InsertWorkers(
             workers.emplace_back([this, takePriority, first = (number + 1) * stripCount / (workerCount + 1)] {
                 work(first, takePriority);
             });
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
         if (workers.empty()) throw;
     }
 }

@@ -39,7 +39,8 @@ class InsertWorkers final {
     /// Puts the calling thread before all ordinary ones; gives the priority, 0 where there is none to be had.
     using TakePriority = int (*)() noexcept;
 
-    /// Starts `workerCount` threads, at least one. Throws std::system_error where there are none to be had.
+    /// Starts `workerCount` threads, or as many, at least one, as the system has threads and memory for.
+    /// Throws std::system_error or std::bad_alloc where it has none.
     /// Each takes its priority first. One that gets none ends: any ordinary thread could hold it up at a
     /// strip, which would be left dry.
     InsertWorkers(

@@ -1,6 +1,7 @@
 #include "audio/insert_workers.h"
 #include "audio/mixer_realtime_state.h"
 #include "support/allocation_guard.h"
+#include "support/failing_allocation.h"
 #include "support/mixer_harness.h"
 #include "support/scripted_unit.h"
 #include "support/wait_for.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <thread>
 
 namespace {
@@ -125,6 +127,20 @@ TEST(InsertWorkers, TakeNothingWithoutTheirPriority) {
         ASSERT_EQ(strips.run(), std::pair(2.0, 2.0)) << block;
     EXPECT_EQ(taken, 0);
     EXPECT_EQ(strips.state.insertWorkers->helperCount(), 0U);
+}
+
+TEST(InsertWorkers, AreFewerWhereThereIsNoMemoryForAll) {
+    std::size_t fewer = 0;
+    for (std::size_t nth = 1;; ++nth) {
+        const test::FailingAllocation failing(nth);
+        try {
+            const InsertWorkers workers(3, 2, platform::HostClock::system(), TwoStrips::limits);
+            if (!failing.hasHappened()) break;
+            ++fewer;
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_EQ(fewer, 2U) << "each but the first can be done without";
 }
 
 std::ptrdiff_t threadCount() {
