@@ -1,5 +1,6 @@
 #include "engine/running_audio.h"
 
+#include "audio/buffer_size_negotiation.h"
 #include "audio/render_pass.h"
 
 #include <fmt/format.h>
@@ -14,18 +15,23 @@ namespace {
 
 using audio::CoreAudioIOEngine;
 
-/// Every ring holds this many blocks.
+/// Every ring holds this many of the blocks that were asked for, and so many of the longest that a device
+/// brings or takes.
 constexpr std::int64_t ringBlocks = 8;
-
-audio::RingBuffers makeRings(std::int64_t outputCount, std::int64_t bufferSize) {
-    audio::RingBuffers rings;
-    for (std::int64_t i = 0; i < outputCount; ++i)
-        rings.push_back(std::make_unique<audio::RingBuffer>(bufferSize * ringBlocks));
-    return rings;
-}
+constexpr std::int64_t ringDeviceBlocks = 2;
 
 std::int64_t atLeastOne(std::int64_t count) {
     return std::max<std::int64_t>(count, 1);
+}
+
+/// The rings of a device, where nobody has blocks longer than `longestBlock`.
+audio::RingBuffers
+makeRings(const audio::AudioDeviceInfo& device, std::int64_t bufferSize, std::uint32_t longestBlock) {
+    const std::int64_t capacity = std::max(ringBlocks * bufferSize, ringDeviceBlocks * longestBlock);
+    audio::RingBuffers rings;
+    for (std::int64_t i = 0; i < atLeastOne(device.outputChannelCount); ++i)
+        rings.push_back(std::make_unique<audio::RingBuffer>(capacity));
+    return rings;
 }
 
 /// The I/O engine of a device: the main one captures and plays, the master one only plays.
@@ -86,9 +92,7 @@ platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
     run->connect(devices, observer);
     auto begun = run->mainIO->setup();
     if (begun) {
-        // The first cycle is not to allocate.
-        run->processor->ensureScratch(run->mainIO->maximumFrames());
-        run->state->ensureScratch(run->mainIO->maximumFrames());
+        run->allocateFor(devices, show.bufferSize);
         begun = run->mainIO->start();
     }
     if (!begun) return platform::Error{"Failed to start audio engine: " + begun.error().description()};
@@ -114,16 +118,10 @@ RunningAudio::RunningAudio(
           devices.main.sampleRate / static_cast<double>(show.bufferSize), show.masterTargetDB
       )),
       state(std::make_shared<audio::MixerRealtimeState>(show.channelStrips.size(), clock)) {
-    const std::int64_t outputs = atLeastOne(devices.main.outputChannelCount);
     mainIO = makeIO(hardware, devices.main, show.bufferSize, Role::main);
     configure(*processor, show);
     state->sampleRate = devices.main.sampleRate;
-    state->outputRingBuffers = makeRings(outputs, show.bufferSize);
-    if (devices.master) {
-        const std::int64_t masterOutputs = atLeastOne(devices.master->outputChannelCount);
-        masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
-        state->masterOutputRingBuffers = makeRings(masterOutputs, show.bufferSize);
-    }
+    if (devices.master) masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
     pushRouting(*state, show);
     state->insertWorkers = makeWorkers(inserts.workers, show.channelStrips.size(), clock);
     state->updatePlugins(std::move(inserts.table));
@@ -135,6 +133,21 @@ RunningAudio::~RunningAudio() {
         hardware.AudioObjectRemovePropertyListenerBlock(listener);
     mainIO.reset();
     masterIO.reset();
+}
+
+void RunningAudio::allocateFor(const Devices& devices, std::int64_t bufferSize) {
+    const std::uint32_t mainFrames = mainIO->maximumFrames();
+    state->outputRingBuffers = makeRings(devices.main, bufferSize, mainFrames);
+    if (devices.master) {
+        // Its own set-up asks again, but only once the main device runs and fills these rings.
+        const std::uint32_t masterFrames =
+            audio::negotiateBufferSize(hardware, devices.master->id, static_cast<std::uint32_t>(bufferSize))
+                .frameCount;
+        state->masterOutputRingBuffers =
+            makeRings(*devices.master, bufferSize, std::max(mainFrames, masterFrames));
+    }
+    processor->ensureScratch(mainFrames);
+    state->ensureScratch(mainFrames);
 }
 
 void RunningAudio::connect(const Devices& devices, const Observer& observer) {

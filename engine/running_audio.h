@@ -75,6 +75,8 @@ class RunningAudio final {
         const Show& show, Inserts inserts
     );
 
+    /// All that the first cycle needs, for the block lengths that the devices agree to.
+    void allocateFor(const Devices& devices, std::int64_t bufferSize);
     void connect(const Devices& devices, const Observer& observer);
     void watch(const audio::AudioDeviceInfo& device, const Observer& observer);
 

@@ -52,6 +52,9 @@ class MixerEngineTest : public testing::Test {
         };
         devices[1].description = {std::string(monitor), "Monitor", 0, 2, 44100.0};
         devices[1].output = masterOutput;
+        devices[1].answerBufferSize = [this](std::uint32_t requested) {
+            return keptMonitorSize.value_or(requested);
+        };
         return devices;
     }
 
@@ -98,6 +101,7 @@ class MixerEngineTest : public testing::Test {
     [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
 
     std::optional<std::uint32_t> keptBufferSize;
+    std::optional<std::uint32_t> keptMonitorSize;
     std::shared_ptr<test::KeptOutput> mainOutput = std::make_shared<test::KeptOutput>();
     std::shared_ptr<test::KeptOutput> masterOutput = std::make_shared<test::KeptOutput>();
     test::ManualMainThread mainThread;
@@ -298,6 +302,27 @@ TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
     EXPECT_THAT(message(), HasSubstr("This device is actually running a 96-frame buffer, not the 64 frames"));
     EXPECT_EQ(step(), 1U);
     EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
+}
+
+TEST_F(MixerEngineTest, IsHeardWithoutGapsWhereADeviceHasMuchLongerCyclesThanAskedFor) {
+    engine.setBufferSize(64);
+    engine.selectMasterOutputDevice(device(monitor));
+    engine.setMasterStereo(true);
+    for (const auto& [mainSize, monitorSize] : {std::pair(1024U, 64U), {64U, 1024U}, {2048U, 1024U}}) {
+        keptBufferSize = mainSize;
+        keptMonitorSize = monitorSize;
+        startBypassed();
+        std::uint32_t played = 0;
+        for (std::uint32_t captured = mainSize; captured <= 8192; captured += mainSize) {
+            ASSERT_EQ(step(), 1U);
+            EXPECT_EQ(mainOutput->playedLast[3], -static_cast<float>(test::steadyLevel)) << mainSize;
+            for (; played + monitorSize <= captured; played += monitorSize) {
+                ASSERT_EQ(step(monitor), 1U);
+                EXPECT_NE(masterOutput->playedLast[1], 0.0F) << mainSize << " to " << monitorSize;
+            }
+        }
+        engine.stop();
+    }
 }
 
 /// Runs what the driver's notification thread posts until the message is another one.

@@ -21,14 +21,17 @@ struct SteadyInput final : platform::VirtualInput {
     }
 };
 
-/// Keeps the first sample that each output played in its last cycle.
+/// Keeps the first and the last sample that each output played in its last cycle.
 struct KeptOutput final : platform::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
-        for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel)
-            played[channel] = blocks[channel][0];
+        for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel) {
+            played[channel] = blocks[channel].front();
+            playedLast[channel] = blocks[channel].back();
+        }
     }
 
     std::array<float, 8> played{};
+    std::array<float, 8> playedLast{};
 };
 
 } // namespace orvane::test
