@@ -20,8 +20,9 @@ namespace orvane::dsp {
 /// mute, bypass and group gain to each, sums the master bus and levels it. With N strips K is N + 1: the last
 /// channel is the reference noise, which competes but is never summed.
 ///
-/// Settings, group gains, target and release are written by the control thread at any time and taken over,
-/// all of an edit or nothing of it, at the start of the next block. Everything else is the render thread's.
+/// Settings, group gains, target and release are written by the control thread at any time and taken over at
+/// the start of the next block, all that one call sets or nothing of it; a block may begin between two calls.
+/// Everything else is the render thread's.
 class AutomixProcessor final {
   public:
     /// `channelCount` K at least 1; `sampleRate` in Hz; `controlRate`: blocks per second.

@@ -321,10 +321,7 @@ void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
 void MixerEngine::pushStrips() {
     pushRouting();
     pluginOperations.pushInserts();
-    if (!running) return;
-    const Strips& strips = published.channelStrips.get();
-    for (std::size_t i = 0; i < strips.size(); ++i)
-        running->automix().setSettings(i, automixSettings(strips[i]));
+    if (running) running->automix().setSettings(automixSettings(published.channelStrips.get()));
 }
 
 void MixerEngine::pushRouting() {

@@ -67,9 +67,7 @@ void configure(dsp::AutomixProcessor& automix, const Show& show) {
     automix.setLeadGroupGainDB(show.leadGroupGainDB);
     automix.setBackingGroupGainDB(show.backingGroupGainDB);
     automix.setReleaseMs(show.duckerReleaseMs);
-    for (std::size_t i = 0; i < show.channelStrips.size(); ++i)
-        automix.setSettings(i, automixSettings(show.channelStrips[i]));
-    automix.setSettings(show.channelStrips.size(), {.excludedFromMasterBus = true});
+    automix.setSettings(automixSettings(show.channelStrips));
 }
 
 } // namespace

@@ -9,13 +9,19 @@ bool isBufferSize(std::int64_t bufferSize) {
     return std::ranges::find(bufferSizes, bufferSize) != std::end(bufferSizes);
 }
 
-dsp::ChannelAutomixSettings automixSettings(const session::ChannelStrip& strip) {
-    return {
-        .genderMode = strip.genderMode,
-        .muted = strip.muted,
-        .trim = strip.trim,
-        .bypassed = strip.bypassed,
-        .vocalRole = strip.vocalRole};
+std::vector<dsp::ChannelAutomixSettings> automixSettings(const std::vector<session::ChannelStrip>& strips) {
+    std::vector<dsp::ChannelAutomixSettings> settings;
+    settings.reserve(strips.size() + 1);
+    for (const session::ChannelStrip& strip : strips)
+        settings.push_back(
+            {.genderMode = strip.genderMode,
+             .muted = strip.muted,
+             .trim = strip.trim,
+             .bypassed = strip.bypassed,
+             .vocalRole = strip.vocalRole}
+        );
+    settings.push_back({.excludedFromMasterBus = true});
+    return settings;
 }
 
 } // namespace orvane::engine

@@ -34,7 +34,7 @@ struct Show {
     bool operator==(const Show&) const = default;
 };
 
-/// What the automix is told about a strip.
-dsp::ChannelAutomixSettings automixSettings(const session::ChannelStrip& strip);
+/// What the automix is told about the strips and, last, about the reference noise.
+std::vector<dsp::ChannelAutomixSettings> automixSettings(const std::vector<session::ChannelStrip>& strips);
 
 } // namespace orvane::engine

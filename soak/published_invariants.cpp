@@ -42,11 +42,10 @@ void PublishedInvariants::checkAutomix(const dsp::AutomixProcessor& automix) {
             && automix.releaseMs() == state.duckerReleaseMs.get(),
         "The automix has other settings than those shown"
     );
-    for (std::size_t i = 0; i < strips.size(); ++i)
-        fault.require(
-            automix.settings()[i] == engine::automixSettings(state.channelStrips.get()[i]),
-            "The automix has other settings for strip {} than those shown", i + 1
-        );
+    fault.require(
+        std::ranges::equal(automix.settings(), engine::automixSettings(state.channelStrips.get())),
+        "The automix has other settings for the strips than those shown"
+    );
 }
 
 void PublishedInvariants::checkStrips() {

@@ -325,6 +325,39 @@ TEST_F(MixerEngineTest, IsHeardWithoutGapsWhereADeviceHasMuchLongerCyclesThanAsk
     }
 }
 
+TEST_F(MixerEngineTest, RecallsAllStripsInOneBlock) {
+    MixerEngine wide(48, services);
+    wide.setBufferSize(32);
+    wide.refreshDevices();
+    wide.selectDevice(device(interface));
+    const std::vector<ChannelStrip> all = wide.state().channelStrips.get();
+    wide.setInputChannel(all.back().id, 0);
+    wide.setOutputChannel(all.back().id, 5);
+    for (const double trim : {0.5, 1.0}) {
+        for (const ChannelStrip& strip : {all.front(), all.back()}) {
+            wide.setBypassed(strip.id, true);
+            wide.setTrim(strip.id, trim);
+        }
+        wide.newSnapshot();
+    }
+    wide.start();
+    std::atomic<bool> isOver = false;
+    std::atomic<int> blocks = 0;
+    int halfBlocks = 0;
+    std::thread device([&] {
+        for (; !isOver; ++blocks) {
+            step();
+            halfBlocks += mainOutput->played[0] == mainOutput->played[5] ? 0 : 1;
+        }
+    });
+    for (int i = 0; i < 1000 || blocks < 20000; ++i)
+        wide.recallSnapshot(i % 2);
+    isOver = true;
+    device.join();
+    EXPECT_NE(mainOutput->played[0], 0.0F);
+    EXPECT_EQ(halfBlocks, 0);
+}
+
 /// Runs what the driver's notification thread posts until the message is another one.
 void awaitMessage(MixerEngine& engine, test::ManualMainThread& mainThread, const std::string& before) {
     while (engine.state().lastError.get().value_or("") == before) {
