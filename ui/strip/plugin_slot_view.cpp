@@ -110,9 +110,12 @@ QString PluginSlotView::helpNow() const {
         break;
     }
     const auto* const state = loadState();
-    if (state != nullptr)
-        if (const auto* const failed = std::get_if<plugins::load_state::Failed>(state))
-            return QStringLiteral("%1 failed to load: %2").arg(name, QString::fromStdString(failed->message));
+    if (const auto* const failed = state ? std::get_if<plugins::load_state::Failed>(state) : nullptr) {
+        // One that was live may be left.
+        const auto wanted = record() != nullptr ? record()->pluginName : std::nullopt;
+        return QStringLiteral("%1 failed to load: %2")
+            .arg(textOf(wanted, QStringLiteral("Plugin")), QString::fromStdString(failed->message));
+    }
     if (!shown.name)
         return QStringLiteral("Empty AU insert slot %1 — click to pick an installed plugin.")
             .arg(slotIndex + 1);
