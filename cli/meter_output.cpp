@@ -1,5 +1,6 @@
 #include "cli/meter_output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,10 +22,15 @@ constexpr std::chrono::milliseconds longestEnding{200};
 int writeWhole(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written >= 0)
+        if (written >= 0) {
             text.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
+        } else if (errno == EAGAIN) {
+            // Whoever shares the descriptor has it so.
+            pollfd output{.fd = descriptor, .events = POLLOUT, .revents = 0};
+            ::poll(&output, 1, -1);
+        } else if (errno != EINTR) {
             return errno;
+        }
     }
     return 0;
 }

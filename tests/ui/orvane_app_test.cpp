@@ -197,6 +197,7 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     auto* const name = viewsIn<ChannelStripView>(*window).front()->findChild<QLineEdit*>();
     name->setFocus();
+    QTest::keyClick(name, Qt::Key_End);
     QTest::keyClicks(name, "!");
     window->saveInPlace();
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
