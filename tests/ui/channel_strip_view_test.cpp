@@ -295,6 +295,9 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
 }
 
 TEST_F(Strip, SlotsShowTheLivePluginWhateverTheirRecordNames) {
+    bool isListed = false;
+    components.whenFound([&] { isListed = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isListed; })) << "while nothing is added";
     const auto shine = machine.audioUnitHost.add("Shine");
     engine.newSnapshot();
     load(0);
