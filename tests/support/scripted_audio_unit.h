@@ -126,10 +126,10 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
                 name + " " + std::to_string(static_cast<int>(format.sampleRate)) + "x"
                 + std::to_string(format.channelCount)
             );
-            const AudioUnitScript& script = owner.script;
-            const double lowest = format.channelCount == 1 ? script.lowestMonoRate : 0.0;
+            const AudioUnitScript& told = owner.script;
+            const double lowest = format.channelCount == 1 ? told.lowestMonoRate : 0.0;
             if (owner.isReady) return platform::Error{"in use"};
-            if (format.sampleRate < std::max(lowest, script.lowestRate)) return platform::Error{"too slow"};
+            if (format.sampleRate < std::max(lowest, told.lowestRate)) return platform::Error{"too slow"};
             if (!accepted.contains(format.channelCount)) return platform::Error{"not this format"};
             return platform::Done{};
         }
