@@ -27,24 +27,22 @@ Result<std::unique_ptr<AudioStream>, OSStatus> JackStream::open(
     JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
     AudioStreamClient& client
 ) {
-    auto jackClient = clients.open("", events);
-    if (jackClient == nullptr) return kAudioHardwareBadDeviceError;
-    std::unique_ptr<JackStream> stream(new JackStream(std::move(jackClient), device, enableInput, client));
+    // Before libjack's thread is started, which calls it.
+    std::unique_ptr<JackStream> stream(new JackStream(device, enableInput, client));
+    stream->jackClient = clients.open("", events);
+    if (stream->jackClient == nullptr) return kAudioHardwareBadDeviceError;
     if (!stream->prepare()) return kAudioHardwareUnspecifiedError;
     return std::unique_ptr<AudioStream>(std::move(stream));
 }
 
-JackStream::JackStream(
-    std::unique_ptr<JackClient> ownJackClient, const JackDevice& device, bool enableInput,
-    AudioStreamClient& cycleClient
-)
-    : streamClient(cycleClient), jackClient(std::move(ownJackClient)) {
+JackStream::JackStream(const JackDevice& device, bool enableInput, AudioStreamClient& cycleClient)
+    : streamClient(cycleClient) {
     if (enableInput) inputs.devicePorts = device.inputPorts;
     outputs.devicePorts = device.outputPorts;
 }
 
 JackStream::~JackStream() {
-    stop();
+    if (jackClient) stop();
 }
 
 bool JackStream::prepare() {

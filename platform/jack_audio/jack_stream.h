@@ -48,10 +48,7 @@ class JackStream final : public AudioStream {
         ORVANE_REALTIME void takeBlocks(jack_nframes_t frameCount) noexcept;
     };
 
-    JackStream(
-        std::unique_ptr<JackClient> ownJackClient, const JackDevice& device, bool enableInput,
-        AudioStreamClient& cycleClient
-    );
+    JackStream(const JackDevice& device, bool enableInput, AudioStreamClient& cycleClient);
     bool prepare();
     OSStatus activate(jack_client_t* client);
     [[nodiscard]] bool connect(jack_client_t* client) const;
