@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace orvane::platform {
@@ -16,6 +17,8 @@ namespace {
 constexpr std::size_t mostAliases = 2;
 /// jackd has changed when it says that it took the request, PipeWire does with one of its next cycles.
 constexpr std::chrono::milliseconds longestBufferSizeChange{200};
+/// The server's end is told to each of its clients by itself.
+constexpr std::chrono::milliseconds longestEnding{200};
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
     const auto size = static_cast<std::size_t>(jack_port_name_size());
@@ -74,6 +77,12 @@ std::optional<std::vector<JackPort>> JackServer::midiSources() {
 bool JackServer::isOpen() {
     const std::scoped_lock lock(mutex);
     return client != nullptr && !client->isGone();
+}
+
+void JackServer::awaitEnd() {
+    constexpr std::chrono::milliseconds pause{1};
+    for (auto waited = pause; isOpen() && waited < longestEnding; waited += pause)
+        std::this_thread::sleep_for(pause);
 }
 
 bool JackServer::requestBufferSize(std::uint32_t frameCount) {

@@ -47,6 +47,9 @@ class JackServer final {
 
     /// Whether we are a client of a server that runs.
     [[nodiscard]] bool isOpen();
+    /// Waits until we have been told, too, that the server is gone, as another client has been; not for long
+    /// where that is not so.
+    void awaitEnd();
 
     /// Asks for a buffer size in frames; whether the server took the request. Waits until it runs at that
     /// size, for a fifth of a second at most. One thread at a time.

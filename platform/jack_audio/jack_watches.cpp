@@ -63,6 +63,8 @@ void JackWatches::run() {
         const std::uint32_t taken = events.take();
         if (contains(taken, JackEvent::finished)) return;
         const bool isServerGone = contains(taken, JackEvent::serverGone);
+        // Whoever is told is not to find its devices still there.
+        if (isServerGone) server.awaitEnd();
         if (isServerGone || contains(taken, JackEvent::portsRemoved)) tellDeath(isServerGone);
         if (contains(taken, JackEvent::bufferSizeChanged)) tellBufferSize();
     }
