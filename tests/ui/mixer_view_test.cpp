@@ -205,11 +205,7 @@ TEST_F(Mixer, ScrollsTheStripsWithoutMovingTheirFaders) {
     const auto turn = [&](std::uint64_t milliseconds) {
         const double before = trim.value();
         const int placeBefore = place.value();
-        QWheelEvent event({5, 5}, {5, 5}, {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
-        event.setTimestamp(milliseconds);
-        // Only what comes from outside goes on to what a widget stands in.
-        QSpontaneKeyEvent::setSpontaneous(&event);
-        qApp->notify(&trim, &event);
+        turnWheelAt(trim, milliseconds);
         EXPECT_NE(trim.value() == before, place.value() == placeBefore) << milliseconds;
         return trim.value() != before;
     };

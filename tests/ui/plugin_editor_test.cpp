@@ -17,6 +17,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QProgressBar>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 
 #include <cmath>
@@ -121,6 +123,21 @@ TEST_F(PluginEditor, OffersNamedValuesInAMenu) {
         return;
     }
     FAIL() << "no parameter offers named values";
+}
+
+TEST_F(PluginEditor, ScrollsWithoutMovingTheSliderThatComesUnderThePointer) {
+    ASSERT_TRUE(QTest::qWaitForWindowActive(view));
+    ValueSlider& slider = *viewsIn<ValueSlider>(*view).at(0);
+    const QScrollBar& place = *view->findChild<QScrollArea*>()->verticalScrollBar();
+    ASSERT_GT(place.maximum(), 0);
+    slider.setValue(0.5);
+    slider.setFocus();
+    turnWheelAt(*view->findChild<QLabel*>(), 1000);
+    EXPECT_GT(place.value(), 0);
+    turnWheelAt(slider, 1250);
+    EXPECT_EQ(slider.value(), 0.5);
+    turnWheelAt(slider, 1600);
+    EXPECT_LT(slider.value(), 0.5);
 }
 
 TEST_F(PluginEditor, IsClosedByTheUserForGood) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QLabel>
 #include <QTest>
+#include <QWheelEvent>
 #include <QWidget>
 
+#include <cstdint>
 #include <stdexcept>
 #include <vector>
 
@@ -29,6 +31,15 @@ inline void deleteWhatIsDone() {
 inline void doubleClick(QWidget& widget, QPoint place) {
     QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
     QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
+}
+
+/// Turns the wheel by one notch towards the user, at a time in milliseconds, as hardware does: what the
+/// widget leaves goes on to what it stands in.
+inline void turnWheelAt(QWidget& widget, std::uint64_t milliseconds) {
+    QWheelEvent event({5, 5}, {5, 5}, {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    event.setTimestamp(milliseconds);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&widget, &event);
 }
 
 /// The button of that accessible name or text, visible or not; it must be there.

@@ -1,5 +1,7 @@
 #include "ui/mixer/strip_rows.h"
 
+#include "ui/controls/scroll_guard.h"
+
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -13,8 +15,6 @@ namespace {
 
 constexpr int padding = 12;
 constexpr int spacing = 12;
-/// The longest pause between two notches of one turn of the wheel.
-constexpr std::uint64_t longestPauseMs = 300;
 
 } // namespace
 
@@ -30,10 +30,8 @@ StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents
         strips.push_back(new ChannelStripView(mixerEngine, installedComponents, index, content));
         strips.back()->resize(strips.back()->sizeHint());
         strips.back()->hide();
-        // Of all that is in a strip only these may take the wheel.
-        for (QWidget* control : strips.back()->findChildren<QWidget*>())
-            if (control->focusPolicy() == Qt::StrongFocus) control->installEventFilter(this);
     }
+    new ScrollGuard(*this);
 }
 
 void StripRows::arrange(const std::vector<StripRange>& rows) {
@@ -70,19 +68,7 @@ void StripRows::scrollSideways(bool toTheRight) {
     );
 }
 
-bool StripRows::eventFilter(QObject* receiver, QEvent* event) {
-    // The area filters the events of its scroll bars, too.
-    if (event->type() != QEvent::Wheel || !content->isAncestorOf(static_cast<QWidget*>(receiver)))
-        return QScrollArea::eventFilter(receiver, event);
-    const auto now = static_cast<QWheelEvent*>(event)->timestamp();
-    if (!scrolledAt || now - *scrolledAt > longestPauseMs) return false;
-    // On to the rows.
-    event->ignore();
-    return true;
-}
-
 void StripRows::wheelEvent(QWheelEvent* event) {
-    scrolledAt = event->timestamp();
     // Where nothing is above or below, the wheel moves sideways.
     if (verticalScrollBar()->maximum() == 0 && event->angleDelta().x() == 0)
         QCoreApplication::sendEvent(horizontalScrollBar(), event);

@@ -8,15 +8,12 @@
 #include <QScrollArea>
 
 #include <cstddef>
-#include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace orvane::ui {
 
-/// The strips in sight, in rows, scrolled where they do not fit. A wheel that scrolls them goes on doing so
-/// whatever comes under the pointer. All strips are made at once and kept, so that no page takes time to turn
-/// to; those out of sight do nothing. Main thread.
+/// The strips in sight, in rows, scrolled where they do not fit. All strips are made at once and kept, so
+/// that no page takes time to turn to; those out of sight do nothing. Main thread.
 class StripRows final : public QScrollArea {
   public:
     /// `mixerEngine` and `installedComponents` outlive the view.
@@ -29,7 +26,6 @@ class StripRows final : public QScrollArea {
     void scrollSideways(bool toTheRight);
 
   protected:
-    bool eventFilter(QObject* receiver, QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -37,8 +33,6 @@ class StripRows final : public QScrollArea {
     QWidget* const content;
     /// By their place in the engine's list.
     std::vector<ChannelStripView*> strips;
-    /// When the wheel has scrolled, in the milliseconds of its events.
-    std::optional<std::uint64_t> scrolledAt;
 };
 
 } // namespace orvane::ui

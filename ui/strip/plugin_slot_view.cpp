@@ -151,7 +151,7 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
     const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QColor fill = content == Content::empty ? theme::well : theme::raised;
     if (isDown() || underMouse()) fill = fill.lighter(isDown() ? 160 : 130);
-    QPen outline(isFailed ? theme::red : hasFocus() ? theme::accent : theme::divider, 1.0);
+    QPen outline(hasFocus() ? theme::accent : isFailed ? theme::red : theme::divider, 1.0);
     if (content == Content::notLive) outline.setStyle(Qt::DashLine);
     painter.setBrush(fill);
     painter.setPen(outline);

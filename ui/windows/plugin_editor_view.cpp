@@ -1,5 +1,6 @@
 #include "ui/windows/plugin_editor_view.h"
 
+#include "ui/controls/scroll_guard.h"
 #include "ui/controls/text_label.h"
 #include "ui/windows/parameter_row.h"
 
@@ -38,6 +39,7 @@ PluginEditorView::PluginEditorView(std::shared_ptr<platform::AUViewController> e
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(content);
+    new ScrollGuard(*area);
     auto* const whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(area);
