@@ -20,8 +20,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <iterator>
-#include <ranges>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -79,10 +77,7 @@ class LiveRun final {
                 "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
                 strips
             )};
-        if (document)
-            std::ranges::copy(
-                document->channels | std::views::drop(strips), std::back_inserter(channelsBeyond)
-            );
+        if (document) channelsBeyond = engine::channelsBeyond(*document, strips);
         engine.emplace(strips, services(machine.midi()));
         // What the session asks for and cannot have; the mix goes on without.
         const auto toErrors = engine->state().lastError.subscribe(printSentence);
@@ -164,9 +159,8 @@ class LiveRun final {
         if (!options.session)
             return printMessage("There is no file to save the session to; the mixer was started without one "
                                 "(--session).");
-        session::MixerDocumentData document = engine->makeDocumentData();
-        std::ranges::copy(channelsBeyond, std::back_inserter(document.channels));
-        const auto written = engine::exportSession(document, *options.session);
+        const auto written =
+            engine::exportSession(engine->makeDocumentData(), *options.session, channelsBeyond);
         printMessage(
             written ? fmt::format("Saved the session to {}.", options.session->string())
                     : written.error().description

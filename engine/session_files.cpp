@@ -2,7 +2,10 @@
 
 #include "engine/session/mixer_json_document.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
+#include <ranges>
 #include <utility>
 
 namespace orvane::engine {
@@ -15,9 +18,19 @@ platform::Result<session::MixerDocumentData> readSession(const std::filesystem::
     return platform::Error{"Couldn't read that settings file: there is not enough memory for it."};
 }
 
-platform::Result<platform::Done>
-exportSession(const session::MixerDocumentData& document, const std::filesystem::path& path) try {
-    auto written = session::MixerJSONDocument{document}.write(path);
+std::vector<session::ChannelSettingsData>
+channelsBeyond(const session::MixerDocumentData& document, std::size_t strips) {
+    const auto beyond = document.channels | std::views::drop(strips);
+    return {beyond.begin(), beyond.end()};
+}
+
+platform::Result<platform::Done> exportSession(
+    const session::MixerDocumentData& document, const std::filesystem::path& path,
+    std::span<const session::ChannelSettingsData> furtherChannels
+) try {
+    session::MixerJSONDocument file{document};
+    std::ranges::copy(furtherChannels, std::back_inserter(file.data.channels));
+    auto written = file.write(path);
     if (!written) return platform::Error{"Export failed: " + written.error().description};
     return written;
 } catch (const std::bad_alloc&) {

@@ -3,7 +3,10 @@
 #include "engine/session/mixer_document_data.h"
 #include "platform/result.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <span>
+#include <vector>
 
 namespace orvane::engine {
 
@@ -13,8 +16,16 @@ namespace orvane::engine {
 /// ones.
 platform::Result<session::MixerDocumentData> readSession(const std::filesystem::path& path);
 
-/// Writes a session. Where it fails, a file that was there stays as it was. Any thread but the audio ones.
-platform::Result<platform::Done>
-exportSession(const session::MixerDocumentData& document, const std::filesystem::path& path);
+/// The channels of a session that a mixer of so many strips has no place for. A file that is saved over keeps
+/// them. Any thread but the audio ones.
+std::vector<session::ChannelSettingsData>
+channelsBeyond(const session::MixerDocumentData& document, std::size_t strips);
+
+/// Writes a session, with further channels after its own. Where it fails, a file that was there stays as it
+/// was. Any thread but the audio ones.
+platform::Result<platform::Done> exportSession(
+    const session::MixerDocumentData& document, const std::filesystem::path& path,
+    std::span<const session::ChannelSettingsData> furtherChannels = {}
+);
 
 } // namespace orvane::engine

@@ -12,11 +12,10 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <ranges>
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvane::ui {
 
@@ -154,11 +153,11 @@ void SessionFile::runWaiting() {
 void SessionFile::write(const QString& path, const session::MixerDocumentData& document, Report then) {
     begin("Saving the session…");
     const bool isOwn = ownFile == path;
-    session::MixerDocumentData content = document;
-    if (isOwn) std::ranges::copy(channelsBeyond, std::back_inserter(content.channels));
+    std::vector<session::ChannelSettingsData> kept;
+    if (isOwn) kept = channelsBeyond;
     // The program does not end before the file is written.
-    QtConcurrent::run([content = std::move(content), file = toPath(path)] {
-        return engine::exportSession(content, file);
+    QtConcurrent::run([document, file = toPath(path), kept = std::move(kept)] {
+        return engine::exportSession(document, file, kept);
     }).then(this, [this, path, document, isOwn, then = std::move(then)](const Written& written) {
         end();
         if (written) {
@@ -198,10 +197,7 @@ void SessionFile::apply(const session::MixerDocumentData& document, Report then)
         const auto loaded = engine.loadDocument(document);
         if (loaded) {
             const std::size_t strips = engine.state().channelStrips.get().size();
-            channelsBeyond.clear();
-            std::ranges::copy(
-                document.channels | std::views::drop(strips), std::back_inserter(channelsBeyond)
-            );
+            channelsBeyond = engine::channelsBeyond(document, strips);
             ownFile.reset();
             setSaved();
         } else {
