@@ -15,15 +15,23 @@ _orvane_cli_options() {
     esac
 }
 
+# Nothing in a device's name, which may come from elsewhere, is expanded.
+_orvane_cli_devices() {
+    local uid
+    while IFS= read -r uid; do
+        printf -v uid %q "$uid"
+        [[ $uid == "$cur"* ]] && COMPREPLY+=("$uid")
+    done < <(orvane-cli devices --json 2>/dev/null |
+        sed -n 's/^ *"uid": "\(.*\)",*$/\1/; T; s/\\\(["\\]\)/\1/g; p')
+    __ltrim_colon_completions "$cur"
+}
+
 _orvane_cli() {
     local cur prev words cword
     _init_completion -n := || return
     case $prev in
     --device | --master-device)
-        local IFS=$'\n'
-        COMPREPLY=($(compgen -W "$(orvane-cli devices --json 2>/dev/null |
-            sed -n 's/^ *"uid": "\(.*\)",*$/\1/p')" -- "$cur"))
-        __ltrim_colon_completions "$cur"
+        _orvane_cli_devices
         ;;
     --midi-source)
         COMPREPLY=($(compgen -W "$(orvane-cli midi --json 2>/dev/null |

@@ -1,14 +1,22 @@
 # Completion of orvane in bash.
 
+# Nothing in a device's name, which may come from elsewhere, is expanded.
+_orvane_devices() {
+    local uid
+    while IFS= read -r uid; do
+        printf -v uid %q "$uid"
+        [[ $uid == "$cur"* ]] && COMPREPLY+=("$uid")
+    done < <(orvane-cli devices --json 2>/dev/null |
+        sed -n 's/^ *"uid": "\(.*\)",*$/\1/; T; s/\\\(["\\]\)/\1/g; p')
+    __ltrim_colon_completions "$cur"
+}
+
 _orvane() {
     local cur prev words cword
     _init_completion -n := || return
     case $prev in
     --device | --master-device)
-        local IFS=$'\n'
-        COMPREPLY=($(compgen -W "$(orvane-cli devices --json 2>/dev/null |
-            sed -n 's/^ *"uid": "\(.*\)",*$/\1/p')" -- "$cur"))
-        __ltrim_colon_completions "$cur"
+        _orvane_devices
         ;;
     --buffer-size)
         COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))
