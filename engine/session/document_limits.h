@@ -15,8 +15,8 @@ inline constexpr std::size_t maximumNesting = 64;
 struct DocumentLimits {
     /// Bytes of a file.
     std::size_t size = 512U << 20U;
-    /// Values that are kept while a file is read, the outermost aside. They take up to two hundred bytes
-    /// each; a scene of 48 strips has two thousand.
+    /// Values that are kept while a file is read, the outermost aside, and keys of others. They take up to
+    /// two hundred bytes each; a scene of 48 strips has two thousand.
     std::size_t valueCount = 5'000'000;
 
     /// What is wrong with a content that has so many of both; nothing where it is within.

@@ -80,8 +80,11 @@ class TreeBuilder final {
 };
 
 bool TreeBuilder::key(std::string& word) {
-    levels.back().keys.push_back(std::move(word));
-    return true;
+    Level& level = levels.back();
+    level.keys.push_back(std::move(word));
+    // Where the value is kept, that counts.
+    if (level.node == nullptr) failure = limits.excess(text.size(), ++keptCount);
+    return !failure;
 }
 
 bool TreeBuilder::end_object() {
