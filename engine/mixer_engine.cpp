@@ -68,8 +68,17 @@ MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
 MixerEngine::~MixerEngine() = default;
 
 void MixerEngine::start() {
-    try {
+    if (published.isRunning.get()) return;
+    startWhole([this] {
+        // While the mixer was stopped, nobody told it of other rates or channels.
+        refreshDevices();
         startOrThrow();
+    });
+}
+
+void MixerEngine::startWhole(const std::function<void()>& begin) {
+    try {
+        begin();
     } catch (const std::bad_alloc&) {
         stop();
         published.lastError.set("Failed to start audio engine: there is not enough memory.");
@@ -77,13 +86,10 @@ void MixerEngine::start() {
 }
 
 void MixerEngine::startOrThrow() {
-    if (published.isRunning.get()) return;
     if (!published.selectedDevice.get()) {
         published.lastError.set("No audio device selected.");
         return;
     }
-    if (devicesMayHaveChanged) refreshDevices();
-    devicesMayHaveChanged = true;
     const bool masterWasReset = validateMasterOutputRouting();
     const std::vector<std::string> refusals = pluginOperations.rack().followSampleRate();
     RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
@@ -95,11 +101,12 @@ void MixerEngine::startOrThrow() {
         {pluginOperations.insertTable(), services.insertWorkers}, makeObserver()
     );
     if (!started) {
+        // What its devices have told by now is not to replace the reason.
+        runIsOn.reset();
         published.lastError.set(started.error().description);
         return;
     }
     running = std::move(started).value();
-    devicesMayHaveChanged = false;
     std::string warnings;
     append(warnings, running->mainWarning());
     if (masterWasReset) append(warnings, masterResetWarning);
@@ -121,7 +128,7 @@ void MixerEngine::stop() {
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
-    if (takeBufferSize(frameCount)) start();
+    if (takeBufferSize(frameCount)) startWhole([this] { startOrThrow(); });
 }
 
 bool MixerEngine::takeBufferSize(std::int64_t frameCount) {
@@ -383,7 +390,6 @@ void MixerEngine::reportBufferSizeChange(
 
 void MixerEngine::reportDeath(const AudioDeviceInfo& device) {
     stop();
-    devicesMayHaveChanged = true;
     published.lastError.set(fmt::format(
         "The audio device {} is gone, so the mixer has stopped; connect it again or select another device.",
         device.name

@@ -46,7 +46,8 @@ class MixerEngine final {
     // An operation that starts, loads or recalls leaves everything as it was where there is not enough memory
     // for it, and `lastError` says so. The others then throw std::bad_alloc.
 
-    /// Builds and starts the audio path; `lastError` says what failed, or what to mind where it runs.
+    /// Lists the devices anew, builds the audio path and starts it; `lastError` says what failed, or what to
+    /// mind where it runs. Nothing where it runs already.
     void start();
     void stop();
 
@@ -190,7 +191,10 @@ class MixerEngine final {
     [[nodiscard]] MixBackup backUp(Extent extent);
     void takeBack(MixBackup before);
 
-    /// As `start`, but throws std::bad_alloc, half started, where there is not enough memory.
+    /// Makes `begin` start the audio path, or stops what has begun where there is not enough memory.
+    void startWhole(const std::function<void()>& begin);
+    /// Starts on the chosen devices as they were listed last; throws std::bad_alloc, half started, where
+    /// there is not enough memory. While stopped.
     void startOrThrow();
     /// Takes an offered size, and stops the engine for it; true where it is to be started again.
     bool takeBufferSize(std::int64_t frameCount);
@@ -222,8 +226,6 @@ class MixerEngine final {
     /// Outlives the run, whose passes may use its plugins.
     PluginOperations pluginOperations;
     std::unique_ptr<RunningAudio> running;
-    /// A device has gone or did not start: the next start looks what there is now.
-    bool devicesMayHaveChanged = false;
     audio::MeterTimer meterTimer;
     /// Lets tasks that were posted during a run find out that it is over; renewed at every start.
     std::shared_ptr<const bool> runIsOn;

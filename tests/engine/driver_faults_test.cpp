@@ -61,7 +61,8 @@ std::size_t countOf(const std::vector<std::string>& calls, std::string_view name
 TEST(DriverFaults, AnyCallOfAStartOnTwoDevicesMayFail) {
     // What a mix can do without, or tells of while it runs.
     const std::set<std::string> mayFail = {
-        "AudioObjectAddPropertyListenerBlock", "AudioObjectGetPropertyData", "AudioObjectSetPropertyData"};
+        "AudioObjectAddPropertyListenerBlock", "AudioObjectGetPropertyData", "AudioObjectGetPropertyDataSize",
+        "AudioObjectSetPropertyData"};
     std::size_t masterFailures = 0;
     for (std::size_t failing = 0;; ++failing) {
         test::ScriptedAudioHardware hardware;
@@ -106,6 +107,35 @@ TEST(DriverFaults, AnyCallOfAStartOnTwoDevicesMayFail) {
         EXPECT_TRUE(mixer.isRunning()) << mixer.message();
     }
     EXPECT_GT(masterFailures, 5U) << "also after the main device has started";
+}
+
+TEST(DriverFaults, AFailedStartSaysWhyAlsoWhereItsDeviceIsToldToBeGone) {
+    test::ScriptedAudioHardware hardware;
+    hardware.devices = mainAndMaster();
+    Mixer mixer(hardware);
+    mixer.engine.selectDevice(mixer.device(0));
+    hardware.failures["AudioUnitInitialize"] = hardware.failure;
+    mixer.engine.start();
+    hardware.changeBufferSize(41, 64);
+    mixer.mainThread.runPosted();
+    EXPECT_THAT(mixer.message(), StartsWith("Failed to start audio engine: "));
+}
+
+TEST(DriverFaults, AStartTakesTheDevicesAsTheyAreAndARestartDoesNotAskForThem) {
+    test::ScriptedAudioHardware hardware;
+    hardware.devices = mainAndMaster();
+    Mixer mixer(hardware);
+    mixer.engine.selectDevice(mixer.device(0));
+    for (const double rate : {44100.0, 96000.0}) {
+        hardware.devices[0].sampleRate = rate;
+        mixer.engine.start();
+        EXPECT_EQ(mixer.engine.state().selectedDevice.get()->sampleRate, rate);
+        hardware.calls.clear();
+        mixer.engine.setBufferSize(rate == 44100.0 ? 64 : 128);
+        EXPECT_TRUE(mixer.isRunning());
+        EXPECT_EQ(countOf(hardware.calls, "AudioObjectGetPropertyData 1"), 0U);
+        mixer.engine.stop();
+    }
 }
 
 TEST(DriverFaults, AnyCallOfAStopMayFail) {
