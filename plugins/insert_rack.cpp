@@ -223,7 +223,7 @@ void InsertRack::setLoadState(const PluginSlotKey& key, PluginLoadState loadStat
 
 void InsertRack::unload(const PluginSlotKey& key) {
     if (const auto found = loadedPlugins.find(key); found != loadedPlugins.end()) {
-        retired.add(std::move(found->second));
+        retired.add(found->second);
         loadedPlugins.erase(found);
     }
     PluginLoadStates states = owner.pluginLoadStates();
@@ -276,9 +276,9 @@ void InsertRack::finishLoad(
         owner.setLastError(refuse(component, key));
         return;
     }
-    std::shared_ptr<LoadedInsertPlugin>& loaded = loadedPlugins[key];
-    if (loaded) retired.add(std::move(loaded));
-    loaded = plugin;
+    if (const auto replaced = loadedPlugins.find(key); replaced != loadedPlugins.end())
+        retired.add(replaced->second);
+    loadedPlugins.insert_or_assign(key, plugin);
     setLoadState(key, load_state::Loaded{});
     owner.pushInserts();
 }

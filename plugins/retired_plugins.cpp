@@ -18,8 +18,8 @@ constexpr auto retryInterval = 10ms;
 RetiredPlugins::RetiredPlugins(platform::MainThread& thread, std::function<bool()> noneInUse)
     : mainThread(thread), nothingIsInUse(std::move(noneInUse)) {}
 
-void RetiredPlugins::add(std::shared_ptr<LoadedInsertPlugin> plugin) {
-    inTables.push_back(std::move(plugin));
+void RetiredPlugins::add(const std::shared_ptr<LoadedInsertPlugin>& plugin) {
+    inTables.push_back(plugin);
 }
 
 void RetiredPlugins::takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept {

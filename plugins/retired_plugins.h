@@ -20,8 +20,8 @@ class RetiredPlugins final {
     RetiredPlugins(const RetiredPlugins&) = delete;
     RetiredPlugins& operator=(const RetiredPlugins&) = delete;
 
-    /// Takes a plugin whose context the tables may still have.
-    void add(std::shared_ptr<LoadedInsertPlugin> plugin);
+    /// Keeps a plugin whose context the tables may still have. Throws std::bad_alloc where it cannot.
+    void add(const std::shared_ptr<LoadedInsertPlugin>& plugin);
 
     /// Lets go of a plugin that is live again, if it is here.
     void takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept;

@@ -3,10 +3,13 @@
 #include "support/failing_allocation.h"
 #include "support/temporary_folder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +18,7 @@ namespace {
 
 using namespace orvane;
 using test::FailingAllocation;
+using testing::AnyOf;
 
 /// What somebody who subscribes to a value takes it for.
 template <class T>
@@ -183,6 +187,37 @@ TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
         "There is not enough memory to recall the scene; the mixer is as it was."
     );
     EXPECT_EQ(engine->state().masterTargetDB.get(), -20.0);
+}
+
+TEST_F(MemoryShortage, KeepsEveryPluginThatIsHeardWhereALoadOrARemovalIsGivenUp) {
+    start();
+    const std::function<void()> operations[] = {
+        [this] { engine->loadPlugin(stereo, 0, id(0)); }, [this] { engine->removePlugin(0, id(0)); }};
+    for (const auto& operate : operations) {
+        loadLive(mono, 0)->gain = 2.0F;
+        failAtEachAllocation(
+            [&] {
+                try {
+                    operate();
+                    mainThread.runPosted();
+                } catch (const std::bad_alloc&) {
+                }
+            },
+            [&](std::size_t) {
+                const bool isThere = engine->livePlugin(0, id(0)) != nullptr;
+                for (int block = 0; block < 3; ++block) {
+                    EXPECT_THAT(heard(), AnyOf(2.0F, 1.0F));
+                    engine->setTrim(id(0), 1.0);
+                    EXPECT_EQ(engine->livePlugin(0, id(0)) != nullptr, isThere) << "no slot holds nothing";
+                    mainThread.advance(std::chrono::milliseconds(50));
+                }
+                EXPECT_EQ(audioUnitHost.report.rendersWithoutResources, 0);
+                loadLive(mono, 0)->gain = 2.0F;
+            }
+        );
+        mainThread.advance(std::chrono::milliseconds(50));
+    }
+    EXPECT_EQ(audioUnitHost.report.living, 0);
 }
 
 TEST_F(MemoryShortage, SavesASessionOrLeavesTheFileAlone) {
