@@ -22,7 +22,10 @@ constexpr double sampleRateWithoutDevice = 48000.0;
 PluginOperations::PluginOperations(Engine partOf, const Services& services)
     : engine(std::move(partOf)),
       insertRack(*this, {services.audioUnitHost, services.mainThread, services.log, services.editorWindows}),
-      pluginPresetStore(services.applicationSupport, services.log) {}
+      pluginPresetStore(services.applicationSupport, services.log),
+      sampleRateHeard(engine.state.selectedDevice.subscribe(
+          [this, &host = services.audioUnitHost](const auto&) { host.expectSampleRate(sampleRate()); }
+      )) {}
 
 audio::InsertTable PluginOperations::insertTable() const {
     audio::InsertTable table;

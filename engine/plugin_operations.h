@@ -2,6 +2,7 @@
 
 #include "audio/insert_table.h"
 #include "audio/mixer_realtime_state.h"
+#include "audio/published.h"
 #include "engine/engine_state.h"
 #include "engine/services.h"
 #include "engine/session/channel_settings_data.h"
@@ -82,6 +83,7 @@ class PluginOperations final : private plugins::InsertRackOwner {
     Engine engine;
     plugins::InsertRack insertRack;
     plugins::PluginPresetStore pluginPresetStore;
+    audio::Subscription sampleRateHeard;
 };
 
 } // namespace orvane::engine

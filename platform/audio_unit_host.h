@@ -171,6 +171,10 @@ class AudioUnitHost {
     [[nodiscard]] virtual std::vector<AVAudioUnitComponent>
     componentsMatchingDescription(const AudioComponentDescription& description) = 0;
 
+    /// At which rate, in Hz, instances are to run from now on: those that are made for it are set up sooner,
+    /// and every other one can still be set. Main thread.
+    virtual void expectSampleRate(double /*sampleRate*/) {}
+
     /// The instance, or why there is none.
     using InstantiationCompletion = std::function<void(std::shared_ptr<AUAudioUnit>, std::optional<Error>)>;
 

@@ -12,7 +12,7 @@ namespace orvane::platform::lv2_units {
 struct HostServices {
     SystemLog& log;
     UridMap urids = {};
-    /// At which plugins were last asked to run, in Hz; the next one is instantiated for it ahead.
+    /// At which plugins are expected to run, in Hz; each is instantiated for it.
     std::atomic<double> sampleRate = 48000.0;
     /// Held while a plugin is instantiated or destroyed. Not all plugins' libraries can do either twice at
     /// a time.

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <new>
 #include <utility>
 
 namespace orvane::platform::lv2_units {
@@ -63,7 +64,6 @@ Result<Done> Lv2Unit::allocateRenderResources() {
     const double sampleRate = input.format().sampleRate;
     if (sampleRate != output.format().sampleRate)
         return Error{fmt::format("\"{}\" cannot run at two sample rates at a time.", description->name)};
-    services->sampleRate.store(sampleRate);
     if (instance->settings().sampleRate != sampleRate || instance->settings().maximumFrames < maximumFrames)
         if (auto made = makeInstanceFor(sampleRate); !made) return made;
 
@@ -77,7 +77,7 @@ Result<Done> Lv2Unit::allocateRenderResources() {
     return Done{};
 }
 
-Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) {
+Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) try {
     auto made = PluginInstance::make(description, services, {sampleRate, maximumFrames});
     if (!made) return made.error();
     if (const auto state = instance->state(); !state.empty()) made.value()->restore(state);
@@ -85,6 +85,11 @@ Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) {
     for (const auto& parameter : ownParameters)
         parameter->setSampleRate(sampleRate);
     return Done{};
+} catch (const std::bad_alloc&) {
+    throw;
+} catch (...) {
+    return Error{
+        fmt::format("\"{}\" failed while it was made for {:.0f} Hz.", description->name, sampleRate)};
 }
 
 void Lv2Unit::deallocateRenderResources() {

@@ -63,6 +63,10 @@ Lv2UnitHost::componentsMatchingDescription(const AudioComponentDescription& desc
     return components;
 }
 
+void Lv2UnitHost::expectSampleRate(double sampleRate) {
+    if (AVAudioFormat::initStandardFormat(sampleRate, 1)) services->sampleRate.store(sampleRate);
+}
+
 void Lv2UnitHost::instantiate(
     const AudioComponentDescription& description, std::uint32_t /*options*/,
     InstantiationCompletion completion

@@ -37,6 +37,7 @@ class Lv2UnitHost final : public AudioUnitHost {
     std::vector<AVAudioUnitComponent>
     componentsMatchingDescription(const AudioComponentDescription& description) override;
 
+    void expectSampleRate(double sampleRate) override;
     void instantiate(
         const AudioComponentDescription& description, std::uint32_t options,
         InstantiationCompletion completion

@@ -130,6 +130,7 @@ TEST(DriverFaults, AStartTakesTheDevicesAsTheyAreAndARestartDoesNotAskForThem) {
         hardware.devices[0].sampleRate = rate;
         mixer.engine.start();
         EXPECT_EQ(mixer.engine.state().selectedDevice.get()->sampleRate, rate);
+        EXPECT_EQ(mixer.audioUnitHost.expectedSampleRate, rate);
         hardware.calls.clear();
         mixer.engine.setBufferSize(rate == 44100.0 ? 64 : 128);
         EXPECT_TRUE(mixer.isRunning());

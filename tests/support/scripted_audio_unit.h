@@ -187,6 +187,8 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
         return found;
     }
 
+    void expectSampleRate(double sampleRate) override { expectedSampleRate = sampleRate; }
+
     void instantiate(
         const platform::AudioComponentDescription& description, std::uint32_t,
         InstantiationCompletion completion
@@ -242,6 +244,7 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
     /// What every instantiation gives; an empty text stands for no error at all.
     std::optional<platform::Error> failure;
     int instantiations = 0;
+    double expectedSampleRate = 0.0;
     std::atomic<int> listings = 0;
     ScriptedAudioUnit::Report report;
     std::vector<platform::AVAudioUnitComponent> components;

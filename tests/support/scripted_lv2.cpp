@@ -216,6 +216,7 @@ restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handl
 }
 
 const void* extensionData(const char* uri) {
+    throwIf(ScriptedLv2Probe::Throw::extensionData);
     static const LV2_Worker_Interface worker{work, workResponse, endRun};
     static const LV2_State_Interface state{save, restore};
     if (std::strcmp(uri, LV2_WORKER__interface) == 0) return &worker;

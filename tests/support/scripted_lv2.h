@@ -44,7 +44,7 @@ struct ScriptedEditorProbe {
 /// What a test and the scripted LV2 plugin, which is a library of its own, know of each other.
 struct ScriptedLv2Probe {
     /// Where the plugin throws.
-    enum class Throw { nowhere, instantiate, run, work, workResponse, save, restore, cleanup };
+    enum class Throw { nowhere, instantiate, extensionData, run, work, workResponse, save, restore, cleanup };
 
     std::atomic<Throw> throwsIn = Throw::nowhere;
     /// save() and restore() do what they do and say that they failed.

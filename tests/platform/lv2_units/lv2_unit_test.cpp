@@ -205,17 +205,27 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
     const auto made = test::instantiate(*host, "plain");
     probe().throwsIn.store(Throw::nowhere);
     EXPECT_EQ(made.error, Error{"\"plain\" could not be started at 48000 Hz."});
+    {
+        const auto unit = make("plain");
+        probe().throwsIn.store(Throw::extensionData);
+        EXPECT_EQ(setUp(*unit, 1, 96000.0), "\"plain\" failed while it was made for 96000 Hz.");
+        probe().throwsIn.store(Throw::nowhere);
+        EXPECT_EQ(setUp(*unit, 1, 96000.0), "");
+    }
     EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
 }
 
-TEST_F(Lv2UnitTest, NobodyWhoLetsGoOfAUnitWaitsForAnotherThatIsMade) {
+TEST_F(Lv2UnitTest, NobodyWhoSetsAUnitUpOrLetsGoOfItWaitsForAnotherThatIsMade) {
     const int pluginsBefore = probe().pluginCount.load();
+    host->expectSampleRate(96000.0);
+    host->expectSampleRate(0.0);
     auto unit = make("plain");
     probe().holdsInstantiate.store(true);
     auto made = std::async(std::launch::async, [this] { return test::instantiate(*host, "plain").unit; });
     EXPECT_TRUE(waitFor([] { return probe().isInstantiating.load(); }));
     std::atomic<bool> isGone = false;
     const auto gone = std::async(std::launch::async, [&] {
+        EXPECT_EQ(setUp(*unit, 1, 96000.0), "");
         unit.reset();
         isGone.store(true);
     });
