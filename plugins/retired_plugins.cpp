@@ -41,8 +41,7 @@ void RetiredPlugins::release() {
         return;
     }
     retry.reset();
-    for (const auto& plugin : std::exchange(withdrawn, {}))
-        plugin->avAudioUnit->deallocateRenderResources();
+    withdrawn.clear();
 }
 
 } // namespace orvane::plugins

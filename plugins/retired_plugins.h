@@ -11,8 +11,9 @@ namespace orvane::plugins {
 
 /// Plugins that were taken out of their slots, kept until no render pass can hold their contexts: first until
 /// the real-time tables are without them, then until the passes that began before have ended, which a timer
-/// asks about while there is anything to wait for. Then their render resources are released and they are
-/// freed. Owned by the insert rack. Main thread.
+/// asks about while there is anything to wait for. Then they are let go of, render resources and all: to
+/// bring a plugin to rest may take its time, which is its host's affair. Owned by the insert rack. Main
+/// thread.
 class RetiredPlugins final {
   public:
     /// `noneInUse`: whether no pass holds a context that was withdrawn from the tables.

@@ -187,9 +187,7 @@ void Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
 
 void Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
     const bool mustPause = hasRenderResources() && !description->restoresWhileRunning;
-    if (mustPause) gate.shut(RenderGate::State::paused);
-    instance->restore(state);
-    if (mustPause) gate.open();
+    instance->restore(state, mustPause ? &gate : nullptr);
 }
 
 void Lv2Unit::requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) {

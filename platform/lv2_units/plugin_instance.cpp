@@ -166,14 +166,16 @@ PropertyList::Dictionary PluginInstance::state() const {
     return std::move(saved.state);
 }
 
-void PluginInstance::restore(const PropertyList::Dictionary& state) {
+void PluginInstance::restore(const PropertyList::Dictionary& state, RenderGate* gate) {
     if (stateInterface == nullptr) return;
     const Worker::ControlCall call(worker);
     const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
     const auto paths = statePathFeatures();
     const LV2_Feature* const offered[] = {&paths[0], &paths[1], &schedule, nullptr};
+    if (gate != nullptr) gate->shut(RenderGate::State::paused);
     if (!restorePluginState(*stateInterface, handle, services->urids, offered, state))
         report("could not take all of the state that it was given.");
+    if (gate != nullptr) gate->open();
 }
 
 void PluginInstance::report(std::string_view what) const noexcept {

@@ -8,6 +8,7 @@
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/plugin_description.h"
 #include "platform/lv2_units/plugin_library.h"
+#include "platform/lv2_units/render_gate.h"
 #include "platform/lv2_units/worker.h"
 #include "platform/property_list.h"
 #include "platform/result.h"
@@ -62,8 +63,9 @@ class PluginInstance final {
 
     /// What the plugin's state interface saves. Also while it runs.
     [[nodiscard]] PropertyList::Dictionary state() const;
-    /// Lets the plugin take a state; while it runs only if its description says so.
-    void restore(const PropertyList::Dictionary& state);
+    /// Lets the plugin take a state, once it has done the work that it is at. `gate`: of the unit that runs
+    /// it, to be paused meanwhile unless the plugin's description says otherwise; null while it is not run.
+    void restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
 
   private:
     PluginInstance(

@@ -21,7 +21,11 @@ LV2_Worker_Status statusOf(bool isWritten) noexcept {
 
 Worker::Worker() : feature{this, scheduleWork} {}
 
-Worker::ControlCall::ControlCall(Worker& called) : worker(called), lock(called.working) {
+Worker::ControlCall::ControlCall(Worker& called) : worker(called), lock(called.working, std::defer_lock) {
+    worker.isControlWaiting.store(true);
+    lock.lock();
+    worker.isControlWaiting.store(false);
+    worker.isControlWaiting.notify_one();
     worker.controlThread.store(std::this_thread::get_id());
 }
 
@@ -80,6 +84,7 @@ void Worker::run() {
 
 void Worker::workOff(MessageRing& requests) {
     while (!isStopping.load()) {
+        isControlWaiting.wait(true);
         const std::scoped_lock lock(working);
         const auto size = requests.take(request);
         if (!size) return;

@@ -56,7 +56,8 @@ class Worker final {
     };
 
     /// While it lives, what the calling thread schedules comes from the control side, whose way to the
-    /// worker is another one than the render thread's. No work is done meanwhile.
+    /// worker is another one than the render thread's. No work is done meanwhile; it waits for the piece that
+    /// is being done, and for no other.
     class ControlCall final {
       public:
         explicit ControlCall(Worker& called);
@@ -66,7 +67,7 @@ class Worker final {
 
       private:
         Worker& worker;
-        std::scoped_lock<std::mutex> lock;
+        std::unique_lock<std::mutex> lock;
     };
 
   private:
@@ -90,6 +91,8 @@ class Worker final {
 
     /// Held while the plugin works.
     std::mutex working;
+    /// A `ControlCall` waits for it.
+    std::atomic<bool> isControlWaiting = false;
     std::atomic<std::thread::id> controlThread;
     std::atomic<std::thread::id> renderThread;
     /// While it works.

@@ -148,6 +148,10 @@ LV2_Worker_Status work(
     const void* data
 ) {
     throwIf(ScriptedLv2Probe::Throw::work);
+    probe.isWorking.store(true);
+    while (probe.holdsWork.load())
+        std::this_thread::yield();
+    probe.isWorking.store(false);
     auto& plugin = *static_cast<Plugin*>(instance);
     plugin.respondHandle = handle;
     plugin.respond = respond;

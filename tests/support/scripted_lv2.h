@@ -57,6 +57,9 @@ struct ScriptedLv2Probe {
     /// instantiate() does not return while this is set.
     std::atomic<bool> holdsInstantiate = false;
     std::atomic<bool> isInstantiating = false;
+    /// work() does not return while this is set.
+    std::atomic<bool> holdsWork = false;
+    std::atomic<bool> isWorking = false;
     /// restore() does not return while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;

@@ -321,6 +321,30 @@ TEST_F(Lv2UnitTest, ARestoreNeverHoldsUpRendering) {
     }
 }
 
+TEST_F(Lv2UnitTest, IsHeardWhileARestoreWaitsForItsWork) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto state = *unit->fullState();
+    UnitRenderer renderer(*unit, 1);
+    probe().holdsWork.store(true);
+    ASSERT_EQ(renderer.renderBlock(ones), noErr);
+    ASSERT_TRUE(waitFor([] { return probe().isWorking.load(); }));
+    std::atomic<bool> isAsking = false;
+    std::thread control([&] {
+        isAsking.store(true);
+        unit->setFullState(state);
+    });
+    EXPECT_TRUE(waitFor([&] { return isAsking.load(); }));
+    int dryBlocks = 0;
+    for (int block = 0; block < 2000; ++block) {
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        dryBlocks += renderer.outputs[0][0] == 0.5F ? 0 : 1;
+    }
+    EXPECT_EQ(dryBlocks, 0);
+    probe().holdsWork.store(false);
+    control.join();
+}
+
 TEST_F(Lv2UnitTest, RestoresAndEditsWhileItRenders) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
