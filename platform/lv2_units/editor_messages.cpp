@@ -1,6 +1,9 @@
 #include "platform/lv2_units/editor_messages.h"
 
+#include <cstddef>
 #include <cstring>
+#include <mutex>
+#include <span>
 
 namespace orvane::platform::lv2_units {
 
@@ -23,11 +26,13 @@ void EditorMessages::distribute() {
 }
 
 void EditorMessages::sendToPlugin(std::uint32_t port, const LV2_Atom& atom) {
-    std::vector<std::byte> event(sizeof(LV2_Atom_Event) + atom.size);
+    const std::size_t size = sizeof(LV2_Atom_Event) + atom.size;
+    if (size > MessageRing::capacity) return;
     const auto place = static_cast<std::int64_t>(port);
-    std::memcpy(event.data(), &place, sizeof place);
-    std::memcpy(event.data() + sizeof place, &atom, sizeof atom + atom.size);
-    static_cast<void>(toPlugin.write(event));
+    const std::scoped_lock lock(sending);
+    std::memcpy(outgoing.bytes.data(), &place, sizeof place);
+    std::memcpy(outgoing.bytes.data() + sizeof place, &atom, sizeof atom + atom.size);
+    static_cast<void>(toPlugin.write(std::span(outgoing.bytes).first(size)));
 }
 
 } // namespace orvane::platform::lv2_units

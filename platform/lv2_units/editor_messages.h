@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -33,7 +34,8 @@ class EditorMessages final {
     /// Tells all listeners of what has arrived.
     void distribute();
 
-    /// `port` is an atom input. The atom is followed by its body.
+    /// `port` is an atom input. The atom is followed by its body. Any thread but the render thread: editors
+    /// have threads of their own.
     void sendToPlugin(std::uint32_t port, const LV2_Atom& atom);
 
     /// Render thread, real-time safe, as what follows.
@@ -53,7 +55,10 @@ class EditorMessages final {
         return ring.take(message) ? reinterpret_cast<const LV2_Atom_Event*>(message.bytes.data()) : nullptr;
     }
 
+    /// Its writer has the mutex.
     MessageRing toPlugin;
+    std::mutex sending;
+    MessageRing::Message outgoing;
     MessageRing toEditors;
     MessageRing::Message forPlugin;
     MessageRing::Message forEditors;

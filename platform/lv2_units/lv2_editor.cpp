@@ -89,7 +89,7 @@ void Lv2Editor::showControls() {
         const Lv2Parameter* const parameter = parameterAt[port];
         const float value = parameter == nullptr ? edited.description.heldValues[port] : parameter->value();
         const auto bits = std::bit_cast<std::uint32_t>(value);
-        if (shown[port] == bits) continue;
+        if (shown[port].load() == bits) continue;
         shown[port] = bits;
         callEditor([&] { descriptor.port_event(handle, port, sizeof value, 0, &value); });
     }

@@ -10,6 +10,7 @@
 
 #include <lv2/ui/ui.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -51,7 +52,7 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
     void callEditor(const Call& call);
     void instantiate();
     void showControls();
-    /// What the editor sends.
+    /// What the editor sends. Any thread: it may have one of its own.
     static void write(
         LV2UI_Controller editor, std::uint32_t port, std::uint32_t size, std::uint32_t protocol,
         const void* buffer
@@ -66,7 +67,7 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
     /// By port index; null where the port is no parameter.
     std::vector<Lv2Parameter*> parameterAt;
     /// By port index: the bits of the value that the editor shows; nothing where it does not know any yet.
-    std::vector<std::optional<std::uint32_t>> shown;
+    std::vector<std::atomic<std::optional<std::uint32_t>>> shown;
     LV2UI_Handle handle = nullptr;
     LV2UI_Widget widget = nullptr;
     const LV2UI_Idle_Interface* idleInterface = nullptr;

@@ -13,6 +13,8 @@
 #include <atomic>
 #include <limits>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace orvane::platform {
 namespace {
@@ -287,6 +289,40 @@ TEST_F(Lv2EditorTest, DropsWhatFindsNoRoomAndGoesOn) {
         for (std::size_t i = 0; i < messages.size(); ++i)
             ASSERT_EQ(messages[i], (std::pair<std::uint32_t, std::int32_t>(outputPort, i)));
     }
+}
+
+TEST_F(Lv2EditorTest, SendsFromThreadsOfItsOwn) {
+    load(usualEditor);
+    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto editor = open();
+    ASSERT_TRUE(editor);
+    constexpr std::int32_t secondFrom = 1 << 30;
+    const auto& opened = probe().editor;
+    const LV2_URID transfer = urid(LV2_ATOM__eventTransfer);
+    const LV2_URID type = urid(LV2_ATOM__Int);
+    std::atomic<bool> isOver = false;
+    std::vector<std::thread> threads;
+    for (const std::int32_t first : {0, secondFrom})
+        threads.emplace_back([&, first] {
+            for (auto number = static_cast<std::uint32_t>(first); !isOver; ++number) {
+                const std::array<std::uint32_t, 3> atom{4, type, number};
+                opened.write(opened.controller, inputPort, sizeof atom, transfer, atom.data());
+            }
+        });
+    UnitRenderer renderer(*unit, 1);
+    auto& messages = probe().editor.messages;
+    EXPECT_TRUE(test::waitFor([&] {
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+        EXPECT_TRUE(editor->idle());
+        return messages.size() > 50000;
+    }));
+    isOver = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    // Some find no room; of each thread the others arrive whole and in order.
+    std::ranges::stable_partition(messages, [](const auto& message) { return message.second < secondFrom; });
+    EXPECT_TRUE(std::ranges::is_sorted(messages));
+    EXPECT_EQ(std::ranges::adjacent_find(messages), messages.end());
 }
 
 TEST_F(Lv2EditorTest, WorksWhileBlocksAreRendered) {
