@@ -10,12 +10,14 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvane::bench {
@@ -117,9 +119,10 @@ void measureSession(const Folder& folder) {
     for (session::ChannelSettingsData& channel : document.channels) {
         channel.pluginSlots[0].pluginName = plugin;
         channel.pluginSlots[0].component = session::AUComponentIdentity{};
-        auto& state = channel.pluginSlots[0].presetData.emplace(stateBytes);
+        std::vector<std::uint8_t> state(stateBytes);
         for (std::uint8_t& byte : state)
             byte = static_cast<std::uint8_t>(random());
+        channel.pluginSlots[0].presetData = std::move(state);
     }
     for (std::size_t i = 0; i < scenes; ++i) {
         session::Snapshot& scene = document.snapshots.emplace_back();

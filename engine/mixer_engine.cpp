@@ -274,8 +274,8 @@ void MixerEngine::setDuckerReleaseMs(double releaseMs) {
 }
 
 void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
+    pushRouting(routing);
     published.masterOutputRouting.set(routing);
-    pushRouting();
 }
 
 void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
@@ -326,13 +326,13 @@ void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
 }
 
 void MixerEngine::pushStrips() {
-    pushRouting();
+    pushRouting(published.masterOutputRouting.get());
     pluginOperations.pushInserts();
     if (running) running->automix().setSettings(automixSettings(published.channelStrips.get()));
 }
 
-void MixerEngine::pushRouting() {
-    if (running) engine::pushRouting(*running->realtimeState(), show());
+void MixerEngine::pushRouting(const session::MasterOutputRouting& master) {
+    if (running) engine::pushRouting(*running->realtimeState(), published.channelStrips.get(), master);
 }
 
 bool MixerEngine::validateMasterOutputRouting() {

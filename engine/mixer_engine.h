@@ -204,7 +204,7 @@ class MixerEngine final {
     void editStrip(const platform::Uuid& strip, const std::function<void(session::ChannelStrip&)>& edit);
     void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
     void pushStrips();
-    void pushRouting();
+    void pushRouting(const session::MasterOutputRouting& master);
     /// Takes what the list says of the chosen devices, which may have come back at another rate or with other
     /// channels.
     void updateChosenDevices();

@@ -72,14 +72,17 @@ void configure(dsp::AutomixProcessor& automix, const Show& show) {
 
 } // namespace
 
-void pushRouting(audio::MixerRealtimeState& state, const Show& show) {
+void pushRouting(
+    audio::MixerRealtimeState& state, const std::vector<session::ChannelStrip>& strips,
+    const session::MasterOutputRouting& master
+) {
     std::vector<std::optional<std::int64_t>> inputs;
     std::vector<session::OutputRouting> outputs;
-    for (const session::ChannelStrip& strip : show.channelStrips) {
+    for (const session::ChannelStrip& strip : strips) {
         inputs.push_back(strip.inputChannelIndex);
         outputs.push_back(strip.outputRouting);
     }
-    state.updateRouting(inputs, outputs, show.masterOutputRouting);
+    state.updateRouting(inputs, outputs, master);
 }
 
 platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
@@ -120,7 +123,7 @@ RunningAudio::RunningAudio(
     configure(*processor, show);
     state->sampleRate = devices.main.sampleRate;
     if (devices.master) masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
-    pushRouting(*state, show);
+    pushRouting(*state, show.channelStrips, show.masterOutputRouting);
     state->insertWorkers = makeWorkers(inserts.workers, show.channelStrips.size(), clock);
     state->updatePlugins(std::move(inserts.table));
     state->setNoiseGain(show.referenceNoiseGain);

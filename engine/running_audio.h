@@ -89,6 +89,9 @@ class RunningAudio final {
 };
 
 /// Hands the input and output of every strip, and where the master bus goes, to the real-time state.
-void pushRouting(audio::MixerRealtimeState& state, const Show& show);
+void pushRouting(
+    audio::MixerRealtimeState& state, const std::vector<session::ChannelStrip>& strips,
+    const session::MasterOutputRouting& master
+);
 
 } // namespace orvane::engine

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/session/channel_settings_data.h"
+#include "engine/session/shared_list.h"
 #include "platform/audio_unit_host.h"
 #include "platform/editor_windows.h"
 #include "platform/main_thread.h"
@@ -10,6 +11,7 @@
 #include "plugins/plugin_slot_key.h"
 #include "plugins/retired_plugins.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -40,11 +42,13 @@ class InsertRack final {
     InsertRack(const InsertRack&) = delete;
     InsertRack& operator=(const InsertRack&) = delete;
 
-    /// Replaces a slot's plugin; it becomes live once its instance is there. `presetData`: its state, absent
-    /// for its defaults.
+    /// A plugin's state, absent for its defaults.
+    using PresetData = std::optional<session::SharedList<std::uint8_t>>;
+
+    /// Replaces a slot's plugin; it becomes live once its instance is there.
     void load(
         const platform::AVAudioUnitComponent& component, const PluginSlotKey& key,
-        const std::optional<platform::PropertyList::Data>& presetData
+        const PresetData& presetData
     );
     /// Empties a slot.
     void remove(const PluginSlotKey& key);
@@ -87,7 +91,6 @@ class InsertRack final {
 
   private:
     using Completion = platform::AudioUnitHost::InstantiationCompletion;
-    using PresetData = std::optional<platform::PropertyList::Data>;
 
     [[nodiscard]] const session::PluginSlot* record(const PluginSlotKey& key) const;
     void setLoadState(const PluginSlotKey& key, PluginLoadState loadState);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/session/au_component_identity.h"
+#include "engine/session/shared_list.h"
 #include "platform/uuid.h"
 
 #include <cstddef>
@@ -22,8 +23,8 @@ struct PluginSlot {
     std::optional<std::string> pluginName;
     /// Which plugin is loaded; absent when the slot is empty.
     std::optional<AUComponentIdentity> component;
-    /// The plugin's saved state; absent when none was captured.
-    std::optional<std::vector<std::uint8_t>> presetData;
+    /// The plugin's saved state, which may be large; absent when none was captured.
+    std::optional<SharedList<std::uint8_t>> presetData;
     /// The insert is skipped in processing.
     bool bypassed = false;
 

@@ -36,6 +36,9 @@ TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
     EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loading{}));
     EXPECT_EQ(record(4).pluginName, "Stereo");
     EXPECT_EQ(record(4).presetData, stateOf(3.0));
+    const std::uint8_t* const kept = record(4).presetData->begin();
+    engine->setTrim(id(1), 0.5);
+    EXPECT_EQ(record(4).presetData->begin(), kept) << "an edit copies no states";
     audioUnitHost.deliver();
     EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loading{}));
     EXPECT_EQ(heard(), 1.0F);
