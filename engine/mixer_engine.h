@@ -186,7 +186,7 @@ class MixerEngine final {
     /// it did.
     bool changeMix(Extent extent, const std::function<void()>& change);
     void recall(const std::function<void()>& change);
-    /// As each note by itself, but of the scenes that they recall only the last is.
+    /// As each note by itself; in a storm of them, of the scenes that they recall only the last is.
     void handleMIDINotes(std::span<const midi::NoteMessage> notes);
     [[nodiscard]] MixBackup backUp(Extent extent);
     void takeBack(MixBackup before);

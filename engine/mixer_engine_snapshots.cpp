@@ -5,6 +5,13 @@
 
 namespace orvane::engine {
 
+namespace {
+
+/// Where more notes wait together than an operator plays, their scenes cannot all be recalled in time.
+constexpr std::size_t mostNotesInTurn = 8;
+
+} // namespace
+
 void MixerEngine::newSnapshot(std::optional<std::string> name) {
     scenes.add(captureMix(), std::move(name));
 }
@@ -55,6 +62,11 @@ void MixerEngine::handleMIDINote(const session::MIDITrigger& note) {
 }
 
 void MixerEngine::handleMIDINotes(std::span<const midi::NoteMessage> notes) {
+    if (notes.size() <= mostNotesInTurn) {
+        for (const midi::NoteMessage& note : notes)
+            handleMIDINote({note.channel, note.note});
+        return;
+    }
     std::optional<std::int64_t> last;
     std::size_t recalls = 0;
     for (const midi::NoteMessage& note : notes) {
