@@ -1,5 +1,7 @@
 #include "engine/midi_input.h"
 
+#include "platform/memory_shortage.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -16,14 +18,16 @@ MIDIInput::MIDIInput(const Services& services, EngineState& published, NotesHand
         });
     };
     manager.onNoteOn([this, onMainThread](const midi::NoteMessage& note) {
-        {
+        // The driver's thread goes on where there is no memory, and takes the next note.
+        platform::runUnlessOutOfMemory([&] {
             const std::scoped_lock guard(waiting);
+            if (waitingNotes.empty()) onMainThread([this] { handleWaitingNotes(); });
             waitingNotes.push_back(note);
-            if (waitingNotes.size() > 1) return;
-        }
-        onMainThread([this] { handleWaitingNotes(); });
+        });
     });
-    manager.onSourcesChanged([this, onMainThread] { onMainThread([this] { refreshDevices(); }); });
+    manager.onSourcesChanged([this, onMainThread] {
+        platform::runUnlessOutOfMemory([&] { onMainThread([this] { refreshDevices(); }); });
+    });
 }
 
 void MIDIInput::start() {

@@ -249,28 +249,28 @@ void MixerEngine::setTrim(const Uuid& strip, double trim) {
 }
 
 void MixerEngine::setMasterTargetDB(double targetDB) {
-    published.masterTargetDB.set(targetDB);
     if (running) running->automix().setMasterTargetDB(targetDB);
+    published.masterTargetDB.set(targetDB);
 }
 
 void MixerEngine::setLeadGroupGainDB(double gainDB) {
-    published.leadGroupGainDB.set(gainDB);
     if (running) running->automix().setLeadGroupGainDB(gainDB);
+    published.leadGroupGainDB.set(gainDB);
 }
 
 void MixerEngine::setBackingGroupGainDB(double gainDB) {
-    published.backingGroupGainDB.set(gainDB);
     if (running) running->automix().setBackingGroupGainDB(gainDB);
+    published.backingGroupGainDB.set(gainDB);
 }
 
 void MixerEngine::setReferenceNoiseGain(double linearGain) {
-    published.referenceNoiseGain.set(linearGain);
     if (running) running->realtimeState()->setNoiseGain(linearGain);
+    published.referenceNoiseGain.set(linearGain);
 }
 
 void MixerEngine::setDuckerReleaseMs(double releaseMs) {
-    published.duckerReleaseMs.set(releaseMs);
     if (running) running->automix().setReleaseMs(releaseMs);
+    published.duckerReleaseMs.set(releaseMs);
 }
 
 void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
@@ -321,7 +321,13 @@ void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelS
 void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
     Strips strips = published.channelStrips.get();
     edit(strips);
-    published.channelStrips.set(std::move(strips));
+    try {
+        published.channelStrips.set(std::move(strips));
+    } catch (...) {
+        // What is shown is heard, also where somebody who was told of it fails.
+        pushStrips();
+        throw;
+    }
     pushStrips();
 }
 

@@ -91,7 +91,7 @@ class MixerEngine final {
     /// A linear factor, not bounded.
     void setTrim(const platform::Uuid& strip, double trim);
 
-    // Master section.
+    // Master section. Heard first and then shown.
 
     void setMasterTargetDB(double targetDB);
     void setLeadGroupGainDB(double gainDB);

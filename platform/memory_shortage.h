@@ -8,8 +8,8 @@ namespace orvane::platform {
 /// itself.
 void reportMemoryShortage() noexcept;
 
-/// Runs a task of a program's main loop, which is to go on where the task finds no memory: what was to be
-/// done is left out and reported. Main thread.
+/// Runs a task of a thread that is to go on where the task finds no memory: what was to be done is left out
+/// and reported. Any thread.
 template <class Task>
 void runUnlessOutOfMemory(const Task& task) {
     try {

@@ -5,6 +5,7 @@
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
 #include "platform/lv2_units/plugin_instance.h"
+#include "platform/memory_shortage.h"
 
 #include <fmt/format.h>
 
@@ -114,11 +115,13 @@ void Lv2UnitHost::serveRequests() {
         const Request request = std::move(work->requests.front());
         work->requests.pop_front();
         lock.unlock();
-        auto made = makeUnitSafely(request.description);
-        if (made)
-            request.completion(std::move(made).value(), std::nullopt);
-        else
-            request.completion(nullptr, made.error());
+        runUnlessOutOfMemory([&] {
+            auto made = makeUnitSafely(request.description);
+            if (made)
+                request.completion(std::move(made).value(), std::nullopt);
+            else
+                request.completion(nullptr, made.error());
+        });
         lock.lock();
     }
 }

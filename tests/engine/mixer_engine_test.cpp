@@ -3,6 +3,7 @@
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "platform/virtual_midi/virtual_midi_driver.h"
+#include "support/failing_allocation.h"
 #include "support/manual_main_thread.h"
 #include "support/random_document.h"
 #include "support/scripted_audio_unit.h"
@@ -16,7 +17,9 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -477,6 +480,39 @@ TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
         mainThread.runPosted();
         EXPECT_EQ(std::exchange(recalled, {}), expected) << count;
     }
+}
+
+TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
+    const auto keys = midiDriver->createSource("Keys").value();
+    mainThread.runPosted();
+    engine.newSnapshot();
+    int lostNotes = 0;
+    for (std::size_t nth = 1;; ++nth) {
+        try {
+            const test::FailingAllocation failing(nth);
+            keys->send(std::array<std::uint8_t, 3>{0x90, 1, 100});
+            if (!failing.hasHappened()) break;
+            ++lostNotes;
+        } catch (const std::bad_alloc&) {
+            // The sender's own.
+        }
+        mainThread.runPosted();
+        engine.beginMIDILearn();
+        keys->send(std::array<std::uint8_t, 3>{0x90, 60, 100});
+        mainThread.runPosted();
+        EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt) << nth;
+    }
+    EXPECT_GT(lostNotes, 1);
+}
+
+TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
+    startBypassed();
+    const auto throwing =
+        engine.state().channelStrips.subscribe([](const auto&) { throw std::runtime_error("as told"); });
+    EXPECT_THROW(engine.setTrim(strips()[0].id, 0.25), std::runtime_error);
+    EXPECT_EQ(strips()[0].trim, 0.25);
+    step();
+    EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 0.25));
 }
 
 TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
