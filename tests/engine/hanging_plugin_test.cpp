@@ -29,12 +29,17 @@ TEST(HangingPlugin, CostsCyclesThatAreCountedAndNothingElse) {
     ASSERT_TRUE(engine.state().isRunning.get()) << engine.state().lastError.get().value_or("");
     for (int round = 0; round < 10; ++round) {
         const std::uint32_t dropoutsBefore = engine.xrunCount();
-        stage.effects.report.hangs = 4;
-        // Nobody waits for the plugin.
+        test::ScriptedAudioUnit::Report& plugin = stage.effects.report;
+        plugin.isHeld = true;
+        plugin.hangs = 4;
+        ASSERT_TRUE(test::waitFor([&] { return plugin.isHanging.load(); })) << round;
+        // The plugin waits for these to be done; nobody may wait for the plugin.
         engine.setTrim(strip, 0.1 * round);
         engine.newSnapshot();
         engine.recallSnapshot(round);
-        ASSERT_TRUE(test::waitFor([&] { return stage.effects.report.hangs <= 0; })) << round;
+        EXPECT_TRUE(plugin.isHanging.load()) << round;
+        plugin.isHeld = false;
+        ASSERT_TRUE(test::waitFor([&] { return plugin.hangs <= 0; })) << round;
         const int blocksBefore = blocks;
         ASSERT_TRUE(test::waitFor([&] { return blocks > blocksBefore + 10; })) << round;
         EXPECT_GT(engine.xrunCount(), dropoutsBefore) << round;

@@ -44,8 +44,10 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         std::atomic<int> rendersWithoutResources = 0;
         /// Called once, in the next render.
         std::function<void()> onRender;
-        /// How many of the next renders hang for 5 ms.
+        /// How many of the next renders hang, for 5 ms and for as long as they are held.
         std::atomic<int> hangs = 0;
+        std::atomic<bool> isHeld = false;
+        std::atomic<bool> isHanging = false;
     };
 
     ScriptedAudioUnit(AudioUnitScript unitScript, Report& told)
@@ -141,9 +143,11 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
     };
 
     void hang() const {
+        report.isHanging = true;
         const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
-        while (std::chrono::steady_clock::now() < end) {
+        while (std::chrono::steady_clock::now() < end || report.isHeld) {
         }
+        report.isHanging = false;
         --report.hangs;
     }
 
