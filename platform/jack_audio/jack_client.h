@@ -40,6 +40,9 @@ class JackClient final {
     /// running when it returns and none comes after.
     void deactivate();
 
+    /// Whether somebody hears it, so that it is not to end for the sake of another client.
+    void setPlaying(bool playing) { isPlaying.store(playing); }
+
     /// Whether the server has shut down or has shut the client out; it stays so.
     [[nodiscard]] bool isGone() const noexcept { return gone.load(); }
 
@@ -54,6 +57,7 @@ class JackClient final {
     JackEvents& events;
     jack_client_t* handle = nullptr;
     std::atomic<bool> gone = false;
+    std::atomic<bool> isPlaying = false;
 };
 
 } // namespace orvane::platform

@@ -7,6 +7,7 @@
 #include <jack/session.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <thread>
@@ -64,10 +65,11 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     std::unique_ptr<JackClient> client(new JackClient(*this, events));
     const JackLibraryCall libraryCall(libraryMutex);
     if (isServerGone.load()) {
+        if (isOnePlaying()) return nullptr;
         for (JackClient* old : opened) {
+            const bool hasBeenTold = old->isGone();
             old->close();
-            // Its server may have shut out another one only, so that nobody has told it.
-            old->events.post(JackEvent::portsAdded);
+            if (!hasBeenTold) old->events.post(JackEvent::serverGone);
         }
         opened.clear();
         isServerGone.store(false);
@@ -81,6 +83,17 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     opened.push_back(client.get());
     if (const auto uuid = uuidOf(client->handle)) client->setPrettyName(*uuid, clientName);
     return client;
+}
+
+bool JackClients::areOutdated() {
+    const JackLibraryCall libraryCall(libraryMutex);
+    return isServerGone.load() && !isOnePlaying();
+}
+
+bool JackClients::isOnePlaying() const {
+    return std::ranges::any_of(opened, [](const JackClient* client) {
+        return client->isPlaying.load() && !client->isGone();
+    });
 }
 
 JackClient::JackClient(JackClients& owner, JackEvents& clientEvents) : clients(owner), events(clientEvents) {}

@@ -28,10 +28,17 @@ class JackClients final {
     /// A client of the running server, null where none runs; never starts one. `role` is added to the
     /// program's name, and a number where that is taken. Posts to `events`, which outlive the client, when
     /// the server has shut down or has shut the client out. Any thread but libjack's own.
+    /// After the server has shut out one client only, opening another ends the rest, who are told: it fails
+    /// as long as one of them plays.
     std::unique_ptr<JackClient> open(std::string_view role, JackEvents& events);
+
+    /// Whether the next `open` ends the clients that there are. Any thread but libjack's own.
+    [[nodiscard]] bool areOutdated();
 
   private:
     friend class JackClient;
+
+    [[nodiscard]] bool isOnePlaying() const;
 
     std::string name;
     std::mutex libraryMutex;

@@ -101,7 +101,8 @@ bool JackServer::requestBufferSize(std::uint32_t frameCount) {
 }
 
 bool JackServer::open() {
-    if (client != nullptr && !client->isGone()) return true;
+    // Before it is closed for the sake of a stream.
+    if (client != nullptr && !client->isGone() && !clients.areOutdated()) return true;
     client.reset();
     client = clients.open(clientRole, events);
     if (client == nullptr) return false;

@@ -83,8 +83,9 @@ void JackStream::Side<Sample>::namePorts(JackClient& owner, const std::string& k
 OSStatus JackStream::start() {
     OSStatus status = kAudioHardwareBadDeviceError;
     jackClient->use([&](jack_client_t* client) { status = isRunning ? noErr : activate(client); });
-    if (status == noErr)
-        isRunning = true;
+    isRunning = status == noErr;
+    if (isRunning)
+        jackClient->setPlaying(true);
     else
         stop();
     return status;
@@ -111,6 +112,7 @@ bool JackStream::connect(jack_client_t* client) const {
 }
 
 void JackStream::stop() {
+    jackClient->setPlaying(false);
     jackClient->deactivate();
     priority.store(0);
     isRunning = false;
