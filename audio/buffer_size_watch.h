@@ -17,7 +17,7 @@ class BufferSizeWatch final {
     /// Called with the new size in frames on the hardware layer's notification thread.
     using Handler = std::function<void(std::uint32_t frameCount)>;
 
-    /// `requested`: the size asked for; `agreed`: the one the unit is set up for, taken as told. `handler`
+    /// `requested`: the size asked for; `agreed`: the one the device runs at, taken as told. `handler`
     /// may be empty. A device that cannot be listened to is never told of.
     BufferSizeWatch(
         platform::AudioHardware& audioHardware, platform::AudioObjectID device, std::uint32_t requested,

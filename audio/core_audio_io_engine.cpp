@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -118,10 +119,11 @@ Outcome CoreAudioIOEngine::selectDevice() {
 Outcome CoreAudioIOEngine::agreeOnBufferSize() {
     BufferSizeAgreement agreement =
         negotiateBufferSize(hardware, configuration.deviceID, configuration.framesPerSlice);
-    effectiveFrameCount = agreement.frameCount;
+    // A device that runs shorter cycles now may yet do as it was asked.
+    effectiveFrameCount = std::max(agreement.frameCount, configuration.framesPerSlice);
     negotiationWarning = std::move(agreement.warning);
     bufferSizeWatch.emplace(
-        hardware, configuration.deviceID, configuration.framesPerSlice, effectiveFrameCount,
+        hardware, configuration.deviceID, configuration.framesPerSlice, agreement.frameCount,
         onDeviceBufferSizeChangedExternally
     );
     return Done{};
