@@ -39,8 +39,11 @@ SystemAudioHardware::SystemAudioHardware(std::vector<std::unique_ptr<AudioDriver
 PropertySize SystemAudioHardware::AudioObjectGetPropertyDataSize(
     AudioObjectID object, const AudioObjectPropertyAddress& address
 ) {
-    const PropertyValue value = read(object, address);
-    return {value.status, static_cast<std::uint32_t>(value.bytes.size())};
+    sizedDevices.reset();
+    PropertyValue value = read(object, address);
+    const auto size = static_cast<std::uint32_t>(value.bytes.size());
+    if (object == kAudioObjectSystemObject && value.status == noErr) sizedDevices = std::move(value.bytes);
+    return {value.status, size};
 }
 
 PropertySize SystemAudioHardware::AudioObjectGetPropertyData(
@@ -48,7 +51,7 @@ PropertySize SystemAudioHardware::AudioObjectGetPropertyData(
 ) {
     PropertyValue value = read(object, address);
     if (value.status != noErr) return {value.status, 0};
-    // A device may have come since the list's size was asked for.
+    // As many of the devices as there is room for.
     if (object == kAudioObjectSystemObject)
         value.bytes.resize(std::min(value.bytes.size(), data.size() - data.size() % sizeof(AudioObjectID)));
     if (data.size() < value.bytes.size()) return {kAudioHardwareBadPropertySizeError, 0};
@@ -66,6 +69,7 @@ SystemAudioHardware::PropertyValue SystemAudioHardware::readOfSystem(const Audio
     if (address
         != AudioObjectPropertyAddress{kAudioHardwarePropertyDevices, kAudioObjectPropertyScopeGlobal, 0})
         return {kAudioHardwareUnknownPropertyError};
+    if (sizedDevices) return {noErr, *std::exchange(sizedDevices, std::nullopt)};
     const std::vector<AudioObjectID> ids = registry.refresh();
     const std::span<const std::byte> bytes = std::as_bytes(std::span(ids));
     return {noErr, {bytes.begin(), bytes.end()}};

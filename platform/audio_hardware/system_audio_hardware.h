@@ -7,6 +7,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace orvane::platform {
@@ -63,6 +64,9 @@ class SystemAudioHardware final : public AudioHardware {
     PropertyValue readOfDevice(AudioObjectID object, const AudioObjectPropertyAddress& address);
 
     DeviceRegistry registry;
+    /// The devices whose size was asked for last, for the query of the list that follows: drivers may take
+    /// long to list them.
+    std::optional<std::vector<std::byte>> sizedDevices;
     std::vector<std::unique_ptr<AudioUnitInstance>> units;
     AudioObjectPropertyListenerID lastListener = 0;
     std::map<AudioObjectPropertyListenerID, std::unique_ptr<AudioDeviceWatch>> watches;

@@ -87,6 +87,21 @@ TEST(SystemAudioHardware, DescribesDevicesUnderIdsThatStayTheirs) {
     EXPECT_EQ(machine.get<std::uint32_t>(ids[0], kAudioDevicePropertyDeviceIsAlive), 1U);
 }
 
+TEST(SystemAudioHardware, ListsDevicesOnceForTheirSizeAndTheListThatFollows) {
+    Machine machine;
+    for (const std::size_t count : {2U, 1U}) {
+        machine.driver->listings = 0;
+        const AudioObjectPropertyAddress address = {kAudioHardwarePropertyDevices, global, 0};
+        EXPECT_EQ(
+            machine.hardware.AudioObjectGetPropertyDataSize(kAudioObjectSystemObject, address).size,
+            count * sizeof(AudioObjectID)
+        );
+        EXPECT_EQ(machine.devices().size(), count);
+        EXPECT_EQ(machine.driver->listings, 1);
+        machine.driver->present.pop_back();
+    }
+}
+
 TEST(SystemAudioHardware, AnswersWrongPropertyCallsWithAStatus) {
     Machine machine;
     const AudioObjectID card = machine.devices()[0];

@@ -16,7 +16,10 @@ class FakeAudioDriver final : public platform::AudioDriver {
         : present(std::move(devices)) {}
 
     [[nodiscard]] std::string_view name() const override { return "fake"; }
-    std::vector<platform::AudioDriverDevice> devices() override { return present; }
+    std::vector<platform::AudioDriverDevice> devices() override {
+        ++listings;
+        return present;
+    }
 
     platform::Result<std::uint32_t, platform::OSStatus> bufferSize(std::string_view) override {
         return frames;
@@ -45,6 +48,7 @@ class FakeAudioDriver final : public platform::AudioDriver {
     }
 
     std::vector<platform::AudioDriverDevice> present;
+    int listings = 0;
     std::uint32_t frames = 512;
     platform::OSStatus openAnswer = platform::noErr;
     std::string opened;
