@@ -378,6 +378,8 @@ RunningAudio::Observer MixerEngine::makeObserver() {
              onMainThread](RunningAudio::Role role, const AudioDeviceInfo& device, std::uint32_t frameCount) {
                 onMainThread([=, this] { reportBufferSizeChange(role, device, frameCount); });
             },
+        .channelsLost = [this, onMainThread](const AudioDeviceInfo& device
+                        ) { onMainThread([=, this] { reportLostChannels(device); }); },
         .deviceDied = [this, onMainThread](const AudioDeviceInfo& device
                       ) { onMainThread([=, this] { reportDeath(device); }); }};
 }
@@ -391,6 +393,14 @@ void MixerEngine::reportBufferSizeChange(
         "stutters, stop and restart the engine.{}",
         isMain ? "The audio device's" : "The master output device's", frameCount, device.name,
         isMain ? " Closing other apps that use the same device may help." : ""
+    ));
+}
+
+void MixerEngine::reportLostChannels(const AudioDeviceInfo& device) {
+    published.lastError.set(fmt::format(
+        "A part of the audio device {} is gone, and its channels are silent; connect it again, then stop and "
+        "start the mixer.",
+        device.name
     ));
 }
 

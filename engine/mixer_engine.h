@@ -217,6 +217,7 @@ class MixerEngine final {
     void reportBufferSizeChange(
         RunningAudio::Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount
     );
+    void reportLostChannels(const audio::AudioDeviceInfo& device);
     void reportDeath(const audio::AudioDeviceInfo& device);
 
     const Services services;

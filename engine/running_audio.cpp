@@ -130,7 +130,7 @@ RunningAudio::RunningAudio(
 }
 
 RunningAudio::~RunningAudio() {
-    for (const platform::AudioObjectPropertyListenerID listener : deathListeners)
+    for (const platform::AudioObjectPropertyListenerID listener : lossListeners)
         hardware.AudioObjectRemovePropertyListenerBlock(listener);
     mainIO.reset();
     masterIO.reset();
@@ -175,13 +175,20 @@ void RunningAudio::connect(const Devices& devices, const Observer& observer) {
 }
 
 void RunningAudio::watch(const audio::AudioDeviceInfo& device, const Observer& observer) {
+    listen(device, platform::kAudioDevicePropertyDeviceIsAlive, observer.deviceDied);
+    listen(device, platform::kAudioDevicePropertyStreamConfiguration, observer.channelsLost);
+}
+
+void RunningAudio::listen(
+    const audio::AudioDeviceInfo& device, std::uint32_t property,
+    const std::function<void(const audio::AudioDeviceInfo& device)>& tell
+) {
     const auto registration = hardware.AudioObjectAddPropertyListenerBlock(
-        device.id,
-        {platform::kAudioDevicePropertyDeviceIsAlive, platform::kAudioObjectPropertyScopeGlobal, 0},
-        [observer, device](auto) { observer.deviceDied(device); }
+        device.id, {property, platform::kAudioObjectPropertyScopeGlobal, 0},
+        [tell, device](auto) { tell(device); }
     );
     // A device that cannot be watched is played all the same.
-    if (registration.status == platform::noErr) deathListeners.push_back(registration.listener);
+    if (registration.status == platform::noErr) lossListeners.push_back(registration.listener);
 }
 
 std::optional<std::string> RunningAudio::masterWarning() const {

@@ -37,6 +37,7 @@ class RunningAudio final {
     struct Observer {
         std::function<void(Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount)>
             bufferSizeChanged;
+        std::function<void(const audio::AudioDeviceInfo& device)> channelsLost;
         std::function<void(const audio::AudioDeviceInfo& device)> deviceDied;
     };
 
@@ -79,13 +80,17 @@ class RunningAudio final {
     void allocateFor(const Devices& devices, std::int64_t bufferSize);
     void connect(const Devices& devices, const Observer& observer);
     void watch(const audio::AudioDeviceInfo& device, const Observer& observer);
+    void listen(
+        const audio::AudioDeviceInfo& device, std::uint32_t property,
+        const std::function<void(const audio::AudioDeviceInfo& device)>& tell
+    );
 
     platform::AudioHardware& hardware;
     std::shared_ptr<dsp::AutomixProcessor> processor;
     std::shared_ptr<audio::MixerRealtimeState> state;
     std::unique_ptr<audio::CoreAudioIOEngine> mainIO;
     std::unique_ptr<audio::CoreAudioIOEngine> masterIO;
-    std::vector<platform::AudioObjectPropertyListenerID> deathListeners;
+    std::vector<platform::AudioObjectPropertyListenerID> lossListeners;
 };
 
 /// Hands the input and output of every strip, and where the master bus goes, to the real-time state.

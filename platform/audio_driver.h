@@ -70,6 +70,9 @@ class AudioStream {
 enum class AudioDeviceChange {
     /// Its buffer size, at whoever's request.
     bufferSize,
+    /// Some channels of its stream are silent for good, while others go on: one of the interfaces that it
+    /// consists of is gone. Told once a stream.
+    lostChannels,
     /// It is gone: unplugged, or its server has shut down.
     died,
 };

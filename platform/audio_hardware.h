@@ -37,7 +37,8 @@ inline constexpr std::uint32_t kAudioHardwarePropertyDevices = fourCharCode("dev
 inline constexpr std::uint32_t kAudioDevicePropertyDeviceUID = fourCharCode("uid ");
 /// Of a device: a StringRef.
 inline constexpr std::uint32_t kAudioObjectPropertyName = fourCharCode("lnam");
-/// Of a device, per scope: a StreamConfiguration; size 0 where the device has no such stream.
+/// Of a device, per scope: a StreamConfiguration; size 0 where the device has no such stream. To be listened
+/// to: told when channels of a stream that is open are gone.
 inline constexpr std::uint32_t kAudioDevicePropertyStreamConfiguration = fourCharCode("slay");
 /// Of a device: a double, in Hz.
 inline constexpr std::uint32_t kAudioDevicePropertyNominalSampleRate = fourCharCode("nsrt");

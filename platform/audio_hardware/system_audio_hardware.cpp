@@ -31,6 +31,20 @@ std::vector<std::byte> streamConfiguration(std::size_t channelCount) {
     return bytes;
 }
 
+/// What a listener to a device's property waits for; nothing where it cannot be listened to.
+std::optional<AudioDeviceChange> changeOf(std::uint32_t selector) {
+    switch (selector) {
+    case kAudioDevicePropertyBufferFrameSize:
+        return AudioDeviceChange::bufferSize;
+    case kAudioDevicePropertyStreamConfiguration:
+        return AudioDeviceChange::lostChannels;
+    case kAudioDevicePropertyDeviceIsAlive:
+        return AudioDeviceChange::died;
+    default:
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 SystemAudioHardware::SystemAudioHardware(std::vector<std::unique_ptr<AudioDriver>> drivers)
@@ -126,17 +140,16 @@ AudioHardware::ListenerRegistration SystemAudioHardware::AudioObjectAddPropertyL
 ) {
     const std::optional<RegisteredDevice> device = registry.find(object);
     if (!device) return {kAudioHardwareBadObjectError, 0};
-    const bool listensToSize = address.mSelector == kAudioDevicePropertyBufferFrameSize;
-    if (!listensToSize && address.mSelector != kAudioDevicePropertyDeviceIsAlive)
-        return {kAudioHardwareUnknownPropertyError, 0};
-    const AudioDeviceChange awaited = listensToSize ? AudioDeviceChange::bufferSize : AudioDeviceChange::died;
+    const std::optional<AudioDeviceChange> awaited = changeOf(address.mSelector);
+    if (!awaited) return {kAudioHardwareUnknownPropertyError, 0};
     watches.emplace(
-        ++lastListener, device->driver->watch(
-                            *device->uid,
-                            [awaited, address, listener = std::move(block)](AudioDeviceChange change) {
-                                if (change == awaited) listener(std::span(&address, 1));
-                            }
-                        )
+        ++lastListener,
+        device->driver->watch(
+            *device->uid,
+            [awaited = *awaited, address, listener = std::move(block)](AudioDeviceChange change) {
+                if (change == awaited) listener(std::span(&address, 1));
+            }
+        )
     );
     return {noErr, lastListener};
 }

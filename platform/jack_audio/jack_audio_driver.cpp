@@ -50,7 +50,10 @@ JackAudioDriver::open(std::string_view uid, bool enableInput, AudioStreamClient&
     const std::optional<JackServerState> server = state->server.state();
     const JackDevice* const device = server ? server->find(uid) : nullptr;
     if (device == nullptr) return kAudioHardwareBadDeviceError;
-    return JackStream::open(state->clients, state->events, *device, enableInput, client);
+    JackDevice connected = *device;
+    if (!enableInput) connected.inputPorts.clear();
+    state->watches.watchPorts(connected);
+    return JackStream::open(state->clients, state->events, connected, client);
 }
 
 std::unique_ptr<AudioDeviceWatch> JackAudioDriver::watch(std::string_view uid, Listener listener) {

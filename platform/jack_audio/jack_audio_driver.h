@@ -25,7 +25,8 @@ class JackAudioDriver final : public AudioDriver {
     Result<std::unique_ptr<AudioStream>, OSStatus>
     open(std::string_view uid, bool enableInput, AudioStreamClient& client) override;
 
-    /// A device that is not there is told to have died. After a server has come back, watches go on when
+    /// A device that is not there is told to have died, and so is one of whose stream all inputs or all
+    /// outputs are gone. After a server has come back, watches go on when
     /// `devices` has listed their device again.
     std::unique_ptr<AudioDeviceWatch> watch(std::string_view uid, Listener listener) override;
 

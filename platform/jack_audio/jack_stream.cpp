@@ -24,20 +24,18 @@ bool connectPorts(jack_client_t* client, const char* source, const char* destina
 } // namespace
 
 Result<std::unique_ptr<AudioStream>, OSStatus> JackStream::open(
-    JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
-    AudioStreamClient& client
+    JackClients& clients, JackEvents& events, const JackDevice& device, AudioStreamClient& client
 ) {
     // Before libjack's thread is started, which calls it.
-    std::unique_ptr<JackStream> stream(new JackStream(device, enableInput, client));
+    std::unique_ptr<JackStream> stream(new JackStream(device, client));
     stream->jackClient = clients.open("", events);
     if (stream->jackClient == nullptr) return kAudioHardwareBadDeviceError;
     if (!stream->prepare()) return kAudioHardwareUnspecifiedError;
     return std::unique_ptr<AudioStream>(std::move(stream));
 }
 
-JackStream::JackStream(const JackDevice& device, bool enableInput, AudioStreamClient& cycleClient)
-    : streamClient(cycleClient) {
-    if (enableInput) inputs.devicePorts = device.inputPorts;
+JackStream::JackStream(const JackDevice& device, AudioStreamClient& cycleClient) : streamClient(cycleClient) {
+    inputs.devicePorts = device.inputPorts;
     outputs.devicePorts = device.outputPorts;
 }
 

@@ -21,11 +21,9 @@ namespace orvane::platform {
 /// device's port as long as the stream runs.
 class JackStream final : public AudioStream {
   public:
-    /// See AudioDriver::open. Posts when the server is gone.
-    static Result<std::unique_ptr<AudioStream>, OSStatus> open(
-        JackClients& clients, JackEvents& events, const JackDevice& device, bool enableInput,
-        AudioStreamClient& client
-    );
+    /// See AudioDriver::open; on all ports of the device. Posts when the server is gone.
+    static Result<std::unique_ptr<AudioStream>, OSStatus>
+    open(JackClients& clients, JackEvents& events, const JackDevice& device, AudioStreamClient& client);
     ~JackStream() override;
 
     OSStatus start() override;
@@ -48,7 +46,7 @@ class JackStream final : public AudioStream {
         ORVANE_REALTIME void takeBlocks(jack_nframes_t frameCount) noexcept;
     };
 
-    JackStream(const JackDevice& device, bool enableInput, AudioStreamClient& cycleClient);
+    JackStream(const JackDevice& device, AudioStreamClient& cycleClient);
     bool prepare();
     OSStatus activate(jack_client_t* client);
     [[nodiscard]] bool connect(jack_client_t* client) const;

@@ -1,18 +1,42 @@
 #include "platform/jack_audio/jack_watches.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
 namespace orvane::platform {
+
+namespace {
+
+std::set<std::string> portsOf(const JackServerState& state) {
+    std::set<std::string> ports;
+    for (const JackDevice& device : state.devices)
+        for (const auto& side : {device.inputPorts, device.outputPorts})
+            ports.insert(side.begin(), side.end());
+    return ports;
+}
+
+std::size_t countOf(const std::vector<std::string>& ports, const std::set<std::string>& present) {
+    return static_cast<std::size_t>(std::ranges::count_if(ports, [&present](const std::string& port) {
+        return present.contains(port);
+    }));
+}
+
+} // namespace
 
 struct JackWatches::Entry {
     std::string uid;
     std::mutex callMutex;
     AudioDriver::Listener listener;
     std::atomic<bool> isDeviceAlive = true;
+    std::atomic<bool> hasAllChannels = true;
+    /// The ports that the stream on it is connected to, once there is one.
+    std::optional<JackDevice> connected;
 
     void tell(AudioDeviceChange change) {
         const std::scoped_lock lock(callMutex);
@@ -53,9 +77,21 @@ std::unique_ptr<AudioDeviceWatch> JackWatches::add(std::string_view uid, AudioDr
     return std::make_unique<Watch>(std::move(entry));
 }
 
+void JackWatches::watchPorts(const JackDevice& connected) {
+    for (const auto& entry : livingEntries()) {
+        if (entry->uid != connected.uid) continue;
+        entry->hasAllChannels.store(true);
+        const std::scoped_lock lock(mutex);
+        entry->connected = connected;
+    }
+}
+
 void JackWatches::welcomeBack(const JackServerState& state) {
-    for (const auto& entry : livingEntries())
-        if (state.find(entry->uid) != nullptr) entry->isDeviceAlive.store(true);
+    for (const auto& entry : livingEntries()) {
+        if (state.find(entry->uid) == nullptr || entry->isDeviceAlive.exchange(true)) continue;
+        const std::scoped_lock lock(mutex);
+        entry->connected.reset();
+    }
 }
 
 void JackWatches::run() {
@@ -65,7 +101,7 @@ void JackWatches::run() {
         const bool isServerGone = contains(taken, JackEvent::serverGone);
         // Whoever is told is not to find its devices still there.
         if (isServerGone) server.awaitEnd();
-        if (isServerGone || contains(taken, JackEvent::portsRemoved)) tellDeath(isServerGone);
+        if (isServerGone || contains(taken, JackEvent::portsRemoved)) tellLosses(isServerGone);
         if (contains(taken, JackEvent::bufferSizeChanged)) tellBufferSize();
     }
 }
@@ -75,12 +111,32 @@ void JackWatches::tellBufferSize() {
         if (entry->isDeviceAlive.load()) entry->tell(AudioDeviceChange::bufferSize);
 }
 
-void JackWatches::tellDeath(bool isServerGone) {
+void JackWatches::tellLosses(bool isServerGone) {
     const std::optional<JackServerState> state = isServerGone ? std::nullopt : server.knownState();
     for (const auto& entry : livingEntries()) {
-        if (state && state->find(entry->uid) != nullptr) continue;
-        if (entry->isDeviceAlive.exchange(false)) entry->tell(AudioDeviceChange::died);
+        const auto loss = state ? lossOf(*entry, *state) : AudioDeviceChange::died;
+        if (!loss || !entry->isDeviceAlive.load()) continue;
+        std::atomic<bool>& isIntact =
+            loss == AudioDeviceChange::died ? entry->isDeviceAlive : entry->hasAllChannels;
+        if (isIntact.exchange(false)) entry->tell(*loss);
     }
+}
+
+std::optional<AudioDeviceChange> JackWatches::lossOf(const Entry& entry, const JackServerState& state) {
+    const std::scoped_lock lock(mutex);
+    if (!entry.connected) {
+        if (state.find(entry.uid) != nullptr) return std::nullopt;
+        return AudioDeviceChange::died;
+    }
+    const std::set<std::string> present = portsOf(state);
+    const auto& [uid, name, inputs, outputs] = *entry.connected;
+    const std::size_t presentInputs = countOf(inputs, present);
+    const std::size_t presentOutputs = countOf(outputs, present);
+    if (presentInputs == inputs.size() && presentOutputs == outputs.size()) return std::nullopt;
+    // There is nothing to mix or nothing to play it on.
+    const bool hasLostSide =
+        (presentInputs == 0 && !inputs.empty()) || (presentOutputs == 0 && !outputs.empty());
+    return hasLostSide ? AudioDeviceChange::died : AudioDeviceChange::lostChannels;
 }
 
 std::vector<std::shared_ptr<JackWatches::Entry>> JackWatches::livingEntries() {

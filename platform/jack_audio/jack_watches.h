@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string_view>
 #include <thread>
 #include <vector>
@@ -23,6 +24,10 @@ class JackWatches final {
     /// Any thread. A device that is not there is told to have died.
     std::unique_ptr<AudioDeviceWatch> add(std::string_view uid, AudioDriver::Listener listener);
 
+    /// Has those who watch the device hear of its ports from now on: a stream is to be connected to them.
+    /// What else there may be of the device does not count any more. Any thread.
+    void watchPorts(const JackDevice& connected);
+
     /// Lets devices that died and are there again change and die again. Any thread.
     void welcomeBack(const JackServerState& state);
 
@@ -32,7 +37,8 @@ class JackWatches final {
 
     void run();
     void tellBufferSize();
-    void tellDeath(bool isServerGone);
+    void tellLosses(bool isServerGone);
+    std::optional<AudioDeviceChange> lossOf(const Entry& entry, const JackServerState& state);
     std::vector<std::shared_ptr<Entry>> livingEntries();
 
     JackEvents& events;

@@ -200,6 +200,18 @@ TEST_F(JackEngineTest, TellsOfEachForeignBufferSizeOnce) {
     EXPECT_TRUE(engine.state().isRunning.get());
 }
 
+TEST_F(JackEngineTest, PlaysOnWithoutOneOfSeveralCardsAndSaysSo) {
+    auto card = std::make_unique<JackPeer>("card", 2, JackPortIsPhysical);
+    engine.refreshDevices();
+    engine.selectDevice(engine.state().availableDevices.get().back());
+    start();
+    card.reset();
+    ASSERT_TRUE(awaitMessage());
+    EXPECT_THAT(message(), testing::StartsWith("A part of the audio device All JACK ports is gone, and its"));
+    EXPECT_TRUE(engine.state().isRunning.get());
+    EXPECT_TRUE(isHeard());
+}
+
 TEST_F(JackEngineTest, StopsWhenTheServerIsGoneAndStartsOnTheNext) {
     for (const int signal : {SIGKILL, SIGTERM}) {
         start();

@@ -122,6 +122,7 @@ TEST(SystemAudioHardware, TellsListenersOfTheirPropertyAlone) {
     Machine machine;
     const AudioObjectID card = machine.devices()[0];
     int sizes = 0;
+    int losses = 0;
     int deaths = 0;
     const auto listen = [&](std::uint32_t selector, int& count) {
         return machine.hardware
@@ -129,12 +130,15 @@ TEST(SystemAudioHardware, TellsListenersOfTheirPropertyAlone) {
             .listener;
     };
     const auto toSize = listen(kAudioDevicePropertyBufferFrameSize, sizes);
+    listen(kAudioDevicePropertyStreamConfiguration, losses);
     listen(kAudioDevicePropertyDeviceIsAlive, deaths);
     machine.driver->tell(AudioDeviceChange::bufferSize);
+    machine.driver->tell(AudioDeviceChange::lostChannels);
     machine.driver->tell(AudioDeviceChange::died);
     EXPECT_EQ(machine.hardware.AudioObjectRemovePropertyListenerBlock(toSize), noErr);
     machine.driver->tell(AudioDeviceChange::bufferSize);
     EXPECT_EQ(sizes, 1);
+    EXPECT_EQ(losses, 1);
     EXPECT_EQ(deaths, 1);
 }
 

@@ -55,9 +55,10 @@ class WatchLog final {
               const auto bufferSize = driver.bufferSize(uid);
               const std::scoped_lock lock(mutex);
               lines.push_back(
-                  change == AudioDeviceChange::died ? "died"
-                  : bufferSize                      ? std::to_string(bufferSize.value())
-                                                    : "unknown"
+                  change == AudioDeviceChange::died           ? "died"
+                  : change == AudioDeviceChange::lostChannels ? "lost channels"
+                  : bufferSize                                ? std::to_string(bufferSize.value())
+                                                              : "unknown"
               );
           })) {}
 
@@ -145,6 +146,54 @@ TEST(JackAudioDriver, ListsEachClientWithHardwarePortsAndAllOfThemTogether) {
     EXPECT_THAT(goes.told(), ElementsAre("died"));
     EXPECT_THAT(stays.told(), IsEmpty());
     EXPECT_EQ(driver.jack.devices().size(), 1U);
+}
+
+/// One side of a card.
+struct CardSide {
+    CardSide(const std::string& name, unsigned long direction)
+        : client(jack_client_open(name.c_str(), JackNoStartServer, nullptr)),
+          port(
+              jack_port_register(client, "port_1", JACK_DEFAULT_AUDIO_TYPE, direction | JackPortIsPhysical, 0)
+          ) {
+        jack_activate(client);
+    }
+    ~CardSide() { jack_client_close(client); }
+
+    jack_client_t* client;
+    jack_port_t* port;
+};
+
+TEST(JackAudioDriver, TellsWhenPortsAreGoneThatAStreamIsConnectedTo) {
+    const JackTestServer server({});
+    const std::string name = uniqueJackName("card");
+    for (const bool isUnplugged : {true, false}) {
+        SCOPED_TRACE(isUnplugged);
+        Driver driver;
+        JackAudioDriver other(driver.clients);
+        SilentClient client;
+        auto captures = std::make_unique<CardSide>(name + " In", JackPortIsOutput);
+        auto plays = std::make_unique<CardSide>(name + " Out", JackPortIsInput);
+        const WatchLog ofCard(driver.jack, "jack:" + name);
+        const WatchLog ofAll(driver.jack, "jack:all");
+        const WatchLog ofOutputs(other, "jack:" + name);
+        const auto card = driver.jack.open("jack:" + name, true, client);
+        const auto all = driver.jack.open("jack:all", true, client);
+        const auto outputs = other.open("jack:" + name, false, client);
+        ASSERT_TRUE(card && all && outputs);
+
+        CardSide(uniqueJackName("later"), JackPortIsOutput);
+        if (isUnplugged)
+            captures.reset();
+        else
+            jack_port_unregister(captures->client, captures->port);
+        EXPECT_TRUE(ofCard.waitForLines(1));
+        EXPECT_TRUE(ofAll.waitForLines(1));
+        plays.reset();
+        EXPECT_TRUE(ofOutputs.waitForLines(1));
+        EXPECT_THAT(ofCard.told(), ElementsAre("died"));
+        EXPECT_THAT(ofAll.told(), ElementsAre("lost channels")) << "the other card plays on";
+        EXPECT_THAT(ofOutputs.told(), ElementsAre("died"));
+    }
 }
 
 TEST(JackAudioDriver, TellsOfEveryChangeOfTheBufferSizeOnce) {
