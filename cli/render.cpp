@@ -15,6 +15,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <system_error>
@@ -75,14 +76,80 @@ Result<std::size_t> chooseOutputs(const RenderOptions& options, std::uint64_t ro
     )};
 }
 
+std::vector<std::string> stripNames(const engine::MixerEngine& engine) {
+    std::vector<std::string> names;
+    for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+        names.push_back(strip.name);
+    return names;
+}
+
+/// Whether both lead to the same file, also where that is yet to be made.
+bool areSame(const std::filesystem::path& left, const std::filesystem::path& right) {
+    std::error_code problem;
+    if (std::filesystem::equivalent(left, right, problem)) return true;
+    const auto place = [&problem](const std::filesystem::path& path) {
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(path, problem), problem);
+    };
+    const std::filesystem::path ofLeft = place(left);
+    return !ofLeft.empty() && ofLeft == place(right);
+}
+
+/// Fails where what is written would take the place of something else of the run.
+Result<Done> checkDestinations(const RenderOptions& options, std::span<const std::string> stripNames) {
+    std::vector<std::filesystem::path> taken = {options.input};
+    if (options.session) taken.push_back(*options.session);
+    const auto check = [&taken](const std::filesystem::path& destination) -> Result<Done> {
+        const auto isTaken = [&](const std::filesystem::path& other) { return areSame(destination, other); };
+        if (std::ranges::none_of(taken, isTaken)) return Done{};
+        return Error{fmt::format(
+            "{} cannot be written, because it is read, or written with something else, already.",
+            destination.string()
+        )};
+    };
+    if (auto checked = check(options.output); !checked) return checked;
+    taken.push_back(options.output);
+    if (options.report) {
+        if (auto checked = check(*options.report); !checked) return checked;
+        taken.push_back(*options.report);
+    }
+    if (!options.stems) return Done{};
+    for (std::size_t i = 0; i < stripNames.size(); ++i)
+        if (auto checked = check(*options.stems / stemFileName(i + 1, stripNames[i])); !checked)
+            return checked;
+    return Done{};
+}
+
+/// What a run writes.
+struct Files {
+    WriteBehind::Files sound;
+    std::optional<platform::AtomicFile> report;
+};
+
+Result<Files> createFiles(
+    const RenderOptions& options, std::size_t outputs, std::span<const std::string> stripNames,
+    double sampleRate
+) {
+    auto output = SoundFileWriter::create(options.output, outputs, sampleRate);
+    if (!output) return output.error();
+    Files files{{std::move(output).value(), std::nullopt}, std::nullopt};
+    if (options.stems) {
+        auto stems = StemFiles::create(*options.stems, stripNames, sampleRate);
+        if (!stems) return stems.error();
+        files.sound.stems = std::move(stems).value();
+    }
+    if (options.report) {
+        auto report = platform::AtomicFile::open(*options.report);
+        if (!report) return report.error();
+        files.report.emplace(std::move(report).value());
+    }
+    return files;
+}
+
 /// One run: the files it reads and writes, and the mixer between them.
 class Run final {
   public:
     static Result<std::unique_ptr<Run>>
     prepare(const RenderOptions& options, const RenderObserver& observer) {
-        std::error_code ignored;
-        if (std::filesystem::equivalent(options.input, options.output, ignored))
-            return Error{fmt::format("{} cannot be both input and output.", options.input.string())};
         auto reader = SoundFileReader::open(options.input);
         if (!reader) return reader.error();
         const auto document = readSession(options);
@@ -101,6 +168,8 @@ class Run final {
                 if (warning) observer.warn(*warning);
             });
         if (auto problem = setUpMix(mixer->engine(), document.value())) return *std::move(problem);
+        const std::vector<std::string> names = stripNames(mixer->engine());
+        if (auto distinct = checkDestinations(options, names); !distinct) return distinct.error();
         awaitPlugins(mixer->engine(), mixer->loop(), observer.isCancelled);
         if (options.bufferSize) mixer->engine().setBufferSize(*options.bufferSize);
         if (auto started = mixer->start(); !started) return started.error();
@@ -109,19 +178,12 @@ class Run final {
                 "The session goes to outputs up to {}, but there are only {}: what goes beyond is not heard.",
                 routed, outputs.value()
             ));
-        auto writer = SoundFileWriter::create(options.output, outputs.value(), reader.value().sampleRate());
-        if (!writer) return writer.error();
-        WriteBehind::Files files{std::move(writer).value(), std::nullopt};
-        if (options.stems) {
-            auto stems =
-                StemFiles::create(*options.stems, stripNames(mixer->engine()), reader.value().sampleRate());
-            if (!stems) return stems.error();
-            files.stems = std::move(stems).value();
-        }
+        auto files = createFiles(options, outputs.value(), names, reader.value().sampleRate());
+        if (!files) return files.error();
         try {
-            return std::unique_ptr<Run>(
-                new Run(std::move(reader).value(), std::move(files), std::move(mixer), outputs.value())
-            );
+            return std::unique_ptr<Run>(new Run(
+                std::move(reader).value(), std::move(files).value(), std::move(mixer), outputs.value()
+            ));
         } catch (const std::system_error&) {
             return Error{"The system has no threads left to read and write the sound with."};
         }
@@ -131,28 +193,32 @@ class Run final {
         const auto start = std::chrono::steady_clock::now();
         if (auto mixed = mixAll(observer); !mixed) return mixed.error();
         if (auto written = writer.finish(); !written) return written.error();
-        if (auto committed = writer.commit(); !committed) return committed.error();
         const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-        return report.finish(static_cast<double>(source.frameCount()), wall.count());
+        RenderReport figures = report.finish(static_cast<double>(source.frameCount()), wall.count());
+        if (auto written = writeReport(figures); !written) return written.error();
+        if (auto committed = writer.commit(); !committed) return committed.error();
+        if (reportFile)
+            if (auto committed = reportFile->commit(); !committed) return committed.error();
+        return figures;
     }
 
   private:
-    Run(SoundFileReader input, WriteBehind::Files files, std::unique_ptr<OfflineMixer> startedMixer,
-        std::size_t outputs)
+    Run(SoundFileReader input, Files files, std::unique_ptr<OfflineMixer> startedMixer, std::size_t outputs)
         : source(std::move(input)),
           mixer(std::move(startedMixer)),
           report(*mixer, source.sampleRate()),
           chunkLength(std::max(framesPerChunk / mixer->blockLength(), std::size_t{1}) * mixer->blockLength()),
-          stemCount(files.stems ? mixer->engine().state().channelStrips.get().size() : 0),
+          stemCount(files.sound.stems ? mixer->engine().state().channelStrips.get().size() : 0),
+          reportFile(std::move(files.report)),
           reader(source, chunkLength),
-          writer(std::move(files), {SoundBlocks(outputs, chunkLength), SoundBlocks(stemCount, chunkLength)}) {
-    }
+          writer(
+              std::move(files.sound), {SoundBlocks(outputs, chunkLength), SoundBlocks(stemCount, chunkLength)}
+          ) {}
 
-    static std::vector<std::string> stripNames(const engine::MixerEngine& engine) {
-        std::vector<std::string> names;
-        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
-            names.push_back(strip.name);
-        return names;
+    Result<Done> writeReport(const RenderReport& figures) {
+        if (!reportFile) return Done{};
+        const std::string json = figures.json();
+        return reportFile->write(std::as_bytes(std::span(json)));
     }
 
     Result<Done> mixAll(const RenderObserver& observer) {
@@ -201,6 +267,7 @@ class Run final {
     double framesMixed = 0.0;
     std::size_t chunkLength;
     std::size_t stemCount;
+    std::optional<platform::AtomicFile> reportFile;
     ReadAhead reader;
     WriteBehind writer;
 };
@@ -210,13 +277,7 @@ class Run final {
 Result<RenderReport> render(const RenderOptions& options, const RenderObserver& observer) {
     auto run = Run::prepare(options, observer);
     if (!run) return run.error();
-    auto report = run.value()->mixToTheEnd(observer);
-    if (report && options.report) {
-        const std::string json = report.value().json();
-        auto written = platform::writeFileAtomically(*options.report, std::as_bytes(std::span(json)));
-        if (!written) return written.error();
-    }
-    return report;
+    return run.value()->mixToTheEnd(observer);
 }
 
 } // namespace orvane::cli

@@ -87,6 +87,16 @@ AtomicFile::~AtomicFile() {
     if (!temporary.empty()) ::unlink(temporary.c_str());
 }
 
+Result<Done> AtomicFile::write(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.number(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return fileError(target, cannotWrite, errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return Done{};
+}
+
 Result<Done> AtomicFile::commit() {
     if (::fsync(file.number()) != 0) return fileError(target, cannotWrite, errno);
     const std::filesystem::path folder = target.parent_path();
@@ -99,12 +109,7 @@ Result<Done> AtomicFile::commit() {
 Result<Done> writeFileAtomically(const std::filesystem::path& path, std::span<const std::byte> bytes) {
     auto opened = AtomicFile::open(path);
     if (!opened) return opened.error();
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(opened.value().descriptor(), bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return fileError(path, cannotWrite, errno);
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
+    if (auto written = opened.value().write(bytes); !written) return written;
     return opened.value().commit();
 }
 

@@ -25,6 +25,9 @@ class AtomicFile final {
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
+    /// Appends to the content.
+    Result<Done> write(std::span<const std::byte> bytes);
+
     /// Where the content goes: open for reading and writing until this object goes.
     [[nodiscard]] int descriptor() const noexcept { return file.number(); }
 

@@ -216,6 +216,8 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
         writeSession(folder, bypassedSession({output::Mono{1'000'000'000'000}})), folder / "far.orvane"
     );
     std::filesystem::rename(writeSession(folder, bypassedSession({})), folder / "empty.orvane");
+    const auto session = writeSession(folder, bypassedSession({output::Mono{0}}));
+    const auto stem = writeSound(folder, "01 Mic_1.wav", Samples(1, std::vector<float>(64, 0.5F)));
     folder.add("bad.orvane", "{\"channels\": [}");
     folder.add("text.wav", "not a sound");
     const auto before = folder.names();
@@ -229,8 +231,25 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
     for (const Case& one :
          {Case{"missing", {.input = folder / "none.wav", .output = out}, "none.wav"},
           Case{"no sound", {.input = folder / "text.wav", .output = out}, "text.wav"},
-          Case{"onto itself", {.input = sound, .output = sound}, "cannot be both input and output"},
+          Case{"onto itself", {.input = sound, .output = sound}, "in.wav cannot be written, because"},
+          Case{
+              "report onto the input",
+              {.input = sound, .output = out, .report = folder / "./in.wav"},
+              "in.wav"},
+          Case{
+              "report onto the session",
+              {.input = sound, .output = out, .session = session, .report = session},
+              "show.orvane"},
+          Case{"report onto the output", {.input = sound, .output = out, .report = out}, "out.wav"},
+          Case{
+              "stem onto the input",
+              {.input = stem, .output = out, .session = session, .stems = folder / "."},
+              "01 Mic_1.wav"},
           Case{"no such folder", {.input = sound, .output = folder / "no/out.wav"}, "out.wav"},
+          Case{
+              "no folder for the report",
+              {.input = sound, .output = out, .report = folder / "no/report.json"},
+              "report.json"},
           Case{
               "bad session",
               {.input = sound, .output = out, .session = folder / "bad.orvane"},
