@@ -43,9 +43,15 @@ void addRunCommand(CLI::App& program, Action& action) {
     );
     command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
         ->check(CLI::PositiveNumber);
-    command->add_option("--meters", options->meters, "text, json (an object per line) or none")
-        ->transform(CLI::Transformer(std::map<std::string, MeterStyle>{
-            {"text", MeterStyle::text}, {"json", MeterStyle::json}, {"none", MeterStyle::none}}));
+    const std::map<std::string, MeterStyle> meterStyles = {
+        {"text", MeterStyle::text}, {"json", MeterStyle::json}, {"none", MeterStyle::none}};
+    command
+        ->add_option_function<std::string>(
+            "--meters",
+            [options, meterStyles](const std::string& word) { options->meters = meterStyles.at(word); },
+            "text, json (an object per line) or none"
+        )
+        ->check(CLI::IsMember(meterStyles));
     command->add_option(
         "--virtual-input", options->machine.virtualInput, "Sound file that a virtual device plays"
     );

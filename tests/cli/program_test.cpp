@@ -35,7 +35,7 @@ TEST(Program, TellsSuccessFailureAndWrongUsageApart) {
          {Case{"", 2, "subcommand"}, Case{"mix", 2, "mix"}, Case{input, 2, "--output"},
           Case{input + output + " --buffer-size 100", 2, "--buffer-size"},
           Case{input + output + " --channels 0", 2, "--channels"},
-          Case{input + output + " --loud", 2, "--loud"},
+          Case{input + output + " --loud", 2, "--loud"}, Case{"run --meters 7", 2, "--meters"},
           Case{"render --input none.wav" + output, 1, "none.wav"},
           Case{input + " --output /no/such/folder/out.wav", 1, "out.wav"}}) {
         EXPECT_EQ(exitCodeOf(folder, one.arguments), one.exitCode) << one.arguments;
