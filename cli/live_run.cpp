@@ -97,11 +97,14 @@ class LiveRun final {
     }
 
     Result<Done> run() {
+        // What needs threads, before there is a mix that would end where the system has none left.
+        const std::optional<std::string> advice = machine::realtimeAdvice();
+        if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
         engine->start();
         const std::optional<std::string>& message = engine->state().lastError.get();
         if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
         if (message) printMessage(*message);
-        printSentence(machine::realtimeAdvice());
+        printSentence(advice);
         platform::SleepInhibitor sleepInhibitor(loop, machine.log);
         sleepInhibitor.setHeld(true);
         const auto toErrors =
@@ -115,7 +118,6 @@ class LiveRun final {
         const auto toLearning = engine->state().midiLearnTargetIndex.subscribe([this](const auto& index) {
             if (!index) printMessage("The note now recalls snapshot " + numberAndName(*options.learn - 1));
         });
-        if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
         const machine::InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
         const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {

@@ -2,8 +2,11 @@
 #include "cli/message.h"
 #include "machine/process.h"
 
+#include <fmt/format.h>
+
 #include <cstdlib>
 #include <new>
+#include <system_error>
 #include <variant>
 
 int main(int argc, char** argv) {
@@ -14,6 +17,11 @@ int main(int argc, char** argv) {
         return std::get<orvane::cli::Action>(asked)();
     } catch (const std::bad_alloc&) {
         orvane::cli::printMessage("There is not enough memory for this.");
+        return EXIT_FAILURE;
+    } catch (const std::system_error& error) {
+        orvane::cli::printMessage(
+            fmt::format("The system refuses what is needed for this: {}.", error.code().message())
+        );
         return EXIT_FAILURE;
     }
 }

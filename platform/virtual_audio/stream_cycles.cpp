@@ -2,7 +2,22 @@
 
 #include "platform/virtual_audio/log_category.h"
 
+#include <system_error>
+
 namespace orvane::platform {
+
+namespace {
+
+template <class Side>
+Result<Done> startOf(Side& side, VirtualPacing pacing) {
+    try {
+        return side.start(pacing);
+    } catch (const std::system_error&) {
+        return Error{"The system has no threads left to read and write the sound with."};
+    }
+}
+
+} // namespace
 
 StreamCycles::StreamCycles(
     VirtualDeviceState& openedDevice, bool enableInput, AudioStreamClient& streamClient, SystemLog& systemLog
@@ -24,9 +39,9 @@ StreamCycles::~StreamCycles() {
 
 OSStatus StreamCycles::begin(VirtualPacing pacing) {
     if (input != nullptr)
-        if (const auto started = input->start(pacing); !started) return refuse(started.error());
+        if (const auto started = startOf(*input, pacing); !started) return refuse(started.error());
     if (output != nullptr) {
-        if (const auto started = output->start(pacing); !started) {
+        if (const auto started = startOf(*output, pacing); !started) {
             if (input != nullptr) input->stop();
             return refuse(started.error());
         }

@@ -4,6 +4,8 @@
 #include "platform/sound_file_writer.h"
 #include "platform/virtual_audio/output_recorder.h"
 #include "platform/virtual_audio/planar_blocks.h"
+#include "platform/virtual_audio/streamed_loop.h"
+#include "support/no_threads.h"
 #include "support/stream_clients.h"
 #include "support/temporary_folder.h"
 #include "support/virtual_driver_test.h"
@@ -86,6 +88,25 @@ TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
     EXPECT_EQ(stream->start(), kAudioHardwareUnspecifiedError);
     EXPECT_EQ(bare.clock().step(panel, 1), 0U);
     EXPECT_THAT(logged(), ElementsAre(testing::HasSubstr("/nowhere/panel.flac")));
+}
+
+TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
+    const TemporaryFolder folder;
+    for (const bool records : {false, true}) {
+        VirtualDevice device = fileDevice(panelRecording, log).value();
+        device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording, 8, log);
+        if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0, log);
+        VirtualAudioDriver live({device}, VirtualPacing::live, log);
+        CountingClient client;
+        const auto stream = std::move(live.open(device.description.uid, true, client)).value();
+        {
+            const NoThreads none;
+            EXPECT_EQ(stream->start(), kAudioHardwareUnspecifiedError) << records;
+        }
+        EXPECT_EQ(stream->start(), noErr) << records;
+        stream->stop();
+    }
+    EXPECT_THAT(logged(), testing::Contains(testing::HasSubstr("no threads left")).Times(2));
 }
 
 } // namespace
