@@ -27,7 +27,8 @@ class JackClient final {
         const JackLibraryCall libraryCall(clients.libraryMutex);
         if (handle == nullptr || isGone()) return false;
         call(handle);
-        return true;
+        if (libraryCall.isBrokenOff()) loseServer();
+        return !isGone();
     }
 
     /// Gives the client or one of its ports the name that connection programs show instead of its own, until
@@ -43,7 +44,7 @@ class JackClient final {
     /// Whether somebody hears it, so that it is not to end for the sake of another client.
     void setPlaying(bool playing) { isPlaying.store(playing); }
 
-    /// Whether the server has shut down or has shut the client out; it stays so.
+    /// Whether the server has shut down, has shut the client out or has not answered it; it stays so.
     [[nodiscard]] bool isGone() const noexcept { return gone.load(); }
 
   private:
@@ -51,6 +52,7 @@ class JackClient final {
 
     JackClient(JackClients& owner, JackEvents& clientEvents);
     static void markGone(void* self);
+    void loseServer();
     void close();
 
     JackClients& clients;

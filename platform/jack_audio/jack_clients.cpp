@@ -99,7 +99,9 @@ bool JackClients::isOnePlaying() const {
 JackClient::JackClient(JackClients& owner, JackEvents& clientEvents) : clients(owner), events(clientEvents) {}
 
 JackClient::~JackClient() {
-    const JackLibraryCall libraryCall(clients.libraryMutex);
+    const JackLibraryCall libraryCall(
+        clients.libraryMutex, isGone() ? JackLibraryCall::noPatience : JackLibraryCall::usualPatience
+    );
     close();
     std::erase(clients.opened, this);
 }
@@ -119,16 +121,21 @@ void JackClient::setPrettyName(jack_uuid_t subject, const std::string& prettyNam
 
 void JackClient::deactivate() {
     const JackLibraryCall libraryCall(clients.libraryMutex);
-    if (handle != nullptr) jack_deactivate(handle);
+    if (handle == nullptr) return;
+    jack_deactivate(handle);
+    if (libraryCall.isBrokenOff()) loseServer();
 }
 
 void JackClient::markGone(void* self) {
     // The server may still have things to say, for which this thread takes the lock. It ends by itself after.
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    auto& client = *static_cast<JackClient*>(self);
-    client.gone.store(true);
-    client.clients.isServerGone.store(true);
-    client.events.post(JackEvent::serverGone);
+    static_cast<JackClient*>(self)->loseServer();
+}
+
+void JackClient::loseServer() {
+    gone.store(true);
+    clients.isServerGone.store(true);
+    events.post(JackEvent::serverGone);
 }
 
 } // namespace orvane::platform

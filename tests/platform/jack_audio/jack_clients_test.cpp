@@ -4,11 +4,13 @@
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/stream_clients.h"
+#include "support/wait_for.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -22,6 +24,7 @@ using orvane::test::CountingClient;
 using orvane::test::JackPeer;
 using orvane::test::JackTestServer;
 using orvane::test::uniqueJackName;
+using orvane::test::waitFor;
 using testing::ElementsAre;
 
 std::set<int> descriptors() {
@@ -88,6 +91,22 @@ TEST_F(JackClientsTest, AStreamPlaysOnWhereAnotherClientIsShutOut) {
     EXPECT_THAT(changes.waitFor(1), ElementsAre(AudioDeviceChange::died));
     EXPECT_EQ(stream->start(), kAudioHardwareBadDeviceError);
     EXPECT_EQ(client.cycles(), cycles);
+}
+
+TEST_F(JackClientsTest, AStreamEndsAlsoWhereTheServerStandsStill) {
+    std::unique_ptr<AudioStream> stream = open();
+    ASSERT_EQ(stream->start(), noErr);
+    client.waitFor(1);
+    server.send(SIGSTOP);
+    stream->stop();
+    const std::size_t cycles = client.cycles();
+    stream.reset();
+    server.send(SIGCONT);
+    ASSERT_TRUE(waitFor([this] { return driver.devices().size() == 1; }));
+    EXPECT_EQ(client.cycles(), cycles);
+    stream = open();
+    ASSERT_EQ(stream->start(), noErr);
+    client.waitFor(1);
 }
 
 TEST_F(JackClientsTest, TheNextStreamIsWatchedWhereOnlyTheOneBeforeWasShutOut) {
