@@ -221,15 +221,16 @@ TEST_F(Strip, SlotsSayWhatAClickDoes) {
     engine.cancelClipboardArm();
 
     auto document = engine.makeDocumentData();
-    document.channels[1].pluginSlots[3].pluginName = "Lost";
+    document.channels[1].pluginSlots[3].pluginName = "Lost&Found";
     document.channels[1].pluginSlots[4].pluginName = "Gone";
     document.channels[1].pluginSlots[4].component = {1, 2, 3};
     engine.applyDocument(document);
     machine.mainThread.runPosted();
     EXPECT_EQ(
         slot(3).toolTip(),
-        "Lost — from an older session, not linked to an installed plugin. Click to pick one."
+        "Lost&Found — from an older session, not linked to an installed plugin. Click to pick one."
     );
+    EXPECT_TRUE(slot(3).shortcut().isEmpty()) << "Alt+F clicks it";
     EXPECT_EQ(slot(4).toolTip(), "Gone — click to open its editor. Right-click for more options.");
 }
 

@@ -59,6 +59,12 @@ TEST_F(DeviceSettings, ListsDevicesAndMarksTheOneOfTheSelectedId) {
     EXPECT_EQ(markedRows(), QList<QString>{"Interface"});
 }
 
+TEST_F(DeviceSettings, TakesNoShortcutFromANameOfADevice) {
+    audio::AudioDeviceInfo named = device(0);
+    named.name = "Voice&Music";
+    EXPECT_TRUE(DeviceRow(named).shortcut().isEmpty());
+}
+
 TEST_F(DeviceSettings, SaysThatThereAreNoDevices) {
     platform::SystemAudioHardware none({});
     engine::Services services = {

@@ -38,6 +38,8 @@ QString describe(const audio::AudioDeviceInfo& device) {
 
 DeviceRow::DeviceRow(const audio::AudioDeviceInfo& device) : caption(describe(device)) {
     setText(QString::fromStdString(device.name));
+    // An "&" in a name is no shortcut.
+    setShortcut({});
     setAccessibleName(text());
     setAccessibleDescription(caption);
     setCheckable(true);

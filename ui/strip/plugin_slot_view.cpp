@@ -136,6 +136,8 @@ void PluginSlotView::refresh() {
         content = now;
         isBypassed = bypassed;
         setText(name);
+        // An "&" in a name is no shortcut.
+        setShortcut({});
         setAccessibleName(QStringLiteral("Insert %1 %2")
                               .arg(slotIndex + 1)
                               .arg(name.isEmpty() ? QStringLiteral("(empty)") : name));
