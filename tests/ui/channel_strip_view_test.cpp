@@ -21,6 +21,8 @@
 #include <QTest>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -185,6 +187,13 @@ TEST_F(Strip, OffersTheChannelsOfTheDevice) {
     EXPECT_EQ(menu("Output").currentText(), "Out 31");
     EXPECT_EQ(menu("Input").currentText(), "In 41");
     EXPECT_EQ(menu("Output").count(), 8);
+    auto document = engine.makeDocumentData();
+    constexpr auto highest = std::numeric_limits<std::int64_t>::max();
+    document.channels[1].inputChannelIndex = highest;
+    document.channels[1].outputRouting = output::Stereo{highest, std::numeric_limits<std::int64_t>::min()};
+    engine.applyDocument(document);
+    EXPECT_EQ(menu("Input").currentText(), "In 9223372036854775808");
+    EXPECT_EQ(menu("Output").currentText(), "9223372036854775808--9223372036854775807");
 }
 
 TEST_F(Strip, FollowsTheEngineOnlyWhileItIsSeenAndCatchesUp) {

@@ -10,6 +10,9 @@
 #include <QLineEdit>
 #include <QTest>
 
+#include <cstdint>
+#include <limits>
+
 namespace {
 
 using namespace orvane;
@@ -134,6 +137,10 @@ TEST_F(Snapshots, LearnANoteUntilItComesOrIsCalledOff) {
     engine.handleMIDINote({2, 60});
     EXPECT_FALSE(midi.isActive());
     EXPECT_EQ(list.item(0)->toolTip(), "Recalled by MIDI channel 3, note 60.");
+    session::MixerDocumentData document = engine.makeDocumentData();
+    document.snapshots[0].midiTrigger->channel = std::numeric_limits<std::int64_t>::max();
+    engine.applyDocument(document);
+    EXPECT_EQ(list.item(0)->toolTip(), "Recalled by MIDI channel 9223372036854775808, note 60.");
 }
 
 TEST_F(Snapshots, KeepInsertsSafeFromRecalls) {

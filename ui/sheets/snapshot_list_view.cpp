@@ -1,5 +1,6 @@
 #include "ui/sheets/snapshot_list_view.h"
 
+#include "ui/controls/ordinal.h"
 #include "ui/controls/text_label.h"
 #include "ui/theme/theme.h"
 
@@ -82,7 +83,7 @@ class RowDelegate final : public QStyledItemDelegate {
 QString describeTrigger(const session::Snapshot& snapshot) {
     if (!snapshot.midiTrigger) return {};
     return QStringLiteral("Recalled by MIDI channel %1, note %2.")
-        .arg(snapshot.midiTrigger->channel + 1)
+        .arg(ordinal(snapshot.midiTrigger->channel))
         .arg(snapshot.midiTrigger->note);
 }
 

@@ -1,5 +1,7 @@
 #include "ui/strip/routing_menu.h"
 
+#include "ui/controls/ordinal.h"
+
 #include <algorithm>
 #include <iterator>
 #include <variant>
@@ -9,10 +11,6 @@ namespace orvane::ui {
 namespace {
 
 using Channel = std::optional<std::int64_t>;
-
-QString number(std::int64_t channel) {
-    return QString::number(channel + 1);
-}
 
 void add(RoutingMenu& menu, const QString& label, Channel channel) {
     menu.labels.append(label);
@@ -26,11 +24,11 @@ RoutingMenu beginWithNone() {
 }
 
 void addSingle(RoutingMenu& menu, const QString& prefix, std::int64_t channel) {
-    add(menu, prefix + number(channel), channel);
+    add(menu, prefix + ordinal(channel), channel);
 }
 
 void addPair(RoutingMenu& menu, std::int64_t left, std::int64_t right) {
-    add(menu, QStringLiteral("%1-%2").arg(number(left), number(right)), left);
+    add(menu, QStringLiteral("%1-%2").arg(ordinal(left), ordinal(right)), left);
 }
 
 /// Chooses the entry of the channel; false where there is none.
@@ -56,7 +54,8 @@ RoutingMenu pairs(std::int64_t count, std::int64_t left, std::int64_t right) {
     RoutingMenu menu = beginWithNone();
     for (std::int64_t first = 0; first + 1 < count; first += 2)
         addPair(menu, first, first + 1);
-    if (right != left + 1 || !choose(menu, left)) {
+    // A left channel that is found has one after it.
+    if (!choose(menu, left) || right != left + 1) {
         addPair(menu, left, right);
         menu.current = static_cast<int>(menu.labels.size()) - 1;
     }
