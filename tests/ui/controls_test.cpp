@@ -64,7 +64,8 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     VerticalFader fader({.lowest = 0.0, .highest = 2.0, .defaultValue = 1.0}, keep);
     VerticalFader plain({.lowest = -1.0, .highest = 1.0}, keep);
     for (VerticalFader* each : {&fader, &plain})
-        each->resize(36, 130);
+        each->resize(36, 130 + 2 * each->overhang());
+    const double top = fader.overhang();
     for (const auto& [y, value] :
          {std::pair(0.0, 2.0),
           {62.0, 1.0},
@@ -73,19 +74,19 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
           {200.0, 0.0},
           {-5.0, 2.0},
           {72.0, 116.0 / 130.0}}) {
-        drag(fader, QEvent::MouseButtonPress, y);
+        drag(fader, QEvent::MouseButtonPress, top + y);
         EXPECT_DOUBLE_EQ(fader.value(), value) << y;
     }
-    drag(fader, QEvent::MouseMove, 66.0);
+    drag(fader, QEvent::MouseMove, top + 66.0);
     EXPECT_EQ(fader.value(), 1.0);
     EXPECT_EQ(chosen.back(), 1.0);
-    drag(plain, QEvent::MouseButtonPress, 63.0);
+    drag(plain, QEvent::MouseButtonPress, top + 63.0);
     EXPECT_NEAR(plain.value(), 1.0 - 2.0 * 63.0 / 130.0, 1e-12);
     fader.setValue(0.25);
     EXPECT_NE(chosen.back(), 0.25);
-    drag(fader, QEvent::MouseButtonDblClick, 10.0);
+    drag(fader, QEvent::MouseButtonDblClick, top + 10.0);
     EXPECT_DOUBLE_EQ(fader.value(), 2.0 - 2.0 * 10.0 / 130.0) << "two quick clicks mean where they are";
-    drag(fader, QEvent::MouseButtonPress, 65.0);
+    drag(fader, QEvent::MouseButtonPress, top + 65.0);
     press(fader, Qt::Key_Up);
     EXPECT_GT(fader.value(), 1.01);
     press(fader, Qt::Key_Down, Qt::ShiftModifier);
@@ -110,6 +111,21 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_EQ(told->valueInterface()->maximumValue(), 2.0);
     told->valueInterface()->setCurrentValue(0.5);
     EXPECT_EQ(chosen.back(), 0.5);
+}
+
+TEST(VerticalFader, ShowsItsValueUpToBothEnds) {
+    VerticalFader fader({.lowest = 0.0, .highest = 2.0, .defaultValue = 1.0}, {});
+    fader.resize(36, 130 + 2 * fader.overhang());
+    QImage before;
+    for (const double value : {0.0, 0.05, 0.1, 1.9, 1.95, 2.0}) {
+        fader.setValue(value);
+        const QImage shown = fader.grab().toImage();
+        EXPECT_NE(shown, before) << value;
+        before = shown;
+        const int middle = static_cast<int>(fader.positionOf(value));
+        EXPECT_NE(shown.pixelColor(18 + 9, middle + 4), shown.pixelColor(1, middle + 4)) << value;
+        EXPECT_NE(shown.pixelColor(18 + 9, middle - 5), shown.pixelColor(1, middle - 5)) << value;
+    }
 }
 
 TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {

@@ -21,6 +21,7 @@ constexpr double coarseShare = 0.02;
 constexpr double fineShare = 0.0025;
 /// What one notch of a wheel reports.
 constexpr double notch = 120.0;
+constexpr double outlineWidth = 1.0;
 
 double shareFor(Qt::KeyboardModifiers modifiers) {
     return modifiers.testFlag(Qt::ShiftModifier) ? fineShare : coarseShare;
@@ -49,8 +50,16 @@ void VerticalFader::setValue(double value) {
     QAccessible::updateAccessibility(&change);
 }
 
+int VerticalFader::overhang() const {
+    return static_cast<int>(std::ceil((style.thumbHeight + outlineWidth) / 2.0));
+}
+
+int VerticalFader::trackHeight() const {
+    return height() - 2 * overhang();
+}
+
 double VerticalFader::positionOf(double value) const {
-    return (1.0 - (value - style.lowest) / (style.highest - style.lowest)) * height();
+    return overhang() + (1.0 - (value - style.lowest) / (style.highest - style.lowest)) * trackHeight();
 }
 
 void VerticalFader::paintEvent(QPaintEvent*) {
@@ -59,13 +68,11 @@ void VerticalFader::paintEvent(QPaintEvent*) {
     painter.setPen(Qt::NoPen);
     const double middle = width() / 2.0;
     const auto bar = [&](double y, double barWidth, double barHeight) {
-        // Wholly visible at the ends of the track, too.
-        const double top = std::clamp(y - barHeight / 2.0, 0.0, std::max(height() - barHeight, 0.0));
-        return QRectF(middle - barWidth / 2.0, top, barWidth, barHeight);
+        return QRectF(middle - barWidth / 2.0, y - barHeight / 2.0, barWidth, barHeight);
     };
     painter.setBrush(theme::well);
     painter.drawRoundedRect(
-        QRectF(middle - style.trackWidth / 2.0, 0.0, style.trackWidth, height()), 2.0, 2.0
+        QRectF(middle - style.trackWidth / 2.0, overhang(), style.trackWidth, trackHeight()), 2.0, 2.0
     );
     if (style.defaultValue) {
         painter.setBrush(theme::primaryText);
@@ -75,9 +82,9 @@ void VerticalFader::paintEvent(QPaintEvent*) {
     }
     const QRectF thumb = bar(positionOf(current), style.thumbWidth, style.thumbHeight);
     painter.setBrush(theme::secondaryText);
-    painter.setPen(QPen(hasFocus() ? theme::accent : theme::well, 1.0));
+    painter.setPen(QPen(hasFocus() ? theme::accent : theme::well, outlineWidth));
     painter.drawRoundedRect(thumb, 3.0, 3.0);
-    painter.setPen(QPen(theme::well, 1.0));
+    painter.setPen(QPen(theme::well, outlineWidth));
     painter.drawLine(
         QPointF(thumb.left() + 4.0, thumb.center().y()), QPointF(thumb.right() - 4.0, thumb.center().y())
     );
@@ -126,13 +133,14 @@ void VerticalFader::focusOutEvent(QFocusEvent*) {
 }
 
 void VerticalFader::touch(double y) {
-    if (height() <= 0) return;
-    const double within = std::clamp(y, 0.0, static_cast<double>(height()));
+    const double length = trackHeight();
+    if (length <= 0.0) return;
+    const double within = std::clamp(y - overhang(), 0.0, length);
     const bool snaps =
-        style.defaultValue && std::abs(within - positionOf(*style.defaultValue)) <= style.snapTolerance;
+        style.defaultValue
+        && std::abs(within + overhang() - positionOf(*style.defaultValue)) <= style.snapTolerance;
     choose(
-        snaps ? *style.defaultValue
-              : style.lowest + (1.0 - within / height()) * (style.highest - style.lowest)
+        snaps ? *style.defaultValue : style.lowest + (1.0 - within / length) * (style.highest - style.lowest)
     );
 }
 

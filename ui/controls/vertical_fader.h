@@ -40,6 +40,9 @@ class VerticalFader final : public QWidget {
     /// Sets a value, or the end of the range that is nearest to it, as the user does.
     void choose(double value);
 
+    /// How far the thumb reaches beyond the track at either end: the track is the fader's height without
+    /// that.
+    [[nodiscard]] int overhang() const;
     /// The distance from the top at which a value lies.
     [[nodiscard]] double positionOf(double value) const;
 
@@ -53,6 +56,7 @@ class VerticalFader final : public QWidget {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
+    [[nodiscard]] int trackHeight() const;
     void touch(double y);
 
     const Style style;

@@ -34,7 +34,7 @@ constexpr int rowHeight = 22;
 constexpr int panHeight = 18;
 constexpr int stereoWidth = 32;
 constexpr int trimCaptionSize = 9;
-constexpr QSize faderSize(36, 130);
+constexpr QSize faderTrackSize(36, 130);
 constexpr int trimValueWidth = 44;
 constexpr double highestTrim = 2.0;
 constexpr double cornerRadius = 6.0;
@@ -183,7 +183,7 @@ QLayout* ChannelStripView::makeLevels() {
     trim = new VerticalFader({.lowest = 0.0, .highest = highestTrim, .defaultValue = 1.0}, setTrim);
     trim->setAccessibleName(QStringLiteral("Trim"));
     trim->setToolTip(trimHelp);
-    trim->setFixedSize(faderSize);
+    trim->setFixedSize(faderTrackSize.grownBy({0, trim->overhang(), 0, trim->overhang()}));
     trimValue = new ValueField(
         QStringLiteral("Trim value"),
         {.write = writeTrim, .highest = highestTrim, .width = trimValueWidth, .alignment = Qt::AlignHCenter},
@@ -194,7 +194,8 @@ QLayout* ChannelStripView::makeLevels() {
     caption->setAlignment(Qt::AlignCenter);
 
     auto* const fader = new QVBoxLayout;
-    fader->setSpacing(2);
+    // The room for the thumb parts them.
+    fader->setSpacing(0);
     fader->addWidget(caption);
     fader->addWidget(trim, 0, Qt::AlignHCenter);
     fader->addWidget(trimValue, 0, Qt::AlignHCenter);
