@@ -71,6 +71,21 @@ TEST(Meters, PaintTheirSegmentsInTheColoursOfTheirPlaces) {
     EXPECT_NE(colorAt(reduced, fromTop[10]).rgb(), theme::orange.rgb());
 }
 
+TEST(Meters, FadeTheLoadOnceItFillsAnotherSegment) {
+    LoadMeterView meter(10);
+    meter.resize(100, 8);
+    const auto segments = layOutSegments({100.0, 8.0}, 10, 1.5, MeterOrigin::bottom);
+    const auto isLit = [&](std::size_t segment) {
+        return colorAt(meter.grab().toImage(), segments[segment]).rgb() == theme::green.rgb();
+    };
+    meter.setLoad(0.05);
+    EXPECT_TRUE(isLit(0)) << "at once";
+    meter.setLoad(0.15);
+    EXPECT_FALSE(isLit(1)) << "as it begins to fade in";
+    meter.setLoad(0.1);
+    EXPECT_FALSE(isLit(1)) << "at once";
+}
+
 TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
     audio::MeterModel model(2);
     ChannelMeterColumn first(model, 0);

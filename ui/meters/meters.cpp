@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane::ui {
 
@@ -51,18 +52,23 @@ LoadMeterView::LoadMeterView(int segmentCount, QWidget* parent)
     fade.setDuration(fadeMs);
     fade.setStartValue(0.0);
     fade.setEndValue(1.0);
-    connect(&fade, &QVariantAnimation::valueChanged, this, [this] {
-        repaintSegments(std::min(litBefore, litSegments()), std::max(litBefore, litSegments()));
-    });
+    connect(&fade, &QVariantAnimation::valueChanged, this, [this] { repaintFading(); });
+}
+
+void LoadMeterView::repaintFading() {
+    repaintSegments(std::min(litBefore, litSegments()), std::max(litBefore, litSegments()));
 }
 
 void LoadMeterView::setLoad(double load) {
+    const int fullNow = fullLoadSegments(load, segmentCount());
+    const bool fades = std::exchange(full, fullNow) != fullNow;
     const int litNow = litLoadSegments(load, segmentCount());
     if (litNow == litSegments()) return;
+    if (fade.state() == QVariantAnimation::Running) repaintFading();
+    fade.stop();
     litBefore = litSegments();
     setLit(litNow);
-    fade.stop();
-    fade.start();
+    if (fades) fade.start();
 }
 
 QColor LoadMeterView::colorOf(int segment) const {

@@ -42,7 +42,8 @@ class GateMeterView final : public SegmentMeter {
     [[nodiscard]] QColor colorOf(int segment) const override;
 };
 
-/// The render load, 0 to 1; what changes fades within a tenth of a second.
+/// The render load, 0 to 1; what changes fades within a tenth of a second once the load fills another number
+/// of segments wholly, and at once otherwise.
 class LoadMeterView final : public SegmentMeter {
   public:
     explicit LoadMeterView(int segmentCount, QWidget* parent = nullptr);
@@ -54,7 +55,10 @@ class LoadMeterView final : public SegmentMeter {
     [[nodiscard]] double brightnessOf(int segment) const override;
 
   private:
+    void repaintFading();
+
     int litBefore = 0;
+    int full = 0;
     QVariantAnimation fade;
 };
 

@@ -53,6 +53,10 @@ int litLoadSegments(double load, int count) {
     return litOf(load, count);
 }
 
+int fullLoadSegments(double load, int count) {
+    return static_cast<int>(std::floor(std::clamp(load, 0.0, 1.0) * count));
+}
+
 double levelPosition(double levelDB) {
     return std::clamp((levelDB - lowestLevelDB) / levelSpanDB, 0.0, 1.0);
 }

@@ -24,6 +24,8 @@ int litLevelSegments(double level, int count);
 int litReductionSegments(double reductionDB, int count);
 /// Lit segments of a load meter, which spans 0 to 1.
 int litLoadSegments(double load, int count);
+/// The segments that a load fills wholly.
+int fullLoadSegments(double load, int count);
 
 /// Where a level in dB lies on the level meters' range, 0 to 1.
 double levelPosition(double levelDB);
