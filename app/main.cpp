@@ -66,7 +66,10 @@ platform::FilePreferences makePreferences() {
 }
 
 /// Runs the window until it is closed or the program is told to end; returns the exit code.
-int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed) {
+int run(
+    app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed,
+    const machine::SaveSignal& saveSignal
+) {
     std::vector<std::string> problems;
     if (managed != nullptr && !managed->isStored()) {
         line.launch.sessionFile = managed->file();
@@ -85,7 +88,6 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
     ui::QtMainThread mainThread;
     platform::FilePreferences preferences = makePreferences();
     const machine::InterruptGuard interrupt;
-    const machine::SaveSignal saveSignal;
     ui::PluginEditorWindows editorWindows;
     app::DesktopServices desktop(mainThread, audioMachine.log);
     ui::ORVANEApp window(
@@ -121,6 +123,8 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
 } // namespace
 
 int main(int argc, char** argv) {
+    // Who asks for a save while the program is still starting does not end it.
+    const machine::SaveSignal saveSignal;
     machine::prepareProcess();
     auto line = app::readCommandLine(argc, argv);
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
@@ -138,7 +142,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
-    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
+    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get(), saveSignal);
     audioMachine.value()->log.flush();
     return exitCode;
 }

@@ -107,6 +107,17 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     EXPECT_EQ(exitCode(), 0);
 }
 
+TEST_F(ManagedProgram, SavesOnceItIsOpenWhereItIsToldToBefore) {
+    start({"--channels", "8"});
+    ASSERT_TRUE(manager.welcomes());
+    ::kill(program, SIGUSR1);
+    open();
+    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    EXPECT_TRUE(test::waitFor([&] { return std::filesystem::exists(file); }));
+    ::kill(program, SIGTERM);
+    EXPECT_EQ(exitCode(), 0);
+}
+
 TEST_F(ManagedProgram, SavesNothingOverASessionThatIsNotOpenYet) {
     const std::filesystem::path manifest = folder / "lv2/slow.lv2/manifest.ttl";
     std::filesystem::create_directories(manifest.parent_path());
