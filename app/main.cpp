@@ -21,6 +21,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -77,7 +78,7 @@ int run(
         auto session = engine::readSession(*line.session);
         if (session) {
             line.launch.session = std::move(session).value();
-            line.launch.sessionFile = line.session;
+            line.launch.sessionFile = std::filesystem::absolute(*line.session);
         } else {
             problems.push_back(session.error().description);
             if (managed != nullptr) managed->refuse(problems.back());

@@ -1,5 +1,6 @@
 #include "ui/mixer/mixer_view.h"
 
+#include "engine/session_files.h"
 #include "support/temporary_folder.h"
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/menu_picker.h"
@@ -266,6 +267,39 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     choosePath(folder / "missing" / "show.orvane");
     waitForFiles();
     EXPECT_FALSE(message("Export failed: ").isEmpty());
+}
+
+TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {
+    const TemporaryFolder folder;
+    const std::filesystem::path saved = folder / "Gala 24.12.orvane";
+    for (const bool replaces : {false, true}) {
+        button("Save").click();
+        choosePath(folder / "Gala 24.12");
+        QMessageBox* const question = dialog<QMessageBox>();
+        ASSERT_EQ(question != nullptr, replaces);
+        engine->setMasterTargetDB(-3.0);
+        if (!replaces) {
+            waitForFiles();
+            continue;
+        }
+        const auto before = std::filesystem::last_write_time(saved);
+        EXPECT_TRUE(question->informativeText().contains("\"Gala 24.12.orvane\""));
+        EXPECT_EQ(std::filesystem::last_write_time(saved), before);
+        buttonOf(*question, "Replace").click();
+        waitForFiles();
+    }
+    EXPECT_EQ(engine::readSession(saved).value().masterTargetDB, -3.0);
+    EXPECT_THAT(folder.names(), ElementsAre("Gala 24.12.orvane"));
+
+    std::filesystem::rename(saved, folder / "gala.json");
+    drop({QUrl::fromLocalFile(QString::fromStdString(folder / "gala.json"))}, true);
+    EXPECT_FALSE(view->sessionFile().isUnsaved());
+    for (const auto& [command, filter] :
+         {std::pair("Save", "ORVANE Session (*.orvane)"), {"Load", "ORVANE Session (*.orvane *.json)"}}) {
+        button(command).click();
+        EXPECT_EQ(dialog<QFileDialog>()->nameFilters(), QStringList(filter));
+        dialog<QFileDialog>()->reject();
+    }
 }
 
 TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {

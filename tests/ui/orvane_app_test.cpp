@@ -166,7 +166,7 @@ TEST_F(Shell, SavesInPlaceToTheFileThatTheSessionCameFromOrWentTo) {
     EXPECT_TRUE(folder.names().empty());
 
     for (const char* name : {"first.orvane", "second.orvane"}) {
-        file.setFile(QString::fromStdString(folder / name));
+        file.setFile(folder / name);
         window->mixerRootView()->engine().setMasterTargetDB(
             name == std::string("first.orvane") ? -3.0 : -5.0
         );
@@ -190,7 +190,8 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     choir.bufferSize = 512;
     choir.channels = session::settingsOf(session::makeDefaultStrips(4));
     choir.channels[3].name = "Alto";
-    const std::filesystem::path path = folder / "choir.orvane";
+    // Not UTF-8.
+    const std::filesystem::path path = folder / "ch\xF6r.orvane";
     const auto window = launch({.session = choir, .sessionFile = path, .channels = 2});
     window->show();
     window->activateWindow();
@@ -205,12 +206,19 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     EXPECT_EQ(engine::readSession(path).value(), choir);
 
     SessionFile& file = window->mixerRootView()->view().sessionFile();
-    bool isSaved = false;
-    file.loadFrom(QString::fromStdString(path));
-    file.saveTo(QString::fromStdString(folder / "copy.orvane"), [&](const auto& saved) {
-        isSaved = static_cast<bool>(saved);
-    });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isSaved; })) << "once the other file is read";
+    const auto saveTo = [&](const std::filesystem::path& target) {
+        bool isSaved = false;
+        file.saveTo(target, [&](const auto& saved) { isSaved = static_cast<bool>(saved); });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return isSaved; })) << target;
+    };
+    std::filesystem::create_symlink(path, folder / "link.orvane");
+    for (const std::filesystem::path& same :
+         {folder / "link.orvane", folder / "." / path.filename(), std::filesystem::relative(path)}) {
+        saveTo(same);
+        EXPECT_EQ(engine::readSession(path).value(), choir) << same;
+    }
+    file.loadFrom(path);
+    saveTo(folder / "copy.orvane");
     choir.channels.resize(2);
     EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir) << "what the mixer has, elsewhere";
 }

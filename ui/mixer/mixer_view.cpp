@@ -5,6 +5,7 @@
 #include "ui/mixer/channel_area.h"
 #include "ui/mixer/master_section.h"
 #include "ui/mixer/mixer_toolbar.h"
+#include "ui/mixer/session_names.h"
 #include "ui/sheets/device_settings_view.h"
 #include "ui/sheets/snapshots_view.h"
 
@@ -14,6 +15,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -37,12 +39,12 @@ const Confirmation channelCountQuestion{
     .action = QStringLiteral("Change Channel Count")};
 
 /// The session file that is dragged; nothing if it is anything else.
-std::optional<QString> draggedSession(const QMimeData& dragged) {
+std::optional<std::filesystem::path> draggedSession(const QMimeData& dragged) {
     const QList<QUrl> files = dragged.urls();
     if (files.size() != 1 || !files.front().isLocalFile()) return std::nullopt;
     const QString path = files.front().toLocalFile();
-    if (!path.endsWith(QStringLiteral(".orvane"), Qt::CaseInsensitive)) return std::nullopt;
-    return path;
+    if (!isSessionName(path)) return std::nullopt;
+    return toPath(path);
 }
 
 } // namespace

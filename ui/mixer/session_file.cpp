@@ -4,14 +4,15 @@
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/confirmation.h"
 #include "ui/mixer/channel_area.h"
+#include "ui/mixer/session_names.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QtConcurrent>
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <span>
 #include <string>
 #include <utility>
@@ -21,8 +22,8 @@ namespace orvane::ui {
 
 namespace {
 
-const QString sessionFilter = QStringLiteral("ORVANE Session (*.orvane)");
-const QString sessionSuffix = QStringLiteral("orvane");
+const QString savedFilter = QStringLiteral("ORVANE Session (*.orvane)");
+const QString loadedFilter = QStringLiteral("ORVANE Session (*.orvane *.json)");
 const QString exportName = QStringLiteral("ORVANE Settings");
 
 const Confirmation replaceQuestion{
@@ -36,8 +37,12 @@ const Confirmation replaceQuestion{
 using Written = platform::Result<platform::Done>;
 using Read = platform::Result<session::MixerDocumentData>;
 
-std::filesystem::path toPath(const QString& path) {
-    return path.toStdString();
+Confirmation replaceFileQuestion(const QString& name) {
+    return {
+        .title = QStringLiteral("Replace this file?"),
+        .message = QStringLiteral("\"%1\" is there already; saving replaces what is in it.")
+                       .arg(QFileInfo(name).fileName()),
+        .action = QStringLiteral("Replace")};
 }
 
 bool hasPlugins(std::span<const session::ChannelSettingsData> channels) {
@@ -76,16 +81,21 @@ SessionFile::~SessionFile() = default;
 
 void SessionFile::save(std::function<void()> then) {
     exportDocument.data = engine.makeDocumentData();
-    auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), {}, sessionFilter);
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), {}, savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix(sessionSuffix);
     dialog->selectFile(exportName);
-    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& path) {
-        whenIdle([this, path, then, document = exportDocument.data] {
-            write(path, document, [then](const Written& written) {
-                if (written && then) then();
+    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& chosen) {
+        const QString name = withSessionSuffix(chosen);
+        const auto writeIt = [this, path = toPath(name), then] {
+            whenIdle([this, path, then, document = exportDocument.data] {
+                write(path, document, [then](const Written& written) {
+                    if (written && then) then();
+                });
             });
-        });
+        };
+        // The dialog has asked only about the name that was chosen.
+        if (name == chosen || !QFileInfo::exists(name)) return writeIt();
+        confirm(&window, replaceFileQuestion(name), writeIt);
     });
     refuseOtherPlaces(dialog, "Export failed: ");
     open(dialog);
@@ -100,18 +110,20 @@ bool SessionFile::saveInPlace() {
     return true;
 }
 
-void SessionFile::saveTo(const QString& path, Report then) {
+void SessionFile::saveTo(const std::filesystem::path& path, Report then) {
     whenIdle([this, path, then = std::move(then)] { write(path, engine.makeDocumentData(), then); });
 }
 
-void SessionFile::setFile(std::optional<QString> path) {
+void SessionFile::setFile(std::optional<std::filesystem::path> path) {
     ownFile = std::move(path);
 }
 
 void SessionFile::load() {
-    auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, sessionFilter);
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, loadedFilter);
     dialog->setFileMode(QFileDialog::ExistingFile);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { loadFrom(path); });
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& name) {
+        loadFrom(toPath(name));
+    });
     refuseOtherPlaces(dialog, "Import failed: ");
     open(dialog);
 }
@@ -150,14 +162,16 @@ void SessionFile::runWaiting() {
     }
 }
 
-void SessionFile::write(const QString& path, const session::MixerDocumentData& document, Report then) {
+void SessionFile::write(
+    const std::filesystem::path& path, const session::MixerDocumentData& document, Report then
+) {
     begin("Saving the session…");
-    const bool isOwn = ownFile == path;
+    const bool isOwn = ownFile && isSameFile(*ownFile, path);
     std::vector<session::ChannelSettingsData> kept;
     if (isOwn) kept = channelsBeyond;
     // The program does not end before the file is written.
-    QtConcurrent::run([document, file = toPath(path), kept = std::move(kept)] {
-        return engine::exportSession(document, file, kept);
+    QtConcurrent::run([document, path, kept = std::move(kept)] {
+        return engine::exportSession(document, path, kept);
     }).then(this, [this, path, document, isOwn, then = std::move(then)](const Written& written) {
         end();
         if (written) {
@@ -171,10 +185,10 @@ void SessionFile::write(const QString& path, const session::MixerDocumentData& d
     });
 }
 
-void SessionFile::loadFrom(const QString& path) {
+void SessionFile::loadFrom(const std::filesystem::path& path) {
     whenIdle([this, path] {
         begin("Reading the session…");
-        QtConcurrent::run([file = toPath(path)] { return engine::readSession(file); }
+        QtConcurrent::run([path] { return engine::readSession(path); }
         ).then(this, [this, path](const Read& session) {
             end();
             if (!session) return channelArea.setFileErrorMessage(session.error().description);

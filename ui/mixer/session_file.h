@@ -6,9 +6,9 @@
 #include "ui/strip/installed_components.h"
 
 #include <QObject>
-#include <QString>
 
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -41,11 +41,11 @@ class SessionFile final : public QObject {
     /// Writes the session to the file that it was opened from or last saved to; false where there is none.
     bool saveInPlace();
     /// Writes the session to a file, which is its own from then on if it was written; then calls `then`.
-    void saveTo(const QString& path, Report then);
+    void saveTo(const std::filesystem::path& path, Report then);
     /// Asks for a file and loads it.
     void load();
     /// Loads a file, having asked first if that would throw away what has not been saved.
-    void loadFrom(const QString& path);
+    void loadFrom(const std::filesystem::path& path);
     /// Gives the session to the engine, once the installed plugins are known if it has any; then calls
     /// `then`.
     void apply(const session::MixerDocumentData& document, Report then);
@@ -55,7 +55,7 @@ class SessionFile final : public QObject {
     /// Takes the session as it is now for saved.
     void setSaved();
     /// Says which file the session was opened from, if any.
-    void setFile(std::optional<QString> path);
+    void setFile(std::optional<std::filesystem::path> path);
 
   private:
     /// Runs `task` once nothing is under way any more.
@@ -63,7 +63,7 @@ class SessionFile final : public QObject {
     void begin(const char* text);
     void end();
     void runWaiting();
-    void write(const QString& path, const session::MixerDocumentData& document, Report then);
+    void write(const std::filesystem::path& path, const session::MixerDocumentData& document, Report then);
     /// Some desktops' dialogs offer files of other computers.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
 
@@ -74,7 +74,7 @@ class SessionFile final : public QObject {
     /// What the export dialog is to write.
     session::MixerJSONDocument exportDocument;
     session::MixerDocumentData saved;
-    std::optional<QString> ownFile;
+    std::optional<std::filesystem::path> ownFile;
     /// The channels of the own file that the mixer has no strips for: they stay in the file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
     /// There while something is under way.

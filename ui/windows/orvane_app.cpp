@@ -69,7 +69,7 @@ void ORVANEApp::saveTo(const std::filesystem::path& file, SessionFile::Report th
     MixerRootView* const root = mixerRootView();
     if (root == nullptr) return then(platform::Done{});
     root->view().commitEditing();
-    root->view().sessionFile().saveTo(QString::fromStdString(file.string()), std::move(then));
+    root->view().sessionFile().saveTo(file, std::move(then));
 }
 
 bool ORVANEApp::isUnsaved() const {
@@ -170,8 +170,7 @@ void ORVANEApp::begin(MixerRootView& root) {
         if (!applied) return;
         launch(root.engine(), options);
         root.view().sessionFile().setSaved();
-        if (options.sessionFile)
-            root.view().sessionFile().setFile(QString::fromStdString(options.sessionFile->string()));
+        root.view().sessionFile().setFile(options.sessionFile);
     };
     if (options.session)
         root.view().sessionFile().apply(*options.session, goOn);
