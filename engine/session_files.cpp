@@ -15,7 +15,7 @@ platform::Result<session::MixerDocumentData> readSession(const std::filesystem::
     if (!read) return platform::Error{"Couldn't read that settings file: " + read.error().description};
     return std::move(read).value().data;
 } catch (const std::bad_alloc&) {
-    return platform::Error{"Couldn't read that settings file: there is not enough memory for it."};
+    return platform::Error{noMemoryToRead};
 }
 
 std::vector<session::ChannelSettingsData>
@@ -34,7 +34,7 @@ platform::Result<platform::Done> exportSession(
     if (!written) return platform::Error{"Export failed: " + written.error().description};
     return written;
 } catch (const std::bad_alloc&) {
-    return platform::Error{"Export failed: there is not enough memory to write the session."};
+    return platform::Error{noMemoryToWrite};
 }
 
 } // namespace orvane::engine

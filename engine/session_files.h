@@ -12,6 +12,12 @@ namespace orvane::engine {
 
 // Sessions from and to files. The errors are the whole sentence for the user.
 
+/// What the user is told where there is no memory to read or to write one.
+inline constexpr const char* noMemoryToRead =
+    "Couldn't read that settings file: there is not enough memory for it.";
+inline constexpr const char* noMemoryToWrite =
+    "Export failed: there is not enough memory to write the session.";
+
 /// Reads the session that a user has chosen; `MixerEngine::applyDocument` loads it. Any thread but the audio
 /// ones.
 platform::Result<session::MixerDocumentData> readSession(const std::filesystem::path& path);

@@ -22,18 +22,21 @@ void refuseOnAudioThread(const char* call) noexcept {
 
 /// How many allocations it is to the one that fails; 0 where none does.
 thread_local std::size_t untilFailure = 0;
+/// The smallest of those that are counted.
+thread_local std::size_t smallestCounted = 0;
 
 /// Whether this one is it.
-bool isTheFailingOne() noexcept {
-    return untilFailure > 0 && --untilFailure == 0;
+bool isTheFailingOne(std::size_t size) noexcept {
+    return untilFailure > 0 && size >= smallestCounted && --untilFailure == 0;
 }
 
 } // namespace
 
 namespace orvane::test {
 
-FailingAllocation::FailingAllocation(std::size_t nth) {
+FailingAllocation::FailingAllocation(std::size_t nth, std::size_t smallest) {
     untilFailure = nth;
+    smallestCounted = smallest;
 }
 
 FailingAllocation::~FailingAllocation() {
@@ -48,7 +51,7 @@ bool FailingAllocation::hasHappened() const {
 
 void* operator new(std::size_t size) {
     refuseOnAudioThread("operator new");
-    if (isTheFailingOne()) throw std::bad_alloc();
+    if (isTheFailingOne(size)) throw std::bad_alloc();
     if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
 }
@@ -60,7 +63,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
     refuseOnAudioThread("operator new");
-    if (isTheFailingOne()) throw std::bad_alloc();
+    if (isTheFailingOne(size)) throw std::bad_alloc();
     const auto step = static_cast<std::size_t>(alignment);
     if (void* memory = std::aligned_alloc(step, (size + step - 1) / step * step)) return memory;
     throw std::bad_alloc();

@@ -1,6 +1,8 @@
 #include "ui/mixer/mixer_view.h"
 
 #include "engine/session_files.h"
+#include "platform/memory_shortage.h"
+#include "support/failing_allocation.h"
 #include "support/temporary_folder.h"
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/menu_picker.h"
@@ -25,6 +27,10 @@
 #include <QTest>
 
 #include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -302,6 +308,43 @@ TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {
     }
 }
 
+TEST_F(Mixer, TellsWhereThereIsNoMemoryForASessionAndGoesOn) {
+    const TemporaryFolder folder;
+    SessionFile& file = view->sessionFile();
+    auto document = engine->makeDocumentData();
+    document.channels[0].pluginSlots[0].component = session::AUComponentIdentity{1, 2, 3};
+    // Takes more memory at once than anything of Qt's.
+    constexpr std::size_t large = 1U << 17U;
+    document.snapshots.emplace_back().name.assign(large, 's');
+    engine->applyDocument(document);
+    const auto shared = std::make_shared<const session::MixerDocumentData>(document);
+    std::optional<bool> outcome;
+    const auto keep = [&](const auto& told) { outcome = static_cast<bool>(told); };
+    const auto isDone = [&] { return outcome && viewsIn<BusyNotice>(*view).empty(); };
+    const std::function<void()> save = [&] { file.saveTo(folder / "show.orvane", keep); };
+    const std::function<void()> load = [&] { file.apply(shared, keep); };
+    for (const auto& [task, failure] :
+         {std::pair(save, "Export failed: there is not enough memory"),
+          {load, "There is not enough memory to load"}}) {
+        bool hasHappened = true;
+        for (std::size_t nth = 1; hasHappened; ++nth) {
+            SCOPED_TRACE(nth);
+            {
+                const FailingAllocation failing(nth, large);
+                platform::runUnlessOutOfMemory(task);
+                ASSERT_TRUE(QTest::qWaitFor(isDone));
+                hasHappened = failing.hasHappened();
+            }
+            EXPECT_FALSE(message(failure).isEmpty());
+            outcome.reset();
+            save();
+            ASSERT_TRUE(QTest::qWaitFor(isDone));
+            EXPECT_EQ(outcome, true);
+            outcome.reset();
+        }
+    }
+}
+
 TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     const platform::Uuid strip = state().channelStrips.get()[1].id;
     engine->loadPlugin(machine.effect, 0, strip);
@@ -309,7 +352,10 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     const session::MixerDocumentData document = engine->makeDocumentData();
     engine->removePlugin(0, strip);
     bool isThere = false;
-    view->sessionFile().apply(document, [&](const auto& applied) { isThere = static_cast<bool>(applied); });
+    view->sessionFile().apply(
+        std::make_shared<const session::MixerDocumentData>(document),
+        [&](const auto& applied) { isThere = static_cast<bool>(applied); }
+    );
     EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
     machine.mainThread.runPosted();
     EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);

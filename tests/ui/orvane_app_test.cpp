@@ -21,6 +21,7 @@
 #include <QTest>
 
 #include <filesystem>
+#include <optional>
 
 namespace {
 
@@ -221,6 +222,29 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     saveTo(folder / "copy.orvane");
     choir.channels.resize(2);
     EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir) << "what the mixer has, elsewhere";
+}
+
+TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
+    const TemporaryFolder folder;
+    session::MixerDocumentData document;
+    document.channels = session::settingsOf(session::makeDefaultStrips(8));
+    document.channels[0].pluginSlots[0].component = session::AUComponentIdentity{1, 2, 3};
+    // What is installed is known in a later turn, and so it waits at first.
+    const auto window = launch({.session = document});
+    for (const bool isWritable : {false, true}) {
+        std::optional<bool> saved;
+        window->saveTo(
+            isWritable ? folder / "show.orvane" : folder / "missing" / "show.orvane",
+            [&](const auto& written) { saved = static_cast<bool>(written); }
+        );
+        buttonOf(*window, "8 Channels").click();
+        buttonOf(*window->findChild<QMessageBox*>(), "Change Channel Count").click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); })) << "nobody is told";
+        EXPECT_EQ(saved, isWritable);
+        QApplication::processEvents();
+        EXPECT_EQ(isChoosing(*window), isWritable) << "what could not be saved would be lost";
+        deleteWhatIsDone();
+    }
 }
 
 TEST_F(Shell, ClosesOnceTheSessionIsSaved) {

@@ -114,7 +114,7 @@ void MixerView::confirmClearOutputs() {
 }
 
 void MixerView::confirmChannelCount() {
-    confirm(this, channelCountQuestion, reconfigure);
+    confirm(this, channelCountQuestion, [this] { file.leave(reconfigure); });
 }
 
 void MixerView::openSheet(QDialog* sheet) {

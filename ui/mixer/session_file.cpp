@@ -1,6 +1,7 @@
 #include "ui/mixer/session_file.h"
 
 #include "engine/session_files.h"
+#include "platform/memory_shortage.h"
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/confirmation.h"
 #include "ui/mixer/channel_area.h"
@@ -13,8 +14,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <new>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -34,8 +37,12 @@ const Confirmation replaceQuestion{
     .action = QStringLiteral("Load"),
     .alternative = QStringLiteral("Save First…")};
 
+using engine::noMemoryToRead;
+using engine::noMemoryToWrite;
 using Written = platform::Result<platform::Done>;
-using Read = platform::Result<session::MixerDocumentData>;
+using Read = platform::Result<SessionFile::Document>;
+
+void tellNobody(const Written& /*written*/) {}
 
 Confirmation replaceFileQuestion(const QString& name) {
     return {
@@ -43,6 +50,12 @@ Confirmation replaceFileQuestion(const QString& name) {
         .message = QStringLiteral("\"%1\" is there already; saving replaces what is in it.")
                        .arg(QFileInfo(name).fileName()),
         .action = QStringLiteral("Replace")};
+}
+
+Read readDocument(const std::filesystem::path& path) {
+    auto read = engine::readSession(path);
+    if (!read) return read.error();
+    return std::make_shared<const session::MixerDocumentData>(std::move(read).value());
 }
 
 bool hasPlugins(std::span<const session::ChannelSettingsData> channels) {
@@ -75,43 +88,49 @@ SessionFile::SessionFile(
       components(installedComponents),
       window(view),
       channelArea(messages),
-      saved(mixerEngine.makeDocumentData()) {}
+      saved(std::make_shared<const session::MixerDocumentData>(mixerEngine.makeDocumentData())) {}
 
 SessionFile::~SessionFile() = default;
 
 void SessionFile::save(std::function<void()> then) {
-    exportDocument.data = engine.makeDocumentData();
+    const Document exportDocument = documentNow();
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), {}, savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->selectFile(exportName);
-    connect(dialog, &QFileDialog::fileSelected, this, [this, then = std::move(then)](const QString& chosen) {
-        const QString name = withSessionSuffix(chosen);
-        const auto writeIt = [this, path = toPath(name), then] {
-            whenIdle([this, path, then, document = exportDocument.data] {
-                write(path, document, [then](const Written& written) {
-                    if (written && then) then();
-                });
-            });
-        };
-        // The dialog has asked only about the name that was chosen.
-        if (name == chosen || !QFileInfo::exists(name)) return writeIt();
-        confirm(&window, replaceFileQuestion(name), writeIt);
-    });
+    connect(
+        dialog, &QFileDialog::fileSelected, this,
+        [this, exportDocument, then = std::move(then)](const QString& chosen) {
+            const QString name = withSessionSuffix(chosen);
+            const Report report = [then](const Written& written) {
+                if (written && then) then();
+            };
+            const auto write = [this, path = toPath(name), exportDocument, report] {
+                whenIdle(
+                    {[this, path, exportDocument, report] { writeNow(path, exportDocument, report); },
+                     {noMemoryToWrite, report}}
+                );
+            };
+            // The dialog has asked only about the name that was chosen.
+            if (name == chosen || !QFileInfo::exists(name)) return write();
+            confirm(&window, replaceFileQuestion(name), write);
+        }
+    );
     refuseOtherPlaces(dialog, "Export failed: ");
     open(dialog);
 }
 
 bool SessionFile::saveInPlace() {
     if (!ownFile) return false;
-    // What is under way may give it another one.
-    whenIdle([this] {
-        if (ownFile) write(*ownFile, engine.makeDocumentData(), [](const Written& /*written*/) {});
-    });
+    const auto write = [this] {
+        // What was under way may have given it another one.
+        if (ownFile) writeNow(*ownFile, documentNow(), tellNobody);
+    };
+    whenIdle({write, {noMemoryToWrite, tellNobody}});
     return true;
 }
 
-void SessionFile::saveTo(const std::filesystem::path& path, Report then) {
-    whenIdle([this, path, then = std::move(then)] { write(path, engine.makeDocumentData(), then); });
+void SessionFile::saveTo(const std::filesystem::path& path, const Report& then) {
+    whenIdle({[this, path, then] { writeNow(path, documentNow(), then); }, {noMemoryToWrite, then}});
 }
 
 void SessionFile::setFile(std::optional<std::filesystem::path> path) {
@@ -128,6 +147,10 @@ void SessionFile::load() {
     open(dialog);
 }
 
+void SessionFile::loadFrom(const std::filesystem::path& path) {
+    whenIdle({[this, path] { readNow(path); }, {noMemoryToRead, tellNobody}});
+}
+
 void SessionFile::refuseOtherPlaces(QFileDialog* dialog, const char* failure) {
     connect(dialog, &QFileDialog::urlSelected, this, [this, failure](const QUrl& chosen) {
         if (chosen.isLocalFile()) return;
@@ -137,7 +160,12 @@ void SessionFile::refuseOtherPlaces(QFileDialog* dialog, const char* failure) {
     });
 }
 
-void SessionFile::whenIdle(std::function<void()> task) {
+void SessionFile::leave(std::function<void()> then) {
+    leaving = std::move(then);
+    runWaiting();
+}
+
+void SessionFile::whenIdle(Task task) {
     waiting.push_back(std::move(task));
     runWaiting();
 }
@@ -156,82 +184,133 @@ void SessionFile::end() {
 
 void SessionFile::runWaiting() {
     while (!notice && !waiting.empty()) {
-        const auto task = std::move(waiting.front());
+        const Task task = std::move(waiting.front());
         waiting.pop_front();
+        attempt(task.run, task.shortage);
+    }
+    if (!notice && leaving) std::exchange(leaving, {})();
+}
+
+void SessionFile::attempt(const std::function<void()>& task, const Shortage& shortage) {
+    try {
         task();
+    } catch (const std::bad_alloc&) {
+        giveUp(shortage);
     }
 }
 
-void SessionFile::write(
-    const std::filesystem::path& path, const session::MixerDocumentData& document, Report then
-) {
-    begin("Saving the session…");
+void SessionFile::giveUp(const Shortage& shortage) {
+    platform::runUnlessOutOfMemory([&] { end(); });
+    platform::runUnlessOutOfMemory([&] { conclude(platform::Error{shortage.sentence}, shortage.then); });
+}
+
+void SessionFile::conclude(const Written& outcome, const Report& then) {
+    // Each is told, also where there is no memory to tell the other.
+    platform::runUnlessOutOfMemory([&] {
+        if (outcome) return;
+        leaving = nullptr;
+        channelArea.setFileErrorMessage(outcome.error().description);
+    });
+    platform::runUnlessOutOfMemory([&] { then(outcome); });
+}
+
+template <class Work, class Use>
+void SessionFile::inBackground(const char* text, Work work, Use use, const Shortage& shortage) {
+    using Outcome = std::invoke_result_t<Work>;
+    begin(text);
+    // The program does not end before it is done.
+    QtConcurrent::run(std::move(work))
+        .then(
+            this,
+            [this, use = std::move(use), shortage](const Outcome& outcome) {
+                attempt(
+                    [&] {
+                        end();
+                        use(outcome);
+                    },
+                    shortage
+                );
+            }
+        )
+        .onFailed(this, [this, shortage] { giveUp(shortage); });
+}
+
+void SessionFile::writeNow(const std::filesystem::path& path, const Document& document, const Report& then) {
     const bool isOwn = ownFile && isSameFile(*ownFile, path);
     std::vector<session::ChannelSettingsData> kept;
     if (isOwn) kept = channelsBeyond;
-    // The program does not end before the file is written.
-    QtConcurrent::run([document, path, kept = std::move(kept)] {
-        return engine::exportSession(document, path, kept);
-    }).then(this, [this, path, document, isOwn, then = std::move(then)](const Written& written) {
-        end();
-        if (written) {
-            saved = document;
+    inBackground(
+        "Saving the session…",
+        [document, path, kept = std::move(kept)] { return engine::exportSession(*document, path, kept); },
+        [this, path, document, isOwn, then](const Written& written) {
+            if (written) {
+                ownFile = path;
+                saved = document;
+                if (!isOwn) channelsBeyond.clear();
+            }
+            conclude(written, then);
+        },
+        {noMemoryToWrite, then}
+    );
+}
+
+void SessionFile::readNow(const std::filesystem::path& path) {
+    inBackground(
+        "Reading the session…", [path] { return readDocument(path); },
+        [this, path](const Read& session) {
+            if (session)
+                offer(path, session.value());
+            else
+                conclude(session.error(), tellNobody);
+        },
+        {noMemoryToRead, tellNobody}
+    );
+}
+
+void SessionFile::offer(const std::filesystem::path& path, const Document& document) {
+    const auto replace = [this, path, document] {
+        apply(document, [this, path](const Written& applied) {
+            if (!applied) return;
             ownFile = path;
-            if (!isOwn) channelsBeyond.clear();
-        } else {
-            channelArea.setFileErrorMessage(written.error().description);
-        }
-        then(written);
-    });
-}
-
-void SessionFile::loadFrom(const std::filesystem::path& path) {
-    whenIdle([this, path] {
-        begin("Reading the session…");
-        QtConcurrent::run([path] { return engine::readSession(path); }
-        ).then(this, [this, path](const Read& session) {
-            end();
-            if (!session) return channelArea.setFileErrorMessage(session.error().description);
-            const auto replace = [this, path, document = session.value()] {
-                apply(document, [this, path](const Written& applied) {
-                    if (!applied) return;
-                    ownFile = path;
-                    channelArea.setFileErrorMessage(std::nullopt);
-                });
-            };
-            if (!isUnsaved()) return replace();
-            confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });
+            channelArea.setFileErrorMessage(std::nullopt);
         });
-    });
+    };
+    if (!isUnsaved()) return replace();
+    confirm(&window, replaceQuestion, replace, [this, replace] { save(replace); });
 }
 
-void SessionFile::apply(const session::MixerDocumentData& document, Report then) {
-    const auto hand = [this, document, then = std::move(then)] {
+void SessionFile::apply(const Document& document, const Report& then) {
+    const auto hand = [this, document, then] {
         end();
-        const auto loaded = engine.loadDocument(document);
+        auto beyond = engine::channelsBeyond(*document, engine.state().channelStrips.get().size());
+        const auto loaded = engine.loadDocument(*document);
         if (loaded) {
-            const std::size_t strips = engine.state().channelStrips.get().size();
-            channelsBeyond = engine::channelsBeyond(document, strips);
+            channelsBeyond = std::move(beyond);
             ownFile.reset();
-            setSaved();
-        } else {
-            channelArea.setFileErrorMessage(loaded.error().description);
+            // Where there is no memory for this, it counts as unsaved.
+            platform::runUnlessOutOfMemory([this] { setSaved(); });
         }
-        then(loaded);
+        conclude(loaded, then);
     };
-    whenIdle([this, hand, needsPlugins = hasPlugins(document)] {
+    const Shortage shortage{noMemoryToRead, then};
+    const auto handOnceFound = [this, hand, shortage, needsPlugins = hasPlugins(*document)] {
         if (!needsPlugins) return hand();
         begin("Looking for the installed plugins…");
-        components.whenFound(hand);
-    });
+        components.whenFound([this, hand, shortage] { attempt(hand, shortage); });
+    };
+    whenIdle({handOnceFound, shortage});
+}
+
+SessionFile::Document SessionFile::documentNow() const {
+    return std::make_shared<const session::MixerDocumentData>(engine.makeDocumentData());
 }
 
 bool SessionFile::isUnsaved() const {
-    return engine.makeDocumentData() != saved;
+    return engine.makeDocumentData() != *saved;
 }
 
 void SessionFile::setSaved() {
-    saved = engine.makeDocumentData();
+    saved = documentNow();
 }
 
 } // namespace orvane::ui

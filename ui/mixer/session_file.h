@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
-#include "engine/session/mixer_json_document.h"
+#include "engine/session/mixer_document_data.h"
 #include "platform/result.h"
 #include "ui/strip/installed_components.h"
 
@@ -28,6 +28,8 @@ class SessionFile final : public QObject {
   public:
     /// What is told of something that was done, or why it could not be.
     using Report = std::function<void(const platform::Result<platform::Done>&)>;
+    /// A session on its way; large, and so never copied.
+    using Document = std::shared_ptr<const session::MixerDocumentData>;
 
     /// `view` is what dialogs are shown in front of, `messages` says what has gone wrong; all outlive this.
     SessionFile(
@@ -41,14 +43,17 @@ class SessionFile final : public QObject {
     /// Writes the session to the file that it was opened from or last saved to; false where there is none.
     bool saveInPlace();
     /// Writes the session to a file, which is its own from then on if it was written; then calls `then`.
-    void saveTo(const std::filesystem::path& path, Report then);
+    void saveTo(const std::filesystem::path& path, const Report& then);
     /// Asks for a file and loads it.
     void load();
     /// Loads a file, having asked first if that would throw away what has not been saved.
     void loadFrom(const std::filesystem::path& path);
     /// Gives the session to the engine, once the installed plugins are known if it has any; then calls
     /// `then`.
-    void apply(const session::MixerDocumentData& document, Report then);
+    void apply(const Document& document, const Report& then);
+    /// Calls `then` once nothing is under way any more, but not where something of that fails: whoever wants
+    /// to leave is to see it.
+    void leave(std::function<void()> then);
 
     /// Whether the session is not as it was last saved, loaded or begun.
     [[nodiscard]] bool isUnsaved() const;
@@ -58,12 +63,35 @@ class SessionFile final : public QObject {
     void setFile(std::optional<std::filesystem::path> path);
 
   private:
+    /// What is said, and to whom, where there is no memory for something.
+    struct Shortage {
+        const char* sentence;
+        Report then;
+    };
+    struct Task {
+        std::function<void()> run;
+        Shortage shortage;
+    };
+
+    [[nodiscard]] Document documentNow() const;
     /// Runs `task` once nothing is under way any more.
-    void whenIdle(std::function<void()> task);
+    void whenIdle(Task task);
     void begin(const char* text);
     void end();
     void runWaiting();
-    void write(const std::filesystem::path& path, const session::MixerDocumentData& document, Report then);
+    /// Runs `task`, or gives it up where it finds no memory.
+    void attempt(const std::function<void()>& task, const Shortage& shortage);
+    /// Ends what is under way, and says why.
+    void giveUp(const Shortage& shortage);
+    /// Tells how something ended, and shows why it failed.
+    void conclude(const platform::Result<platform::Done>& outcome, const Report& then);
+    /// Does `work` on another thread while a notice says so, then `use` with what it gave.
+    template <class Work, class Use>
+    void inBackground(const char* text, Work work, Use use, const Shortage& shortage);
+    void writeNow(const std::filesystem::path& path, const Document& document, const Report& then);
+    void readNow(const std::filesystem::path& path);
+    /// Loads what was read, having asked first if that would throw away what has not been saved.
+    void offer(const std::filesystem::path& path, const Document& document);
     /// Some desktops' dialogs offer files of other computers.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
 
@@ -71,15 +99,15 @@ class SessionFile final : public QObject {
     InstalledComponents& components;
     QWidget& window;
     ChannelArea& channelArea;
-    /// What the export dialog is to write.
-    session::MixerJSONDocument exportDocument;
-    session::MixerDocumentData saved;
+    Document saved;
     std::optional<std::filesystem::path> ownFile;
     /// The channels of the own file that the mixer has no strips for: they stay in the file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
     /// There while something is under way.
     std::unique_ptr<BusyNotice> notice;
-    std::deque<std::function<void()>> waiting;
+    std::deque<Task> waiting;
+    /// What follows once all that is done.
+    std::function<void()> leaving;
 };
 
 } // namespace orvane::ui

@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QUrl>
 
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -65,11 +66,11 @@ void ORVANEApp::saveInPlace() {
     );
 }
 
-void ORVANEApp::saveTo(const std::filesystem::path& file, SessionFile::Report then) {
+void ORVANEApp::saveTo(const std::filesystem::path& file, const SessionFile::Report& then) {
     MixerRootView* const root = mixerRootView();
     if (root == nullptr) return then(platform::Done{});
     root->view().commitEditing();
-    root->view().sessionFile().saveTo(file, std::move(then));
+    root->view().sessionFile().saveTo(file, then);
 }
 
 bool ORVANEApp::isUnsaved() const {
@@ -173,7 +174,9 @@ void ORVANEApp::begin(MixerRootView& root) {
         root.view().sessionFile().setFile(options.sessionFile);
     };
     if (options.session)
-        root.view().sessionFile().apply(*options.session, goOn);
+        root.view().sessionFile().apply(
+            std::make_shared<const session::MixerDocumentData>(*options.session), goOn
+        );
     else
         goOn(platform::Done{});
     showProblems(problems);

@@ -50,7 +50,7 @@ class ORVANEApp final : public QMainWindow {
     /// Writes the session to the file that it was opened from; the log says so where there is none.
     void saveInPlace();
     /// Writes the session to a file, then calls `then`; at once while there is no session to write.
-    void saveTo(const std::filesystem::path& file, SessionFile::Report then);
+    void saveTo(const std::filesystem::path& file, const SessionFile::Report& then);
     /// Whether there is a session that has changed since it was last saved.
     [[nodiscard]] bool isUnsaved() const;
 
