@@ -1,23 +1,13 @@
-#include "engine/mixer_engine.h"
-#include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
-#include "support/failing_allocation.h"
-#include "support/manual_main_thread.h"
+#include "mixer_engine_fixture.h"
+
 #include "support/random_document.h"
-#include "support/scripted_audio_unit.h"
-#include "support/virtual_signals.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <functional>
-#include <memory>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -28,96 +18,12 @@
 namespace {
 
 using namespace orvane;
-using audio::AudioDeviceInfo;
 using engine::MixerEngine;
 using session::ChannelStrip;
-using testing::ElementsAre;
+using test::MixerEngineTest;
 using testing::HasSubstr;
-using testing::IsEmpty;
 namespace output = session::output;
 namespace master_output = session::master_output;
-
-/// A machine with an interface of 4 inputs and 6 outputs and a separate monitor, on stepped clocks.
-class MixerEngineTest : public testing::Test {
-  protected:
-    MixerEngineTest() { engine.refreshDevices(); }
-
-    static constexpr std::string_view interface = "virtual:interface";
-    static constexpr std::string_view monitor = "virtual:monitor";
-
-    std::vector<platform::VirtualDevice> describe() {
-        std::vector<platform::VirtualDevice> devices(2);
-        devices[0].description = {std::string(interface), "Interface", 4, 6, 48000.0};
-        devices[0].input = std::make_shared<test::SteadyInput>();
-        devices[0].output = mainOutput;
-        devices[0].answerBufferSize = [this](std::uint32_t requested) {
-            return keptBufferSize.value_or(requested);
-        };
-        devices[1].description = {std::string(monitor), "Monitor", 0, 2, 44100.0};
-        devices[1].output = masterOutput;
-        devices[1].answerBufferSize = [this](std::uint32_t requested) {
-            return keptMonitorSize.value_or(requested);
-        };
-        return devices;
-    }
-
-    std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
-        auto stepped =
-            std::make_unique<platform::VirtualAudioDriver>(describe(), platform::VirtualPacing::stepped, log);
-        driver = stepped.get();
-        std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-        drivers.push_back(std::move(stepped));
-        return drivers;
-    }
-
-    std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
-        auto made = std::make_unique<platform::VirtualMIDIDriver>();
-        midiDriver = made.get();
-        std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
-        drivers.push_back(std::move(made));
-        return drivers;
-    }
-
-    const AudioDeviceInfo& device(std::string_view uid) {
-        const auto& devices = engine.state().availableDevices.get();
-        return *std::ranges::find(devices, uid, &AudioDeviceInfo::uid);
-    }
-
-    /// Selects the interface and starts with the given strips bypassed, so that they are heard as they come
-    /// in.
-    void startBypassed() {
-        engine.selectDevice(device(interface));
-        for (const ChannelStrip& strip : std::vector(strips()))
-            engine.setBypassed(strip.id, true);
-        engine.start();
-        ASSERT_TRUE(isRunning()) << message();
-    }
-
-    std::size_t step(std::string_view uid = interface, std::size_t cycles = 1) {
-        return driver->clock().step(uid, cycles);
-    }
-
-    [[nodiscard]] const std::vector<ChannelStrip>& strips() const {
-        return engine.state().channelStrips.get();
-    }
-    [[nodiscard]] bool isRunning() const { return engine.state().isRunning.get(); }
-    [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
-
-    std::optional<std::uint32_t> keptBufferSize;
-    std::optional<std::uint32_t> keptMonitorSize;
-    std::shared_ptr<test::KeptOutput> mainOutput = std::make_shared<test::KeptOutput>();
-    std::shared_ptr<test::KeptOutput> masterOutput = std::make_shared<test::KeptOutput>();
-    test::ManualMainThread mainThread;
-    std::vector<std::string> lines;
-    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
-    platform::VirtualAudioDriver* driver = nullptr;
-    platform::VirtualMIDIDriver* midiDriver = nullptr;
-    platform::SystemAudioHardware hardware{makeDrivers()};
-    platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
-    test::ScriptedAudioUnitHost audioUnitHost;
-    const engine::Services services{hardware, midiServices, mainThread, audioUnitHost, log};
-    MixerEngine engine{8, services};
-};
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
     EXPECT_EQ(strips().size(), 8U);
@@ -395,116 +301,6 @@ TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
     EXPECT_TRUE(isRunning());
 }
 
-TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
-    const auto names = [this] {
-        std::vector<std::string> found;
-        for (const midi::MIDIDeviceInfo& source : engine.state().availableMIDIDevices.get())
-            found.push_back(source.name);
-        return found;
-    };
-    EXPECT_THAT(names(), IsEmpty());
-    EXPECT_EQ(engine.state().selectedMIDIDeviceID.get(), std::nullopt);
-    EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt);
-    auto keys = midiDriver->createSource("Keys").value();
-    EXPECT_THAT(names(), IsEmpty()) << "the main thread has not run";
-    mainThread.runPosted();
-    EXPECT_THAT(names(), ElementsAre("Keys"));
-    keys.reset();
-    engine.refreshMIDIDevices();
-    EXPECT_THAT(names(), IsEmpty());
-}
-
-// From the driver's thread while blocks run; a block may not allocate.
-TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
-    constexpr std::int64_t sceneCount = 8;
-    constexpr int noteCount = 50000;
-    const auto keys = midiDriver->createSource("Keys").value();
-    mainThread.runPosted();
-    startBypassed();
-    const auto play = [&](std::int64_t note) {
-        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
-    };
-    for (std::int64_t scene = 0; scene < sceneCount; ++scene) {
-        engine.setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
-        engine.newSnapshot();
-        engine.beginMIDILearn();
-        play(scene);
-        mainThread.runPosted();
-    }
-    std::vector<std::int64_t> recalled;
-    const auto keeping =
-        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
-    std::atomic<bool> isOver = false;
-    std::thread player([&] {
-        for (int i = 0; i < noteCount; ++i)
-            play(i % (sceneCount + 2));
-        play(5);
-        isOver = true;
-    });
-    while (!isOver) {
-        mainThread.runPosted();
-        EXPECT_EQ(step(), 1U);
-    }
-    player.join();
-    mainThread.runPosted();
-    ASSERT_FALSE(recalled.empty());
-    EXPECT_EQ(recalled.back(), 5);
-    step();
-    EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 6.0 / 8.0));
-    log.flush();
-    EXPECT_THAT(lines, testing::Contains(HasSubstr("Notes came faster than their scenes can be recalled; ")));
-    recalled.clear();
-    mainThread.advance(std::chrono::seconds(1));
-    EXPECT_THAT(recalled, IsEmpty());
-}
-
-TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
-    const auto keys = midiDriver->createSource("Keys").value();
-    const auto play = [&](int note) {
-        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
-    };
-    for (int scene = 0; scene < 2; ++scene) {
-        engine.newSnapshot();
-        engine.beginMIDILearn();
-        play(scene);
-        mainThread.runPosted();
-    }
-    std::vector<std::int64_t> recalled;
-    const auto keeping =
-        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
-    const std::pair<int, std::vector<std::int64_t>> cases[] = {
-        {1, {0}}, {8, {0, 1, 0, 1, 0, 1, 0, 1}}, {9, {0}}, {1000, {1}}};
-    for (const auto& [count, expected] : cases) {
-        for (int i = 0; i < count; ++i)
-            play(i % 2);
-        mainThread.runPosted();
-        EXPECT_EQ(std::exchange(recalled, {}), expected) << count;
-    }
-}
-
-TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
-    const auto keys = midiDriver->createSource("Keys").value();
-    mainThread.runPosted();
-    engine.newSnapshot();
-    int lostNotes = 0;
-    for (std::size_t nth = 1;; ++nth) {
-        try {
-            const test::FailingAllocation failing(nth);
-            keys->send(std::array<std::uint8_t, 3>{0x90, 1, 100});
-            if (!failing.hasHappened()) break;
-            ++lostNotes;
-        } catch (const std::bad_alloc&) {
-            // The sender's own.
-        }
-        mainThread.runPosted();
-        engine.beginMIDILearn();
-        keys->send(std::array<std::uint8_t, 3>{0x90, 60, 100});
-        mainThread.runPosted();
-        EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt) << nth;
-    }
-    EXPECT_GT(lostNotes, 1);
-}
-
 TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
     startBypassed();
     const auto throwing =
@@ -513,33 +309,6 @@ TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
     EXPECT_EQ(strips()[0].trim, 0.25);
     step();
     EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 0.25));
-}
-
-TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
-    const auto keys = midiDriver->createSource("Keys").value();
-    const auto pads = midiDriver->createSource("Pads").value();
-    mainThread.runPosted();
-    const auto play = [](platform::MIDIOwnSource& source, std::uint8_t note) {
-        source.send(std::array<std::uint8_t, 3>{0x92, note, 100});
-    };
-    const auto trigger = [this] { return engine.state().snapshots.get().at(0).midiTrigger; };
-    engine.newSnapshot();
-    engine.beginMIDILearn();
-    play(*keys, 60);
-    EXPECT_FALSE(trigger()) << "the main thread has not run";
-    mainThread.runPosted();
-    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
-    engine.selectMIDIDevice(engine.state().availableMIDIDevices.get().at(1).id);
-    engine.beginMIDILearn();
-    play(*keys, 62);
-    mainThread.runPosted();
-    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
-    // A note on its way to an engine that is gone finds nobody.
-    std::optional<MixerEngine> other(std::in_place, 1, services);
-    play(*pads, 63);
-    other.reset();
-    mainThread.runPosted();
-    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 63}));
 }
 
 } // namespace

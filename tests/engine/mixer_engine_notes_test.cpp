@@ -1,0 +1,166 @@
+#include "mixer_engine_fixture.h"
+
+#include "support/failing_allocation.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace orvane;
+using engine::MixerEngine;
+using test::MixerEngineTest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
+    const auto names = [this] {
+        std::vector<std::string> found;
+        for (const midi::MIDIDeviceInfo& source : engine.state().availableMIDIDevices.get())
+            found.push_back(source.name);
+        return found;
+    };
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_EQ(engine.state().selectedMIDIDeviceID.get(), std::nullopt);
+    EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt);
+    auto keys = midiDriver->createSource("Keys").value();
+    EXPECT_THAT(names(), IsEmpty()) << "the main thread has not run";
+    mainThread.runPosted();
+    EXPECT_THAT(names(), ElementsAre("Keys"));
+    keys.reset();
+    engine.refreshMIDIDevices();
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+// From the driver's thread while blocks run; a block may not allocate.
+TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
+    constexpr std::int64_t sceneCount = 8;
+    constexpr int noteCount = 50000;
+    const auto keys = midiDriver->createSource("Keys").value();
+    mainThread.runPosted();
+    startBypassed();
+    const auto play = [&](std::int64_t note) {
+        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
+    };
+    for (std::int64_t scene = 0; scene < sceneCount; ++scene) {
+        engine.setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
+        engine.newSnapshot();
+        engine.beginMIDILearn();
+        play(scene);
+        mainThread.runPosted();
+    }
+    std::vector<std::int64_t> recalled;
+    const auto keeping =
+        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+    std::atomic<bool> isOver = false;
+    std::thread player([&] {
+        for (int i = 0; i < noteCount; ++i)
+            play(i % (sceneCount + 2));
+        play(5);
+        isOver = true;
+    });
+    while (!isOver) {
+        mainThread.runPosted();
+        EXPECT_EQ(step(), 1U);
+    }
+    player.join();
+    mainThread.runPosted();
+    ASSERT_FALSE(recalled.empty());
+    EXPECT_EQ(recalled.back(), 5);
+    step();
+    EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 6.0 / 8.0));
+    log.flush();
+    EXPECT_THAT(lines, testing::Contains(HasSubstr("Notes came faster than their scenes can be recalled; ")));
+    recalled.clear();
+    mainThread.advance(std::chrono::seconds(1));
+    EXPECT_THAT(recalled, IsEmpty());
+}
+
+TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
+    const auto keys = midiDriver->createSource("Keys").value();
+    const auto play = [&](int note) {
+        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
+    };
+    for (int scene = 0; scene < 2; ++scene) {
+        engine.newSnapshot();
+        engine.beginMIDILearn();
+        play(scene);
+        mainThread.runPosted();
+    }
+    std::vector<std::int64_t> recalled;
+    const auto keeping =
+        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+    const std::pair<int, std::vector<std::int64_t>> cases[] = {
+        {1, {0}}, {8, {0, 1, 0, 1, 0, 1, 0, 1}}, {9, {0}}, {1000, {1}}};
+    for (const auto& [count, expected] : cases) {
+        for (int i = 0; i < count; ++i)
+            play(i % 2);
+        mainThread.runPosted();
+        EXPECT_EQ(std::exchange(recalled, {}), expected) << count;
+    }
+}
+
+TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
+    const auto keys = midiDriver->createSource("Keys").value();
+    mainThread.runPosted();
+    engine.newSnapshot();
+    int lostNotes = 0;
+    for (std::size_t nth = 1;; ++nth) {
+        try {
+            const test::FailingAllocation failing(nth);
+            keys->send(std::array<std::uint8_t, 3>{0x90, 1, 100});
+            if (!failing.hasHappened()) break;
+            ++lostNotes;
+        } catch (const std::bad_alloc&) {
+            // The sender's own.
+        }
+        mainThread.runPosted();
+        engine.beginMIDILearn();
+        keys->send(std::array<std::uint8_t, 3>{0x90, 60, 100});
+        mainThread.runPosted();
+        EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt) << nth;
+    }
+    EXPECT_GT(lostNotes, 1);
+}
+
+TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
+    const auto keys = midiDriver->createSource("Keys").value();
+    const auto pads = midiDriver->createSource("Pads").value();
+    mainThread.runPosted();
+    const auto play = [](platform::MIDIOwnSource& source, std::uint8_t note) {
+        source.send(std::array<std::uint8_t, 3>{0x92, note, 100});
+    };
+    const auto trigger = [this] { return engine.state().snapshots.get().at(0).midiTrigger; };
+    engine.newSnapshot();
+    engine.beginMIDILearn();
+    play(*keys, 60);
+    EXPECT_FALSE(trigger()) << "the main thread has not run";
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
+    engine.selectMIDIDevice(engine.state().availableMIDIDevices.get().at(1).id);
+    engine.beginMIDILearn();
+    play(*keys, 62);
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
+    // A note on its way to an engine that is gone finds nobody.
+    std::optional<MixerEngine> other(std::in_place, 1, services);
+    play(*pads, 63);
+    other.reset();
+    mainThread.runPosted();
+    EXPECT_EQ(trigger(), (session::MIDITrigger{2, 63}));
+}
+
+} // namespace
