@@ -219,6 +219,7 @@ void SessionFile::inBackground(const char* text, Work work, Use use, const Short
     using Outcome = std::invoke_result_t<Work>;
     begin(text);
     // The program does not end before it is done.
+    // cppcheck-suppress accessMoved ; it is moved here and accessed nowhere else
     QtConcurrent::run(std::move(work))
         .then(
             this,
