@@ -26,6 +26,21 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+void play(platform::MIDIOwnSource& source, std::int64_t note) {
+    source.send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
+}
+
+/// Stores the mix as a scene that the note recalls.
+void storeScene(
+    MixerEngine& engine, test::ManualMainThread& mainThread, platform::MIDIOwnSource& source,
+    std::int64_t note
+) {
+    engine.newSnapshot();
+    engine.beginMIDILearn();
+    play(source, note);
+    mainThread.runPosted();
+}
+
 TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
     const auto names = [this] {
         std::vector<std::string> found;
@@ -52,15 +67,9 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
     const auto keys = midiDriver->createSource("Keys").value();
     mainThread.runPosted();
     startBypassed();
-    const auto play = [&](std::int64_t note) {
-        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
-    };
     for (std::int64_t scene = 0; scene < sceneCount; ++scene) {
         engine.setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
-        engine.newSnapshot();
-        engine.beginMIDILearn();
-        play(scene);
-        mainThread.runPosted();
+        storeScene(engine, mainThread, *keys, scene);
     }
     std::vector<std::int64_t> recalled;
     const auto keeping =
@@ -68,8 +77,8 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
     std::atomic<bool> isOver = false;
     std::thread player([&] {
         for (int i = 0; i < noteCount; ++i)
-            play(i % (sceneCount + 2));
-        play(5);
+            play(*keys, i % (sceneCount + 2));
+        play(*keys, 5);
         isOver = true;
     });
     while (!isOver) {
@@ -91,15 +100,8 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
 
 TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
     const auto keys = midiDriver->createSource("Keys").value();
-    const auto play = [&](int note) {
-        keys->send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});
-    };
-    for (int scene = 0; scene < 2; ++scene) {
-        engine.newSnapshot();
-        engine.beginMIDILearn();
-        play(scene);
-        mainThread.runPosted();
-    }
+    for (int scene = 0; scene < 2; ++scene)
+        storeScene(engine, mainThread, *keys, scene);
     std::vector<std::int64_t> recalled;
     const auto keeping =
         engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
@@ -107,7 +109,7 @@ TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
         {1, {0}}, {8, {0, 1, 0, 1, 0, 1, 0, 1}}, {9, {0}}, {1000, {1}}};
     for (const auto& [count, expected] : cases) {
         for (int i = 0; i < count; ++i)
-            play(i % 2);
+            play(*keys, i % 2);
         mainThread.runPosted();
         EXPECT_EQ(std::exchange(recalled, {}), expected) << count;
     }
@@ -140,24 +142,24 @@ TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
     const auto keys = midiDriver->createSource("Keys").value();
     const auto pads = midiDriver->createSource("Pads").value();
     mainThread.runPosted();
-    const auto play = [](platform::MIDIOwnSource& source, std::uint8_t note) {
+    const auto playOnThird = [](platform::MIDIOwnSource& source, std::uint8_t note) {
         source.send(std::array<std::uint8_t, 3>{0x92, note, 100});
     };
     const auto trigger = [this] { return engine.state().snapshots.get().at(0).midiTrigger; };
     engine.newSnapshot();
     engine.beginMIDILearn();
-    play(*keys, 60);
+    playOnThird(*keys, 60);
     EXPECT_FALSE(trigger()) << "the main thread has not run";
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
     engine.selectMIDIDevice(engine.state().availableMIDIDevices.get().at(1).id);
     engine.beginMIDILearn();
-    play(*keys, 62);
+    playOnThird(*keys, 62);
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
     // A note on its way to an engine that is gone finds nobody.
     std::optional<MixerEngine> other(std::in_place, 1, services);
-    play(*pads, 63);
+    playOnThird(*pads, 63);
     other.reset();
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 63}));
