@@ -8,6 +8,18 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+# The compiler cache serves every clone of the tree: paths below its root count relative to it. Precompiled headers
+# are cached too if the compiler keeps its preprocessed text apart from them.
+find_program(ORVANE_CCACHE ccache)
+if(ORVANE_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${ORVANE_CCACHE}")
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  endif()
+endif()
 
 set(ORVANE_SANITIZE "" CACHE STRING "Sanitizer to build with: address, thread or nothing")
 set_property(CACHE ORVANE_SANITIZE PROPERTY STRINGS "" address thread)

@@ -1,5 +1,6 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session_files.h"
+#include "support/build_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/session_manager_peer.h"
@@ -31,7 +32,7 @@ using testing::HasSubstr;
 class ManagedProgram : public testing::Test {
   protected:
     void start(std::vector<std::string> arguments, const char* drivers = "virtual") {
-        arguments.insert(arguments.begin(), ORVANE_PROGRAM);
+        arguments.insert(arguments.begin(), test::builtProgram("orvane"));
         std::vector<char*> words;
         for (std::string& argument : arguments)
             words.push_back(argument.data());
@@ -46,7 +47,7 @@ class ManagedProgram : public testing::Test {
         ::setenv("LV2_PATH", (folder / "lv2").c_str(), 1);
         ::setenv("ORVANE_DRIVERS", drivers, 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::execv(ORVANE_PROGRAM, words.data());
+        ::execv(words.front(), words.data());
         ::_exit(127);
     }
 

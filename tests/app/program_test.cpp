@@ -1,3 +1,4 @@
+#include "support/build_files.h"
 #include "support/desktop_peer.h"
 #include "support/program.h"
 #include "support/wait_for.h"
@@ -19,11 +20,13 @@ using orvane::test::waitFor;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
+const std::string programFile = orvane::test::builtProgram("orvane");
+
 /// Runs the program with these arguments, as a shell takes them, with a home of its own.
 int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments, const std::string& display) {
     return orvane::test::exitCodeOfShell(
         folder, "HOME='" + (folder / "home").string() + "' XDG_CONFIG_HOME= ORVANE_DRIVERS=virtual " + display
-                    + " " ORVANE_PROGRAM " " + arguments
+                    + " " + programFile + " " + arguments
     );
 }
 
@@ -62,6 +65,7 @@ TEST(Application, MixesFromItsStartUntilItIsTold) {
     const TemporaryFolder folder;
     orvane::test::DesktopPeer desktop;
     const std::string recording = (folder / "out.wav").string();
+    const std::string panel = orvane::test::panelRecording();
     const pid_t program = ::fork();
     ASSERT_GE(program, 0);
     if (program == 0) {
@@ -71,8 +75,8 @@ TEST(Application, MixesFromItsStartUntilItIsTold) {
         ::setenv("ORVANE_DRIVERS", "virtual", 1);
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::execl(
-            ORVANE_PROGRAM, ORVANE_PROGRAM, "--channels", "8", "--start", "--virtual-input",
-            ORVANE_ASSETS "/demo/panel-8ch.flac", "--record", recording.c_str(), nullptr
+            programFile.c_str(), programFile.c_str(), "--channels", "8", "--start", "--virtual-input",
+            panel.c_str(), "--record", recording.c_str(), nullptr
         );
         ::_exit(127);
     }

@@ -2,6 +2,7 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session/mixer_json_document.h"
 #include "platform/sound_file_reader.h"
+#include "support/build_files.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -79,7 +80,7 @@ TEST(GoldenRender, GivesTheBitsItAlwaysGave) {
         const auto sound = folder / (std::string(mix.name) + ".wav");
         ASSERT_TRUE(session::MixerJSONDocument{mix.session}.write(session));
         ASSERT_TRUE(cli::render(
-            {.input = ORVANE_ASSETS "/demo/panel-8ch.flac", .output = sound, .session = session},
+            {.input = test::panelRecording(), .output = sound, .session = session},
             {.warn = [](std::string_view sentence) { ADD_FAILURE() << sentence; },
              .progress = [](double) {},
              .isCancelled = [] { return false; }}

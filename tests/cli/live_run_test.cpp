@@ -1,4 +1,5 @@
 #include "platform/sound_file_reader.h"
+#include "support/build_files.h"
 #include "support/desktop_peer.h"
 #include "support/program.h"
 
@@ -25,9 +26,9 @@ using testing::MatchesRegex;
 using testing::Not;
 
 /// Any allocation on an audio thread ends it; its wall clock leaps to and fro.
-const std::string program = ORVANE_GUARDED_CLI;
+const std::string program = orvane::test::builtProgram("orvane-cli-guarded");
 const std::string cli = "ORVANE_DRIVERS=virtual " + program;
-const std::string panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+const std::string panel = orvane::test::panelRecording();
 
 TEST(Devices, AreListedForPeopleAndForPrograms) {
     const TemporaryFolder folder;
@@ -208,11 +209,14 @@ TEST(LiveRun, GoesOnAfterItWasStopped) {
 TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     const TemporaryFolder folder;
     folder.add("bad.orvane", "{}");
-    const auto configuration = folder.add("asound.conf", R"(
+    const auto configuration = folder.add(
+        "asound.conf", R"(
         pcm.busy { type scripted openError 16 hint.show on }
         pcm.half_busy { type asym playback.pcm { type scripted } capture.pcm { type scripted openError 16 } hint.show on }
         pcm.unlike { type asym playback.pcm { type scripted } capture.pcm { type scripted rate 44100 } hint.show on }
-        pcm_type.scripted.lib ")" ORVANE_SCRIPTED_PCM "\"\n");
+        pcm_type.scripted.lib ")"
+                           + orvane::test::builtModule("liborvane_scripted_pcm") + "\"\n"
+    );
     const std::string onALSA = fmt::format(
         "ORVANE_DRIVERS=alsa ALSA_CONFIG_PATH='{}' {} run --device alsa:", configuration.string(), program
     );

@@ -2,6 +2,7 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session/mixer_json_document.h"
 #include "platform/jack_midi/jack_midi_driver.h"
+#include "support/build_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/program.h"
@@ -29,7 +30,7 @@ using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string program = ORVANE_CLI;
+const std::string program = test::builtProgram("orvane-cli");
 
 TEST(MIDICommand, ReadsNotes) {
     EXPECT_EQ(parseNote("0:0").value(), (SentNote{0, 0, 100}));
@@ -108,8 +109,9 @@ TEST(MIDICommand, LearnsANoteThatThenChangesTheMix) {
     channels[0].muted = true;
     document.data.snapshots[1].channels = channels;
     ASSERT_TRUE(document.write(folder / "show.orvane"));
-    const std::string run =
-        fmt::format("ORVANE_DRIVERS=jack,virtual {} run --device virtual:panel", ORVANE_GUARDED_CLI);
+    const std::string run = fmt::format(
+        "ORVANE_DRIVERS=jack,virtual {} run --device virtual:panel", test::builtProgram("orvane-cli-guarded")
+    );
     EXPECT_EQ(exitCodeOfShell(folder, run + " --learn 1"), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("has no snapshot 1 to learn"));
 

@@ -3,6 +3,7 @@
 #include "dsp/decibels.h"
 #include "dsp/level_detector.h"
 #include "platform/sound_file_reader.h"
+#include "support/build_files.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ struct Moment {
 
 /// The panel recording through a mixer with the defaults of a new one.
 std::vector<Moment> mixPanel(double referenceNoiseGain) {
-    auto opened = platform::SoundFileReader::open(ORVANE_ASSETS "/demo/panel-8ch.flac");
+    auto opened = platform::SoundFileReader::open(test::panelRecording());
     EXPECT_TRUE(opened);
     platform::SoundFileReader reader = std::move(opened).value();
     const std::size_t microphones = reader.channelCount();

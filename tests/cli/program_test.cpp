@@ -1,3 +1,4 @@
+#include "support/build_files.h"
 #include "support/program.h"
 
 #include <gmock/gmock.h>
@@ -15,11 +16,12 @@ using orvane::test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-constexpr const char* panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+const std::string program = orvane::test::builtProgram("orvane-cli");
+const std::string panel = orvane::test::panelRecording();
 
 /// Runs the program with these arguments, as a shell takes them.
 int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments) {
-    return orvane::test::exitCodeOfShell(folder, std::string(ORVANE_CLI) + " " + arguments);
+    return orvane::test::exitCodeOfShell(folder, program + " " + arguments);
 }
 
 TEST(Program, TellsSuccessFailureAndWrongUsageApart) {
@@ -85,9 +87,9 @@ TEST(Program, SaysWhereItsResultCannotBeWritten) {
 
 TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
     const TemporaryFolder folder;
-    const std::string command = std::string("ulimit -f 64; ") + ORVANE_CLI + " render --input " + panel
-                                + " --output '" + (folder / "out.wav").string() + "' 2>'"
-                                + (folder / "stderr").string() + "'";
+    const std::string command = "ulimit -f 64; " + program + " render --input " + panel + " --output '"
+                                + (folder / "out.wav").string() + "' 2>'" + (folder / "stderr").string()
+                                + "'";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*out.wav[^\n]*\n"));
     EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
@@ -97,7 +99,7 @@ TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
     namespace fs = std::filesystem;
     const TemporaryFolder folder;
     const std::string command = std::string("umask 0; XDG_DATA_HOME='") + (folder / "data").string() + "' "
-                                + ORVANE_CLI + " render --input " + panel + " --output '"
+                                + program + " render --input " + panel + " --output '"
                                 + (folder / "mix.wav").string() + "' --stems '" + (folder / "stems").string()
                                 + "' --report '" + (folder / "report.json").string() + "'";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);

@@ -5,6 +5,7 @@
 #include "platform/sound_file_reader.h"
 #include "platform/sound_file_writer.h"
 #include "plugins/insert_components.h"
+#include "support/build_files.h"
 #include "support/file_size_limit.h"
 #include "support/temporary_folder.h"
 
@@ -29,7 +30,7 @@ namespace output = session::output;
 namespace master_output = session::master_output;
 using Samples = std::vector<std::vector<float>>;
 
-constexpr const char* panel = ORVANE_ASSETS "/demo/panel-8ch.flac";
+const std::string panel = test::panelRecording();
 
 std::filesystem::path
 writeSound(const TemporaryFolder& folder, std::string_view name, const Samples& channels) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/alsa_audio/alsa_audio_driver.h"
+#include "support/build_files.h"
 #include "support/temporary_folder.h"
 
 #include <pthread.h>
@@ -29,7 +30,7 @@ class AlsaFixture final {
         for (auto at = definitions.find(placeholder); at != std::string::npos;
              at = definitions.find(placeholder))
             definitions.replace(at, placeholder.size(), (folder / "").parent_path().string());
-        definitions += "pcm_type.scripted.lib \"" ORVANE_SCRIPTED_PCM "\"\n";
+        definitions += "pcm_type.scripted.lib \"" + builtModule("liborvane_scripted_pcm") + "\"\n";
         driver = std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
             .configurationFile = folder.add("asound.conf", definitions), .pcmNames = std::move(pcmNames)});
     }

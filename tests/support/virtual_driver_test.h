@@ -2,6 +2,7 @@
 
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "platform/virtual_audio/virtual_devices.h"
+#include "support/build_files.h"
 #include "support/stream_clients.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +19,6 @@ namespace orvane::test {
 inline constexpr std::string_view panel = "virtual:panel";
 inline constexpr std::string_view silent = "virtual:silent48";
 inline constexpr std::string_view monitor = "virtual:monitor";
-
-inline const std::filesystem::path panelRecording = ORVANE_ASSETS "/demo/panel-8ch.flac";
 
 /// Has a log and can read it.
 class LoggingTest : public testing::Test {
@@ -56,7 +55,7 @@ class VirtualDriverTest : public LoggingTest {
     }
 
     platform::VirtualAudioDriver driver{
-        platform::builtInDevices(panelRecording, log), platform::VirtualPacing::stepped, log};
+        platform::builtInDevices(panelRecording(), log), platform::VirtualPacing::stepped, log};
 };
 
 } // namespace orvane::test

@@ -23,6 +23,7 @@ using test::Lv2Bundles;
 using test::parameter;
 using test::probe;
 using test::scripted;
+using test::scriptedLv2Library;
 using test::setUp;
 using test::UnitRenderer;
 using testing::ElementsAre;
@@ -51,8 +52,8 @@ std::string withEditor(const std::string& editor) {
            + editor;
 }
 
-const std::string usualEditor = "a ui:X11UI ; lv2:binary <file://" ORVANE_SCRIPTED_LV2
-                                "> ; lv2:requiredFeature ui:idleInterface , ui:fixedSize .";
+const std::string usualEditor = "a ui:X11UI ; lv2:binary <file://" + scriptedLv2Library
+                                + "> ; lv2:requiredFeature ui:idleInterface , ui:fixedSize .";
 
 class Lv2EditorTest : public testing::Test {
   protected:
@@ -97,7 +98,7 @@ class Lv2EditorTest : public testing::Test {
 };
 
 TEST_F(Lv2EditorTest, OpensWhereTheEditorIsOneForX11AndNeedsNothingUnknown) {
-    const std::string binary = " <file://" ORVANE_SCRIPTED_LV2 "> ";
+    const std::string binary = " <file://" + scriptedLv2Library + "> ";
     const struct {
         std::string editor;
         bool opens = false;

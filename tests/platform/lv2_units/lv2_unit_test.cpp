@@ -26,6 +26,7 @@ using test::Lv2Bundles;
 using test::parameter;
 using test::probe;
 using test::scripted;
+using test::scriptedLv2Library;
 using test::setUp;
 using test::UnitRenderer;
 using test::waitFor;
@@ -60,7 +61,7 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
         {"<urn:x> a lv2:Plugin ; doap:name \"X\" ; lv2:port [ " + Lv2Bundles::audioPort(0, "Input")
              + " ] , [ " + Lv2Bundles::audioPort(1, "Output") + " ] .",
          "\"X\" could not be loaded: it names no library."},
-        {scripted("absent"), "\"absent\" could not be loaded: " ORVANE_SCRIPTED_LV2 " does not have it."},
+        {scripted("absent"), "\"absent\" could not be loaded: " + scriptedLv2Library + " does not have it."},
         {scripted("refuses"), "\"refuses\" could not be started at 48000 Hz."},
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature <urn:feature> ;"),
          "\"X\" needs the LV2 feature urn:feature, which is not supported."},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/build_files.h"
 #include "support/lv2_bundles.h"
 #include "support/scripted_lv2.h"
 
@@ -9,6 +10,8 @@
 #include <string>
 
 namespace orvane::test {
+
+inline const std::string scriptedLv2Library = builtModule("liborvane_scripted_lv2");
 
 /// A description of the scripted plugin.
 inline std::string scripted(const std::string& variant, const std::string& more = "") {
@@ -24,14 +27,14 @@ inline std::string scripted(const std::string& variant, const std::string& more 
           rsz:minimumSize 65544 ] ,
         [ lv2:portProperty lv2:connectionOptional, lv2:isSideChain ; {5} ] ,
         [ a lv2:CVPort, lv2:InputPort ; lv2:index 7 ; lv2:symbol "cv" ; lv2:name "CV" ] .)",
-        variant, ORVANE_SCRIPTED_LV2, more, Lv2Bundles::audioPort(0, "Input"),
+        variant, scriptedLv2Library, more, Lv2Bundles::audioPort(0, "Input"),
         Lv2Bundles::audioPort(1, "Output"), Lv2Bundles::audioPort(6, "Input")
     );
 }
 
 /// What the scripted plugin and its editor tell.
 inline ScriptedLv2Probe& probe() {
-    void* const library = ::dlopen(ORVANE_SCRIPTED_LV2, RTLD_NOW | RTLD_LOCAL);
+    void* const library = ::dlopen(scriptedLv2Library.c_str(), RTLD_NOW | RTLD_LOCAL);
     return *reinterpret_cast<decltype(&orvaneScriptedLv2Probe)>(::dlsym(library, "orvaneScriptedLv2Probe"))();
 }
 

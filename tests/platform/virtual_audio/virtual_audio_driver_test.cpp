@@ -62,7 +62,7 @@ TEST_F(VirtualAudioDriverTest, AWatchIsNotToldAfterItsEnd) {
 }
 
 TEST_F(VirtualAudioDriverTest, EachDeviceKeepsToItsOwnClock) {
-    VirtualAudioDriver drifting(builtInDevices(panelRecording, log, 2000.0), VirtualPacing::stepped, log);
+    VirtualAudioDriver drifting(builtInDevices(panelRecording(), log, 2000.0), VirtualPacing::stepped, log);
     CountingClient silentClient;
     CountingClient monitorClient;
     const auto silentStream = std::move(drifting.open(silent, true, silentClient)).value();

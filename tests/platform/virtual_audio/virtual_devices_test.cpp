@@ -28,7 +28,7 @@ using testing::ElementsAre;
 using VirtualDevicesTest = VirtualDriverTest;
 
 TEST_F(VirtualDevicesTest, ThePanelLoopsItsRecordingSampleForSample) {
-    auto reader = SoundFileReader::open(panelRecording);
+    auto reader = SoundFileReader::open(panelRecording());
     const auto length = static_cast<std::size_t>(reader.value().frameCount());
     PlanarBlocks recording(8, length);
     ASSERT_TRUE(reader.value().read(recording.writable(length)));
@@ -93,8 +93,8 @@ TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
 TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
     const TemporaryFolder folder;
     for (const bool records : {false, true}) {
-        VirtualDevice device = fileDevice(panelRecording, log).value();
-        device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording, 8, log);
+        VirtualDevice device = fileDevice(panelRecording(), log).value();
+        device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording(), 8, log);
         if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0, log);
         VirtualAudioDriver live({device}, VirtualPacing::live, log);
         CountingClient client;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/program_data.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// Files of the build a test runs in. They are found from the test program itself: no path of the tree is
+// compiled in, so that a compiler cache serves every clone of it.
+
+namespace orvane::test {
+
+/// The program `name` of this build.
+inline std::string builtProgram(std::string_view name) {
+    return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / name).string();
+}
+
+/// The library `name` of this build, which a test loads by its path.
+inline std::string builtModule(std::string_view name) {
+    const auto programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    return (programs.parent_path() / "lib" / name).string() + ".so";
+}
+
+/// The recording that the demo panel plays: eight channels at 48 kHz.
+inline std::filesystem::path panelRecording() {
+    return platform::programDataDirectory() / "demo/panel-8ch.flac";
+}
+
+} // namespace orvane::test
