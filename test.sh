@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the tests and runs them, under a sanitizer if asked.
-# Usage: ./test.sh [--sanitize address|thread] [CTEST ARGS]
+# Usage: ./test.sh [--sanitize address|thread] [--build-only | CTEST ARGS]
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -27,4 +27,5 @@ export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:supp
 
 scripts/setup.sh build tests
 "${launcher[@]}" scripts/build.sh "$preset" ORVANE_BUILD_TESTS=ON ORVANE_BUILD_BENCH="$bench"
+if [ "${1:-}" = --build-only ]; then exit 0; fi
 "${launcher[@]}" ctest --preset "$preset" -j2 --output-on-failure --no-tests=error "$@"

@@ -7,19 +7,19 @@ namespace orvane::machine {
 namespace {
 
 // A signal handler is given no context, so the flag cannot live in the object.
-std::atomic<bool> signalCame = false;
+std::atomic<bool> saveSignalCame = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-void remember(int /*signal*/) noexcept {
-    signalCame = true;
+void rememberSave(int /*signal*/) noexcept {
+    saveSignalCame = true;
 }
 
 } // namespace
 
 SaveSignal::SaveSignal() {
-    signalCame = false;
+    saveSignalCame = false;
     struct sigaction action {};
-    action.sa_handler = remember;
+    action.sa_handler = rememberSave;
     action.sa_flags = SA_RESTART;
     sigaction(SIGUSR1, &action, &before);
 }
@@ -29,7 +29,7 @@ SaveSignal::~SaveSignal() {
 }
 
 bool SaveSignal::take() const noexcept {
-    return signalCame.exchange(false);
+    return saveSignalCame.exchange(false);
 }
 
 } // namespace orvane::machine

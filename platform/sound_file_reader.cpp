@@ -14,7 +14,7 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr std::string_view cannotRead = "could not be read";
+constexpr std::string_view cannotReadSound = "could not be read";
 constexpr std::string_view empty = "it is empty";
 constexpr std::size_t framesPerTransfer = 4096;
 /// Frames whose channels are taken apart together: few enough to stay in the nearest cache.
@@ -61,18 +61,19 @@ struct SoundFileReader::Source {
 
 Result<SoundFileReader> SoundFileReader::open(const std::filesystem::path& path) {
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) return fileError(path, cannotRead, "it is a folder");
-    if (std::filesystem::file_size(path, ignored) == 0) return fileError(path, cannotRead, empty);
+    if (std::filesystem::is_directory(path, ignored))
+        return fileError(path, cannotReadSound, "it is a folder");
+    if (std::filesystem::file_size(path, ignored) == 0) return fileError(path, cannotReadSound, empty);
 
     auto opened = std::make_unique<Source>(path);
-    if (!opened->handle) return fileError(path, cannotRead, soundFileProblem(nullptr));
+    if (!opened->handle) return fileError(path, cannotReadSound, soundFileProblem(nullptr));
     if (!opened->isLengthStated()) {
         const std::int64_t frames = countFrames(opened->handle.get(), opened->channelCount());
         opened = std::make_unique<Source>(path);
-        if (!opened->handle) return fileError(path, cannotRead, soundFileProblem(nullptr));
+        if (!opened->handle) return fileError(path, cannotReadSound, soundFileProblem(nullptr));
         opened->info.frames = frames;
     }
-    if (opened->info.frames == 0) return fileError(path, cannotRead, empty);
+    if (opened->info.frames == 0) return fileError(path, cannotReadSound, empty);
     opened->interleaved.resize(framesPerTransfer * opened->channelCount());
     return SoundFileReader(std::move(opened));
 }
@@ -104,9 +105,9 @@ Result<std::size_t> SoundFileReader::read(std::span<const std::span<float>> bloc
         done += count;
         if (count == part) continue;
         if (sf_error(source->handle.get()) != SF_ERR_NO_ERROR)
-            return fileError(source->path, cannotRead, soundFileProblem(source->handle.get()));
+            return fileError(source->path, cannotReadSound, soundFileProblem(source->handle.get()));
         return fileError(
-            source->path, cannotRead,
+            source->path, cannotReadSound,
             "it breaks off after " + std::to_string(source->position) + " of its "
                 + std::to_string(source->info.frames) + " frames"
         );

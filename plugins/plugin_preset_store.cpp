@@ -24,7 +24,7 @@ using platform::Result;
 using session::AUComponentIdentity;
 using session::DocumentNode;
 
-constexpr std::string_view logCategory = "PluginPresets";
+constexpr std::string_view presetLogCategory = "PluginPresets";
 constexpr const char* folderName = "ORVANE";
 constexpr const char* earlierFolderName = "Dravonel";
 constexpr const char* fileName = "PluginPresets.json";
@@ -144,7 +144,7 @@ void PluginPresetStore::load() {
     if (!std::filesystem::exists(*fileURL, unknown) && !unknown) return;
     if (const auto done = read(); !done)
         log.post(
-            platform::LogLevel::error, logCategory,
+            platform::LogLevel::error, presetLogCategory,
             {"The plugin presets could not be read, and the next change replaces them: ",
              done.error().description}
         );
@@ -167,7 +167,7 @@ void PluginPresetStore::save() const {
     if (!fileURL) return;
     if (const auto done = write(); !done)
         log.post(
-            platform::LogLevel::error, logCategory,
+            platform::LogLevel::error, presetLogCategory,
             {"The plugin presets could not be saved: ", done.error().description}
         );
 }

@@ -18,7 +18,7 @@ constexpr std::size_t mostAliases = 2;
 /// jackd has changed when it says that it took the request, PipeWire does with one of its next cycles.
 constexpr std::chrono::milliseconds longestBufferSizeChange{200};
 /// The server's end is told to each of its clients by itself.
-constexpr std::chrono::milliseconds longestEnding{200};
+constexpr std::chrono::milliseconds longestServerEnding{200};
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
     const auto size = static_cast<std::size_t>(jack_port_name_size());
@@ -81,7 +81,7 @@ bool JackServer::isOpen() {
 
 void JackServer::awaitEnd() {
     constexpr std::chrono::milliseconds pause{1};
-    for (auto waited = pause; isOpen() && waited < longestEnding; waited += pause)
+    for (auto waited = pause; isOpen() && waited < longestServerEnding; waited += pause)
         std::this_thread::sleep_for(pause);
 }
 

@@ -11,7 +11,7 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr std::string_view clientRole = " MIDI source";
+constexpr std::string_view sourceRole = " MIDI source";
 /// What even the longest cycles of a busy machine stay below.
 constexpr std::chrono::seconds longestCycle{2};
 
@@ -25,7 +25,7 @@ JackMIDIOwnSource::create(JackClients& clients, std::string_view name) {
 }
 
 bool JackMIDIOwnSource::prepare(JackClients& clients, std::string_view name) {
-    client = clients.open(clientRole, events);
+    client = clients.open(sourceRole, events);
     if (client == nullptr) return false;
     bool isActive = false;
     client->use([&](jack_client_t* jack) {

@@ -12,13 +12,13 @@ namespace orvane::platform::lv2_units {
 
 namespace {
 
-constexpr std::string_view supportedFeatures[] = {
+constexpr std::string_view editorFeatures[] = {
     LV2_URID__map, LV2_URID__unmap, LV2_LOG__log, LV2_OPTIONS__options, LV2_UI__parent, LV2_UI__resize,
     LV2_UI__portMap, LV2_UI__idleInterface, LV2_UI__noUserResize, LV2_UI__fixedSize,
     // What follows asks for nothing but what is done anyway.
     LV2_UI_PREFIX "makeResident", LV2_UI_PREFIX "makeSONameResident"};
 
-constexpr std::string_view supportedOptions[] = {
+constexpr std::string_view editorOptions[] = {
     LV2_PARAMETERS__sampleRate, LV2_UI__updateRate, LV2_UI__scaleFactor};
 
 int resizeParent(LV2UI_Feature_Handle parent, int width, int height) {
@@ -66,9 +66,9 @@ EditorFeatures::EditorFeatures(
 }
 
 std::optional<std::string> EditorFeatures::whyUnsupported(const EditorDescription& description) {
-    if (const auto* const feature = firstUnsupported(description.requiredFeatures, supportedFeatures))
+    if (const auto* const feature = firstUnsupported(description.requiredFeatures, editorFeatures))
         return fmt::format("it needs the LV2 feature {}, which is not supported", *feature);
-    if (const auto* const option = firstUnsupported(description.requiredOptions, supportedOptions))
+    if (const auto* const option = firstUnsupported(description.requiredOptions, editorOptions))
         return fmt::format("it needs the LV2 option {}, which is not supported", *option);
     return std::nullopt;
 }

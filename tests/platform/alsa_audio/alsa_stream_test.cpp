@@ -20,7 +20,7 @@ using orvane::test::ChangeLog;
 using orvane::test::contentOf;
 using testing::ElementsAre;
 
-constexpr std::string_view uid = "alsa:device";
+constexpr std::string_view scriptedUID = "alsa:device";
 
 /// Runs the device for as many cycles as the client awaits.
 void run(AudioStream& stream, AlsaClient& client) {
@@ -62,7 +62,7 @@ std::string bytesPlayed(const std::string& hardware, const std::string& bytesHea
         for (std::size_t channel = 0; channel < outputs.size(); ++channel)
             std::ranges::copy(inputs[channel], outputs[channel].begin());
     });
-    run(*driver->open(uid, true, client).value(), client);
+    run(*driver->open(scriptedUID, true, client).value(), client);
     return contentOf(driver.folder / "out");
 }
 
@@ -119,7 +119,7 @@ TEST(AlsaStream, NeitherAllocatesNorFreesWhileItRuns) {
         if (++cycle == 2) guard.emplace();
         if (cycle == 90) guard.reset();
     });
-    const auto stream = driver->open(uid, true, client);
+    const auto stream = driver->open(scriptedUID, true, client);
     run(*stream.value(), client);
     EXPECT_GE(stream.value()->xrunCount(), 1);
 }
@@ -134,7 +134,7 @@ TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
     for (const auto& [what, sides] : cases) {
         AlsaFixture driver("pcm.device { type asym " + sides + " }");
         AlsaClient client(20);
-        const auto stream = driver->open(uid, true, client);
+        const auto stream = driver->open(scriptedUID, true, client);
         run(*stream.value(), client);
         EXPECT_EQ(stream.value()->xrunCount(), 1) << what;
     }
@@ -150,9 +150,9 @@ TEST(AlsaStream, TellsOfADeviceThatDies) {
         SCOPED_TRACE(what);
         AlsaFixture driver("pcm.device { " + definition + " }");
         ChangeLog log;
-        const auto watch = driver->watch(uid, log.listener());
+        const auto watch = driver->watch(scriptedUID, log.listener());
         AlsaClient client(1);
-        const auto stream = driver->open(uid, true, client);
+        const auto stream = driver->open(scriptedUID, true, client);
         ASSERT_TRUE(stream);
         ASSERT_EQ(stream.value()->start(), noErr);
         EXPECT_THAT(log.waitFor(1), ElementsAre(AudioDeviceChange::died));
@@ -167,7 +167,7 @@ TEST(AlsaStream, StartsStopsAndClosesAgainAndAgain) {
     AlsaFixture driver("pcm.device { type scripted exclusive 1 }");
     for (int round = 0; round < 20; ++round) {
         AlsaClient client(3);
-        const auto stream = driver->open(uid, round % 2 == 0, client);
+        const auto stream = driver->open(scriptedUID, round % 2 == 0, client);
         ASSERT_TRUE(stream) << "round " << round;
         for (int start = 0; start < round % 3; ++start)
             run(*stream.value(), client);

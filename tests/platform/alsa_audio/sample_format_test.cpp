@@ -20,13 +20,13 @@ constexpr float step16 = 0x1p-15F;
 constexpr float step24 = 0x1p-23F;
 constexpr float step32 = 0x1p-31F;
 
-struct Case {
+struct FormatCase {
     SampleFormat format;
     float sample;
     std::vector<int> bytes;
 };
 
-std::string nameOf(const Case& example) {
+std::string nameOf(const FormatCase& example) {
     return "format " + std::to_string(static_cast<int>(example.format)) + ", sample "
            + std::to_string(example.sample);
 }
@@ -39,7 +39,7 @@ std::vector<std::byte> toBytes(const std::vector<int>& numbers) {
 }
 
 /// Both ways.
-const Case exactOnes[] = {
+const FormatCase exactOnes[] = {
     {int16LE, 1.0F - step16, {0xFF, 0x7F}},
     {int16LE, -1.0F, {0x00, 0x80}},
     {int16BE, step16, {0x00, 0x01}},
@@ -56,7 +56,7 @@ const Case exactOnes[] = {
 };
 
 TEST(SampleFormat, ReadsAndWritesExactSamples) {
-    for (const Case& example : exactOnes) {
+    for (const FormatCase& example : exactOnes) {
         const std::vector<std::byte> bytes = toBytes(example.bytes);
         ASSERT_EQ(bytesPerSample(example.format), bytes.size()) << nameOf(example);
         std::vector<std::byte> written(bytes.size());
@@ -69,7 +69,7 @@ TEST(SampleFormat, ReadsAndWritesExactSamples) {
 }
 
 TEST(SampleFormat, RoundsAndClipsWhatIsWritten) {
-    const Case cases[] = {
+    const FormatCase cases[] = {
         {int16LE, step16 * 1.51F, {0x02, 0x00}},
         {int16LE, step16 * -0.51F, {0xFF, 0xFF}},
         {int16LE, 1.0F, {0xFF, 0x7F}},
@@ -82,7 +82,7 @@ TEST(SampleFormat, RoundsAndClipsWhatIsWritten) {
         {float32LE, -infinity, {0x00, 0x00, 0x80, 0xBF}},
         {float32LE, notANumber, {0x00, 0x00, 0x00, 0x00}},
     };
-    for (const Case& example : cases) {
+    for (const FormatCase& example : cases) {
         std::vector<std::byte> written(bytesPerSample(example.format));
         encode(example.format, {&example.sample, 1}, written.data(), written.size());
         EXPECT_EQ(written, toBytes(example.bytes)) << nameOf(example);

@@ -29,13 +29,13 @@ JackPort playback(const std::string& name, const std::string& alias = "other:1")
     return {name, {alias}, false, true};
 }
 
-struct Case {
+struct CardCase {
     std::string description;
     std::vector<JackPort> ports;
     std::vector<JackDevice> devices;
 };
 
-const Case cases[] = {
+const CardCase cases[] = {
     {"nothing", {}, {}},
     {"programs without hardware ports",
      {{"player:out_1", {}, true, false}, {"recorder:in_1", {}, false, false}},
@@ -94,7 +94,7 @@ const Case cases[] = {
 };
 
 TEST(JackDevices, SeesOneDevicePerCard) {
-    for (const Case& each : cases)
+    for (const CardCase& each : cases)
         EXPECT_EQ(jackDevices(each.ports), each.devices) << each.description;
 }
 

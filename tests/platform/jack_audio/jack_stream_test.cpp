@@ -61,7 +61,7 @@ struct InvertingClient final : AudioStreamClient {
     }
 };
 
-struct Driver {
+struct StreamDriver {
     JackClients clients{uniqueJackName("ORVANE")};
     JackAudioDriver jack{clients};
 };
@@ -82,7 +82,7 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
     const std::uint32_t channelCount = GetParam().channelCount;
     constexpr std::size_t frameCount = 20000;
     const JackTestServer server(GetParam());
-    Driver driver;
+    StreamDriver driver;
     InvertingClient client;
     const auto stream = driver.jack.open(uid, true, client);
     ASSERT_TRUE(stream);
@@ -104,7 +104,7 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
 
 TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
     const JackTestServer server({});
-    Driver driver;
+    StreamDriver driver;
     InvertingClient client;
     const auto stream = driver.jack.open(uid, false, client);
     ASSERT_TRUE(stream);
@@ -116,7 +116,7 @@ TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
 
 TEST(JackStream, GoesOnWhenTheBufferSizeChanges) {
     const JackTestServer server({});
-    Driver driver;
+    StreamDriver driver;
     InvertingClient client;
     const auto stream = driver.jack.open(uid, true, client);
     ASSERT_TRUE(stream);
@@ -133,7 +133,7 @@ TEST(JackStream, GoesOnWhenTheBufferSizeChanges) {
 
 TEST(JackStream, RunsNoCycleOnceStopped) {
     const JackTestServer server({.period = 64});
-    Driver driver;
+    StreamDriver driver;
     InvertingClient client;
     client.mayAllocate = true;
     const auto stream = driver.jack.open(uid, true, client);
@@ -154,7 +154,7 @@ TEST(JackStream, RunsNoCycleOnceStopped) {
 TEST(JackStream, CanBeOpenedAndDestroyedAnyNumberOfTimes) {
     const JackTestServer server({});
     for (int round = 0; round < 10; ++round) {
-        Driver driver;
+        StreamDriver driver;
         InvertingClient client;
         client.mayAllocate = true;
         for (const bool enableInput : {true, false}) {
@@ -169,7 +169,7 @@ TEST(JackStream, CanBeOpenedAndDestroyedAnyNumberOfTimes) {
 
 TEST(JackStream, RunsBesideAnotherOne) {
     const JackTestServer server({});
-    Driver driver;
+    StreamDriver driver;
     InvertingClient clients[2];
     std::vector<std::unique_ptr<AudioStream>> streams;
     for (InvertingClient& client : clients) {
@@ -184,7 +184,7 @@ TEST(JackStream, RunsBesideAnotherOne) {
 
 TEST(JackStream, HasNoRealTimePriorityOnAServerThatHasNone) {
     const JackTestServer server({});
-    Driver driver;
+    StreamDriver driver;
     InvertingClient client;
     client.mayAllocate = true;
     const auto stream = driver.jack.open(uid, true, client);
@@ -209,7 +209,7 @@ struct LateClient final : AudioStreamClient {
 
 TEST(JackStream, CountsLateCyclesSinceTheLastStart) {
     const JackTestServer server({.waitsForClients = false});
-    Driver driver;
+    StreamDriver driver;
     LateClient client;
     const auto stream = driver.jack.open(uid, true, client);
     ASSERT_TRUE(stream);

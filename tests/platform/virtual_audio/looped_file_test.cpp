@@ -26,7 +26,7 @@ float sampleAt(std::size_t channel, std::size_t frame) {
     return static_cast<float>(channel * 1'000'000 + frame);
 }
 
-void writeFile(const std::filesystem::path& path, std::size_t frameCount) {
+void writeLoop(const std::filesystem::path& path, std::size_t frameCount) {
     auto writer = SoundFileWriter::create(path, 3, 8000.0);
     PlanarBlocks blocks(3, frameCount);
     const auto views = blocks.writable(frameCount);
@@ -64,7 +64,7 @@ TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
          {std::pair(LoopedFile::smallFileBytes, 30'001UL),
           {nothingInMemory, 4'096},
           {nothingInMemory, 30'001}}) {
-        writeFile(folder / "loop.wav", frameCount);
+        writeLoop(folder / "loop.wav", frameCount);
         LoopedFile loop(folder / "loop.wav", 3, log, mostInMemory);
         for (int start = 0; start < 2; ++start) {
             ASSERT_TRUE(loop.start(VirtualPacing::stepped));
@@ -76,7 +76,7 @@ TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
 }
 
 TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
-    writeFile(folder / "loop.wav", 5'000);
+    writeLoop(folder / "loop.wav", 5'000);
     LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
     ASSERT_TRUE(loop.start(VirtualPacing::live));
     expectLoop(loop, 5'000, 10'000);
@@ -104,7 +104,7 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
     std::size_t linesBefore = 0;
     for (const auto& [loss, lose, atLeast, said] : cases) {
         SCOPED_TRACE(loss);
-        writeFile(path, length);
+        writeLoop(path, length);
         LoopedFile loop(path, 3, log, nothingInMemory);
         ASSERT_TRUE(loop.start(VirtualPacing::stepped));
         lose();
@@ -121,7 +121,7 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
 }
 
 TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
-    writeFile(folder / "loop.wav", 100);
+    writeLoop(folder / "loop.wav", 100);
     LoopedFile loop(folder / "loop.wav", 3, log, nothingInMemory);
     ASSERT_TRUE(loop.start(VirtualPacing::live));
     constexpr std::size_t moreThanIsReadAhead = 100'000;
