@@ -20,6 +20,7 @@ void MeterModel::update(const MixerRealtimeState& state) {
     MeterReading reading = state.readMeters();
     channelMeters.set(std::move(reading.channelLevels));
     masterMeter.set(reading.masterLevel);
+    masterGain.set(reading.masterGain);
     channelGainReductionDB.set(std::move(reading.gainReductionDB));
     // What is not finite would stay in the smoothed level for good.
     const double shown = pinkNoiseLevel.get();

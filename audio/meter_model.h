@@ -19,6 +19,8 @@ class MeterModel final {
     Published<std::vector<double>> channelMeters;
     /// Linear RMS of the master bus.
     Published<double> masterMeter;
+    /// The leveler's gain, linear; 1 before the first block.
+    Published<double> masterGain{1.0};
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     Published<double> cpuLoad;
     /// How far each strip is turned down, in dB, 0 to 120.

@@ -54,6 +54,7 @@ MeterReading MixerRealtimeState::readMeters() const {
         const std::scoped_lock guard(meterLock);
         reading.channelLevels = meterSnapshot;
         reading.masterLevel = masterMeterSnapshot;
+        reading.masterGain = masterGainSnapshot;
         reading.gainReductionDB = gainReductionSnapshot;
     }
     if (reading.channelLevels.size() > strips) reading.referenceNoiseLevel = reading.channelLevels[strips];
@@ -79,6 +80,7 @@ void MixerRealtimeState::publishMeters(const dsp::AutomixProcessor& automix) noe
     const std::scoped_lock guard(meterLock);
     meterSnapshot.assign(levels.begin(), levels.end());
     masterMeterSnapshot = automix.currentMasterLevel();
+    masterGainSnapshot = automix.currentMasterGain();
     std::ranges::copy(scratch.gainReductionScratch, gainReductionSnapshot.begin());
 }
 

@@ -31,6 +31,8 @@ struct MeterReading {
     std::vector<double> channelLevels;
     /// Linear RMS of the leveled master bus.
     double masterLevel = 0.0;
+    /// The leveler's gain, linear; 1 until the first block has run.
+    double masterGain = 1.0;
     /// How far each strip is turned down, in dB, 0 or more.
     std::vector<double> gainReductionDB;
     /// Linear RMS of the reference noise; 0 until the first block has run.
@@ -112,6 +114,7 @@ class MixerRealtimeState final {
     mutable platform::UnfairLock meterLock;
     std::vector<double> meterSnapshot;
     double masterMeterSnapshot = 0.0;
+    double masterGainSnapshot = 1.0;
     std::vector<double> gainReductionSnapshot;
 
     mutable platform::UnfairLock cpuLock;

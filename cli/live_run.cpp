@@ -193,14 +193,24 @@ class LiveRun final {
         MeterFrame frame{
             .seconds = seconds,
             .masterLevel = model.masterMeter.get(),
+            .masterGain = model.masterGain.get(),
             .referenceLevel = model.pinkNoiseLevel.get(),
             .cpuLoad = model.cpuLoad.get(),
             .xruns = engine->xrunCount()};
         const auto& strips = engine->state().channelStrips.get();
         for (std::size_t i = 0; i < strips.size(); ++i)
             frame.strips.push_back(
-                {strips[i].name, model.channelMeters.get()[i], model.channelGainReductionDB.get()[i]}
+                {.name = strips[i].name,
+                 .level = model.channelMeters.get()[i],
+                 .gainReductionDB = model.channelGainReductionDB.get()[i],
+                 .muted = strips[i].muted,
+                 .bypassed = strips[i].bypassed}
             );
+        if (const auto current = engine->state().currentSnapshotIndex.get()) {
+            const auto index = static_cast<std::size_t>(*current);
+            const auto& scenes = engine->state().snapshots.get();
+            if (index < scenes.size()) frame.scene = {.number = index + 1, .name = scenes[index].name};
+        }
         return frame;
     }
 

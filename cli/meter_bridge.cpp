@@ -70,6 +70,7 @@ std::string meterJSON(const MeterFrame& frame) {
     nlohmann::json object = {
         {"seconds", frame.seconds},
         {"masterDB", dsp::linearToDB(frame.masterLevel)},
+        {"masterGainDB", dsp::linearToDB(frame.masterGain)},
         {"referenceDB", dsp::linearToDB(frame.referenceLevel)},
         {"cpuLoad", frame.cpuLoad},
         {"xruns", frame.xruns},
@@ -78,8 +79,12 @@ std::string meterJSON(const MeterFrame& frame) {
         object["strips"].push_back(
             {{"name", strip.name},
              {"levelDB", dsp::linearToDB(strip.level)},
-             {"gainReductionDB", strip.gainReductionDB}}
+             {"gainReductionDB", strip.gainReductionDB},
+             {"muted", strip.muted},
+             {"bypassed", strip.bypassed}}
         );
+    object["scene"] = nullptr;
+    if (frame.scene) object["scene"] = {{"number", frame.scene->number}, {"name", frame.scene->name}};
     return object.dump() + "\n";
 }
 

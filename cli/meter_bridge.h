@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,14 @@ struct MeterFrame {
         double level = 0.0;
         /// In dB, 0 or more.
         double gainReductionDB = 0.0;
+        bool muted = false;
+        bool bypassed = false;
+    };
+
+    struct Scene {
+        /// Counted from 1.
+        std::size_t number = 0;
+        std::string name;
     };
 
     /// Since the start.
@@ -21,10 +31,14 @@ struct MeterFrame {
     std::vector<Strip> strips = {};
     /// Linear RMS.
     double masterLevel = 0.0;
+    /// The leveler's gain, linear.
+    double masterGain = 1.0;
     double referenceLevel = 0.0;
     /// Share of a block's duration, 0 to 1.
     double cpuLoad = 0.0;
     std::uint32_t xruns = 0;
+    /// The scene that is selected; absent if none is.
+    std::optional<Scene> scene = {};
 };
 
 /// The frame for people, a line each: every strip, then master, reference, and load with xruns. Lines end
