@@ -55,7 +55,7 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     painter.setBrush(fill);
     painter.setPen(QPen(outline, 1.0));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-    painter.setPen(isEnabled() ? theme::primaryText : theme::divider.lighter(130));
+    painter.setPen(isEnabled() ? theme::primaryText : theme::disabledText);
     painter.drawText(rect(), Qt::AlignCenter, text());
 }
 

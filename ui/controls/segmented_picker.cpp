@@ -56,7 +56,7 @@ class Segment final : public QAbstractButton {
   private:
     const bool isFirst;
     const bool isLast;
-    QColor checkedFill = theme::accent.darker(170);
+    QColor checkedFill = theme::selection;
 };
 
 } // namespace

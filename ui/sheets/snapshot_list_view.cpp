@@ -39,7 +39,7 @@ class RowDelegate final : public QStyledItemDelegate {
         painter->setRenderHint(QPainter::Antialiasing);
         const bool isSelected = option.state.testFlag(QStyle::State_Selected);
         painter->setPen(Qt::NoPen);
-        painter->setBrush(isSelected ? theme::accent.darker(170) : theme::panelBackground);
+        painter->setBrush(isSelected ? theme::selection : theme::panelBackground);
         painter->drawRoundedRect(option.rect.adjusted(0, 1, 0, -1), cornerRadius, cornerRadius);
         painter->setFont(monospacedFont(12));
         painter->setPen(isSelected ? theme::primaryText : theme::secondaryText);

@@ -21,7 +21,7 @@ constexpr int slotHeight = 24;
 constexpr int textSize = 11;
 constexpr int textInset = 8;
 constexpr double cornerRadius = 3.0;
-constexpr double dimmed = 0.45;
+constexpr double dimmed = 0.5;
 /// The mark at the left edge of a slot that holds a plugin.
 constexpr double markWidth = 3.0;
 
@@ -160,9 +160,10 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(box, cornerRadius, cornerRadius);
     if (content == Content::empty && text().isEmpty()) return;
 
-    painter.setOpacity(
-        isBypassed || content == Content::loading || content == Content::notLive ? dimmed : 1.0
-    );
+    // What has failed is to be read, bypassed or not.
+    const bool isDimmed =
+        !isFailed && (isBypassed || content == Content::loading || content == Content::notLive);
+    painter.setOpacity(isDimmed ? dimmed : 1.0);
     if (content == Content::loaded) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(isBypassed ? theme::secondaryText : theme::accent);

@@ -31,11 +31,11 @@ QPalette makePalette() {
     palette.setColor(QPalette::ButtonText, theme::primaryText);
     palette.setColor(QPalette::ToolTipBase, theme::panelBackground);
     palette.setColor(QPalette::ToolTipText, theme::primaryText);
-    palette.setColor(QPalette::Highlight, theme::accent);
-    palette.setColor(QPalette::HighlightedText, theme::windowBackground);
+    palette.setColor(QPalette::Highlight, theme::selection);
+    palette.setColor(QPalette::HighlightedText, theme::primaryText);
     palette.setColor(QPalette::Link, theme::accent);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, theme::divider);
+        palette.setColor(QPalette::Disabled, role, theme::disabledText);
     return palette;
 }
 
@@ -55,6 +55,11 @@ QString makeStyleSheet() {
         QComboBox::drop-down { border: none; width: 18px; }
         QComboBox::down-arrow { image: url(:/icons/choose.svg); width: 10px; height: 10px; }
         QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
+        QComboBox { selection-background-color: %6; selection-color: white; }
+        QMenu::item:selected, QMenuBar::item:selected { background: %6; color: white; }
+        QMenu::item:disabled { color: %7; }
+        QMenu::item:selected:disabled { background: %1; }
+        QAbstractItemView::item:selected { background: %6; color: white; }
         QSlider::groove:horizontal { height: 4px; background: %5; border-radius: 2px; }
         QSlider::sub-page:horizontal { background: %4; border-radius: 2px; }
         QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; background: white; }
@@ -73,7 +78,6 @@ QString makeStyleSheet() {
         QPushButton:hover, QPushButton:default, QPushButton:focus { border-color: %4; }
         QPushButton:pressed { background: %2; }
         QListView#components { background: %3; border: 1px solid %2; border-radius: 4px; }
-        QListView#components::item:selected { background: %6; color: white; }
         QProgressBar { background: %3; border: none; border-radius: 2px; }
         QProgressBar::chunk { background: %4; border-radius: 2px; }
         QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; }
@@ -84,7 +88,7 @@ QString makeStyleSheet() {
     )")
         .arg(
             css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),
-            css(theme::raised), css(theme::accent.darker(170))
+            css(theme::raised), css(theme::selection), css(theme::disabledText)
         );
 }
 

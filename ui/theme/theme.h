@@ -17,8 +17,12 @@ inline const QColor panelBackground = QColor::fromRgbF(0.086F, 0.07F, 0.125F);
 inline const QColor divider = QColor::fromRgbF(0.3F, 0.26F, 0.38F);
 inline const QColor primaryText = QColor(Qt::white);
 inline const QColor secondaryText = QColor::fromRgbF(0.67F, 0.64F, 0.73F);
+/// What cannot be used now; at least 3:1 on every background.
+inline const QColor disabledText = QColor::fromRgbF(0.53F, 0.5F, 0.59F);
 /// What is selected, running, on.
 inline const QColor accent = QColor::fromRgbF(0.11F, 0.776F, 0.541F);
+/// Behind the row, the item or the choice that is selected; at least 4.5:1 under primary text.
+inline const QColor selection = accent.darker(170);
 /// The other end of the product word's gradient.
 inline const QColor secondAccent = QColor::fromRgbF(0.36F, 0.62F, 0.98F);
 /// Below the window: wells, tracks, fields.

@@ -1,0 +1,214 @@
+#include "ui/controls/menu_picker.h"
+#include "ui/strip/plugin_slot_view.h"
+#include "ui/theme/theme.h"
+#include "ui/windows/help_view.h"
+#include "ui/windows/orvane_app.h"
+#include "ui/windows/parameter_row.h"
+
+#include "mixer_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+#include <QToolButton>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+using namespace orvane::ui;
+
+/// As WCAG 2 defines it.
+double luminanceOf(QRgb color) {
+    const auto linear = [](int component) {
+        const double share = component / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) + 0.0722 * linear(qBlue(color));
+}
+
+/// How well the text of a picture stands out against what is behind it, which fills most of the picture.
+double contrastIn(const QImage& picture) {
+    std::map<QRgb, int> pixels;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            ++pixels[picture.pixel(x, y)];
+    const auto isRarer = [](const auto& one, const auto& other) { return one.second < other.second; };
+    const double behind = luminanceOf(std::ranges::max_element(pixels, isRarer)->first);
+    double best = 1.0;
+    for (const auto& [color, count] : pixels) {
+        const double text = luminanceOf(color);
+        best = std::max(best, (std::max(text, behind) + 0.05) / (std::min(text, behind) + 0.05));
+    }
+    return best;
+}
+
+constexpr double leastForText = 4.5;
+constexpr double leastForDisabledText = 3.0;
+
+/// Opens every kind of menu, picker and list, and measures how its rows can be read.
+class Contrast : public testing::Test {
+  protected:
+    Contrast() {
+        window = std::make_unique<ORVANEApp>(
+            ORVANEApp::Parts{machine.services(), preferences}, LaunchOptions{.channels = 24}
+        );
+        window->show();
+    }
+
+    [[nodiscard]] engine::MixerEngine& mixer() { return window->mixerRootView()->engine(); }
+    [[nodiscard]] platform::Uuid strip() { return mixer().state().channelStrips.get()[0].id; }
+    void load(std::size_t slot) {
+        mixer().loadPlugin(machine.effect, slot, strip());
+        machine.mainThread.runPosted();
+    }
+    void closeDialogs() {
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            dialog->reject();
+        deleteWhatIsDone();
+    }
+
+    void measure(QWidget& widget, const QRect& room, bool isEnabled, const QString& name) {
+        ++measured;
+        EXPECT_GE(contrastIn(widget.grab(room).toImage()), isEnabled ? leastForText : leastForDisabledText)
+            << name.toStdString() << " of " << widget.metaObject()->className();
+    }
+    void measureRows(QMenu& menu) {
+        menu.popup({});
+        for (QAction* active : menu.actions()) {
+            if (active->isSeparator() || !active->isVisible()) continue;
+            // A symbol would be taken for the text beside it.
+            active->setIconVisibleInMenu(false);
+            menu.setActiveAction(active);
+            measure(
+                menu, menu.actionGeometry(active).adjusted(4, 2, -4, -2), active->isEnabled(), active->text()
+            );
+            if (active->menu() != nullptr) measureRows(*active->menu());
+        }
+        menu.close();
+    }
+    /// `left`: where the texts begin, behind a symbol or a number.
+    void measureRows(QAbstractItemView& list, int left) {
+        for (int row = 0; row < std::min(list.model()->rowCount(list.rootIndex()), 4); ++row) {
+            const QModelIndex index = list.model()->index(row, 0, list.rootIndex());
+            list.setCurrentIndex(index);
+            if (!list.currentIndex().isValid()) continue;
+            const QRect room = list.visualRect(index).adjusted(left, 2, -4, -2);
+            if (!room.isEmpty())
+                measure(
+                    *list.viewport(), room, index.flags().testFlag(Qt::ItemIsEnabled), index.data().toString()
+                );
+        }
+    }
+    /// Those that can be seen.
+    void measurePickersAndLists(const QWidget& within) {
+        for (QComboBox* picker : within.findChildren<QComboBox*>()) {
+            if (!picker->isVisible()) continue;
+            picker->showPopup();
+            measureRows(*picker->view(), 4);
+            picker->hidePopup();
+        }
+        for (QAbstractItemView* list : within.findChildren<QAbstractItemView*>())
+            if (list->isVisible()) measureRows(*list, 26);
+    }
+    void measureTexts(const QWidget& within) {
+        QApplication::processEvents();
+        for (QWidget* each : within.findChildren<QWidget*>()) {
+            if (!each->isVisible() || each->visibleRegion().isEmpty()) continue;
+            if (auto* const button = qobject_cast<QToolButton*>(each)) button->setIcon({});
+            const auto* const picker = qobject_cast<QComboBox*>(each);
+            const QString text = picker ? picker->currentText() : each->property("text").toString();
+            if (text.trimmed().isEmpty()) continue;
+            const QRect room = each->rect().adjusted(2, 2, picker ? -20 : -2, -2);
+            measure(*each, room, each->isEnabled(), text);
+        }
+    }
+
+    MixerMachine machine;
+    platform::InMemoryPreferences preferences;
+    std::unique_ptr<ORVANEApp> window;
+    int measured = 0;
+};
+
+TEST_F(Contrast, OfTheActiveRowOfEveryMenu) {
+    for (QAction* menu : window->menuBar()->actions()) {
+        window->menuBar()->setActiveAction(menu);
+        measure(*window->menuBar(), window->menuBar()->actionGeometry(menu), true, menu->text());
+        menu->menu()->close();
+        measureRows(*menu->menu());
+    }
+    load(0);
+    PluginSlotView& slot = *viewsIn<PluginSlotView>(*window).front();
+    for (const char* preset : {"", "Warm"}) {
+        if (*preset != '\0') mixer().savePluginPreset(preset, 0, strip());
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+        QApplication::sendEvent(&slot, &event);
+        auto* const menu = slot.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+        ASSERT_NE(menu, nullptr);
+        measureRows(*menu);
+        deleteWhatIsDone();
+    }
+    const std::unique_ptr<QMenu> edit(window->findChild<QLineEdit*>()->createStandardContextMenu());
+    measureRows(*edit);
+    EXPECT_GT(measured, 30);
+}
+
+TEST_F(Contrast, OfTheActiveRowOfEveryPickerAndList) {
+    measurePickersAndLists(*window);
+    mixer().selectDevice(mixer().state().availableDevices.get().at(0));
+    measurePickersAndLists(*window);
+    for (int scene = 0; scene < 3; ++scene)
+        mixer().newSnapshot();
+    for (const char* opening : {"Audio / MIDI Devices", "Snapshots", "Load", "Insert 1 (empty)"}) {
+        buttonOf(*window, opening).click();
+        QTest::qWait(300);
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            if (dialog->isVisible()) measurePickersAndLists(*dialog);
+        closeDialogs();
+    }
+    HelpView help;
+    help.show();
+    measurePickersAndLists(help);
+    EXPECT_GT(measured, 100);
+}
+
+TEST_F(Contrast, OfEveryText) {
+    measureTexts(*window);
+    mixer().selectDevice(mixer().state().availableDevices.get().at(0));
+    for (const std::size_t slot : {0, 1})
+        load(slot);
+    mixer().setPluginBypassed(true, 1, strip());
+    machine.audioUnitHost.failure = platform::Error{"no licence"};
+    for (const std::size_t slot : {2, 3})
+        load(slot);
+    mixer().setPluginBypassed(true, 3, strip());
+    mixer().setMuted(strip(), true);
+    mixer().setBypassed(strip(), true);
+    mixer().setStereo(strip(), true);
+    mixer().start();
+    measureTexts(*window);
+    for (const char* opening :
+         {"Audio / MIDI Devices", "Snapshots", "Load", "Clear Outputs", "Insert 5 (empty)"}) {
+        buttonOf(*window, opening).click();
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            if (dialog->isVisible()) measureTexts(*dialog);
+        closeDialogs();
+    }
+    EXPECT_GT(measured, 300);
+}
+
+} // namespace
