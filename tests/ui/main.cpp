@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
-    // No display: widgets are painted into memory.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // No display: widgets are painted into memory, on a large screen and some small ones.
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" ORVANE_SCREENS);
     testing::InitGoogleTest(&argc, argv);
     orvane::ui::Application application(argc, argv);
     orvane::ui::applyTheme(application);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QLineEdit>
 #include <QTest>
 
@@ -92,7 +93,7 @@ TEST_F(Snapshots, AreSelectedByAClickAndAppliedByRecall) {
 TEST_F(Snapshots, ShowTheirPositionOnOneLine) {
     for (int scene = 0; scene < 100; ++scene)
         engine.newSnapshot();
-    sheet.layout()->activate();
+    QApplication::processEvents();
     const auto labels = sheet.findChildren<QLabel*>();
     const auto position = std::ranges::find(labels, QString("100 / 100"), &QLabel::text);
     ASSERT_NE(position, labels.end());

@@ -119,13 +119,8 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
          {makeDeviceSection(), makeBufferSizeSection(), makeMasterOutputSection(), makeMIDISection()})
         column->addLayout(section);
     column->addStretch();
-    auto* const scrollArea = new QScrollArea;
-    scrollArea->setFrameShape(QFrame::NoFrame);
-    scrollArea->setWidgetResizable(true);
-    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    QScrollArea* const scrollArea = makeSheetArea(sections);
     scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    scrollArea->setFocusPolicy(Qt::NoFocus);
-    scrollArea->setWidget(sections);
 
     auto* const buttonBar = new QHBoxLayout;
     buttonBar->setContentsMargins(padding, 12, padding, 12);

@@ -1,6 +1,9 @@
 #include "ui/sheets/sheet.h"
 
 #include "ui/controls/console_button.h"
+#include "ui/controls/screen_room.h"
+
+#include <QScrollArea>
 
 namespace orvane::ui {
 
@@ -13,7 +16,17 @@ constexpr int doneWidth = 90;
 Sheet::Sheet(const QString& title, const QSize& size, QWidget* parent) : QDialog(parent) {
     setWindowTitle(title);
     setWindowModality(Qt::WindowModal);
-    setFixedSize(size);
+    setFixedSize(size.boundedTo(screenRoom(parent != nullptr ? *parent : *this)));
+}
+
+QScrollArea* makeSheetArea(QWidget* content) {
+    auto* const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(content);
+    return area;
 }
 
 QWidget* makeDoneButton(QDialog& sheet) {

@@ -11,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -25,6 +26,7 @@ namespace {
 constexpr QSize sheetSize(440, 660);
 constexpr int padding = 16;
 constexpr int lineSpacing = 10;
+constexpr int lowestList = 112;
 constexpr QSize mainButtonSize(72, 22);
 constexpr int iconSize = 16;
 constexpr int insertLabelWidth = 56;
@@ -70,7 +72,10 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     learning->setText(learningText);
     empty->setAlignment(Qt::AlignCenter);
 
-    auto* const lines = new QVBoxLayout(this);
+    list->setMinimumHeight(lowestList);
+
+    auto* const content = new QWidget;
+    auto* const lines = new QVBoxLayout(content);
     lines->setContentsMargins(padding, padding, padding, padding);
     lines->setSpacing(lineSpacing);
     lines->addLayout(makeHeader());
@@ -86,6 +91,9 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     ));
     for (std::size_t slot = 0; slot < insertRows; ++slot)
         lines->addLayout(makeInsertRow(slot));
+    auto* const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(makeSheetArea(content));
 
     subscribe();
     showPosition();

@@ -1,15 +1,18 @@
 #include "ui/windows/orvane_app.h"
 
 #include "ui/controls/confirmation.h"
+#include "ui/controls/screen_room.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/windows/channel_count_picker_view.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QLayout>
 #include <QMenuBar>
 #include <QUrl>
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -88,6 +91,14 @@ void ORVANEApp::showProblems(const std::vector<std::string>& problems) {
     }
 }
 
+void ORVANEApp::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (event->spontaneous()) return;
+    centralWidget()->setMinimumSize(smallestContentHere());
+    layout()->activate();
+    if (!isMaximized() && !isFullScreen()) resize(size().boundedTo(screenRoom(*this)));
+}
+
 void ORVANEApp::closeEvent(QCloseEvent* event) {
     MixerRootView* const root = mixerRootView();
     if (mayClose || root == nullptr) return event->accept();
@@ -150,7 +161,7 @@ void ORVANEApp::showContent() {
         content = root;
     }
     if (parts.onMixer) parts.onMixer(root == nullptr ? nullptr : &root->engine().state());
-    content->setMinimumSize(smallestContent);
+    content->setMinimumSize(smallestContentHere());
     // A content that was there goes once its own doings are over.
     setCentralWidget(content);
     content->setFocus();
@@ -160,6 +171,14 @@ void ORVANEApp::showContent() {
     for (QAction* command : root->view().commands().all())
         sessionMenu->addAction(command);
     begin(*root);
+}
+
+QSize ORVANEApp::smallestContentHere() const {
+    // On a screen too low for both, the menu bar counts as part of the content.
+    const int bar = menuBar()->sizeHint().height();
+    const int room = screenRoom(*this).height() - bar;
+    return {
+        smallestContent.width(), std::clamp(room, smallestContent.height() - bar, smallestContent.height())};
 }
 
 void ORVANEApp::begin(MixerRootView& root) {

@@ -58,6 +58,7 @@ class ORVANEApp final : public QMainWindow {
     void showProblems(const std::vector<std::string>& problems);
 
   protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
   private:
@@ -65,6 +66,8 @@ class ORVANEApp final : public QMainWindow {
     /// Begins the session that has just been made as the command line said.
     void begin(MixerRootView& root);
     void showContent();
+    /// How small the content may become on the screen that the window is on.
+    [[nodiscard]] QSize smallestContentHere() const;
     /// Throws the session away and remembers the new size.
     void setChannelCount(std::int64_t count);
     void remember(std::string_view key, std::string_view value);

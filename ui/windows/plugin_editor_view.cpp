@@ -1,5 +1,6 @@
 #include "ui/windows/plugin_editor_view.h"
 
+#include "ui/controls/screen_room.h"
 #include "ui/controls/scroll_guard.h"
 #include "ui/controls/text_label.h"
 #include "ui/windows/parameter_row.h"
@@ -70,7 +71,8 @@ void PluginEditorView::addRows(QVBoxLayout& lines) {
 }
 
 QSize PluginEditorView::sizeHint() const {
-    return {minimumWidth(), std::min(area->widget()->sizeHint().height(), highest)};
+    return {
+        minimumWidth(), std::min({area->widget()->sizeHint().height(), highest, screenRoom(*this).height()})};
 }
 
 void PluginEditorView::showEvent(QShowEvent*) {
