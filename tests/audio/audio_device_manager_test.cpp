@@ -54,6 +54,16 @@ TEST_F(AudioDeviceManagerTest, LeavesOutADeviceThatCannotBeDescribed) {
     }
 }
 
+TEST_F(AudioDeviceManagerTest, AsksForNoDeviceThatWentBeforeTheListWasRead) {
+    hardware.afterSize = [this] {
+        hardware.afterSize = nullptr;
+        hardware.devices.erase(hardware.devices.begin() + 1, hardware.devices.end());
+    };
+    EXPECT_EQ(manager.allDevices().value(), std::vector{console});
+    for (const std::string& call : hardware.calls)
+        EXPECT_FALSE(call.starts_with("AudioObjectGetPropertyData 0 ")) << call;
+}
+
 TEST_F(AudioDeviceManagerTest, CountsNoChannelsWhereTheStreamsHaveNoSize) {
     hardware.failures = {{"AudioObjectGetPropertyDataSize 7 slay inpt", -1}};
     EXPECT_EQ(manager.allDevices().value().front().inputChannelCount, 0);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -49,6 +50,8 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
     /// The index in `calls` of one more call that fails.
     std::optional<std::size_t> failingCall;
     static constexpr platform::OSStatus failure = -50;
+    /// Called after each answer about a size, as devices may come and go at any time.
+    std::function<void()> afterSize;
     /// Every call but AudioUnitRender, whose cycles may not allocate.
     std::vector<std::string> calls;
 
@@ -80,14 +83,19 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
 
     PropertySize AudioObjectGetPropertyDataSize(Object object, const Address& address) override {
         const OSStatus status = recordProperty("AudioObjectGetPropertyDataSize", object, address);
-        return {status, static_cast<std::uint32_t>(valueOf(object, address).size())};
+        const auto size = static_cast<std::uint32_t>(valueOf(object, address).size());
+        if (afterSize) afterSize();
+        return {status, size};
     }
     PropertySize
     AudioObjectGetPropertyData(Object object, const Address& address, std::span<std::byte> data) override {
         const OSStatus status = recordProperty("AudioObjectGetPropertyData", object, address);
         const std::vector<std::byte> value = valueOf(object, address);
         if (status != platform::noErr) return {status, 0};
-        if (value.size() != data.size()) return {platform::kAudioHardwareBadPropertySizeError, 0};
+        // A list may have become shorter since its size was asked for.
+        const bool isList = object == platform::kAudioObjectSystemObject;
+        if (isList ? value.size() > data.size() : value.size() != data.size())
+            return {platform::kAudioHardwareBadPropertySizeError, 0};
         std::ranges::copy(value, data.begin());
         return {platform::noErr, static_cast<std::uint32_t>(value.size())};
     }

@@ -5,6 +5,7 @@
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
+#include "ui/meters/meters.h"
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/strip/plugin_slot_view.h"
 
@@ -135,6 +136,21 @@ TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
     EXPECT_EQ(state().channelStrips.get()[2], before[2]);
 }
 
+TEST_F(Strip, ShowsInEverySwitchAndMeterWhatIsItsOwn) {
+    for (const bool isMuted : {false, true})
+        for (const bool isBypassed : {false, true}) {
+            engine.setMuted(strip().id, isMuted);
+            engine.setBypassed(strip().id, isBypassed);
+            EXPECT_EQ(buttonOf(view, "Mute").accessibleDescription(), isMuted ? "On" : "") << isBypassed;
+            EXPECT_EQ(buttonOf(view, "Bypass").accessibleDescription(), isBypassed ? "On" : "") << isMuted;
+        }
+    engine.meterModel().channelMeters.set({1.0, 0.1, 0.0});
+    engine.meterModel().channelGainReductionDB.set({30.0, 15.0, 3.0});
+    const ChannelMeterColumn& meters = *viewsIn<ChannelMeterColumn>(view).at(0);
+    EXPECT_EQ(meters.reductionMeter().litSegments(), 10);
+    EXPECT_EQ(meters.levelMeter().litSegments(), 9);
+}
+
 TEST_F(Strip, ShowsALongNameFromItsBeginning) {
     auto& name = *view.findChild<QLineEdit*>();
     EXPECT_EQ(name.toolTip(), "");
@@ -180,6 +196,13 @@ TEST_F(Strip, OffersTheChannelsOfTheDevice) {
     pick("Output", "None");
     EXPECT_EQ(strip().outputRouting, session::OutputRouting{});
     EXPECT_FALSE(pan.isVisible());
+
+    // The last output of an odd number of them is in no pair.
+    for (const auto& [count, pairs] : {std::pair(2, 1), {3, 1}, {5, 2}, {6, 3}}) {
+        const auto routing = output::Stereo{0, 1, 0.0};
+        EXPECT_EQ(RoutingMenu::outputs(count, session::OutputRouting{routing}).labels.size(), 1 + pairs)
+            << count;
+    }
 
     // What a device does not have is shown all the same.
     engine.setOutputChannel(strip().id, 30);

@@ -228,6 +228,44 @@ TEST_F(Interface, SaysEverythingAsItIsWritten) {
     EXPECT_THAT(missing, IsEmpty());
 }
 
+TEST_F(Interface, ExplainsEveryControlWithItsOwnHelp) {
+    open(24);
+    mixer().selectDevice(mixer().state().availableDevices.get().at(0));
+    const std::pair<const char*, const char*> helps[] = {
+        {"Trigger filter", "Automix trigger filter"},
+        {"Vocal group", "Vocal group tag"},
+        {"Stereo", "Route this channel to a stereo output pair"},
+        {"Trim", "Trim — a plain per-channel level control"},
+        {"Target", "Target level for the total"},
+        {"Lead", "Group fader — adjusts the output level of every channel assigned to the Lead"},
+        {"Backing", "Group fader — adjusts the output level of every channel assigned to the Backing"},
+        {"Ducker Speed", "How long a channel takes to relax"},
+        {"Input Volume", "How loud the constant pink-noise reference"},
+        {"Master stereo", "Send the summed/leveled master bus"},
+        {"Channel layout", "Switch which channels are shown."},
+        {"1:1", "Reset every channel to a straight 1:1 patch"},
+        {"Clear Outputs", "Set every channel's output to None"},
+        {"Snapshots", "Store/recall full mixer states"},
+        {"Load", "Load a previously saved"},
+        {"Save", "Save/export the current session"},
+        {"Audio / MIDI Devices", "Choose the Core Audio device"},
+        {"24 Channels", "Change how many channels"},
+        {"Start", "Start the audio engine."},
+        {"Copy", "Arm Copy, then click a loaded plugin slot"},
+        {"Paste", "Copy a plugin first"}};
+    const QList<QWidget*> widgets = window->findChildren<QWidget*>();
+    for (const auto& [name, help] : helps) {
+        int explained = 0;
+        for (const QWidget* each : widgets) {
+            if (each->accessibleName() != name && each->property("text") != QString(name)) continue;
+            if (each->toolTip().isEmpty()) continue;
+            EXPECT_TRUE(each->toolTip().startsWith(help)) << name << ": " << each->toolTip().toStdString();
+            ++explained;
+        }
+        EXPECT_GT(explained, 0) << name;
+    }
+}
+
 /// What the Tab key reaches and does not say what it is, by the classes of its ancestors.
 void collectNameless(
     QAccessibleInterface& element, const std::string& above, std::vector<std::string>& nameless
