@@ -81,7 +81,7 @@ void addMIDICommand(CLI::App& program, Action& action) {
         "Ids stay the same when a source is connected again and after a reboot. With --send the program is "
         "itself a source, \"note\", until the note and its end are sent: it waits for a program that "
         "listens, "
-        "as a running mixer that takes notes from all sources does at once. Channels count from 0. "
+        "as a running mixer that takes notes from all sources does at once. Channels count from 1. "
         "ORVANE_DRIVERS=jack,alsa limits the ways to MIDI."
     );
     command->add_flag("--json", options->asJSON, "As one JSON object");

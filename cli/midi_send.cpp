@@ -70,15 +70,17 @@ bool waitForListener(MIDIOwnSource& source, double mostSeconds) {
 Result<SentNote> parseNote(std::string_view text) {
     const std::vector<std::string_view> parts = split(text);
     if (parts.size() == 2 || parts.size() == 3) {
-        const auto channel = parseNumber(parts[0], 0, 15);
+        const auto channel = parseNumber(parts[0], 1, 16);
         const auto note = parseNumber(parts[1], 0, 127);
         const auto velocity = parts.size() == 3 ? parseNumber(parts[2], 1, 127) : SentNote().velocity;
-        if (channel && note && velocity) return SentNote{*channel, *note, *velocity};
+        if (channel && note && velocity) {
+            const auto index = static_cast<std::uint8_t>(*channel - 1);
+            return SentNote{index, *note, *velocity};
+        }
     }
     return Error{fmt::format(
-        "{} is no note; write CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with a channel from 0 to 15, a note "
-        "from "
-        "0 to 127 and a velocity from 1 to 127.",
+        "{} is no note; write CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with a channel from 1 to 16, a note "
+        "from 0 to 127 and a velocity from 1 to 127.",
         text
     )};
 }

@@ -19,7 +19,7 @@ struct SentNote {
     bool operator==(const SentNote&) const = default;
 };
 
-/// Reads CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY.
+/// Reads CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with channels counted from 1.
 platform::Result<SentNote> parseNote(std::string_view text);
 
 /// Makes a MIDI source that other programs see, waits until one listens to it, and sends the note and then

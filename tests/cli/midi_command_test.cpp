@@ -33,10 +33,10 @@ using testing::HasSubstr;
 const std::string program = test::builtProgram("orvane-cli");
 
 TEST(MIDICommand, ReadsNotes) {
-    EXPECT_EQ(parseNote("0:0").value(), (SentNote{0, 0, 100}));
-    EXPECT_EQ(parseNote("15:127:1").value(), (SentNote{15, 127, 1}));
+    EXPECT_EQ(parseNote("1:0").value(), (SentNote{0, 0, 100}));
+    EXPECT_EQ(parseNote("16:127:1").value(), (SentNote{15, 127, 1}));
     for (const char* text :
-         {"", "60", "0:", ":60", "16:60", "0:128", "0:60:0", "0:60:128", "0:60:1:1", "0:60:", "-1:60",
+         {"", "60", "1:", ":60", "17:60", "0:60", "1:128", "1:60:0", "1:60:128", "1:60:1:1", "1:60:", "-1:60",
           "a:60"})
         EXPECT_THAT(parseNote(text).error().description, HasSubstr("is no note; write CHANNEL:NOTE")) << text;
 }
@@ -48,12 +48,12 @@ TEST(MIDICommand, ListsNothingAndSendsNothingWithoutAWayToMIDI) {
     EXPECT_EQ(
         nlohmann::json::parse(contentOf(folder / "stdout")), nlohmann::json::parse(R"({"sources":[]})")
     );
-    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 0:60"), 1);
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 1:60"), 1);
     EXPECT_EQ(
         contentOf(folder / "stderr"),
         "orvane-cli: There is neither a JACK server nor an ALSA sequencer to send the note through.\n"
     );
-    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 0:200"), 2);
+    EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 1:200"), 2);
     EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --seconds 3"), 2) << "only with --send";
 }
 
@@ -82,10 +82,10 @@ TEST(MIDICommand, ListsAndReachesOtherProgramsOnAJACKServer) {
         0
     ) << contentOf(folder / "stderr");
 
-    EXPECT_EQ(exitCodeOfShell(folder, jack + " midi --send 2:60 --seconds 0.1"), 1);
+    EXPECT_EQ(exitCodeOfShell(folder, jack + " midi --send 3:60 --seconds 0.1"), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("Nobody listened to the note"));
     auto sent = std::async(std::launch::async, [&] {
-        return exitCodeOfShell(folder, jack + " midi --send 2:60:90 --seconds 60");
+        return exitCodeOfShell(folder, jack + " midi --send 3:60:90 --seconds 60");
     });
     EXPECT_TRUE(test::waitFor([&] {
         const auto sources = other.sources();
