@@ -1,5 +1,6 @@
 #include "app/command_line.h"
 #include "app/desktop_services.h"
+#include "app/display.h"
 #include "app/managed_session.h"
 #include "audio/insert_workers.h"
 #include "engine/session_files.h"
@@ -40,19 +41,22 @@ constexpr auto housekeepingInterval = 50ms;
 /// How often a session manager is told whether there are changes to save; to look asks each plugin its state.
 constexpr auto changesInterval = 2s;
 
-/// Qt ends a program that finds no display; it is to say so in a line of the program's own.
-void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
-    if (type != QtFatalMsg) return;
+[[noreturn]] void endWithoutDisplay() {
     app::printMessage("There is no display to open a window on; orvane-cli run mixes without one.");
     std::_Exit(EXIT_FAILURE);
 }
 
+/// Qt ends a program whose display it cannot use; the line that says so is the program's own.
+void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+    if (type == QtFatalMsg) endWithoutDisplay();
+}
+
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
+    if (!app::hasDisplay()) endWithoutDisplay();
     const QtMessageHandler usual = qInstallMessageHandler(reportNoDisplay);
     auto application = std::make_unique<ui::Application>(argc, argv);
     qInstallMessageHandler(usual);
     QApplication::setApplicationName(QStringLiteral("orvane"));
-    QApplication::setApplicationDisplayName(QStringLiteral("ORVANE"));
     QApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("app.orvane.mixer"));
     QApplication::setWindowIcon(ui::applicationIcon());
