@@ -1,7 +1,11 @@
+#include "ui/controls/confirmation.h"
 #include "ui/controls/console_button.h"
+#include "ui/controls/menu_picker.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/qt_main_thread.h"
+#include "ui/strip/name_field.h"
+#include "ui/theme/theme.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +13,10 @@
 #include <QApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
 #include <QMouseEvent>
+#include <QRegularExpression>
 #include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
@@ -172,6 +179,52 @@ TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
         << QToolTip::text().toStdString();
     EXPECT_LT((*shown)->width(), 1000);
     QToolTip::hideText();
+}
+
+/// Whether nothing but an ellipsis stands at the end of a row of capital letters.
+bool endsWithDots(QWidget& widget, int end) {
+    const QImage upperHalf = widget.grab({end - 9, 4, 8, widget.height() / 2 - 4}).toImage();
+    for (int y = 0; y < upperHalf.height(); ++y)
+        for (int x = 0; x < upperHalf.width(); ++x)
+            if (upperHalf.pixel(x, y) != upperHalf.pixel(0, 0)) return false;
+    return true;
+}
+
+TEST(LongTexts, EndWithAnEllipsisUnlessTheyAreEdited) {
+    const QString longText = QStringLiteral("M").repeated(60);
+    NameField name(longText);
+    MenuPicker picker("Device", 120, {});
+    picker.present({longText, "Short"}, 0);
+    for (QWidget* each : {static_cast<QWidget*>(&name), static_cast<QWidget*>(&picker)})
+        each->resize(120, 24);
+    name.setCursorPosition(0);
+    EXPECT_TRUE(endsWithDots(name, 117));
+    EXPECT_TRUE(endsWithDots(picker, 98));
+    giveFocus(name);
+    EXPECT_FALSE(endsWithDots(name, 117));
+}
+
+TEST(Confirmation, CutsNoWordAndMarksWhatCannotBeUndone) {
+    QWidget window;
+    window.show();
+    const QString message = QStringLiteral("Couldn't read that settings file: %1 is missing.")
+                                .arg(QStringLiteral("channels[0].pluginSlots[0].").repeated(9));
+    showAlert(&window, "It failed.", message);
+    QApplication::processEvents();
+    const auto* const box = window.findChild<QMessageBox*>();
+    const auto* const label = box->findChild<QLabel*>("qt_msgbox_informativelabel");
+    const QRegularExpression breaks(QStringLiteral("[ \\x{200b}]"));
+    for (const QString& word : label->text().split(breaks))
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(word), label->width()) << word.toStdString();
+    EXPECT_EQ(label->text().remove(QChar(0x200b)), message);
+    delete box;
+
+    confirm(&window, {.title = "Really?", .message = {}, .action = "Go Ahead"}, [] {});
+    QApplication::processEvents();
+    for (QAbstractButton* button : window.findChild<QMessageBox*>()->buttons()) {
+        const QString fill = button->grab().toImage().pixelColor(4, 8).name();
+        EXPECT_EQ(fill == theme::red.darker(170).name(), button->text() == "Go Ahead") << fill.toStdString();
+    }
 }
 
 TEST(ConsoleButton, IsPressedOnceAndNotWhileItIsDisabled) {

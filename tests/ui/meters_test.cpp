@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QTest>
 
 #include <cmath>
 
@@ -88,8 +89,9 @@ TEST(Meters, FadeTheLoadOnceItFillsAnotherSegment) {
 
 TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
     audio::MeterModel model(2);
-    ChannelMeterColumn first(model, 0);
-    ChannelMeterColumn beyond(model, 7);
+    const audio::Published<bool> isRunning(true);
+    ChannelMeterColumn first(model, 0, isRunning);
+    ChannelMeterColumn beyond(model, 7, isRunning);
     for (ChannelMeterColumn* column : {&first, &beyond})
         column->show();
     model.channelMeters.set({1.0, 0.5, 0.25});
@@ -102,6 +104,30 @@ TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
     EXPECT_EQ(first.levelMeter().litSegments(), 18);
     first.show();
     EXPECT_EQ(first.levelMeter().litSegments(), 0);
+}
+
+TEST(Meters, FadeWhileNothingRuns) {
+    audio::MeterModel model(1);
+    audio::Published<bool> isRunning(true);
+    ChannelMeterColumn strip(model, 0, isRunning);
+    WideMeterColumn master(model.masterMeter, isRunning);
+    for (QWidget* column : {static_cast<QWidget*>(&strip), static_cast<QWidget*>(&master)}) {
+        column->show();
+        isRunning.set(true);
+        model.channelMeters.set({0.0});
+        model.channelGainReductionDB.set({0.0});
+        model.masterMeter.set(0.0);
+        const QImage dark = column->grab().toImage();
+        model.channelMeters.set({1.0});
+        model.channelGainReductionDB.set({9.0});
+        model.masterMeter.set(1.0);
+        const QImage lit = column->grab().toImage();
+        EXPECT_NE(lit, dark);
+        isRunning.set(false);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return column->grab().toImage() == dark; }));
+        isRunning.set(true);
+        EXPECT_EQ(column->grab().toImage(), lit);
+    }
 }
 
 /// Adds up what a widget is asked to repaint.

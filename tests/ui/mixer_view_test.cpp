@@ -1,7 +1,9 @@
 #include "ui/mixer/mixer_view.h"
 
+#include "engine/session/mixer_json_document.h"
 #include "engine/session_files.h"
 #include "platform/memory_shortage.h"
+#include "plugins/insert_components.h"
 #include "support/failing_allocation.h"
 #include "support/temporary_folder.h"
 #include "ui/controls/busy_notice.h"
@@ -273,6 +275,51 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     choosePath(folder / "missing" / "show.orvane");
     waitForFiles();
     EXPECT_FALSE(message("Export failed: ").isEmpty());
+}
+
+TEST_F(Mixer, BeginsDialogsBesideTheSessionsFile) {
+    const TemporaryFolder folder;
+    button("Save").click();
+    choosePath(folder / "show.orvane");
+    waitForFiles();
+    const TemporaryFolder elsewhere;
+    button("Load").click();
+    choosePath(elsewhere / "none.orvane");
+    waitForFiles();
+    for (const char* command : {"Save", "Load"}) {
+        button(command).click();
+        EXPECT_EQ(dialog<QFileDialog>()->directory().path().toStdString(), (folder / ".").parent_path())
+            << command;
+        dialog<QFileDialog>()->reject();
+    }
+}
+
+TEST_F(Mixer, NamesThePluginsOfASessionThatAreNotInstalled) {
+    const TemporaryFolder folder;
+    session::MixerJSONDocument show;
+    show.data.channels = session::settingsOf(session::makeDefaultStrips(3));
+    const auto put = [&show](std::size_t strip, std::size_t slot, const char* name, const auto& component) {
+        show.data.channels[strip].pluginSlots[slot].pluginName = name;
+        show.data.channels[strip].pluginSlots[slot].component = component;
+    };
+    put(0, 1, "Warmth", plugins::identityOf(machine.effect));
+    ASSERT_TRUE(show.write(folder / "complete.orvane"));
+    show.data.channels[1].name = "Choir";
+    put(1, 4, "Plate", session::AUComponentIdentity{1, 2, 3});
+    ASSERT_TRUE(show.write(folder / "incomplete.orvane"));
+    for (const char* name : {"complete.orvane", "incomplete.orvane"}) {
+        view->sessionFile().loadFrom(folder / name);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return state().channelStrips.get()[0].pluginSlots[1].pluginName.has_value();
+        }));
+        machine.mainThread.runPosted();
+        waitForFiles();
+        view->sessionFile().setSaved();
+    }
+    const auto alerts = viewsIn<QMessageBox>(*view);
+    ASSERT_EQ(alerts.size(), 1U);
+    EXPECT_TRUE(alerts[0]->informativeText().endsWith("\n\nPlate (Choir, insert 5)"))
+        << alerts[0]->informativeText().toStdString();
 }
 
 TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {

@@ -1,6 +1,7 @@
 #include "ui/windows/orvane_app.h"
 
 #include "engine/session_files.h"
+#include "plugins/insert_components.h"
 #include "ui/controls/busy_notice.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/strip/channel_strip_view.h"
@@ -228,7 +229,7 @@ TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
     const TemporaryFolder folder;
     session::MixerDocumentData document;
     document.channels = session::settingsOf(session::makeDefaultStrips(8));
-    document.channels[0].pluginSlots[0].component = session::AUComponentIdentity{1, 2, 3};
+    document.channels[0].pluginSlots[0].component = plugins::identityOf(machine.effect);
     // What is installed is known in a later turn, and so it waits at first.
     const auto window = launch({.session = document});
     for (const bool isWritable : {false, true}) {

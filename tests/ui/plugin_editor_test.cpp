@@ -75,6 +75,27 @@ class PluginEditor : public testing::Test {
 
 using Info = platform::AUParameterInfo;
 
+/// A parameter that nothing plays.
+struct LoneParameter final : platform::AUParameter {
+    [[nodiscard]] const Info& info() const override { return description; }
+    [[nodiscard]] float value() const noexcept override { return current; }
+    void setValue(float value) noexcept override { current = value; }
+
+    Info description;
+    float current = 0.0F;
+};
+
+TEST(ParameterRow, NamesAChoiceWithoutANameByItsValue) {
+    LoneParameter parameter;
+    parameter.description.kind = Info::Kind::choice;
+    parameter.description.namedValues = {{0.0F, "Off"}, {1.5F, ""}, {3.0F, " "}};
+    ParameterRow row(parameter);
+    const MenuPicker& menu = *viewsIn<MenuPicker>(row).at(0);
+    EXPECT_EQ(menu.itemText(0), "Off");
+    EXPECT_EQ(menu.itemText(1), "1.5");
+    EXPECT_EQ(menu.itemText(2), "3");
+}
+
 TEST_F(PluginEditor, SetsParametersAndShowsWhatChangesElsewhere) {
     EXPECT_EQ(view->windowTitle(), "Equalizer");
     auto& frequency = find([](const Info& info) { return info.isLogarithmic && info.unitName == "Hz"; });

@@ -1,5 +1,6 @@
 #include "ui/controls/confirmation.h"
 
+#include <QFontMetrics>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -9,6 +10,27 @@ namespace orvane::ui {
 
 namespace {
 
+/// That a sentence is read well in.
+constexpr int messageWidth = 340;
+constexpr QChar zeroWidthSpace(0x200b);
+
+/// The same text; a word that is wider than a line may break at the line's end.
+QString breakable(const QString& text, const QFontMetrics& metrics) {
+    QString broken;
+    QString word;
+    for (const QChar character : text) {
+        if (character.isSpace())
+            word.clear();
+        else if (metrics.horizontalAdvance(word + character) > messageWidth) {
+            broken += zeroWidthSpace;
+            word = character;
+        } else
+            word += character;
+        broken += character;
+    }
+    return broken;
+}
+
 QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& message) {
     auto* const box = new QMessageBox(parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
@@ -17,10 +39,11 @@ QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& tit
     box->setTextFormat(Qt::PlainText);
     box->setWindowTitle(title);
     box->setText(title);
-    box->setInformativeText(message);
-    // Nothing else gives the box a width that a sentence is read well in.
+    box->setInformativeText(breakable(message, box->fontMetrics()));
+    // Nothing else gives the box a width.
     box->setStyleSheet(QStringLiteral("#qt_msgbox_label { font-weight: bold; }"
-                                      "#qt_msgbox_informativelabel { min-width: 340px; }"));
+                                      "#qt_msgbox_informativelabel { min-width: %1px; }")
+                           .arg(messageWidth));
     return box;
 }
 
@@ -31,7 +54,10 @@ void confirm(
     std::function<void()> onAlternative
 ) {
     QMessageBox* const box = makeBox(parent, QMessageBox::Warning, question.title, question.message);
-    QPushButton* const action = box->addButton(question.action, QMessageBox::DestructiveRole);
+    auto* const action = new QPushButton(question.action);
+    // Before the box gives it its look.
+    action->setObjectName(QStringLiteral("destructive"));
+    box->addButton(action, QMessageBox::DestructiveRole);
     if (!question.alternative.isEmpty())
         QObject::connect(
             box->addButton(question.alternative, QMessageBox::AcceptRole), &QPushButton::clicked, box,

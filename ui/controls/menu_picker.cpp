@@ -1,10 +1,21 @@
 #include "ui/controls/menu_picker.h"
 
+#include <QAbstractItemView>
+#include <QScrollBar>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
 #include <QWheelEvent>
 
 #include <utility>
 
 namespace orvane::ui {
+
+namespace {
+
+/// What a label leaves free at both sides of its text.
+constexpr int labelInset = 2;
+
+} // namespace
 
 MenuPicker::MenuPicker(const QString& name, int width, std::function<void(int)> onChoose) {
     setAccessibleName(name);
@@ -21,6 +32,25 @@ void MenuPicker::present(const QStringList& choices, int current, const QString&
     }
     setPlaceholderText(placeholder);
     setCurrentIndex(current);
+}
+
+void MenuPicker::showPopup() {
+    view()->setMinimumWidth(view()->sizeHintForColumn(0) + view()->verticalScrollBar()->sizeHint().width());
+    QComboBox::showPopup();
+}
+
+void MenuPicker::paintEvent(QPaintEvent*) {
+    QStylePainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    if (currentIndex() < 0) option.currentText = placeholderText();
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    const QRect room =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    option.currentText =
+        fontMetrics().elidedText(option.currentText, Qt::ElideRight, room.width() - labelInset);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 
 void MenuPicker::wheelEvent(QWheelEvent* event) {

@@ -18,7 +18,12 @@ class MenuPicker final : public QComboBox {
     /// Offers `choices` and shows the one at `current`, or else `placeholder`.
     void present(const QStringList& choices, int current, const QString& placeholder = {});
 
+    /// As wide as the longest choice.
+    void showPopup() override;
+
   protected:
+    /// Ends with "…" what is too long.
+    void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
   private:

@@ -114,7 +114,8 @@ void MeterScaleView::paintEvent(QPaintEvent*) {
 }
 
 ChannelMeterColumn::ChannelMeterColumn(
-    const audio::MeterModel& meterModel, std::size_t stripIndex, QWidget* parent
+    const audio::MeterModel& meterModel, std::size_t stripIndex, const audio::Published<bool>& isRunning,
+    QWidget* parent
 )
     : QWidget(parent),
       model(meterModel),
@@ -130,6 +131,13 @@ ChannelMeterColumn::ChannelMeterColumn(
     reduction.setToolTip(QString::fromUtf8(reductionHelp));
     subscriptions.push_back(model.channelMeters.subscribe([this](const auto&) { showLevel(); }));
     subscriptions.push_back(model.channelGainReductionDB.subscribe([this](const auto&) { showReduction(); }));
+    subscriptions.push_back(isRunning.subscribe([this](bool now) { rest(now); }));
+    rest(isRunning.get());
+}
+
+void ChannelMeterColumn::rest(bool isRunning) {
+    level.setResting(!isRunning);
+    reduction.setResting(!isRunning);
 }
 
 void ChannelMeterColumn::showEvent(QShowEvent*) {
@@ -152,18 +160,19 @@ void ChannelMeterColumn::showReduction() {
 }
 
 WideMeterColumn::WideMeterColumn(
-    const audio::Published<double>& value, std::optional<QColor> tint, QWidget* parent
+    const audio::Published<double>& value, const audio::Published<bool>& isRunning,
+    std::optional<QColor> tint, QWidget* parent
 )
-    : QWidget(parent),
-      level(columnSegments, tint, this),
-      scale(this),
-      subscription(value.subscribe([this](double rms) { level.setLevel(rms); })) {
+    : QWidget(parent), level(columnSegments, tint, this), scale(this) {
     const int left = lyingOverhang.left();
     const int height = wideMeterSize.height() + wideScaleSize.height();
     setFixedSize(left + wideMeterSize.width() + lyingOverhang.right(), height + lyingOverhang.bottom());
     level.setGeometry(QRect(QPoint(left, 0), wideMeterSize));
     scale.setFrame(QRect(QPoint(left, wideMeterSize.height()), wideScaleSize));
+    subscriptions.push_back(value.subscribe([this](double rms) { level.setLevel(rms); }));
+    subscriptions.push_back(isRunning.subscribe([this](bool now) { level.setResting(!now); }));
     level.setLevel(value.get());
+    level.setResting(!isRunning.get());
 }
 
 } // namespace orvane::ui

@@ -79,12 +79,14 @@ class MeterScaleView final : public QWidget {
     QRect frame;
 };
 
-/// Level, gain reduction and scale of one strip.
+/// Level, gain reduction and scale of one strip; dark while no audio runs.
 class ChannelMeterColumn final : public QWidget {
   public:
-    /// Shows entry `stripIndex` of the model's meters; 0 where there is none. The model outlives the column.
+    /// Shows entry `stripIndex` of the model's meters; 0 if it has none. The model and `isRunning` outlive
+    /// the column.
     ChannelMeterColumn(
-        const audio::MeterModel& meterModel, std::size_t stripIndex, QWidget* parent = nullptr
+        const audio::MeterModel& meterModel, std::size_t stripIndex, const audio::Published<bool>& isRunning,
+        QWidget* parent = nullptr
     );
 
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
@@ -96,6 +98,7 @@ class ChannelMeterColumn final : public QWidget {
   private:
     void showLevel();
     void showReduction();
+    void rest(bool isRunning);
 
     const audio::MeterModel& model;
     const std::size_t index;
@@ -105,13 +108,13 @@ class ChannelMeterColumn final : public QWidget {
     std::vector<audio::Subscription> subscriptions;
 };
 
-/// A level above its scale: the master bus's or the reference noise's.
+/// A level above its scale: the master bus's or the reference noise's. Dark while no audio runs.
 class WideMeterColumn final : public QWidget {
   public:
-    /// `value`: linear RMS; outlives the column.
-    explicit WideMeterColumn(
-        const audio::Published<double>& value, std::optional<QColor> tint = std::nullopt,
-        QWidget* parent = nullptr
+    /// `value`: linear RMS; outlives the column, as `isRunning` does.
+    WideMeterColumn(
+        const audio::Published<double>& value, const audio::Published<bool>& isRunning,
+        std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr
     );
 
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
@@ -119,7 +122,7 @@ class WideMeterColumn final : public QWidget {
   private:
     MeterView level;
     MeterScaleView scale;
-    audio::Subscription subscription;
+    std::vector<audio::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

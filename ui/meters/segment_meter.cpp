@@ -9,8 +9,34 @@
 
 namespace orvane::ui {
 
+namespace {
+
+constexpr int restingMs = 600;
+
+} // namespace
+
 SegmentMeter::SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* parent)
-    : QWidget(parent), count(segmentCount), style(meterStyle) {}
+    : QWidget(parent), count(segmentCount), style(meterStyle) {
+    resting.setDuration(restingMs);
+    resting.setStartValue(1.0);
+    resting.setEndValue(0.0);
+    connect(&resting, &QVariantAnimation::valueChanged, this, [this](const QVariant& share) {
+        setPresence(share.toDouble());
+    });
+}
+
+void SegmentMeter::setResting(bool isResting) {
+    resting.stop();
+    if (isResting && isVisible())
+        resting.start();
+    else
+        setPresence(isResting ? 0.0 : 1.0);
+}
+
+void SegmentMeter::setPresence(double share) {
+    presence = share;
+    repaintSegments(0, lit);
+}
 
 void SegmentMeter::setLit(int segmentsToLight) {
     if (segmentsToLight == lit) return;
@@ -32,7 +58,7 @@ void SegmentMeter::paintEvent(QPaintEvent* event) {
     for (int k = 0; k < static_cast<int>(segments.size()); ++k) {
         const QRectF& segment = segments[static_cast<std::size_t>(k)];
         if (!event->rect().intersects(segment.toAlignedRect())) continue;
-        const double brightness = brightnessOf(k);
+        const double brightness = brightnessOf(k) * presence;
         if (brightness < 1.0) {
             painter.setBrush(theme::unlit);
             painter.drawRoundedRect(segment, style.cornerRadius, style.cornerRadius);

@@ -2,6 +2,7 @@
 
 #include "ui/meters/segments.h"
 
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <vector>
@@ -24,6 +25,9 @@ class SegmentMeter : public QWidget {
     [[nodiscard]] int segmentCount() const { return count; }
     [[nodiscard]] int litSegments() const { return lit; }
 
+    /// While nothing is measured, what is lit fades away and stays dark; otherwise it shows at once.
+    void setResting(bool isResting);
+
   protected:
     void setLit(int segments);
 
@@ -37,9 +41,14 @@ class SegmentMeter : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void setPresence(double share);
+
     const int count;
     const Style style;
     int lit = 0;
+    /// How much of what is lit can be seen, 0 to 1.
+    double presence = 1.0;
+    QVariantAnimation resting;
     std::vector<QRectF> segments;
 };
 

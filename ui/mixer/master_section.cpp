@@ -174,7 +174,7 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
 QLayout* MasterSection::makeMasterGroup() {
     QVBoxLayout* const lines = makeGroup();
     lines->addLayout(makeRow(true, makeTitle(QStringLiteral("Master")), status));
-    lines->addWidget(new WideMeterColumn(engine.meterModel().masterMeter));
+    lines->addWidget(new WideMeterColumn(engine.meterModel().masterMeter, engine.state().isRunning));
     lines->addLayout(makeRow(false, makeCaption(QStringLiteral("Target")), target.slider, target.value));
     lines->addWidget(new MasterOutputControl(engine));
     lines->addStretch();
@@ -212,7 +212,9 @@ QLayout* MasterSection::makeDuckerGroup() {
 QLayout* MasterSection::makeNoiseGroup() {
     QVBoxLayout* const lines = makeGroup();
     lines->addWidget(makeTitle(QStringLiteral("Pink Noise")));
-    lines->addWidget(new WideMeterColumn(engine.meterModel().pinkNoiseLevel, theme::pink));
+    lines->addWidget(
+        new WideMeterColumn(engine.meterModel().pinkNoiseLevel, engine.state().isRunning, theme::pink)
+    );
     lines->addLayout(makeRow(false, makeCaption(QStringLiteral("Input Volume")), noise.slider, noise.value));
     lines->addWidget(makeText(
         QStringLiteral("Reference signal for the automix only — never sent to any output."),

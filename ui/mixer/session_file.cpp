@@ -5,6 +5,7 @@
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/confirmation.h"
 #include "ui/mixer/channel_area.h"
+#include "ui/mixer/missing_plugins.h"
 #include "ui/mixer/session_names.h"
 
 #include <QFileDialog>
@@ -28,6 +29,11 @@ namespace {
 const QString savedFilter = QStringLiteral("ORVANE Session (*.orvane)");
 const QString loadedFilter = QStringLiteral("ORVANE Session (*.orvane *.json)");
 const QString exportName = QStringLiteral("ORVANE Settings");
+
+const QString missingTitle = QStringLiteral("Plugins of this session are not installed.");
+const QString missingText =
+    QStringLiteral("These inserts pass the sound on unchanged. Install their plugins and load the session "
+                   "again, or choose others.\n\n%1");
 
 const Confirmation replaceQuestion{
     .title = QStringLiteral("Replace this session?"),
@@ -94,7 +100,7 @@ SessionFile::~SessionFile() = default;
 
 void SessionFile::save(std::function<void()> then) {
     const Document exportDocument = documentNow();
-    auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), {}, savedFilter);
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), folder(), savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->selectFile(exportName);
     connect(
@@ -138,7 +144,7 @@ void SessionFile::setFile(std::optional<std::filesystem::path> path) {
 }
 
 void SessionFile::load() {
-    auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), {}, loadedFilter);
+    auto* const dialog = new QFileDialog(&window, QStringLiteral("Load"), folder(), loadedFilter);
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& name) {
         loadFrom(toPath(name));
@@ -290,6 +296,7 @@ void SessionFile::apply(const Document& document, const Report& then) {
             ownFile.reset();
             // Where there is no memory for this, it counts as unsaved.
             platform::runUnlessOutOfMemory([this] { setSaved(); });
+            platform::runUnlessOutOfMemory([this] { showMissingPlugins(); });
         }
         conclude(loaded, then);
     };
@@ -300,6 +307,15 @@ void SessionFile::apply(const Document& document, const Report& then) {
         components.whenFound([this, hand, shortage] { attempt(hand, shortage); });
     };
     whenIdle({handOnceFound, shortage});
+}
+
+void SessionFile::showMissingPlugins() {
+    const QStringList missing = missingPlugins(engine);
+    if (!missing.isEmpty()) showAlert(&window, missingTitle, missingText.arg(missing.join(QChar(u'\n'))));
+}
+
+QString SessionFile::folder() const {
+    return ownFile ? toName(ownFile->parent_path()) : QString();
 }
 
 SessionFile::Document SessionFile::documentNow() const {

@@ -74,6 +74,9 @@ class SessionFile final : public QObject {
     };
 
     [[nodiscard]] Document documentNow() const;
+    /// Where dialogs begin: beside the session's own file.
+    [[nodiscard]] QString folder() const;
+    void showMissingPlugins();
     /// Runs `task` once nothing is under way any more.
     void whenIdle(Task task);
     void begin(const char* text);

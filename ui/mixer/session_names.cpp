@@ -16,6 +16,10 @@ std::filesystem::path toPath(const QString& name) {
     return QFile::encodeName(name).toStdString();
 }
 
+QString toName(const std::filesystem::path& path) {
+    return QFile::decodeName(path.c_str());
+}
+
 bool isSessionName(const QString& name) {
     return name.endsWith(sessionSuffix, Qt::CaseInsensitive)
            || name.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive);

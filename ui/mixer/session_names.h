@@ -8,6 +8,9 @@ namespace orvane::ui {
 
 // The names of session files, which are bytes to the system and text to dialogs. Main thread.
 
+/// A path as a dialog writes it.
+QString toName(const std::filesystem::path& path);
+
 /// The file that a dialog or something that is dragged names.
 std::filesystem::path toPath(const QString& name);
 

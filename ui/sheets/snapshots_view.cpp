@@ -78,7 +78,8 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     auto* const lines = new QVBoxLayout(content);
     lines->setContentsMargins(padding, padding, padding, padding);
     lines->setSpacing(lineSpacing);
-    lines->addLayout(makeHeader());
+    QWidget* const done = makeDoneButton(*this);
+    lines->addLayout(makeHeader(done));
     lines->addLayout(makeNavigation());
     lines->addLayout(makeMainButtons());
     lines->addWidget(learning);
@@ -99,15 +100,16 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     showPosition();
     showLearning();
     showRecallSafe();
-    list->setFocus();
+    // Space is to change nothing before the operator has chosen a control.
+    (list->count() > 0 ? list : done)->setFocus();
 }
 
-QLayout* SnapshotsView::makeHeader() {
+QLayout* SnapshotsView::makeHeader(QWidget* done) {
     auto* const row = new QHBoxLayout;
     row->addWidget(
         makeText(QStringLiteral("Snapshots"), TextStyle::title3, theme::primaryText, QFont::Bold), 1
     );
-    row->addWidget(makeDoneButton(*this));
+    row->addWidget(done);
     return row;
 }
 

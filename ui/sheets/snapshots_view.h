@@ -30,7 +30,7 @@ class SnapshotsView final : public Sheet {
     /// The insert slots that have a row.
     static constexpr std::size_t insertRows = 3;
 
-    QLayout* makeHeader();
+    QLayout* makeHeader(QWidget* done);
     QLayout* makeNavigation();
     QLayout* makeMainButtons();
     QLayout* makeEditButtons();

@@ -7,6 +7,7 @@
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/meters/meters.h"
+#include "ui/strip/name_field.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/theme/theme.h"
 
@@ -28,8 +29,6 @@ constexpr int contentWidth = stripWidth - 2 * padding;
 constexpr int gap = 4;
 constexpr int groupGap = 6;
 constexpr int nameHeight = 24;
-/// What a line edit leaves free at either side of its text.
-constexpr int nameInset = 3;
 constexpr int rowHeight = 22;
 constexpr int panHeight = 18;
 constexpr int stereoWidth = 32;
@@ -78,7 +77,7 @@ ChannelStripView::ChannelStripView(
       engine(mixerEngine),
       stripIndex(index),
       stripID(mixerEngine.state().channelStrips.get().at(index).id),
-      name(new QLineEdit),
+      name(new NameField),
       genderMode(new SegmentedPicker(
           QStringLiteral("Trigger filter"), {QStringLiteral("—"), QStringLiteral("♂"), QStringLiteral("♀")},
           [this](int choice) { engine.setGenderMode(stripID, static_cast<dsp::GenderTriggerMode>(choice)); }
@@ -106,7 +105,7 @@ ChannelStripView::ChannelStripView(
     name->installEventFilter(this);
     connect(name, &QLineEdit::editingFinished, this, [this] { commitName(); });
     connect(name, &QLineEdit::textChanged, this, [this](const QString& text) {
-        const bool fits = name->fontMetrics().horizontalAdvance(text) <= contentWidth - 2 * nameInset;
+        const bool fits = elidedIn(text, name->fontMetrics(), contentWidth) == text;
         name->setToolTip(fits ? QString() : text);
     });
     genderMode->setToolTip(genderHelp);
@@ -201,7 +200,7 @@ QLayout* ChannelStripView::makeLevels() {
     fader->addWidget(trimValue, 0, Qt::AlignHCenter);
     fader->addStretch();
     auto* const row = new QHBoxLayout;
-    row->addWidget(new ChannelMeterColumn(engine.meterModel(), stripIndex));
+    row->addWidget(new ChannelMeterColumn(engine.meterModel(), stripIndex, engine.state().isRunning));
     row->addStretch();
     row->addLayout(fader);
     return row;

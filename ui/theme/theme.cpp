@@ -77,6 +77,9 @@ QString makeStyleSheet() {
         QPushButton { background: %5; border: 1px solid %2; border-radius: 4px; padding: 5px 14px; min-width: 60px; }
         QPushButton:hover, QPushButton:default, QPushButton:focus { border-color: %4; }
         QPushButton:pressed { background: %2; }
+        QPushButton#destructive { background: %8; border-color: %9; }
+        QPushButton#destructive:hover, QPushButton#destructive:focus { border-color: white; }
+        QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
         QListView#components { background: %3; border: 1px solid %2; border-radius: 4px; }
         QProgressBar { background: %3; border: none; border-radius: 2px; }
         QProgressBar::chunk { background: %4; border-radius: 2px; }
@@ -88,7 +91,8 @@ QString makeStyleSheet() {
     )")
         .arg(
             css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),
-            css(theme::raised), css(theme::selection), css(theme::disabledText)
+            css(theme::raised), css(theme::selection), css(theme::disabledText), css(theme::red.darker(170)),
+            css(theme::red)
         );
 }
 

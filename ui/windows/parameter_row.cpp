@@ -27,6 +27,12 @@ constexpr int rowHeight = 24;
 constexpr int spacing = 10;
 constexpr int meterPlaces = 1000;
 
+/// A choice without a name is known by its value.
+QString labelOf(const AUParameterInfo::NamedValue& choice) {
+    const QString label = QString::fromStdString(choice.label).simplified();
+    return label.isEmpty() ? QString::number(choice.value) : label;
+}
+
 } // namespace
 
 ParameterRow::ParameterRow(platform::AUParameter& edited) : parameter(edited) {
@@ -99,7 +105,7 @@ void ParameterRow::makeMenu() {
     });
     QStringList labels;
     for (const AUParameterInfo::NamedValue& choice : named)
-        labels.append(QString::fromStdString(choice.label));
+        labels.append(labelOf(choice));
     layout()->addWidget(menu);
     show = [this, menu, labels](float now) {
         const auto& choices = parameter.info().namedValues;
