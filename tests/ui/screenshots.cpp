@@ -152,6 +152,8 @@ class Photographer final {
         closeDialogs();
         QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, slot.mapToGlobal(QPoint(60, 12)));
         QApplication::sendEvent(&slot, &event);
+        for (QMenu* menu : slot.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
+            menu->setActiveAction(menu->actions().at(1));
         take("plugin-menu");
         for (QMenu* menu : slot.findChildren<QMenu*>())
             menu->close();
