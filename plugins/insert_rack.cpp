@@ -194,8 +194,6 @@ void InsertRack::takeBack(LivePlugins before) {
     *loadsAreWanted = false;
     loadsAreWanted = std::move(before.loadsAreWanted);
     loadedPlugins = std::move(before.plugins);
-    for (const auto& [key, plugin] : loadedPlugins)
-        retired.takeBack(plugin);
     owner.setPluginLoadStates(std::move(before.loadStates));
 }
 

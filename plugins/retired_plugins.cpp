@@ -22,11 +22,6 @@ void RetiredPlugins::add(const std::shared_ptr<LoadedInsertPlugin>& plugin) {
     inTables.push_back(plugin);
 }
 
-void RetiredPlugins::takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept {
-    std::erase(inTables, plugin);
-    std::erase(withdrawn, plugin);
-}
-
 void RetiredPlugins::wereWithdrawn() {
     withdrawn.insert(
         withdrawn.end(), std::make_move_iterator(inTables.begin()), std::make_move_iterator(inTables.end())

@@ -24,9 +24,6 @@ class RetiredPlugins final {
     /// Keeps a plugin whose context the tables may still have. Throws std::bad_alloc where it cannot.
     void add(const std::shared_ptr<LoadedInsertPlugin>& plugin);
 
-    /// Lets go of a plugin that is live again, if it is here.
-    void takeBack(const std::shared_ptr<LoadedInsertPlugin>& plugin) noexcept;
-
     /// The tables are without all that were added.
     void wereWithdrawn();
 
