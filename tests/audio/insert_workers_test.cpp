@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <iterator>
@@ -25,10 +26,19 @@ using audio::InsertWorkers;
 
 constexpr std::size_t frames = 64;
 
+/// A clock that goes on by itself by so many ticks a look, and by whatever is added to it.
+std::atomic<std::uint64_t> ticks;
+std::atomic<std::uint64_t> ticksPerLook;
+constexpr platform::HostClock scriptedClock{
+    []() noexcept { return ticks += ticksPerLook; }, {.numer = 1, .denom = 1}};
+
 /// Two strips with an effect each that doubles its input and first does something else.
 struct TwoStrips {
-    explicit TwoStrips(std::size_t workerCount = 1) {
-        state.insertWorkers = test::startWorkers(workerCount, 2, platform::HostClock::system(), limits);
+    explicit TwoStrips(
+        std::size_t workerCount = 1, platform::HostClock clock = platform::HostClock::system(),
+        const InsertWorkers::Limits& given = limits
+    ) {
+        state.insertWorkers = test::startWorkers(workerCount, 2, clock, given);
     }
 
     audio::InsertTable makeTable() {
@@ -103,6 +113,65 @@ TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilIt
     strips.state.updatePlugins(strips.makeTable());
     strips.before[0] = strips.before[1] = [] {};
     EXPECT_TRUE(test::waitFor([&] { return strips.run() == std::pair(2.0, 2.0); }));
+}
+
+TEST(InsertWorkers, TakePartFromAHighLoadOnUntilItIsLow) {
+    constexpr std::uint64_t blockTicks = 1000000000;
+    ticks = ticksPerLook = 0;
+    TwoStrips strips(1, scriptedClock, {.waitedFor = 1e9});
+    strips.state.updatePlugins(strips.makeTable());
+    // The most that a block has lately taken sinks slowly from one to the next.
+    const auto runBlocks = [&](int count, double load) {
+        strips.before[0] = [load] { ticks += static_cast<std::uint64_t>(load * blockTicks); };
+        strips.before[1] = [] {};
+        for (int block = 0; block < count; ++block)
+            strips.run();
+    };
+    const auto doTakePart = [&](bool isExpected) {
+        std::atomic<bool> hasTaken = false;
+        strips.before[0] = [&, ioThread = std::this_thread::get_id()] {
+            if (isExpected && std::this_thread::get_id() == ioThread)
+                test::waitFor([&] { return hasTaken.load(); });
+        };
+        strips.before[1] = [&, ioThread = std::this_thread::get_id()] {
+            if (std::this_thread::get_id() != ioThread) hasTaken = true;
+        };
+        for (int block = 0; block < (isExpected ? 1 : 100); ++block)
+            strips.run();
+        return hasTaken.load();
+    };
+    EXPECT_FALSE(doTakePart(false));
+    runBlocks(1, 0.58);
+    EXPECT_FALSE(doTakePart(false));
+    runBlocks(1, 0.62);
+    EXPECT_TRUE(doTakePart(true));
+    runBlocks(800, 0.0);
+    EXPECT_TRUE(doTakePart(true)) << "about 0.42";
+    runBlocks(200, 0.0);
+    EXPECT_FALSE(doTakePart(false)) << "about 0.38";
+    runBlocks(1, 0.58);
+    EXPECT_FALSE(doTakePart(false));
+}
+
+TEST(InsertWorkers, AreWaitedForUntilThreeQuartersOfABlock) {
+    constexpr std::uint64_t blockTicks = 1000000000;
+    InsertWorkers::Limits always;
+    always.sharedFrom = always.unsharedBelow = -1.0;
+    TwoStrips strips(1, scriptedClock, always);
+    strips.state.updatePlugins(strips.makeTable());
+    strips.run();
+    std::atomic<bool> isEntered = false;
+    std::atomic<bool> isReleased = false;
+    strips.before[0] = [&] { test::waitFor([&] { return isEntered.load(); }); };
+    strips.before[1] = [&] {
+        isEntered = true;
+        test::waitFor([&] { return isReleased.load(); });
+    };
+    ticksPerLook = blockTicks / 1000;
+    const std::uint64_t begun = ticks;
+    EXPECT_EQ(strips.run(), std::pair(2.0, 1.0));
+    EXPECT_NEAR(static_cast<double>(ticks - begun) / blockTicks, 0.75, 0.01);
+    isReleased = true;
 }
 
 TEST(InsertWorkers, TakeNothingWithoutTheirPriority) {

@@ -54,8 +54,12 @@ TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
     engine->setPluginBypassed(true, 4, id(0));
     EXPECT_EQ(heard(), 1.0F);
     engine->setPluginBypassed(false, 4, id(0));
+    EXPECT_EQ(heard(), 3.0F);
+    engine->setPluginBypassed(true, 4, id(0));
+    engine->loadPlugin(stereo, 4, id(0), stateOf(3.0));
+    EXPECT_FALSE(record(4).bypassed);
     engine->loadPlugin(mono, 0, id(0));
-    audioUnitHost.deliver();
+    audioUnitHost.deliverAll();
     mainThread.runPosted();
     audioUnitHost.lastUnit()->gain = 0.5F;
     EXPECT_EQ(heard(), 1.5F);
@@ -276,13 +280,16 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     slots[3].presetData = stateOf(4.0);
     slots[4].component = session::AUComponentIdentity{1, 2, 3};
     slots[4].pluginName.reset();
+    document.channels[1].pluginSlots[0] = slots[0];
+    document.channels[1].pluginSlots[0].presetData = stateOf(3.0);
     document.channels[0].name = "Alto";
     document.pluginSlotRecallSafe = {false, false, true};
     const int before = audioUnitHost.instantiations;
     engine->applyDocument(document);
     mainThread.runPosted();
-    EXPECT_EQ(audioUnitHost.instantiations, before + 1);
+    EXPECT_EQ(audioUnitHost.instantiations, before + 2);
     EXPECT_EQ(heard(), 0.5F * 6.0F * 4.0F);
+    EXPECT_EQ(heard(1), 3.0F);
     EXPECT_EQ(loadState(1), std::nullopt);
     EXPECT_EQ(loadState(3), PluginLoadState(load_state::Loaded{}));
     EXPECT_EQ(loadState(4), std::nullopt);
@@ -291,7 +298,7 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
         message(),
         "Couldn't find installed plugin \"?\" for Alto, slot 5 -- it may not be installed on this Mac."
     );
-    EXPECT_EQ(audioUnitHost.report.living, 3);
+    EXPECT_EQ(audioUnitHost.report.living, 4);
     // What is captured without a state keeps the one on record, or loses one that cannot be written.
     for (const auto& [script, expected] :
          {std::pair{AudioUnitScript{.hasState = false}, std::optional(stateOf(7.0))},

@@ -169,6 +169,11 @@ TEST_F(MemoryShortage, LoadsASessionWholeOrNotAtAll) {
     document.bufferSize = 256;
     document.duckerReleaseMs = 900.0;
     document.masterTargetDB = -20.0;
+    document.leadGroupGainDB = 1.0;
+    document.backingGroupGainDB = 2.0;
+    document.referenceNoiseGain = 0.5;
+    document.masterOutputRouting = session::output::Mono{2};
+    document.pluginSlotRecallSafe = {false, false, true};
     const session::Snapshot& scene = document.snapshots.at(0);
     document.channels.assign(scene.channels.begin(), scene.channels.end());
     document.snapshots.resize(3, session::Snapshot(scene));

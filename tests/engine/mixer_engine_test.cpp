@@ -170,8 +170,10 @@ TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
     EXPECT_EQ(step(monitor, 3), 3U);
     EXPECT_EQ(masterOutput->played[1], 0.0F);
     EXPECT_EQ(step(interface, 50), 50U);
-    EXPECT_EQ(step(monitor), 1U);
-    EXPECT_NE(masterOutput->played[1], 0.0F);
+    for (int block = 0; block < 9; ++block) {
+        EXPECT_EQ(step(monitor), 1U);
+        EXPECT_EQ(masterOutput->played[1] != 0.0F, block < 8) << block;
+    }
 
     engine.stop();
     driver->control(monitor)->occupy();
@@ -186,6 +188,74 @@ TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
     engine.start();
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(message(), "");
+}
+
+TEST_F(MixerEngineTest, StartsWithTheMixThatItShows) {
+    engine.selectDevice(device(interface));
+    engine.setVocalRole(strips()[0].id, dsp::VocalRole::lead);
+    engine.setVocalRole(strips()[1].id, dsp::VocalRole::backing);
+    engine.setMasterOutputChannel(5);
+    const auto played = [this] {
+        std::vector<float> all;
+        for (int block = 0; block < 20; ++block) {
+            step();
+            all.insert(all.end(), mainOutput->played.begin(), mainOutput->played.end());
+        }
+        return all;
+    };
+    engine.start();
+    std::vector<float> before = played();
+    const std::pair<const char*, std::function<void()>> edits[] = {
+        {"target", [this] { engine.setMasterTargetDB(-30.0); }},
+        {"lead group", [this] { engine.setLeadGroupGainDB(-6.0); }},
+        {"backing group", [this] { engine.setBackingGroupGainDB(3.0); }},
+        {"reference noise", [this] { engine.setReferenceNoiseGain(1.0); }},
+        {"release", [this] { engine.setDuckerReleaseMs(20.0); }}};
+    for (const auto& [what, edit] : edits) {
+        engine.stop();
+        engine.start();
+        edit();
+        const std::vector<float> edited = played();
+        EXPECT_NE(edited, before) << what;
+        engine.stop();
+        engine.start();
+        before = played();
+        EXPECT_EQ(before, edited) << what;
+    }
+}
+
+TEST_F(MixerEngineTest, WarnsOfTheMainDeviceFirst) {
+    engine.selectDevice(device(interface));
+    engine.selectMasterOutputDevice(device(monitor));
+    engine.setMasterOutputRouting(master_output::Stereo{40, 41});
+    engine.setBufferSize(64);
+    keptBufferSize = 96;
+    keptMonitorSize = 128;
+    engine.start();
+    EXPECT_TRUE(isRunning());
+    EXPECT_THAT(
+        message(),
+        testing::ContainsRegex("^This device is actually running a 96-frame.* Master Out was reset.* "
+                               "This device is actually running a 128-frame.* Warning: Interface")
+    );
+}
+
+TEST_F(MixerEngineTest, FollowsTheNewsOfTheChosenDevicesAlone) {
+    const audio::AudioDeviceInfo present = device(interface);
+    audio::AudioDeviceInfo smaller = present;
+    smaller.outputChannelCount = 2;
+    audio::AudioDeviceInfo numbered = smaller;
+    numbered.id = 1000;
+    audio::AudioDeviceInfo renamed = smaller;
+    renamed.uid = "virtual:another";
+    for (const auto& [chosen, followed] :
+         {std::pair(smaller, present), {numbered, numbered}, {renamed, renamed}}) {
+        engine.selectDevice(chosen);
+        engine.selectMasterOutputDevice(chosen);
+        engine.refreshDevices();
+        EXPECT_EQ(engine.state().selectedDevice.get(), followed) << chosen.uid << chosen.id;
+        EXPECT_EQ(engine.state().masterOutputDevice.get(), followed) << chosen.uid << chosen.id;
+    }
 }
 
 TEST_F(MixerEngineTest, SaysWhyADeviceDoesNotStart) {

@@ -77,11 +77,19 @@ TEST_F(SnapshotsTest, ArePlacedNamedAndSelected) {
     EXPECT_TRUE(scenes()[3].midiTrigger && !scenes()[4].midiTrigger);
     engine.deleteSnapshot();
     EXPECT_THAT(selection(), Optional(3));
+    for (const auto select : {&MixerEngine::selectNextSnapshot, &MixerEngine::selectPreviousSnapshot}) {
+        engine.applyDocument(engine.makeDocumentData());
+        EXPECT_FALSE(selection());
+        (engine.*select)();
+        EXPECT_THAT(selection(), Optional(0));
+    }
 }
 
 TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     const std::vector<session::ChannelStrip> before = engine.state().channelStrips.get();
     engine.setMasterTargetDB(-20.0);
+    engine.setLeadGroupGainDB(1.5);
+    engine.setBackingGroupGainDB(-2.5);
     engine.setTrim(before[1].id, 0.5);
     engine.newSnapshot("Quiet");
     engine.setMasterTargetDB(-5.0);
@@ -89,6 +97,7 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     engine.newSnapshot("Loud");
     engine.setMasterTargetDB(0.0);
     engine.setLeadGroupGainDB(6.0);
+    engine.setBackingGroupGainDB(7.0);
     engine.setDuckerReleaseMs(1234.0);
     engine.setReferenceNoiseGain(0.25);
     engine.setBufferSize(64);
@@ -99,7 +108,8 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     engine.recallSnapshot(0);
     EXPECT_THAT(selection(), Optional(0));
     EXPECT_EQ(engine.state().masterTargetDB.get(), -20.0);
-    EXPECT_EQ(engine.state().leadGroupGainDB.get(), 0.0);
+    EXPECT_EQ(engine.state().leadGroupGainDB.get(), 1.5);
+    EXPECT_EQ(engine.state().backingGroupGainDB.get(), -2.5);
     EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
     EXPECT_EQ(engine.state().channelStrips.get()[1].id, before[1].id);
     EXPECT_EQ(engine.state().duckerReleaseMs.get(), 1234.0);
@@ -132,10 +142,12 @@ TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
     const session::MIDITrigger note{2, 60};
     for (const int index : {2, 1}) {
         engine.recallSnapshot(index);
+        engine.setMasterTargetDB(9.0);
         engine.beginMIDILearn();
         engine.handleMIDINote(note);
         EXPECT_EQ(scenes()[static_cast<std::size_t>(index)].midiTrigger, note);
         EXPECT_FALSE(learning());
+        EXPECT_EQ(engine.state().masterTargetDB.get(), 9.0) << "a note that is learnt recalls nothing";
     }
     engine.recallSnapshot(0);
     for (const session::MIDITrigger& other : {session::MIDITrigger{1, 60}, session::MIDITrigger{2, 61}})
