@@ -10,24 +10,8 @@
 namespace {
 
 using namespace orvane;
-using audio::RoutingTable;
 using session::OutputRouting;
-namespace output = session::output;
-namespace master_output = session::master_output;
 using test::MixerHarness;
-using Channels = std::vector<std::size_t>;
-
-TEST(RoutingTable, NamesEveryOutputInUseOnceAndNoneBelowZero) {
-    const std::vector<OutputRouting> outputs = {
-        output::Stereo{-1, 3, 0.0},  output::None{}, output::Mono{7}, output::Mono{3}, output::Mono{-2},
-        output::Stereo{1000, 0, 0.5}};
-    const RoutingTable table({}, outputs, master_output::Stereo{7, -9});
-    EXPECT_EQ(table.activeOutputChannels, (Channels{0, 3, 7, 1000}));
-    EXPECT_EQ(table.activeMasterOutputChannels, (Channels{7}));
-    EXPECT_EQ(table.activeChannelsWithMaster, (Channels{0, 3, 7, 1000}));
-    EXPECT_EQ(RoutingTable({}, {}, master_output::Mono{4}).activeChannelsWithMaster, (Channels{4}));
-    EXPECT_TRUE(RoutingTable({}, {}, master_output::None{}).activeChannelsWithMaster.empty());
-}
 
 TEST(RenderTable, FreesWhatWasReplacedOnlyWhenNoPassHoldsIt) {
     struct Table {

@@ -266,6 +266,7 @@ TEST(LiveRun, PlaysWhatTheOfflineRenderGivesBitForBit) {
     for (const std::size_t channel : {0, 1}) {
         const std::vector<float> recorded = beginningOf(live, channel, 2 * 48000);
         ASSERT_GT(recorded.size(), 48000U);
+        EXPECT_NE(recorded, std::vector<float>(recorded.size())) << "silence";
         EXPECT_EQ(recorded, beginningOf(offline, channel, recorded.size())) << "channel " << channel;
     }
 }

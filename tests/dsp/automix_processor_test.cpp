@@ -17,58 +17,6 @@ using orvane::baseline::PlainAutomix;
 using orvane::test::AllocationGuard;
 using orvane::test::Random;
 
-constexpr double sampleRate = 48000.0;
-constexpr std::size_t frames = 256;
-constexpr double floorGain = 0.05011872336272722;
-
-/// A processor fed with steady square waves, one level per channel.
-struct Room {
-    explicit Room(std::vector<double> levels)
-        : blocks(levels.size(), frames), processor(levels.size(), sampleRate, sampleRate / frames, -10.0) {
-        for (std::size_t i = 0; i < levels.size(); ++i)
-            for (std::size_t j = 0; j < frames; ++j)
-                blocks[i][j] = (j % 2 == 0 ? 1.0 : -1.0) * levels[i];
-        processor.setSettings(levels.size() - 1, {.excludedFromMasterBus = true});
-    }
-
-    void run(int count = 4000) {
-        processor.ensureScratch(frames);
-        const AllocationGuard guard;
-        for (int i = 0; i < count; ++i)
-            processor.process(blocks, {});
-    }
-
-    ChannelBlocks<double> blocks;
-    AutomixProcessor processor;
-};
-
-TEST(AutomixProcessor, OpensWhoeverSpeaksAndEasesBackTheRest) {
-    Room alone({0.1, 0.0});
-    EXPECT_EQ(alone.processor.currentGains()[0], 0.5);
-    alone.run();
-    EXPECT_NEAR(alone.processor.currentGains()[0], 1.0, 1e-8);
-    EXPECT_NEAR(alone.processor.currentGains()[1], floorGain, 1e-8);
-    EXPECT_NEAR(alone.processor.currentOutputLevels()[0], 0.1, 1e-8);
-
-    Room quietWithReference({0.0, 0.0, 0.05});
-    quietWithReference.run();
-    EXPECT_NEAR(quietWithReference.processor.currentGains()[0], floorGain, 1e-8);
-    EXPECT_NEAR(quietWithReference.processor.currentGains()[2], 1.0, 1e-8);
-    // The reference competes and is metered, but never heard.
-    EXPECT_NEAR(quietWithReference.processor.currentOutputLevels()[2], 0.05, 1e-8);
-    EXPECT_EQ(quietWithReference.processor.currentMasterLevel(), 0.0);
-}
-
-TEST(AutomixProcessor, LevelsTheMasterBusToItsTarget) {
-    Room room({0.02, 0.0});
-    room.run();
-    EXPECT_NEAR(room.processor.currentMasterGain(), 10.0, 1e-8);
-    EXPECT_EQ(room.processor.masterTargetDB(), linearToDB(dbToLinear(-10.0)));
-    room.processor.setMasterTargetDB(-20.0);
-    room.run();
-    EXPECT_NEAR(linearToDB(room.processor.currentMasterLevel()), -20.0, 1e-6);
-}
-
 /// Makes the same edit on the fast and the plain automix.
 void editBoth(Random& random, AutomixProcessor& fast, PlainAutomix& plain) {
     using namespace orvane::test;

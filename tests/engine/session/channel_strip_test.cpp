@@ -9,16 +9,6 @@ namespace {
 using namespace orvane::session;
 using orvane::platform::Uuid;
 
-TEST(ChannelStrip, StartsAudibleAtUnityAndUngrouped) {
-    const Uuid id = Uuid::random();
-    ChannelStrip strip = ChannelStrip::make(id, "Vox", 4, 3);
-    EXPECT_EQ(strip.id, id);
-    EXPECT_EQ(strip.pluginSlots.size(), 5U);
-    strip.pluginSlots.clear();
-    const ChannelSettingsData expected{"Vox", 4, output::Mono{3}, {}, false, false, 1.0, {}, {}};
-    EXPECT_EQ(strip.settings(), expected);
-}
-
 TEST(ChannelStrip, DefaultSetHasNamesInOrderAndIdsOfTheirOwn) {
     std::set<Uuid> ids;
     int number = 0;
