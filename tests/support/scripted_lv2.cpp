@@ -156,7 +156,9 @@ LV2_Worker_Status work(
     plugin.respondHandle = handle;
     plugin.respond = respond;
     const float answer = *static_cast<const float*>(data) * 10.0F;
-    return respond(handle, sizeof answer, &answer);
+    const LV2_Worker_Status status = respond(handle, sizeof answer, &answer);
+    probe.worksDone.fetch_add(1);
+    return status;
 }
 
 LV2_Worker_Status workResponse(LV2_Handle handle, std::uint32_t, const void* data) {

@@ -60,6 +60,7 @@ struct ScriptedLv2Probe {
     /// work() does not return while this is set.
     std::atomic<bool> holdsWork = false;
     std::atomic<bool> isWorking = false;
+    std::atomic<int> worksDone = 0;
     /// restore() does not return while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;

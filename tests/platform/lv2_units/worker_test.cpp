@@ -1,55 +1,41 @@
-#include "platform/lv2_units/worker.h"
-
+#include "platform/lv2_units/lv2_unit_host.h"
+#include "support/hosted_unit.h"
+#include "support/lv2_bundles.h"
 #include "support/wait_for.h"
 
-#include <gmock/gmock.h>
+#include "scripted_plugin.h"
 
-#include <atomic>
+#include <gtest/gtest.h>
+
 #include <vector>
 
-namespace orvane::platform::lv2_units {
+namespace orvane::platform {
 namespace {
 
-/// A plugin whose work answers twice: what it was given, and that negated.
-struct Plugin {
-    std::atomic<int> worksDone = 0;
-    std::vector<int> answers;
-    int runsEnded = 0;
-};
-
-constexpr LV2_Worker_Interface twice{
-    [](LV2_Handle handle, LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle target,
-       std::uint32_t size, const void* data) {
-        const int negated = -*static_cast<const int*>(data);
-        respond(target, size, data);
-        respond(target, size, &negated);
-        ++static_cast<Plugin*>(handle)->worksDone;
-        return LV2_WORKER_SUCCESS;
-    },
-    [](LV2_Handle handle, std::uint32_t, const void* data) {
-        static_cast<Plugin*>(handle)->answers.push_back(*static_cast<const int*>(data));
-        return LV2_WORKER_SUCCESS;
-    },
-    [](LV2_Handle handle) {
-        ++static_cast<Plugin*>(handle)->runsEnded;
-        return LV2_WORKER_SUCCESS;
-    }};
-
 TEST(Worker, HandsAllAnswersThatAreThereToOneRun) {
-    Plugin plugin;
-    Worker worker;
-    worker.start(&plugin, twice, [] {});
-    {
-        const Worker::RenderCall call(worker);
-        for (const int request : {1, 2, 3})
-            worker.schedule()->schedule_work(worker.schedule()->handle, sizeof request, &request);
-    }
-    EXPECT_TRUE(test::waitFor([&] { return plugin.worksDone == 3; }));
-    const Worker::RenderCall call(worker);
-    worker.deliverResponses();
-    EXPECT_THAT(plugin.answers, testing::ElementsAre(1, -1, 2, -2, 3, -3));
-    EXPECT_EQ(plugin.runsEnded, 1);
+    const test::Lv2Bundles bundles;
+    bundles.add("scripted.lv2", test::scripted("plain"));
+    SystemLog log([](const LogLine&) {});
+    Lv2UnitHost host(log, bundles.searchPath());
+    const auto unit = test::instantiate(host, "plain").unit;
+    ASSERT_EQ(test::setUp(*unit, 1), "");
+    test::UnitRenderer renderer(*unit, 1);
+    const auto renderWithGain = [&](float gain) {
+        test::parameter(*unit, "gain").setValue(gain);
+        EXPECT_EQ(renderer.renderBlock(std::vector<float>(64, 1.0F)), noErr);
+    };
+    test::ScriptedLv2Probe& probe = test::probe();
+    const int doneBefore = probe.worksDone;
+    probe.holdsWork = true;
+    for (const float gain : {0.25F, 0.5F, 1.0F})
+        renderWithGain(gain);
+    probe.holdsWork = false;
+    EXPECT_TRUE(test::waitFor([&] { return probe.worksDone == doneBefore + 3; }));
+    // The answers come after the run, so that the next one shows the last of them.
+    renderWithGain(1.0F);
+    renderWithGain(1.0F);
+    EXPECT_EQ(test::parameter(*unit, "answer").value(), 10.0F);
 }
 
 } // namespace
-} // namespace orvane::platform::lv2_units
+} // namespace orvane::platform
