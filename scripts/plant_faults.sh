@@ -92,8 +92,11 @@ compile() {
 }
 
 runTests() {
-    (cd "$build" && QT_QPA_PLATFORM=offscreen nice timeout -k 5 "$limit" "bin/$1" --gtest_brief=1 --gtest_filter="$2") \
-        >"$log" 2>&1
+    # The subshell waits for the tests, so that it says into the log how they ended.
+    (
+        cd "$build"
+        QT_QPA_PLATFORM=offscreen nice timeout -k 5 "$limit" "bin/$1" --gtest_brief=1 --gtest_filter="$2" || exit 1
+    ) >"$log" 2>&1
 }
 
 caught=0 planted=0

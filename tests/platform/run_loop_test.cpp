@@ -1,4 +1,5 @@
 #include "platform/run_loop.h"
+#include "platform/timer_list.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,19 @@ namespace {
 using namespace std::chrono_literals;
 using orvane::platform::MainThreadTimer;
 using orvane::platform::RunLoop;
+using orvane::platform::TimerList;
+
+TEST(TimerList, LeavesOutTheTicksThatItMissed) {
+    const TimerList::Time start{};
+    TimerList timers;
+    int ticks = 0;
+    const auto timer = timers.add(start, 10ms, [&ticks] { ++ticks; });
+    EXPECT_FALSE(timers.runNextDue(start + 9ms));
+    EXPECT_TRUE(timers.runNextDue(start + 35ms));
+    EXPECT_FALSE(timers.runNextDue(start + 39ms));
+    EXPECT_EQ(timers.nextDue(), start + 40ms);
+    EXPECT_EQ(ticks, 1);
+}
 
 TEST(RunLoop, RunsTasksInTheOrderOfPostingUntilItQuits) {
     RunLoop loop;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace {
 
 using orvane::platform::Uuid;
@@ -11,6 +13,14 @@ TEST(Uuid, IsReadInEitherCaseAndWrittenInUpperCase) {
     for (const char* text : {"01234567-89AB-CDEF-FEDC-BA98000100FF", "01234567-89aB-cdef-feDC-ba98000100Ff"})
         EXPECT_EQ(Uuid::parse(text), expected) << text;
     EXPECT_EQ(expected.toString(), "01234567-89AB-CDEF-FEDC-BA98000100FF");
+}
+
+TEST(Uuid, SaysThatItIsRandom) {
+    for (int i = 0; i < 100; ++i) {
+        const std::string text = Uuid::random().toString();
+        EXPECT_EQ(text[14], '4') << text;
+        EXPECT_NE(std::string("89AB").find(text[19]), std::string::npos) << text;
+    }
 }
 
 TEST(Uuid, IsReadFromNoOtherForm) {

@@ -1,4 +1,5 @@
 #include "platform/host_clock.h"
+#include "platform/virtual_audio/cycle_schedule.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "support/change_log.h"
 #include "support/stream_clients.h"
@@ -6,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -102,6 +104,15 @@ TEST_F(LiveStreamTest, EndsItsCyclesWhenTheDeviceDies) {
         driver.control(uid)->reappear();
         EXPECT_EQ(stream->start(), kAudioHardwareBadDeviceError);
     }
+}
+
+TEST(CycleSchedule, IsLateAfterTheDurationOfACycle) {
+    using namespace std::chrono_literals;
+    CycleSchedule schedule(48000.0, 1s);
+    schedule.advance(48);
+    EXPECT_EQ(schedule.due(), 1001ms);
+    EXPECT_FALSE(schedule.isLate(96, 1003ms));
+    EXPECT_TRUE(schedule.isLate(96, 1003ms + 1ns));
 }
 
 TEST_F(LiveStreamTest, CountsACycleThatComesMoreThanItsDurationLate) {
