@@ -164,6 +164,9 @@ TEST_F(Strip, ShowsALongNameFromItsBeginning) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return name.hasFocus(); }));
         name.end(false);
         QTest::keyClicks(&name, "!");
+        const QString typed = name.text();
+        engine.setTrim(strip().id, 0.5);
+        EXPECT_EQ(name.text(), typed) << "what is being typed stays";
         QTest::keyClick(&name, end);
         EXPECT_FALSE(name.hasFocus());
         EXPECT_EQ(name.cursorPosition(), 0) << end;
