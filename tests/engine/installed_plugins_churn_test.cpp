@@ -20,12 +20,12 @@ namespace {
 using namespace orvane;
 namespace load_state = plugins::load_state;
 
-constexpr std::size_t stripCount = 16;
+constexpr std::size_t churnedStrips = 16;
 constexpr std::size_t loads = 1000;
 
 std::vector<std::unique_ptr<platform::AudioDriver>> liveDevice(platform::SystemLog& log) {
     std::vector<platform::VirtualDevice> devices(1);
-    devices[0].description = {"virtual:live", "Live", stripCount, stripCount, 48000.0};
+    devices[0].description = {"virtual:live", "Live", churnedStrips, churnedStrips, 48000.0};
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
     drivers.push_back(
         std::make_unique<platform::VirtualAudioDriver>(std::move(devices), platform::VirtualPacing::live, log)
@@ -40,7 +40,7 @@ TEST(InstalledPlugins, ComeAndGoAThousandTimesWhileTheMixerRuns) {
     platform::SystemMIDIServices midiServices({});
     test::ManualMainThread mainThread;
     platform::Lv2UnitHost host(log);
-    engine::MixerEngine engine(stripCount, {hardware, midiServices, mainThread, host, log});
+    engine::MixerEngine engine(churnedStrips, {hardware, midiServices, mainThread, host, log});
     std::vector<platform::AVAudioUnitComponent> components;
     for (const platform::AVAudioUnitComponent& component : engine.availableInsertComponents())
         for (const char* name : {"MDA Delay", "MDA Dynamics", "x42-comp - Dynamic Compressor Mono"})
@@ -52,7 +52,7 @@ TEST(InstalledPlugins, ComeAndGoAThousandTimesWhileTheMixerRuns) {
     engine.start();
     ASSERT_TRUE(engine.state().isRunning.get());
     for (std::size_t i = 0; i < loads; ++i) {
-        const plugins::PluginSlotKey key{engine.state().channelStrips.get()[i % stripCount].id, i % 5};
+        const plugins::PluginSlotKey key{engine.state().channelStrips.get()[i % churnedStrips].id, i % 5};
         engine.loadPlugin(components[i % components.size()], key.slot, key.stripID);
         ASSERT_TRUE(test::waitFor([&] {
             mainThread.runPosted();
