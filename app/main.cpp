@@ -149,5 +149,6 @@ int main(int argc, char** argv) {
     if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
     const int exitCode = run(std::move(options), *audioMachine.value(), managed.get(), saveSignal);
     audioMachine.value()->log.flush();
+    machine::endIfAbandoned(exitCode);
     return exitCode;
 }

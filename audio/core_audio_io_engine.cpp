@@ -212,8 +212,11 @@ Outcome CoreAudioIOEngine::start() {
     return outcome(hardware.AudioOutputUnitStart(audioUnit), "AudioOutputUnitStart");
 }
 
-void CoreAudioIOEngine::stop() {
-    if (audioUnit != nullptr) hardware.AudioOutputUnitStop(audioUnit);
+bool CoreAudioIOEngine::stop() {
+    if (audioUnit == nullptr || hardware.AudioOutputUnitStop(audioUnit) != kAudioUnitErr_CallbackAbandoned)
+        return true;
+    bufferSizeWatch.reset();
+    return false;
 }
 
 template <class Value>

@@ -99,8 +99,10 @@ class CoreAudioIOEngine final {
     /// Lets the callbacks run. Fails before setup.
     Outcome start();
 
-    /// No callback runs when it returns and none comes after. Nothing before setup.
-    void stop();
+    /// No callback runs when it returns and none comes after. Nothing before setup. Returns false if a
+    /// callback did not return within `platform::stopPatience`: then the engine and what its handlers use
+    /// must never be freed.
+    bool stop();
 
     /// Cycles that came late or lost samples since the last start; 0 before setup.
     [[nodiscard]] std::uint32_t xrunCount() const;

@@ -3,9 +3,11 @@
 #include "platform/audio_thread_scope.h"
 #include "platform/flush_denormals.h"
 #include "platform/futex.h"
+#include "platform/stop_patience.h"
 
 #include <algorithm>
 #include <exception>
+#include <tuple>
 
 namespace orvane::audio {
 
@@ -42,6 +44,7 @@ InsertWorkers::InsertWorkers(
         for (std::size_t number = 0; number < workerCount; ++number)
             workers.emplace_back([this, takePriority, first = (number + 1) * stripCount / (workerCount + 1)] {
                 work(first, takePriority);
+                ++ended;
             });
     } catch (const std::exception&) {
         if (workers.empty()) throw;
@@ -49,11 +52,22 @@ InsertWorkers::InsertWorkers(
 }
 
 InsertWorkers::~InsertWorkers() {
+    std::ignore = end();
+}
+
+bool InsertWorkers::end() {
     isEnding = true;
     ++round;
     platform::futexWakeAll(round);
+    const bool haveEnded = platform::waitPatiently([this] { return ended == workers.size(); });
     for (std::thread& worker : workers)
-        worker.join();
+        if (haveEnded)
+            worker.join();
+        else
+            worker.detach();
+    workers.clear();
+    ended = 0;
+    return haveEnded;
 }
 
 void InsertWorkers::run(

@@ -47,10 +47,15 @@ class InsertWorkers final {
         std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given,
         TakePriority takePriority = platform::takeRealtimePriority
     );
-    /// Waits for the strips that workers are at.
+    /// Ends the workers; `end` must not have returned false.
     ~InsertWorkers();
     InsertWorkers(const InsertWorkers&) = delete;
     InsertWorkers& operator=(const InsertWorkers&) = delete;
+
+    /// Ends the workers and waits for the strips that they are at, `platform::stopPatience` at most. Returns
+    /// false if one does not return from an insert: then this, the tables that it was given and their inserts
+    /// must never be freed. Once `run` is not called any more; not real-time safe.
+    [[nodiscard]] bool end();
 
     /// Renders the inserts of every strip that is `routed` over its block, in place. `blocks` are no longer
     /// than effects render. `blockSeconds`: how long a block lasts. I/O thread, real-time safe.
@@ -117,6 +122,7 @@ class InsertWorkers final {
     std::atomic<std::uint32_t> round = 0;
     std::atomic<bool> isEnding = false;
     std::atomic<std::size_t> helpers = 0;
+    std::atomic<std::size_t> ended = 0;
     std::vector<std::thread> workers;
 };
 

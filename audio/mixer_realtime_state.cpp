@@ -66,6 +66,24 @@ double MixerRealtimeState::cpuLoad() const noexcept {
     return cpuLoadSnapshot;
 }
 
+std::optional<MixerRealtimeState::RunningInsert> MixerRealtimeState::runningInsert() const {
+    std::optional<RunningInsert> running;
+    inserts.visit([&running](const InsertTable& table) {
+        for (std::size_t strip = 0; strip < table.pluginContexts.size(); ++strip)
+            for (const auto& context : table.pluginContexts[strip])
+                if (!running && context && context->isRendering()) running = {strip, context->name()};
+    });
+    return running;
+}
+
+void MixerRealtimeState::abandonInserts() {
+    inserts.visit([](const InsertTable& table) {
+        for (const auto& slots : table.pluginContexts)
+            for (const auto& context : slots)
+                if (context) context->abandon();
+    });
+}
+
 void MixerRealtimeState::ensureScratch(std::size_t frameCount) {
     scratch.ensure(frameCount, outputRingBuffers.size(), masterOutputRingBuffers.size());
 }

@@ -12,11 +12,13 @@
 #include "platform/host_clock.h"
 #include "platform/unfair_lock.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace orvane::audio {
@@ -84,6 +86,21 @@ class MixerRealtimeState final {
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     [[nodiscard]] double cpuLoad() const noexcept;
 
+    /// The blocks that have been rendered. Any thread.
+    [[nodiscard]] std::uint64_t blockCount() const noexcept { return blocks.load(std::memory_order_relaxed); }
+
+    /// An insert that a thread is within.
+    struct RunningInsert {
+        std::size_t strip = 0;
+        /// Names strip, slot and effect.
+        std::string name;
+    };
+    /// The first insert that is being rendered now; absent if none is.
+    [[nodiscard]] std::optional<RunningInsert> runningInsert() const;
+
+    /// Ends the use of all inserts after a thread that renders them has been abandoned, also by that thread.
+    void abandonInserts();
+
     // Render thread.
 
     /// Sizes the scratch for blocks of `frameCount` frames. Also to be called before the devices start, with
@@ -94,6 +111,9 @@ class MixerRealtimeState final {
 
     /// Makes the processor's levels and the scratch's gain reduction what the meters show.
     ORVANE_REALTIME void publishMeters(const dsp::AutomixProcessor& automix) noexcept;
+
+    /// Counts a block that has been rendered.
+    ORVANE_REALTIME void countBlock() noexcept { blocks.fetch_add(1, std::memory_order_relaxed); }
 
     /// Moves the load a step towards what a block of `frameCount` frames took that began at `startTicks`.
     ORVANE_REALTIME void publishLoad(std::uint64_t startTicks, std::size_t frameCount) noexcept;
@@ -110,6 +130,7 @@ class MixerRealtimeState final {
 
   private:
     std::size_t strips;
+    std::atomic<std::uint64_t> blocks = 0;
 
     mutable platform::UnfairLock meterLock;
     std::vector<double> meterSnapshot;

@@ -84,6 +84,7 @@ class Pass final {
         }
         state.publishMeters(automix);
         state.publishLoad(startTicks, frameCount);
+        state.countBlock();
     }
 
   private:

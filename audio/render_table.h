@@ -63,6 +63,14 @@ class RenderTable final {
         return retired.empty();
     }
 
+    /// Calls `look` with the current table and with every one that a pass may still hold. Control thread.
+    template <class Look>
+    void visit(Look&& look) const {
+        look(*current);
+        for (const auto& table : retired)
+            look(*table);
+    }
+
     /// Begins a pass's hold on the current table. Render thread, real-time safe.
     ORVANE_REALTIME Hold hold() noexcept { return Hold(*this); }
 

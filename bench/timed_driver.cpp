@@ -36,7 +36,7 @@ class TimedStream final : public AudioStream {
         : client(std::move(timedClient)), stream(std::move(opened)) {}
 
     OSStatus start() override { return stream->start(); }
-    void stop() override { stream->stop(); }
+    bool stop() override { return stream->stop(); }
     [[nodiscard]] std::size_t maximumFrames() const override { return stream->maximumFrames(); }
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return stream->xrunCount(); }
     [[nodiscard]] int realtimePriority() const noexcept override { return stream->realtimePriority(); }

@@ -9,8 +9,10 @@
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
 #include "machine/interrupt.h"
+#include "machine/process.h"
 #include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
+#include "platform/abandoned.h"
 #include "platform/desktop_bus/sleep_inhibitor.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/run_loop.h"
@@ -235,6 +237,7 @@ class LiveRun final {
     Result<Done> finish() {
         const bool died = !engine->state().isRunning.get();
         engine->stop();
+        if (platform::isAnythingAbandoned()) printSentence(engine->state().lastError.get());
         meters.reset();
         machine.log.flush();
         printMessage(fmt::format(
@@ -268,19 +271,19 @@ class LiveRun final {
 } // namespace
 
 int runLive(const LiveRunOptions& options) {
+    const auto report = [](const Result<Done>& outcome) {
+        if (!outcome) printMessage(outcome.error().description);
+        return outcome ? 0 : 1;
+    };
     platform::RunLoop loop;
     auto machine = machine::AudioMachine::make(options.machine);
-    Result<Done> outcome = Done{};
-    if (!machine) {
-        outcome = machine.error();
-    } else {
-        LiveRun run(options, *machine.value(), loop);
-        outcome = run.prepare();
-        if (outcome) outcome = run.run();
-    }
-    if (outcome) return 0;
-    printMessage(outcome.error().description);
-    return 1;
+    if (!machine) return report(machine.error());
+    LiveRun run(options, *machine.value(), loop);
+    Result<Done> outcome = run.prepare();
+    if (outcome) outcome = run.run();
+    const int exitCode = report(outcome);
+    machine::endIfAbandoned(exitCode);
+    return exitCode;
 }
 
 } // namespace orvane::cli

@@ -58,6 +58,10 @@ MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
           services
       ),
       meterTimer(services.mainThread, meters),
+      standstillWatch(
+          services.mainThread, services.clock,
+          [this](const auto& state, bool standsStill) { reportStandstill(state, standsStill); }
+      ),
       midiInput(services, published, [this](std::span<const midi::NoteMessage> notes) {
           handleMIDINotes(notes);
       }) {
@@ -65,7 +69,10 @@ MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
     midiInput.start();
 }
 
-MixerEngine::~MixerEngine() = default;
+MixerEngine::~MixerEngine() {
+    running.reset();
+    pluginOperations.rack().runHasStopped();
+}
 
 void MixerEngine::start() {
     if (published.isRunning.get()) return;
@@ -117,6 +124,7 @@ void MixerEngine::startOrThrow() {
     published.isRunning.set(true);
     published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
     meterTimer.start(running->realtimeState());
+    standstillWatch.start(running->realtimeState());
 }
 
 void MixerEngine::stop() {
@@ -124,6 +132,7 @@ void MixerEngine::stop() {
     running.reset();
     published.isRunning.set(false);
     meterTimer.stop();
+    standstillWatch.stop();
     pluginOperations.rack().runHasStopped();
 }
 
@@ -401,6 +410,22 @@ void MixerEngine::reportLostChannels(const AudioDeviceInfo& device) {
         "A part of the audio device {} is gone, and its channels are silent; connect it again, then stop and "
         "start the mixer.",
         device.name
+    ));
+}
+
+void MixerEngine::reportStandstill(const audio::MixerRealtimeState& state, bool standsStill) {
+    if (!standsStill) return published.lastError.set(std::nullopt);
+    const auto insert = state.runningInsert();
+    if (!insert)
+        return published.lastError.set(fmt::format(
+            "The audio device {} has asked for no sound for {:.0f} seconds; stop and start the mixer, or "
+            "select another device.",
+            published.selectedDevice.get()->name, StandstillWatch::longestStandstill
+        ));
+    published.lastError.set(fmt::format(
+        "No sound has been mixed for {:.0f} seconds, because the plugin {} on the strip \"{}\" does not "
+        "return from its processing; stop the mixer, and remove the plugin.",
+        StandstillWatch::longestStandstill, insert->name, published.channelStrips.get()[insert->strip].name
     ));
 }
 

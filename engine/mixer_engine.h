@@ -11,6 +11,7 @@
 #include "engine/session/mixer_document_data.h"
 #include "engine/show.h"
 #include "engine/snapshot_list.h"
+#include "engine/standstill_watch.h"
 #include "platform/result.h"
 #include "platform/uuid.h"
 
@@ -49,6 +50,8 @@ class MixerEngine final {
     /// Lists the devices anew, builds the audio path and starts it; `lastError` says what failed, or what to
     /// mind where it runs. Nothing where it runs already.
     void start();
+    /// Returns within `platform::stopPatience`, also if a plugin does not return from its processing: that
+    /// one then leaves its slot, and `lastError` says so.
     void stop();
 
     /// Takes one of the offered sizes, others not; starts a running engine again.
@@ -219,6 +222,7 @@ class MixerEngine final {
     );
     void reportLostChannels(const audio::AudioDeviceInfo& device);
     void reportDeath(const audio::AudioDeviceInfo& device);
+    void reportStandstill(const audio::MixerRealtimeState& state, bool standsStill);
 
     const Services services;
     EngineState published;
@@ -228,6 +232,7 @@ class MixerEngine final {
     PluginOperations pluginOperations;
     std::unique_ptr<RunningAudio> running;
     audio::MeterTimer meterTimer;
+    StandstillWatch standstillWatch;
     /// Lets tasks that were posted during a run find out that it is over; renewed at every start.
     std::shared_ptr<const bool> runIsOn;
     MIDIInput midiInput;

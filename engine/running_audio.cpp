@@ -2,6 +2,7 @@
 
 #include "audio/buffer_size_negotiation.h"
 #include "audio/render_pass.h"
+#include "platform/abandoned.h"
 
 #include <fmt/format.h>
 
@@ -61,6 +62,16 @@ makeWorkers(std::size_t count, std::size_t stripCount, platform::HostClock clock
     } catch (const std::system_error&) {
         return nullptr;
     }
+}
+
+/// Stops the I/O and frees it; false if a callback does not return, which has it kept for ever.
+bool letGo(std::unique_ptr<CoreAudioIOEngine>& io) {
+    if (!io || io->stop()) {
+        io.reset();
+        return true;
+    }
+    platform::abandon(std::move(io));
+    return false;
 }
 
 void configure(dsp::AutomixProcessor& automix, const Show& show) {
@@ -132,8 +143,13 @@ RunningAudio::RunningAudio(
 RunningAudio::~RunningAudio() {
     for (const platform::AudioObjectPropertyListenerID listener : lossListeners)
         hardware.AudioObjectRemovePropertyListenerBlock(listener);
-    mainIO.reset();
-    masterIO.reset();
+    const bool mainHasEnded = letGo(mainIO);
+    const bool masterHasEnded = letGo(masterIO);
+    const bool workersHaveEnded = !mainHasEnded || !state->insertWorkers || state->insertWorkers->end();
+    if (mainHasEnded && masterHasEnded && workersHaveEnded) return;
+    state->abandonInserts();
+    platform::abandon(state);
+    platform::abandon(processor);
 }
 
 void RunningAudio::allocateFor(const Devices& devices, std::int64_t bufferSize) {

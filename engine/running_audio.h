@@ -54,6 +54,8 @@ class RunningAudio final {
         const Show& show, Inserts inserts, const Observer& observer
     );
 
+    /// Stops the devices. An insert that has not returned by `platform::stopPatience` is abandoned, together
+    /// with all that its thread may still touch; `InsertRenderContext::isStuck` then says which one.
     ~RunningAudio();
     RunningAudio(const RunningAudio&) = delete;
     RunningAudio& operator=(const RunningAudio&) = delete;

@@ -1,5 +1,7 @@
 #include "machine/interrupt.h"
 
+#include "platform/stop_patience.h"
+
 #include <atomic>
 #include <cstddef>
 
@@ -11,8 +13,8 @@ namespace {
 std::atomic<bool> signalCame = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-void remember(int /*signal*/) noexcept {
-    signalCame = true;
+void remember(int signal) noexcept {
+    if (signalCame.exchange(true) && signal == SIGINT) platform::setStopPatience({});
 }
 
 } // namespace

@@ -6,8 +6,9 @@
 namespace orvane::machine {
 
 /// While one stands, SIGINT, SIGTERM and SIGHUP no longer end the program but are remembered, so that long
-/// work can stop cleanly; then they do again what they did before. A SIGHUP that is ignored stays so. The
-/// program that does the work owns it, at most one at a time.
+/// work can stop cleanly; then they do again what they did before. A SIGHUP that is ignored stays so. A
+/// SIGINT after the first signal ends every wait for a plugin that does not return,
+/// `platform::setStopPatience`. The program that does the work owns it, at most one at a time.
 class InterruptGuard final {
   public:
     /// Main thread.

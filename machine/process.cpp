@@ -1,10 +1,14 @@
 #include "machine/process.h"
 
+#include "platform/abandoned.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 
 namespace orvane::machine {
 
@@ -29,6 +33,12 @@ void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     const mode_t wanted = ::umask(S_IWOTH);
     ::umask(wanted | S_IWOTH);
+}
+
+void endIfAbandoned(int exitCode) {
+    if (!platform::isAnythingAbandoned()) return;
+    std::fflush(nullptr);
+    std::_Exit(exitCode);
 }
 
 } // namespace orvane::machine

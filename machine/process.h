@@ -9,4 +9,9 @@ namespace orvane::machine {
 /// others are there.
 void prepareProcess();
 
+/// Ends the process at once with that exit code if something has been abandoned to a thread that does not
+/// come back, because nothing that this may still touch can be destroyed then; else returns. All output must
+/// have been written. Main thread.
+void endIfAbandoned(int exitCode);
+
 } // namespace orvane::machine

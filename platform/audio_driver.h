@@ -53,8 +53,10 @@ class AudioStream {
     /// the system grants it and flushes denormals.
     virtual OSStatus start() = 0;
 
-    /// Ends the cycles: none is running when it returns and none comes after. Also where the device has died.
-    virtual void stop() = 0;
+    /// Ends the cycles: none is running when it returns and none comes after. Also if the device has died.
+    /// Returns false if the cycle under way did not return within `stopPatience`: then the stream has been
+    /// abandoned, and it, its client and all that the cycle uses must never be freed.
+    virtual bool stop() = 0;
 
     /// The longest cycle there can be, in frames; fixed while the stream is open.
     [[nodiscard]] virtual std::size_t maximumFrames() const = 0;

@@ -186,7 +186,9 @@ class AudioHardware {
     virtual OSStatus AudioUnitInitialize(AudioUnit unit) = 0;
     virtual OSStatus AudioUnitUninitialize(AudioUnit unit) = 0;
     virtual OSStatus AudioOutputUnitStart(AudioUnit unit) = 0;
-    /// No callback runs when it returns and none comes after.
+    /// No callback runs when it returns and none comes after. Fails with kAudioUnitErr_CallbackAbandoned if
+    /// one did not return within `stopPatience`: what the callbacks use must never be freed then, and the
+    /// unit, which the layer keeps for ever, must not be used any more.
     virtual OSStatus AudioOutputUnitStop(AudioUnit unit) = 0;
 
     /// Copies what the device captured in this cycle into `buffers`, one channel each. Only from within the

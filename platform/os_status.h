@@ -34,6 +34,8 @@ inline constexpr OSStatus kAudioDeviceUnsupportedFormatError = fourCharStatus("!
 inline constexpr OSStatus kAudioDevicePermissionsError = fourCharStatus("!hog");
 
 // What calls on audio units answer with when they fail.
+/// A callback did not return in time; the unit must never be disposed of.
+inline constexpr OSStatus kAudioUnitErr_CallbackAbandoned = fourCharStatus("hung");
 inline constexpr OSStatus kAudioUnitErr_InvalidProperty = -10879;
 inline constexpr OSStatus kAudioUnitErr_InvalidParameter = -10878;
 inline constexpr OSStatus kAudioUnitErr_InvalidElement = -10877;

@@ -1,5 +1,7 @@
 #include "plugins/insert_rack.h"
 
+#include "platform/abandoned.h"
+#include "platform/stop_patience.h"
 #include "plugins/format_negotiation.h"
 #include "plugins/insert_components.h"
 #include "plugins/plugin_state.h"
@@ -9,6 +11,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <semaphore>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <variant>
 
@@ -26,11 +31,31 @@ constexpr std::uint32_t editorWindowStyle =
     platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable
     | platform::NSWindowStyleMaskMiniaturizable | platform::NSWindowStyleMaskResizable;
 
-/// The first block of a plugin may take its time, and is rendered before anybody waits for it.
-void warmUp(InsertRenderContext& context, std::int64_t frameCount) {
+/// The first block of a plugin may take its time, and is rendered before anybody waits for it. On a thread
+/// of its own, which is abandoned with the plugin if it does not return.
+void warmUp(const LoadedInsertPlugin& plugin, std::int64_t frameCount) {
+    struct FirstBlock {
+        LoadedInsertPlugin plugin;
+        std::vector<double> samples;
+        std::binary_semaphore isRendered{0};
+    };
     if (frameCount < 1 || frameCount > static_cast<std::int64_t>(InsertRenderContext::maximumFrames)) return;
-    std::vector<double> silence(static_cast<std::size_t>(frameCount), 0.0);
-    context.process(silence, frameCount);
+    const auto block =
+        std::make_shared<FirstBlock>(plugin, std::vector(static_cast<std::size_t>(frameCount), 0.0));
+    try {
+        std::thread thread([block] {
+            block->plugin.renderContext->process(
+                block->samples, static_cast<std::int64_t>(block->samples.size())
+            );
+            block->isRendered.release();
+        });
+        if (block->isRendered.try_acquire_for(platform::stopPatience())) return thread.join();
+        thread.detach();
+    } catch (const std::system_error&) {
+        return;
+    }
+    plugin.renderContext->abandon();
+    platform::abandon(block);
 }
 
 } // namespace
@@ -203,7 +228,25 @@ void InsertRack::insertsWerePushed() {
 }
 
 void InsertRack::runHasStopped() {
+    for (const auto& [key, plugin] : std::unordered_map(loadedPlugins)) {
+        if (plugin->renderContext->isStuck())
+            owner.setLastError(giveUp(key, plugin));
+        else if (plugin->renderContext->isAbandoned())
+            // The next start sets it up anew, with the settings that it has.
+            plugin->sampleRate = 0.0;
+    }
     retired.release();
+}
+
+std::string InsertRack::giveUp(const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin) {
+    platform::abandon(plugin);
+    loadedPlugins.erase(key);
+    setLoadState(key, load_state::Failed{"It does not return from its processing."});
+    return fmt::format(
+        "The plugin {} does not return from its processing and has been given up; remove it or load it "
+        "again.",
+        plugin->renderContext->name()
+    );
 }
 
 const PluginSlot* InsertRack::record(const PluginSlotKey& key) const {
@@ -274,6 +317,10 @@ void InsertRack::finishLoad(
         owner.setLastError(refuse(component, key));
         return;
     }
+    if (plugin->renderContext->isStuck()) {
+        owner.setLastError(giveUp(key, plugin));
+        return;
+    }
     if (const auto replaced = loadedPlugins.find(key); replaced != loadedPlugins.end())
         retired.add(replaced->second);
     loadedPlugins.insert_or_assign(key, plugin);
@@ -289,7 +336,7 @@ bool InsertRack::setUp(LoadedInsertPlugin& plugin, const PluginSlotKey& key, con
         plugin.avAudioUnit->renderBlock(), *channelCount, labelOf(key, plugin.component.name), services.log
     );
     if (presetData) restoreState(*plugin.avAudioUnit, *presetData);
-    warmUp(*plugin.renderContext, owner.bufferSize());
+    warmUp(plugin, owner.bufferSize());
     plugin.sampleRate = sampleRate;
     return true;
 }
@@ -317,7 +364,10 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     const std::shared_ptr<LoadedInsertPlugin> plugin = found->second;
     plugin->sampleRate = 0.0;
     plugin->avAudioUnit->deallocateRenderResources();
-    if (setUp(*plugin, key)) return std::nullopt;
+    if (setUp(*plugin, key)) {
+        if (!plugin->renderContext->isStuck()) return std::nullopt;
+        return giveUp(key, plugin);
+    }
     // What it was set to is not lost with it.
     const PluginSlot* const existing = record(key);
     if (existing != nullptr && existing->component == identityOf(plugin->component)) {

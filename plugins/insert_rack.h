@@ -86,7 +86,7 @@ class InsertRack final {
     /// The contexts of all slots have been handed over, or there is nobody to hand them to: plugins that were
     /// unloaded before are not in use from the next pass on.
     void insertsWerePushed();
-    /// No pass runs any more.
+    /// No pass runs any more. Plugins that an abandoned thread is within leave their slots.
     void runHasStopped();
 
   private:
@@ -112,6 +112,8 @@ class InsertRack final {
     /// Marks the slot of a plugin that takes no format; the sentence for the user.
     std::string refuse(const platform::AVAudioUnitComponent& component, const PluginSlotKey& key);
     std::optional<std::string> followSampleRate(const PluginSlotKey& key);
+    /// Takes a plugin that does not return from its slot and never frees it; the sentence for the user.
+    std::string giveUp(const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin);
     [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
     [[nodiscard]] bool isLiveOrLoading(const PluginSlotKey& key) const;
     /// Unloads what is not the record's plugin; whether that is yet to be loaded.

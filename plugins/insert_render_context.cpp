@@ -47,14 +47,29 @@ InsertRenderContext::InsertRenderContext(
 void InsertRenderContext::process(std::span<double> samples, std::int64_t frameCount) noexcept {
     constexpr auto mostFrames = static_cast<std::int64_t>(maximumFrames);
     if (frameCount < 1 || frameCount > mostFrames || samples.data() == nullptr || channelCount == 0) return;
-    const std::span<double> block = samples.first(static_cast<std::size_t>(frameCount));
+    Use before = Use::idle;
+    if (!use.compare_exchange_strong(before, Use::rendering)) return;
+    renderInto(samples.first(static_cast<std::size_t>(frameCount)));
+    before = Use::rendering;
+    use.compare_exchange_strong(before, Use::idle);
+}
+
+void InsertRenderContext::abandon() noexcept {
+    Use seen = use.load();
+    while (seen < Use::abandoned
+           && !use.compare_exchange_weak(seen, seen == Use::rendering ? Use::stuck : Use::abandoned)) {
+    }
+}
+
+void InsertRenderContext::renderInto(std::span<double> block) noexcept {
     for (std::size_t c = 0; c < channelCount; ++c)
         std::ranges::transform(block, inputScratch[c].begin(), [](double x) {
             return static_cast<float>(x);
         });
 
-    const OSStatus status = render(static_cast<std::uint32_t>(frameCount));
-    timeInSamples += static_cast<double>(frameCount);
+    const OSStatus status = render(static_cast<std::uint32_t>(block.size()));
+    if (isStuck()) return;
+    timeInSamples += static_cast<double>(block.size());
     reportRenderStatus(status);
     if (status == noErr) takeOutput(block);
 }

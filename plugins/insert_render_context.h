@@ -5,6 +5,7 @@
 #include "platform/audio_unit_rendering.h"
 #include "platform/system_log.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -36,10 +37,28 @@ class InsertRenderContext final {
     /// `maximumFrames` or no samples. Real-time safe.
     ORVANE_REALTIME void process(std::span<double> samples, std::int64_t frameCount) noexcept;
 
+    /// Whether the effect is being rendered now. Any thread.
+    [[nodiscard]] bool isRendering() const noexcept { return use.load() == Use::rendering; }
+
+    /// Ends the use of the effect after its render thread has been abandoned: it is not rendered again.
+    /// Control side.
+    void abandon() noexcept;
+    /// Whether `abandon` has been called. Any thread.
+    [[nodiscard]] bool isAbandoned() const noexcept { return use.load() >= Use::abandoned; }
+    /// Whether an abandoned thread is within the effect, so that neither may ever be freed. Any thread.
+    [[nodiscard]] bool isStuck() const noexcept { return use.load() == Use::stuck; }
+
+    /// Names strip, slot and effect.
+    [[nodiscard]] const std::string& name() const noexcept { return label; }
+
     /// Frames rendered so far, the time that the effect is told.
     [[nodiscard]] double sampleTime() const noexcept { return timeInSamples; }
 
   private:
+    /// From `abandoned` on, nothing is rendered any more.
+    enum class Use : std::uint32_t { idle, rendering, abandoned, stuck };
+
+    ORVANE_REALTIME void renderInto(std::span<double> block) noexcept;
     platform::OSStatus provideInput(std::uint32_t frameCount, platform::AudioBufferList& list) noexcept;
     platform::OSStatus render(std::uint32_t frameCount) noexcept;
     void takeOutput(std::span<double> samples) const noexcept;
@@ -56,6 +75,7 @@ class InsertRenderContext final {
     /// Where the effect left its output of the last call, one per channel.
     std::vector<const float*> outputs;
     double timeInSamples = 0.0;
+    std::atomic<Use> use = Use::idle;
     std::optional<platform::OSStatus> lastLoggedStatus;
 };
 

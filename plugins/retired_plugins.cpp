@@ -1,5 +1,7 @@
 #include "plugins/retired_plugins.h"
 
+#include "platform/abandoned.h"
+
 #include <chrono>
 #include <iterator>
 #include <utility>
@@ -36,6 +38,8 @@ void RetiredPlugins::release() {
         return;
     }
     retry.reset();
+    for (const auto& plugin : withdrawn)
+        if (plugin->renderContext && plugin->renderContext->isStuck()) platform::abandon(plugin);
     withdrawn.clear();
 }
 

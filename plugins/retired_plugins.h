@@ -27,7 +27,7 @@ class RetiredPlugins final {
     /// The tables are without all that were added.
     void wereWithdrawn();
 
-    /// Frees what is withdrawn and not in use.
+    /// Frees what is withdrawn and not in use; a plugin that an abandoned thread is within is kept for ever.
     void release();
 
   private:

@@ -44,6 +44,7 @@ Stage::Stage(const Shape& stageShape)
                          .log = log,
                          .applicationSupport = folder / "",
                          .editorWindows = &windows,
+                         .clock = shape.clock,
                          .insertWorkers = shape.insertWorkers}
       ) {
     effects.add("Mono", {.inputChannels = {1}, .outputChannels = {1}});

@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/host_clock.h"
 #include "platform/system_log.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
 #include "soak/voices.h"
@@ -54,6 +55,7 @@ struct Stage final {
         std::int64_t bufferSize = 512;
         /// `engine::Services::insertWorkers`.
         std::size_t insertWorkers = 0;
+        platform::HostClock clock = platform::HostClock::system();
     };
 
     explicit Stage(const Shape& shape);

@@ -43,8 +43,9 @@ AlsaStream::~AlsaStream() {
 
 OSStatus AlsaStream::start() {
     if (thread.joinable() && !dead.load()) return noErr;
-    stop();
+    if (!stop()) return kAudioHardwareUnspecifiedError;
     if (const ErrorNumber error = device.prepare()) return statusOf(error);
+    gate.open();
     stopping = false;
     dead = false;
     xruns = 0;
@@ -56,11 +57,16 @@ OSStatus AlsaStream::start() {
     return noErr;
 }
 
-void AlsaStream::stop() {
-    if (!thread.joinable()) return;
+bool AlsaStream::stop() {
+    if (!thread.joinable()) return true;
     stopping = true;
+    if (!gate.close()) {
+        thread.detach();
+        return false;
+    }
     thread.join();
     device.drop();
+    return true;
 }
 
 std::uint32_t AlsaStream::xrunCount() const noexcept {
@@ -97,7 +103,10 @@ bool AlsaStream::turnUntilStopped() noexcept {
 
 ErrorNumber AlsaStream::turn() noexcept {
     if (const ErrorNumber error = device.read(inputs.writable)) return error;
-    client.cycle(inputs.readable, outputs.writable, device.periodFrames());
+    const bool goesOn =
+        gate.pass([this] { client.cycle(inputs.readable, outputs.writable, device.periodFrames()); });
+    // The stream is stopping, or has been abandoned.
+    if (!goesOn) return 0;
     const ErrorNumber error = device.write(outputs.writable);
     // The device delivered a moment ago: it is the cycle that took too long, and however often that happens,
     // the device is not the one that failed.

@@ -4,6 +4,7 @@
 #include "dsp/realtime.h"
 #include "platform/alsa_audio/duplex.h"
 #include "platform/audio_driver.h"
+#include "platform/cycle_gate.h"
 
 #include <atomic>
 #include <cstddef>
@@ -32,7 +33,7 @@ class AlsaStream final : public AudioStream {
     AlsaStream& operator=(const AlsaStream&) = delete;
 
     OSStatus start() override;
-    void stop() override;
+    bool stop() override;
     [[nodiscard]] std::size_t maximumFrames() const override { return device.periodFrames(); }
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override;
     [[nodiscard]] int realtimePriority() const noexcept override;
@@ -55,6 +56,7 @@ class AlsaStream final : public AudioStream {
     std::shared_ptr<const void> lease;
     Duplex device;
     AudioStreamClient& client;
+    CycleGate gate;
     std::function<void()> tellDeath;
     Blocks inputs;
     Blocks outputs;

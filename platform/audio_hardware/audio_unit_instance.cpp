@@ -125,8 +125,7 @@ OSStatus AudioUnitInstance::start() {
 }
 
 OSStatus AudioUnitInstance::stop() {
-    if (stream) stream->stop();
-    return noErr;
+    return !stream || stream->stop() ? noErr : kAudioUnitErr_CallbackAbandoned;
 }
 
 OSStatus AudioUnitInstance::renderInput(std::uint32_t bus, std::uint32_t frameCount, AudioBufferList& buffers)

@@ -1,5 +1,6 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 
+#include "platform/abandoned.h"
 #include "platform/property_bytes.h"
 
 #include <algorithm>
@@ -204,7 +205,12 @@ OSStatus SystemAudioHardware::AudioOutputUnitStart(AudioUnit unit) {
 }
 
 OSStatus SystemAudioHardware::AudioOutputUnitStop(AudioUnit unit) {
-    return unit->stop();
+    const OSStatus status = unit->stop();
+    if (status != kAudioUnitErr_CallbackAbandoned) return status;
+    const auto held = std::ranges::find(units, unit, &std::unique_ptr<AudioUnitInstance>::get);
+    abandon(std::move(*held));
+    units.erase(held);
+    return status;
 }
 
 OSStatus SystemAudioHardware::AudioUnitRender(

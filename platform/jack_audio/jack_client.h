@@ -41,6 +41,10 @@ class JackClient final {
     /// running when it returns and none comes after.
     void deactivate();
 
+    /// Leaves the client to a process callback that does not return: nothing calls libjack with it any more,
+    /// and it must never be freed.
+    void abandon();
+
     /// Whether somebody hears it, so that it is not to end for the sake of another client.
     void setPlaying(bool playing) { isPlaying.store(playing); }
 

@@ -126,6 +126,12 @@ void JackClient::deactivate() {
     if (libraryCall.isBrokenOff()) loseServer();
 }
 
+void JackClient::abandon() {
+    const JackLibraryCall libraryCall(clients.libraryMutex);
+    std::erase(clients.opened, this);
+    handle = nullptr;
+}
+
 void JackClient::markGone(void* self) {
     // The server may still have things to say, for which this thread takes the lock. It ends by itself after.
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);

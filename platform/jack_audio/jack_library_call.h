@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/stop_patience.h"
+
 #include <csignal>
 #include <ctime>
 #include <mutex>
@@ -13,7 +15,7 @@ namespace orvane::platform {
 class JackLibraryCall final {
   public:
     /// What a server may take to answer.
-    static constexpr timespec usualPatience{.tv_sec = 5, .tv_nsec = 0};
+    static constexpr timespec usualPatience{.tv_sec = usualStopPatience.count(), .tv_nsec = 0};
     /// The same of one that need not answer any more.
     static constexpr timespec noPatience{.tv_sec = 0, .tv_nsec = 100'000'000};
 

@@ -5,6 +5,7 @@
 
 #include <jack/thread.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -91,6 +92,7 @@ OSStatus JackStream::start() {
 
 OSStatus JackStream::activate(jack_client_t* client) {
     xruns.store(0);
+    gate.open();
     // The server has gone and we have not been told yet.
     if (jack_activate(client) != 0) return kAudioHardwareBadDeviceError;
     priority.store(jack_is_realtime(client) != 0 ? jack_client_real_time_priority(client) : 0);
@@ -109,11 +111,17 @@ bool JackStream::connect(jack_client_t* client) const {
     return true;
 }
 
-void JackStream::stop() {
+bool JackStream::stop() {
     jackClient->setPlaying(false);
-    jackClient->deactivate();
+    const bool hasEnded = gate.close();
+    if (hasEnded)
+        jackClient->deactivate();
+    else
+        // libjack would wait for the process thread without bound.
+        jackClient->abandon();
     priority.store(0);
     isRunning = false;
+    return hasEnded;
 }
 
 std::size_t JackStream::maximumFrames() const {
@@ -132,7 +140,12 @@ void JackStream::process(jack_nframes_t frameCount, void* self) noexcept {
     auto& stream = *static_cast<JackStream*>(self);
     stream.inputs.takeBlocks(frameCount);
     stream.outputs.takeBlocks(frameCount);
-    stream.streamClient.cycle(stream.inputs.blocks, stream.outputs.blocks, frameCount);
+    const bool goesOn = stream.gate.pass([&] {
+        stream.streamClient.cycle(stream.inputs.blocks, stream.outputs.blocks, frameCount);
+    });
+    if (goesOn) return;
+    for (const std::span<float>& block : stream.outputs.blocks)
+        std::ranges::fill(block, 0.0F);
 }
 
 void JackStream::countXrun(void* self) noexcept {

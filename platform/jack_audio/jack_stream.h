@@ -2,6 +2,7 @@
 
 #include "dsp/realtime.h"
 #include "platform/audio_driver.h"
+#include "platform/cycle_gate.h"
 #include "platform/jack_audio/jack_client.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/jack_audio/jack_devices.h"
@@ -27,7 +28,7 @@ class JackStream final : public AudioStream {
     ~JackStream() override;
 
     OSStatus start() override;
-    void stop() override;
+    bool stop() override;
     [[nodiscard]] std::size_t maximumFrames() const override;
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return xruns.load(); }
     [[nodiscard]] int realtimePriority() const noexcept override { return priority.load(); }
@@ -54,6 +55,7 @@ class JackStream final : public AudioStream {
     static void countXrun(void* self) noexcept;
 
     AudioStreamClient& streamClient;
+    CycleGate gate;
     Side<const float> inputs;
     Side<float> outputs;
     std::atomic<std::uint32_t> xruns = 0;

@@ -54,11 +54,17 @@ OSStatus LiveStream::start() {
     return noErr;
 }
 
-void LiveStream::stop() {
-    if (!ioThread.joinable()) return;
+bool LiveStream::stop() {
+    if (!ioThread.joinable()) return true;
     isStopping = true;
-    ioThread.join();
+    const bool hasEnded = cycles.close();
+    if (hasEnded)
+        ioThread.join();
+    else
+        ioThread.detach();
     cycles.end();
+    if (!hasEnded) cycles.giveDeviceBack();
+    return hasEnded;
 }
 
 void LiveStream::runCycles() noexcept {
@@ -72,7 +78,7 @@ void LiveStream::runCycles() noexcept {
             schedule.restart(begins);
         }
         schedule.advance(frameCount);
-        cycles.run(frameCount);
+        if (!cycles.run(frameCount)) return;
     }
     priority = 0;
 }

@@ -21,7 +21,7 @@ class LiveStream final : public AudioStream {
     ~LiveStream() override;
 
     OSStatus start() override;
-    void stop() override;
+    bool stop() override;
     [[nodiscard]] std::size_t maximumFrames() const override { return longestVirtualBuffer; }
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return xruns.load(); }
     [[nodiscard]] int realtimePriority() const noexcept override { return priority.load(); }

@@ -29,14 +29,15 @@ OSStatus SteppedStream::start() {
     return noErr;
 }
 
-void SteppedStream::stop() {
-    if (!isRunning) return;
+bool SteppedStream::stop() {
+    if (!isRunning) return true;
     {
         const std::scoped_lock lock(device.stepping);
         device.steppedStream = nullptr;
     }
     cycles.end();
     isRunning = false;
+    return true;
 }
 
 std::optional<nanoseconds> SteppedStream::due(nanoseconds now) noexcept {
@@ -49,8 +50,7 @@ bool SteppedStream::step() noexcept {
     if (!cycles.isDeviceAlive()) return false;
     const std::size_t frameCount = cycles.nextLength();
     schedule.advance(frameCount);
-    cycles.run(frameCount);
-    return true;
+    return cycles.run(frameCount);
 }
 
 } // namespace orvane::platform

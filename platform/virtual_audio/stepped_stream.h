@@ -21,7 +21,7 @@ class SteppedStream final : public AudioStream {
     ~SteppedStream() override;
 
     OSStatus start() override;
-    void stop() override;
+    bool stop() override;
     [[nodiscard]] std::size_t maximumFrames() const override { return longestVirtualBuffer; }
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return 0; }
     [[nodiscard]] int realtimePriority() const noexcept override { return 0; }

@@ -38,6 +38,7 @@ StreamCycles::~StreamCycles() {
 }
 
 OSStatus StreamCycles::begin(VirtualPacing pacing) {
+    gate.open();
     if (input != nullptr)
         if (const auto started = startOf(*input, pacing); !started) return refuse(started.error());
     if (output != nullptr) {
@@ -54,10 +55,13 @@ void StreamCycles::end() {
     if (output != nullptr) output->stop();
 }
 
-void StreamCycles::run(std::size_t frameCount) noexcept {
+bool StreamCycles::run(std::size_t frameCount) noexcept {
     if (input != nullptr) input->fill(inputBlocks.writable(frameCount));
-    client.cycle(inputBlocks.readable(frameCount), outputBlocks.writable(frameCount), frameCount);
-    if (output != nullptr) output->take(outputBlocks.readable(frameCount));
+    const bool goesOn = gate.pass([&] {
+        client.cycle(inputBlocks.readable(frameCount), outputBlocks.writable(frameCount), frameCount);
+    });
+    if (goesOn && output != nullptr) output->take(outputBlocks.readable(frameCount));
+    return goesOn;
 }
 
 OSStatus StreamCycles::refuse(const Error& why) {

@@ -2,6 +2,7 @@
 
 #include "dsp/realtime.h"
 #include "platform/audio_driver.h"
+#include "platform/cycle_gate.h"
 #include "platform/system_log.h"
 #include "platform/virtual_audio/planar_blocks.h"
 #include "platform/virtual_audio/virtual_device_state.h"
@@ -26,8 +27,14 @@ class StreamCycles final {
     /// Gets source and sink ready. Fails where one of them cannot start, which the log then tells.
     OSStatus begin(VirtualPacing pacing);
 
-    /// Lets go of source and sink; no cycle may be running.
+    /// Lets no further cycle run and waits for the one under way; false if that one has been abandoned.
+    [[nodiscard]] bool close() { return gate.close(); }
+
+    /// Lets go of source and sink, what is recorded finished, after `close`.
     void end();
+
+    /// Lets another stream open the device, after the last cycle has been abandoned.
+    void giveDeviceBack() { device.isOpen = false; }
 
     /// Whether the device has lived on since it was opened. Any thread, real-time safe.
     ORVANE_REALTIME [[nodiscard]] bool isDeviceAlive() const noexcept {
@@ -39,8 +46,9 @@ class StreamCycles final {
         return device.cycleLength.load(std::memory_order_relaxed);
     }
 
-    /// One cycle of `frameCount` frames, up to `longestVirtualBuffer`. Cycle thread, real-time safe.
-    ORVANE_REALTIME void run(std::size_t frameCount) noexcept;
+    /// One cycle of `frameCount` frames, up to `longestVirtualBuffer`. Returns false if the cycles are over:
+    /// then the thread must not use the device again. Cycle thread, real-time safe.
+    [[nodiscard]] ORVANE_REALTIME bool run(std::size_t frameCount) noexcept;
 
   private:
     OSStatus refuse(const Error& why);
@@ -50,6 +58,7 @@ class StreamCycles final {
     VirtualInput* input;
     VirtualOutput* output;
     AudioStreamClient& client;
+    CycleGate gate;
     SystemLog& log;
     PlanarBlocks inputBlocks;
     PlanarBlocks outputBlocks;

@@ -1,5 +1,7 @@
 #include "audio/insert_workers.h"
 #include "audio/mixer_realtime_state.h"
+#include "platform/abandoned.h"
+#include "platform/stop_patience.h"
 #include "support/allocation_guard.h"
 #include "support/failing_allocation.h"
 #include "support/mixer_harness.h"
@@ -250,6 +252,37 @@ TEST(InsertWorkers, AreWaitedForBeforeTheEffectsGoThatTheyAreAt) {
     strips.reset();
     watcher.join();
     EXPECT_TRUE(isKept);
+}
+
+TEST(InsertWorkers, AreAbandonedAtTheirEndWithAnInsertThatDoesNotReturn) {
+    const auto strips = std::make_shared<TwoStrips>();
+    platform::abandon(strips);
+    std::atomic<bool> isIn = false;
+    std::atomic<bool> mayReturn = false;
+    const std::thread::id io = std::this_thread::get_id();
+    for (auto& before : strips->before)
+        before = [&, io] {
+            if (std::this_thread::get_id() == io) return;
+            isIn = true;
+            while (!mayReturn) {
+            }
+        };
+    strips->state.updatePlugins(strips->makeTable());
+    EXPECT_TRUE(test::waitFor([&] {
+        strips->run();
+        return isIn.load();
+    }));
+    platform::setStopPatience({});
+    EXPECT_FALSE(strips->state.insertWorkers->end());
+    platform::setStopPatience(platform::usualStopPatience);
+    strips->state.abandonInserts();
+    const auto isStuck = [](const auto& weak) {
+        const auto context = weak.lock();
+        return context && context->isStuck();
+    };
+    EXPECT_EQ(std::ranges::count_if(strips->contexts, isStuck), 1);
+    mayReturn = true;
+    EXPECT_TRUE(test::waitFor([&] { return !strips->state.insertWorkers->isLate(); }));
 }
 
 } // namespace

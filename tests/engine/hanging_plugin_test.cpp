@@ -1,12 +1,20 @@
+#include "platform/abandoned.h"
+#include "platform/stop_patience.h"
 #include "plugins/insert_components.h"
 #include "soak/stage.h"
 #include "support/wait_for.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <variant>
 
 namespace {
 
@@ -47,6 +55,126 @@ TEST(HangingPlugin, CostsCyclesThatAreCountedAndNothingElse) {
     EXPECT_TRUE(engine.state().isRunning.get());
     EXPECT_EQ(badBlocks, 0);
     EXPECT_EQ(engine.state().lastError.get(), std::nullopt);
+}
+
+std::atomic<std::uint64_t> leap = 0;
+
+/// The machine's clock, moved on by hand.
+platform::HostClock leapingClock() {
+    return {
+        .absoluteTime = []() noexcept { return platform::HostClock::system().absoluteTime() + leap; },
+        .timebaseInfo = platform::HostClock::system().timebaseInfo};
+}
+
+/// While it lives, no stop waits for a plugin.
+struct NoPatience {
+    NoPatience() { platform::setStopPatience({}); }
+    ~NoPatience() { platform::setStopPatience(platform::usualStopPatience); }
+};
+
+/// A live mixer of two strips with a plugin each, which outlives the thread that hangs in the first.
+struct HangingShow {
+    HangingShow() {
+        stage->devices.front().output->listener = [this](auto) { ++blocks; };
+        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+            engine.loadPlugin(stage->effects.components.front(), 0, strip.id);
+        stage->settle();
+    }
+
+    [[nodiscard]] const platform::Uuid& strip(std::size_t index) const {
+        return engine.state().channelStrips.get()[index].id;
+    }
+    void hang() {
+        stage->effects.report.isHeld = true;
+        stage->effects.report.hangs = 1;
+        ASSERT_TRUE(test::waitFor([&] { return stage->effects.report.isHanging.load(); }));
+    }
+    /// Lets the plugin return, and whatever its thread does then.
+    void release() {
+        stage->effects.report.isHeld = false;
+        ASSERT_TRUE(test::waitFor([&] { return !stage->effects.report.isHanging; }));
+    }
+    void expectBlocks() {
+        const int before = blocks;
+        EXPECT_TRUE(test::waitFor([&] { return blocks > before + 10; }));
+    }
+
+    std::shared_ptr<soak::Stage> stage = std::make_shared<soak::Stage>(soak::Stage::Shape{
+        .strips = 2, .pacing = platform::VirtualPacing::live, .bufferSize = 64, .clock = leapingClock()});
+    engine::MixerEngine& engine = stage->engine;
+    std::atomic<int> blocks = 0;
+};
+
+TEST(HangingPlugin, ThatDoesNotReturnIsNamedAfterTwoSecondsAndTheMessageGoesWhenItDoes) {
+    HangingShow show;
+    show.engine.start();
+    show.expectBlocks();
+    const auto& message = show.engine.state().lastError;
+    show.hang();
+    for (const auto& [seconds, isTold] : {std::pair{1.9, false}, {0.2, true}}) {
+        show.stage->mainThread.advance(std::chrono::milliseconds(300));
+        leap += static_cast<std::uint64_t>(seconds * 1e9);
+        show.stage->mainThread.advance(std::chrono::milliseconds(300));
+        EXPECT_EQ(message.get().has_value(), isTold) << seconds;
+    }
+    EXPECT_THAT(
+        message.get().value_or(""),
+        testing::AllOf(testing::HasSubstr("slot1: Mono"), testing::HasSubstr("strip \""))
+    );
+    show.release();
+    show.expectBlocks();
+    show.stage->mainThread.advance(std::chrono::milliseconds(300));
+    EXPECT_EQ(message.get(), std::nullopt);
+}
+
+TEST(HangingPlugin, ThatDoesNotReturnIsGivenUpAtTheStopAndTheOthersGoOn) {
+    const NoPatience noPatience;
+    const auto show = std::make_shared<HangingShow>();
+    platform::abandon(show);
+    engine::MixerEngine& engine = show->engine;
+    engine.start();
+    show->expectBlocks();
+    show->hang();
+    engine.stop();
+    EXPECT_FALSE(engine.state().isRunning.get());
+    EXPECT_THAT(
+        engine.state().lastError.get().value_or(""), testing::HasSubstr("slot1: Mono does not return")
+    );
+    const bool isFirst = engine.livePlugin(0, show->strip(0)) == nullptr;
+    const std::size_t stuck = isFirst ? 0 : 1;
+    EXPECT_EQ(engine.livePlugin(0, show->strip(stuck)), nullptr);
+    EXPECT_NE(engine.livePlugin(0, show->strip(1 - stuck)), nullptr);
+    EXPECT_TRUE(std::holds_alternative<plugins::load_state::Failed>(
+        engine.state().pluginLoadStates.get().at({show->strip(stuck), 0})
+    ));
+
+    platform::setStopPatience(platform::usualStopPatience);
+    show->stage->effects.report.hangs = 0;
+    engine.start();
+    EXPECT_EQ(engine.state().lastError.get(), std::nullopt);
+    show->expectBlocks();
+    show->release();
+    show->expectBlocks();
+    engine.stop();
+    EXPECT_EQ(show->stage->effects.report.living, 2);
+    EXPECT_EQ(show->stage->effects.report.rendersWithoutResources, 0);
+}
+
+TEST(HangingPlugin, ThatDoesNotReturnFromItsFirstBlockIsNotLoaded) {
+    const auto show = std::make_shared<HangingShow>();
+    platform::abandon(show);
+    const NoPatience noPatience;
+    test::ScriptedAudioUnit::Report& plugin = show->stage->effects.report;
+    plugin.isHeld = true;
+    plugin.hangs = 1;
+    show->engine.loadPlugin(show->stage->effects.components.front(), 0, show->strip(0));
+    show->stage->settle();
+    EXPECT_EQ(show->engine.livePlugin(0, show->strip(0)), nullptr);
+    EXPECT_THAT(
+        show->engine.state().lastError.get().value_or(""),
+        testing::HasSubstr("Ch1 slot1: Mono does not return")
+    );
+    show->release();
 }
 
 } // namespace

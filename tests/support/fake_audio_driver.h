@@ -66,7 +66,10 @@ class FakeAudioDriver final : public platform::AudioDriver {
             driver.isRunning = true;
             return platform::noErr;
         }
-        void stop() override { driver.isRunning = false; }
+        bool stop() override {
+            driver.isRunning = false;
+            return true;
+        }
         [[nodiscard]] std::size_t maximumFrames() const override { return 8192; }
         [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return 3; }
         [[nodiscard]] int realtimePriority() const noexcept override { return 70; }
