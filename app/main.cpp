@@ -122,7 +122,9 @@ int run(
     }
     window.show();
     window.showProblems(problems);
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    audioMachine.cancelScan();
+    return exitCode;
 }
 
 } // namespace

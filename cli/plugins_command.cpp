@@ -44,7 +44,9 @@ std::string componentsAsJSON(const Components& components) {
 
 int listPlugins(bool asJSON) {
     platform::SystemLog log(platform::standardErrorSink());
-    platform::Lv2UnitHost host(log);
+    platform::Lv2UnitHost host(
+        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()
+    );
     const Components components = plugins::availableInsertComponents(host);
     log.flush();
     return printResult(asJSON ? componentsAsJSON(components) : componentTable(components));

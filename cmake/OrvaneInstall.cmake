@@ -9,6 +9,11 @@ cmake_path(RELATIVE_PATH orvane_data_folder BASE_DIRECTORY "${CMAKE_INSTALL_FULL
   OUTPUT_VARIABLE ORVANE_DATA_FROM_PROGRAMS)
 cmake_path(ABSOLUTE_PATH ORVANE_DATA_FROM_PROGRAMS BASE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" NORMALIZE
   OUTPUT_VARIABLE orvane_data_in_build)
+# The same to the programs that the programs start, which are not for people. In the build tree all stand together.
+set(ORVANE_HELPERS_FOLDER "${CMAKE_INSTALL_LIBEXECDIR}/orvane")
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBEXECDIR BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
+  OUTPUT_VARIABLE ORVANE_HELPERS_FROM_PROGRAMS)
+string(APPEND ORVANE_HELPERS_FROM_PROGRAMS "/orvane")
 file(MAKE_DIRECTORY "${orvane_data_in_build}")
 file(CREATE_LINK "${PROJECT_SOURCE_DIR}/assets/demo" "${orvane_data_in_build}/demo" SYMBOLIC)
 

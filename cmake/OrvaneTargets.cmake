@@ -90,4 +90,8 @@ function(orvane_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE orvane_flags ${arg_LINK})
+  # Whatever lists effects starts it.
+  if(NOT name STREQUAL orvane-scan)
+    add_dependencies(${name} orvane-scan)
+  endif()
 endfunction()

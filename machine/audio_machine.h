@@ -52,11 +52,14 @@ class AudioMachine final {
 
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
+    /// Ends the search for effects, so that the program can end at once. Any thread.
+    void cancelScan() { audioUnitHost.cancelScan(); }
     [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
 
   private:
     platform::JackClients jackClients;
-    platform::Lv2UnitHost audioUnitHost{log};
+    platform::Lv2UnitHost audioUnitHost{
+        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };

@@ -36,4 +36,8 @@ std::optional<std::filesystem::path> configurationDirectory() {
     return userFolder("XDG_CONFIG_HOME", ".config");
 }
 
+std::optional<std::filesystem::path> cacheDirectory() {
+    return userFolder("XDG_CACHE_HOME", ".cache");
+}
+
 } // namespace orvane::platform

@@ -13,4 +13,8 @@ std::optional<std::filesystem::path> applicationSupportDirectory();
 /// home; nothing without either. It need not be there yet. Main thread.
 std::optional<std::filesystem::path> configurationDirectory();
 
+/// Where the current user's applications keep what they can make again: $XDG_CACHE_HOME, or .cache in the
+/// user's home; nothing without either. It need not be there yet. Main thread.
+std::optional<std::filesystem::path> cacheDirectory();
+
 } // namespace orvane::platform

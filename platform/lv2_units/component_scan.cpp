@@ -1,25 +1,20 @@
 #include "platform/lv2_units/component_scan.h"
 
-#include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
-#include "platform/lv2_units/search_path.h"
 
+#include <fmt/format.h>
 #include <lv2/core/lv2.h>
 
-#include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace orvane::platform::lv2_units {
 
 namespace {
 
-/// Reads bundles and keeps the effects in them.
+/// Reads a bundle and keeps the effects in it.
 class Reader final {
   public:
-    explicit Reader(SystemLog& systemLog) : log(systemLog) {}
-
     void read(const std::filesystem::path& folder) {
         PluginBundle bundle(folder);
         const auto plugins = bundle.plugins();
@@ -29,7 +24,7 @@ class Reader final {
         if (const auto problem = manifestProblem(folder)) skip(folder.native(), *problem);
     }
 
-    std::vector<InstalledPlugin> found;
+    BundleContents contents;
 
   private:
     void readPlugin(PluginBundle& bundle, const LilvPlugin* plugin, const std::filesystem::path& folder) {
@@ -43,12 +38,8 @@ class Reader final {
         if (audio.inputs.empty() || audio.outputs.empty()) return;
 
         const std::string maker = textOf(NodeHandle(lilv_plugin_get_author_name(plugin)).get());
-        const AudioComponentDescription description{
-            .componentType = kAudioUnitType_Effect,
-            .componentSubType = stableCode(uri),
-            .componentManufacturer = stableCode(maker)};
-        found.push_back(
-            {{description, name, maker},
+        contents.effects.push_back(
+            {{effectDescription(uri, maker), name, maker},
              uri,
              folder,
              {bundle.integer(uriNode, LV2_CORE__minorVersion).value_or(0),
@@ -57,32 +48,27 @@ class Reader final {
     }
 
     void skip(std::string_view what, std::string_view why) {
-        log.post(LogLevel::error, logCategory, {"Left out ", what, ": ", why, "."});
+        contents.leftOut.push_back(leftOutSentence(what, why));
     }
-
-    SystemLog& log;
 };
-
-/// The newest of each plugin; of equal versions the one that was found first.
-void keepNewest(std::vector<InstalledPlugin>& plugins) {
-    std::ranges::stable_sort(plugins, [](const InstalledPlugin& a, const InstalledPlugin& b) {
-        return std::tie(a.uri, b.version) < std::tie(b.uri, a.version);
-    });
-    const auto repeated = std::ranges::unique(plugins, {}, &InstalledPlugin::uri);
-    plugins.erase(repeated.begin(), repeated.end());
-}
 
 } // namespace
 
-std::vector<InstalledPlugin> scanForEffects(std::string_view searchPath, SystemLog& log) {
-    Reader reader(log);
-    for (const auto& folder : bundleFolders(searchPath))
-        reader.read(folder);
-    keepNewest(reader.found);
-    std::ranges::sort(reader.found, {}, [](const InstalledPlugin& plugin) {
-        return std::tie(plugin.component.manufacturerName, plugin.component.name, plugin.uri);
-    });
-    return std::move(reader.found);
+BundleContents readBundle(const std::filesystem::path& folder) {
+    Reader reader;
+    reader.read(folder);
+    return std::move(reader.contents);
+}
+
+std::string leftOutSentence(std::string_view what, std::string_view why) {
+    return fmt::format("Left out {}: {}.", what, why);
+}
+
+AudioComponentDescription effectDescription(std::string_view uri, std::string_view maker) {
+    return {
+        .componentType = kAudioUnitType_Effect,
+        .componentSubType = stableCode(uri),
+        .componentManufacturer = stableCode(maker)};
 }
 
 std::uint32_t stableCode(std::string_view text) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/audio_unit_host.h"
-#include "platform/system_log.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,13 +18,28 @@ struct InstalledPlugin {
     std::filesystem::path bundle;
     /// The minor and the micro version, the major being the URI.
     std::pair<int, int> version;
+
+    bool operator==(const InstalledPlugin&) const = default;
 };
 
-/// Finds the effects, plugins with audio inputs and outputs, of all bundles on the search path, ordered by
-/// maker, name and URI. Of a plugin that is installed twice the newer one counts, or the first on the path.
-/// Reads descriptions only; a plugin or bundle that cannot be used is left out with a line in the log. Any
-/// thread, takes its time.
-std::vector<InstalledPlugin> scanForEffects(std::string_view searchPath, SystemLog& log);
+/// What a bundle declares. A plain value.
+struct BundleContents {
+    std::vector<InstalledPlugin> effects;
+    /// A sentence for each plugin, or for the bundle, that cannot be used.
+    std::vector<std::string> leftOut;
+
+    bool operator==(const BundleContents&) const = default;
+};
+
+/// Finds the effects, plugins with audio inputs and outputs, of one bundle. Reads descriptions only. The
+/// libraries that do so may crash or hang on hostile data: only for a process that may. Any thread.
+BundleContents readBundle(const std::filesystem::path& folder);
+
+/// The sentence for a bundle or plugin that is left out.
+std::string leftOutSentence(std::string_view what, std::string_view why);
+
+/// What sessions name an effect by.
+AudioComponentDescription effectDescription(std::string_view uri, std::string_view maker);
 
 /// The 32-bit FNV-1a hash by which sessions name plugins and makers.
 std::uint32_t stableCode(std::string_view text);

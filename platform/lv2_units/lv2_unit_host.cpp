@@ -1,5 +1,6 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 
+#include "platform/lv2_units/effect_scan.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/lv2_unit.h"
 #include "platform/lv2_units/plugin_bundle.h"
@@ -39,12 +40,16 @@ Result<lv2_units::PluginDescription> readDescription(const InstalledPlugin& inst
 
 } // namespace
 
-Lv2UnitHost::Lv2UnitHost(SystemLog& systemLog, std::string searchPath)
+Lv2UnitHost::Lv2UnitHost(
+    SystemLog& systemLog, std::string searchPath, std::optional<std::filesystem::path> effectCache
+)
     : services(new lv2_units::HostServices{.log = systemLog}),
       path(std::move(searchPath)),
+      cacheFile(std::move(effectCache)),
       loader([this] { serveRequests(); }) {}
 
 Lv2UnitHost::~Lv2UnitHost() {
+    cancelScan();
     {
         const std::scoped_lock lock(work->mutex);
         work->isClosing = true;
@@ -80,7 +85,11 @@ void Lv2UnitHost::instantiate(
 }
 
 const std::vector<InstalledPlugin>& Lv2UnitHost::plugins() {
-    std::call_once(scanned, [this] { installed = lv2_units::scanForEffects(path, services->log); });
+    std::call_once(scanned, [this] {
+        installed = lv2_units::scanForEffects(
+            path, services->log, {.cacheFile = cacheFile, .limits = {}, .stop = scanStop.get_token()}
+        );
+    });
     return installed;
 }
 

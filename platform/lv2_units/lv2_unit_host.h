@@ -7,8 +7,11 @@
 
 #include <condition_variable>
 #include <deque>
+#include <filesystem>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -27,7 +30,11 @@ struct HostServices;
 class Lv2UnitHost final : public AudioUnitHost {
   public:
     /// `searchPath`: the folders of bundles, separated by colons. `systemLog` outlives host and units.
-    explicit Lv2UnitHost(SystemLog& systemLog, std::string searchPath = lv2_units::environmentSearchPath());
+    /// `effectCache`: the file that keeps what a scan found for the next start; none if absent.
+    explicit Lv2UnitHost(
+        SystemLog& systemLog, std::string searchPath = lv2_units::environmentSearchPath(),
+        std::optional<std::filesystem::path> effectCache = std::nullopt
+    );
     ~Lv2UnitHost() override;
     Lv2UnitHost(const Lv2UnitHost&) = delete;
     Lv2UnitHost& operator=(const Lv2UnitHost&) = delete;
@@ -36,6 +43,9 @@ class Lv2UnitHost final : public AudioUnitHost {
     /// seen. Any thread.
     std::vector<AVAudioUnitComponent>
     componentsMatchingDescription(const AudioComponentDescription& description) override;
+
+    /// Ends a scan that is under way, and all later ones, so that the program can end at once. Any thread.
+    void cancelScan() { scanStop.request_stop(); }
 
     void expectSampleRate(double sampleRate) override;
     void instantiate(
@@ -67,6 +77,8 @@ class Lv2UnitHost final : public AudioUnitHost {
 
     std::shared_ptr<lv2_units::HostServices> services;
     std::string path;
+    std::optional<std::filesystem::path> cacheFile;
+    std::stop_source scanStop;
     std::once_flag scanned;
     std::vector<lv2_units::InstalledPlugin> installed;
 

@@ -1,11 +1,18 @@
-#include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/effect_scan.h"
 
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/lv2_bundles.h"
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <stop_token>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -26,10 +33,10 @@ struct Scan {
     std::vector<std::string> lines;
 };
 
-Scan scan(const std::string& searchPath) {
+Scan scan(const std::string& searchPath, const ScanOptions& options = {}) {
     Scan result;
     SystemLog log([&](const LogLine& line) { result.lines.emplace_back(line.text); });
-    result.effects = scanForEffects(searchPath, log);
+    result.effects = scanForEffects(searchPath, log, options);
     log.flush();
     return result;
 }
@@ -118,6 +125,85 @@ TEST(ComponentScan, OfAPluginThatIsInstalledTwiceTheNewerCountsOrElseTheFirstOnT
     ASSERT_EQ(result.effects.size(), 2U);
     EXPECT_EQ(result.effects[0].component.name, "Mine");
     EXPECT_EQ(result.effects[1].component.name, "New");
+}
+
+TEST(ComponentScan, HostileBundlesCostOnlyThemselvesAndOneLine) {
+    const Lv2Bundles bundles;
+    bundles.add("a-good.lv2", Lv2Bundles::plugin("urn:a", "A", ""));
+    bundles.add(
+        "index.lv2", "<urn:index> a lv2:Plugin ; doap:name \"Index\" ; lv2:port [ a lv2:AudioPort, "
+                     "lv2:InputPort ; lv2:index 4294967295 ; lv2:symbol \"p\" ; lv2:name \"P\" ] ."
+    );
+    std::string nested;
+    for (int i = 0; i < 300'000; ++i)
+        nested += "<urn:b> [ ";
+    bundles.add("nested.lv2", "<urn:nested> " + nested);
+    bundles.add("many.lv2", Lv2Bundles::plugin("urn:many", std::string(1U << 20U, 'x'), ""));
+    std::filesystem::create_directory(bundles.searchPath() + "pipe.lv2");
+    ASSERT_EQ(::mkfifo((bundles.searchPath() + "pipe.lv2/manifest.ttl").c_str(), 0600), 0);
+    bundles.add("z-good.lv2", Lv2Bundles::plugin("urn:z", "Z", ""));
+
+    const Scan result = scan(bundles.searchPath());
+    ASSERT_EQ(result.effects.size(), 2U);
+    EXPECT_EQ(result.effects[0].component.name, "A");
+    EXPECT_EQ(result.effects[1].component.name, "Z");
+    EXPECT_THAT(
+        result.lines,
+        testing::UnorderedElementsAre(
+            HasSubstr("index"), HasSubstr("nested.lv2: "), HasSubstr("many.lv2: it describes more"),
+            HasSubstr("pipe.lv2: its manifest.ttl is not a file.")
+        )
+    );
+}
+
+TEST(ComponentScan, AChildBeyondALimitOrNoLongerWantedIsLeft) {
+    const std::string forever = "while :; do :; done";
+    const std::string endless = "while :; do echo aaaaaaaaaaaaaaaa; done";
+    const auto outcome = [](const std::string& script, const ChildLimits& limits, bool stops = false) {
+        std::stop_source stop;
+        if (stops) stop.request_stop();
+        const auto output = outputOfChild("/bin/sh", {"-c", script}, limits, stop.get_token());
+        return output ? std::string(output.value().begin(), output.value().end()) : output.error().why;
+    };
+    const ChildLimits brief{.time = std::chrono::milliseconds(100)};
+    EXPECT_EQ(outcome("printf out; printf err >&2", {}), "out");
+    EXPECT_EQ(outcome("exit 3", {}), "reading it fails (exit code 3)");
+    EXPECT_EQ(outcome("kill -SEGV $$", {}), "reading it crashes (signal 11)");
+    EXPECT_EQ(outcome(forever, brief), "reading it takes longer than 0.1 s");
+    EXPECT_EQ(outcome("exec >&-; " + forever, brief), "reading it takes longer than 0.1 s");
+    EXPECT_EQ(outcome(endless, {}), "it describes too much");
+    EXPECT_EQ(outcome(forever, {}, true), "the program is closing");
+}
+
+TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
+    const Lv2Bundles bundles;
+    const test::TemporaryFolder folder;
+    const ScanOptions options{.cacheFile = folder / "cache/effects"};
+    bundles.add("a.lv2", Lv2Bundles::plugin("urn:a", "A", "lv2:minorVersion 2 ;"));
+    bundles.add("none.lv2", "");
+    std::filesystem::remove(bundles.searchPath() + "none.lv2/manifest.ttl");
+
+    const Scan first = scan(bundles.searchPath(), options);
+    ASSERT_EQ(first.effects.size(), 1U);
+    ASSERT_EQ(first.lines.size(), 1U);
+    const std::string kept = test::contentOf(folder / "cache/effects");
+
+    // The description is still the old one, but the bundle says that it was written.
+    const std::string description = bundles.searchPath() + "a.lv2/manifest.ttl";
+    const auto written = std::filesystem::last_write_time(description);
+    bundles.add("a.lv2", Lv2Bundles::plugin("urn:a", "Changed", ""));
+    std::filesystem::last_write_time(description, written);
+    std::filesystem::last_write_time(bundles.searchPath() + "a.lv2", written);
+    EXPECT_EQ(scan(bundles.searchPath(), options).effects, first.effects);
+    EXPECT_EQ(scan(bundles.searchPath(), options).lines, first.lines);
+    std::filesystem::last_write_time(description, written + std::chrono::seconds(1));
+    EXPECT_EQ(scan(bundles.searchPath(), options).effects.at(0).component.name, "Changed");
+
+    for (const std::size_t length : {std::size_t{0}, kept.size() / 2, kept.size() - 1}) {
+        std::ofstream(folder / "cache/effects", std::ios::binary) << kept.substr(0, length);
+        EXPECT_EQ(scan(bundles.searchPath(), options).effects.at(0).component.name, "Changed") << length;
+        EXPECT_GT(std::filesystem::file_size(folder / "cache/effects"), length);
+    }
 }
 
 } // namespace

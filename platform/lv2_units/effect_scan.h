@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/child_output.h"
+#include "platform/lv2_units/component_scan.h"
+#include "platform/system_log.h"
+
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+#include <string_view>
+#include <vector>
+
+namespace orvane::platform::lv2_units {
+
+/// How a search path is scanned.
+struct ScanOptions {
+    /// Where what was found is kept for the next scan; nowhere if absent.
+    std::optional<std::filesystem::path> cacheFile = {};
+    /// Per bundle, and per folder of bundles.
+    ChildLimits limits = {};
+    /// Ends the scan with what has been found so far.
+    std::stop_token stop = {};
+};
+
+/// Finds the effects of all bundles on the search path, ordered by maker, name and URI. Of a plugin that is
+/// installed twice the newer one counts, or the first on the path. Bundles are read by child processes, one
+/// each: one that cannot be read, or does not come to an end, is left out with a line in the log. Any thread,
+/// takes its time.
+std::vector<InstalledPlugin>
+scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options = {});
+
+} // namespace orvane::platform::lv2_units

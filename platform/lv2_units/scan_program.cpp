@@ -1,0 +1,92 @@
+#include "platform/lv2_units/scan_program.h"
+
+#include "platform/lv2_units/bundle_report.h"
+#include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/search_path.h"
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace orvane::platform::lv2_units {
+
+namespace {
+
+constexpr const char* programName = "orvane-scan";
+
+constexpr rlim_t mostMemoryBytes = 1U << 30U;
+constexpr rlim_t mostProcessorSeconds = 20;
+
+void limit(__rlimit_resource_t resource, rlim_t most) {
+    const rlimit both{.rlim_cur = most, .rlim_max = most};
+    setrlimit(resource, &both);
+}
+
+void limitProcess() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    limit(RLIMIT_CPU, mostProcessorSeconds);
+    limit(RLIMIT_CORE, 0);
+    limit(RLIMIT_FSIZE, 0);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    // The sanitizers reserve far more than they use.
+    limit(RLIMIT_AS, mostMemoryBytes);
+#endif
+}
+
+/// Lest a pipe or a device be waited for.
+std::string irregularFile(const std::filesystem::path& bundle) {
+    std::error_code error;
+    for (auto i = std::filesystem::directory_iterator(bundle, error);
+         !error && i != std::filesystem::directory_iterator(); i.increment(error))
+        if (std::error_code ignored; i->path().extension() == ".ttl" && !i->is_regular_file(ignored))
+            return i->path().filename().native();
+    return {};
+}
+
+BundleContents contentsOfBundle(const std::filesystem::path& bundle) {
+    const std::string irregular = irregularFile(bundle);
+    if (irregular.empty()) return readBundle(bundle);
+    return {
+        .effects = {}, .leftOut = {leftOutSentence(bundle.native(), "its " + irregular + " is not a file")}};
+}
+
+bool writeAll(const PropertyList::Data& bytes) {
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, bytes.size() - written);
+        if (count <= 0) return false;
+        written += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+} // namespace
+
+std::filesystem::path scanProgram() {
+    std::error_code ignored;
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+    const auto beside = folder / programName;
+    if (::access(beside.c_str(), X_OK) == 0) return beside;
+    return (folder / ORVANE_HELPERS_FROM_PROGRAMS / programName).lexically_normal();
+}
+
+int runScanProgram(int argumentCount, const char* const* arguments) {
+    constexpr int wantedCount = 3;
+    if (argumentCount != wantedCount) return EXIT_FAILURE;
+    limitProcess();
+    const std::string_view what = arguments[1];
+    const std::filesystem::path folder = arguments[2];
+    if (what != listArgument && what != bundleArgument) return EXIT_FAILURE;
+    const auto report = dataWithPropertyList(
+        what == listArgument ? dictionaryOf(bundlesIn(folder)) : dictionaryOf(contentsOfBundle(folder))
+    );
+    return report && writeAll(report.value()) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace orvane::platform::lv2_units
