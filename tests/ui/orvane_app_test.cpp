@@ -52,7 +52,7 @@ class Shell : public testing::Test {
 };
 
 TEST_F(Shell, AsksForASizeOnceAndAgainWhenTheUserWantsAnother) {
-    for (const char* unusable : {"0", "-4", "many"}) {
+    for (const char* unusable : {"0", "-4", "many", "1", "7", "49", "1000000000000"}) {
         ASSERT_TRUE(preferences.setValue("orvaneChannelCount", unusable));
         EXPECT_TRUE(isChoosing(*launch())) << unusable;
     }

@@ -13,6 +13,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -29,12 +30,18 @@ constexpr std::string_view logCategory = "application";
 
 const QString supportAddress = QStringLiteral("support@orvane.example");
 
+/// The size that was chosen last; 0 if none was, or if what is stored is not one that can be chosen.
+std::int64_t storedChannelCount(const platform::Preferences& preferences) {
+    const std::int64_t count = preferences.integer(channelCountKey);
+    return std::ranges::find(offeredChannelCounts, count) == std::end(offeredChannelCounts) ? 0 : count;
+}
+
 } // namespace
 
 ORVANEApp::ORVANEApp(Parts applicationParts, LaunchOptions options)
     : parts(std::move(applicationParts)),
       launchOptions(std::move(options)),
-      channels(channelCountFor(launchOptions).value_or(parts.preferences.integer(channelCountKey))) {
+      channels(channelCountFor(launchOptions).value_or(storedChannelCount(parts.preferences))) {
     setWindowTitle(QStringLiteral("ORVANE"));
     addMenus();
     showContent();
