@@ -26,6 +26,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <variant>
@@ -40,6 +41,9 @@ using namespace std::chrono_literals;
 constexpr auto housekeepingInterval = 50ms;
 /// How often a session manager is told whether there are changes to save; to look asks each plugin its state.
 constexpr auto changesInterval = 2s;
+constexpr std::string_view unsavedChanges =
+    "A signal ended the program while its session had changes that were not saved; they are lost. Send "
+    "SIGUSR1 first to save a session to its file.";
 
 [[noreturn]] void endWithoutDisplay() {
     app::printMessage("There is no display to open a window on; orvane-cli run mixes without one.");
@@ -71,10 +75,7 @@ platform::FilePreferences makePreferences() {
 }
 
 /// Runs the window until it is closed or the program is told to end; returns the exit code.
-int run(
-    app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed,
-    const machine::SaveSignal& saveSignal
-) {
+int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed) {
     std::vector<std::string> problems;
     if (managed != nullptr && !managed->isStored()) {
         line.launch.sessionFile = managed->file();
@@ -111,8 +112,11 @@ int run(
     );
     const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {
         audioMachine.log.flush();
-        if (interrupt.isInterrupted()) QCoreApplication::exit();
-        if (saveSignal.take()) window.saveInPlace();
+        if (interrupt.isInterrupted()) {
+            if (window.isUnsaved()) app::printMessage(unsavedChanges);
+            QCoreApplication::exit();
+        }
+        if (machine::takeSaveSignal()) window.saveInPlace();
         if (managed != nullptr) managed->poll();
     });
     std::unique_ptr<platform::MainThreadTimer> watching;
@@ -130,8 +134,8 @@ int run(
 } // namespace
 
 int main(int argc, char** argv) {
-    // Who asks for a save while the program is still starting does not end it.
-    const machine::SaveSignal saveSignal;
+    // A request to save that comes while the program is still starting must not end it.
+    machine::keepSaveSignal();
     machine::prepareProcess();
     auto line = app::readCommandLine(argc, argv);
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
@@ -149,7 +153,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
-    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get(), saveSignal);
+    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
     audioMachine.value()->log.flush();
     machine::endIfAbandoned(exitCode);
     return exitCode;

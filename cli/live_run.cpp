@@ -173,7 +173,7 @@ class LiveRun final {
 
     void tick(double seconds) {
         machine.log.flush();
-        if (saveSignal.take()) save();
+        if (machine::takeSaveSignal()) save();
         const double load = engine->meterModel().cpuLoad.get();
         peakLoad = std::max(peakLoad, load);
         sumOfLoads += load;
@@ -252,7 +252,6 @@ class LiveRun final {
     const LiveRunOptions& options;
     AudioMachine& machine;
     platform::RunLoop& loop;
-    const machine::SaveSignal saveSignal;
     std::optional<MixerEngine> engine;
     /// The channels of the session that the mixer has no strips for: they stay in its file.
     std::vector<session::ChannelSettingsData> channelsBeyond;

@@ -1,6 +1,7 @@
 #include "cli/command_line.h"
 #include "cli/message.h"
 #include "machine/process.h"
+#include "machine/save_signal.h"
 
 #include <fmt/format.h>
 
@@ -10,6 +11,8 @@
 #include <variant>
 
 int main(int argc, char** argv) {
+    // A request to save that comes before or after the mix must not end the program.
+    orvane::machine::keepSaveSignal();
     orvane::machine::prepareProcess();
     try {
         const auto asked = orvane::cli::readCommandLine(argc, argv);

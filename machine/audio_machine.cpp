@@ -27,10 +27,10 @@ using platform::VirtualDevice;
 
 constexpr const char* demoRecording = "demo/panel-8ch.flac";
 
-/// Whether a comma-separated list names a driver; no list names them all.
+/// Whether a comma-separated list names a driver; no list or an empty one names them all.
 bool isWanted(std::string_view driver) {
     const char* const list = std::getenv("ORVANE_DRIVERS");
-    if (list == nullptr) return true;
+    if (list == nullptr || *list == '\0') return true;
     std::string_view rest = list;
     while (!rest.empty()) {
         const std::size_t comma = std::min(rest.find(','), rest.size());

@@ -1,12 +1,13 @@
 #include "machine/save_signal.h"
 
 #include <atomic>
+#include <csignal>
 
 namespace orvane::machine {
 
 namespace {
 
-// A signal handler is given no context, so the flag cannot live in the object.
+// A signal handler is given no context.
 std::atomic<bool> saveSignalCame = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
@@ -16,19 +17,14 @@ void rememberSave(int /*signal*/) noexcept {
 
 } // namespace
 
-SaveSignal::SaveSignal() {
-    saveSignalCame = false;
+void keepSaveSignal() {
     struct sigaction action {};
     action.sa_handler = rememberSave;
     action.sa_flags = SA_RESTART;
-    sigaction(SIGUSR1, &action, &before);
+    sigaction(SIGUSR1, &action, nullptr);
 }
 
-SaveSignal::~SaveSignal() {
-    sigaction(SIGUSR1, &before, nullptr);
-}
-
-bool SaveSignal::take() const noexcept {
+bool takeSaveSignal() noexcept {
     return saveSignalCame.exchange(false);
 }
 

@@ -28,13 +28,11 @@ Error syntaxError(std::string_view text, std::size_t offset) {
     return {"The text is not valid JSON at " + where};
 }
 
-/// An object or array that the parser is in.
+/// An object or array that is kept, and where in it the parser is.
 struct Level {
-    /// Null in parts that are not kept.
     json* node = nullptr;
-    bool isObject = false;
-    /// An object's keys up to the one whose value is being read.
-    std::vector<std::string> keys;
+    /// The key of an object whose value is being read.
+    std::string key;
     /// The index of the element of an array that is being read.
     std::size_t elementIndex = 0;
 };
@@ -57,7 +55,7 @@ class TreeBuilder final {
     bool start_array(std::size_t) { return enter(json::array()); }
     bool end_array() { return leave(); }
     bool key(std::string& word);
-    bool end_object();
+    bool end_object() { return leave(); }
     bool parse_error(std::size_t position, const std::string& token, const json::exception& exception);
 
     DocumentTree tree;
@@ -68,6 +66,7 @@ class TreeBuilder final {
     bool enter(json container);
     bool leave();
     json* keep(json value);
+    [[nodiscard]] bool isSkipping() const;
     void finishValue();
     bool fail(std::string description);
     [[nodiscard]] std::string path() const;
@@ -76,26 +75,18 @@ class TreeBuilder final {
     IsKnownKey isKnown;
     const DocumentLimits& limits;
     std::vector<Level> levels;
+    /// Objects and arrays that the parser is in and that are not kept.
+    std::size_t skippedLevels = 0;
     std::size_t keptCount = 0;
 };
 
 bool TreeBuilder::key(std::string& word) {
+    if (skippedLevels > 0) return true;
     Level& level = levels.back();
-    level.keys.push_back(std::move(word));
-    // Where the value is kept, that counts.
-    if (level.node == nullptr) failure = limits.excess(text.size(), ++keptCount);
-    return !failure;
-}
-
-bool TreeBuilder::end_object() {
-    // Sorting at the end finds duplicates in a fraction of the memory that a set of millions of keys takes.
-    auto& keys = levels.back().keys;
-    std::ranges::sort(keys);
-    if (const auto duplicate = std::ranges::adjacent_find(keys); duplicate != keys.end()) {
-        std::swap(*duplicate, keys.back());
+    level.key = std::move(word);
+    if (isKnown(level.key) && level.node->contains(level.key))
         return fail(path() + " appears more than once.");
-    }
-    return leave();
+    return true;
 }
 
 bool TreeBuilder::parse_error(std::size_t position, const std::string&, const json::exception& exception) {
@@ -113,40 +104,49 @@ bool TreeBuilder::addScalar(json value) {
 }
 
 bool TreeBuilder::enter(json container) {
-    if (levels.size() == maximumNesting)
+    if (!isSkipping() && levels.size() == maximumNesting)
         return fail(
             displayed(path()) + " is nested more than " + std::to_string(maximumNesting) + " levels deep."
         );
-    const bool isObject = container.is_object();
-    json* const node = keep(std::move(container));
-    levels.push_back({node, isObject, {}, 0});
+    if (json* const node = keep(std::move(container)))
+        levels.push_back({node, {}, 0});
+    else
+        ++skippedLevels;
     return !failure;
 }
 
 bool TreeBuilder::leave() {
-    levels.pop_back();
+    if (skippedLevels > 0)
+        --skippedLevels;
+    else
+        levels.pop_back();
     finishValue();
     return true;
 }
 
+bool TreeBuilder::isSkipping() const {
+    if (skippedLevels > 0) return true;
+    return !levels.empty() && levels.back().node->is_object() && !isKnown(levels.back().key);
+}
+
 json* TreeBuilder::keep(json value) {
     if (levels.empty()) return &(tree.root = std::move(value));
+    if (skippedLevels > 0) return nullptr;
     const Level& level = levels.back();
-    if (level.node == nullptr) return nullptr;
     failure = limits.excess(text.size(), ++keptCount);
     if (failure) return nullptr;
-    if (!level.isObject) {
+    if (level.node->is_array()) {
         level.node->push_back(std::move(value));
         return &level.node->back();
     }
-    json& member = (*level.node)[level.keys.back()];
-    if (!isKnown(level.keys.back())) return nullptr;
+    json& member = (*level.node)[level.key];
+    if (isSkipping()) return nullptr;
     member = std::move(value);
     return &member;
 }
 
 void TreeBuilder::finishValue() {
-    if (!levels.empty()) ++levels.back().elementIndex;
+    if (!levels.empty() && skippedLevels == 0) ++levels.back().elementIndex;
 }
 
 bool TreeBuilder::fail(std::string description) {
@@ -157,11 +157,11 @@ bool TreeBuilder::fail(std::string description) {
 std::string TreeBuilder::path() const {
     std::string way;
     for (const Level& level : levels) {
-        if (!level.isObject) {
+        if (level.node->is_array()) {
             way += '[' + std::to_string(level.elementIndex) + ']';
         } else {
             if (!way.empty()) way += '.';
-            way += displayed(level.keys.back());
+            way += displayed(level.key);
         }
     }
     return way.empty() ? "The document" : way;

@@ -26,9 +26,9 @@ struct DocumentTree {
 /// Whether a kind of file gives a meaning to a key anywhere.
 using IsKnownKey = bool (*)(std::string_view key);
 
-/// Reads a JSON text, a session's unless other keys are known. Fails, telling where, for anything but one
-/// well-formed text within the limits, for a key that an object has twice and for a number that no double can
-/// hold, in the parts without a meaning too.
+/// Reads a JSON text, a session's unless other keys are known. Fails, naming the place, for anything but one
+/// well-formed text within the limits, for a known key that an object has twice and for a number that no
+/// double can hold. Parts without a meaning may repeat keys and nest as they like.
 platform::Result<DocumentTree> parseDocumentTree(
     std::string_view text, IsKnownKey isKnown = key::isKnown, const DocumentLimits& limits = {}
 );

@@ -34,6 +34,8 @@ TEST(Devices, AreListedForPeopleAndForPrograms) {
     const TemporaryFolder folder;
     EXPECT_EQ(exitCodeOfShell(folder, cli + " devices"), 0);
     EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("virtual:panel"));
+    EXPECT_EQ(exitCodeOfShell(folder, "ORVANE_DRIVERS= " + program + " devices"), 0) << "names all drivers";
+    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("virtual:panel"));
     EXPECT_EQ(exitCodeOfShell(folder, cli + " devices --json --virtual-input " + panel), 0);
     const auto document = nlohmann::json::parse(contentOf(folder / "stdout"));
     EXPECT_EQ(document["devices"][0]["uid"], "virtual:file:panel-8ch.flac");
@@ -178,6 +180,17 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     EXPECT_EQ(document["channels"][0]["name"], "Host");
     EXPECT_EQ(document["channels"][1]["name"], "Guest") << "the mixer has no strip for it";
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
+}
+
+TEST(LiveRun, OutlivesRequestsToSaveToItsLastInstant) {
+    const TemporaryFolder folder;
+    // From the moment on that it catches SIGUSR1 until nothing is left of it but its exit code.
+    const std::string command =
+        cli
+        + " run --meters none --seconds 0.1 & "
+          "until [ ! -d /proc/$! ] || grep -q 'SigCgt:.*[2367abef]..$' /proc/$!/status; do :; done; "
+          "until [ ! -d /proc/$! ] || grep -q ' Z ' /proc/$!/stat; do kill -USR1 $!; done; wait $!";
+    EXPECT_EQ(exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
 }
 
 TEST(LiveRun, TellsThatTheMasterDeviceLacksTheOutputsOfTheSession) {

@@ -1,6 +1,7 @@
 #include "support/build_files.h"
 #include "support/program.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -83,6 +84,14 @@ TEST(Program, SaysWhereItsResultCannotBeWritten) {
             "orvane-cli: The result could not be written: No space left on device.\n"
         ) << arguments;
     }
+}
+
+TEST(Program, IsSilentIfTheReaderOfItsResultHasReadEnough) {
+    const TemporaryFolder folder;
+    const std::string closedPipe =
+        fmt::format("mkfifo {0}; exec 4<>{0} 3>{0} 4>&-; ", (folder / "pipe").string());
+    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, closedPipe + program + " plugins >&3"), 0);
+    EXPECT_EQ(contentOf(folder / "stderr"), "");
 }
 
 TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {

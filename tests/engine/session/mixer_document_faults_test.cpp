@@ -124,7 +124,7 @@ TEST(MixerDocumentFaults, ABadValueIsNamed) {
         {slot + ".presetData", "is not base64 text", {R"("AAECAw")"}},
         {"bufferSize", "appears more than once", {R"(1, "bufferSize": 1)"}},
         {"channels[1].name", "appears more than once", {R"("a", "n\u0061me": "b")"}},
-        {"snapshots[0].midiTrigger.x[1].a", "appears more than once", {R"({}, "b": 1, "a": 2)"}}};
+        {"x", beyond, {R"([1, {"y": 1e400}])"}}};
     for (const auto& [path, problem, texts] : textsByProblem)
         for (const std::string& text : texts)
             EXPECT_EQ(descriptionOf(documentWith(path, text)), path + ' ' + problem + '.') << text;
@@ -198,13 +198,23 @@ TEST(MixerDocumentFaults, ATextThatThereIsNoMemoryForIsGivenUp) {
     EXPECT_GT(nth, 100U);
 }
 
-TEST(MixerDocumentFaults, DeepNestingIsRefused) {
-    const auto nested = [](std::size_t depth) {
-        return nearlyWhole + R"(, "x": )" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+TEST(MixerDocumentFaults, DeepNestingIsRefusedWhereItIsKept) {
+    const auto nested = [](const char* key, std::size_t depth) {
+        return nearlyWhole + ", \"" + key + "\": " + std::string(depth - 1, '[') + std::string(depth - 1, ']')
+               + "}";
     };
-    EXPECT_EQ(descriptionOf(nested(64)), "success");
-    for (const std::string& text : {nested(65), std::string(1U << 20U, '['), repeated("{\"a\":", 100000)})
+    EXPECT_EQ(descriptionOf(nested("name", 64)), "success");
+    for (const std::string& text :
+         {nested("name", 65), std::string(1U << 20U, '['), repeated("{\"name\":", 100000)})
         EXPECT_THAT(descriptionOf(text), HasSubstr("is nested more than 64 levels deep."));
+    EXPECT_EQ(descriptionOf(nested("x", 1U << 20U)), "success");
+}
+
+TEST(MixerDocumentFaults, KeysWithoutAMeaningRefuseNothing) {
+    for (const char* unknown :
+         {R"("x": 1, "x": [2])", R"("x": {"muted": 1, "muted": 2, "a": 1, "a": [{}, {"b": 1, "b": 2}]})",
+          R"("x": {"channels": 5}, "later": null, "": {"": "", "": 0})"})
+        EXPECT_EQ(descriptionOf(nearlyWhole + ", " + unknown + "}"), "success") << unknown;
 }
 
 TEST(MixerDocumentFaults, ATextBeyondTheLimitsIsNeitherReadNorWritten) {
@@ -233,9 +243,12 @@ TEST(MixerDocumentFaults, ATextBeyondTheLimitsIsNeitherReadNorWritten) {
 TEST(MixerDocumentFaults, ManyValuesAreSkippedWhereTheyMeanNothingAndRefusedWhereTheyTakeMemory) {
     const std::string zeros = '[' + repeated("0,", 1000) + "0]";
     const DocumentLimits limits{.valueCount = 1000};
-    EXPECT_EQ(descriptionOf(nearlyWhole + R"(, "x": )" + zeros + "}", limits), "success");
-    for (const std::string& text :
-         {R"({"channels": )" + zeros + "}", R"({"x": {)" + repeated(R"("":0,)", 1000) + R"("a":0}})"})
+    std::string others;
+    for (int key = 0; key < 1000; ++key)
+        others += ", \"x" + std::to_string(key) + "\": 0";
+    for (const std::string& value : {zeros, R"({"a":0)" + others + "}"})
+        EXPECT_EQ(descriptionOf(nearlyWhole + R"(, "x": )" + value + "}", limits), "success");
+    for (const std::string& text : {R"({"channels": )" + zeros + "}", nearlyWhole + others + "}"})
         EXPECT_THAT(descriptionOf(text, limits), HasSubstr("more than the 1000 values"));
 }
 
