@@ -14,12 +14,13 @@ namespace orvane::platform {
 /// content, one thread at a time.
 class AtomicFile final {
   public:
-    /// Begins an empty temporary file in the target's folder. A target that is a symbolic link stands for
-    /// what it leads to. Fails where the target exists and is not a regular file, or the folder cannot be
-    /// written.
+    /// Begins an empty file in the target's folder, without a name where the file system can do that, or else
+    /// with a hidden one. A target that is a symbolic link stands for what it leads to. Fails if the target
+    /// exists and is not a regular file, if the folder cannot be written, or if a link on the way belongs to
+    /// another user and stands in a folder such as /tmp, where anybody may have put it.
     static Result<AtomicFile> open(const std::filesystem::path& target);
 
-    /// Removes the temporary file unless it was committed.
+    /// Removes the file unless it was committed.
     ~AtomicFile();
     AtomicFile(AtomicFile&& other) noexcept;
     AtomicFile(const AtomicFile&) = delete;
@@ -41,6 +42,7 @@ class AtomicFile final {
     );
 
     FileDescriptor file;
+    /// Its hidden name; empty if it has none or has its final one.
     std::filesystem::path temporary;
     std::filesystem::path target;
 };

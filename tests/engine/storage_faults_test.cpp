@@ -160,6 +160,57 @@ TEST_P(StorageFaults, LeaveTheOldFileOrTheNewAndSayWhatIsWrong) {
         }
 }
 
+// As if the disk had filled up between two calls: also what libraries write again at their end fails, such as
+// a header.
+TEST_P(StorageFaults, AreNoticedIfTheyLast) {
+    const Stored& stored = GetParam();
+    std::size_t call = 0;
+    for (bool hasHappened = true; hasHappened; ++call) {
+        const TemporaryFolder folder;
+        std::string said;
+        {
+            const FileFault fault(call, ENOSPC, 2);
+            said = stored.write(folder / "", 1);
+            hasHappened = fault.hasHappened();
+        }
+        if (stored.write == writePreset) continue;
+        EXPECT_EQ(stored.read(folder / ""), said == "success" ? "1" : "") << "from call " << call << " on";
+    }
+}
+
+// A crash of the machine leaves the old file or the new one: the content is on the disk before the name is,
+// and the name before the caller goes on.
+TEST_P(StorageFaults, CannotHappenBehindTheCallersBack) {
+    const TemporaryFolder folder;
+    const FileCalls calls;
+    ASSERT_EQ(GetParam().write(folder / "", 1), "success");
+    std::vector<std::string> names = calls.names();
+    const auto lastWrite = std::ranges::find(names.rbegin(), names.rend(), "write").base();
+    names.erase(names.begin(), lastWrite);
+    std::erase_if(names, [](const std::string& name) { return name == "linkat"; });
+    EXPECT_THAT(names, testing::ElementsAre("fsync file", "rename", "fsync folder"));
+}
+
+// A signal that a handler takes may end any write before its first byte.
+TEST_P(StorageFaults, DoNotIncludeSignals) {
+    const Stored& stored = GetParam();
+    const TemporaryFolder folder;
+    std::vector<std::string> names;
+    {
+        const FileCalls calls;
+        ASSERT_EQ(stored.write(folder / "", 1), "success");
+        names = calls.names();
+    }
+    for (std::size_t call = 0; call < names.size(); ++call) {
+        if (names[call] != "write") continue;
+        const TemporaryFolder other;
+        const FileFault fault(call, EINTR);
+        EXPECT_EQ(stored.write(other / "", 1), "success") << "write, call " << call;
+        EXPECT_TRUE(fault.hasHappened());
+        EXPECT_EQ(stored.read(other / ""), "1") << "write, call " << call;
+    }
+}
+
 // The process ends in the middle of each call in turn: afterwards there is the old file or the new one. What
 // was being written stays under a hidden name that no run of the program ever reads.
 TEST_P(StorageFaults, KillingTheProgramAtAnyInstantLeavesTheOldFileOrTheNew) {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -69,6 +70,31 @@ TEST(AtomicFile, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
         EXPECT_TRUE(std::filesystem::is_symlink(folder / "second-link"));
         EXPECT_EQ(contentOf(folder / "inner/yet-to-be-made"), content);
     }
+}
+
+TEST(AtomicFile, HasNoNameBeforeItIsWhole) {
+    const TemporaryFolder folder(memoryFolder());
+    auto file = AtomicFile::open(folder / "target");
+    ASSERT_EQ(descriptionOf(file), "success");
+    EXPECT_THAT(folder.names(), testing::IsEmpty()) << "a kill leaves nothing behind";
+    EXPECT_EQ(descriptionOf(file.value().commit()), "success");
+    EXPECT_THAT(folder.names(), ElementsAre("target"));
+}
+
+TEST(AtomicFile, FollowsNoLinkOfAnotherUserInASharedFolder) {
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink(folder / "victim", folder / "link");
+    constexpr uid_t other = 12345;
+    if (::lchown((folder / "link").c_str(), other, other) != 0)
+        GTEST_SKIP() << "only root can make another user's link";
+    ::chmod((folder / "").c_str(), 01777);
+    EXPECT_EQ(
+        write(folder / "link", "new"),
+        refusal(folder / "link", "it is a link that another user put into a shared folder")
+    );
+    EXPECT_FALSE(std::filesystem::exists(folder / "victim"));
+    ::chmod((folder / "").c_str(), 0755);
+    EXPECT_EQ(write(folder / "link", "new"), "success") << "nobody else can put links here";
 }
 
 TEST(AtomicFile, RefusesATargetThatCannotBecomeAFile) {
