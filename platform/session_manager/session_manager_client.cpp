@@ -3,8 +3,13 @@
 #include <fmt/format.h>
 #include <lo/lo.h>
 
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <string_view>
 #include <type_traits>
@@ -35,6 +40,35 @@ using Server = std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer>;
 
 /// What liblo would print is told by the answers that do not come.
 void keepQuiet(int /*number*/, const char* /*message*/, const char* /*path*/) {}
+
+/// Where the kernel takes messages from for a manager at `host`: a manager anywhere on loopback answers from
+/// its first address.
+std::optional<sockaddr_storage> peerAddress(const char* host, const char* port, int family) {
+    addrinfo wanted{};
+    wanted.ai_family = family;
+    wanted.ai_socktype = SOCK_DGRAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(host, port, &wanted, &found) != 0) return std::nullopt;
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> all(found, ::freeaddrinfo);
+    sockaddr_storage peer{};
+    std::memcpy(&peer, found->ai_addr, found->ai_addrlen);
+    if (family == AF_INET) {
+        auto& address = reinterpret_cast<sockaddr_in&>(peer).sin_addr.s_addr;
+        if (ntohl(address) >> 24U == IN_LOOPBACKNET) address = htonl(INADDR_LOOPBACK);
+    }
+    return peer;
+}
+
+/// Makes the port take nothing from any other address than the manager's, and stand on loopback if the
+/// manager does; false if that address is not known.
+bool hearOnly(lo_address manager, int port) {
+    sockaddr_storage own{};
+    socklen_t size = sizeof own;
+    if (::getsockname(port, reinterpret_cast<sockaddr*>(&own), &size) != 0) return false;
+    const auto peer =
+        peerAddress(lo_address_get_hostname(manager), lo_address_get_port(manager), own.ss_family);
+    return peer && ::connect(port, reinterpret_cast<const sockaddr*>(&*peer), size) == 0;
+}
 
 /// Of a string. Arguments stand at multiples of four bytes, which is less than the union asks for.
 const char* text(const lo_arg* argument) {
@@ -96,9 +130,17 @@ class SessionManagerClient::Connection final {
         while (!isMet()) {
             const auto left =
                 std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-            if (left.count() <= 0) return;
+            if (left.count() <= 0 || isRefused()) return;
             lo_server_recv_noblock(server.get(), static_cast<int>(left.count()));
         }
+    }
+
+    /// Whether no program listens at the manager's address.
+    [[nodiscard]] bool isRefused() const {
+        int error = 0;
+        socklen_t size = sizeof error;
+        ::getsockopt(lo_server_get_socket_fd(server.get()), SOL_SOCKET, SO_ERROR, &error, &size);
+        return error == ECONNREFUSED;
     }
 
     template <void (Connection::*handle)(lo_arg**)>
@@ -156,6 +198,8 @@ Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
     if (!manager) return Error{fmt::format("NSM_URL \"{}\" is not the address of a session manager.", url)};
     Server server(lo_server_new_with_proto(nullptr, LO_UDP, keepQuiet));
     if (!server) return Error{"There is no network port on which to hear the session manager."};
+    if (!hearOnly(manager.get(), lo_server_get_socket_fd(server.get())))
+        return Error{fmt::format("The host of the session manager at {} is not known.", url)};
     auto connection = std::make_unique<Connection>(std::move(manager), std::move(server));
     connection->announce(executable);
     connection->waitForOpen(patience);

@@ -30,8 +30,9 @@ struct ManagerPatience {
 };
 
 /// The program's side of the NSM protocol, which session managers speak to open, save and close the programs
-/// of a show together. Made by the composition root before any audio client. Main thread; only `connect`
-/// waits.
+/// of a show together. Messages of other addresses than the manager's are dropped, and a manager on this
+/// machine's loopback is heard there only. Made by the composition root before any audio client. Main thread;
+/// only `connect` waits.
 class SessionManagerClient final {
   public:
     /// Announces the program to the manager at `url` (NSM_URL's value), under the name it was called by, and

@@ -62,6 +62,12 @@ class SessionManagerPeer final {
         lo_send_from(client, server.get(), immediately, path, types, arguments...);
     }
 
+    /// Speaks to the client of another peer from now on.
+    void speakToClientOf(const SessionManagerPeer& other) {
+        lo_address_free(client);
+        client = lo_address_new(lo_address_get_hostname(other.client), lo_address_get_port(other.client));
+    }
+
     /// Accepts the client that announces itself.
     bool welcomes() {
         if (!hears("/nsm/server/announce ")) return false;

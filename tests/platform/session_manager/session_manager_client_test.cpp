@@ -104,6 +104,36 @@ TEST_F(ManagedClient, AnswersWhatItIsAskedOnceItIsDone) {
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
 }
 
+TEST_F(ManagedClient, TakesMessagesFromItsManagerOnly) {
+    client->confirmOpen();
+    EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
+    SessionManagerPeer stranger;
+    stranger.speakToClientOf(manager);
+    int asked = 0;
+    client->setOnSave([&] { ++asked; });
+    stranger.say("/nsm/client/save", "");
+    stranger.say("/nsm/client/open", "sss", "/shows/two/ORVANE.nDEF", "Other", "ORVANE.nDEF");
+    manager.say("/nsm/client/save", "");
+    EXPECT_TRUE(waitFor([&] {
+        client->poll();
+        return asked > 0;
+    }));
+    EXPECT_EQ(asked, 1) << "the stranger's came first";
+    client->answerSave(Done{});
+    EXPECT_TRUE(manager.hears("/reply /nsm/client/save "));
+}
+
+TEST(SessionManagerClient, HearsAManagerByAnyNameOfThisMachine) {
+    SessionManagerPeer manager;
+    const std::string port = manager.url().substr(manager.url().rfind(':'));
+    for (const std::string host : {"localhost", "127.0.1.1", "127.0.0.1"}) {
+        Connecting connection("osc.udp://" + host + port + "/");
+        ASSERT_TRUE(manager.welcomes()) << host;
+        manager.say("/nsm/client/open", "sss", "/shows/one/ORVANE.nABC", "Show", "ORVANE.nABC");
+        EXPECT_TRUE(connection.result()) << host;
+    }
+}
+
 TEST_F(ManagedClient, SavesNothingOverASessionThatItCouldNotOpen) {
     client->setOnSave([] { FAIL() << "the session's file would be lost"; });
     client->refuseOpen(ManagerRefusal::badSession, "The file is damaged.");
