@@ -6,6 +6,7 @@
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
 #include "platform/midi_services/system_midi_services.h"
+#include "platform/plain_text.h"
 #include "platform/realtime_priority.h"
 #include "platform/run_loop.h"
 
@@ -30,8 +31,9 @@ std::string deviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int 
     std::string table = fmt::format("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
     for (const audio::AudioDeviceInfo& device : devices)
         table += fmt::format(
-            "{:<28} {:<32} {:>3} {:>4} {:>8.0f}\n", device.uid, device.name, device.inputChannelCount,
-            device.outputChannelCount, device.sampleRate
+            "{:<28} {:<32} {:>3} {:>4} {:>8.0f}\n", platform::plainText(device.uid),
+            platform::plainText(device.name), device.inputChannelCount, device.outputChannelCount,
+            device.sampleRate
         );
     table +=
         priority > 0

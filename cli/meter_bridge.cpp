@@ -1,6 +1,7 @@
 #include "cli/meter_bridge.h"
 
 #include "dsp/decibels.h"
+#include "platform/plain_text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -37,7 +38,8 @@ std::vector<std::string> linesOf(const MeterFrame& frame) {
     for (std::size_t i = 0; i < frame.strips.size(); ++i) {
         const MeterFrame::Strip& strip = frame.strips[i];
         lines.push_back(fmt::format(
-            "{}  GR {:5.1f} dB", meterLine(fmt::format("{:>2} {}", i + 1, strip.name), strip.level),
+            "{}  GR {:5.1f} dB",
+            meterLine(fmt::format("{:>2} {}", i + 1, platform::plainText(strip.name)), strip.level),
             strip.gainReductionDB
         ));
     }

@@ -6,6 +6,7 @@
 #include "cli/print_result.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
+#include "platform/plain_text.h"
 #include "platform/run_loop.h"
 
 #include <CLI/CLI.hpp>
@@ -33,7 +34,7 @@ struct MIDIOptions {
 std::string sourceTable(const Sources& sources) {
     std::string table = fmt::format("{:>11}  {}\n", "id", "name");
     for (const midi::MIDIDeviceInfo& source : sources)
-        table += fmt::format("{:>11}  {}\n", source.id, source.name);
+        table += fmt::format("{:>11}  {}\n", source.id, platform::plainText(source.name));
     return table;
 }
 

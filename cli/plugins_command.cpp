@@ -3,6 +3,7 @@
 #include "cli/json_text.h"
 #include "cli/print_result.h"
 #include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/plain_text.h"
 #include "platform/system_log.h"
 #include "plugins/insert_components.h"
 
@@ -23,7 +24,10 @@ using Components = std::vector<platform::AVAudioUnitComponent>;
 std::string componentTable(const Components& components) {
     std::string table = fmt::format("{:<36} {}\n", "maker", "name");
     for (const platform::AVAudioUnitComponent& component : components)
-        table += fmt::format("{:<36} {}\n", component.manufacturerName, component.name);
+        table += fmt::format(
+            "{:<36} {}\n", platform::plainText(component.manufacturerName),
+            platform::plainText(component.name)
+        );
     return table;
 }
 

@@ -1,6 +1,7 @@
 #include "cli/render_report.h"
 
 #include "dsp/decibels.h"
+#include "platform/plain_text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -49,8 +50,9 @@ std::string RenderReport::text() const {
     );
     for (std::size_t i = 0; i < strips.size(); ++i)
         fmt::format_to(
-            std::back_inserter(lines), "{:>3} {:<20.20} {:>9.1f} dB {:>9.1f} dB\n", i + 1, strips[i].name,
-            dsp::linearToDB(strips[i].finalGain), dsp::linearToDB(strips[i].meanOutputLevel)
+            std::back_inserter(lines), "{:>3} {:<20.20} {:>9.1f} dB {:>9.1f} dB\n", i + 1,
+            platform::plainText(strips[i].name), dsp::linearToDB(strips[i].finalGain),
+            dsp::linearToDB(strips[i].meanOutputLevel)
         );
     return lines;
 }

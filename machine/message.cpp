@@ -1,5 +1,6 @@
 #include "machine/message.h"
 
+#include "platform/plain_text.h"
 #include "platform/standard_error.h"
 
 #include <fmt/format.h>
@@ -12,7 +13,7 @@ namespace orvane::machine {
 void printMessage(std::string_view program, std::string_view sentence) {
     std::string text(sentence);
     std::ranges::replace(text, '\n', ' ');
-    platform::writeToStandardError(fmt::format("{}: {}\n", program, text));
+    platform::writeToStandardError(fmt::format("{}: {}\n", program, platform::plainText(text)));
 }
 
 } // namespace orvane::machine

@@ -1,5 +1,6 @@
 #include "platform/system_log.h"
 
+#include "platform/plain_text.h"
 #include "platform/standard_error.h"
 
 #include <fmt/format.h>
@@ -65,7 +66,9 @@ SystemLog::Sink standardErrorSink() {
     const bool toJournal = std::getenv("JOURNAL_STREAM") != nullptr;
     return [toJournal](const LogLine& line) {
         const std::string_view priority = !toJournal ? "" : line.level == LogLevel::error ? "<3>" : "<5>";
-        writeToStandardError(fmt::format("{}{} [{}] {}\n", priority, logSubsystem, line.category, line.text));
+        writeToStandardError(
+            fmt::format("{}{} [{}] {}\n", priority, logSubsystem, line.category, plainText(line.text))
+        );
     };
 }
 
