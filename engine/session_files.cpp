@@ -24,6 +24,15 @@ channelsBeyond(const session::MixerDocumentData& document, std::size_t strips) {
     return {beyond.begin(), beyond.end()};
 }
 
+std::optional<std::string>
+objectionToReplacing(const std::filesystem::path& path, const std::optional<platform::FileStamp>& known) {
+    const std::string name = '"' + path.string() + '"';
+    if (platform::isWriteProtected(path)) return name + " is write-protected";
+    const auto now = platform::stampOf(path);
+    if (known && now && *now != *known) return name + " was changed by another program since it was read";
+    return std::nullopt;
+}
+
 platform::Result<platform::Done> exportSession(
     const session::MixerDocumentData& document, const std::filesystem::path& path,
     std::span<const session::ChannelSettingsData> furtherChannels

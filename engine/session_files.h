@@ -1,11 +1,14 @@
 #pragma once
 
 #include "engine/session/mixer_document_data.h"
+#include "platform/file_stamp.h"
 #include "platform/result.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace orvane::engine {
@@ -26,6 +29,12 @@ platform::Result<session::MixerDocumentData> readSession(const std::filesystem::
 /// them. Any thread but the audio ones.
 std::vector<session::ChannelSettingsData>
 channelsBeyond(const session::MixerDocumentData& document, std::size_t strips);
+
+/// Why a session's file is not to be replaced without asking, as the beginning of a sentence: its permissions
+/// forbid to write it, or it has changed since it was as `known` says. Absent if nothing speaks against it.
+/// Any thread but the audio ones.
+std::optional<std::string>
+objectionToReplacing(const std::filesystem::path& path, const std::optional<platform::FileStamp>& known);
 
 /// Writes a session, with further channels after its own. Where it fails, a file that was there stays as it
 /// was. Any thread but the audio ones.

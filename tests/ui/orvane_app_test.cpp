@@ -22,6 +22,7 @@
 #include <QTest>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -223,6 +224,45 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     saveTo(folder / "copy.orvane");
     choir.channels.resize(2);
     EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir) << "what the mixer has, elsewhere";
+}
+
+TEST_F(Shell, AsksBeforeItReplacesAFileThatIsProtectedOrWasChangedElsewhere) {
+    const TemporaryFolder folder;
+    session::MixerDocumentData document;
+    document.bufferSize = 512;
+    document.channels = session::settingsOf(session::makeDefaultStrips(2));
+    const auto path = folder / "show.orvane";
+    ASSERT_TRUE(engine::exportSession(document, path));
+    const auto window = launch({.session = document, .sessionFile = path, .channels = 2});
+    const std::string own = contentOf(path);
+    struct Case {
+        const char* says;
+        std::function<void()> happens;
+    };
+    for (const Case& one :
+         {Case{"was changed by another program", [&] { folder.add("show.orvane", "another's"); }},
+          Case{"is write-protected", [&] {
+                   std::filesystem::permissions(path, std::filesystem::perms(0444));
+               }}}) {
+        one.happens();
+        const std::string before = contentOf(path);
+        std::optional<bool> saved;
+        window->saveTo(path, [&](const auto& written) { saved = static_cast<bool>(written); });
+        EXPECT_EQ(saved, false) << one.says;
+        EXPECT_EQ(contentOf(path), before) << one.says;
+        QMessageBox* const question = window->findChild<QMessageBox*>();
+        ASSERT_NE(question, nullptr) << one.says;
+        EXPECT_TRUE(question->informativeText().contains(QString::fromUtf8(one.says))) << one.says;
+        buttonOf(*question, "Replace").click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
+        EXPECT_EQ(contentOf(path), own) << one.says;
+        deleteWhatIsDone();
+    }
+    std::filesystem::permissions(path, std::filesystem::perms(0644));
+    std::optional<bool> saved;
+    window->saveTo(path, [&](const auto& written) { saved = static_cast<bool>(written); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); }));
+    EXPECT_EQ(saved, true) << "its own writing is no change";
 }
 
 TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {

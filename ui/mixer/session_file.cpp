@@ -48,6 +48,12 @@ using engine::noMemoryToWrite;
 using Written = platform::Result<platform::Done>;
 using Read = platform::Result<SessionFile::Document>;
 
+/// What was read, and from which version of the file.
+struct Stamped {
+    std::optional<platform::FileStamp> stamp;
+    Read session;
+};
+
 void tellNobody(const Written& /*written*/) {}
 
 Confirmation replaceFileQuestion(const QString& name) {
@@ -136,11 +142,16 @@ bool SessionFile::saveInPlace() {
 }
 
 void SessionFile::saveTo(const std::filesystem::path& path, const Report& then) {
-    whenIdle({[this, path, then] { writeNow(path, documentNow(), then); }, {noMemoryToWrite, then}});
+    // The question whether to replace the file is an answer too.
+    const Report once = [then, isAnswered = std::make_shared<bool>(false)](const Written& written) {
+        if (!std::exchange(*isAnswered, true)) then(written);
+    };
+    whenIdle({[this, path, once] { writeNow(path, documentNow(), once); }, {noMemoryToWrite, once}});
 }
 
 void SessionFile::setFile(std::optional<std::filesystem::path> path) {
     ownFile = std::move(path);
+    ownStamp = ownFile ? platform::stampOf(*ownFile) : std::nullopt;
 }
 
 void SessionFile::load() {
@@ -244,6 +255,35 @@ void SessionFile::inBackground(const char* text, Work work, Use use, const Short
 
 void SessionFile::writeNow(const std::filesystem::path& path, const Document& document, const Report& then) {
     const bool isOwn = ownFile && isSameFile(*ownFile, path);
+    const auto objection = engine::objectionToReplacing(path, isOwn ? ownStamp : std::nullopt);
+    if (!objection) return replaceNow(path, document, then);
+    askToReplace(path, document, *objection, then);
+}
+
+void SessionFile::askToReplace(
+    const std::filesystem::path& path, const Document& document, const std::string& objection,
+    const Report& then
+) {
+    conclude(
+        platform::Error{"Export failed: " + objection + "; the session is not saved unless you replace it."},
+        then
+    );
+    const Confirmation question{
+        .title = QStringLiteral("Replace this file?"),
+        .message = QString::fromStdString(objection + "; saving replaces what is in it."),
+        .action = QStringLiteral("Replace")};
+    const auto replace = [this, path, document, then] {
+        channelArea.setFileErrorMessage(std::nullopt);
+        whenIdle({[this, path, document, then] { replaceNow(path, document, then); }, {noMemoryToWrite, then}}
+        );
+    };
+    confirm(&window, question, replace);
+}
+
+void SessionFile::replaceNow(
+    const std::filesystem::path& path, const Document& document, const Report& then
+) {
+    const bool isOwn = ownFile && isSameFile(*ownFile, path);
     std::vector<session::ChannelSettingsData> kept;
     if (isOwn) kept = channelsBeyond;
     inBackground(
@@ -251,7 +291,7 @@ void SessionFile::writeNow(const std::filesystem::path& path, const Document& do
         [document, path, kept = std::move(kept)] { return engine::exportSession(*document, path, kept); },
         [this, path, document, isOwn, then](const Written& written) {
             if (written) {
-                ownFile = path;
+                setFile(path);
                 saved = document;
                 if (!isOwn) channelsBeyond.clear();
             }
@@ -263,22 +303,31 @@ void SessionFile::writeNow(const std::filesystem::path& path, const Document& do
 
 void SessionFile::readNow(const std::filesystem::path& path) {
     inBackground(
-        "Reading the session…", [path] { return readDocument(path); },
-        [this, path](const Read& session) {
-            if (session)
-                offer(path, session.value());
+        "Reading the session…",
+        [path] {
+            // The stamp first: a change that comes in between is noticed.
+            const auto stamp = platform::stampOf(path);
+            return Stamped{stamp, readDocument(path)};
+        },
+        [this, path](const Stamped& read) {
+            if (read.session)
+                offer(path, read.stamp, read.session.value());
             else
-                conclude(session.error(), tellNobody);
+                conclude(read.session.error(), tellNobody);
         },
         {noMemoryToRead, tellNobody}
     );
 }
 
-void SessionFile::offer(const std::filesystem::path& path, const Document& document) {
-    const auto replace = [this, path, document] {
-        apply(document, [this, path](const Written& applied) {
+void SessionFile::offer(
+    const std::filesystem::path& path, const std::optional<platform::FileStamp>& stamp,
+    const Document& document
+) {
+    const auto replace = [this, path, stamp, document] {
+        apply(document, [this, path, stamp](const Written& applied) {
             if (!applied) return;
             ownFile = path;
+            ownStamp = stamp;
             channelArea.setFileErrorMessage(std::nullopt);
         });
     };

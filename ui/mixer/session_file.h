@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
+#include "platform/file_stamp.h"
 #include "platform/result.h"
 #include "ui/strip/installed_components.h"
 
@@ -12,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 class QFileDialog;
@@ -42,7 +44,8 @@ class SessionFile final : public QObject {
     void save(std::function<void()> then = {});
     /// Writes the session to the file that it was opened from or last saved to; false where there is none.
     bool saveInPlace();
-    /// Writes the session to a file, which is its own from then on if it was written; then calls `then`.
+    /// Writes the session to a file, which is its own from then on if it was written; then calls `then`, with
+    /// an error also while the user is asked whether to replace it.
     void saveTo(const std::filesystem::path& path, const Report& then);
     /// Asks for a file and loads it.
     void load();
@@ -92,9 +95,19 @@ class SessionFile final : public QObject {
     template <class Work, class Use>
     void inBackground(const char* text, Work work, Use use, const Shortage& shortage);
     void writeNow(const std::filesystem::path& path, const Document& document, const Report& then);
+    /// The same over whatever is there.
+    void replaceNow(const std::filesystem::path& path, const Document& document, const Report& then);
+    /// Asks whether to replace a file that speaks against it.
+    void askToReplace(
+        const std::filesystem::path& path, const Document& document, const std::string& objection,
+        const Report& then
+    );
     void readNow(const std::filesystem::path& path);
     /// Loads what was read, having asked first if that would throw away what has not been saved.
-    void offer(const std::filesystem::path& path, const Document& document);
+    void offer(
+        const std::filesystem::path& path, const std::optional<platform::FileStamp>& stamp,
+        const Document& document
+    );
     /// Some desktops' dialogs offer files of other computers.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
 
@@ -104,6 +117,8 @@ class SessionFile final : public QObject {
     ChannelArea& channelArea;
     Document saved;
     std::optional<std::filesystem::path> ownFile;
+    /// The own file as it was read or written last.
+    std::optional<platform::FileStamp> ownStamp;
     /// The channels of the own file that the mixer has no strips for: they stay in the file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
     /// There while something is under way.
