@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -57,6 +58,12 @@ class LiveRun final {
     Result<Done> prepare() {
         std::optional<session::MixerDocumentData> document;
         if (options.session) {
+            if (!std::filesystem::exists(*options.session))
+                return Error{fmt::format(
+                    "There is no session {0}; orvane-cli session --new 8 '{0}' makes one with 8 strips.",
+                    options.session->string()
+                )};
+            sessionStamp = platform::stampOf(*options.session);
             auto read = engine::readSession(*options.session);
             if (!read) return read.error();
             document = std::move(read).value();
@@ -159,12 +166,18 @@ class LiveRun final {
     }
 
     /// Writes the session as it is now to the file that it came from.
-    void save() const {
+    void save() {
         if (!options.session)
             return printMessage("There is no file to save the session to; the mixer was started without one "
                                 "(--session).");
+        const auto objection = engine::objectionToReplacing(*options.session, sessionStamp);
+        if (objection && !options.force)
+            return printMessage(fmt::format(
+                "The session is not saved, because {}; run with --force to replace it.", *objection
+            ));
         const auto written =
             engine::exportSession(engine->makeDocumentData(), *options.session, channelsBeyond);
+        if (written) sessionStamp = platform::stampOf(*options.session);
         printMessage(
             written ? fmt::format("Saved the session to {}.", options.session->string())
                     : written.error().description
@@ -255,6 +268,8 @@ class LiveRun final {
     std::optional<MixerEngine> engine;
     /// The channels of the session that the mixer has no strips for: they stay in its file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
+    /// The session's file as it was read or written last.
+    std::optional<platform::FileStamp> sessionStamp;
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;

@@ -27,6 +27,8 @@ struct LiveRunOptions {
     std::optional<std::int32_t> midiSource = {};
     /// The snapshot of the session, counted from 1, that the next note is to recall from then on.
     std::optional<std::int64_t> learn = {};
+    /// Whether a save replaces a session file that is write-protected or was changed by another program.
+    bool force = false;
     /// How long to run; until a signal if absent.
     std::optional<double> seconds = {};
     MeterStyle meters = MeterStyle::text;

@@ -41,6 +41,10 @@ void addRunCommand(CLI::App& program, Action& action) {
     command->add_option(
         "--learn", options->learn, "Snapshot of the session, from 1, that the next note recalls from then on"
     );
+    command->add_flag(
+        "--force", options->force,
+        "Save also over a session file that is write-protected or was changed by another program"
+    );
     command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
         ->check(CLI::PositiveNumber);
     const std::map<std::string, MeterStyle> meterStyles = {

@@ -5,6 +5,7 @@
 #include "cli/print_result.h"
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
+#include "engine/session/channel_strip.h"
 #include "engine/session/mixer_document_encoder.h"
 #include "engine/session_files.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
@@ -13,8 +14,10 @@
 #include "platform/system_log.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -24,10 +27,40 @@ namespace orvane::cli {
 
 namespace {
 
+constexpr double newTargetDB = -10.0;
+constexpr std::int64_t newBufferSize = 512;
+
 struct SessionOptions {
     std::filesystem::path file = {};
     std::optional<std::size_t> channels = {};
+    /// The strips of a session that is to be made.
+    std::optional<std::size_t> newStrips = {};
+    bool force = false;
 };
+
+/// What `run` and `render` mix without a session: every strip from the input of its own number to the master
+/// bus, which goes to outputs 1 and 2.
+session::MixerDocumentData newSession(std::size_t stripCount) {
+    session::MixerDocumentData document{.masterTargetDB = newTargetDB, .bufferSize = newBufferSize};
+    document.channels = session::settingsOf(session::makeDefaultStrips(stripCount));
+    for (std::size_t i = 0; i < stripCount; ++i)
+        document.channels[i].inputChannelIndex = static_cast<std::int64_t>(i);
+    document.masterOutputRouting = session::master_output::Stereo{0, 1};
+    return document;
+}
+
+int makeSession(const SessionOptions& options) {
+    if (!options.force && std::filesystem::exists(options.file)) {
+        printMessage(fmt::format(
+            "{} is there already; give another name, or --force to replace it.", options.file.string()
+        ));
+        return 1;
+    }
+    const auto written = engine::exportSession(newSession(*options.newStrips), options.file);
+    if (written) return 0;
+    printMessage(written.error().description);
+    return 1;
+}
 
 /// What an export would write after an import.
 platform::Result<std::string> reexport(const SessionOptions& options) {
@@ -62,7 +95,7 @@ int printSession(const SessionOptions& options) {
 void addSessionCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<SessionOptions>();
     CLI::App* const command =
-        program.add_subcommand("session", "Load a session file and print it as it would be saved");
+        program.add_subcommand("session", "Print a session file as it would be saved, or make one");
     command->footer("Settings that the file lacks appear with their defaults; what is unknown is left out.");
     command->add_option("FILE", options->file, "Session file (.orvane)")->required();
     command
@@ -70,7 +103,16 @@ void addSessionCommand(CLI::App& program, Action& action) {
             "--channels", options->channels, "Number of strips to load it into; otherwise the file's"
         )
         ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
-    command->callback([options, &action] { action = [options] { return printSession(*options); }; });
+    CLI::Option* const strips =
+        command
+            ->add_option(
+                "--new", options->newStrips, "Make a session of so many strips instead of printing it"
+            )
+            ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
+    command->add_flag("--force", options->force, "Replace a file that is there")->needs(strips);
+    command->callback([options, &action] {
+        action = [options] { return options->newStrips ? makeSession(*options) : printSession(*options); };
+    });
 }
 
 } // namespace orvane::cli
