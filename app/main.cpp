@@ -74,6 +74,16 @@ platform::FilePreferences makePreferences() {
     return platform::FilePreferences(std::move(folder));
 }
 
+/// Shows and logs what went wrong with a recording; returns whether anything did.
+bool reportRecording(machine::AudioMachine& audioMachine, const ui::ORVANEApp* window) {
+    auto problem = audioMachine.recorder() == nullptr ? std::nullopt : audioMachine.recorder()->takeProblem();
+    if (!problem) return false;
+    audioMachine.log.post(platform::LogLevel::error, "recording", {*problem});
+    if (window != nullptr && window->mixerRootView() != nullptr)
+        window->mixerRootView()->engine().report(*std::move(problem));
+    return true;
+}
+
 /// Runs the window until it is closed or the program is told to end; returns the exit code.
 int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed) {
     std::vector<std::string> problems;
@@ -110,12 +120,14 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
          .onMixer = [&desktop](const engine::EngineState* mixer) { desktop.follow(mixer); }},
         std::move(line.launch)
     );
+    bool hasRecordingFailed = false;
     const auto housekeeping = mainThread.repeat(housekeepingInterval, [&] {
         audioMachine.log.flush();
         if (interrupt.isInterrupted()) {
             if (window.isUnsaved()) app::printMessage(unsavedChanges);
             QCoreApplication::exit();
         }
+        hasRecordingFailed |= reportRecording(audioMachine, &window);
         if (machine::takeSaveSignal()) window.saveInPlace();
         if (managed != nullptr) managed->poll();
     });
@@ -128,7 +140,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
     window.showProblems(problems);
     const int exitCode = QApplication::exec();
     audioMachine.cancelScan();
-    return exitCode;
+    return hasRecordingFailed ? EXIT_FAILURE : exitCode;
 }
 
 } // namespace
@@ -153,7 +165,8 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
-    const int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
+    int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
+    if (reportRecording(*audioMachine.value(), nullptr)) exitCode = EXIT_FAILURE;
     audioMachine.value()->log.flush();
     machine::endIfAbandoned(exitCode);
     return exitCode;

@@ -114,6 +114,12 @@ class LiveRun final {
         if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
         if (message) printMessage(*message);
         printSentence(advice);
+        if (const auto* const recorder = machine.recorder();
+            recorder != nullptr && recorder->file() != *options.machine.record)
+            printMessage(fmt::format(
+                "{} is there already; the recording goes to {}.", options.machine.record->string(),
+                recorder->file().string()
+            ));
         platform::SleepInhibitor sleepInhibitor(loop, machine.log);
         sleepInhibitor.setHeld(true);
         const auto toErrors =
@@ -184,8 +190,16 @@ class LiveRun final {
         );
     }
 
+    /// Returns a new problem of the recording, if there is one.
+    std::optional<std::string> lookAtRecording() {
+        auto problem = machine.recorder() == nullptr ? std::nullopt : machine.recorder()->takeProblem();
+        if (problem) recordingProblem = problem;
+        return problem;
+    }
+
     void tick(double seconds) {
         machine.log.flush();
+        if (auto problem = lookAtRecording()) engine->report(*std::move(problem));
         if (machine::takeSaveSignal()) save();
         const double load = engine->meterModel().cpuLoad.get();
         peakLoad = std::max(peakLoad, load);
@@ -259,6 +273,8 @@ class LiveRun final {
             priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority"
         ));
         if (died) return Error{engine->state().lastError.get().value_or("The mixer has stopped.")};
+        lookAtRecording();
+        if (recordingProblem) return Error{*recordingProblem};
         return Done{};
     }
 
@@ -270,6 +286,7 @@ class LiveRun final {
     std::vector<session::ChannelSettingsData> channelsBeyond;
     /// The session's file as it was read or written last.
     std::optional<platform::FileStamp> sessionStamp;
+    std::optional<std::string> recordingProblem;
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;

@@ -5,6 +5,7 @@
 #include "cli/offline_mixer.h"
 #include "cli/read_ahead.h"
 #include "cli/sound_blocks.h"
+#include "cli/standard_input.h"
 #include "cli/stem_files.h"
 #include "cli/write_behind.h"
 #include "engine/routing_operations.h"
@@ -33,6 +34,7 @@ using platform::SoundFileWriter;
 
 /// Frames that reader, mixer and writer hand on at a time: few enough to stay in the processor's caches.
 constexpr std::size_t framesPerChunk = 2048;
+constexpr const char* stopped = "Stopped before the end; nothing was written.";
 
 /// The session to be rendered, if one is named.
 Result<std::optional<session::MixerDocumentData>> readSession(const RenderOptions& options) {
@@ -96,7 +98,8 @@ bool areSame(const std::filesystem::path& left, const std::filesystem::path& rig
 
 /// Fails where what is written would take the place of something else of the run.
 Result<Done> checkDestinations(const RenderOptions& options, std::span<const std::string> stripNames) {
-    std::vector<std::filesystem::path> taken = {options.input};
+    std::vector<std::filesystem::path> taken;
+    if (options.input != standardStream) taken.push_back(options.input);
     if (options.session) taken.push_back(*options.session);
     const auto check = [&taken](const std::filesystem::path& destination) -> Result<Done> {
         const auto isTaken = [&](const std::filesystem::path& other) { return areSame(destination, other); };
@@ -106,8 +109,10 @@ Result<Done> checkDestinations(const RenderOptions& options, std::span<const std
             destination.string()
         )};
     };
-    if (auto checked = check(options.output); !checked) return checked;
-    taken.push_back(options.output);
+    if (options.output != standardStream) {
+        if (auto checked = check(options.output); !checked) return checked;
+        taken.push_back(options.output);
+    }
     if (options.report) {
         if (auto checked = check(*options.report); !checked) return checked;
         taken.push_back(*options.report);
@@ -127,9 +132,11 @@ struct Files {
 
 Result<Files> createFiles(
     const RenderOptions& options, std::size_t outputs, std::span<const std::string> stripNames,
-    double sampleRate
+    double sampleRate, const std::function<bool()>& isCancelled
 ) {
-    auto output = SoundFileWriter::create(options.output, outputs, sampleRate);
+    auto output = options.output == standardStream
+                      ? SoundFileWriter::toStandardOutput(outputs, sampleRate, isCancelled)
+                      : SoundFileWriter::create(options.output, outputs, sampleRate);
     if (!output) return output.error();
     Files files{{std::move(output).value(), std::nullopt}, std::nullopt};
     if (options.stems) {
@@ -150,7 +157,7 @@ class Run final {
   public:
     static Result<std::unique_ptr<Run>>
     prepare(const RenderOptions& options, const RenderObserver& observer) {
-        auto reader = SoundFileReader::open(options.input);
+        auto reader = openSound(options.input, observer.isCancelled);
         if (!reader) return reader.error();
         const auto document = readSession(options);
         if (!document) return document.error();
@@ -178,7 +185,8 @@ class Run final {
                 "The session goes to outputs up to {}, but there are only {}: what goes beyond is not heard.",
                 routed, outputs.value()
             ));
-        auto files = createFiles(options, outputs.value(), names, reader.value().sampleRate());
+        auto files =
+            createFiles(options, outputs.value(), names, reader.value().sampleRate(), observer.isCancelled);
         if (!files) return files.error();
         try {
             return std::unique_ptr<Run>(new Run(
@@ -242,7 +250,7 @@ class Run final {
     mixChunk(const ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
         mixed.frameCount = captured.frameCount;
         for (std::size_t at = 0; at < captured.frameCount; at += mixer->blockLength()) {
-            if (observer.isCancelled()) return Error{"Stopped before the end; nothing was written."};
+            if (observer.isCancelled()) return Error{stopped};
             mixer->cycle(
                 captured.blocks.part(at, mixer->blockLength()), mixed.outputs.part(at, mixer->blockLength())
             );
@@ -277,7 +285,9 @@ class Run final {
 Result<RenderReport> render(const RenderOptions& options, const RenderObserver& observer) {
     auto run = Run::prepare(options, observer);
     if (!run) return run.error();
-    return run.value()->mixToTheEnd(observer);
+    auto report = run.value()->mixToTheEnd(observer);
+    if (!report && observer.isCancelled()) return Error{stopped};
+    return report;
 }
 
 } // namespace orvane::cli

@@ -16,9 +16,9 @@ namespace orvane::cli {
 
 /// What is to be rendered.
 struct RenderOptions {
-    /// The sound whose channels are the device's inputs.
+    /// The sound whose channels are the device's inputs; "-" is standard input.
     std::filesystem::path input = {};
-    /// What the device's outputs carry.
+    /// What the device's outputs carry; "-" is standard output.
     std::filesystem::path output = {};
     /// The session that sets the mix up; a fresh one if absent.
     std::optional<std::filesystem::path> session = {};

@@ -4,6 +4,7 @@
 #include "cli/print_result.h"
 #include "cli/progress_bar.h"
 #include "cli/render.h"
+#include "cli/standard_input.h"
 #include "engine/show.h"
 #include "machine/interrupt.h"
 
@@ -29,7 +30,8 @@ int runRender(const RenderOptions& options) {
         printMessage(report.error().description);
         return 1;
     }
-    return printResult(report.value().text());
+    // What follows the sound on standard output would be taken for more of it.
+    return options.output == standardStream ? 0 : printResult(report.value().text());
 }
 
 } // namespace
@@ -38,9 +40,18 @@ void addRenderCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<RenderOptions>();
     CLI::App* const command = program.add_subcommand("render", "Mix a sound file, faster than real time");
     command->footer("Every channel of the input is one microphone. The output carries what the outputs of an "
-                    "interface would: 32-bit float WAV, RF64 beyond 4 GB, W64 where the name ends in .w64.");
-    command->add_option("--input", options->input, "Sound file whose channels are the inputs")->required();
-    command->add_option("--output", options->output, "Sound file for the outputs")->required();
+                    "interface would, in the format that its name ends in: .wav (RF64 beyond 4 GB), .w64, "
+                    ".rf64 and .aiff with 32-bit float samples, .flac with 24 bits and up to 8 outputs.");
+    command
+        ->add_option(
+            "--input", options->input, "Sound file whose channels are the inputs; - is standard input"
+        )
+        ->required();
+    command
+        ->add_option(
+            "--output", options->output, "Sound file for the outputs; - writes a WAV to standard output"
+        )
+        ->required();
     command->add_option(
         "--session", options->session, "Session that sets up the mix; otherwise every input has a strip"
     );

@@ -65,6 +65,9 @@ class MixerEngine final {
     void selectDevice(const audio::AudioDeviceInfo& device);
     void selectMasterOutputDevice(const std::optional<audio::AudioDeviceInfo>& device);
 
+    /// Shows a sentence about something that the engine does not do itself in `lastError`.
+    void report(std::string sentence) { published.lastError.set(std::move(sentence)); }
+
     /// The selected device's latency of one buffer, in ms; 0 without a device.
     [[nodiscard]] double bufferLatencyMs() const;
     /// What the rings of the selected device take, in bytes; 0 without a device.

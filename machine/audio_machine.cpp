@@ -40,7 +40,7 @@ bool isWanted(std::string_view driver) {
     return false;
 }
 
-/// The virtual devices, what plays a file of the user's first.
+/// The virtual devices, one that plays a file of the user first.
 Result<std::vector<VirtualDevice>>
 virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
     std::vector<VirtualDevice> devices;
@@ -53,17 +53,24 @@ virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
         platform::builtInDevices(platform::programDataDirectory() / demoRecording, log),
         std::back_inserter(devices)
     );
-    if (!options.record) return devices;
+    return devices;
+}
 
+/// The recorder that the options ask for, which is given to its device; null if they ask for none.
+Result<std::shared_ptr<platform::OutputRecorder>>
+recordOne(std::vector<VirtualDevice>& devices, const AudioMachineOptions& options) {
+    if (!options.record) return std::shared_ptr<platform::OutputRecorder>();
+    if (const auto format = platform::recordingFormat(*options.record); !format) return format.error();
     const std::string uid = options.device.value_or(devices.front().description.uid);
     const auto recorded =
         std::ranges::find(devices, uid, [](const VirtualDevice& device) { return device.description.uid; });
     if (recorded == devices.end())
-        return Error{fmt::format("Only a virtual device can be recorded, and {} is none.", uid)};
-    recorded->output = std::make_shared<platform::OutputRecorder>(
-        *options.record, recorded->description.outputChannelCount, recorded->description.sampleRate, log
+        return Error{fmt::format("Only virtual devices can be recorded; {} is not one.", uid)};
+    auto recorder = std::make_shared<platform::OutputRecorder>(
+        *options.record, recorded->description.outputChannelCount, recorded->description.sampleRate
     );
-    return devices;
+    recorded->output = recorder;
+    return recorder;
 }
 
 } // namespace
@@ -82,6 +89,9 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
     auto machine = std::make_unique<AudioMachine>(options.clientName);
     auto devices = virtualDevices(options, machine->log);
     if (!devices) return devices.error();
+    auto recorder = recordOne(devices.value(), options);
+    if (!recorder) return recorder.error();
+    machine->outputRecorder = std::move(recorder).value();
     machine->mainUID = options.device;
     if (!options.device && (options.virtualInput || options.record))
         machine->mainUID = devices.value().front().description.uid;

@@ -7,6 +7,7 @@
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/result.h"
 #include "platform/system_log.h"
+#include "platform/virtual_audio/output_recorder.h"
 
 #include <filesystem>
 #include <memory>
@@ -50,6 +51,8 @@ class AudioMachine final {
     /// they leave it open.
     std::optional<std::string> mainUID;
 
+    /// What records the main device; null if nothing does.
+    [[nodiscard]] platform::OutputRecorder* recorder() { return outputRecorder.get(); }
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
     /// Ends the search for effects, so that the program can end at once. Any thread.
@@ -61,6 +64,7 @@ class AudioMachine final {
     platform::Lv2UnitHost audioUnitHost{
         log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
+    std::shared_ptr<platform::OutputRecorder> outputRecorder;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
 };
 

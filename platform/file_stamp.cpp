@@ -9,7 +9,7 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr std::int64_t stampUnitsPerSecond = 1'000'000'000;
 
 } // namespace
 
@@ -20,7 +20,7 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
         .device = status.st_dev,
         .inode = status.st_ino,
         .size = status.st_size,
-        .changed = status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};
+        .changed = status.st_mtim.tv_sec * stampUnitsPerSecond + status.st_mtim.tv_nsec};
 }
 
 bool isWriteProtected(const std::filesystem::path& path) {

@@ -7,7 +7,7 @@ namespace orvane::platform {
 
 namespace {
 
-constexpr char replacement = '?';
+constexpr char plainReplacement = '?';
 constexpr unsigned char deleteCharacter = 0x7F;
 /// The first byte of the control characters beyond ASCII, whose second is below the limit.
 constexpr unsigned char controlLead = 0xC2;
@@ -42,7 +42,7 @@ std::string plainText(std::string_view text) {
         if (isWhole && !isControl(character))
             plain += character;
         else
-            plain += replacement;
+            plain += plainReplacement;
         text.remove_prefix(isWhole ? length : 1);
     }
     return plain;

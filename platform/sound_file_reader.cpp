@@ -3,10 +3,14 @@
 #include "platform/file_error.h"
 #include "platform/sound_file_handle.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -32,13 +36,22 @@ std::int64_t countFrames(SNDFILE* file, std::size_t channelCount) {
 
 struct SoundFileReader::Source {
     std::filesystem::path path;
+    FileDescriptor descriptor;
     SF_INFO info{};
     SoundFileHandle handle;
     std::int64_t position = 0;
     std::vector<float> interleaved;
 
-    explicit Source(const std::filesystem::path& file)
-        : path(file), handle(sf_open(file.c_str(), SFM_READ, &info)) {}
+    Source(FileDescriptor file, const std::filesystem::path& name) : path(name), descriptor(std::move(file)) {
+        begin();
+    }
+
+    /// Opens the sound from the start of the file on.
+    void begin() {
+        ::lseek(descriptor.number(), 0, SEEK_SET);
+        info = {};
+        handle.reset(sf_open_fd(descriptor.number(), SFM_READ, &info, SF_FALSE));
+    }
 
     [[nodiscard]] bool isLengthStated() const { return info.frames != SF_COUNT_MAX; }
     [[nodiscard]] std::size_t channelCount() const { return static_cast<std::size_t>(info.channels); }
@@ -60,20 +73,27 @@ struct SoundFileReader::Source {
 };
 
 Result<SoundFileReader> SoundFileReader::open(const std::filesystem::path& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
-        return fileError(path, cannotReadSound, "it is a folder");
-    if (std::filesystem::file_size(path, ignored) == 0) return fileError(path, cannotReadSound, empty);
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen()) return fileError(path, cannotReadSound, errno);
+    return open(std::move(file), path);
+}
 
-    auto opened = std::make_unique<Source>(path);
-    if (!opened->handle) return fileError(path, cannotReadSound, soundFileProblem(nullptr));
+Result<SoundFileReader> SoundFileReader::open(FileDescriptor file, const std::filesystem::path& name) {
+    struct stat status {};
+    if (::fstat(file.number(), &status) != 0) return fileError(name, cannotReadSound, errno);
+    if (S_ISDIR(status.st_mode)) return fileError(name, cannotReadSound, "it is a folder");
+    if (!S_ISREG(status.st_mode)) return fileError(name, cannotReadSound, notARegularFile);
+    if (status.st_size == 0) return fileError(name, cannotReadSound, empty);
+
+    auto opened = std::make_unique<Source>(std::move(file), name);
+    if (!opened->handle) return fileError(name, cannotReadSound, soundFileProblem(nullptr));
     if (!opened->isLengthStated()) {
         const std::int64_t frames = countFrames(opened->handle.get(), opened->channelCount());
-        opened = std::make_unique<Source>(path);
-        if (!opened->handle) return fileError(path, cannotReadSound, soundFileProblem(nullptr));
+        opened->begin();
+        if (!opened->handle) return fileError(name, cannotReadSound, soundFileProblem(nullptr));
         opened->info.frames = frames;
     }
-    if (opened->info.frames == 0) return fileError(path, cannotReadSound, empty);
+    if (opened->info.frames == 0) return fileError(name, cannotReadSound, empty);
     opened->interleaved.resize(framesPerTransfer * opened->channelCount());
     return SoundFileReader(std::move(opened));
 }

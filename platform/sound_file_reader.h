@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/file_descriptor.h"
 #include "platform/result.h"
 
 #include <cstddef>
@@ -15,9 +16,12 @@ namespace orvane::platform {
 /// owns it; one thread at a time, never an audio thread.
 class SoundFileReader final {
   public:
-    /// Opens the file at `path`. Fails where there is no readable sound file or it holds no samples. A file
-    /// that does not state its length is read through once to find it.
+    /// Opens the file at `path`, never waiting for a pipe. Fails if that is not a regular file with readable
+    /// sound, or holds no samples. A file that does not state its length is read through once to find it.
     static Result<SoundFileReader> open(const std::filesystem::path& path);
+
+    /// The same for a regular file that is open for reading; `name` is what errors call it.
+    static Result<SoundFileReader> open(FileDescriptor file, const std::filesystem::path& name);
 
     ~SoundFileReader();
     SoundFileReader(SoundFileReader&&) noexcept;

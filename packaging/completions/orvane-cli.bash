@@ -8,9 +8,9 @@ _orvane_cli_options() {
     render) echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" ;;
     run)
         echo "--help --session --channels --device --master-device --buffer-size --midi-source --learn" \
-            "--seconds --meters --virtual-input --record"
+            "--seconds --meters --virtual-input --record --force"
         ;;
-    session) echo "--help --channels" ;;
+    session) echo "--help --channels --new --force" ;;
     *) echo "--help --version devices midi plugins render run session" ;;
     esac
 }
@@ -55,7 +55,7 @@ _orvane_cli() {
     --input | --output | --virtual-input | --record)
         _filedir
         ;;
-    --channels | --outputs | --learn | --seconds | --send) ;;
+    --channels | --outputs | --new | --learn | --seconds | --send) ;;
     *)
         if [[ ${words[1]} == session && $cur != -* ]]; then
             _filedir orvane

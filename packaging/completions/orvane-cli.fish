@@ -40,4 +40,6 @@ __orvane_cli_option run midi-source 'MIDI source to listen to' -x -a '(__orvane_
 __orvane_cli_option run learn 'Snapshot that the next note recalls' -x
 __orvane_cli_option run meters 'How meters are shown' -x -a 'text json none'
 __orvane_cli_option run record 'Sound file for the outputs of a virtual device' -r -F
+__orvane_cli_option 'run session' force 'Replace a session file that is protected, changed or there'
+__orvane_cli_option session new 'Make a session of so many strips' -x
 complete -c orvane-cli -n '__fish_seen_subcommand_from session' -k -a '(__fish_complete_suffix .orvane)'

@@ -57,9 +57,11 @@ _orvane_cli() {
             '--learn[snapshot that the next note recalls]:snapshot:' \
             '--seconds[how long to run]:seconds:' \
             '--meters[how meters are shown]:style:(text json none)' \
-            '--record[sound file for the outputs of a virtual device]:sound file:_files'
+            '--record[sound file for the outputs of a virtual device]:sound file:_files' \
+            '--force[save over a protected or changed session file]'
         ;;
-    session) _arguments $help $channels '*:session:_files -g "*.orvane"' ;;
+    session) _arguments $help $channels '--new[make a session of so many strips]:strips:' \
+            '--force[replace a file that is there]' '*:session:_files -g "*.orvane"' ;;
     esac
 }
 

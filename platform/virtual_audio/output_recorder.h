@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/sound_file_writer.h"
-#include "platform/system_log.h"
 #include "platform/virtual_audio/frame_queue.h"
 #include "platform/virtual_audio/periodic_task.h"
 #include "platform/virtual_audio/planar_blocks.h"
@@ -10,40 +9,55 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <mutex>
 #include <optional>
+#include <string>
 
 namespace orvane::platform {
 
 /// Records what a device's outputs are given into a sound file, bit for bit from a stream's start to its
-/// stop: live by way of a queue of some seconds that a thread of its own writes out, stepped at once. The
-/// file is there once the stream has stopped. Each further start records a take of its own: "mix.wav", then
-/// "mix-2.wav". The log tells of frames that the disk was too slow for and of a disk that fails.
+/// stop: live by way of a queue of some seconds that a thread of its own writes out, stepped at once. Every
+/// start records a take of its own under the next name that is free: "mix.wav", then "mix-2.wav". However the
+/// program ends, the file can be read up to its last second; std::exit completes it.
 class OutputRecorder final : public VirtualOutput {
   public:
     /// `sampleRate` in Hz, a whole number; `channelCount`: the device's outputs, 1 to 1024.
-    OutputRecorder(
-        std::filesystem::path file, std::size_t channelCount, double sampleRate, SystemLog& systemLog
-    );
+    OutputRecorder(std::filesystem::path file, std::size_t channelCount, double sampleRate);
+    ~OutputRecorder() override;
+    OutputRecorder(const OutputRecorder&) = delete;
+    OutputRecorder& operator=(const OutputRecorder&) = delete;
 
     Result<Done> start(VirtualPacing pacing) override;
     ORVANE_REALTIME void take(std::span<const std::span<const float>> blocks) noexcept override;
     void stop() override;
 
+    /// The file of the last take; that of the first before there is one. Main thread.
+    [[nodiscard]] const std::filesystem::path& file() const { return takePath; }
+
+    /// What went wrong with a recording since this was last asked, as a sentence. Any thread but the audio
+    /// ones.
+    std::optional<std::string> takeProblem();
+
   private:
-    [[nodiscard]] std::filesystem::path pathOfTake() const;
+    [[nodiscard]] std::filesystem::path nextFreePath() const;
     void writeOut();
+    void keepReadable(std::size_t newFrames);
     void fail(const Error& why);
+    void report(std::string sentence);
 
     std::filesystem::path path;
+    std::filesystem::path takePath;
     double rate;
-    SystemLog& log;
     PlanarBlocks chunk;
     std::optional<SoundFileWriter> writer;
     std::optional<FrameQueue> queue;
-    std::size_t takeNumber = 0;
     VirtualPacing pacedBy = VirtualPacing::live;
     bool hasFailed = false;
+    std::uint64_t framesWritten = 0;
+    std::uint64_t framesInHeader = 0;
     std::uint64_t droppedFrames = 0;
+    std::mutex problemMutex;
+    std::optional<std::string> problem;
     std::optional<PeriodicTask> writerThread;
 };
 

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -140,6 +141,26 @@ TEST(LiveRun, PrintsIntoNoFileOfItsOwnWhereItsStreamsAreClosed) {
     EXPECT_THAT(contentOf(recording), Not(HasSubstr("strips")));
 }
 
+TEST(LiveRun, MixesOnAndFailsAtItsEndIfItsRecordingFails) {
+    const TemporaryFolder folder;
+    const std::string recording = (folder / "out.wav").string();
+    const std::string run = "ulimit -f 64; " + cli
+                            + " run --meters none --device virtual:panel --seconds 0.5 --record " + recording;
+    EXPECT_EQ(exitCodeOfShell(folder, run), 1);
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        MatchesRegex("(orvane-cli: This account [^\n]*\n)?(orvane-cli: [^\n]*out.wav\" could not be written: "
+                     "[^\n]*\n)orvane-cli: Ran for 0.5[^\n]*\norvane-cli: [^\n]*out.wav[^\n]*kept[^\n]*\n")
+    );
+    EXPECT_TRUE(orvane::platform::SoundFileReader::open(recording));
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " run --meters none --seconds 0.1 --record " + recording), 0);
+    EXPECT_THAT(
+        contentOf(folder / "stderr"), HasSubstr("the recording goes to " + (folder / "out-2.wav").string())
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " run --seconds 0.1 --record out.flac"), 1);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("ends in .wav, .w64 or .rf64"));
+}
+
 TEST(LiveRun, KeepsTheMachineAwake) {
     orvane::test::DesktopPeer desktop;
     const pid_t run = startServer({"env", "ORVANE_DRIVERS=virtual", program, "run", "--meters", "none"});
@@ -180,6 +201,39 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
     EXPECT_EQ(document["channels"][0]["name"], "Host");
     EXPECT_EQ(document["channels"][1]["name"], "Guest") << "the mixer has no strip for it";
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
+}
+
+TEST(LiveRun, ReplacesAChangedOrProtectedSessionOnlyIfForced) {
+    const TemporaryFolder folder;
+    const std::string session = (folder / "show.orvane").string();
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " run --session " + session), 1);
+    EXPECT_THAT(
+        contentOf(folder / "stderr"), HasSubstr("orvane-cli session --new 8 '" + session + "' makes one")
+    );
+    const std::string make = cli + " session --new 3 " + session;
+    EXPECT_EQ(exitCodeOfShell(folder, make), 0) << contentOf(folder / "stderr");
+    EXPECT_EQ(nlohmann::json::parse(contentOf(session))["channels"].size(), 3U);
+    EXPECT_EQ(exitCodeOfShell(folder, make), 1);
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("is there already"));
+    for (const auto& [option, change, says] :
+         {std::tuple("", "echo x >>", "was changed by another program"),
+          {"", "chmod 444", "is write-protected"},
+          {"--force", "chmod 444", "Saved the session"}}) {
+        EXPECT_EQ(exitCodeOfShell(folder, "rm -f " + session + "; " + make), 0);
+        const std::string before = contentOf(session);
+        const std::string command = fmt::format(
+            "rm -f {0}; mkfifo {0}; {1} run --meters json --session {2} {3} >{0} 2>{0}.says & "
+            "{{ read line; {4} {2}; kill -USR1 $!; while ! grep -q session {0}.says && read line; do :; "
+            "done; "
+            "kill -TERM $!; cat >/dev/null; }} <{0}; wait $!",
+            (folder / "meters").string(), cli, session, option, change
+        );
+        EXPECT_EQ(exitCodeOfShell(folder, command), 0) << says;
+        EXPECT_THAT(contentOf(folder / "meters.says"), HasSubstr(says));
+        if (*option == '\0') {
+            EXPECT_THAT(contentOf(session), testing::StartsWith(before)) << says;
+        }
+    }
 }
 
 TEST(LiveRun, OutlivesRequestsToSaveToItsLastInstant) {
@@ -245,7 +299,9 @@ TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
           Case{onALSA + "half_busy --channels 2", "AudioUnitInitialize failed: OSStatus 560492391"},
           Case{onALSA + "unlike", "AudioUnitInitialize failed: OSStatus 560226676"},
           Case{cli + " run --midi-source -12", "There is no MIDI source -12"},
-          Case{cli + " run --device jack:system --record out.wav", "Only a virtual device can be recorded"},
+          Case{
+              cli + " run --device jack:system --record out.wav",
+              "Only virtual devices can be recorded; jack:system is not one."},
           Case{
               cli + " run --session '" + (folder / "bad.orvane").string() + "'",
               "Couldn't read that settings"}}) {

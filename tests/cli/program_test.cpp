@@ -104,6 +104,39 @@ TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
     EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
 }
 
+TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
+    const TemporaryFolder folder;
+    const std::string render = program + " render --input ";
+    const std::string piped = (folder / "piped.wav").string();
+    const std::string direct = (folder / "direct.wav").string();
+    const std::string command = fmt::format(
+        "cat {0} | {1} - --output - | {1} - --outputs 3 --output {2} && {1} {0} --output {3} && "
+        "{1} {3} --outputs 3 --output {3}.again.wav && cmp {2} {3}.again.wav && {1} {0} --output - > {3}.raw",
+        panel, render, piped, direct
+    );
+    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
+    const std::string stream = contentOf(direct + ".raw");
+    EXPECT_EQ(stream.substr(0, 8), "RIFF\xFF\xFF\xFF\xFF");
+    EXPECT_TRUE(stream.ends_with(contentOf(direct).substr(200))) << "the same samples";
+
+    // A pipe that nobody writes or reads; that the program catches SIGINT says that it works.
+    const std::string pipe = fmt::format("rm -f {0}; mkfifo {0}; exec 4<>{0}; ", (folder / "pipe").string());
+    const std::string interrupt = " & until [ ! -d /proc/$! ] || grep -q 'SigCgt:.*[2367abef]$' "
+                                  "/proc/$!/status; do :; done; kill -INT $!; wait $!";
+    for (const std::string& stalled :
+         {"env --default-signal=INT " + render + "- --output '" + piped + "' <&4",
+          "env --default-signal=INT " + render + panel + " --output - >&4"}) {
+        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, pipe + stalled + interrupt), 1) << stalled;
+        EXPECT_THAT(
+            contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped)[^\n]*\n")
+        );
+    }
+    EXPECT_EQ(
+        exitCodeOf(folder, "render --input '" + (folder / "pipe").string() + "' --output '" + piped + "'"), 1
+    );
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("it is not a regular file"));
+}
+
 TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
     namespace fs = std::filesystem;
     const TemporaryFolder folder;
@@ -115,6 +148,27 @@ TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
     EXPECT_THAT(folder.names(), testing::IsSupersetOf({"mix.wav", "stems", "report.json"}));
     for (const auto& entry : fs::recursive_directory_iterator(folder / ""))
         EXPECT_EQ(entry.status().permissions() & fs::perms::others_write, fs::perms::none) << entry.path();
+}
+
+TEST(Program, SendsNothingOfANameToTheTerminalThatCommandsIt) {
+    const TemporaryFolder folder;
+    const auto session = folder.add(
+        "show.orvane",
+        R"({"channels": [{"name": "\u001b[2J\u009b1m\u0007Ann\u00e4", "outputRouting": {"none": {}},
+            "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
+            "bufferSize": 512, "snapshots": []})"
+    );
+    const std::string named = folder / "\x1b[2J.wav";
+    for (const std::string& arguments :
+         {"render --session " + session.string() + " --input " + panel + " --output "
+              + (folder / "out.wav").string(),
+          "run --device virtual:panel --meters text --seconds 0.1 --session " + session.string(),
+          "render --output out.wav --input '" + named + "'"}) {
+        exitCodeOf(folder, arguments);
+        const std::string said = contentOf(folder / "stdout") + contentOf(folder / "stderr");
+        EXPECT_THAT(said, HasSubstr("?[2J")) << arguments;
+        EXPECT_EQ(said.find_first_of("\x1b\x07\x9b"), std::string::npos) << arguments;
+    }
 }
 
 TEST(Session, IsPrintedAsItWouldBeSaved) {

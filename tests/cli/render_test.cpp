@@ -95,14 +95,14 @@ writeSession(const TemporaryFolder& folder, const session::MixerDocumentData& do
 TEST(Render, GivesTheSameBytesTwice) {
     const TemporaryFolder folder;
     std::vector<std::vector<double>> gains;
-    for (const char* run : {"a", "b"}) {
+    for (const char* run : {"a.wav", "b.wav"}) {
         const Rendering rendering({.input = panel, .output = folder / run});
         ASSERT_TRUE(rendering.report);
         EXPECT_TRUE(rendering.warnings.empty());
         for (const cli::StripReport& strip : rendering.report.value().strips)
             gains.push_back(strip.gainsDB);
     }
-    EXPECT_EQ(test::contentOf(folder / "a"), test::contentOf(folder / "b"));
+    EXPECT_EQ(test::contentOf(folder / "a.wav"), test::contentOf(folder / "b.wav"));
     ASSERT_EQ(gains.size(), 16U);
     EXPECT_EQ(std::vector(gains.begin(), gains.begin() + 8), std::vector(gains.begin() + 8, gains.end()));
 }

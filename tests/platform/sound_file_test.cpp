@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sndfile.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -117,33 +118,58 @@ void expectFile(const path& file, const Channels& expected, double sampleRate) {
 
 TEST(SoundFileWriter, KeepsEverySampleBitForBit) {
     const TemporaryFolder folder;
-    for (const std::string name : {"mix.wav", "mix.w64"}) {
+    for (const std::string name : {"mix.wav", "mix.w64", "mix.rf64", "mix.aiff"}) {
         for (const std::size_t channelCount : {1U, 2U, 8U, 48U}) {
             for (const std::size_t frameCount : {1U, 4096U, 9'001U}) {
                 SCOPED_TRACE(name + ", " + std::to_string(channelCount) + " x " + std::to_string(frameCount));
                 const Channels written = anyFloats(channelCount, frameCount);
                 writeFile(folder / name, written);
-                EXPECT_TRUE(contentOf(folder / name).ends_with(interleavedBytes(written)));
+                if (name != "mix.aiff") {
+                    EXPECT_TRUE(contentOf(folder / name).ends_with(interleavedBytes(written)));
+                }
                 expectFile(folder / name, written, 44100.0);
             }
         }
     }
 }
 
-TEST(SoundFileWriter, MakesAnOrdinaryWAVOrAW64WithoutTheTimeOfWriting) {
+TEST(SoundFileWriter, MakesWhatTheNameSaysWithoutTheTimeOfWriting) {
     const TemporaryFolder folder;
-    for (const auto& [name, format] : {std::pair("mix", SF_FORMAT_WAVEX), {"MIX.W64", SF_FORMAT_W64}})
+    const std::tuple<const char*, int, const char*> formats[] = {
+        {"mix.wav", SF_FORMAT_WAVEX, "RIFF"},
+        {"MIX.W64", SF_FORMAT_W64, "riff"},
+        {"mix.rf64", SF_FORMAT_RF64, "RF64"},
+        {"mix.aiff", SF_FORMAT_AIFF, "FORM"}};
+    for (const auto& [name, format, beginning] : formats)
         for (const std::size_t frameCount : {0U, 5000U}) {
             writeFile(folder / name, anyFloats(3, frameCount));
             SF_INFO info{};
             sf_close(sf_open((folder / name).c_str(), SFM_READ, &info));
-            EXPECT_EQ(info.format, format | SF_FORMAT_FLOAT) << name;
+            EXPECT_EQ(info.format & ~SF_FORMAT_ENDMASK, format | SF_FORMAT_FLOAT) << name;
             EXPECT_EQ(info.frames, static_cast<sf_count_t>(frameCount)) << name;
             const std::string bytes = contentOf(folder / name);
-            EXPECT_TRUE(bytes.starts_with(format == SF_FORMAT_W64 ? "riff" : "RIFF")) << name;
+            EXPECT_TRUE(bytes.starts_with(beginning)) << name;
             // The chunk that holds the time of writing.
             EXPECT_EQ(bytes.substr(0, 200).find("PEAK"), std::string::npos) << name;
         }
+}
+
+TEST(SoundFileWriter, WritesAFLACThatClipsAndIsWhole) {
+    const TemporaryFolder folder;
+    Channels samples(8, std::vector<float>(9'001, -0.25F));
+    samples[3][5] = 2.0F;
+    writeFile(folder / "mix.flac", samples);
+    samples[3][5] = 1.0F - std::ldexp(1.0F, -23);
+    expectFile(folder / "mix.flac", samples, 44100.0);
+    writeFile(folder / "again.flac", samples);
+    EXPECT_EQ(contentOf(folder / "again.flac"), contentOf(folder / "mix.flac"));
+
+    const FileSizeLimit limit(20'000);
+    auto writer = SoundFileWriter::create(folder / "full.flac", 2, 48000.0);
+    const Channels noise = anyFloats(2, 30'000);
+    descriptionOf(writer.value().write(part(noise, 0, 30'000)));
+    EXPECT_THAT(descriptionOf(writer.value().commit()), HasSubstr("full.flac\" could not be written"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "full.flac"));
 }
 
 TEST(SoundFileWriter, WritesADeviceInPlace) {
@@ -157,17 +183,20 @@ TEST(SoundFileWriter, WritesADeviceInPlace) {
 
 TEST(SoundFileWriter, SaysWhatItCannotWrite) {
     const TemporaryFolder folder;
-    std::filesystem::create_directory(folder / "folder");
+    std::filesystem::create_directory(folder / "folder.wav");
     const std::tuple<std::string, std::size_t, double, std::string> cases[] = {
-        {"folder", 2, 48000.0, "not a regular file"},
+        {"folder.wav", 2, 48000.0, "not a regular file"},
         {"mix.wav", 1025, 48000.0, "1 to 1024 channels"},
+        {"mix.flac", 9, 48000.0, "a FLAC file has 1 to 8 channels"},
+        {"mix.mp3", 2, 48000.0, "ends in .wav, .w64, .rf64, .flac or .aiff"},
+        {"mix", 2, 48000.0, "ends in .wav, .w64, .rf64, .flac or .aiff"},
         {"mix.wav", 2, std::nan(""), "whole number of Hz"}};
     for (const auto& [name, channelCount, sampleRate, reason] : cases)
         EXPECT_THAT(
             descriptionOf(SoundFileWriter::create(folder / name, channelCount, sampleRate)),
             AllOf(HasSubstr(folder / name), HasSubstr(reason), EndsWith("."))
         );
-    EXPECT_THAT(folder.names(), testing::ElementsAre("folder"));
+    EXPECT_THAT(folder.names(), testing::ElementsAre("folder.wav"));
 }
 
 TEST(SoundFileWriter, EndsWithASentenceAndNoFileWhereTheDiskIsFull) {
@@ -230,10 +259,12 @@ TEST(SoundFileReader, SaysWhatItCannotRead) {
     constexpr std::size_t channelField = 22;
     folder.add("channels.wav", contentOf(folder / "cut.wav").replace(channelField, 2, 2, '\0'));
     std::filesystem::resize_file(folder / "cut.wav", 30);
+    ::mkfifo((folder / "pipe.wav").c_str(), 0666);
 
     const std::pair<std::string, std::string> reasonByName[] = {
         {"missing.wav", "No such file or directory"},
         {"folder", "it is a folder"},
+        {"pipe.wav", "it is not a regular file"},
         {"silence.wav", "it is empty"},
         {"notes.wav", "Format not recognised"},
         {"channels.wav", "Channel count is zero"},

@@ -47,8 +47,8 @@ TEST_F(VirtualDevicesTest, ThePanelLoopsItsRecordingSampleForSample) {
 }
 
 TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded) {
-    const TemporaryFolder folder;
     for (const std::size_t channelCount : {1U, 5U}) {
+        const TemporaryFolder folder;
         const std::string name = std::to_string(channelCount) + " microphones.wav";
         auto writer = SoundFileWriter::create(folder / name, channelCount, 44100.0);
         PlanarBlocks samples(channelCount, 1000);
@@ -62,7 +62,7 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
         EXPECT_EQ(
             device.description, (AudioDriverDevice{uid, "Virtual: " + name, channelCount, outputs, 44100.0})
         );
-        device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", outputs, 44100.0, log);
+        device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", outputs, 44100.0);
         VirtualAudioDriver files({device}, VirtualPacing::stepped, log);
         KeepingClient client;
         auto stream = std::move(files.open(uid, true, client)).value();
@@ -78,7 +78,7 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
         for (std::size_t channel = 0; channel < outputs; ++channel)
             EXPECT_TRUE(std::ranges::equal(mix.readable(2048)[channel], client.played[channel])) << channel;
     }
-    EXPECT_FALSE(fileDevice(folder / "missing.wav", log));
+    EXPECT_FALSE(fileDevice("/nowhere/missing.wav", log));
 }
 
 TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
@@ -95,7 +95,7 @@ TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
     for (const bool records : {false, true}) {
         VirtualDevice device = fileDevice(panelRecording(), log).value();
         device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording(), 8, log);
-        if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0, log);
+        if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0);
         VirtualAudioDriver live({device}, VirtualPacing::live, log);
         CountingClient client;
         const auto stream = std::move(live.open(device.description.uid, true, client)).value();
@@ -106,6 +106,7 @@ TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
         EXPECT_EQ(stream->start(), noErr) << records;
         stream->stop();
     }
+    EXPECT_THAT(folder.names(), testing::ElementsAre("mix.wav"));
     EXPECT_THAT(logged(), testing::Contains(testing::HasSubstr("no threads left")).Times(2));
 }
 
