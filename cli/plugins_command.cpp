@@ -63,7 +63,7 @@ void addPluginsCommand(CLI::App& program, Action& action) {
     CLI::App* const command =
         program.add_subcommand("plugins", "List the effects that can be inserted into a strip");
     command->footer(
-        "LV2 effects with as many audio outputs as inputs; LV2_PATH says where they are looked for. "
+        "LV2 effects with one or two audio inputs and outputs; LV2_PATH says where they are looked for. "
         "The codes of the JSON form are how sessions name them."
     );
     command->add_flag("--json", *asJSON, "As one JSON object");

@@ -29,28 +29,33 @@ ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noe
     return isWithin;
 }
 
+/// The count that a bus takes; one that no format has if the plugin cannot be hosted.
+std::uint32_t channelsOfBus(const MainAudioPorts& audio, const std::vector<std::uint32_t>& ports) {
+    return audio.channelCount().value_or(static_cast<std::uint32_t>(ports.size()));
+}
+
 } // namespace
 
 Lv2Unit::Lv2Unit(
     std::shared_ptr<const PluginDescription> pluginDescription, std::shared_ptr<HostServices> hostServices,
-    std::unique_ptr<PluginInstance> pluginInstance
+    const InstanceSettings& settings, std::unique_ptr<PluginInstance> pluginInstance
 )
     : description(std::move(pluginDescription)),
       services(std::move(hostServices)),
       instance(std::move(pluginInstance)),
-      maximumFrames(instance->settings().maximumFrames),
+      maximumFrames(settings.maximumFrames),
       input(
           fmt::format("The input of \"{}\"", description->name),
-          static_cast<std::uint32_t>(description->audio.inputs.size()), instance->settings().sampleRate,
+          channelsOfBus(description->audio, description->audio.inputs), settings.sampleRate,
           [this] { return hasRenderResources(); }
       ),
       output(
           fmt::format("The output of \"{}\"", description->name),
-          static_cast<std::uint32_t>(description->audio.outputs.size()), instance->settings().sampleRate,
+          channelsOfBus(description->audio, description->audio.outputs), settings.sampleRate,
           [this] { return hasRenderResources(); }
       ) {
     for (const ControlPort& control : description->controls)
-        ownParameters.push_back(std::make_unique<Lv2Parameter>(control, instance->settings().sampleRate));
+        ownParameters.push_back(std::make_unique<Lv2Parameter>(control, settings.sampleRate));
     for (const auto& parameter : ownParameters)
         parameterList.push_back(parameter.get());
 }
@@ -61,18 +66,20 @@ void Lv2Unit::setMaximumFramesToRender(std::uint32_t frameCount) {
 
 Result<Done> Lv2Unit::allocateRenderResources() {
     if (hasRenderResources()) return Done{};
+    const std::optional<std::uint32_t> channelCount = description->audio.channelCount();
+    if (!channelCount)
+        return Error{fmt::format("\"{}\" can be used neither in mono nor in stereo.", description->name)};
     const double sampleRate = input.format().sampleRate;
     if (sampleRate != output.format().sampleRate)
         return Error{fmt::format("\"{}\" cannot run at two sample rates at a time.", description->name)};
     if (instance->settings().sampleRate != sampleRate || instance->settings().maximumFrames < maximumFrames)
         if (auto made = makeInstanceFor(sampleRate); !made) return made;
 
-    inputBlocks.reshape(description->audio.inputs.size(), maximumFrames);
-    outputBlocks.reshape(description->audio.outputs.size(), maximumFrames);
-    inputBuffers.resize(inputBlocks.channelCount());
-    inputs.resize(inputBlocks.channelCount());
-    outputs.resize(outputBlocks.channelCount());
-    instance->activate();
+    inputBlocks.reshape(*channelCount, maximumFrames);
+    outputBlocks.reshape(*channelCount, maximumFrames);
+    inputBuffers.resize(*channelCount);
+    inputs.resize(*channelCount);
+    outputs.resize(*channelCount);
     gate.open();
     return Done{};
 }
@@ -93,9 +100,7 @@ Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) try {
 }
 
 void Lv2Unit::deallocateRenderResources() {
-    if (!hasRenderResources()) return;
-    gate.shut(RenderGate::State::closed);
-    instance->deactivate();
+    if (hasRenderResources()) gate.shut(RenderGate::State::closed);
 }
 
 AURenderBlock Lv2Unit::renderBlock() {
@@ -158,16 +163,25 @@ bool Lv2Unit::takeOutputs(AudioBufferList& list, std::uint32_t frameCount) noexc
 }
 
 void Lv2Unit::passThrough(std::uint32_t frameCount) noexcept {
-    for (std::size_t c = 0; c < std::min(inputs.size(), outputs.size()); ++c)
+    for (std::size_t c = 0; c < outputs.size(); ++c)
         std::copy_n(inputs[c], frameCount, outputs[c]);
+}
+
+/// Gives every channel of the format the output of a plugin that has one only.
+void Lv2Unit::spreadOutput(std::uint32_t frameCount) noexcept {
+    for (std::size_t c = description->audio.outputs.size(); c < outputs.size(); ++c)
+        std::copy_n(outputs[0], frameCount, outputs[c]);
 }
 
 OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
     const std::span<float> controls = instance->controlValues();
     for (const auto& parameter : ownParameters)
         if (!parameter->info().isReadOnly) controls[parameter->port()] = parameter->value();
-    if (!instance->run(inputs, outputs, frameCount, messages.load()))
+    const auto pluginInputs = std::span(inputs).first(description->audio.inputs.size());
+    const auto pluginOutputs = std::span(outputs).first(description->audio.outputs.size());
+    if (!instance->run(pluginInputs, pluginOutputs, frameCount, messages.load()))
         return kAudioUnitErr_CannotDoInCurrentContext;
+    spreadOutput(frameCount);
     for (const auto& parameter : ownParameters)
         if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
     const bool isAllSound =
@@ -176,7 +190,9 @@ OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
 }
 
 std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {
-    return makeFullState(description->uri, ownParameters, instance->state());
+    return makeFullState(
+        description->uri, ownParameters, instance ? instance->state() : PropertyList::Dictionary{}
+    );
 }
 
 void Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
@@ -186,6 +202,7 @@ void Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
 }
 
 void Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
+    if (!instance) return;
     const bool mustPause = hasRenderResources() && !description->restoresWhileRunning;
     instance->restore(state, mustPause ? &gate : nullptr);
 }

@@ -22,12 +22,15 @@
 namespace orvane::platform::lv2_units {
 
 /// A hosted LV2 plugin. Its instance is there from the start; another one takes its place where render
-/// resources are asked for at another rate or for longer blocks, and takes its settings over.
+/// resources are asked for at another rate or for longer blocks, and takes its settings over. A plugin that
+/// has neither one nor two audio ports on each side has no instance, and its busses refuse every format.
 class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv2Unit> {
   public:
+    /// `pluginInstance`: made with `settings`; null if the plugin cannot be hosted in any format.
     Lv2Unit(
         std::shared_ptr<const PluginDescription> pluginDescription,
-        std::shared_ptr<HostServices> hostServices, std::unique_ptr<PluginInstance> pluginInstance
+        std::shared_ptr<HostServices> hostServices, const InstanceSettings& settings,
+        std::unique_ptr<PluginInstance> pluginInstance
     );
     ~Lv2Unit() override { Lv2Unit::deallocateRenderResources(); }
 
@@ -57,6 +60,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     ) noexcept;
     ORVANE_REALTIME bool takeOutputs(AudioBufferList& list, std::uint32_t frameCount) noexcept;
     ORVANE_REALTIME void passThrough(std::uint32_t frameCount) noexcept;
+    ORVANE_REALTIME void spreadOutput(std::uint32_t frameCount) noexcept;
     ORVANE_REALTIME OSStatus runPlugin(std::uint32_t frameCount) noexcept;
 
     std::shared_ptr<const PluginDescription> description;
@@ -77,7 +81,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     std::atomic<EditorMessages*> messages = nullptr;
 
     RenderGate gate;
-    /// Sized with the render resources; the render thread's.
+    /// One per channel of the format. Sized with the render resources; the render thread's.
     dsp::ChannelBlocks<float> inputBlocks;
     dsp::ChannelBlocks<float> outputBlocks;
     std::vector<AudioBuffer> inputBuffers;

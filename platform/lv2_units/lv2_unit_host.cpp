@@ -156,11 +156,16 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentD
     if (!described) return described.error();
 
     auto shared = std::make_shared<const lv2_units::PluginDescription>(std::move(described).value());
-    auto instance =
-        lv2_units::PluginInstance::make(shared, services, {.sampleRate = services->sampleRate.load()});
-    if (!instance) return instance.error();
+    const lv2_units::InstanceSettings settings{.sampleRate = services->sampleRate.load()};
+    std::unique_ptr<lv2_units::PluginInstance> instance;
+    // The description decides on formats, so that no code of a plugin runs that cannot be used.
+    if (shared->audio.channelCount()) {
+        auto made = lv2_units::PluginInstance::make(shared, services, settings);
+        if (!made) return made.error();
+        instance = std::move(made).value();
+    }
     auto unit =
-        std::make_unique<lv2_units::Lv2Unit>(std::move(shared), services, std::move(instance).value());
+        std::make_unique<lv2_units::Lv2Unit>(std::move(shared), services, settings, std::move(instance));
     return std::shared_ptr<AUAudioUnit>(std::shared_ptr<lv2_units::Lv2Unit>(
         unit.release(), [loader = std::weak_ptr(work)](lv2_units::Lv2Unit* let
                         ) { discard(std::unique_ptr<AUAudioUnit>(let), loader); }

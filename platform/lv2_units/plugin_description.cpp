@@ -52,6 +52,12 @@ std::size_t atomBufferSize(PluginBundle& bundle, const LilvPlugin* plugin, const
 
 } // namespace
 
+std::optional<std::uint32_t> MainAudioPorts::channelCount() const {
+    const auto [fewest, most] = std::minmax({inputs.size(), outputs.size()});
+    if (fewest < 1 || most > 2) return std::nullopt;
+    return static_cast<std::uint32_t>(most);
+}
+
 Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* plugin) {
     const std::uint32_t count = lilv_plugin_get_num_ports(plugin);
     if (count == 0) return Error{"its ports cannot be read"};

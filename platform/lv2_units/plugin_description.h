@@ -34,6 +34,10 @@ struct PortRole {
 struct MainAudioPorts {
     std::vector<std::uint32_t> inputs;
     std::vector<std::uint32_t> outputs;
+
+    /// The channels of the format in which the plugin can be hosted, 1 or 2; empty if there is none. A plugin
+    /// with one port on one side and two on the other is hosted in stereo.
+    [[nodiscard]] std::optional<std::uint32_t> channelCount() const;
 };
 
 /// A control port that is a parameter of the unit. A plain value.

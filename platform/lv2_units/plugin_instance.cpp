@@ -58,7 +58,7 @@ Result<std::unique_ptr<PluginInstance>> PluginInstance::make(
     std::unique_ptr<PluginInstance> instance(
         new PluginInstance(description, std::move(services), std::move(library).value(), settings)
     );
-    if (!instance->instantiate())
+    if (!instance->begin())
         return Error{
             fmt::format("\"{}\" could not be started at {:.0f} Hz.", description->name, settings.sampleRate)};
     return instance;
@@ -79,12 +79,16 @@ PluginInstance::PluginInstance(
 
 PluginInstance::~PluginInstance() {
     worker.stop();
+    if (handle == nullptr) return;
     const std::scoped_lock lock(services->instantiating);
-    if (handle == nullptr || library.descriptor().cleanup == nullptr) return;
+    // Many plugins clean up what only activate() has made.
+    if (!isActive) activate();
+    deactivate();
+    if (library.descriptor().cleanup == nullptr) return;
     if (!callPlugin([this] { library.descriptor().cleanup(handle); })) report("failed at its end.");
 }
 
-bool PluginInstance::instantiate() {
+bool PluginInstance::begin() {
     const LV2_Descriptor& descriptor = library.descriptor();
     {
         const std::scoped_lock lock(services->instantiating);
@@ -94,9 +98,10 @@ bool PluginInstance::instantiate() {
                 &descriptor, madeFor.sampleRate, description->bundlePath.c_str(), features.list()
             );
         });
+        if (handle == nullptr) return false;
+        connectPorts();
+        activate();
     }
-    if (handle == nullptr) return false;
-    connectPorts();
     stateInterface = extension<LV2_State_Interface>(descriptor, LV2_STATE__interface);
     if (const auto* const work = extension<LV2_Worker_Interface>(descriptor, LV2_WORKER__interface))
         worker.start(handle, *work, [this] { report("failed at work that it had handed on."); });
@@ -122,14 +127,13 @@ void PluginInstance::connectPorts() {
 }
 
 void PluginInstance::activate() {
-    const Worker::ControlCall call(worker);
+    isActive = true;
     if (library.descriptor().activate == nullptr) return;
     isBroken = !callPlugin([this] { library.descriptor().activate(handle); });
     if (isBroken) report("failed to get ready, so it is not run.");
 }
 
 void PluginInstance::deactivate() {
-    const Worker::ControlCall call(worker);
     if (library.descriptor().deactivate == nullptr) return;
     if (!callPlugin([this] { library.descriptor().deactivate(handle); })) report("failed to come to rest.");
 }

@@ -32,24 +32,22 @@ struct InstanceSettings {
     std::uint32_t maximumFrames = 4096;
 };
 
-/// A running plugin with every port but those of the main signal connected: controls to values, event
+/// An active plugin with every port but those of the main signal connected: controls to values, event
 /// inputs to sequences of what editors send, what is beside the signal to silence. Owned by its unit. Control
 /// thread, but for what says otherwise.
 class PluginInstance final {
   public:
-    /// Loads and instantiates the plugin, or says why not. Any thread; takes its time.
+    /// Loads, instantiates and activates the plugin, or says why not. Any thread; takes its time.
     static Result<std::unique_ptr<PluginInstance>> make(
         const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
         const InstanceSettings& settings
     );
+    /// Deactivates the plugin and cleans it up. Any thread; takes its time.
     ~PluginInstance();
     PluginInstance(const PluginInstance&) = delete;
     PluginInstance& operator=(const PluginInstance&) = delete;
 
     [[nodiscard]] const InstanceSettings& settings() const { return madeFor; }
-
-    void activate();
-    void deactivate();
 
     /// The value of each control port, by port index. Render thread.
     [[nodiscard]] std::span<float> controlValues() noexcept { return controls; }
@@ -74,8 +72,10 @@ class PluginInstance final {
         const InstanceSettings& settings
     );
 
-    bool instantiate();
+    bool begin();
     void connectPorts();
+    void activate();
+    void deactivate();
     ORVANE_REALTIME void report(std::string_view what) const noexcept;
 
     std::shared_ptr<const PluginDescription> description;
@@ -86,6 +86,7 @@ class PluginInstance final {
     HostFeatures features;
     LV2_Handle handle = nullptr;
     const LV2_State_Interface* stateInterface = nullptr;
+    bool isActive = false;
     /// It has thrown where it runs.
     bool isBroken = false;
 

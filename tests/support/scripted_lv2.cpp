@@ -39,6 +39,8 @@ struct Plugin {
     std::atomic<LV2_Worker_Respond_Handle> respondHandle = nullptr;
     std::array<void*, 12> ports{};
     float answer = 0.0F;
+    int activations = 0;
+    int deactivations = 0;
 
     std::int32_t number = 1;
     std::string text = "first";
@@ -230,18 +232,54 @@ const void* extensionData(const char* uri) {
     return nullptr;
 }
 
+void activate(LV2_Handle handle) {
+    ++static_cast<Plugin*>(handle)->activations;
+}
+
+void deactivate(LV2_Handle handle) {
+    ++static_cast<Plugin*>(handle)->deactivations;
+}
+
 void cleanup(LV2_Handle handle) {
-    delete static_cast<Plugin*>(handle);
+    const auto* const plugin = static_cast<Plugin*>(handle);
+    if (plugin->activations == 0 || plugin->activations != plugin->deactivations)
+        probe.untimelyCleanups.fetch_add(1);
+    delete plugin;
     probe.pluginCount.fetch_sub(1);
     throwIf(ScriptedLv2Probe::Throw::cleanup);
 }
 
+/// One input goes to one output and, three times as loud, to another.
+void split(LV2_Handle handle, std::uint32_t frameCount) {
+    const auto& plugin = *static_cast<Plugin*>(handle);
+    for (std::uint32_t i = 0; i < frameCount; ++i) {
+        plugin.port<float>(1)[i] = plugin.port<float>(0)[i];
+        plugin.port<float>(2)[i] = 3.0F * plugin.port<float>(0)[i];
+    }
+}
+
+/// One input and, three times as loud, another go to one output.
+void join(LV2_Handle handle, std::uint32_t frameCount) {
+    const auto& plugin = *static_cast<Plugin*>(handle);
+    for (std::uint32_t i = 0; i < frameCount; ++i)
+        plugin.port<float>(2)[i] = plugin.port<float>(0)[i] + 3.0F * plugin.port<float>(1)[i];
+}
+
+const void* noExtensions(const char*) {
+    return nullptr;
+}
+
 constexpr LV2_Descriptor describe(const char* uri) {
-    return {uri, instantiate, connectPort, nullptr, run, nullptr, cleanup, extensionData};
+    return {uri, instantiate, connectPort, activate, run, deactivate, cleanup, extensionData};
+}
+
+constexpr LV2_Descriptor describe(const char* uri, void (*runs)(LV2_Handle, std::uint32_t)) {
+    return {uri, instantiate, connectPort, activate, runs, deactivate, cleanup, noExtensions};
 }
 
 constexpr LV2_Descriptor descriptors[] = {
-    describe("urn:orvane:test:plain"), describe("urn:orvane:test:safe"), describe("urn:orvane:test:refuses")};
+    describe("urn:orvane:test:plain"), describe("urn:orvane:test:safe"), describe("urn:orvane:test:refuses"),
+    describe("urn:orvane:test:split", split), describe("urn:orvane:test:join", join)};
 
 } // namespace
 

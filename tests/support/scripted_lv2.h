@@ -67,6 +67,8 @@ struct ScriptedLv2Probe {
     std::atomic<int> runsDuringRestore = 0;
     std::atomic<int> runsEnded = 0;
     std::atomic<int> pluginCount = 0;
+    /// Plugins cleaned up that were still active, or had never been.
+    std::atomic<int> untimelyCleanups = 0;
     ScriptedEditorProbe editor;
 };
 

@@ -27,6 +27,7 @@ using test::parameter;
 using test::probe;
 using test::scripted;
 using test::scriptedLv2Library;
+using test::scriptedPorts;
 using test::setUp;
 using test::UnitRenderer;
 using test::waitFor;
@@ -86,6 +87,62 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
     }
     const auto unknown = test::instantiate(*host, AudioComponentDescription{.componentSubType = 1});
     EXPECT_EQ(unknown.error, Error{"The effect is not installed."});
+}
+
+TEST_F(Lv2UnitTest, NoCodeOfAPluginRunsThatNoFormatFits) {
+    const Lv2Bundles wide;
+    const std::string fits = scriptedPorts("split", "Input", "Output", "Output");
+    wide.add("wide.lv2", fits);
+    Lv2UnitHost wideHost(log, wide.searchPath());
+    const auto component = wideHost.componentsMatchingDescription({}).at(0).audioComponentDescription;
+    // Another version of it, installed while the program runs.
+    wide.add(
+        "wide.lv2", fits + "<urn:orvane:test:split> lv2:port [ " + Lv2Bundles::audioPort(3, "Output") + " ] ."
+    );
+    const int pluginsBefore = probe().pluginCount.load();
+    const auto unit = test::instantiate(wideHost, component).unit;
+    ASSERT_TRUE(unit);
+    for (const std::uint32_t channels : {1U, 2U})
+        EXPECT_THAT(setUp(*unit, channels), HasSubstr("put of \"split\" is for ")) << channels;
+    EXPECT_FALSE(unit->allocateRenderResources());
+    unit->setFullState(*unit->fullState());
+    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore);
+}
+
+TEST_F(Lv2UnitTest, APluginIsActivatedAndComesToRestBeforeItEnds) {
+    const int pluginsBefore = probe().pluginCount.load();
+    const int untimelyBefore = probe().untimelyCleanups.load();
+    const auto isGone = [&] { return probe().pluginCount.load() == pluginsBefore; };
+    make("plain").reset();
+    EXPECT_TRUE(waitFor(isGone));
+    auto unit = make("plain");
+    // The instance for 48 kHz ends without having been used.
+    ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
+    unit->deallocateRenderResources();
+    ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
+    unit.reset();
+    EXPECT_TRUE(waitFor(isGone));
+    EXPECT_EQ(probe().untimelyCleanups.load(), untimelyBefore);
+}
+
+TEST_F(Lv2UnitTest, APluginWithTwoPortsOnOneSideOnlyIsAStereoEffect) {
+    bundles.add("split.lv2", scriptedPorts("split", "Input", "Output", "Output"));
+    bundles.add("join.lv2", scriptedPorts("join", "Input", "Input", "Output"));
+    const struct {
+        const char* name;
+        float left;
+        float right;
+    } cases[] = {{"split", 1.0F, 3.0F}, {"join", 4.0F, 4.0F}};
+    for (const auto& [name, left, right] : cases) {
+        const auto unit = make(name);
+        ASSERT_TRUE(unit) << name;
+        EXPECT_THAT(setUp(*unit, 1), HasSubstr("is for 2 channels, not 1.")) << name;
+        ASSERT_EQ(setUp(*unit, 2), "") << name;
+        UnitRenderer renderer(*unit, 2);
+        EXPECT_EQ(renderer.renderBlock(ones), noErr) << name;
+        EXPECT_THAT(renderer.outputs[0], Each(left)) << name;
+        EXPECT_THAT(renderer.outputs[1], Each(right)) << name;
+    }
 }
 
 TEST_F(Lv2UnitTest, EveryRequestIsAnsweredOnceEvenWhereTheHostGoesFirst) {

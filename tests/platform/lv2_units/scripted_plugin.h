@@ -32,6 +32,17 @@ inline std::string scripted(const std::string& variant, const std::string& more 
     );
 }
 
+/// A description of a scripted plugin that has three audio ports and nothing else.
+inline std::string
+scriptedPorts(const std::string& variant, const char* first, const char* second, const char* third) {
+    return fmt::format(
+        R"(<urn:orvane:test:{0}> a lv2:Plugin ; doap:name "{0}" ; lv2:binary <file://{1}> ; lv2:port
+        [ {2} ] , [ {3} ] , [ {4} ] .)",
+        variant, scriptedLv2Library, Lv2Bundles::audioPort(0, first), Lv2Bundles::audioPort(1, second),
+        Lv2Bundles::audioPort(2, third)
+    );
+}
+
 /// What the scripted plugin and its editor tell.
 inline ScriptedLv2Probe& probe() {
     void* const library = ::dlopen(scriptedLv2Library.c_str(), RTLD_NOW | RTLD_LOCAL);
