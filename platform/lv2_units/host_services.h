@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/lv2_units/late_ends.h"
 #include "platform/lv2_units/urid_map.h"
 #include "platform/system_log.h"
 
@@ -14,9 +15,10 @@ struct HostServices {
     UridMap urids = {};
     /// At which plugins are expected to run, in Hz; each is instantiated for it.
     std::atomic<double> sampleRate = 48000.0;
-    /// Held while a plugin is instantiated or destroyed. Not all plugins' libraries can do either twice at
-    /// a time.
-    std::mutex instantiating = {};
+    /// Held while a plugin is instantiated, activated, deactivated or cleaned up. Not all plugins' libraries
+    /// can do any of it twice at a time. Never taken on an audio thread, nor for work that plugins hand on.
+    std::mutex settingUp = {};
+    LateEnds lateEnds = {};
 };
 
 } // namespace orvane::platform::lv2_units

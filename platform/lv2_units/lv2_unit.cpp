@@ -38,7 +38,7 @@ std::uint32_t channelsOfBus(const MainAudioPorts& audio, const std::vector<std::
 
 Lv2Unit::Lv2Unit(
     std::shared_ptr<const PluginDescription> pluginDescription, std::shared_ptr<HostServices> hostServices,
-    const InstanceSettings& settings, std::unique_ptr<PluginInstance> pluginInstance
+    const InstanceSettings& settings, PluginInstance::Owner pluginInstance
 )
     : description(std::move(pluginDescription)),
       services(std::move(hostServices)),

@@ -30,7 +30,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     Lv2Unit(
         std::shared_ptr<const PluginDescription> pluginDescription,
         std::shared_ptr<HostServices> hostServices, const InstanceSettings& settings,
-        std::unique_ptr<PluginInstance> pluginInstance
+        PluginInstance::Owner pluginInstance
     );
     ~Lv2Unit() override { Lv2Unit::deallocateRenderResources(); }
 
@@ -65,7 +65,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
 
     std::shared_ptr<const PluginDescription> description;
     std::shared_ptr<HostServices> services;
-    std::unique_ptr<PluginInstance> instance;
+    PluginInstance::Owner instance;
     std::uint32_t maximumFrames;
 
     Lv2Bus input;

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <new>
 #include <optional>
 #include <utility>
@@ -29,6 +30,9 @@ bool matches(const AudioComponentDescription& component, const AudioComponentDes
            && fits(component.componentManufacturer, wanted.componentManufacturer)
            && (component.componentFlags & mask) == (wanted.componentFlags & mask);
 }
+
+/// How long the program waits at its end for plugins that are still at work.
+constexpr std::chrono::milliseconds patienceAtEnd{5000};
 
 Result<lv2_units::PluginDescription> readDescription(const InstalledPlugin& installed) {
     lv2_units::PluginBundle bundle(installed.bundle);
@@ -56,6 +60,8 @@ Lv2UnitHost::~Lv2UnitHost() {
     }
     work->changed.notify_one();
     loader.join();
+    work->discarded.clear();
+    services->lateEnds.close(patienceAtEnd);
     for (const Request& request : work->requests)
         request.completion(nullptr, Error{"The effect was not loaded because the program is closing."});
 }
@@ -157,7 +163,7 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentD
 
     auto shared = std::make_shared<const lv2_units::PluginDescription>(std::move(described).value());
     const lv2_units::InstanceSettings settings{.sampleRate = services->sampleRate.load()};
-    std::unique_ptr<lv2_units::PluginInstance> instance;
+    lv2_units::PluginInstance::Owner instance;
     // The description decides on formats, so that no code of a plugin runs that cannot be used.
     if (shared->audio.channelCount()) {
         auto made = lv2_units::PluginInstance::make(shared, services, settings);

@@ -25,8 +25,9 @@ struct HostServices;
 /// Hosts the LV2 plugins of this machine. Plugins are loaded on a thread of the host's own, one after the
 /// other; completions come from there, and there a unit is destroyed once nobody has it, so that who lets go
 /// of it does not wait for a plugin that is being loaded. A request that is still open when the host is
-/// destroyed is answered with an error by the destructor, which waits for the plugin that is being loaded.
-/// Its units may outlive it.
+/// destroyed is answered with an error by the destructor, which waits for the plugin that is being loaded,
+/// and for at most five seconds for plugins that were let go of while they were at work. Its units may
+/// outlive it; one that is let go of later while its plugin is at work is not cleaned up.
 class Lv2UnitHost final : public AudioUnitHost {
   public:
     /// `searchPath`: the folders of bundles, separated by colons. `systemLog` outlives host and units.

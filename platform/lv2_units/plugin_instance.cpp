@@ -47,7 +47,7 @@ std::optional<Error> whyUnconnectable(const PluginDescription& description) {
 
 } // namespace
 
-Result<std::unique_ptr<PluginInstance>> PluginInstance::make(
+Result<PluginInstance::Owner> PluginInstance::make(
     const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
     const InstanceSettings& settings
 ) {
@@ -55,8 +55,7 @@ Result<std::unique_ptr<PluginInstance>> PluginInstance::make(
     if (auto error = whyUnconnectable(*description)) return *std::move(error);
     auto library = PluginLibrary::load(*description);
     if (!library) return library.error();
-    std::unique_ptr<PluginInstance> instance(
-        new PluginInstance(description, std::move(services), std::move(library).value(), settings)
+    Owner instance(new PluginInstance(description, std::move(services), std::move(library).value(), settings)
     );
     if (!instance->begin())
         return Error{
@@ -77,10 +76,21 @@ PluginInstance::PluginInstance(
       atomPorts(*description, services->urids),
       sideBlocks(sideBlockCount(*description), madeFor.maximumFrames) {}
 
+void PluginInstance::End::operator()(PluginInstance* instance) const {
+    LateEnds& lateEnds = instance->services->lateEnds;
+    lateEnds.expect();
+    const bool isIdle = instance->worker.stop([instance] {
+        const auto services = instance->services;
+        services->lateEnds.run([instance] { delete instance; });
+    });
+    if (!isIdle) return;
+    lateEnds.forget();
+    delete instance;
+}
+
 PluginInstance::~PluginInstance() {
-    worker.stop();
     if (handle == nullptr) return;
-    const std::scoped_lock lock(services->instantiating);
+    const std::scoped_lock lock(services->settingUp);
     // Many plugins clean up what only activate() has made.
     if (!isActive) activate();
     deactivate();
@@ -91,7 +101,7 @@ PluginInstance::~PluginInstance() {
 bool PluginInstance::begin() {
     const LV2_Descriptor& descriptor = library.descriptor();
     {
-        const std::scoped_lock lock(services->instantiating);
+        const std::scoped_lock lock(services->settingUp);
         const Worker::ControlCall call(worker);
         callPlugin([&] {
             handle = descriptor.instantiate(
@@ -173,6 +183,8 @@ PropertyList::Dictionary PluginInstance::state() const {
 void PluginInstance::restore(const PropertyList::Dictionary& state, RenderGate* gate) {
     if (stateInterface == nullptr) return;
     const Worker::ControlCall call(worker);
+    if (!call.isAlone())
+        return report("did not take the state that it was given: work that it had handed on does not end.");
     const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
     const auto paths = statePathFeatures();
     const LV2_Feature* const offered[] = {&paths[0], &paths[1], &schedule, nullptr};

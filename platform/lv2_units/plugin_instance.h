@@ -37,8 +37,15 @@ struct InstanceSettings {
 /// thread, but for what says otherwise.
 class PluginInstance final {
   public:
+    /// Ends an instance without waiting for work that its plugin is at: it then ends after that work, on the
+    /// thread of that work.
+    struct End {
+        void operator()(PluginInstance* instance) const;
+    };
+    using Owner = std::unique_ptr<PluginInstance, End>;
+
     /// Loads, instantiates and activates the plugin, or says why not. Any thread; takes its time.
-    static Result<std::unique_ptr<PluginInstance>> make(
+    static Result<Owner> make(
         const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
         const InstanceSettings& settings
     );
@@ -63,6 +70,7 @@ class PluginInstance final {
     [[nodiscard]] PropertyList::Dictionary state() const;
     /// Lets the plugin take a state, once it has done the work that it is at. `gate`: of the unit that runs
     /// it, to be paused meanwhile unless the plugin's description says otherwise; null while it is not run.
+    /// A plugin that does not finish its work does not get the state, which is logged.
     void restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
 
   private:

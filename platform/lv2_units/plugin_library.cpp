@@ -1,6 +1,7 @@
 #include "platform/lv2_units/plugin_library.h"
 
 #include "platform/lv2_units/shared_library.h"
+#include "platform/lv2_units/transform_planner.h"
 
 #include <fmt/format.h>
 
@@ -13,6 +14,7 @@ Result<PluginLibrary> PluginLibrary::load(const PluginDescription& description) 
     if (!library)
         return Error{
             fmt::format("\"{}\" could not be loaded: {}.", description.name, library.error().description)};
+    makeTransformPlannersThreadSafe();
     const auto getDescriptor = library.value().function<LV2_Descriptor_Function>("lv2_descriptor");
     const auto getLibrary = library.value().function<LV2_Lib_Descriptor_Function>("lv2_lib_descriptor");
 

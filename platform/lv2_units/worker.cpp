@@ -21,12 +21,19 @@ LV2_Worker_Status statusOf(bool isWritten) noexcept {
 
 Worker::Worker() : feature{this, scheduleWork} {}
 
-Worker::ControlCall::ControlCall(Worker& called) : worker(called), lock(called.working, std::defer_lock) {
-    worker.isControlWaiting.store(true);
-    lock.lock();
-    worker.isControlWaiting.store(false);
-    worker.isControlWaiting.notify_one();
+Worker::ControlCall::ControlCall(Worker& called) : worker(called) {
+    std::unique_lock lock(worker.turns);
+    worker.isControlCalling = true;
+    isInTime = worker.turnEnded.wait_for(lock, worker.patience, [this] { return !worker.isAtWork; });
+    if (!isInTime) worker.patience = {};
     worker.controlThread.store(std::this_thread::get_id());
+}
+
+Worker::ControlCall::~ControlCall() {
+    worker.controlThread.store(std::thread::id());
+    const std::scoped_lock lock(worker.turns);
+    worker.isControlCalling = false;
+    worker.turnEnded.notify_all();
 }
 
 void Worker::start(
@@ -38,12 +45,21 @@ void Worker::start(
     thread = std::thread([this] { run(); });
 }
 
-void Worker::stop() {
-    if (!thread.joinable()) return;
+bool Worker::stop(std::function<void()> whenDone) {
+    if (!thread.joinable()) return true;
     isStopping.store(true);
+    {
+        const std::scoped_lock lock(turns);
+        if (isAtWork) {
+            afterwards = std::move(whenDone);
+            thread.detach();
+            return false;
+        }
+    }
     wakeUps.fetch_add(1);
     wakeUps.notify_one();
     thread.join();
+    return true;
 }
 
 void Worker::deliverResponses() {
@@ -80,16 +96,33 @@ void Worker::run() {
         workOff(renderRequests);
         if (!isStopping.load()) wakeUps.wait(seen);
     }
+    // Nothing of the worker may be left after this.
+    if (const auto end = std::move(afterwards)) end();
 }
 
 void Worker::workOff(MessageRing& requests) {
-    while (!isStopping.load()) {
-        isControlWaiting.wait(true);
-        const std::scoped_lock lock(working);
+    bool isAnyLeft = true;
+    while (isAnyLeft) {
+        if (!beginPiece()) return;
         const auto size = requests.take(request);
-        if (!size) return;
-        work(*size);
+        if (size) work(*size);
+        isAnyLeft = size.has_value();
+        endPiece();
     }
+}
+
+bool Worker::beginPiece() {
+    std::unique_lock lock(turns);
+    turnEnded.wait(lock, [this] { return !isControlCalling; });
+    isAtWork = !isStopping.load();
+    return isAtWork;
+}
+
+void Worker::endPiece() {
+    const std::scoped_lock lock(turns);
+    isAtWork = false;
+    patience = usualPatience;
+    turnEnded.notify_all();
 }
 
 void Worker::work(std::size_t size) {

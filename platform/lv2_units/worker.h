@@ -6,6 +6,8 @@
 #include <lv2/worker/worker.h>
 
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -20,7 +22,6 @@ namespace orvane::platform::lv2_units {
 class Worker final {
   public:
     Worker();
-    ~Worker() { stop(); }
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 
@@ -33,8 +34,10 @@ class Worker final {
         LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface,
         std::function<void()> reportFailure
     );
-    /// Waits for the work that is being done; what waits behind it is dropped. Control thread.
-    void stop();
+    /// Ends the thread; what waits for it is dropped. Returns false if the plugin is at work: the thread then
+    /// calls `whenDone`, which may destroy this worker, once the plugin has done that work. Once, after a
+    /// start, before it is destroyed. Control thread, waits for nothing of the plugin's.
+    bool stop(std::function<void()> whenDone);
 
     /// Hands the plugin what its work has answered and ends the run; after each run(), within its
     /// `RenderCall`. Throws what the plugin does. Render thread, real-time safe where the plugin is.
@@ -57,26 +60,33 @@ class Worker final {
 
     /// While it lives, what the calling thread schedules comes from the control side, whose way to the
     /// worker is another one than the render thread's. No work is done meanwhile; it waits for the piece that
-    /// is being done, and for no other.
+    /// is being done, and for no other, unless that takes too long.
     class ControlCall final {
       public:
         explicit ControlCall(Worker& called);
-        ~ControlCall() { worker.controlThread.store(std::thread::id()); }
+        ~ControlCall();
         ControlCall(const ControlCall&) = delete;
         ControlCall& operator=(const ControlCall&) = delete;
 
+        /// Whether the piece was done in time. If not, the plugin must not be called.
+        [[nodiscard]] bool isAlone() const { return isInTime; }
+
       private:
         Worker& worker;
-        std::unique_lock<std::mutex> lock;
+        bool isInTime = false;
     };
 
   private:
+    static constexpr std::chrono::milliseconds usualPatience{2000};
+
     static LV2_Worker_Status
     scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, const void* data);
     static LV2_Worker_Status respond(LV2_Worker_Respond_Handle worker, std::uint32_t size, const void* data);
 
     void run();
     void workOff(MessageRing& requests);
+    bool beginPiece();
+    void endPiece();
     void work(std::size_t size);
 
     LV2_Worker_Schedule feature;
@@ -89,10 +99,6 @@ class Worker final {
     MessageRing::Message request;
     MessageRing::Message response;
 
-    /// Held while the plugin works.
-    std::mutex working;
-    /// A `ControlCall` waits for it.
-    std::atomic<bool> isControlWaiting = false;
     std::atomic<std::thread::id> controlThread;
     std::atomic<std::thread::id> renderThread;
     /// While it works.
@@ -103,6 +109,18 @@ class Worker final {
     std::atomic<std::uint32_t> wakeUps = 0;
     std::atomic<bool> isStopping = false;
     std::thread thread;
+
+    /// Guards what follows, for moments only. Never taken by the render thread.
+    std::mutex turns;
+    std::condition_variable turnEnded;
+    /// The plugin is at a piece of work.
+    bool isAtWork = false;
+    /// A `ControlCall` lives; no piece begins meanwhile.
+    bool isControlCalling = false;
+    /// How long a `ControlCall` waits: not at all after one has waited in vain, until the piece is done.
+    std::chrono::milliseconds patience = usualPatience;
+    /// Called after the piece that is being done.
+    std::function<void()> afterwards;
 };
 
 } // namespace orvane::platform::lv2_units

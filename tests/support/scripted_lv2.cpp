@@ -57,6 +57,22 @@ struct Plugin {
     }
 };
 
+/// While it lives, a plugin is set up or ended.
+class SetUp final {
+  public:
+    SetUp() {
+        if (count.fetch_add(1) > 0) probe.overlappingSetUps.fetch_add(1);
+        for (int i = 0; i < 20; ++i)
+            std::this_thread::yield();
+    }
+    ~SetUp() { count.fetch_sub(1); }
+    SetUp(const SetUp&) = delete;
+    SetUp& operator=(const SetUp&) = delete;
+
+  private:
+    static inline std::atomic<int> count = 0;
+};
+
 void throwIf(ScriptedLv2Probe::Throw place) {
     if (probe.throwsIn.load() == place) throw std::runtime_error("as it was told to");
 }
@@ -80,6 +96,7 @@ int callHost(const Plugin& plugin) {
 LV2_Handle
 instantiate(const LV2_Descriptor* descriptor, double, const char*, const LV2_Feature* const* features) {
     if (std::strstr(descriptor->URI, "refuses") != nullptr) return nullptr;
+    const SetUp setUp;
     throwIf(ScriptedLv2Probe::Throw::instantiate);
     probe.isInstantiating.store(true);
     while (probe.holdsInstantiate.load())
@@ -233,14 +250,17 @@ const void* extensionData(const char* uri) {
 }
 
 void activate(LV2_Handle handle) {
+    const SetUp setUp;
     ++static_cast<Plugin*>(handle)->activations;
 }
 
 void deactivate(LV2_Handle handle) {
+    const SetUp setUp;
     ++static_cast<Plugin*>(handle)->deactivations;
 }
 
 void cleanup(LV2_Handle handle) {
+    const SetUp setUp;
     const auto* const plugin = static_cast<Plugin*>(handle);
     if (plugin->activations == 0 || plugin->activations != plugin->deactivations)
         probe.untimelyCleanups.fetch_add(1);

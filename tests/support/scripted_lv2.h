@@ -69,6 +69,8 @@ struct ScriptedLv2Probe {
     std::atomic<int> pluginCount = 0;
     /// Plugins cleaned up that were still active, or had never been.
     std::atomic<int> untimelyCleanups = 0;
+    /// Calls of instantiate(), activate(), deactivate() and cleanup() that came within another one.
+    std::atomic<int> overlappingSetUps = 0;
     ScriptedEditorProbe editor;
 };
 

@@ -4,7 +4,7 @@
 #include "support/no_sound.h"
 #include "support/wait_for.h"
 
-#include "scripted_plugin.h"
+#include "scripted_host_test.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -35,23 +35,7 @@ using testing::Each;
 using testing::HasSubstr;
 using Dictionary = PropertyList::Dictionary;
 
-class Lv2UnitTest : public testing::Test {
-  protected:
-    Lv2UnitTest() {
-        bundles.add(
-            "scripted.lv2",
-            scripted("plain") + scripted("safe", "lv2:optionalFeature state:threadSafeRestore ;")
-        );
-    }
-
-    std::shared_ptr<AUAudioUnit> make(const char* name) { return test::instantiate(*host, name).unit; }
-
-    Lv2Bundles bundles;
-    std::vector<std::string> lines;
-    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
-    std::unique_ptr<Lv2UnitHost> host = std::make_unique<Lv2UnitHost>(log, bundles.searchPath());
-    const std::vector<float> ones = std::vector<float>(64, 1.0F);
-};
+class Lv2UnitTest : public test::ScriptedHostTest {};
 
 TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
     const struct {
@@ -87,42 +71,6 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
     }
     const auto unknown = test::instantiate(*host, AudioComponentDescription{.componentSubType = 1});
     EXPECT_EQ(unknown.error, Error{"The effect is not installed."});
-}
-
-TEST_F(Lv2UnitTest, NoCodeOfAPluginRunsThatNoFormatFits) {
-    const Lv2Bundles wide;
-    const std::string fits = scriptedPorts("split", "Input", "Output", "Output");
-    wide.add("wide.lv2", fits);
-    Lv2UnitHost wideHost(log, wide.searchPath());
-    const auto component = wideHost.componentsMatchingDescription({}).at(0).audioComponentDescription;
-    // Another version of it, installed while the program runs.
-    wide.add(
-        "wide.lv2", fits + "<urn:orvane:test:split> lv2:port [ " + Lv2Bundles::audioPort(3, "Output") + " ] ."
-    );
-    const int pluginsBefore = probe().pluginCount.load();
-    const auto unit = test::instantiate(wideHost, component).unit;
-    ASSERT_TRUE(unit);
-    for (const std::uint32_t channels : {1U, 2U})
-        EXPECT_THAT(setUp(*unit, channels), HasSubstr("put of \"split\" is for ")) << channels;
-    EXPECT_FALSE(unit->allocateRenderResources());
-    unit->setFullState(*unit->fullState());
-    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore);
-}
-
-TEST_F(Lv2UnitTest, APluginIsActivatedAndComesToRestBeforeItEnds) {
-    const int pluginsBefore = probe().pluginCount.load();
-    const int untimelyBefore = probe().untimelyCleanups.load();
-    const auto isGone = [&] { return probe().pluginCount.load() == pluginsBefore; };
-    make("plain").reset();
-    EXPECT_TRUE(waitFor(isGone));
-    auto unit = make("plain");
-    // The instance for 48 kHz ends without having been used.
-    ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
-    unit->deallocateRenderResources();
-    ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
-    unit.reset();
-    EXPECT_TRUE(waitFor(isGone));
-    EXPECT_EQ(probe().untimelyCleanups.load(), untimelyBefore);
 }
 
 TEST_F(Lv2UnitTest, APluginWithTwoPortsOnOneSideOnlyIsAStereoEffect) {
@@ -270,27 +218,6 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
         probe().throwsIn.store(Throw::nowhere);
         EXPECT_EQ(setUp(*unit, 1, 96000.0), "");
     }
-    EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
-}
-
-TEST_F(Lv2UnitTest, NobodyWhoSetsAUnitUpOrLetsGoOfItWaitsForAnotherThatIsMade) {
-    const int pluginsBefore = probe().pluginCount.load();
-    host->expectSampleRate(96000.0);
-    host->expectSampleRate(0.0);
-    auto unit = make("plain");
-    probe().holdsInstantiate.store(true);
-    auto made = std::async(std::launch::async, [this] { return test::instantiate(*host, "plain").unit; });
-    EXPECT_TRUE(waitFor([] { return probe().isInstantiating.load(); }));
-    std::atomic<bool> isGone = false;
-    const auto gone = std::async(std::launch::async, [&] {
-        EXPECT_EQ(setUp(*unit, 1, 96000.0), "");
-        unit.reset();
-        isGone.store(true);
-    });
-    EXPECT_TRUE(waitFor([&] { return isGone.load(); }));
-    EXPECT_EQ(probe().pluginCount.load(), pluginsBefore + 1);
-    probe().holdsInstantiate.store(false);
-    made.get().reset();
     EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
 }
 
