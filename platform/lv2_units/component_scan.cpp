@@ -1,5 +1,6 @@
 #include "platform/lv2_units/component_scan.h"
 
+#include "platform/lv2_units/hostable.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
 
@@ -34,8 +35,8 @@ class Reader final {
         if (name.empty()) return skip(uri, "it has no name");
         const auto roles = portRoles(bundle, plugin);
         if (!roles) return skip(uri, roles.error().description);
-        const MainAudioPorts audio = mainAudioPorts(roles.value());
-        if (audio.inputs.empty() || audio.outputs.empty()) return;
+        if (const auto described = describe(bundle, plugin); !described || !isHostable(described.value()))
+            return;
 
         const std::string maker = textOf(NodeHandle(lilv_plugin_get_author_name(plugin)).get());
         contents.effects.push_back(

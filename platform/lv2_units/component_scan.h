@@ -31,7 +31,8 @@ struct BundleContents {
     bool operator==(const BundleContents&) const = default;
 };
 
-/// Finds the effects, plugins with audio inputs and outputs, of one bundle. Reads descriptions only. The
+/// Finds the effects of one bundle: plugins with one or two audio inputs and outputs that need nothing the host
+/// lacks. Reads descriptions only. The
 /// libraries that do so may crash or hang on hostile data: only for a process that may. Any thread.
 BundleContents readBundle(const std::filesystem::path& folder);
 

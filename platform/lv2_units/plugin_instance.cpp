@@ -1,5 +1,6 @@
 #include "platform/lv2_units/plugin_instance.h"
 
+#include "platform/lv2_units/hostable.h"
 #include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/plugin_state.h"
@@ -35,24 +36,13 @@ bool contains(const std::vector<std::uint32_t>& ports, std::uint32_t port) {
     return std::ranges::find(ports, port) != ports.end();
 }
 
-std::optional<Error> whyUnconnectable(const PluginDescription& description) {
-    for (std::size_t i = 0; i < description.roles.size(); ++i)
-        if (description.roles[i].kind == PortKind::unknown && !description.roles[i].isOptional)
-            return Error{fmt::format(
-                "\"{}\" cannot be used: its port number {} is of a kind that is not supported.",
-                description.name, i
-            )};
-    return std::nullopt;
-}
-
 } // namespace
 
 Result<PluginInstance::Owner> PluginInstance::make(
     const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
     const InstanceSettings& settings
 ) {
-    if (auto error = HostFeatures::whyUnsupported(*description)) return *std::move(error);
-    if (auto error = whyUnconnectable(*description)) return *std::move(error);
+    if (auto error = whyNotInstantiable(*description)) return *std::move(error);
     auto library = PluginLibrary::load(*description);
     if (!library) return library.error();
     Owner instance(new PluginInstance(description, std::move(services), std::move(library).value(), settings)

@@ -60,13 +60,13 @@ TEST(ComponentScan, ListsTheInstalledEffectsInOrderWithoutLoadingAny) {
     const auto all = host.componentsMatchingDescription({});
 
     EXPECT_THAT(
-        names(all),
-        AllOf(
-            Contains("MDA Limiter"), Contains("MDA Stereo"), Contains("Stereo Balance Control"),
-            Contains("x42-eq - Parametric Equalizer Mono"), Contains("Matrix Mixer 8x8"),
-            // An instrument, a generator and a MIDI filter.
-            Not(Contains("MDA ePiano")), Not(Contains("Test Signal")), Not(Contains("MIDI Channel Filter"))
-        )
+        names(all), AllOf(
+                        Contains("MDA Limiter"), Contains("MDA Stereo"), Contains("Stereo Balance Control"),
+                        Contains("x42-eq - Parametric Equalizer Mono"),
+                        // An instrument, a generator, a MIDI filter and a matrix of eight inputs and outputs.
+                        Not(Contains("MDA ePiano")), Not(Contains("Test Signal")),
+                        Not(Contains("MIDI Channel Filter")), Not(Contains("Matrix Mixer 8x8"))
+                    )
     );
     EXPECT_TRUE(std::ranges::is_sorted(all, {}, [](const AVAudioUnitComponent& component) {
         return std::tie(component.manufacturerName, component.name);

@@ -88,7 +88,7 @@ void renderNoise(AUAudioUnit& unit, std::size_t channels, const std::string& nam
     }
 }
 
-TEST_F(InstalledPlugins, EveryMonoOrStereoEffectRendersBlocksOfAnyLengthAtAnyRate) {
+TEST_F(InstalledPlugins, EveryEffectRendersBlocksOfAnyLengthAtAnyRate) {
     int rendered = 0;
     for (const auto& component : host.componentsMatchingDescription({})) {
         if (component.manufacturerName != "Robin Gareus" && !component.name.starts_with("MDA ")) continue;
@@ -98,12 +98,9 @@ TEST_F(InstalledPlugins, EveryMonoOrStereoEffectRendersBlocksOfAnyLengthAtAnyRat
         for (const double sampleRate : {44100.0, 48000.0, 96000.0}) {
             const bool isMono = setUp(*made.unit, 1, sampleRate).empty();
             const std::string problem = isMono ? "" : setUp(*made.unit, 2, sampleRate);
-            if (problem.empty()) {
-                renderNoise(*made.unit, isMono ? 1 : 2, component.name);
-                ++rendered;
-            } else {
-                EXPECT_THAT(problem, HasSubstr(" channel")) << component.name;
-            }
+            ASSERT_EQ(problem, "") << component.name;
+            renderNoise(*made.unit, isMono ? 1 : 2, component.name);
+            ++rendered;
             made.unit->deallocateRenderResources();
         }
     }
@@ -119,10 +116,6 @@ TEST_F(InstalledPlugins, TakeTheChannelsTheyHavePortsForAndNoOthers) {
     const auto mono = make("x42-eq - Parametric Equalizer Mono");
     EXPECT_THAT(setUp(*mono, 2), HasSubstr("is for 1 channel, not 2."));
     EXPECT_EQ(setUp(*mono, 1), "");
-
-    const auto matrix = make("Matrix Mixer 8x8");
-    EXPECT_NE(setUp(*matrix, 1), "");
-    EXPECT_NE(setUp(*matrix, 2), "");
 }
 
 TEST_F(InstalledPlugins, GainIsWhatItsParameterSays) {

@@ -38,16 +38,19 @@ using Dictionary = PropertyList::Dictionary;
 class Lv2UnitTest : public test::ScriptedHostTest {};
 
 TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
+    const std::string plain = Lv2Bundles::plugin("urn:x", "X", "");
     const struct {
         std::string manifest;
         std::string sentence;
+        bool isListed = false;
     } cases[] = {
-        {Lv2Bundles::plugin("urn:x", "X", ""), "missing.so: cannot open shared object file"},
+        {plain, "missing.so: cannot open shared object file", true},
         {"<urn:x> a lv2:Plugin ; doap:name \"X\" ; lv2:port [ " + Lv2Bundles::audioPort(0, "Input")
              + " ] , [ " + Lv2Bundles::audioPort(1, "Output") + " ] .",
-         "\"X\" could not be loaded: it names no library."},
-        {scripted("absent"), "\"absent\" could not be loaded: " + scriptedLv2Library + " does not have it."},
-        {scripted("refuses"), "\"refuses\" could not be started at 48000 Hz."},
+         "\"X\" could not be loaded: it names no library.", true},
+        {scripted("absent"), "\"absent\" could not be loaded: " + scriptedLv2Library + " does not have it.",
+         true},
+        {scripted("refuses"), "\"refuses\" could not be started at 48000 Hz.", true},
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature <urn:feature> ;"),
          "\"X\" needs the LV2 feature urn:feature, which is not supported."},
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature bufsz:powerOf2BlockLength ;"),
@@ -62,9 +65,14 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
     for (const auto& each : cases) {
         const Lv2Bundles broken;
         broken.add("x.lv2", each.manifest);
+        const auto listed = Lv2UnitHost(log, broken.searchPath()).componentsMatchingDescription({});
+        EXPECT_EQ(listed.size(), each.isListed ? 1U : 0U) << each.sentence;
+        // What is not listed may still become what it is while the program runs.
+        if (!each.isListed) broken.add("x.lv2", plain);
         Lv2UnitHost brokenHost(log, broken.searchPath());
         const auto components = brokenHost.componentsMatchingDescription({});
         ASSERT_EQ(components.size(), 1U) << each.sentence;
+        broken.add("x.lv2", each.manifest);
         const auto made = test::instantiate(brokenHost, components[0].audioComponentDescription);
         EXPECT_FALSE(made.unit);
         EXPECT_THAT(made.error.value_or(Error{}).description, HasSubstr(each.sentence));
