@@ -63,7 +63,8 @@ class OfflineMixer final {
     platform::SystemLog log;
     platform::RunLoop mainThread;
     platform::Lv2UnitHost audioUnitHost{
-        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()};
+        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile(),
+        platform::lv2_units::RenderMode::offline};
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
     /// The hardware layer's; lives as long as that.

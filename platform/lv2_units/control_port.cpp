@@ -101,8 +101,12 @@ bool isDesignated(
 std::optional<float> heldValue(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
     if (!lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort))) return std::nullopt;
     if (isDesignated(bundle, plugin, port, LV2_CORE__enabled)) return 1.0F;
-    if (isDesignated(bundle, plugin, port, LV2_CORE__freeWheeling)) return 0.0F;
+    if (isFreeWheeling(bundle, plugin, port)) return 0.0F;
     return std::nullopt;
+}
+
+bool isFreeWheeling(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
+    return isDesignated(bundle, plugin, port, LV2_CORE__freeWheeling);
 }
 
 ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/lv2_units/late_ends.h"
+#include "platform/lv2_units/render_mode.h"
 #include "platform/lv2_units/urid_map.h"
 #include "platform/system_log.h"
 
@@ -12,6 +13,7 @@ namespace orvane::platform::lv2_units {
 /// What one host and all units it made share; lives as long as any of them. The log outlives it.
 struct HostServices {
     SystemLog& log;
+    RenderMode renderMode = RenderMode::live;
     UridMap urids = {};
     /// At which plugins are expected to run, in Hz; each is instantiated for it.
     std::atomic<double> sampleRate = 48000.0;

@@ -45,9 +45,10 @@ Result<lv2_units::PluginDescription> readDescription(const InstalledPlugin& inst
 } // namespace
 
 Lv2UnitHost::Lv2UnitHost(
-    SystemLog& systemLog, std::string searchPath, std::optional<std::filesystem::path> effectCache
+    SystemLog& systemLog, std::string searchPath, std::optional<std::filesystem::path> effectCache,
+    lv2_units::RenderMode renderMode
 )
-    : services(new lv2_units::HostServices{.log = systemLog}),
+    : services(new lv2_units::HostServices{.log = systemLog, .renderMode = renderMode}),
       path(std::move(searchPath)),
       cacheFile(std::move(effectCache)),
       loader([this] { serveRequests(); }) {}

@@ -2,6 +2,7 @@
 
 #include "platform/audio_unit_host.h"
 #include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/render_mode.h"
 #include "platform/lv2_units/search_path.h"
 #include "platform/system_log.h"
 
@@ -34,7 +35,8 @@ class Lv2UnitHost final : public AudioUnitHost {
     /// `effectCache`: the file that keeps what a scan found for the next start; none if absent.
     explicit Lv2UnitHost(
         SystemLog& systemLog, std::string searchPath = lv2_units::environmentSearchPath(),
-        std::optional<std::filesystem::path> effectCache = std::nullopt
+        std::optional<std::filesystem::path> effectCache = std::nullopt,
+        lv2_units::RenderMode renderMode = lv2_units::RenderMode::live
     );
     ~Lv2UnitHost() override;
     Lv2UnitHost(const Lv2UnitHost&) = delete;

@@ -122,6 +122,7 @@ Result<PluginDescription> describe(PluginBundle& bundle, const LilvPlugin* plugi
         description.bufferSizes.push_back(kind == PortKind::atom ? atomBufferSize(bundle, plugin, port) : 0);
         const std::optional<float> held = heldValue(bundle, plugin, port);
         description.heldValues.push_back(held.value_or(0.0F));
+        if (held && isFreeWheeling(bundle, plugin, port)) description.freeWheelingPorts.push_back(i);
         if (kind == PortKind::control && !held)
             description.controls.push_back(describeControl(bundle, plugin, port));
     }

@@ -65,8 +65,10 @@ struct PluginDescription {
     std::vector<PortRole> roles;
     /// How large the buffer of an atom port is at least, in bytes.
     std::vector<std::size_t> bufferSizes;
-    /// What a control port that is no parameter is held at.
+    /// What a control port that is no parameter is held at while blocks are rendered live.
     std::vector<float> heldValues;
+    /// The control inputs that are 1 while blocks are rendered offline, by index.
+    std::vector<std::uint32_t> freeWheelingPorts;
 
     MainAudioPorts audio;
     std::vector<ControlPort> controls;

@@ -61,10 +61,15 @@ PluginInstance::PluginInstance(
       services(std::move(hostServices)),
       library(std::move(pluginLibrary)),
       madeFor(settings),
+      worker(services->renderMode),
       features(*services, description->name, worker.schedule(), madeFor.sampleRate, madeFor.maximumFrames),
       controls(description->heldValues),
       atomPorts(*description, services->urids),
-      sideBlocks(sideBlockCount(*description), madeFor.maximumFrames) {}
+      sideBlocks(sideBlockCount(*description), madeFor.maximumFrames) {
+    if (services->renderMode == RenderMode::offline)
+        for (const std::uint32_t port : description->freeWheelingPorts)
+            controls[port] = 1.0F;
+}
 
 void PluginInstance::End::operator()(PluginInstance* instance) const {
     LateEnds& lateEnds = instance->services->lateEnds;

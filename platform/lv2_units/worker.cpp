@@ -1,8 +1,8 @@
 #include "platform/lv2_units/worker.h"
 
+#include "platform/audio_thread_scope.h"
 #include "platform/lv2_units/plugin_call.h"
 
-#include <span>
 #include <utility>
 
 namespace orvane::platform::lv2_units {
@@ -19,7 +19,8 @@ LV2_Worker_Status statusOf(bool isWritten) noexcept {
 
 } // namespace
 
-Worker::Worker() : feature{this, scheduleWork} {}
+Worker::Worker(RenderMode renderMode)
+    : isOffline(renderMode == RenderMode::offline), feature{this, scheduleWork} {}
 
 Worker::ControlCall::ControlCall(Worker& called) : worker(called) {
     std::unique_lock lock(worker.turns);
@@ -42,7 +43,10 @@ void Worker::start(
     handle = pluginHandle;
     failureReport = std::move(reportFailure);
     interface = &pluginInterface;
-    thread = std::thread([this] { run(); });
+    if (isOffline)
+        workOff(controlRequests);
+    else
+        thread = std::thread([this] { run(); });
 }
 
 bool Worker::stop(std::function<void()> whenDone) {
@@ -64,10 +68,13 @@ bool Worker::stop(std::function<void()> whenDone) {
 
 void Worker::deliverResponses() {
     if (interface == nullptr) return;
+    isDelivering = true;
     while (const auto size = responses.take(response))
         if (interface->work_response != nullptr)
             interface->work_response(handle, static_cast<std::uint32_t>(*size), response.bytes.data());
     if (interface->end_run != nullptr) interface->end_run(handle);
+    isDelivering = false;
+    if (isOffline) workOff(renderRequests);
 }
 
 LV2_Worker_Status
@@ -76,6 +83,8 @@ Worker::scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, cons
     // Each ring takes what one thread writes.
     const bool isControl = self.controlThread.load() == std::this_thread::get_id();
     if (!isControl && self.renderThread.load() != std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
+    if (self.isOffline && self.interface != nullptr && !self.isDelivering)
+        return self.workAtOnce(message(size, data));
     MessageRing& requests = isControl ? self.controlRequests : self.renderRequests;
     if (!requests.write(message(size, data))) return statusOf(false);
     self.wakeUps.fetch_add(1);
@@ -105,7 +114,7 @@ void Worker::workOff(MessageRing& requests) {
     while (isAnyLeft) {
         if (!beginPiece()) return;
         const auto size = requests.take(request);
-        if (size) work(*size);
+        if (size) work(std::span(request.bytes).first(*size));
         isAnyLeft = size.has_value();
         endPiece();
     }
@@ -125,10 +134,18 @@ void Worker::endPiece() {
     turnEnded.notify_all();
 }
 
-void Worker::work(std::size_t size) {
+/// Refuses what the plugin schedules within its work, as on a thread of its own.
+LV2_Worker_Status Worker::workAtOnce(std::span<const std::byte> data) {
+    if (workThread.load() == std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
+    work(data);
+    return LV2_WORKER_SUCCESS;
+}
+
+void Worker::work(std::span<const std::byte> data) {
+    const AudioThreadPause pause;
     workThread.store(std::this_thread::get_id());
     const bool isDone = callPlugin([&] {
-        interface->work(handle, respond, this, static_cast<std::uint32_t>(size), request.bytes.data());
+        interface->work(handle, respond, this, static_cast<std::uint32_t>(data.size()), data.data());
     });
     workThread.store(std::thread::id());
     if (!isDone && failureReport) std::exchange(failureReport, nullptr)();

@@ -2,6 +2,7 @@
 
 #include "dsp/realtime.h"
 #include "platform/lv2_units/message_ring.h"
+#include "platform/lv2_units/render_mode.h"
 
 #include <lv2/worker/worker.h>
 
@@ -13,23 +14,25 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <thread>
 
 namespace orvane::platform::lv2_units {
 
 /// Does a plugin's work that must not be done on the audio thread, on a thread of its own, and carries the
-/// responses back. Owned by the plugin's instance, which starts it once the plugin is there.
+/// responses back. If blocks are rendered offline, there is no such thread, and work is done when it is
+/// scheduled. Owned by the plugin's instance, which starts it once the plugin is there.
 class Worker final {
   public:
-    Worker();
+    explicit Worker(RenderMode renderMode);
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 
     /// What the plugin schedules work with: from its run(), and within a `ControlCall`.
     LV2_Worker_Schedule* schedule() { return &feature; }
 
-    /// `reportFailure` is told, on the worker's thread, the first time that the plugin throws at its work.
-    /// Control thread.
+    /// Work that was scheduled before is done first. `reportFailure` is called on the thread that works, the
+    /// first time that the plugin throws at its work. Control thread.
     void start(
         LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface,
         std::function<void()> reportFailure
@@ -87,8 +90,12 @@ class Worker final {
     void workOff(MessageRing& requests);
     bool beginPiece();
     void endPiece();
-    void work(std::size_t size);
+    LV2_Worker_Status workAtOnce(std::span<const std::byte> data);
+    void work(std::span<const std::byte> data);
 
+    const bool isOffline;
+    /// A response or the end of a run is handed over; offline, work that it schedules waits for its end.
+    bool isDelivering = false;
     LV2_Worker_Schedule feature;
     LV2_Handle handle = nullptr;
     const LV2_Worker_Interface* interface = nullptr;
@@ -103,14 +110,14 @@ class Worker final {
     std::atomic<std::thread::id> renderThread;
     /// While it works.
     std::atomic<std::thread::id> workThread;
-    /// Until it has been told.
+    /// Until it has been called.
     std::function<void()> failureReport;
     /// What the thread waits for a change of.
     std::atomic<std::uint32_t> wakeUps = 0;
     std::atomic<bool> isStopping = false;
     std::thread thread;
 
-    /// Guards what follows, for moments only. Never taken by the render thread.
+    /// Guards what follows, for moments only. Never taken by a render thread that a device waits for.
     std::mutex turns;
     std::condition_variable turnEnded;
     /// The plugin is at a piece of work.

@@ -7,6 +7,7 @@
 #include "plugins/insert_components.h"
 #include "support/build_files.h"
 #include "support/file_size_limit.h"
+#include "support/scripted_plugin.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -311,6 +312,31 @@ TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
     EXPECT_THAT(mix("plain.wav"), testing::IsEmpty());
     EXPECT_EQ(test::contentOf(folder / "first.wav"), test::contentOf(folder / "second.wav"));
     EXPECT_NE(readSound(folder / "first.wav")[0], readSound(folder / "plain.wav")[0]);
+}
+
+TEST(Render, DoesTheWorkOfPluginsAtOnceAndTellsThemThatItIsOffline) {
+    const TemporaryFolder folder;
+    const test::Lv2Bundles bundles;
+    bundles.add("amplifier.lv2", test::scriptedAmplifier());
+    platform::SystemLog log([](const platform::LogLine&) {});
+    platform::Lv2UnitHost host(log, bundles.searchPath());
+    const auto amplifier = plugins::availableInsertComponents(host).at(0);
+    session::MixerDocumentData document = bypassedSession({output::Mono{0}});
+    document.channels[0].pluginSlots[0].pluginName = amplifier.name;
+    document.channels[0].pluginSlots[0].component = plugins::identityOf(amplifier);
+    const Samples input(1, std::vector<float>(6400, 0.0625F));
+
+    ::setenv("LV2_PATH", bundles.searchPath().c_str(), 1);
+    const Rendering rendering(
+        {.input = writeSound(folder, "in.wav", input),
+         .output = folder / "out.wav",
+         .session = writeSession(folder, document)}
+    );
+    ::unsetenv("LV2_PATH");
+    ASSERT_TRUE(rendering.report) << rendering.report.error().description;
+    EXPECT_THAT(rendering.warnings, testing::IsEmpty());
+    // The block that warms it up has had its work done.
+    EXPECT_EQ(readSound(folder / "out.wav")[0], std::vector<float>(6400, 0.625F));
 }
 
 TEST(Render, SaysWhatStopsItMidwayAndLeavesNothingBehind) {

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -174,15 +175,19 @@ LV2_Worker_Status work(
     auto& plugin = *static_cast<Plugin*>(instance);
     plugin.respondHandle = handle;
     plugin.respond = respond;
-    const float answer = *static_cast<const float*>(data) * 10.0F;
-    const LV2_Worker_Status status = respond(handle, sizeof answer, &answer);
+    // As most work does, this allocates.
+    const auto answer = std::make_unique<float>(*static_cast<const float*>(data) * 10.0F);
+    const LV2_Worker_Status status = respond(handle, sizeof *answer, answer.get());
     probe.worksDone.fetch_add(1);
     return status;
 }
 
 LV2_Worker_Status workResponse(LV2_Handle handle, std::uint32_t, const void* data) {
     throwIf(ScriptedLv2Probe::Throw::workResponse);
-    static_cast<Plugin*>(handle)->answer = *static_cast<const float*>(data);
+    auto& plugin = *static_cast<Plugin*>(handle);
+    plugin.answer = *static_cast<const float*>(data);
+    if (probe.goesOnWorking.load())
+        return plugin.schedule->schedule_work(plugin.schedule->handle, sizeof plugin.answer, &plugin.answer);
     return LV2_WORKER_SUCCESS;
 }
 
@@ -269,6 +274,14 @@ void cleanup(LV2_Handle handle) {
     throwIf(ScriptedLv2Probe::Throw::cleanup);
 }
 
+/// Multiplies its input by ten times its third port, once its worker has worked that out.
+void amplifyByWork(LV2_Handle handle, std::uint32_t frameCount) {
+    const auto& plugin = *static_cast<Plugin*>(handle);
+    for (std::uint32_t i = 0; i < frameCount; ++i)
+        plugin.port<float>(1)[i] = plugin.answer * plugin.port<float>(0)[i];
+    plugin.schedule->schedule_work(plugin.schedule->handle, sizeof(float), plugin.ports[2]);
+}
+
 /// One input goes to one output and, three times as loud, to another.
 void split(LV2_Handle handle, std::uint32_t frameCount) {
     const auto& plugin = *static_cast<Plugin*>(handle);
@@ -298,8 +311,13 @@ constexpr LV2_Descriptor describe(const char* uri, void (*runs)(LV2_Handle, std:
 }
 
 constexpr LV2_Descriptor descriptors[] = {
-    describe("urn:orvane:test:plain"), describe("urn:orvane:test:safe"), describe("urn:orvane:test:refuses"),
-    describe("urn:orvane:test:split", split), describe("urn:orvane:test:join", join)};
+    describe("urn:orvane:test:plain"),
+    describe("urn:orvane:test:safe"),
+    describe("urn:orvane:test:refuses"),
+    {"urn:orvane:test:amplifier", instantiate, connectPort, activate, amplifyByWork, deactivate, cleanup,
+     extensionData},
+    describe("urn:orvane:test:split", split),
+    describe("urn:orvane:test:join", join)};
 
 } // namespace
 

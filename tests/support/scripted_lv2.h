@@ -61,6 +61,8 @@ struct ScriptedLv2Probe {
     std::atomic<bool> holdsWork = false;
     std::atomic<bool> isWorking = false;
     std::atomic<int> worksDone = 0;
+    /// work_response() schedules work.
+    std::atomic<bool> goesOnWorking = false;
     /// restore() does not return while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;

@@ -1,8 +1,7 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/hosted_unit.h"
+#include "support/scripted_plugin.h"
 #include "support/wait_for.h"
-
-#include "scripted_plugin.h"
 
 #include <gmock/gmock.h>
 #include <lv2/atom/atom.h>

@@ -163,6 +163,23 @@ TEST_F(PluginCalls, WorkThatDoesNotEndCostsAStateAndNoMore) {
     probe().holdsWork.store(false);
 }
 
+TEST_F(PluginCalls, OfflineWorkIsDoneAtOnceAndThePluginKnowsThatItIsOffline) {
+    bundles.add("amplifier.lv2", test::scriptedAmplifier());
+    Lv2UnitHost offline(log, bundles.searchPath(), lv2_units::RenderMode::offline);
+    const auto unit = test::instantiate(offline, "amplifier").unit;
+    ASSERT_EQ(setUp(*unit, 1), "");
+    UnitRenderer renderer(*unit, 1);
+    ASSERT_EQ(renderer.renderBlock(ones), noErr);
+    EXPECT_THAT(renderer.outputs[0], testing::Each(0.0F)) << "the response comes after the block";
+    probe().goesOnWorking.store(true);
+    ASSERT_EQ(renderer.renderBlock(ones), noErr);
+    EXPECT_THAT(renderer.outputs[0], testing::Each(10.0F));
+    // The answer to itself, a hundred, came before that to the block.
+    probe().goesOnWorking.store(false);
+    ASSERT_EQ(renderer.renderBlock(ones), noErr);
+    EXPECT_THAT(renderer.outputs[0], testing::Each(10.0F));
+}
+
 TEST_F(PluginCalls, TheHostWaitsAtItsEndForPluginsThatAreStillAtWork) {
     makeBusy();
     std::thread release([] { probe().holdsWork.store(false); });

@@ -2,8 +2,7 @@
 
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "support/hosted_unit.h"
-
-#include "scripted_plugin.h"
+#include "support/scripted_plugin.h"
 
 #include <gtest/gtest.h>
 

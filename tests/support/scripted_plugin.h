@@ -43,6 +43,16 @@ scriptedPorts(const std::string& variant, const char* first, const char* second,
     );
 }
 
+/// A description of the scripted amplifier, which is silent unless blocks are rendered offline.
+inline std::string scriptedAmplifier() {
+    return fmt::format(
+        R"(<urn:orvane:test:amplifier> a lv2:Plugin ; doap:name "amplifier" ; lv2:binary <file://{}> ; lv2:port
+        [ {} ] , [ {} ] , [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol "offline" ;
+          lv2:name "Offline" ; lv2:designation lv2:freeWheeling ] .)",
+        scriptedLv2Library, Lv2Bundles::audioPort(0, "Input"), Lv2Bundles::audioPort(1, "Output")
+    );
+}
+
 /// What the scripted plugin and its editor tell.
 inline ScriptedLv2Probe& probe() {
     void* const library = ::dlopen(scriptedLv2Library.c_str(), RTLD_NOW | RTLD_LOCAL);
