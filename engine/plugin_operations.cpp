@@ -116,8 +116,10 @@ void PluginOperations::savePluginPresetOnAllChannels(const std::string& name, st
 }
 
 void PluginOperations::applyPluginPreset(const plugins::NamedPreset& preset, const PluginSlotKey& key) {
-    if (const LoadedInsertPlugin* const live = insertRack.plugin(key))
-        plugins::restoreState(*live->avAudioUnit, preset.data);
+    const LoadedInsertPlugin* const live = insertRack.plugin(key);
+    if (live == nullptr) return;
+    if (const auto restored = plugins::restoreState(*live, preset.data); !restored)
+        setLastError(restored.error().description);
 }
 
 void PluginOperations::deletePluginPreset(

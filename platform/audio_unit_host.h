@@ -134,8 +134,9 @@ class AUAudioUnit {
 
     /// All that makes up the unit's sound, to be restored with `setFullState`; nothing where it has none.
     [[nodiscard]] virtual std::optional<PropertyList::Dictionary> fullState() const = 0;
-    /// What does not belong to this effect, or cannot be understood, changes nothing. Also while it renders.
-    virtual void setFullState(const PropertyList::Dictionary& state) = 0;
+    /// What does not belong to this effect, or cannot be understood, changes nothing. Fails if the effect was
+    /// not given a file that the state names; the rest is restored then. Also while it renders.
+    virtual Result<Done> setFullState(const PropertyList::Dictionary& state) = 0;
 
     /// For as long as the unit lives, in the plugin's order.
     [[nodiscard]] virtual std::span<AUParameter* const> parameters() = 0;

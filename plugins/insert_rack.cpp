@@ -335,7 +335,9 @@ bool InsertRack::setUp(LoadedInsertPlugin& plugin, const PluginSlotKey& key, con
     plugin.renderContext = std::make_shared<InsertRenderContext>(
         plugin.avAudioUnit->renderBlock(), *channelCount, labelOf(key, plugin.component.name), services.log
     );
-    if (presetData) restoreState(*plugin.avAudioUnit, *presetData);
+    if (presetData)
+        if (const auto restored = restoreState(plugin, *presetData); !restored)
+            owner.setLastError(restored.error().description);
     warmUp(plugin, owner.bufferSize());
     plugin.sampleRate = sampleRate;
     return true;

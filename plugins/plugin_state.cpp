@@ -16,8 +16,13 @@ platform::Result<std::optional<PropertyList::Data>> captureState(const platform:
     return std::optional(std::move(data).value());
 }
 
-void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> data) {
-    if (const auto state = platform::propertyListWithData(data)) unit.setFullState(state.value());
+platform::Result<platform::Done>
+restoreState(const LoadedInsertPlugin& plugin, std::span<const std::uint8_t> data) {
+    const auto state = platform::propertyListWithData(data);
+    if (!state)
+        return platform::Error{
+            "The saved settings of " + plugin.component.name + " cannot be read; set it up again and save."};
+    return plugin.avAudioUnit->setFullState(state.value());
 }
 
 void captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin) {

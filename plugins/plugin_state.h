@@ -17,8 +17,10 @@ namespace orvane::plugins {
 /// The settings as they are now; nothing where the plugin has none. Fails where they cannot be written.
 platform::Result<std::optional<platform::PropertyList::Data>> captureState(const platform::AUAudioUnit& unit);
 
-/// Bytes that hold no state leave the plugin as it is.
-void restoreState(platform::AUAudioUnit& unit, std::span<const std::uint8_t> data);
+/// Gives a plugin settings as bytes. Fails if these are no property list, which leaves the plugin as it is,
+/// or if it was not given a file that they name.
+platform::Result<platform::Done>
+restoreState(const LoadedInsertPlugin& plugin, std::span<const std::uint8_t> data);
 
 /// Makes the record of a slot hold the state of the plugin that is live in it, and name that plugin. The
 /// state that it has of the same plugin stays where there is none, and goes where it cannot be written.

@@ -1,7 +1,5 @@
 #include "platform/lv2_units/host_features.h"
 
-#include "platform/lv2_units/state_paths.h"
-
 #include <fmt/format.h>
 #include <lv2/atom/atom.h>
 #include <lv2/buf-size/buf-size.h>
@@ -34,7 +32,7 @@ constexpr std::string_view supportedOptions[] = {
 
 HostFeatures::HostFeatures(
     HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
-    double sampleRate, std::uint32_t maximumFrames
+    StatePaths& paths, double sampleRate, std::uint32_t maximumFrames
 )
     : common(hostServices, pluginName),
       blockLengths{
@@ -59,8 +57,8 @@ HostFeatures::HostFeatures(
         LV2_Feature{LV2_BUF_SIZE__boundedBlockLength, nullptr},
         LV2_Feature{LV2_WORKER__schedule, schedule},
         LV2_Feature{LV2_STATE__threadSafeRestore, nullptr},
-        statePathFeatures()[0],
-        statePathFeatures()[1]};
+        paths.features()[0],
+        paths.features()[1]};
     std::ranges::transform(features, pointers.begin(), [](const LV2_Feature& feature) { return &feature; });
     pointers.back() = nullptr;
 }

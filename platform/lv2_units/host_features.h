@@ -3,6 +3,7 @@
 #include "platform/lv2_units/common_features.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/plugin_description.h"
+#include "platform/lv2_units/state_paths.h"
 
 #include <lv2/core/lv2.h>
 #include <lv2/options/options.h>
@@ -20,10 +21,11 @@ namespace orvane::platform::lv2_units {
 /// for the plugin keeps pointers into it.
 class HostFeatures final {
   public:
-    /// `schedule`: of the instance's worker. `sampleRate` in Hz, `maximumFrames` per block.
+    /// `schedule`: of the instance's worker. `paths`: the instance's. `sampleRate` in Hz, `maximumFrames` per
+    /// block.
     HostFeatures(
         HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
-        double sampleRate, std::uint32_t maximumFrames
+        StatePaths& paths, double sampleRate, std::uint32_t maximumFrames
     );
     HostFeatures(const HostFeatures&) = delete;
     HostFeatures& operator=(const HostFeatures&) = delete;

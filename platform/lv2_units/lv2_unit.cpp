@@ -1,6 +1,5 @@
 #include "platform/lv2_units/lv2_unit.h"
 
-#include "dsp/sound_bounds.h"
 #include "platform/lv2_units/full_state.h"
 #include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/lv2_editor.h"
@@ -21,11 +20,14 @@ constexpr std::uint32_t byteSize(std::uint32_t frameCount) noexcept {
     return frameCount * static_cast<std::uint32_t>(sizeof(float));
 }
 
+/// The largest sample that counts as sound (+36 dBFS): what is beyond it is a filter that blows up.
+constexpr float loudestOutput = 64.0F;
+
 /// Whether every sample is sound.
 ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noexcept {
     bool isWithin = true;
     for (std::uint32_t i = 0; i < frameCount; ++i)
-        isWithin &= std::abs(samples[i]) <= dsp::largestSample;
+        isWithin &= std::abs(samples[i]) <= loudestOutput;
     return isWithin;
 }
 
@@ -87,7 +89,9 @@ Result<Done> Lv2Unit::allocateRenderResources() {
 Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) try {
     auto made = PluginInstance::make(description, services, {sampleRate, maximumFrames});
     if (!made) return made.error();
-    if (const auto state = instance->state(); !state.empty()) made.value()->restore(state);
+    if (const auto state = instance->state(); !state.empty())
+        if (const auto restored = made.value()->restore(state); !restored)
+            services->log.post(LogLevel::error, logCategory, {restored.error().description});
     instance = std::move(made).value();
     for (const auto& parameter : ownParameters)
         parameter->setSampleRate(sampleRate);
@@ -195,16 +199,17 @@ std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {
     );
 }
 
-void Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
-    if (!isStateOf(description->uri, state)) return;
+Result<Done> Lv2Unit::setFullState(const PropertyList::Dictionary& state) {
+    if (!isStateOf(description->uri, state)) return Done{};
     restoreControls(state, ownParameters);
-    if (const auto* const pluginState = pluginStateIn(state)) restorePluginState(*pluginState);
+    const auto* const pluginState = pluginStateIn(state);
+    return pluginState == nullptr ? Done{} : restorePluginState(*pluginState);
 }
 
-void Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
-    if (!instance) return;
+Result<Done> Lv2Unit::restorePluginState(const PropertyList::Dictionary& state) {
+    if (!instance) return Done{};
     const bool mustPause = hasRenderResources() && !description->restoresWhileRunning;
-    instance->restore(state, mustPause ? &gate : nullptr);
+    return instance->restore(state, mustPause ? &gate : nullptr);
 }
 
 void Lv2Unit::requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) {

@@ -41,7 +41,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     void deallocateRenderResources() override;
     AURenderBlock renderBlock() override;
     [[nodiscard]] std::optional<PropertyList::Dictionary> fullState() const override;
-    void setFullState(const PropertyList::Dictionary& state) override;
+    Result<Done> setFullState(const PropertyList::Dictionary& state) override;
     std::span<AUParameter* const> parameters() override { return parameterList; }
     void requestViewController(std::function<void(std::shared_ptr<AUViewController>)> completion) override;
     std::unique_ptr<NativeEditor> openNativeEditor(NativeEditorParent& parent) override;
@@ -49,7 +49,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
   private:
     [[nodiscard]] bool hasRenderResources() const { return gate.current() != RenderGate::State::closed; }
     Result<Done> makeInstanceFor(double sampleRate);
-    void restorePluginState(const PropertyList::Dictionary& state);
+    Result<Done> restorePluginState(const PropertyList::Dictionary& state);
 
     ORVANE_REALTIME OSStatus render(
         RenderGate::State permitted, const AudioTimeStamp& now, std::uint32_t frameCount,

@@ -4,7 +4,6 @@
 #include "platform/lv2_units/log_category.h"
 #include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/plugin_state.h"
-#include "platform/lv2_units/state_paths.h"
 
 #include <fmt/format.h>
 
@@ -62,7 +61,10 @@ PluginInstance::PluginInstance(
       library(std::move(pluginLibrary)),
       madeFor(settings),
       worker(services->renderMode),
-      features(*services, description->name, worker.schedule(), madeFor.sampleRate, madeFor.maximumFrames),
+      paths(description->name),
+      features(
+          *services, description->name, worker.schedule(), paths, madeFor.sampleRate, madeFor.maximumFrames
+      ),
       controls(description->heldValues),
       atomPorts(*description, services->urids),
       sideBlocks(sideBlockCount(*description), madeFor.maximumFrames) {
@@ -168,25 +170,30 @@ bool PluginInstance::run(
 
 PropertyList::Dictionary PluginInstance::state() const {
     if (stateInterface == nullptr) return {};
-    const auto paths = statePathFeatures();
-    const LV2_Feature* const offered[] = {&paths[0], &paths[1], nullptr};
+    const auto pathFeatures = paths.features();
+    const LV2_Feature* const offered[] = {&pathFeatures[0], &pathFeatures[1], nullptr};
     SavedState saved = savePluginState(*stateInterface, handle, services->urids, offered);
     if (!saved.isWhole) report("could not give all of its state.");
     return std::move(saved.state);
 }
 
-void PluginInstance::restore(const PropertyList::Dictionary& state, RenderGate* gate) {
-    if (stateInterface == nullptr) return;
+Result<Done> PluginInstance::restore(const PropertyList::Dictionary& state, RenderGate* gate) {
+    if (stateInterface == nullptr) return Done{};
     const Worker::ControlCall call(worker);
-    if (!call.isAlone())
-        return report("did not take the state that it was given: work that it had handed on does not end.");
+    if (!call.isAlone()) {
+        report("did not take the state that it was given: work that it had handed on does not end.");
+        return Done{};
+    }
     const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
-    const auto paths = statePathFeatures();
-    const LV2_Feature* const offered[] = {&paths[0], &paths[1], &schedule, nullptr};
+    const auto pathFeatures = paths.features();
+    const LV2_Feature* const offered[] = {&pathFeatures[0], &pathFeatures[1], &schedule, nullptr};
+    paths.takeRefusal();
     if (gate != nullptr) gate->shut(RenderGate::State::paused);
-    if (!restorePluginState(*stateInterface, handle, services->urids, offered, state))
+    if (!restorePluginState(*stateInterface, handle, services->urids, offered, state, paths))
         report("could not take all of the state that it was given.");
     if (gate != nullptr) gate->open();
+    if (auto refusal = paths.takeRefusal()) return *std::move(refusal);
+    return Done{};
 }
 
 void PluginInstance::report(std::string_view what) const noexcept {

@@ -9,6 +9,7 @@
 #include "platform/lv2_units/plugin_description.h"
 #include "platform/lv2_units/plugin_library.h"
 #include "platform/lv2_units/render_gate.h"
+#include "platform/lv2_units/state_paths.h"
 #include "platform/lv2_units/worker.h"
 #include "platform/property_list.h"
 #include "platform/result.h"
@@ -70,8 +71,9 @@ class PluginInstance final {
     [[nodiscard]] PropertyList::Dictionary state() const;
     /// Lets the plugin take a state, once it has done the work that it is at. `gate`: of the unit that runs
     /// it, to be paused meanwhile unless the plugin's description says otherwise; null while it is not run.
-    /// A plugin that does not finish its work does not get the state, which is logged.
-    void restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
+    /// A plugin that does not finish its work does not get the state, which is logged. Fails if the plugin was
+    /// not given a file that the state names; it takes the rest of the state then.
+    Result<Done> restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
 
   private:
     PluginInstance(
@@ -91,6 +93,8 @@ class PluginInstance final {
     PluginLibrary library;
     InstanceSettings madeFor;
     Worker worker;
+    /// Also for `state`, which changes nothing.
+    mutable StatePaths paths;
     HostFeatures features;
     LV2_Handle handle = nullptr;
     const LV2_State_Interface* stateInterface = nullptr;

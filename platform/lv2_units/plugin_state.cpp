@@ -3,6 +3,8 @@
 #include "platform/lv2_units/plugin_call.h"
 #include "platform/lv2_units/state_value.h"
 
+#include <lv2/atom/atom.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -21,6 +23,8 @@ struct Saving {
 struct Restoring {
     UridMap& urids;
     const PropertyList::Dictionary& state;
+    StatePaths& paths;
+    LV2_URID pathType = urids.map(LV2_ATOM__Path);
     /// What the plugin was given, for as long as it restores.
     std::vector<StateValue> given = {};
 };
@@ -53,6 +57,9 @@ const void* retrieve(
     // Only what is asked for is taken in: a made-up session cannot use up the URIDs.
     auto decoded = decode(found->second, restoring.urids);
     if (!decoded) return nullptr;
+    if (decoded->type == restoring.pathType
+        && !restoring.paths.permits(reinterpret_cast<const char*>(decoded->body.data())))
+        return nullptr;
     const StateValue& value = restoring.given.emplace_back(*std::move(decoded));
     if (size != nullptr) *size = value.body.size();
     if (type != nullptr) *type = value.type;
@@ -78,9 +85,9 @@ SavedState savePluginState(
 
 bool restorePluginState(
     const LV2_State_Interface& interface, LV2_Handle handle, UridMap& urids,
-    const LV2_Feature* const* features, const PropertyList::Dictionary& state
+    const LV2_Feature* const* features, const PropertyList::Dictionary& state, StatePaths& paths
 ) {
-    Restoring restoring{urids, state};
+    Restoring restoring{urids, state, paths};
     LV2_State_Status status = LV2_STATE_ERR_UNKNOWN;
     callPlugin([&] { status = interface.restore(handle, retrieve, &restoring, 0, features); });
     return status == LV2_STATE_SUCCESS;

@@ -31,9 +31,9 @@ constexpr std::pair<std::string_view, std::size_t> numberTypes[] = {
     {LV2_ATOM__Double, 8}};
 
 /// The types whose body says nothing outside this process.
-constexpr std::string_view localTypes[] = {LV2_ATOM__Path,     LV2_ATOM__Literal,  LV2_ATOM__Object,
-                                           LV2_ATOM__Blank,    LV2_ATOM__Resource, LV2_ATOM__Tuple,
-                                           LV2_ATOM__Property, LV2_ATOM__Event,    LV2_ATOM__Sequence};
+constexpr std::string_view localTypes[] = {LV2_ATOM__Literal,  LV2_ATOM__Object,  LV2_ATOM__Blank,
+                                           LV2_ATOM__Resource, LV2_ATOM__Tuple,   LV2_ATOM__Property,
+                                           LV2_ATOM__Event,    LV2_ATOM__Sequence};
 
 std::size_t numberSize(std::string_view type) {
     const auto* const number =
@@ -88,7 +88,7 @@ decodeVector(std::vector<std::byte> elements, const PropertyList::Dictionary& en
 bool canHaveBody(std::string_view type, std::span<const std::byte> body) {
     if (const std::size_t size = numberSize(type); size != 0) return body.size() == size;
     // Plugins read texts up to the zero that ends them.
-    if (type == LV2_ATOM__String || type == LV2_ATOM__URI)
+    if (type == LV2_ATOM__String || type == LV2_ATOM__URI || type == LV2_ATOM__Path)
         return !body.empty() && body.back() == std::byte{0};
     return !isLocal(type);
 }

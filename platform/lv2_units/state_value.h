@@ -19,8 +19,8 @@ struct StateValue {
     std::vector<std::byte> body = {};
 };
 
-/// The value as a dictionary. Nothing where it would mean something else in another process: where it is
-/// a path or refers to URIDs from within.
+/// The value as a dictionary. Nothing where it would mean something else in another process: where it
+/// refers to URIDs from within.
 std::optional<PropertyList::Dictionary> encode(const StateValue& value, const UridMap& urids);
 
 /// What `encode` gave. Nothing for anything else, such as a body that its type cannot have.

@@ -160,6 +160,34 @@ TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
     EXPECT_EQ(audioUnitHost.instantiations, before);
 }
 
+TEST_F(InsertPlugins, SayWhatOfASavedStateIsLost) {
+    const auto withoutFile = platform::dataWithPropertyList({{"gain", {2.0}}, {"file", {1.0}}}).value();
+    const struct {
+        platform::PropertyList::Data state;
+        float gain;
+        std::string sentence;
+    } cases[] = {
+        {stateOf(3.0), 3.0F, ""},
+        {withoutFile, 2.0F, "Its file cannot be found."},
+        {{1, 2, 3}, 1.0F, "The saved settings of Mono cannot be read; set it up again and save."}};
+    std::vector<std::string> said;
+    const auto listening = engine->state().lastError.subscribe([&said](const auto& sentence) {
+        said.push_back(sentence.value_or(""));
+    });
+    for (const auto& [state, gain, sentence] : cases) {
+        SCOPED_TRACE(sentence);
+        said.clear();
+        engine->loadPlugin(mono, 0, id(0), state);
+        mainThread.runPosted();
+        EXPECT_EQ(loadState(0), PluginLoadState(load_state::Loaded{}));
+        EXPECT_EQ(audioUnitHost.lastUnit()->gain, gain);
+        load(mono, 1);
+        engine->applyPluginPreset({.id = {}, .name = "Saved", .data = state}, 1, id(0));
+        EXPECT_EQ(audioUnitHost.lastUnit()->gain, gain);
+        EXPECT_EQ(said, std::vector(sentence.empty() ? 0 : 2, sentence));
+    }
+}
+
 TEST_F(InsertPlugins, LastArrivalIsWhatEndsUpLive) {
     start();
     audioUnitHost.delivery = Delivery::byHand;

@@ -92,10 +92,13 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         if (script.hasUnwritableState) return {{{"gain", {std::string("\xFF")}}}};
         return {{{"gain", {static_cast<double>(gain)}}}};
     }
-    void setFullState(const platform::PropertyList::Dictionary& state) override {
-        const auto found = state.find("gain");
-        if (found == state.end()) return;
-        if (const auto* value = std::get_if<double>(&found->second.value)) gain = static_cast<float>(*value);
+    /// A "file" is one that the unit cannot be given.
+    platform::Result<platform::Done> setFullState(const platform::PropertyList::Dictionary& state) override {
+        if (const auto found = state.find("gain"); found != state.end())
+            if (const auto* value = std::get_if<double>(&found->second.value))
+                gain = static_cast<float>(*value);
+        if (state.contains("file")) return platform::Error{"Its file cannot be found."};
+        return platform::Done{};
     }
     std::span<platform::AUParameter* const> parameters() override { return {}; }
 

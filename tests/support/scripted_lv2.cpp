@@ -22,8 +22,8 @@
 
 // An LV2 plugin that multiplies its input by its control "gain", has its worker multiply the gain by ten and
 // shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. Its
-// state is one value of each kind that there is. Atoms that it is
-// sent it sends back; those of an integer below 0 with a size that is not theirs.
+// state is one value of each kind that there is, and the path of a file as a path and as a text. Atoms that
+// it is sent it sends back; those of an integer below 0 with a size that is not theirs.
 
 namespace {
 
@@ -46,6 +46,8 @@ struct Plugin {
     std::int32_t number = 1;
     std::string text = "first";
     LV2_URID choice = 0;
+    std::string file;
+    std::string fileAsText;
     struct Floats {
         LV2_Atom_Vector_Body head{};
         std::array<float, 2> values{};
@@ -196,8 +198,27 @@ LV2_Worker_Status endRun(LV2_Handle) {
     return LV2_WORKER_SUCCESS;
 }
 
-LV2_State_Status
-save(LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle state, std::uint32_t, const LV2_Feature* const*) {
+/// What a path is to the state or, `isRestored`, to the plugin.
+std::string mapped(const std::string& path, bool isRestored, const LV2_Feature* const* features) {
+    const LV2_State_Map_Path* map = nullptr;
+    const LV2_State_Free_Path* free = nullptr;
+    for (; *features != nullptr; ++features) {
+        if (std::strcmp((*features)->URI, LV2_STATE__mapPath) == 0)
+            map = static_cast<const LV2_State_Map_Path*>((*features)->data);
+        if (std::strcmp((*features)->URI, LV2_STATE__freePath) == 0)
+            free = static_cast<const LV2_State_Free_Path*>((*features)->data);
+    }
+    char* const found = isRestored ? map->absolute_path(map->handle, path.c_str())
+                                   : map->abstract_path(map->handle, path.c_str());
+    std::string copy = found;
+    free->free_path(free->handle, found);
+    return copy;
+}
+
+LV2_State_Status save(
+    LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle state, std::uint32_t,
+    const LV2_Feature* const* features
+) {
     const auto& plugin = *static_cast<Plugin*>(handle);
     constexpr std::uint32_t plain = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
     const auto put = [&](const char* key, const void* value, std::size_t size, const char* type,
@@ -209,14 +230,19 @@ save(LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle state, 
     put("urn:orvane:test:text", plugin.text.c_str(), plugin.text.size() + 1, LV2_ATOM__String, plain);
     put("urn:orvane:test:choice", &plugin.choice, sizeof plugin.choice, LV2_ATOM__URID, plain);
     put("urn:orvane:test:floats", &plugin.floats, sizeof plugin.floats, LV2_ATOM__Vector, plain);
-    put("urn:orvane:test:path", "/etc/passwd", 12, LV2_ATOM__Path, plain);
+    const std::string file = mapped(plugin.file, false, features);
+    put("urn:orvane:test:path", file.c_str(), file.size() + 1, LV2_ATOM__Path, plain);
+    const std::string text = mapped(plugin.fileAsText, false, features);
+    put("urn:orvane:test:pathAsText", text.c_str(), text.size() + 1, LV2_ATOM__String, plain);
     put("urn:orvane:test:object", &plugin.number, sizeof plugin.number, LV2_ATOM__Object, plain);
     put("urn:orvane:test:pointer", &handle, sizeof handle, LV2_ATOM__Chunk, 0);
     return probe.deniesState.load() ? LV2_STATE_ERR_UNKNOWN : LV2_STATE_SUCCESS;
 }
 
-LV2_State_Status
-restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handle state, std::uint32_t, const LV2_Feature* const*) {
+LV2_State_Status restore(
+    LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handle state, std::uint32_t,
+    const LV2_Feature* const* features
+) {
     auto& plugin = *static_cast<Plugin*>(handle);
     probe.isRestoring.store(true);
     while (probe.holdsRestore.load())
@@ -239,8 +265,10 @@ restore(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handl
     if (const void* value = get("urn:orvane:test:floats", LV2_ATOM__Vector);
         value != nullptr && size == sizeof plugin.floats)
         std::memcpy(&plugin.floats, value, sizeof plugin.floats);
-    // A path in a state is a path to a file of somebody else's.
-    if (get("urn:orvane:test:path", LV2_ATOM__Path) != nullptr) plugin.text = "path";
+    if (const void* value = get("urn:orvane:test:path", LV2_ATOM__Path))
+        plugin.file = static_cast<const char*>(value);
+    if (const void* value = get("urn:orvane:test:pathAsText", LV2_ATOM__String))
+        plugin.fileAsText = mapped(static_cast<const char*>(value), true, features);
     probe.isRestoring.store(false);
     return probe.deniesState.load() ? LV2_STATE_ERR_UNKNOWN : LV2_STATE_SUCCESS;
 }

@@ -153,7 +153,7 @@ TEST_F(InstalledPlugins, AStateGivesASecondInstanceTheSameSound) {
         Lv2UnitHost otherHost(log);
         const auto second = instantiate(otherHost, name).unit;
         ASSERT_EQ(setUp(*second, 2), "");
-        second->setFullState(*first->fullState());
+        EXPECT_TRUE(second->setFullState(*first->fullState()));
         EXPECT_EQ(second->fullState(), first->fullState()) << name;
 
         UnitRenderer firstRenderer(*first, 2);

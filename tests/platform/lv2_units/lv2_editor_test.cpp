@@ -208,7 +208,7 @@ TEST_F(Lv2EditorTest, ShowsWhatChangesElsewhereAndSetsWhatItsUserChanges) {
 
     const auto state = unit->fullState();
     write(gainPort, 0.25F);
-    unit->setFullState(*state);
+    EXPECT_TRUE(unit->setFullState(*state));
     EXPECT_THAT(shownAtNextIdle(), ElementsAre(Pair(gainPort, 2.0F))) << "a recall";
 
     write(0, 1.0F);

@@ -2,6 +2,7 @@
 #include "support/hosted_unit.h"
 #include "support/lv2_bundles.h"
 #include "support/no_sound.h"
+#include "support/temporary_folder.h"
 #include "support/wait_for.h"
 
 #include "scripted_host_test.h"
@@ -163,14 +164,18 @@ TEST_F(Lv2UnitTest, OutputThatIsNoSoundIsAnErrorForAsLongAsItLasts) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     UnitRenderer renderer(*unit, 1);
-    for (const float bad : test::noSound) {
+    std::vector<float> all(test::noSound.begin(), test::noSound.end());
+    all.insert(all.end(), {64.001F, -64.001F});
+    for (const float bad : all) {
         probe().plays.store(bad);
         EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_CannotDoInCurrentContext) << bad;
         probe().plays.store(0.0F);
         EXPECT_EQ(renderer.renderBlock(ones), noErr) << bad;
     }
-    probe().plays.store(std::numeric_limits<float>::denorm_min());
-    EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    for (const float good : {std::numeric_limits<float>::denorm_min(), 64.0F, -64.0F}) {
+        probe().plays.store(good);
+        EXPECT_EQ(renderer.renderBlock(ones), noErr) << good;
+    }
     probe().plays.store(0.0F);
 }
 
@@ -201,7 +206,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
             probe().throwsIn.store(place);
             const auto state = unit->fullState();
             EXPECT_TRUE(state && state->contains("controls"));
-            unit->setFullState(*state);
+            EXPECT_TRUE(unit->setFullState(*state));
             // What throws allocates.
             const auto isOver = [&, expected = rendered] {
                 return renderer.renderBlock(ones, false) == expected
@@ -234,7 +239,7 @@ TEST_F(Lv2UnitTest, KeepsWhatAPluginSavedThatSaysItFailed) {
     const auto whole = unit->fullState();
     probe().deniesState.store(true);
     EXPECT_EQ(unit->fullState(), whole);
-    unit->setFullState(*whole);
+    EXPECT_TRUE(unit->setFullState(*whole));
     probe().deniesState.store(false);
     log.flush();
     EXPECT_THAT(
@@ -302,7 +307,7 @@ TEST_F(Lv2UnitTest, ARestoreNeverHoldsUpRendering) {
 
         probe().runsDuringRestore.store(0);
         probe().holdsRestore.store(true);
-        std::thread control([&] { unit->setFullState(state); });
+        std::thread control([&] { EXPECT_TRUE(unit->setFullState(state)); });
         ASSERT_TRUE(waitFor([] { return probe().isRestoring.load(); }));
         EXPECT_EQ(renderer.renderBlock(ones), noErr);
         EXPECT_THAT(renderer.outputs[0], Each(isSafe ? 0.5F : 1.0F)) << "passes through while it cannot run";
@@ -325,7 +330,7 @@ TEST_F(Lv2UnitTest, IsHeardWhileARestoreWaitsForItsWork) {
     std::atomic<bool> isAsking = false;
     std::thread control([&] {
         isAsking.store(true);
-        unit->setFullState(state);
+        EXPECT_TRUE(unit->setFullState(state));
     });
     EXPECT_TRUE(waitFor([&] { return isAsking.load(); }));
     int dryBlocks = 0;
@@ -349,7 +354,7 @@ TEST_F(Lv2UnitTest, RestoresAndEditsWhileItRenders) {
     });
     for (int i = 0; i < 300; ++i) {
         parameter(*unit, "gain").setValue(static_cast<float>(i) / 300.0F);
-        unit->setFullState(*unit->fullState());
+        EXPECT_TRUE(unit->setFullState(*unit->fullState()));
     }
     isDone.store(true);
     audio.join();
@@ -377,20 +382,62 @@ TEST_F(Lv2UnitTest, StateIsWhatMeansTheSameInAnotherProcess) {
     std::get<Dictionary>(inside(list, "state")["urn:orvane:test:floats"].value)["value"].value =
         PropertyList::Data{0, 0, 0, 63, 0, 0, 128, 63};
     inside(list, "controls")["gain"].value = 0.75;
-    first->setFullState(std::get<Dictionary>(list.value));
+    EXPECT_TRUE(first->setFullState(std::get<Dictionary>(list.value)));
     const Dictionary state = *first->fullState();
     EXPECT_EQ(state, std::get<Dictionary>(list.value));
-    EXPECT_EQ(std::get<Dictionary>(state.at("state").value).size(), 4U) << "no path, no pointer, no object";
+    EXPECT_EQ(std::get<Dictionary>(state.at("state").value).size(), 6U) << "no pointer, no object";
 
     // Other numbers stand for the URIs there.
     Lv2UnitHost otherHost(log, bundles.searchPath());
     test::instantiate(otherHost, "safe");
     const auto second = test::instantiate(otherHost, "plain").unit;
-    second->setFullState(state);
+    EXPECT_TRUE(second->setFullState(state));
     EXPECT_EQ(second->fullState(), state);
     // The state goes over to the instance that another rate needs.
     ASSERT_EQ(setUp(*second, 1, 96000.0), "");
     EXPECT_EQ(second->fullState(), state);
+}
+
+TEST_F(Lv2UnitTest, AStateLeadsToNothingButARegularFileThatIsThere) {
+    const test::TemporaryFolder folder;
+    folder.add("room.wav", "");
+    const std::string file = (folder / "room.wav").string();
+    const std::string folderPath = (folder / "").string();
+    const struct {
+        std::string path;
+        std::string reason;
+    } cases[] = {
+        {file, ""},
+        {"", ""},
+        {file + "2", "cannot be found"},
+        {folderPath, "is not a regular file"},
+        {"/dev/zero", "is not a regular file"},
+        {"room.wav", "is not an absolute path"}};
+    for (const auto& [key, type] :
+         {std::pair{"urn:orvane:test:path", LV2_ATOM__Path},
+          {"urn:orvane:test:pathAsText", LV2_ATOM__String}}) {
+        for (const auto& [path, reason] : cases) {
+            SCOPED_TRACE(fmt::format("{} as {}", path, type));
+            const auto unit = make("plain");
+            PropertyList list{*unit->fullState()};
+            PropertyList::Data data(path.begin(), path.end());
+            data.push_back(0);
+            inside(list, "state")[key].value = value(type, data);
+            const auto given = unit->setFullState(std::get<Dictionary>(list.value));
+            if (!reason.empty()) data = {0};
+            PropertyList after{*unit->fullState()};
+            EXPECT_EQ(inside(after, "state")[key], PropertyList{value(type, data)});
+            EXPECT_EQ(
+                given ? std::string() : given.error().description,
+                reason.empty() ? std::string()
+                               : fmt::format(
+                                   "\"plain\" is without its file \"{}\", which {}; choose the file again in "
+                                   "the effect's editor.",
+                                   path, reason
+                               )
+            );
+        }
+    }
 }
 
 TEST_F(Lv2UnitTest, WhatCannotBeUnderstoodInAStateChangesNothing) {
@@ -399,7 +446,7 @@ TEST_F(Lv2UnitTest, WhatCannotBeUnderstoodInAStateChangesNothing) {
     const auto tryState = [&](const std::string& what, const auto& spoil) {
         PropertyList list{before};
         spoil(list);
-        unit->setFullState(std::get<Dictionary>(list.value));
+        EXPECT_TRUE(unit->setFullState(std::get<Dictionary>(list.value)));
         EXPECT_EQ(unit->fullState(), before) << what;
     };
     const auto root = [](PropertyList& list) -> Dictionary& { return std::get<Dictionary>(list.value); };
@@ -436,7 +483,7 @@ TEST_F(Lv2UnitTest, WhatCannotBeUnderstoodInAStateChangesNothing) {
         {"text", value(LV2_ATOM__String, {})},
         {"choice", value(LV2_ATOM__URID, {9, 0, 0, 0})},
         {"floats", value(LV2_ATOM__Vector, {1, 2, 3})},
-        {"path", value(LV2_ATOM__Path, {'/', 0})}};
+        {"path", value(LV2_ATOM__Path, {'/', 'x'})}};
     for (const auto& each : values)
         tryState(each.key, [&](PropertyList& list) {
             inside(list, "state")["urn:orvane:test:" + std::string(each.key)].value = each.value;
