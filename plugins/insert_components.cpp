@@ -89,4 +89,16 @@ std::vector<AVAudioUnitComponent> availableInsertComponents(platform::AudioUnitH
     return components;
 }
 
+const AVAudioUnitComponent*
+componentFor(const session::AUComponentIdentity& identity, std::span<const AVAudioUnitComponent> installed) {
+    auto found = std::ranges::find(installed, identity, identityOf);
+    if (found == installed.end())
+        found = std::ranges::find_if(installed, [&](const AVAudioUnitComponent& component) {
+            const session::AUComponentIdentity each = identityOf(component);
+            return each.componentType == identity.componentType
+                   && each.componentSubType == identity.componentSubType;
+        });
+    return found == installed.end() ? nullptr : &*found;
+}
+
 } // namespace orvane::plugins

@@ -58,6 +58,11 @@ void warmUp(const LoadedInsertPlugin& plugin, std::int64_t frameCount) {
     platform::abandon(block);
 }
 
+/// How many slots of a strip can hold a live plugin.
+std::size_t slotCount(const ChannelStrip& strip) {
+    return std::min(strip.pluginSlots.size(), session::pluginSlotsPerChannel);
+}
+
 } // namespace
 
 InsertRack::InsertRack(InsertRackOwner& rackOwner, const Services& rackServices)
@@ -150,10 +155,15 @@ void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe, RecordsF
     std::optional<std::vector<AVAudioUnitComponent>> installed;
     // A copy: who is told of a change may change the strips.
     for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
-        for (std::size_t index = 0; index < strip.pluginSlots.size(); ++index) {
+        for (std::size_t index = 0; index < slotCount(strip); ++index) {
             const PluginSlotKey key{strip.id, index};
             const PluginSlot& slot = strip.pluginSlots[index];
-            if (isLeftAlone(key) || !makeRoom(key, slot)) continue;
+            if (isLeftAlone(key)) continue;
+            if (!slot.component) {
+                unload(key);
+                continue;
+            }
+            if (isThere(key, *slot.component, slot.presetData)) continue;
             if (!installed) installed = availableInsertComponents(services.audioUnitHost);
             restoreSlot(key, slot, strip.name, *installed);
         }
@@ -168,25 +178,44 @@ bool InsertRack::isLiveOrLoading(const PluginSlotKey& key) const {
            || (found != states.end() && std::holds_alternative<load_state::Loading>(found->second));
 }
 
-bool InsertRack::makeRoom(const PluginSlotKey& key, const PluginSlot& slot) {
+bool InsertRack::isThere(
+    const PluginSlotKey& key, const session::AUComponentIdentity& identity, const PresetData& presetData
+) const {
     const LoadedInsertPlugin* const live = plugin(key);
-    if (live != nullptr && slot.component == identityOf(live->component)) return false;
-    unload(key);
-    return slot.component.has_value();
+    if (live != nullptr && identityOf(live->component) == identity) return true;
+    const auto found = pendingLoads.find(key);
+    const auto pending = found == pendingLoads.end() ? nullptr : found->second.lock();
+    return pending && identityOf(pending->component) == identity && pending->presetData == presetData;
+}
+
+void InsertRack::rename(const PluginSlotKey& key, const AVAudioUnitComponent& component) {
+    const PluginSlot* const existing = record(key);
+    if (existing == nullptr) return;
+    PluginSlot renamed = *existing;
+    renamed.pluginName = component.name;
+    renamed.component = identityOf(component);
+    owner.replaceSlot(key, std::move(renamed));
 }
 
 void InsertRack::restoreSlot(
     const PluginSlotKey& key, const PluginSlot& slot, const std::string& stripName,
     const std::vector<AVAudioUnitComponent>& installed
 ) {
-    const auto found = std::ranges::find(installed, *slot.component, identityOf);
-    if (found == installed.end()) {
+    const AVAudioUnitComponent* const found = componentFor(*slot.component, installed);
+    if (found == nullptr) {
+        unload(key);
         owner.setLastError(fmt::format(
             "Couldn't find installed plugin \"{}\" for {}, slot {} -- it may not be installed on this Mac.",
             slot.pluginName.value_or("?"), stripName, key.slot + 1
         ));
         return;
     }
+    const session::AUComponentIdentity identity = identityOf(*found);
+    if (identity != *slot.component) {
+        rename(key, *found);
+        if (isThere(key, identity, slot.presetData)) return;
+    }
+    unload(key);
     setLoadState(key, load_state::Loading{});
     instantiate(*found, key, slot.presetData);
 }
@@ -210,7 +239,7 @@ std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
 
 InsertRack::LivePlugins InsertRack::livePlugins() {
     auto laterLoads = std::make_shared<bool>(true);
-    LivePlugins now{loadedPlugins, owner.pluginLoadStates(), nullptr};
+    LivePlugins now{loadedPlugins, owner.pluginLoadStates(), nullptr, pendingLoads};
     now.loadsAreWanted = std::exchange(loadsAreWanted, std::move(laterLoads));
     return now;
 }
@@ -219,6 +248,7 @@ void InsertRack::takeBack(LivePlugins before) {
     *loadsAreWanted = false;
     loadsAreWanted = std::move(before.loadsAreWanted);
     loadedPlugins = std::move(before.plugins);
+    pendingLoads = std::move(before.pendingLoads);
     owner.setPluginLoadStates(std::move(before.loadStates));
 }
 
@@ -252,7 +282,7 @@ std::string InsertRack::giveUp(const PluginSlotKey& key, const std::shared_ptr<L
 const PluginSlot* InsertRack::record(const PluginSlotKey& key) const {
     const std::vector<ChannelStrip>& strips = owner.channelStrips();
     const auto strip = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
-    if (strip == strips.end() || key.slot >= strip->pluginSlots.size()) return nullptr;
+    if (strip == strips.end() || key.slot >= slotCount(*strip)) return nullptr;
     return &strip->pluginSlots[key.slot];
 }
 
@@ -267,6 +297,7 @@ void InsertRack::unload(const PluginSlotKey& key) {
         retired.add(found->second);
         loadedPlugins.erase(found);
     }
+    pendingLoads.erase(key);
     PluginLoadStates states = owner.pluginLoadStates();
     if (states.erase(key) > 0) owner.setPluginLoadStates(std::move(states));
 }
@@ -282,17 +313,21 @@ void InsertRack::unloadWhereNoSlotIs() {
 void InsertRack::instantiate(
     const AVAudioUnitComponent& component, const PluginSlotKey& key, PresetData presetData
 ) {
+    const auto load = std::make_shared<const Load>(Load{component, std::move(presetData)});
+    pendingLoads.insert_or_assign(key, load);
     services.audioUnitHost.instantiate(
         component.audioComponentDescription, 0,
-        [this, component, key, presetData = std::move(presetData), isWanted = loadsAreWanted,
+        [this, load, key, isWanted = loadsAreWanted,
          hop = onMainThread()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
-            hop([this, component, key, presetData, isWanted, unit = std::move(unit),
-                 error = std::move(error)] {
+            hop([this, load, key, isWanted, unit = std::move(unit), error = std::move(error)] {
                 if (!*isWanted) return;
+                const auto pending = pendingLoads.find(key);
+                if (pending != pendingLoads.end() && pending->second.lock() == load)
+                    pendingLoads.erase(pending);
                 if (unit && !error)
-                    finishLoad(unit, component, key, presetData);
+                    finishLoad(unit, load->component, key, load->presetData);
                 else
-                    fail(component, key, error);
+                    fail(load->component, key, error);
             });
         }
     );

@@ -56,9 +56,11 @@ class InsertRack final {
     void setBypassed(const PluginSlotKey& key, bool bypassed);
     /// Opens one more window for the editor of a live plugin.
     void openEditor(const PluginSlotKey& key);
-    /// Makes the live plugins match the slot records. Slots whose plugin is the record's keep it, settings
-    /// and all. Slots whose index is marked in `recallSafe` keep what they have; after a session, those with
-    /// no plugin that is live or being loaded follow their records too.
+    /// Makes the live plugins match the slot records, as far as a channel has slots; further records are only
+    /// kept. A plugin whose maker alone differs from the record's is taken, and the record follows it. Slots
+    /// whose plugin is the record's keep it, settings and all. Slots whose index is marked in `recallSafe`
+    /// keep what they have; after a session, those with no plugin that is live or being loaded follow their
+    /// records too.
     void restoreFromStrips(const std::vector<bool>& recallSafe, RecordsFrom source);
 
     /// Sets the live plugins up for the owner's rate where they are at another, with the settings they have;
@@ -72,11 +74,20 @@ class InsertRack final {
     /// The settings of every strip, with every live plugin and its present state in its slot's record.
     [[nodiscard]] std::vector<session::ChannelSettingsData> capturedChannels() const;
 
+    /// A load that is under way.
+    struct Load {
+        platform::AVAudioUnitComponent component;
+        PresetData presetData;
+    };
+    /// The last that was begun of each slot; gone where it could not be asked for.
+    using PendingLoads = std::unordered_map<PluginSlotKey, std::weak_ptr<const Load>>;
+
     /// The live plugins at one moment, to go back to.
     struct LivePlugins {
         std::unordered_map<PluginSlotKey, std::shared_ptr<LoadedInsertPlugin>> plugins;
         PluginLoadStates loadStates;
         std::shared_ptr<bool> loadsAreWanted;
+        PendingLoads pendingLoads;
     };
     [[nodiscard]] LivePlugins livePlugins();
     /// Makes those plugins the live ones again and forgets every load begun since, where no push of the
@@ -116,8 +127,12 @@ class InsertRack final {
     std::string giveUp(const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin);
     [[nodiscard]] std::string labelOf(const PluginSlotKey& key, const std::string& pluginName) const;
     [[nodiscard]] bool isLiveOrLoading(const PluginSlotKey& key) const;
-    /// Unloads what is not the record's plugin; whether that is yet to be loaded.
-    bool makeRoom(const PluginSlotKey& key, const session::PluginSlot& slot);
+    /// Whether the plugin is live, or being loaded with these settings.
+    [[nodiscard]] bool isThere(
+        const PluginSlotKey& key, const session::AUComponentIdentity& identity, const PresetData& presetData
+    ) const;
+    /// Makes the slot's record name another component, with the settings it has.
+    void rename(const PluginSlotKey& key, const platform::AVAudioUnitComponent& component);
     /// For a record that names a plugin.
     void restoreSlot(
         const PluginSlotKey& key, const session::PluginSlot& slot, const std::string& stripName,
@@ -134,6 +149,7 @@ class InsertRack final {
     InsertRackOwner& owner;
     Services services;
     std::unordered_map<PluginSlotKey, std::shared_ptr<LoadedInsertPlugin>> loadedPlugins;
+    PendingLoads pendingLoads;
     /// Lets an instance that arrives find out that its load was taken back.
     std::shared_ptr<bool> loadsAreWanted = std::make_shared<bool>(true);
     RetiredPlugins retired;

@@ -337,6 +337,60 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     }
 }
 
+TEST_F(InsertPlugins, AreTakenUnderAnotherMakersNameAndTheRecordFollows) {
+    start();
+    loadLive(mono, 0)->gain = 3.0F;
+    session::MixerDocumentData document = engine->makeDocumentData();
+    auto& slot = document.channels[0].pluginSlots[0];
+    slot.component->componentManufacturer = 77;
+    slot.pluginName = "Old name";
+    document.channels[1].pluginSlots[0] = slot;
+    const int before = audioUnitHost.instantiations;
+    engine->applyDocument(document);
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.instantiations, before + 1) << "the live one of strip 1 stays";
+    for (const std::size_t strip : {0U, 1U}) {
+        EXPECT_EQ(heard(strip), 3.0F);
+        EXPECT_EQ(record(0, strip).component, plugins::identityOf(mono));
+        EXPECT_EQ(record(0, strip).pluginName, "Mono");
+        EXPECT_EQ(record(0, strip).presetData, stateOf(3.0));
+    }
+}
+
+TEST_F(InsertPlugins, BeyondTheFifthSlotAreKeptOnRecordAlone) {
+    loadLive(mono, 0);
+    session::MixerDocumentData document = engine->makeDocumentData();
+    auto& slots = document.channels[0].pluginSlots;
+    slots.push_back(slots[0]);
+    const int before = audioUnitHost.instantiations;
+    engine->applyDocument(document);
+    engine->loadPlugin(stereo, 5, id(0));
+    mainThread.runPosted();
+    EXPECT_EQ(audioUnitHost.instantiations, before);
+    EXPECT_EQ(engine->makeDocumentData().channels[0].pluginSlots, slots);
+}
+
+TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
+    start();
+    engine->loadPlugin(mono, 0, id(0), stateOf(2.0));
+    engine->newSnapshot();
+    engine->loadPlugin(mono, 0, id(0), stateOf(5.0));
+    engine->newSnapshot();
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->removePlugin(0, id(0));
+    const struct {
+        std::int64_t scene;
+        std::size_t pending;
+    } recalls[] = {{0, 1}, {0, 1}, {1, 2}, {1, 2}, {0, 3}};
+    for (const auto& [scene, pending] : recalls) {
+        engine->recallSnapshot(scene);
+        EXPECT_EQ(audioUnitHost.pendingCount(), pending);
+    }
+    audioUnitHost.deliverAll();
+    mainThread.runPosted();
+    EXPECT_EQ(heard(), 2.0F);
+}
+
 TEST_F(InsertPlugins, InRecallSafeSlotsAreLeftAloneUnlessASessionFindsNone) {
     start();
     engine->setRecallSafe(true, 0);
