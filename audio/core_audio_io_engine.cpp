@@ -119,8 +119,7 @@ Outcome CoreAudioIOEngine::selectDevice() {
 Outcome CoreAudioIOEngine::agreeOnBufferSize() {
     BufferSizeAgreement agreement =
         negotiateBufferSize(hardware, configuration.deviceID, configuration.framesPerSlice);
-    // A device that runs shorter cycles now may yet do as it was asked.
-    effectiveFrameCount = std::max(agreement.frameCount, configuration.framesPerSlice);
+    effectiveFrameCount = agreement.frameCount;
     negotiationWarning = std::move(agreement.warning);
     bufferSizeWatch.emplace(
         hardware, configuration.deviceID, configuration.framesPerSlice, agreement.frameCount,

@@ -132,14 +132,14 @@ OSStatus AudioUnitInstance::renderInput(std::uint32_t bus, std::uint32_t frameCo
     const noexcept {
     if (bus != inputElement) return kAudioUnitErr_InvalidElement;
     if (frameCount > maximumFrames) return kAudioUnitErr_TooManyFramesToProcess;
-    if (frameCount != capturedFrames) return kAudioUnitErr_CannotDoInCurrentContext;
+    if (frameCount != sliceFrames) return kAudioUnitErr_CannotDoInCurrentContext;
     for (std::size_t channel = 0; channel < buffers.mBuffers.size(); ++channel) {
         const AudioBuffer& buffer = buffers.mBuffers[channel];
         if (buffer.mData == nullptr || buffer.mDataByteSize < frameCount * sizeof(float))
             return kAudioUnitErr_InvalidParameter;
         const std::span<float> samples(static_cast<float*>(buffer.mData), frameCount);
         if (channel < captured.size())
-            std::ranges::copy(captured[channel].first(frameCount), samples.begin());
+            std::ranges::copy(captured[channel].subspan(sliceStart, frameCount), samples.begin());
         else
             std::ranges::fill(samples, 0.0F);
     }
@@ -151,36 +151,56 @@ void AudioUnitInstance::cycle(
     std::size_t frameCount
 ) noexcept {
     const AudioThreadScope audioThread;
-    const auto frames = static_cast<std::uint32_t>(frameCount);
-    const AudioTimeStamp now{.mSampleTime = sampleTime, .mFlags = kAudioTimeStampSampleTimeValid};
-    sampleTime += static_cast<double>(frameCount);
-    if (enableInput != 0 && inputCallback.inputProc != nullptr) {
-        captured = inputs;
-        capturedFrames = frames;
-        AudioUnitRenderActionFlags flags = 0;
-        inputCallback.inputProc(inputCallback.inputProcRefCon, flags, now, inputElement, frames, nullptr);
-        captured = {};
-        capturedFrames = 0;
+    if (maximumFrames == 0) {
+        playSilence(outputs);
+        return;
     }
-    // A cycle longer than the unit was set up for is beyond its spare buffers and its caller's.
-    if (frames > maximumFrames || renderCallback.inputProc == nullptr) {
+    captured = inputs;
+    for (sliceStart = 0; sliceStart < frameCount; sliceStart += maximumFrames) {
+        const std::size_t left = frameCount - sliceStart;
+        sliceFrames = static_cast<std::uint32_t>(std::min<std::size_t>(left, maximumFrames));
+        captureSlice();
+        renderSlice(outputs);
+        sampleTime += static_cast<double>(sliceFrames);
+    }
+    captured = {};
+    sliceFrames = 0;
+}
+
+AudioTimeStamp AudioUnitInstance::now() const noexcept {
+    return {.mSampleTime = sampleTime, .mFlags = kAudioTimeStampSampleTimeValid};
+}
+
+void AudioUnitInstance::captureSlice() noexcept {
+    if (enableInput == 0 || inputCallback.inputProc == nullptr) return;
+    AudioUnitRenderActionFlags flags = 0;
+    inputCallback.inputProc(inputCallback.inputProcRefCon, flags, now(), inputElement, sliceFrames, nullptr);
+}
+
+void AudioUnitInstance::renderSlice(std::span<const std::span<float>> outputs) noexcept {
+    if (renderCallback.inputProc == nullptr) {
         playSilence(outputs);
         return;
     }
     for (std::size_t channel = 0; channel < outputBuffers.size(); ++channel)
         outputBuffers[channel] = channelBuffer(
-            channel < outputs.size() ? outputs[channel].data() : spareOutputs[channel].data(), frames
+            channel < outputs.size() ? outputs[channel].data() + sliceStart : spareOutputs[channel].data(),
+            sliceFrames
         );
     AudioBufferList list{outputBuffers};
     AudioUnitRenderActionFlags flags = 0;
-    const OSStatus status =
-        renderCallback.inputProc(renderCallback.inputProcRefCon, flags, now, outputElement, frames, &list);
-    playSilence(status == noErr ? outputs.subspan(std::min(outputs.size(), outputBuffers.size())) : outputs);
+    const OSStatus status = renderCallback.inputProc(
+        renderCallback.inputProcRefCon, flags, now(), outputElement, sliceFrames, &list
+    );
+    if (status != noErr)
+        playSilence(outputs);
+    else
+        playSilence(outputs.subspan(std::min(outputs.size(), outputBuffers.size())));
 }
 
 void AudioUnitInstance::playSilence(std::span<const std::span<float>> outputs) const noexcept {
     for (const std::span<float>& output : outputs)
-        std::ranges::fill(output, 0.0F);
+        std::ranges::fill(output.subspan(sliceStart, sliceFrames), 0.0F);
 }
 
 } // namespace orvane::platform

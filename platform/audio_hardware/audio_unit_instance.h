@@ -12,7 +12,8 @@
 namespace orvane::platform {
 
 /// The hardware output unit: takes properties, opens the device's stream, and turns the stream's cycles into
-/// the input and the render callback, one after the other. Main thread but for its cycles.
+/// the input and the render callback, one after the other. A cycle that is longer than the maximum slice is
+/// rendered in slices of at most that length. Main thread but for its cycles.
 class AudioUnitInstance final : public AudioStreamClient {
   public:
     explicit AudioUnitInstance(DeviceRegistry& deviceRegistry) : registry(deviceRegistry) {}
@@ -39,7 +40,10 @@ class AudioUnitInstance final : public AudioStreamClient {
 
   private:
     OSStatus setFormat(AudioStreamBasicDescription& format, std::span<const std::byte> data) const;
-    void playSilence(std::span<const std::span<float>> outputs) const noexcept;
+    [[nodiscard]] AudioTimeStamp now() const noexcept;
+    ORVANE_REALTIME void captureSlice() noexcept;
+    ORVANE_REALTIME void renderSlice(std::span<const std::span<float>> outputs) noexcept;
+    ORVANE_REALTIME void playSilence(std::span<const std::span<float>> outputs) const noexcept;
 
     DeviceRegistry& registry;
     std::uint32_t enableInput = 0;
@@ -58,9 +62,10 @@ class AudioUnitInstance final : public AudioStreamClient {
     std::vector<AudioBuffer> outputBuffers;
     std::vector<std::vector<float>> spareOutputs;
 
-    /// The cycle under way; the I/O thread's.
+    /// The cycle under way, and which of its frames are being rendered. I/O thread.
     std::span<const std::span<const float>> captured;
-    std::uint32_t capturedFrames = 0;
+    std::size_t sliceStart = 0;
+    std::uint32_t sliceFrames = 0;
     double sampleTime = 0.0;
 };
 

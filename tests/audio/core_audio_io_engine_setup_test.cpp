@@ -151,6 +151,10 @@ TEST_F(CoreAudioIOEngineSetup, WarnsOfADeviceThatKeepsAnotherSizeAndAdaptsToIt) 
         "app requests."
     );
     EXPECT_EQ(std::ranges::count(hardware.calls, "AudioUnitSetProperty 14 0 0 = 512"), 1);
+    hardware.devices[0].bufferSize = 128;
+    CoreAudioIOEngine shorter(hardware, configuration);
+    ASSERT_TRUE(shorter.setup());
+    EXPECT_EQ(shorter.maximumFrames(), 128U);
 }
 
 TEST_F(CoreAudioIOEngineSetup, WarnsOfADeviceThatRefusesTheRequest) {

@@ -68,9 +68,6 @@ TEST_F(CoreAudioIOEngineTest, ReadsLateCyclesAndPriorityFromTheUnit) {
 }
 
 TEST_F(CoreAudioIOEngineTest, HandsEachCapturedChannelToTheHandlerUnlessTheCaptureFails) {
-    // It may yet come to what was asked for.
-    hardware.devices[0].bufferSize = 128;
-    hardware.failures = {{"AudioObjectSetPropertyData", -1}};
     CoreAudioIOEngine engine(hardware, configuration);
     std::vector<std::size_t> handled;
     handled.reserve(8);

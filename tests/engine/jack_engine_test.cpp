@@ -13,9 +13,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cmath>
 #include <csignal>
 #include <cstddef>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <span>
 #include <string>
@@ -256,6 +259,87 @@ TEST_F(JackEngineTest, PlaysOnThroughFiftyChangesOfTheBufferSize) {
     ASSERT_TRUE(isHeard());
     engine.stop();
     start();
+}
+
+/// Plays a tone into the mix without a pause and keeps the least power of the cycles that come out of it.
+/// The server runs it before and after the mix in every cycle, so that no cycle comes back late.
+class LevelWatch final {
+  public:
+    explicit LevelWatch(const std::string& mixer) {
+        for (auto& [client, port, name, direction] : ends) {
+            client = jack_client_open(test::uniqueJackName(name).c_str(), JackNoStartServer, nullptr);
+            port = jack_port_register(client, "port", JACK_DEFAULT_AUDIO_TYPE, direction, 0);
+        }
+        jack_set_process_callback(player.client, play, this);
+        jack_set_process_callback(meter.client, measure, this);
+        for (const End& end : ends)
+            jack_activate(end.client);
+        jack_connect(player.client, jack_port_name(player.port), (mixer + ":in_1").c_str());
+        jack_connect(meter.client, (mixer + ":out_1").c_str(), jack_port_name(meter.port));
+    }
+    ~LevelWatch() {
+        for (const End& end : ends)
+            jack_client_close(end.client);
+    }
+    LevelWatch(const LevelWatch&) = delete;
+    LevelWatch& operator=(const LevelWatch&) = delete;
+
+    /// Returns once `count` cycles of `frameCount` frames have come out of the mix.
+    [[nodiscard]] bool awaitCycles(std::size_t frameCount, std::size_t count) {
+        cyclesOfSize.store(0);
+        sizeAwaited.store(frameCount);
+        return test::waitFor([&] { return cyclesOfSize.load() >= count; });
+    }
+
+    std::atomic<float> leastRMS = 1.0F;
+
+  private:
+    struct End {
+        jack_client_t* client;
+        jack_port_t* port;
+        const char* name;
+        unsigned long direction;
+    };
+
+    static int play(jack_nframes_t frameCount, void* self) noexcept {
+        auto* const samples =
+            static_cast<float*>(jack_port_get_buffer(static_cast<LevelWatch*>(self)->player.port, frameCount)
+            );
+        std::fill_n(samples, frameCount, 0.25F);
+        return 0;
+    }
+
+    static int measure(jack_nframes_t frameCount, void* self) noexcept {
+        auto& watch = *static_cast<LevelWatch*>(self);
+        const auto* const samples =
+            static_cast<const float*>(jack_port_get_buffer(watch.meter.port, frameCount));
+        const float power = std::inner_product(samples, samples + frameCount, samples, 0.0F);
+        const float rms = std::sqrt(power / static_cast<float>(frameCount));
+        watch.leastRMS.store(std::min(watch.leastRMS.load(), rms));
+        if (frameCount == watch.sizeAwaited.load()) watch.cyclesOfSize.fetch_add(1);
+        return 0;
+    }
+
+    End ends[2] = {
+        {nullptr, nullptr, "player", JackPortIsOutput}, {nullptr, nullptr, "meter", JackPortIsInput}};
+    End& player = ends[0];
+    End& meter = ends[1];
+    std::atomic<std::size_t> sizeAwaited = 0;
+    std::atomic<std::size_t> cyclesOfSize = 0;
+};
+
+TEST_F(JackEngineTest, KeepsItsLevelWhileAnotherClientChangesTheBufferSize) {
+    engine.setBypassed(engine.state().channelStrips.get()[0].id, true);
+    start();
+    LevelWatch watch(test::uniqueJackName("ORVANE"));
+    ASSERT_TRUE(watch.awaitCycles(period, 20));
+    JackPeer other("other", 1);
+    watch.leastRMS.store(1.0F);
+    for (const std::uint32_t size : {1024U, period, 8192U, 300U, period}) {
+        ASSERT_TRUE(other.setBufferSize(size));
+        ASSERT_TRUE(watch.awaitCycles(size, 20)) << size;
+        EXPECT_NEAR(watch.leastRMS.load(), 0.25F, 1e-3F) << size;
+    }
 }
 
 TEST_F(JackEngineTest, PlaysOnOrSaysWhyWhenAFrozenServerGoesOn) {
