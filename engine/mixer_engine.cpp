@@ -389,8 +389,9 @@ RunningAudio::Observer MixerEngine::makeObserver() {
             },
         .channelsLost = [this, onMainThread](const AudioDeviceInfo& device
                         ) { onMainThread([=, this] { reportLostChannels(device); }); },
-        .deviceDied = [this, onMainThread](const AudioDeviceInfo& device
-                      ) { onMainThread([=, this] { reportDeath(device); }); }};
+        .deviceDied = [this, onMainThread](
+                          RunningAudio::Role role, const AudioDeviceInfo& device
+                      ) { onMainThread([=, this] { reportDeath(role, device); }); }};
 }
 
 void MixerEngine::reportBufferSizeChange(
@@ -429,7 +430,16 @@ void MixerEngine::reportStandstill(const audio::MixerRealtimeState& state, bool 
     ));
 }
 
-void MixerEngine::reportDeath(const AudioDeviceInfo& device) {
+void MixerEngine::reportDeath(RunningAudio::Role role, const AudioDeviceInfo& device) {
+    if (role == RunningAudio::Role::master) {
+        running->dropMaster();
+        published.lastError.set(fmt::format(
+            "The master output device {} is gone, so the mix goes on without it; connect it again or select "
+            "another device, then stop and start the mixer.",
+            device.name
+        ));
+        return;
+    }
     stop();
     published.lastError.set(fmt::format(
         "The audio device {} is gone, so the mixer has stopped; connect it again or select another device.",

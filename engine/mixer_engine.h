@@ -224,7 +224,7 @@ class MixerEngine final {
         RunningAudio::Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount
     );
     void reportLostChannels(const audio::AudioDeviceInfo& device);
-    void reportDeath(const audio::AudioDeviceInfo& device);
+    void reportDeath(RunningAudio::Role role, const audio::AudioDeviceInfo& device);
     void reportStandstill(const audio::MixerRealtimeState& state, bool standsStill);
 
     const Services services;

@@ -141,10 +141,10 @@ RunningAudio::RunningAudio(
 }
 
 RunningAudio::~RunningAudio() {
-    for (const platform::AudioObjectPropertyListenerID listener : lossListeners)
-        hardware.AudioObjectRemovePropertyListenerBlock(listener);
+    stopListening(mainListeners);
+    stopListening(masterListeners);
     const bool mainHasEnded = letGo(mainIO);
-    const bool masterHasEnded = letGo(masterIO);
+    if (!letGo(masterIO)) masterHasEnded = false;
     const bool workersHaveEnded = !mainHasEnded || !state->insertWorkers || state->insertWorkers->end();
     if (mainHasEnded && masterHasEnded && workersHaveEnded) return;
     state->abandonInserts();
@@ -178,7 +178,7 @@ void RunningAudio::connect(const Devices& devices, const Observer& observer) {
                                                    device = devices.main](std::uint32_t frameCount) {
         observer.bufferSizeChanged(Role::main, device, frameCount);
     };
-    watch(devices.main, observer);
+    mainListeners = watch(Role::main, devices.main, observer);
     if (!masterIO) return;
     masterIO->outputProvider = [state = state](auto outputs, std::size_t frameCount) {
         audio::outputPull(state->masterOutputRingBuffers, outputs, frameCount);
@@ -187,24 +187,34 @@ void RunningAudio::connect(const Devices& devices, const Observer& observer) {
                                                      device = *devices.master](std::uint32_t frameCount) {
         observer.bufferSizeChanged(Role::master, device, frameCount);
     };
-    watch(*devices.master, observer);
+    masterListeners = watch(Role::master, *devices.master, observer);
 }
 
-void RunningAudio::watch(const audio::AudioDeviceInfo& device, const Observer& observer) {
-    listen(device, platform::kAudioDevicePropertyDeviceIsAlive, observer.deviceDied);
-    listen(device, platform::kAudioDevicePropertyStreamConfiguration, observer.channelsLost);
+RunningAudio::Listeners
+RunningAudio::watch(Role role, const audio::AudioDeviceInfo& device, const Observer& observer) {
+    Listeners listeners;
+    const auto listen = [&](std::uint32_t property, const std::function<void()>& tell) {
+        const auto registration = hardware.AudioObjectAddPropertyListenerBlock(
+            device.id, {property, platform::kAudioObjectPropertyScopeGlobal, 0}, [tell](auto) { tell(); }
+        );
+        // A device that cannot be watched is played all the same.
+        if (registration.status == platform::noErr) listeners.push_back(registration.listener);
+    };
+    listen(platform::kAudioDevicePropertyDeviceIsAlive, [=] { observer.deviceDied(role, device); });
+    listen(platform::kAudioDevicePropertyStreamConfiguration, [=] { observer.channelsLost(device); });
+    return listeners;
 }
 
-void RunningAudio::listen(
-    const audio::AudioDeviceInfo& device, std::uint32_t property,
-    const std::function<void(const audio::AudioDeviceInfo& device)>& tell
-) {
-    const auto registration = hardware.AudioObjectAddPropertyListenerBlock(
-        device.id, {property, platform::kAudioObjectPropertyScopeGlobal, 0},
-        [tell, device](auto) { tell(device); }
-    );
-    // A device that cannot be watched is played all the same.
-    if (registration.status == platform::noErr) lossListeners.push_back(registration.listener);
+void RunningAudio::stopListening(Listeners& listeners) {
+    for (const platform::AudioObjectPropertyListenerID listener : listeners)
+        hardware.AudioObjectRemovePropertyListenerBlock(listener);
+    listeners.clear();
+}
+
+void RunningAudio::dropMaster() {
+    stopListening(masterListeners);
+    if (masterIO) droppedXRuns += masterIO->xrunCount();
+    masterHasEnded = letGo(masterIO);
 }
 
 std::optional<std::string> RunningAudio::masterWarning() const {
@@ -212,7 +222,7 @@ std::optional<std::string> RunningAudio::masterWarning() const {
 }
 
 std::uint32_t RunningAudio::xrunCount() const {
-    return mainIO->xrunCount() + (masterIO ? masterIO->xrunCount() : 0);
+    return mainIO->xrunCount() + droppedXRuns + (masterIO ? masterIO->xrunCount() : 0);
 }
 
 } // namespace orvane::engine

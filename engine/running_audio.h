@@ -38,7 +38,7 @@ class RunningAudio final {
         std::function<void(Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount)>
             bufferSizeChanged;
         std::function<void(const audio::AudioDeviceInfo& device)> channelsLost;
-        std::function<void(const audio::AudioDeviceInfo& device)> deviceDied;
+        std::function<void(Role role, const audio::AudioDeviceInfo& device)> deviceDied;
     };
 
     /// What runs on the strips, and how many threads help with it.
@@ -67,6 +67,9 @@ class RunningAudio final {
     [[nodiscard]] dsp::AutomixProcessor& automix() { return *processor; }
     [[nodiscard]] const std::shared_ptr<audio::MixerRealtimeState>& realtimeState() const { return state; }
 
+    /// Gives the master device back, which is gone; the main device runs on, and the master bus is not heard.
+    void dropMaster();
+
     /// Late or lost cycles of both devices since the start, and the priority of the main I/O thread, 0 if
     /// none.
     [[nodiscard]] std::uint32_t xrunCount() const;
@@ -81,18 +84,22 @@ class RunningAudio final {
     /// All that the first cycle needs, for the block lengths that the devices agree to.
     void allocateFor(const Devices& devices, std::int64_t bufferSize);
     void connect(const Devices& devices, const Observer& observer);
-    void watch(const audio::AudioDeviceInfo& device, const Observer& observer);
-    void listen(
-        const audio::AudioDeviceInfo& device, std::uint32_t property,
-        const std::function<void(const audio::AudioDeviceInfo& device)>& tell
-    );
+
+    using Listeners = std::vector<platform::AudioObjectPropertyListenerID>;
+    [[nodiscard]] Listeners watch(Role role, const audio::AudioDeviceInfo& device, const Observer& observer);
+    void stopListening(Listeners& listeners);
 
     platform::AudioHardware& hardware;
     std::shared_ptr<dsp::AutomixProcessor> processor;
     std::shared_ptr<audio::MixerRealtimeState> state;
     std::unique_ptr<audio::CoreAudioIOEngine> mainIO;
     std::unique_ptr<audio::CoreAudioIOEngine> masterIO;
-    std::vector<platform::AudioObjectPropertyListenerID> lossListeners;
+    /// Counted by a master device that has been dropped.
+    std::uint32_t droppedXRuns = 0;
+    Listeners mainListeners;
+    Listeners masterListeners;
+    /// Whether a master device that was dropped no longer calls.
+    bool masterHasEnded = true;
 };
 
 /// Hands the input and output of every strip, and where the master bus goes, to the real-time state.

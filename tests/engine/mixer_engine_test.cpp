@@ -370,6 +370,29 @@ TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
     EXPECT_TRUE(isRunning());
 }
 
+TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
+    engine.selectMasterOutputDevice(device(monitor));
+    engine.setMasterOutputChannel(1);
+    startBypassed();
+    const std::string atStart = message();
+    driver->control(monitor)->die();
+    awaitMessage(engine, mainThread, atStart);
+    EXPECT_EQ(
+        message(),
+        "The master output device Monitor is gone, so the mix goes on without it; connect it again or "
+        "select another device, then stop and start the mixer."
+    );
+    EXPECT_EQ(step(interface, 100), 100U);
+    EXPECT_TRUE(isRunning());
+    EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
+    driver->control(monitor)->reappear();
+    engine.stop();
+    engine.start();
+    step();
+    EXPECT_EQ(step(monitor), 1U);
+    EXPECT_NE(masterOutput->playedLast[1], 0.0F);
+}
+
 TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
     startBypassed();
     const auto throwing =
