@@ -76,11 +76,7 @@ MixerEngine::~MixerEngine() {
 
 void MixerEngine::start() {
     if (published.isRunning.get()) return;
-    startWhole([this] {
-        // While the mixer was stopped, nobody told it of other rates or channels.
-        refreshDevices();
-        startOrThrow();
-    });
+    startWhole([this] { startOrThrow(); });
 }
 
 void MixerEngine::startWhole(const std::function<void()>& begin) {
@@ -97,6 +93,8 @@ void MixerEngine::startOrThrow() {
         published.lastError.set("No audio device selected.");
         return;
     }
+    // While the mixer was stopped, it did not learn of other rates or channels.
+    refreshDevices();
     const bool masterWasReset = validateMasterOutputRouting();
     const std::vector<std::string> refusals = pluginOperations.rack().followSampleRate();
     RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
@@ -387,6 +385,8 @@ RunningAudio::Observer MixerEngine::makeObserver() {
              onMainThread](RunningAudio::Role role, const AudioDeviceInfo& device, std::uint32_t frameCount) {
                 onMainThread([=, this] { reportBufferSizeChange(role, device, frameCount); });
             },
+        .sampleRateChanged = [this, onMainThread](const AudioDeviceInfo& device
+                             ) { onMainThread([=, this] { followSampleRate(device); }); },
         .channelsLost = [this, onMainThread](const AudioDeviceInfo& device
                         ) { onMainThread([=, this] { reportLostChannels(device); }); },
         .deviceDied = [this, onMainThread](
@@ -404,6 +404,23 @@ void MixerEngine::reportBufferSizeChange(
         isMain ? "The audio device's" : "The master output device's", frameCount, device.name,
         isMain ? " Closing other apps that use the same device may help." : ""
     ));
+}
+
+void MixerEngine::followSampleRate(const AudioDeviceInfo& device) {
+    refreshDevices();
+    const auto& devices = published.availableDevices.get();
+    const auto now = std::ranges::find(devices, device.id, &AudioDeviceInfo::id);
+    if (now == devices.end() || now->sampleRate == device.sampleRate) return;
+    std::string report = fmt::format(
+        "The audio device {} has changed from {:.0f} to {:.0f} Hz, so the mixer has started again at the new "
+        "rate.",
+        device.name, device.sampleRate, now->sampleRate
+    );
+    stop();
+    start();
+    if (!published.isRunning.get()) return;
+    append(report, published.lastError.get());
+    published.lastError.set(std::move(report));
 }
 
 void MixerEngine::reportLostChannels(const AudioDeviceInfo& device) {

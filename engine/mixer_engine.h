@@ -199,7 +199,7 @@ class MixerEngine final {
 
     /// Makes `begin` start the audio path, or stops what has begun where there is not enough memory.
     void startWhole(const std::function<void()>& begin);
-    /// Starts on the chosen devices as they were listed last; throws std::bad_alloc, half started, where
+    /// Starts on the chosen devices as they are now; throws std::bad_alloc, half started, where
     /// there is not enough memory. While stopped.
     void startOrThrow();
     /// Takes an offered size, and stops the engine for it; true where it is to be started again.
@@ -223,6 +223,7 @@ class MixerEngine final {
     void reportBufferSizeChange(
         RunningAudio::Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount
     );
+    void followSampleRate(const audio::AudioDeviceInfo& device);
     void reportLostChannels(const audio::AudioDeviceInfo& device);
     void reportDeath(RunningAudio::Role role, const audio::AudioDeviceInfo& device);
     void reportStandstill(const audio::MixerRealtimeState& state, bool standsStill);

@@ -201,6 +201,7 @@ RunningAudio::watch(Role role, const audio::AudioDeviceInfo& device, const Obser
         if (registration.status == platform::noErr) listeners.push_back(registration.listener);
     };
     listen(platform::kAudioDevicePropertyDeviceIsAlive, [=] { observer.deviceDied(role, device); });
+    listen(platform::kAudioDevicePropertyNominalSampleRate, [=] { observer.sampleRateChanged(device); });
     listen(platform::kAudioDevicePropertyStreamConfiguration, [=] { observer.channelsLost(device); });
     return listeners;
 }

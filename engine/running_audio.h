@@ -37,6 +37,8 @@ class RunningAudio final {
     struct Observer {
         std::function<void(Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount)>
             bufferSizeChanged;
+        /// `device` has the rate that the run was started at.
+        std::function<void(const audio::AudioDeviceInfo& device)> sampleRateChanged;
         std::function<void(const audio::AudioDeviceInfo& device)> channelsLost;
         std::function<void(Role role, const audio::AudioDeviceInfo& device)> deviceDied;
     };

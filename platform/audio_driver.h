@@ -72,6 +72,8 @@ class AudioStream {
 enum class AudioDeviceChange {
     /// Its buffer size, at whoever's request.
     bufferSize,
+    /// Its sample rate; a stream that is open runs on at the new one.
+    sampleRate,
     /// Some channels of its stream are silent for good, while others go on: one of the interfaces that it
     /// consists of is gone. Told once a stream.
     lostChannels,

@@ -40,7 +40,7 @@ inline constexpr std::uint32_t kAudioObjectPropertyName = fourCharCode("lnam");
 /// Of a device, per scope: a StreamConfiguration; size 0 where the device has no such stream. To be listened
 /// to: told when channels of a stream that is open are gone.
 inline constexpr std::uint32_t kAudioDevicePropertyStreamConfiguration = fourCharCode("slay");
-/// Of a device: a double, in Hz.
+/// Of a device: a double, in Hz; to be listened to.
 inline constexpr std::uint32_t kAudioDevicePropertyNominalSampleRate = fourCharCode("nsrt");
 /// Of a device: an unsigned 32-bit number of frames; to be set and listened to.
 inline constexpr std::uint32_t kAudioDevicePropertyBufferFrameSize = fourCharCode("fsiz");

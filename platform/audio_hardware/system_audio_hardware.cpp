@@ -37,6 +37,8 @@ std::optional<AudioDeviceChange> changeOf(std::uint32_t selector) {
     switch (selector) {
     case kAudioDevicePropertyBufferFrameSize:
         return AudioDeviceChange::bufferSize;
+    case kAudioDevicePropertyNominalSampleRate:
+        return AudioDeviceChange::sampleRate;
     case kAudioDevicePropertyStreamConfiguration:
         return AudioDeviceChange::lostChannels;
     case kAudioDevicePropertyDeviceIsAlive:

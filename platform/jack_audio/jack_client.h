@@ -37,6 +37,9 @@ class JackClient final {
     /// many names set, leaves the server waiting for good. Only within a call of `use`.
     void setPrettyName(jack_uuid_t subject, const std::string& prettyName);
 
+    /// Whether libjack is PipeWire's. Any thread.
+    [[nodiscard]] static bool isPipeWire();
+
     /// Ends the client's part in the server's cycles, also where the server is gone: no process callback is
     /// running when it returns and none comes after.
     void deactivate();

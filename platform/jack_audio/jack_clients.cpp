@@ -28,6 +28,7 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     jack_set_process_callback(handle, nullptr, nullptr);
     jack_set_xrun_callback(handle, nullptr, nullptr);
     jack_set_buffer_size_callback(handle, nullptr, nullptr);
+    jack_set_sample_rate_callback(handle, nullptr, nullptr);
     jack_set_port_registration_callback(handle, nullptr, nullptr);
     jack_set_client_registration_callback(handle, nullptr, nullptr);
     // The server answers once the thread has seen this and all that came before it.
@@ -37,11 +38,6 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     }
     for (auto waited = pause; !isGone.load() && waited < longestEnding; waited += pause)
         std::this_thread::sleep_for(pause);
-}
-
-/// Whether libjack is PipeWire's.
-bool isPipeWire() {
-    return std::string_view(jack_get_version_string()).find("PipeWire") != std::string_view::npos;
 }
 
 /// Nothing where the server gives clients none.
@@ -112,6 +108,10 @@ void JackClient::close() {
     jack_client_close(handle);
     handle = nullptr;
     gone.store(true);
+}
+
+bool JackClient::isPipeWire() {
+    return std::string_view(jack_get_version_string()).find("PipeWire") != std::string_view::npos;
 }
 
 void JackClient::setPrettyName(jack_uuid_t subject, const std::string& prettyName) {

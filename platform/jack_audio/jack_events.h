@@ -24,6 +24,7 @@ enum class JackEvent : std::uint32_t {
     portsAdded = 16,
     /// MIDI messages have come in, or gone out.
     messages = 32,
+    sampleRateChanged = 64,
 };
 
 /// Hands events from libjack's threads, on which libjack may not be called, to one thread that waits for

@@ -109,7 +109,9 @@ bool JackServer::open() {
     bool isActive = false;
     client->use([&](jack_client_t* jack) {
         lastBufferSize.store(jack_get_buffer_size(jack));
+        lastSampleRate.store(jack_get_sample_rate(jack));
         jack_set_buffer_size_callback(jack, jackCallback<int, &JackServer::bufferSizeChanged>, this);
+        jack_set_sample_rate_callback(jack, jackCallback<int, &JackServer::sampleRateChanged>, this);
         // A client that closes tells of its ports while they are still listed, of itself once they are not.
         jack_set_port_registration_callback(jack, jackCallback<void, &JackServer::portChanged>, this);
         jack_set_client_registration_callback(jack, jackCallback<void, &JackServer::clientChanged>, this);
@@ -134,6 +136,12 @@ void JackServer::bufferSizeChanged(jack_nframes_t frameCount, void* self) noexce
     if (server.lastBufferSize.exchange(frameCount) != frameCount)
         for (JackEvents* const told : {&server.bufferSizeChanges, &server.events})
             told->post(JackEvent::bufferSizeChanged);
+}
+
+void JackServer::sampleRateChanged(jack_nframes_t sampleRate, void* self) noexcept {
+    auto& server = *static_cast<JackServer*>(self);
+    if (server.lastSampleRate.exchange(sampleRate) != sampleRate)
+        server.events.post(JackEvent::sampleRateChanged);
 }
 
 void JackServer::portChanged(jack_port_id_t, int isRegistered, void* self) noexcept {

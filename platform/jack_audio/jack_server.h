@@ -59,6 +59,7 @@ class JackServer final {
     bool open();
     std::optional<JackServerState> readState();
     static void bufferSizeChanged(jack_nframes_t frameCount, void* self) noexcept;
+    static void sampleRateChanged(jack_nframes_t sampleRate, void* self) noexcept;
     static void portChanged(jack_port_id_t port, int isRegistered, void* self) noexcept;
     static void clientChanged(const char* name, int isRegistered, void* self) noexcept;
 
@@ -69,6 +70,7 @@ class JackServer final {
     std::unique_ptr<JackClient> client;
     std::atomic<std::uint32_t> lastBufferSize = 0;
     JackEvents bufferSizeChanges;
+    std::atomic<std::uint32_t> lastSampleRate = 0;
 };
 
 } // namespace orvane::platform

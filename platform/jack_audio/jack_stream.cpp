@@ -3,7 +3,8 @@
 #include "platform/flush_denormals.h"
 #include "platform/jack_audio/jack_callback.h"
 
-#include <jack/thread.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -50,12 +51,20 @@ bool JackStream::prepare() {
         isPrepared = inputs.registerPorts(client, "in_", JackPortIsInput)
                      && outputs.registerPorts(client, "out_", JackPortIsOutput)
                      && jack_set_process_callback(client, jackCallback<int, &JackStream::process>, this) == 0
-                     && jack_set_xrun_callback(client, jackCallback<int, &JackStream::countXrun>, this) == 0;
+                     && countXruns(client);
         if (!isPrepared) return;
         inputs.namePorts(*jackClient, "Input");
         outputs.namePorts(*jackClient, "Output");
     });
     return isPrepared;
+}
+
+bool JackStream::countXruns(jack_client_t* client) {
+    if (JackClient::isPipeWire()) {
+        silentAboutXruns = client;
+        return true;
+    }
+    return jack_set_xrun_callback(client, jackCallback<int, &JackStream::countXrun>, this) == 0;
 }
 
 template <class Sample>
@@ -93,9 +102,10 @@ OSStatus JackStream::start() {
 OSStatus JackStream::activate(jack_client_t* client) {
     xruns.store(0);
     gate.open();
+    ioThread.store(0);
+    gaps.reset();
     // The server has gone and we have not been told yet.
     if (jack_activate(client) != 0) return kAudioHardwareBadDeviceError;
-    priority.store(jack_is_realtime(client) != 0 ? jack_client_real_time_priority(client) : 0);
     return connect(client) ? noErr : kAudioHardwareBadDeviceError;
 }
 
@@ -119,9 +129,15 @@ bool JackStream::stop() {
     else
         // libjack would wait for the process thread without bound.
         jackClient->abandon();
-    priority.store(0);
+    ioThread.store(0);
     isRunning = false;
     return hasEnded;
+}
+
+int JackStream::realtimePriority() const noexcept {
+    sched_param parameters{};
+    const pid_t thread = ioThread.load();
+    return thread != 0 && ::sched_getparam(thread, &parameters) == 0 ? parameters.sched_priority : 0;
 }
 
 std::size_t JackStream::maximumFrames() const {
@@ -138,6 +154,7 @@ void JackStream::Side<Sample>::takeBlocks(jack_nframes_t frameCount) noexcept {
 void JackStream::process(jack_nframes_t frameCount, void* self) noexcept {
     const FlushDenormals flushing;
     auto& stream = *static_cast<JackStream*>(self);
+    stream.observeCycle(frameCount);
     stream.inputs.takeBlocks(frameCount);
     stream.outputs.takeBlocks(frameCount);
     const bool goesOn = stream.gate.pass([&] {
@@ -146,6 +163,13 @@ void JackStream::process(jack_nframes_t frameCount, void* self) noexcept {
     if (goesOn) return;
     for (const std::span<float>& block : stream.outputs.blocks)
         std::ranges::fill(block, 0.0F);
+}
+
+void JackStream::observeCycle(jack_nframes_t frameCount) noexcept {
+    // The one system call of the thread, in its first cycle.
+    if (ioThread.load() == 0) ioThread.store(::gettid());
+    if (silentAboutXruns != nullptr && gaps.isBefore(jack_last_frame_time(silentAboutXruns), frameCount))
+        xruns.fetch_add(1);
 }
 
 void JackStream::countXrun(void* self) noexcept {

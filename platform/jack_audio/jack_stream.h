@@ -3,10 +3,13 @@
 #include "dsp/realtime.h"
 #include "platform/audio_driver.h"
 #include "platform/cycle_gate.h"
+#include "platform/jack_audio/frame_gaps.h"
 #include "platform/jack_audio/jack_client.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/jack_audio/jack_devices.h"
 #include "platform/jack_audio/jack_events.h"
+
+#include <sys/types.h>
 
 #include <atomic>
 #include <cstddef>
@@ -31,7 +34,7 @@ class JackStream final : public AudioStream {
     bool stop() override;
     [[nodiscard]] std::size_t maximumFrames() const override;
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return xruns.load(); }
-    [[nodiscard]] int realtimePriority() const noexcept override { return priority.load(); }
+    [[nodiscard]] int realtimePriority() const noexcept override;
 
   private:
     /// Our ports on one side and the device's ports that they are connected to.
@@ -49,9 +52,12 @@ class JackStream final : public AudioStream {
 
     JackStream(const JackDevice& device, AudioStreamClient& cycleClient);
     bool prepare();
+    /// Never in two ways at once, so that none is counted twice.
+    bool countXruns(jack_client_t* client);
     OSStatus activate(jack_client_t* client);
     [[nodiscard]] bool connect(jack_client_t* client) const;
     ORVANE_REALTIME static void process(jack_nframes_t frameCount, void* self) noexcept;
+    ORVANE_REALTIME void observeCycle(jack_nframes_t frameCount) noexcept;
     static void countXrun(void* self) noexcept;
 
     AudioStreamClient& streamClient;
@@ -59,7 +65,11 @@ class JackStream final : public AudioStream {
     Side<const float> inputs;
     Side<float> outputs;
     std::atomic<std::uint32_t> xruns = 0;
-    std::atomic<int> priority = 0;
+    /// The process thread since the first cycle, 0 before.
+    std::atomic<pid_t> ioThread = 0;
+    /// The client, if cycles that are missed show in their times only, as PipeWire does not report them.
+    jack_client_t* silentAboutXruns = nullptr;
+    FrameGaps gaps;
     bool isRunning = false;
     /// Last, so that it closes before what its callbacks use goes.
     std::unique_ptr<JackClient> jackClient;

@@ -102,13 +102,14 @@ void JackWatches::run() {
         // Whoever is told is not to find its devices still there.
         if (isServerGone) server.awaitEnd();
         if (isServerGone || contains(taken, JackEvent::portsRemoved)) tellLosses(isServerGone);
-        if (contains(taken, JackEvent::bufferSizeChanged)) tellBufferSize();
+        if (contains(taken, JackEvent::bufferSizeChanged)) tellAll(AudioDeviceChange::bufferSize);
+        if (contains(taken, JackEvent::sampleRateChanged)) tellAll(AudioDeviceChange::sampleRate);
     }
 }
 
-void JackWatches::tellBufferSize() {
+void JackWatches::tellAll(AudioDeviceChange change) {
     for (const auto& entry : livingEntries())
-        if (entry->isDeviceAlive.load()) entry->tell(AudioDeviceChange::bufferSize);
+        if (entry->isDeviceAlive.load()) entry->tell(change);
 }
 
 void JackWatches::tellLosses(bool isServerGone) {

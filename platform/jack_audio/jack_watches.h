@@ -36,7 +36,7 @@ class JackWatches final {
     struct Entry;
 
     void run();
-    void tellBufferSize();
+    void tellAll(AudioDeviceChange change);
     void tellLosses(bool isServerGone);
     std::optional<AudioDeviceChange> lossOf(const Entry& entry, const JackServerState& state);
     std::vector<std::shared_ptr<Entry>> livingEntries();

@@ -2,6 +2,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "support/alsa_fixture.h"
+#include "support/fake_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_hardware.h"
 #include "support/scripted_audio_unit.h"
@@ -121,7 +122,7 @@ TEST(DriverFaults, AFailedStartSaysWhyAlsoWhereItsDeviceIsToldToBeGone) {
     EXPECT_THAT(mixer.message(), StartsWith("Failed to start audio engine: "));
 }
 
-TEST(DriverFaults, AStartTakesTheDevicesAsTheyAreAndARestartDoesNotAskForThem) {
+TEST(DriverFaults, AStartAndARestartTakeTheDevicesAsTheyAre) {
     test::ScriptedAudioHardware hardware;
     hardware.devices = mainAndMaster();
     Mixer mixer(hardware);
@@ -131,12 +132,39 @@ TEST(DriverFaults, AStartTakesTheDevicesAsTheyAreAndARestartDoesNotAskForThem) {
         mixer.engine.start();
         EXPECT_EQ(mixer.engine.state().selectedDevice.get()->sampleRate, rate);
         EXPECT_EQ(mixer.audioUnitHost.expectedSampleRate, rate);
-        hardware.calls.clear();
+        hardware.devices[0].sampleRate = rate / 2.0;
         mixer.engine.setBufferSize(rate == 44100.0 ? 64 : 128);
         EXPECT_TRUE(mixer.isRunning());
-        EXPECT_EQ(countOf(hardware.calls, "AudioObjectGetPropertyData 1"), 0U);
+        EXPECT_EQ(mixer.engine.state().selectedDevice.get()->sampleRate, rate / 2.0);
         mixer.engine.stop();
     }
+}
+
+TEST(DriverFaults, ARunFollowsItsDeviceToAnotherRateAndSaysSo) {
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    auto made = std::make_unique<test::FakeAudioDriver>(std::vector<platform::AudioDriverDevice>{
+        {"fake:card", "Card", 2, 2, 48000.0}});
+    test::FakeAudioDriver& driver = *made;
+    drivers.push_back(std::move(made));
+    platform::SystemAudioHardware hardware(std::move(drivers));
+    Mixer mixer(hardware);
+    mixer.engine.selectDevice(mixer.device(0));
+    mixer.engine.start();
+    ASSERT_TRUE(mixer.isRunning()) << mixer.message();
+    const auto tell = [&] {
+        driver.tell(platform::AudioDeviceChange::sampleRate);
+        mixer.mainThread.runPosted();
+    };
+    tell();
+    EXPECT_EQ(mixer.message(), "") << "told of the rate that it has";
+    driver.present[0].sampleRate = 44100.0;
+    tell();
+    EXPECT_TRUE(mixer.isRunning());
+    EXPECT_EQ(mixer.engine.state().selectedDevice.get()->sampleRate, 44100.0);
+    EXPECT_EQ(
+        mixer.message(), "The audio device Card has changed from 48000 to 44100 Hz, so the mixer has started "
+                         "again at the new rate."
+    );
 }
 
 TEST(DriverFaults, AnyCallOfAStopMayFail) {
