@@ -35,6 +35,8 @@ void addOptions(CLI::App& program, CommandLine& line) {
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
+    program.add_option("--rate", line.machine.sampleRate, "Sample rate in Hz; otherwise the device's")
+        ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
     program.add_flag(
         "--start", line.launch.start, "Start audio, on the first usable device if none is named"
     );

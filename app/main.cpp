@@ -6,6 +6,7 @@
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
+#include "machine/memory_lock.h"
 #include "machine/process.h"
 #include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
@@ -100,6 +101,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
         }
     }
     line.launch.device = audioMachine.mainUID;
+    line.launch.sampleRate = line.machine.sampleRate;
 
     ui::QtMainThread mainThread;
     platform::FilePreferences preferences = makePreferences();
@@ -151,6 +153,7 @@ int main(int argc, char** argv) {
     machine::prepareProcess();
     auto line = app::readCommandLine(argc, argv);
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
+    machine::lockMemory();
     auto& options = std::get<app::CommandLine>(line);
     const auto application = makeApplication(argc, argv);
     const auto managed = app::ManagedSession::join(argv[0]);
@@ -164,7 +167,8 @@ int main(int argc, char** argv) {
         if (managed) managed->refuse(audioMachine.error().description);
         return EXIT_FAILURE;
     }
-    if (const auto advice = machine::realtimeAdvice()) app::printMessage(*advice);
+    if (const auto advice = machine::realtimeAdvice(audioMachine.value()->priorityLender()))
+        app::printMessage(*advice);
     int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
     if (reportRecording(*audioMachine.value(), nullptr)) exitCode = EXIT_FAILURE;
     audioMachine.value()->log.flush();

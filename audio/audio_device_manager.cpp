@@ -73,6 +73,16 @@ AudioDeviceManager::Result<std::vector<AudioDeviceInfo>> AudioDeviceManager::all
     return devices;
 }
 
+AudioDeviceManager::Result<AudioDeviceInfo> AudioDeviceManager::device(AudioObjectID id) {
+    std::uint32_t isAlive = 0;
+    const PropertySize read = hardware.AudioObjectGetPropertyData(
+        id, globalAddress(kAudioDevicePropertyDeviceIsAlive), platform::writableBytesOf(isAlive)
+    );
+    if (read.status != noErr)
+        return AudioDeviceManagerError::propertyQueryFailed(read.status, "kAudioDevicePropertyDeviceIsAlive");
+    return describe(id);
+}
+
 AudioDeviceManager::Result<AudioDeviceInfo> AudioDeviceManager::describe(AudioObjectID device) {
     const auto uid = stringProperty(device, kAudioDevicePropertyDeviceUID);
     if (!uid) return uid.error();

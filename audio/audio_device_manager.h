@@ -39,6 +39,9 @@ class AudioDeviceManager final {
     /// fails only where the list itself cannot be read.
     Result<std::vector<AudioDeviceInfo>> allDevices();
 
+    /// One device as it is now, asked without any other. Fails if it is gone or cannot be described in full.
+    Result<AudioDeviceInfo> device(platform::AudioObjectID id);
+
     /// Channels over all streams of a device in `scope`, input or output; 0 where it has no streams there.
     Result<std::int64_t> channelCount(platform::AudioObjectID device, std::uint32_t scope);
 

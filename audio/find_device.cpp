@@ -28,4 +28,15 @@ Result<AudioDeviceInfo> findDevice(
     return Error{fmt::format("There is no audio device {}; orvane-cli devices lists those there are.", *uid)};
 }
 
+std::optional<std::string>
+rateProblem(const AudioDeviceInfo& device, const std::optional<unsigned>& wantedRate) {
+    if (!wantedRate || device.sampleRate == *wantedRate) return std::nullopt;
+    return fmt::format(
+        "The audio device {} runs at {:.0f} Hz and not at {} Hz; name a rate that it has (--rate), or leave "
+        "the "
+        "rate out.",
+        device.uid, device.sampleRate, *wantedRate
+    );
+}
+
 } // namespace orvane::audio

@@ -17,4 +17,9 @@ platform::Result<AudioDeviceInfo> findDevice(
     const std::optional<std::string>& uid
 );
 
+/// Why a device cannot run at the rate that was asked for, in Hz, as one sentence; nothing if it can or no
+/// rate was asked for.
+std::optional<std::string>
+rateProblem(const AudioDeviceInfo& device, const std::optional<unsigned>& wantedRate);
+
 } // namespace orvane::audio

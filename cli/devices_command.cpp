@@ -27,7 +27,24 @@ struct DevicesOptions {
     bool asJSON = false;
 };
 
-std::string deviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
+/// The real-time priority that audio threads get, as a number and as a line.
+struct Priority {
+    int value;
+    std::string sentence;
+};
+
+Priority priorityOn(machine::AudioMachine& machine) {
+    if (const int own = platform::obtainableRealtimePriority(); own > 0)
+        return {
+            own, fmt::format("Audio threads of ALSA and virtual devices get real-time priority {}.\n", own)};
+    if (const int lent = machine.priorityLender().obtainable(); lent > 0)
+        return {
+            lent,
+            fmt::format("Audio threads of ALSA devices get real-time priority {} from RealtimeKit.\n", lent)};
+    return {0, "Audio threads of ALSA and virtual devices get no real-time priority here.\n"};
+}
+
+std::string deviceTable(const std::vector<audio::AudioDeviceInfo>& devices, const Priority& priority) {
     std::string table = fmt::format("{:<28} {:<32} {:>3} {:>4} {:>8}\n", "uid", "name", "in", "out", "Hz");
     for (const audio::AudioDeviceInfo& device : devices)
         table += fmt::format(
@@ -35,15 +52,12 @@ std::string deviceTable(const std::vector<audio::AudioDeviceInfo>& devices, int 
             platform::plainText(device.name), device.inputChannelCount, device.outputChannelCount,
             device.sampleRate
         );
-    table +=
-        priority > 0
-            ? fmt::format("Audio threads of ALSA and virtual devices get real-time priority {}.\n", priority)
-            : "Audio threads of ALSA and virtual devices get no real-time priority here.\n";
+    table += priority.sentence;
     return table;
 }
 
-std::string devicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, int priority) {
-    nlohmann::json document = {{"realtimePriority", priority}, {"devices", nlohmann::json::array()}};
+std::string devicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, const Priority& priority) {
+    nlohmann::json document = {{"realtimePriority", priority.value}, {"devices", nlohmann::json::array()}};
     for (const audio::AudioDeviceInfo& device : devices)
         document["devices"].push_back(
             {{"uid", device.uid},
@@ -73,7 +87,7 @@ int listDevices(const DevicesOptions& options) {
         return 1;
     }
     const auto text = options.asJSON ? devicesAsJSON : deviceTable;
-    return printResult(text(engine.state().availableDevices.get(), platform::obtainableRealtimePriority()));
+    return printResult(text(engine.state().availableDevices.get(), priorityOn(audioMachine)));
 }
 
 } // namespace

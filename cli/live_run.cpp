@@ -1,5 +1,6 @@
 #include "cli/live_run.h"
 
+#include "audio/audio_device_manager.h"
 #include "audio/find_device.h"
 #include "cli/await_plugins.h"
 #include "cli/message.h"
@@ -9,6 +10,7 @@
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
 #include "machine/interrupt.h"
+#include "machine/memory_lock.h"
 #include "machine/process.h"
 #include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
@@ -75,7 +77,7 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
-        const auto main = audio::findDevice(machine.hardware(), devices, machine.mainUID);
+        const auto main = findDevice(devices, machine.mainUID);
         if (!main) return main.error();
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
@@ -94,7 +96,7 @@ class LiveRun final {
         // Before the mix is set up: a routing of the master bus that the device lacks is for the start to
         // tell.
         if (options.masterDevice) {
-            const auto master = audio::findDevice(machine.hardware(), devices, options.masterDevice);
+            const auto master = findDevice(devices, options.masterDevice);
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
@@ -107,11 +109,16 @@ class LiveRun final {
 
     Result<Done> run() {
         // What needs threads, before there is a mix that would end where the system has none left.
-        const std::optional<std::string> advice = machine::realtimeAdvice();
+        const std::optional<std::string> advice = machine::realtimeAdvice(machine.priorityLender());
         if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
         engine->start();
         const std::optional<std::string>& message = engine->state().lastError.get();
-        if (!engine->state().isRunning.get()) return Error{message.value_or("The mixer did not start.")};
+        if (!engine->state().isRunning.get())
+            // The name of a device in use says by which program.
+            return Error{fmt::format(
+                "{}: {}", engine->state().selectedDevice.get()->name,
+                message.value_or("The mixer did not start.")
+            )};
         if (message) printMessage(*message);
         printSentence(advice);
         if (const auto* const recorder = machine.recorder();
@@ -146,6 +153,18 @@ class LiveRun final {
     }
 
   private:
+    /// The device as it is once other programs have let go of it.
+    Result<AudioDeviceInfo>
+    findDevice(const std::vector<AudioDeviceInfo>& devices, const std::optional<std::string>& uid) {
+        auto found = audio::findDevice(machine.hardware(), devices, uid);
+        if (!found) return found;
+        const auto now = audio::AudioDeviceManager(machine.hardware()).device(found.value().id);
+        const AudioDeviceInfo& device = now ? now.value() : found.value();
+        if (auto problem = audio::rateProblem(device, options.machine.sampleRate))
+            return Error{*std::move(problem)};
+        return device;
+    }
+
     Result<Done> armLearn() {
         if (!options.learn) return Done{};
         engine->selectSnapshot(*options.learn - 1);
@@ -306,6 +325,7 @@ int runLive(const LiveRunOptions& options) {
         if (!outcome) printMessage(outcome.error().description);
         return outcome ? 0 : 1;
     };
+    machine::lockMemory();
     platform::RunLoop loop;
     auto machine = machine::AudioMachine::make(options.machine);
     if (!machine) return report(machine.error());

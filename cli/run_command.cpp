@@ -37,6 +37,8 @@ void addRunCommand(CLI::App& program, Action& action) {
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
+    command->add_option("--rate", options->machine.sampleRate, "Sample rate in Hz; otherwise the device's")
+        ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
     command->add_option("--midi-source", options->midiSource, "Id of the MIDI source; otherwise all of them");
     command->add_option(
         "--learn", options->learn, "Snapshot of the session, from 1, that the next note recalls from then on"

@@ -94,7 +94,7 @@ void MixerEngine::startOrThrow() {
         return;
     }
     // While the mixer was stopped, it did not learn of other rates or channels.
-    refreshDevices();
+    describeChosenDevices();
     const bool masterWasReset = validateMasterOutputRouting();
     const std::vector<std::string> refusals = pluginOperations.rack().followSampleRate();
     RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
@@ -156,16 +156,23 @@ void MixerEngine::refreshDevices() {
         return device.inputChannelCount < 1 && device.outputChannelCount < 1;
     });
     published.availableDevices.set(std::move(devices).value());
-    updateChosenDevices();
+    for (const AudioDeviceInfo& device : published.availableDevices.get())
+        updateChosenDevices(device);
 }
 
-void MixerEngine::updateChosenDevices() {
-    for (const AudioDeviceInfo& device : published.availableDevices.get())
-        for (auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice}) {
-            const std::optional<AudioDeviceInfo>& known = chosen->get();
-            if (known && known->id == device.id && known->uid == device.uid && *known != device)
-                chosen->set(device);
-        }
+void MixerEngine::describeChosenDevices() {
+    audio::AudioDeviceManager manager(services.audioHardware);
+    for (const auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice})
+        if (const auto& known = chosen->get())
+            if (const auto device = manager.device(known->id)) updateChosenDevices(device.value());
+}
+
+void MixerEngine::updateChosenDevices(const AudioDeviceInfo& device) {
+    for (auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice}) {
+        const std::optional<AudioDeviceInfo>& known = chosen->get();
+        if (known && known->id == device.id && known->uid == device.uid && *known != device)
+            chosen->set(device);
+    }
 }
 
 void MixerEngine::selectDevice(const AudioDeviceInfo& device) {

@@ -211,9 +211,11 @@ class MixerEngine final {
     void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
     void pushStrips();
     void pushRouting(const session::MasterOutputRouting& master);
-    /// Takes what the list says of the chosen devices, which may have come back at another rate or with other
+    /// Asks after the chosen devices, and no others, which may have come back at another rate or with other
     /// channels.
-    void updateChosenDevices();
+    void describeChosenDevices();
+    /// Takes the description over if the device is a chosen one.
+    void updateChosenDevices(const audio::AudioDeviceInfo& device);
     /// True if it took the master bus off outputs that do not exist.
     bool validateMasterOutputRouting();
     [[nodiscard]] std::int64_t masterCapacity() const;

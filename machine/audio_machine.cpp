@@ -98,7 +98,11 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
     if (isWanted("jack"))
         drivers.push_back(std::make_unique<platform::JackAudioDriver>(machine->jackClients));
-    if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::AlsaAudioDriver>());
+    if (isWanted("alsa"))
+        drivers.push_back(std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
+            .sampleRate = options.sampleRate,
+            .reservations = &machine->reservations,
+            .priorityLender = &machine->realtimeKit}));
     if (isWanted("virtual"))
         drivers.push_back(std::make_unique<platform::VirtualAudioDriver>(
             std::move(devices).value(), platform::VirtualPacing::live, machine->log

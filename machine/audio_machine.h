@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/desktop_bus/device_reservations.h"
+#include "platform/desktop_bus/realtime_kit.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/midi_driver.h"
@@ -22,6 +24,10 @@ namespace orvane::machine {
 std::vector<std::unique_ptr<platform::MIDIDriver>>
 makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log = nullptr);
 
+/// The rates that may be asked for, in Hz.
+inline constexpr unsigned lowestSampleRate = 8000;
+inline constexpr unsigned highestSampleRate = 384000;
+
 /// What a program is told about the machine's audio.
 struct AudioMachineOptions {
     /// The sound file that a virtual device plays.
@@ -30,6 +36,8 @@ struct AudioMachineOptions {
     std::optional<std::filesystem::path> record = {};
     /// The uid of the main device; the first usable one if absent.
     std::optional<std::string> device = {};
+    /// In Hz, for the devices that offer it; theirs if absent.
+    std::optional<unsigned> sampleRate = {};
     /// What others see as the name of the JACK clients.
     std::string clientName = "ORVANE";
 };
@@ -57,10 +65,13 @@ class AudioMachine final {
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
     /// Ends the search for effects, so that the program can end at once. Any thread.
     void cancelScan() { audioUnitHost.cancelScan(); }
+    [[nodiscard]] platform::PriorityLender& priorityLender() { return realtimeKit; }
     [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
 
   private:
     platform::JackClients jackClients;
+    platform::RealtimeKit realtimeKit;
+    platform::DeviceReservations reservations;
     platform::Lv2UnitHost audioUnitHost{
         log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};

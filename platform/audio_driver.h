@@ -8,9 +8,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orvane::platform {
@@ -102,6 +104,13 @@ class AudioDriver {
 
     /// The devices that are there now, in a stable order.
     virtual std::vector<AudioDriverDevice> devices() = 0;
+
+    /// The device as it is now; nothing if it is not there.
+    virtual std::optional<AudioDriverDevice> device(std::string_view uid) {
+        for (AudioDriverDevice& listed : devices())
+            if (listed.uid == uid) return std::move(listed);
+        return std::nullopt;
+    }
 
     /// The frames per cycle that the device runs at, or would if it were opened now. Any thread.
     virtual Result<std::uint32_t, OSStatus> bufferSize(std::string_view uid) = 0;

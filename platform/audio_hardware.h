@@ -44,7 +44,8 @@ inline constexpr std::uint32_t kAudioDevicePropertyStreamConfiguration = fourCha
 inline constexpr std::uint32_t kAudioDevicePropertyNominalSampleRate = fourCharCode("nsrt");
 /// Of a device: an unsigned 32-bit number of frames; to be set and listened to.
 inline constexpr std::uint32_t kAudioDevicePropertyBufferFrameSize = fourCharCode("fsiz");
-/// Of a device: an unsigned 32-bit 1, or 0 once it is gone; to be listened to.
+/// Of a device: an unsigned 32-bit 1, or 0 once it is gone; to be listened to. Reading it has the device, and
+/// no other, described anew for the properties that are read next.
 inline constexpr std::uint32_t kAudioDevicePropertyDeviceIsAlive = fourCharCode("livn");
 
 /// The value of a string property: lives as long as the hardware layer that gave it.

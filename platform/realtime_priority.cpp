@@ -9,17 +9,12 @@
 
 namespace orvane::platform {
 
-namespace {
-
-constexpr int wantedPriority = 70;
-
-} // namespace
-
 int takeRealtimePriority() noexcept {
     rlimit limit{};
     const bool hasLimit = getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur > 0;
-    const int allowed = hasLimit ? static_cast<int>(std::min<rlim_t>(limit.rlim_cur, wantedPriority)) : 0;
-    for (const int priority : {wantedPriority, allowed}) {
+    const int allowed =
+        hasLimit ? static_cast<int>(std::min<rlim_t>(limit.rlim_cur, wantedRealtimePriority)) : 0;
+    for (const int priority : {wantedRealtimePriority, allowed}) {
         const sched_param parameters{.sched_priority = priority};
         if (priority > 0 && pthread_setschedparam(pthread_self(), SCHED_FIFO, &parameters) == 0)
             return priority;

@@ -7,7 +7,7 @@ _orvane_cli_options() {
     plugins) echo "--help --json" ;;
     render) echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" ;;
     run)
-        echo "--help --session --channels --device --master-device --buffer-size --midi-source --learn" \
+        echo "--help --session --channels --device --master-device --buffer-size --rate --midi-source --learn" \
             "--seconds --meters --virtual-input --record --force"
         ;;
     session) echo "--help --channels --new --force" ;;
@@ -39,6 +39,9 @@ _orvane_cli() {
         ;;
     --buffer-size)
         COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))
+        ;;
+    --rate)
+        COMPREPLY=($(compgen -W "44100 48000 88200 96000 176400 192000" -- "$cur"))
         ;;
     --meters)
         COMPREPLY=($(compgen -W "text json none" -- "$cur"))

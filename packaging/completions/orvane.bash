@@ -21,6 +21,9 @@ _orvane() {
     --buffer-size)
         COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))
         ;;
+    --rate)
+        COMPREPLY=($(compgen -W "44100 48000 88200 96000 176400 192000" -- "$cur"))
+        ;;
     --channels)
         COMPREPLY=($(compgen -W "2 4 8 12 16 24 32 48" -- "$cur"))
         ;;
@@ -31,7 +34,7 @@ _orvane() {
         case $cur in
         -*)
             COMPREPLY=($(compgen -W "--help --version --channels --device --master-device --buffer-size
-                --start --virtual-input --record" -- "$cur"))
+                --rate --start --virtual-input --record" -- "$cur"))
             ;;
         *)
             _filedir orvane

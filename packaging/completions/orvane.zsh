@@ -12,6 +12,7 @@ _arguments \
     '--device[audio device]:uid:_orvane_devices' \
     '--master-device[device for the master bus]:uid:_orvane_devices' \
     '--buffer-size[frames per block]:frames:(32 64 96 128 192 256 512 768 1024 2048)' \
+    '--rate[sample rate in Hz]:rate:(44100 48000 88200 96000 176400 192000)' \
     '--start[start audio]' \
     '--virtual-input[sound file that a virtual device plays]:sound file:_files' \
     '--record[sound file for the outputs of a virtual device]:sound file:_files' \

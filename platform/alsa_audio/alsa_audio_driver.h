@@ -1,10 +1,13 @@
 #pragma once
 
 #include "platform/audio_driver.h"
+#include "platform/card_reservations.h"
+#include "platform/realtime_priority.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,9 +22,19 @@ class AlsaAudioDriver final : public AudioDriver {
     /// What to use instead of the machine's own.
     struct Setup {
         /// The configuration that defines the PCMs; empty for the system's and the user's.
-        std::filesystem::path configurationFile;
+        std::filesystem::path configurationFile = {};
         /// The PCMs to list; empty for the machine's hardware and the configured ones.
-        std::vector<std::string> pcmNames;
+        std::vector<std::string> pcmNames = {};
+        /// Where the kernel publishes the state of sound cards.
+        std::filesystem::path cardStatusFolder = "/proc/asound";
+        /// The rate for all devices that offer it, in Hz; the one that the card runs at, or else 48000, if
+        /// absent.
+        std::optional<unsigned> sampleRate = {};
+        /// Agrees with other programs on who has a card; outlives the driver. May be null.
+        CardReservations* reservations = nullptr;
+        /// Helps I/O threads that may not take real-time priority themselves; outlives the driver. May be
+        /// null.
+        PriorityLender* priorityLender = nullptr;
     };
 
     AlsaAudioDriver();
@@ -32,9 +45,13 @@ class AlsaAudioDriver final : public AudioDriver {
 
     [[nodiscard]] std::string_view name() const override { return "alsa"; }
 
-    /// A device that is busy is listed with what has been learnt of it before, with no channels where that is
-    /// nothing.
+    /// A device in use by another program comes last, and its name says so. It is described by what is known
+    /// from before or what the kernel shows of it.
     std::vector<AudioDriverDevice> devices() override;
+
+    /// Opens no other device. Another program that has the card is asked to let go of it, as it is where a
+    /// device is set up and opened.
+    std::optional<AudioDriverDevice> device(std::string_view uid) override;
 
     /// The size that the device chose for the one asked for; asks the device once and remembers the answer.
     Result<std::uint32_t, OSStatus> bufferSize(std::string_view uid) override;

@@ -1,9 +1,9 @@
 #include "platform/alsa_audio/alsa_stream.h"
 
 #include "platform/flush_denormals.h"
-#include "platform/realtime_priority.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <system_error>
 #include <utility>
@@ -14,6 +14,8 @@ namespace {
 
 /// How often in a row the device may fail before it counts as dead.
 constexpr int mostFailuresInARow = 10;
+/// A device that stays silent for as long as it is given after a restart fails like five at once.
+constexpr int failuresOfASilence = 5;
 constexpr int pauseAfterFailedRestartMs = 100;
 
 } // namespace
@@ -28,12 +30,13 @@ AlsaStream::Blocks::Blocks(std::size_t channelCount, std::size_t frameCount)
 
 AlsaStream::AlsaStream(
     Duplex openDevice, AudioStreamClient& streamClient, std::function<void()> died,
-    std::shared_ptr<const void> deviceLease
+    std::shared_ptr<const void> deviceLease, PriorityLender* priorityLender
 )
     : lease(std::move(deviceLease)),
       device(std::move(openDevice)),
       client(streamClient),
       tellDeath(std::move(died)),
+      lender(priorityLender),
       inputs(device.inputChannelCount(), device.periodFrames()),
       outputs(device.outputChannelCount(), device.periodFrames()) {}
 
@@ -49,11 +52,14 @@ OSStatus AlsaStream::start() {
     stopping = false;
     dead = false;
     xruns = 0;
+    threadId = 0;
     try {
         thread = std::thread([this] { run(); });
     } catch (const std::system_error&) {
         return kAudioHardwareUnspecifiedError;
     }
+    threadId.wait(0);
+    if (lender != nullptr && priority == 0) priority = lender->lend(threadId);
     return noErr;
 }
 
@@ -65,6 +71,7 @@ bool AlsaStream::stop() {
         return false;
     }
     thread.join();
+    priority = 0;
     device.drop();
     return true;
 }
@@ -74,14 +81,15 @@ std::uint32_t AlsaStream::xrunCount() const noexcept {
 }
 
 int AlsaStream::realtimePriority() const noexcept {
-    return priority.load(std::memory_order_relaxed);
+    return dead.load() ? 0 : priority.load(std::memory_order_relaxed);
 }
 
 void AlsaStream::run() noexcept {
     pthread_setname_np(pthread_self(), "orvane-alsa");
     priority = takeRealtimePriority();
+    threadId = ::gettid();
+    threadId.notify_one();
     dead = !turnUntilStopped();
-    priority = 0;
     if (dead) tellDeath();
 }
 
@@ -95,7 +103,8 @@ bool AlsaStream::turnUntilStopped() noexcept {
             failures = 0;
             continue;
         }
-        if (error == -ENODEV || ++failures == mostFailuresInARow) return false;
+        failures += error == -ETIMEDOUT ? failuresOfASilence : 1;
+        if (error == -ENODEV || failures >= mostFailuresInARow) return false;
         error = restart();
     }
     return true;

@@ -5,6 +5,7 @@
 #include "platform/alsa_audio/duplex.h"
 #include "platform/audio_driver.h"
 #include "platform/cycle_gate.h"
+#include "platform/realtime_priority.h"
 
 #include <atomic>
 #include <cstddef>
@@ -23,10 +24,11 @@ namespace orvane::platform::alsa_audio {
 class AlsaStream final : public AudioStream {
   public:
     /// `died` is called on the I/O thread, as its last act, where the device gives up; `deviceLease` is held
-    /// for as long as the stream lives.
+    /// for as long as the stream lives. `priorityLender` helps an I/O thread that may not take real-time
+    /// priority itself; null if there is none.
     AlsaStream(
         Duplex openDevice, AudioStreamClient& streamClient, std::function<void()> died,
-        std::shared_ptr<const void> deviceLease
+        std::shared_ptr<const void> deviceLease, PriorityLender* priorityLender
     );
     ~AlsaStream() override;
     AlsaStream(const AlsaStream&) = delete;
@@ -58,12 +60,16 @@ class AlsaStream final : public AudioStream {
     AudioStreamClient& client;
     CycleGate gate;
     std::function<void()> tellDeath;
+    PriorityLender* lender;
     Blocks inputs;
     Blocks outputs;
     std::atomic<bool> stopping = false;
     std::atomic<bool> dead = false;
     std::atomic<std::uint32_t> xruns = 0;
+    /// Of the I/O thread that ran last.
     std::atomic<int> priority = 0;
+    /// The kernel's id of the I/O thread, once it has taken the priority that it may.
+    std::atomic<pid_t> threadId = 0;
     std::thread thread;
 };
 

@@ -1,7 +1,8 @@
 #include "platform/alsa_audio/device_list.h"
 
-#include "platform/alsa_audio/device_offer.h"
 #include "platform/alsa_audio/pcm_names.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <iterator>
@@ -10,6 +11,10 @@
 namespace orvane::platform::alsa_audio {
 
 namespace {
+
+/// What every output has, and what is listed of a device in use that shows no more of itself.
+constexpr std::size_t stereo = 2;
+constexpr unsigned usualRate = 48000;
 
 std::size_t channelCountOf(const Result<PcmOffer, ErrorNumber>& offer) {
     return offer ? offer.value().channelCount() : 0;
@@ -21,16 +26,28 @@ bool isHeldBySomebody(const Result<PcmOffer, ErrorNumber>& offer) {
 
 } // namespace
 
-DeviceList::DeviceList(const Configuration& lookup, std::vector<std::string> names)
-    : configuration(lookup), givenNames(std::move(names)) {}
+DeviceList::DeviceList(const PcmLookup& pcmLookup, std::vector<std::string> names, IsOurs isOurs)
+    : lookup(pcmLookup), givenNames(std::move(names)), isOursNow(std::move(isOurs)) {}
 
 std::vector<AudioDriverDevice> DeviceList::devices() {
-    std::vector<AudioDriverDevice> devices;
+    std::vector<AudioDriverDevice> free;
+    std::vector<AudioDriverDevice> inUse;
     const std::vector<PcmListing> candidates = listings();
     for (const PcmKind kind : {PcmKind::device, PcmKind::soundServer})
-        for (const PcmListing& listing : candidates)
-            if (kindOf(listing.pcmName) == kind) addTo(devices, listing);
-    return devices;
+        for (const PcmListing& listing : candidates) {
+            if (kindOf(listing.pcmName) != kind) continue;
+            auto device = describe(listing);
+            // Only the name of a device in use has more than the title.
+            if (device) (device->name == listing.title ? free : inUse).push_back(*std::move(device));
+        }
+    std::ranges::move(inUse, std::back_inserter(free));
+    return free;
+}
+
+std::optional<AudioDriverDevice> DeviceList::device(std::string_view pcmName) {
+    const std::vector<PcmListing> candidates = listings();
+    const auto listing = std::ranges::find(candidates, pcmName, &PcmListing::pcmName);
+    return listing == candidates.end() ? std::nullopt : describe(*listing);
 }
 
 std::vector<PcmListing> DeviceList::listings() const {
@@ -44,21 +61,43 @@ std::vector<PcmListing> DeviceList::listings() const {
     return found;
 }
 
-void DeviceList::addTo(std::vector<AudioDriverDevice>& devices, const PcmListing& listing) {
-    DeviceOffer offer = DeviceOffer::ask(configuration, listing.pcmName);
-    const bool isBusyNow = isHeldBySomebody(offer.playback) || isHeldBySomebody(offer.capture);
-    if (!isBusyNow && !offer.playback && !offer.capture) return;
-    const auto [known, isNew] = knownByPcmName.try_emplace(listing.pcmName);
-    if (isNew || !isBusyNow) {
-        const unsigned rate = offer.settleRate();
-        known->second = {
-            .uid = std::string(uidPrefix) + listing.pcmName,
-            .name = listing.title,
-            .inputChannelCount = channelCountOf(offer.capture),
-            .outputChannelCount = channelCountOf(offer.playback),
-            .sampleRate = static_cast<double>(rate)};
-    }
-    devices.push_back(known->second);
+std::optional<AudioDriverDevice> DeviceList::describe(const PcmListing& listing) {
+    DeviceOffer offer = DeviceOffer::ask(lookup, listing.pcmName);
+    if (isHeldBySomebody(offer.playback) || isHeldBySomebody(offer.capture))
+        return describeBusy(listing, offer);
+    if (!offer.playback && !offer.capture) return std::nullopt;
+    const unsigned rate = offer.settleRate();
+    AudioDriverDevice& known = knownByPcmName[listing.pcmName];
+    known = {
+        .uid = std::string(uidPrefix) + listing.pcmName,
+        .name = listing.title,
+        .inputChannelCount = channelCountOf(offer.capture),
+        .outputChannelCount = channelCountOf(offer.playback),
+        .sampleRate = static_cast<double>(rate)};
+    return known;
+}
+
+AudioDriverDevice DeviceList::describeBusy(const PcmListing& listing, DeviceOffer& offer) const {
+    const auto known = knownByPcmName.find(listing.pcmName);
+    if (known != knownByPcmName.end() && isOursNow(listing.pcmName)) return known->second;
+    const unsigned rate = offer.settleRate();
+    const auto channels = [&](Direction direction, const Result<PcmOffer, ErrorNumber>& asked) {
+        if (!isHeldBySomebody(asked)) return channelCountOf(asked);
+        const auto use = lookup.cards.use(listing.pcmName, direction);
+        return use ? use->channelCount : stereo;
+    };
+    AudioDriverDevice device = known != knownByPcmName.end()
+                                   ? known->second
+                                   : AudioDriverDevice{
+                                       .uid = std::string(uidPrefix) + listing.pcmName,
+                                       .name = listing.title,
+                                       .inputChannelCount = channels(Direction::capture, offer.capture),
+                                       .outputChannelCount = channels(Direction::playback, offer.playback),
+                                       .sampleRate = static_cast<double>(rate == 0 ? usualRate : rate)};
+    if (const auto current = lookup.cards.currentRate(listing.pcmName)) device.sampleRate = *current;
+    const std::string user = lookup.cards.userOf(listing.pcmName);
+    device.name += fmt::format(" (in use by {})", user.empty() ? "another program" : user);
+    return device;
 }
 
 } // namespace orvane::platform::alsa_audio

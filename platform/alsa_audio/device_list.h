@@ -1,10 +1,13 @@
 #pragma once
 
-#include "platform/alsa_audio/configuration.h"
+#include "platform/alsa_audio/device_offer.h"
 #include "platform/alsa_audio/pcm_listings.h"
+#include "platform/alsa_audio/pcm_lookup.h"
 #include "platform/audio_driver.h"
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,18 +21,28 @@ inline constexpr std::string_view uidPrefix = "alsa:";
 /// Owned by the driver; one thread at a time, never an audio thread.
 class DeviceList final {
   public:
-    /// Lists the machine's hardware and the user's PCMs or, where there are any, the `names`.
-    DeviceList(const Configuration& lookup, std::vector<std::string> names);
+    /// Whether a stream of this driver has the PCM of that name.
+    using IsOurs = std::function<bool(const std::string& pcmName)>;
 
-    /// Asks every device; hardware first, by card and device, sound servers last.
+    /// Lists the machine's hardware and the user's PCMs or, if there are any, the `names`. `pcmLookup`
+    /// outlives it.
+    DeviceList(const PcmLookup& pcmLookup, std::vector<std::string> names, IsOurs isOurs);
+
+    /// Asks every device; hardware first, by card and device, then sound servers, then what other programs
+    /// use: their names say so.
     [[nodiscard]] std::vector<AudioDriverDevice> devices();
+
+    /// Asks one device only; nothing if it is not there.
+    [[nodiscard]] std::optional<AudioDriverDevice> device(std::string_view pcmName);
 
   private:
     [[nodiscard]] std::vector<PcmListing> listings() const;
-    void addTo(std::vector<AudioDriverDevice>& devices, const PcmListing& listing);
+    [[nodiscard]] std::optional<AudioDriverDevice> describe(const PcmListing& listing);
+    [[nodiscard]] AudioDriverDevice describeBusy(const PcmListing& listing, DeviceOffer& offer) const;
 
-    const Configuration& configuration;
+    const PcmLookup& lookup;
     std::vector<std::string> givenNames;
+    const IsOurs isOursNow;
     std::map<std::string, AudioDriverDevice> knownByPcmName;
 };
 

@@ -1,22 +1,28 @@
 #pragma once
 
+#include "platform/alsa_audio/pcm_lookup.h"
 #include "platform/alsa_audio/pcm_offer.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace orvane::platform::alsa_audio {
 
 /// Both directions of a device, each as it could be opened or why it could not. Keeps the device open for as
 /// long as it lives. One thread at a time, never an audio thread.
 struct DeviceOffer {
-    static DeviceOffer ask(const Configuration&, const std::string& pcmName);
+    static DeviceOffer ask(const PcmLookup& lookup, const std::string& pcmName);
 
     Result<PcmOffer, ErrorNumber> playback;
     Result<PcmOffer, ErrorNumber> capture;
+    /// In Hz, the best first.
+    std::vector<unsigned> preferredRates;
+    /// The periods that the device's buffer is to hold, if it can.
+    unsigned preferredPeriods = 2;
 
-    /// Settles the rate of all directions that were opened: 48000 Hz, else 44100 Hz, else the nearest to
-    /// the first; 0 where they have none in common.
+    /// Settles the rate of all directions that were opened: the first of the preferred ones that all can,
+    /// else the nearest to 48000; 0 if they have none in common.
     unsigned settleRate();
 
     /// Settles all that a stream has to: rate, layout and, as near to `wantedFrames` as the device can, the

@@ -18,10 +18,9 @@ Result<std::optional<Pcm>, ErrorNumber> configure(Result<PcmOffer, ErrorNumber> 
 } // namespace
 
 Result<Duplex, ErrorNumber> Duplex::open(
-    const Configuration& configuration, const std::string& pcmName, bool enableInput,
-    std::uint32_t wantedFrames
+    const PcmLookup& lookup, const std::string& pcmName, bool enableInput, std::uint32_t wantedFrames
 ) {
-    DeviceOffer offer = DeviceOffer::ask(configuration, pcmName);
+    DeviceOffer offer = DeviceOffer::ask(lookup, pcmName);
     const auto settled = offer.settle(wantedFrames);
     if (!settled) return settled.error();
     if (!enableInput) offer.capture = -ENOENT;

@@ -19,7 +19,7 @@ class Duplex final {
     /// Opens the device with a period as near to `wantedFrames` as it can. Without `enableInput` the capture
     /// side has its say about rate and period, so that they do not depend on it, and is closed again.
     static Result<Duplex, ErrorNumber>
-    open(const Configuration&, const std::string& pcmName, bool enableInput, std::uint32_t wantedFrames);
+    open(const PcmLookup& lookup, const std::string& pcmName, bool enableInput, std::uint32_t wantedFrames);
 
     [[nodiscard]] std::size_t inputChannelCount() const noexcept;
     [[nodiscard]] std::size_t outputChannelCount() const noexcept;

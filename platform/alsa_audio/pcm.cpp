@@ -11,6 +11,8 @@ namespace {
 
 constexpr int leastPatienceMs = 100;
 constexpr std::size_t patienceInPeriods = 4;
+/// Some interfaces lock their clock before the first period comes.
+constexpr int patienceAfterStartMs = 1000;
 
 int patienceFor(const PcmLayout& layout) {
     const std::size_t ms = patienceInPeriods * layout.periodFrames * 1000 / layout.rate;
@@ -23,7 +25,7 @@ Pcm::Pcm(PcmHandle configured, Direction streamDirection, const PcmLayout& confi
     : pcm(std::move(configured)),
       direction(streamDirection),
       shape(configuredLayout),
-      patienceMs(patienceFor(configuredLayout)),
+      usualPatienceMs(patienceFor(configuredLayout)),
       channels(configuredLayout.channelCount) {
     const std::size_t sampleSize = bytesPerSample(shape.format);
     frameStep = isInterleaved() ? sampleSize * shape.channelCount : sampleSize;
@@ -51,11 +53,12 @@ ErrorNumber Pcm::fillWithSilence() noexcept {
 }
 
 ErrorNumber Pcm::start() noexcept {
+    hasDelivered = false;
     return snd_pcm_state(pcm.get()) == SND_PCM_STATE_RUNNING ? 0 : snd_pcm_start(pcm.get());
 }
 
 ErrorNumber Pcm::wait() noexcept {
-    const int ready = snd_pcm_wait(pcm.get(), patienceMs);
+    const int ready = snd_pcm_wait(pcm.get(), patienceMs());
     if (ready == 0) return -ETIMEDOUT;
     return std::min(ready, 0);
 }
@@ -77,6 +80,10 @@ bool Pcm::isInterleaved() const noexcept {
     return shape.access == SND_PCM_ACCESS_RW_INTERLEAVED || shape.access == SND_PCM_ACCESS_MMAP_INTERLEAVED;
 }
 
+int Pcm::patienceMs() const noexcept {
+    return hasDelivered ? usualPatienceMs : std::max(usualPatienceMs, patienceAfterStartMs);
+}
+
 std::byte* Pcm::firstSample(std::size_t channel) noexcept {
     return samples.data() + channel * channelStep;
 }
@@ -93,9 +100,10 @@ ErrorNumber Pcm::movePeriod() noexcept {
         }
         if (moved < 0 && moved != -EAGAIN) return static_cast<ErrorNumber>(moved);
         // A device that claims to be ready and is not must not turn this thread into a busy one.
-        if (++idleMs > patienceMs) return -ETIMEDOUT;
+        if (++idleMs > patienceMs()) return -ETIMEDOUT;
         poll(nullptr, 0, 1);
     }
+    hasDelivered = true;
     return 0;
 }
 

@@ -26,9 +26,9 @@ struct PcmLayout {
 };
 
 /// One direction of a device, configured. Moves whole periods between the device and blocks of floats
-/// (`channelCount` x `periodFrames`) and never waits for a silent device longer than a fraction of a second.
-/// Owned by a stream and used by one thread at a time. Whatever returns an error number is real-time safe but
-/// for the system calls by which alsa-lib reaches the device.
+/// (`channelCount` x `periodFrames`) and never waits for a silent device longer than a fraction of a second,
+/// a second after a start. Owned by a stream and used by one thread at a time. Whatever returns an error
+/// number is real-time safe but for the system calls by which alsa-lib reaches the device.
 class Pcm final {
   public:
     Pcm(PcmHandle configured, Direction streamDirection, const PcmLayout& configuredLayout);
@@ -61,6 +61,7 @@ class Pcm final {
 
   private:
     [[nodiscard]] bool isInterleaved() const noexcept;
+    [[nodiscard]] int patienceMs() const noexcept;
     ORVANE_REALTIME std::byte* firstSample(std::size_t channel) noexcept;
     ORVANE_REALTIME ErrorNumber movePeriod() noexcept;
     ORVANE_REALTIME snd_pcm_sframes_t move(std::size_t frame, std::size_t frameCount) noexcept;
@@ -73,7 +74,9 @@ class Pcm final {
     /// Bytes from a sample to the next channel's of the same frame.
     std::size_t channelStep;
     /// How long a running device may take for a period before it counts as silent.
-    int patienceMs;
+    int usualPatienceMs;
+    /// Whether it has moved a period since it was started.
+    bool hasDelivered = false;
     /// One period in the device's format.
     std::vector<std::byte> samples;
     /// Scratch of `move`: where each channel's samples are.

@@ -19,8 +19,6 @@ constexpr std::array accessesByPreference{
     SND_PCM_ACCESS_RW_INTERLEAVED, SND_PCM_ACCESS_RW_NONINTERLEAVED, SND_PCM_ACCESS_MMAP_INTERLEAVED,
     SND_PCM_ACCESS_MMAP_NONINTERLEAVED};
 
-constexpr std::array periodCountsByPreference{2U, 3U};
-
 snd_pcm_format_t libraryFormat(SampleFormat format) {
     switch (format) {
     case SampleFormat::float32LE:
@@ -135,12 +133,12 @@ std::uint32_t PcmOffer::periodNear(std::uint32_t frameCount) const {
     return static_cast<std::uint32_t>(frames);
 }
 
-bool PcmOffer::settlePeriod(std::uint32_t frameCount) {
+bool PcmOffer::settlePeriod(std::uint32_t frameCount, unsigned periodCount) {
     if (snd_pcm_hw_params_set_period_size(pcm.get(), parameters.get(), frameCount, 0) < 0) return false;
-    for (const unsigned count : periodCountsByPreference)
+    for (const unsigned count : {periodCount, periodCount + 1})
         if (snd_pcm_hw_params_set_periods(pcm.get(), parameters.get(), count, 0) == 0) return true;
-    unsigned count = periodCountsByPreference.back();
-    return snd_pcm_hw_params_set_periods_near(pcm.get(), parameters.get(), &count, nullptr) == 0;
+    unsigned nearest = periodCount + 1;
+    return snd_pcm_hw_params_set_periods_near(pcm.get(), parameters.get(), &nearest, nullptr) == 0;
 }
 
 Result<Pcm, ErrorNumber> PcmOffer::settle() && {

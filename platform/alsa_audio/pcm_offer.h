@@ -29,9 +29,9 @@ class PcmOffer final {
     [[nodiscard]] bool settleLayout();
 
     [[nodiscard]] std::uint32_t periodNear(std::uint32_t frameCount) const;
-    /// Settles the period and a buffer of two of them, or as few more as the device can; false where the
-    /// device does not take that period.
-    [[nodiscard]] bool settlePeriod(std::uint32_t frameCount);
+    /// Settles the period and a buffer of `periodCount` of them, or as few more as the device can; false if
+    /// the device does not take that period.
+    [[nodiscard]] bool settlePeriod(std::uint32_t frameCount, unsigned periodCount);
 
     /// Configures the device.
     [[nodiscard]] Result<Pcm, ErrorNumber> settle() &&;

@@ -18,6 +18,17 @@ std::vector<AudioObjectID> DeviceRegistry::refresh() {
     return ids;
 }
 
+bool DeviceRegistry::refresh(AudioObjectID id) {
+    const auto registered = find(id);
+    auto device = registered ? registered->driver->device(*registered->uid) : std::nullopt;
+    if (!device) {
+        present.erase(id);
+        return false;
+    }
+    present.insert_or_assign(id, *std::move(device));
+    return true;
+}
+
 std::optional<AudioDriverDevice> DeviceRegistry::describe(AudioObjectID id) const {
     const auto device = present.find(id);
     return device == present.end() ? std::nullopt : std::optional(device->second);

@@ -29,6 +29,9 @@ class DeviceRegistry final {
     /// The ids of the devices that are there now, in the order of the drivers and of their lists.
     std::vector<AudioObjectID> refresh();
 
+    /// Asks after one device only; whether it is there now.
+    bool refresh(AudioObjectID id);
+
     /// The device as it was listed by the last `refresh`; nothing if it was not there.
     [[nodiscard]] std::optional<AudioDriverDevice> describe(AudioObjectID id) const;
 

@@ -101,11 +101,9 @@ SystemAudioHardware::readOfDevice(AudioObjectID object, const AudioObjectPropert
         const auto frames = registered->driver->bufferSize(*registered->uid);
         return frames ? PropertyValue{noErr, copyOf(frames.value())} : PropertyValue{frames.error()};
     }
+    if (address.mSelector == kAudioDevicePropertyDeviceIsAlive)
+        return {noErr, copyOf(std::uint32_t{registry.refresh(object) ? 1U : 0U})};
     const std::optional<AudioDriverDevice> device = registry.describe(object);
-    if (address.mSelector == kAudioDevicePropertyDeviceIsAlive) {
-        const std::vector<AudioObjectID> present = registry.refresh();
-        return {noErr, copyOf(std::uint32_t{std::ranges::find(present, object) != present.end() ? 1U : 0U})};
-    }
     if (!device) return {kAudioHardwareBadDeviceError};
     switch (address.mSelector) {
     case kAudioDevicePropertyDeviceUID:

@@ -279,6 +279,7 @@ TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     const auto configuration = folder.add(
         "asound.conf", R"(
         pcm.busy { type scripted openError 16 hint.show on }
+        pcm.idle { type scripted hint.show on }
         pcm.half_busy { type asym playback.pcm { type scripted } capture.pcm { type scripted openError 16 } hint.show on }
         pcm.unlike { type asym playback.pcm { type scripted } capture.pcm { type scripted rate 44100 } hint.show on }
         pcm_type.scripted.lib ")"
@@ -295,7 +296,9 @@ TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
          {Case{cli + " run --device jack:nowhere", "There is no audio device jack:nowhere"},
           Case{"ORVANE_DRIVERS=none " + program + " run", "There is no audio device with inputs"},
           Case{cli + " run --master-device virtual:none", "virtual:none"},
-          Case{onALSA + "busy", "The audio device alsa:busy has neither inputs nor outputs now; another"},
+          Case{onALSA + "busy", "busy (in use by another program): Failed to start audio engine: "},
+          Case{onALSA + "idle --rate 96000", "alsa:idle runs at 48000 Hz and not at 96000 Hz"},
+          Case{cli + " run --master-device virtual:monitor --rate 44100", "48000 Hz and not at 44100 Hz"},
           Case{onALSA + "half_busy --channels 2", "AudioUnitInitialize failed: OSStatus 560492391"},
           Case{onALSA + "unlike", "AudioUnitInitialize failed: OSStatus 560226676"},
           Case{cli + " run --midi-source -12", "There is no MIDI source -12"},

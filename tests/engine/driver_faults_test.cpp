@@ -59,6 +59,26 @@ std::size_t countOf(const std::vector<std::string>& calls, std::string_view name
     }));
 }
 
+TEST(DriverFaults, AStartOpensTheChosenDeviceOnly) {
+    test::AlsaFixture alsa(
+        "pcm.device { type scripted channels 4 pause 500 opened \"FOLDER/device\" }\n"
+        "pcm.other { type scripted channels 4 opened \"FOLDER/other\" }\n",
+        {"device", "other"}
+    );
+    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
+    drivers.push_back(alsa.take());
+    platform::SystemAudioHardware hardware(std::move(drivers));
+    Mixer mixer(hardware);
+    mixer.engine.selectDevice(mixer.device(0));
+    for (const char* const name : {"device", "other"})
+        EXPECT_TRUE(std::filesystem::remove(alsa.folder / name)) << "as the list was made of " << name;
+    mixer.engine.start();
+    EXPECT_TRUE(mixer.isRunning());
+    EXPECT_TRUE(std::filesystem::exists(alsa.folder / "device"));
+    EXPECT_FALSE(std::filesystem::exists(alsa.folder / "other"));
+    mixer.engine.stop();
+}
+
 TEST(DriverFaults, AnyCallOfAStartOnTwoDevicesMayFail) {
     // What a mix can do without, or tells of while it runs.
     const std::set<std::string> mayFail = {

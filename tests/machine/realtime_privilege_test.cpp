@@ -34,14 +34,22 @@ class PriorityLimit final {
     rlimit before{};
 };
 
+struct Lender final : orvane::platform::PriorityLender {
+    int lend(pid_t) override { return priority; }
+    int obtainable() override { return priority; }
+    int priority = 0;
+};
+
 /// The advice to a thread that has no privileges; those of the process stay.
-std::optional<std::string> adviceWithoutCapabilities() {
+std::optional<std::string> adviceWithoutCapabilities(int lentPriority = 0) {
     std::optional<std::string> advice;
-    std::thread([&advice] {
+    std::thread([&advice, lentPriority] {
         __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
         __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};
         EXPECT_EQ(syscall(SYS_capset, &header, none), 0);
-        advice = realtimeAdvice();
+        Lender lender;
+        lender.priority = lentPriority;
+        advice = realtimeAdvice(lender);
     }).join();
     return advice;
 }
@@ -52,6 +60,7 @@ TEST(RealtimeAdvice, IsGivenOnlyWhereNoPriorityIsAllowed) {
         const auto advice = adviceWithoutCapabilities();
         ASSERT_TRUE(advice);
         EXPECT_NE(advice->find("/etc/security/limits.d"), std::string::npos);
+        EXPECT_FALSE(adviceWithoutCapabilities(20)) << "though it is lent";
     }
     const PriorityLimit limit(1);
     EXPECT_EQ(adviceWithoutCapabilities().has_value(), limit.value == 0);

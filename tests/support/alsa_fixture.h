@@ -9,9 +9,12 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,14 +28,33 @@ namespace orvane::test {
 class AlsaFixture final {
   public:
     /// `definitions` in the language of the library's configuration files, with FOLDER for the folder's path.
-    explicit AlsaFixture(std::string definitions, std::vector<std::string> pcmNames = {"device"}) {
+    explicit AlsaFixture(
+        std::string definitions, std::vector<std::string> pcmNames = {"device"},
+        std::optional<unsigned> sampleRate = {}, platform::PriorityLender* lender = nullptr,
+        platform::CardReservations* reservations = nullptr
+    ) {
         constexpr std::string_view placeholder = "FOLDER";
         for (auto at = definitions.find(placeholder); at != std::string::npos;
              at = definitions.find(placeholder))
             definitions.replace(at, placeholder.size(), (folder / "").parent_path().string());
         definitions += "pcm_type.scripted.lib \"" + builtModule("liborvane_scripted_pcm") + "\"\n";
         driver = std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
-            .configurationFile = folder.add("asound.conf", definitions), .pcmNames = std::move(pcmNames)});
+            .configurationFile = folder.add("asound.conf", definitions),
+            .pcmNames = std::move(pcmNames),
+            .cardStatusFolder = folder / "cards",
+            .sampleRate = sampleRate,
+            .reservations = reservations,
+            .priorityLender = lender});
+    }
+
+    /// Has the kernel show a file of the card of that number, such as "pcm0p/sub0/hw_params".
+    void showCard(int number, const std::string& id, const std::string& file, const std::string& content) {
+        const std::string card = "card" + std::to_string(number);
+        const std::filesystem::path shown = folder / "cards" / card / file;
+        std::filesystem::create_directories(shown.parent_path());
+        std::ofstream(shown) << content;
+        const std::filesystem::path link = folder / "cards" / id;
+        if (!std::filesystem::is_symlink(link)) std::filesystem::create_directory_symlink(card, link);
     }
 
     platform::AlsaAudioDriver* operator->() { return driver.get(); }

@@ -21,6 +21,11 @@ class ChangeLog final {
         };
     }
 
+    [[nodiscard]] bool isEmpty() {
+        const std::scoped_lock lock(mutex);
+        return changes.empty();
+    }
+
     /// Waits until there are `count` changes and gives all there are.
     std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
         std::unique_lock lock(mutex);

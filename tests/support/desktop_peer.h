@@ -10,6 +10,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -18,16 +19,20 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace orvane::test {
 
 /// A desktop on a message bus of its own, which is both buses of this process and of what it starts: a login
-/// manager and a server of notifications that do what a test has them do. Used by one thread.
+/// manager, a server of notifications and RealtimeKit, which do what a test has them do. Used by one thread.
 class DesktopPeer final {
   public:
     enum class Manner { grants, refuses, isSilent };
+    /// What RealtimeKit gives at most, and the computing time in microseconds that it allows.
+    static constexpr int highestPriority = 20;
+    static constexpr std::int64_t longestComputingTime = 200000;
 
     DesktopPeer() {
         setBusAddress(address.c_str());
@@ -120,6 +125,10 @@ class DesktopPeer final {
             peer.inhibit(call);
         else if (sd_bus_message_is_method_call(call, "org.freedesktop.Notifications", "Notify") > 0)
             peer.notify(call);
+        else if (sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Properties", "Get") > 0)
+            giveProperty(call);
+        else if (sd_bus_message_is_method_call(call, realtimeKit, "MakeThreadRealtimeWithPID") > 0)
+            peer.makeRealtime(call);
         else
             return 0;
         peer.caller = sd_bus_message_get_sender(call);
@@ -169,7 +178,36 @@ class DesktopPeer final {
         sd_bus_reply_method_return(call, "u", 1U);
     }
 
-    static constexpr std::array services{"org.freedesktop.login1", "org.freedesktop.Notifications"};
+    /// Of RealtimeKit.
+    static void giveProperty(sd_bus_message* call) {
+        const char* interface = nullptr;
+        const char* name = nullptr;
+        sd_bus_message_read(call, "ss", &interface, &name);
+        if (name == std::string_view("MaxRealtimePriority"))
+            sd_bus_reply_method_return(call, "v", "i", highestPriority);
+        else if (name == std::string_view("RTTimeUSecMax"))
+            sd_bus_reply_method_return(call, "v", "x", longestComputingTime);
+    }
+
+    /// Refuses, as the real service does, a process whose computing time is not bounded.
+    void makeRealtime(sd_bus_message* call) {
+        std::uint64_t process = 0;
+        std::uint64_t thread = 0;
+        std::uint32_t priority = 0;
+        sd_bus_message_read(call, "ttu", &process, &thread, &priority);
+        rlimit limit{};
+        ::prlimit(static_cast<pid_t>(process), RLIMIT_RTTIME, nullptr, &limit);
+        if (manner != Manner::grants || limit.rlim_max > static_cast<rlim_t>(longestComputingTime)) {
+            sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Not in this house");
+            return;
+        }
+        calls.push_back("Realtime " + std::to_string(thread) + ' ' + std::to_string(priority));
+        sd_bus_reply_method_return(call, "");
+    }
+
+    static constexpr const char* realtimeKit = "org.freedesktop.RealtimeKit1";
+    static constexpr std::array services{
+        "org.freedesktop.login1", "org.freedesktop.Notifications", realtimeKit};
 
     const TemporaryFolder folder;
     const std::string address = "unix:path=" + (folder / "bus").string();

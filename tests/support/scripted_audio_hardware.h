@@ -250,6 +250,9 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
         case platform::kAudioDevicePropertyBufferFrameSize:
             append(device.bufferSize);
             break;
+        case platform::kAudioDevicePropertyDeviceIsAlive:
+            append(std::uint32_t{1});
+            break;
         default:
             const auto& streams = address.mScope == platform::kAudioObjectPropertyScopeInput
                                       ? device.inputStreams

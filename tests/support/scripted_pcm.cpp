@@ -4,8 +4,10 @@
 #include <alsa/asoundlib.h>
 #include <alsa/pcm_external.h>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -35,6 +37,8 @@ struct ScriptedPcm {
     // Of the definition.
     long channels = 2;
     long rate = 48000;
+    /// Another rate that it offers, or 0.
+    long secondRate = 0;
     long format = SND_PCM_FORMAT_S32_LE;
     long period = 64;
     long access = SND_PCM_ACCESS_RW_INTERLEAVED;
@@ -44,23 +48,42 @@ struct ScriptedPcm {
     /// How many transfers go well before the first that fails, and how many do fail.
     long errorAfter = 0;
     long errorCount = 1;
+    /// How many transfers there are from one that fails to the next.
+    long errorEvery = 1;
+    /// How long the first period takes after a start, in milliseconds.
+    long startDelay = 0;
+    /// The most periods that the buffer can hold.
+    long periods = 2;
     /// How many transfers go well before the device falls silent.
     long silentAfter = -1;
     /// How long a transfer takes, in microseconds.
     long pause = 0;
     /// While there is a file of that name, the device is unplugged.
     std::string gone;
+    /// A file that is made whenever the device is opened.
+    std::string opened;
     /// Whether a direction can only be opened once at a time.
     long exclusive = 0;
 
     long transferCount = 0;
 
     [[nodiscard]] bool isGone() const { return !gone.empty() && ::access(gone.c_str(), F_OK) == 0; }
-    [[nodiscard]] bool isSilent() const { return silentAfter >= 0 && transferCount >= silentAfter; }
+    [[nodiscard]] bool isSilent() const {
+        pollfd clock{io.poll_fd, POLLIN, 0};
+        const bool isStarting = startDelay > 0 && ::poll(&clock, 1, 0) == 0;
+        return isStarting || (silentAfter >= 0 && transferCount >= silentAfter);
+    }
 };
 
 ScriptedPcm& scriptOf(snd_pcm_ioplug_t* io) {
     return *static_cast<ScriptedPcm*>(io->private_data);
+}
+
+int start(snd_pcm_ioplug_t* io) {
+    const long delay = scriptOf(io).startDelay;
+    const itimerspec once{.it_interval = {}, .it_value = {delay / 1000, delay % 1000 * 1000000}};
+    if (delay > 0) ::timerfd_settime(io->poll_fd, 0, &once, nullptr);
+    return 0;
 }
 
 int succeed(snd_pcm_ioplug_t*) {
@@ -78,7 +101,9 @@ transfer(snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t*, snd_pcm_uframes_t,
     if (script.isGone()) return -ENODEV;
     if (script.pause > 0) ::usleep(static_cast<useconds_t>(script.pause));
     const long since = script.transferCount++ - script.errorAfter;
-    if (script.error != 0 && since >= 0 && since < script.errorCount) return -script.error;
+    const bool fails =
+        since >= 0 && since % script.errorEvery == 0 && since / script.errorEvery < script.errorCount;
+    if (script.error != 0 && fails) return -script.error;
     eventfd_t ignored = 0;
     if (script.isSilent()) eventfd_read(io->poll_fd, &ignored);
     return static_cast<snd_pcm_sframes_t>(size);
@@ -91,7 +116,7 @@ int close(snd_pcm_ioplug_t* io) {
 
 const snd_pcm_ioplug_callback_t callbacks = [] {
     snd_pcm_ioplug_callback_t table{};
-    table.start = succeed;
+    table.start = start;
     table.stop = succeed;
     table.pointer = pointer;
     table.transfer = transfer;
@@ -105,7 +130,9 @@ void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
         {"period", &script.period},         {"openError", &script.openError},
         {"error", &script.error},           {"errorAfter", &script.errorAfter},
         {"errorCount", &script.errorCount}, {"silentAfter", &script.silentAfter},
-        {"exclusive", &script.exclusive},   {"pause", &script.pause}};
+        {"exclusive", &script.exclusive},   {"pause", &script.pause},
+        {"errorEvery", &script.errorEvery}, {"startDelay", &script.startDelay},
+        {"periods", &script.periods},       {"secondRate", &script.secondRate}};
     snd_config_iterator_t at = nullptr;
     snd_config_iterator_t next = nullptr;
     snd_config_for_each(at, next, definition) {
@@ -117,6 +144,7 @@ void readDefinition(ScriptedPcm& script, snd_config_t* definition) {
             if (name == key) snd_config_get_integer(entry, value);
         if (snd_config_get_string(entry, &text) < 0) continue;
         if (std::string_view("gone") == key) script.gone = text;
+        if (std::string_view("opened") == key) script.opened = text;
         if (std::string_view("format") == key) script.format = snd_pcm_format_value(text);
         if (std::string_view("access") != key) continue;
         for (int access = 0; access <= SND_PCM_ACCESS_LAST; ++access)
@@ -133,9 +161,12 @@ void restrictParameters(ScriptedPcm& script) {
     const int bits = snd_pcm_format_physical_width(static_cast<snd_pcm_format_t>(script.format));
     only(SND_PCM_IOPLUG_HW_ACCESS, script.access);
     only(SND_PCM_IOPLUG_HW_FORMAT, script.format);
-    only(SND_PCM_IOPLUG_HW_RATE, script.rate);
+    const unsigned rates[] = {static_cast<unsigned>(script.rate), static_cast<unsigned>(script.secondRate)};
+    snd_pcm_ioplug_set_param_list(&script.io, SND_PCM_IOPLUG_HW_RATE, script.secondRate == 0 ? 1 : 2, rates);
     only(SND_PCM_IOPLUG_HW_CHANNELS, script.channels);
-    only(SND_PCM_IOPLUG_HW_PERIODS, 2);
+    snd_pcm_ioplug_set_param_minmax(
+        &script.io, SND_PCM_IOPLUG_HW_PERIODS, 2, static_cast<unsigned>(script.periods)
+    );
     only(SND_PCM_IOPLUG_HW_PERIOD_BYTES, script.period * script.channels * bits / 8);
 }
 
@@ -149,11 +180,13 @@ int _snd_pcm_scripted_open(
 ) {
     auto script = std::make_unique<ScriptedPcm>(stream);
     readDefinition(*script, definition);
+    if (!script->opened.empty()) ::close(::creat(script->opened.c_str(), S_IRUSR));
     script->io.version = SND_PCM_IOPLUG_VERSION;
     script->io.name = "scripted";
     script->io.callback = &callbacks;
     script->io.private_data = script.get();
-    script->io.poll_fd = eventfd(1, EFD_NONBLOCK);
+    script->io.poll_fd =
+        script->startDelay > 0 ? timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK) : eventfd(1, EFD_NONBLOCK);
     script->io.poll_events = POLLIN;
     script->io.mmap_rw = script->access <= SND_PCM_ACCESS_MMAP_COMPLEX ? 1 : 0;
     if (script->isGone()) return -ENODEV;

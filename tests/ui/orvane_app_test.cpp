@@ -139,6 +139,12 @@ TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
     const auto* const alert = wrong->findChild<QMessageBox*>();
     ASSERT_NE(alert, nullptr);
     EXPECT_TRUE(alert->informativeText().contains("virtual:none"));
+
+    const auto atAnotherRate = launch({.channels = 2, .device = "virtual:interface", .sampleRate = 96000});
+    EXPECT_FALSE(atAnotherRate->mixerRootView()->engine().state().selectedDevice.get());
+    const auto* const refusal = atAnotherRate->findChild<QMessageBox*>();
+    ASSERT_NE(refusal, nullptr);
+    EXPECT_TRUE(refusal->informativeText().contains("96000 Hz"));
 }
 
 TEST_F(Shell, AsksBeforeItClosesOverRunningAudioOrAnUnsavedSession) {

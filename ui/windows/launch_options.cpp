@@ -22,8 +22,10 @@ selectDevices(engine::MixerEngine& mixer, platform::AudioHardware& hardware, con
     mixer.refreshDevices();
     const auto find = [&](const std::optional<std::string>& uid) -> std::optional<audio::AudioDeviceInfo> {
         auto found = audio::findDevice(hardware, mixer.state().availableDevices.get(), uid);
-        if (found) return std::move(found).value();
-        problems.push_back(found.error().description);
+        auto problem =
+            found ? audio::rateProblem(found.value(), options.sampleRate) : found.error().description;
+        if (!problem) return std::move(found).value();
+        problems.push_back(*std::move(problem));
         return std::nullopt;
     };
     if (options.device || options.start)

@@ -26,6 +26,8 @@ struct LaunchOptions {
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};
+    /// The rate that the devices are to run at, in Hz; theirs if absent.
+    std::optional<unsigned> sampleRate = {};
     /// Whether audio starts at once, on the first usable device if none is named.
     bool start = false;
 };

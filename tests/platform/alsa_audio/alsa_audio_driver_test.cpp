@@ -4,6 +4,16 @@
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace {
 
 using namespace orvane::platform;
@@ -33,11 +43,112 @@ TEST(AlsaAudioDriver, ListsWhatIsConfiguredWithTheSoundServersLast) {
                     AudioDriverDevice{"alsa:mixer", "mixer", 18, 18, 44100.0},
                     AudioDriverDevice{"alsa:speakers", "speakers", 0, 6, 96000.0},
                     AudioDriverDevice{"alsa:anything", "anything", 2, 2, 48000.0},
-                    AudioDriverDevice{"alsa:busy", "busy", 0, 0, 0.0},
-                    AudioDriverDevice{"alsa:default", "default", 2, 2, 48000.0}
+                    AudioDriverDevice{"alsa:default", "default", 2, 2, 48000.0},
+                    AudioDriverDevice{"alsa:busy", "busy (in use by another program)", 2, 2, 48000.0}
                 )
     );
     EXPECT_EQ(driver->devices(), listed);
+}
+
+/// A card named as the machine's are.
+std::string cardDefinition(const std::string& playback, const std::string& capture) {
+    return "pcm.hw { @args [ CARD DEV ] @args.CARD.type string @args.DEV.type string type asym playback.pcm "
+           "{ "
+           + playback + " } capture.pcm { " + capture + " } }\n";
+}
+
+constexpr const char* cardName = "hw:CARD=X32,DEV=1";
+constexpr std::string_view cardUID = "alsa:hw:CARD=X32,DEV=1";
+
+TEST(AlsaAudioDriver, DescribesACardInUseByWhatTheKernelShowsOfIt) {
+    std::string parentName;
+    std::getline(std::ifstream("/proc/" + std::to_string(getppid()) + "/comm"), parentName);
+    AlsaFixture driver(cardDefinition("type scripted openError 16", "type scripted channels 6"), {cardName});
+    driver.showCard(3, "X32", "pcm1p/sub0/hw_params", "closed\n");
+    EXPECT_THAT(
+        driver->devices(),
+        ElementsAre(AudioDriverDevice{
+            std::string(cardUID), std::string(cardName) + " (in use by another program)", 6, 2, 48000.0})
+    );
+    driver.showCard(3, "X32", "pcm1p/sub0/hw_params", "channels: 32\nrate: 44100 (44100/1)\n");
+    driver.showCard(
+        3, "X32", "pcm1p/sub0/status", "state: RUNNING\nowner_pid   : " + std::to_string(getppid()) + "\n"
+    );
+    driver.showCard(3, "X32", "pcm1p/sub1/status", "owner_pid   : " + std::to_string(getpid()) + "\n");
+    const AudioDriverDevice inUse{
+        std::string(cardUID), std::string(cardName) + " (in use by " + parentName + ")", 6, 32, 44100.0};
+    EXPECT_THAT(driver->devices(), ElementsAre(inUse));
+    EXPECT_EQ(driver->device(cardUID), inUse);
+}
+
+TEST(AlsaAudioDriver, DescribesOneDeviceWithoutOpeningOthers) {
+    AlsaFixture driver(
+        "pcm.device { type scripted channels 8 }\n"
+        "pcm.other { type scripted opened FOLDER/opened }\n",
+        {"other", "device"}
+    );
+    EXPECT_EQ(driver->device(uid), (AudioDriverDevice{std::string(uid), "device", 8, 8, 48000.0}));
+    EXPECT_FALSE(std::filesystem::exists(driver.folder / "opened"));
+    EXPECT_EQ(driver->device("alsa:missing"), std::nullopt);
+    EXPECT_EQ(driver->device("jack:system"), std::nullopt);
+    EXPECT_EQ(driver->devices().size(), 2);
+    EXPECT_TRUE(std::filesystem::exists(driver.folder / "opened")) << "so the file shows what was opened";
+}
+
+TEST(AlsaAudioDriver, RunsAtTheRateAskedForThenTheCardsThenTheUsualOne) {
+    struct Case {
+        const char* what;
+        std::optional<unsigned> wanted;
+        const char* running;
+        double rate;
+    };
+    const Case cases[] = {
+        {"idle", {}, "closed\n", 48000.0},
+        {"running", {}, "rate: 96000 (96000/1)\nchannels: 2\n", 96000.0},
+        {"asked for", 96000U, "closed\n", 96000.0},
+        {"asked for while running otherwise", 48000U, "rate: 96000 (96000/1)\nchannels: 2\n", 48000.0},
+        {"not offered", 44100U, "closed\n", 48000.0}};
+    for (const auto& [what, wanted, running, rate] : cases) {
+        const std::string side = "type scripted rate 48000 secondRate 96000";
+        AlsaFixture driver(cardDefinition(side, side), {cardName}, wanted);
+        driver.showCard(0, "X32", "pcm0c/sub0/hw_params", running);
+        EXPECT_EQ(driver->device(cardUID)->sampleRate, rate) << what;
+    }
+}
+
+struct Reservations final : CardReservations {
+    Lease reserve(int card, std::function<void()> onRequest) override {
+        if (refuses) return nullptr;
+        request = std::move(onRequest);
+        held.push_back(card);
+        return {&held, [this](const void*) { held.pop_back(); }};
+    }
+    bool refuses = false;
+    std::vector<int> held;
+    std::function<void()> request;
+};
+
+TEST(AlsaAudioDriver, HoldsACardWhileItIsOpenAndNotToListIt) {
+    Reservations reservations;
+    const std::string side = "type scripted";
+    AlsaFixture driver(cardDefinition(side, side), {cardName}, {}, nullptr, &reservations);
+    driver.showCard(7, "X32", "id", "X32");
+    ChangeLog log;
+    const auto watch = driver->watch(cardUID, log.listener());
+    AlsaClient client(1);
+    reservations.refuses = true;
+    EXPECT_EQ(driver->devices().size(), 1);
+    EXPECT_EQ(driver->requestBufferSize(cardUID, 64), kAudioDevicePermissionsError);
+    EXPECT_EQ(driver->open(cardUID, true, client).error(), kAudioDevicePermissionsError);
+    reservations.refuses = false;
+    {
+        const auto stream = driver->open(cardUID, true, client);
+        ASSERT_TRUE(stream);
+        EXPECT_THAT(reservations.held, ElementsAre(7));
+        reservations.request();
+        EXPECT_THAT(log.waitFor(1), ElementsAre(AudioDeviceChange::died));
+    }
+    EXPECT_THAT(reservations.held, ElementsAre());
 }
 
 TEST(AlsaAudioDriver, SaysWhyADeviceCannotBeOpened) {

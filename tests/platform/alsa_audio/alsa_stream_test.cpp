@@ -1,14 +1,24 @@
 #include "support/allocation_guard.h"
 #include "support/alsa_fixture.h"
 #include "support/change_log.h"
+#include "support/wait_for.h"
 
 #include <gmock/gmock.h>
 
+#include <linux/capability.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <optional>
 #include <random>
+#include <thread>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -18,6 +28,7 @@ using orvane::test::AlsaClient;
 using orvane::test::AlsaFixture;
 using orvane::test::ChangeLog;
 using orvane::test::contentOf;
+using orvane::test::waitFor;
 using testing::ElementsAre;
 
 constexpr std::string_view scriptedUID = "alsa:device";
@@ -138,6 +149,94 @@ TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
         run(*stream.value(), client);
         EXPECT_EQ(stream.value()->xrunCount(), 1) << what;
     }
+}
+
+TEST(AlsaStream, TakesCyclesThatAreAlwaysLateForNoDeathOfTheDevice) {
+    // After two periods of silence each period comes too late.
+    AlsaFixture driver(R"(
+        pcm.device {
+            type asym
+            playback.pcm { type scripted error 32 errorAfter 2 errorEvery 3 errorCount 1000 }
+            capture.pcm { type scripted }
+        }
+    )");
+    ChangeLog log;
+    const auto watch = driver->watch(uid, log.listener());
+    AlsaClient client(30);
+    const auto stream = driver->open(uid, true, client);
+    ASSERT_EQ(stream.value()->start(), noErr);
+    EXPECT_TRUE(waitFor([&] { return client.cycleCount() >= 30 || !log.isEmpty(); }));
+    stream.value()->stop();
+    EXPECT_TRUE(log.isEmpty());
+    EXPECT_GE(client.cycleCount(), 30);
+    EXPECT_GE(stream.value()->xrunCount(), 29);
+}
+
+TEST(AlsaStream, WaitsForTheFirstPeriodOfADeviceThatStartsSlowly) {
+    AlsaFixture driver(R"(
+        pcm.device { type asym playback.pcm { type scripted } capture.pcm { type scripted startDelay 300 } }
+    )");
+    AlsaClient client(5);
+    const auto stream = driver->open(uid, true, client);
+    run(*stream.value(), client);
+    EXPECT_EQ(stream.value()->xrunCount(), 0);
+}
+
+TEST(AlsaStream, QueuesThreePeriodsOnUSBCardsAndTwoOnOthers) {
+    constexpr std::size_t periodBytes = std::size_t{64} * 2 * 4;
+    for (const bool isUsb : {true, false}) {
+        AlsaFixture driver(
+            "pcm.hw { @args [ CARD DEV ] @args.CARD.type string @args.DEV.type string\n"
+            "type file format raw file FOLDER/out slave.pcm { type scripted periods 4 } }\n",
+            {"hw:CARD=X32,DEV=0"}
+        );
+        driver.showCard(1, "X32", isUsb ? "usbid" : "id", "any");
+        AlsaClient client(24, [](auto, auto outputs, std::size_t) {
+            for (const auto& output : outputs)
+                std::ranges::fill(output, 0.5F);
+        });
+        const auto stream = driver->open("alsa:hw:CARD=X32,DEV=0", false, client);
+        ASSERT_TRUE(stream);
+        run(*stream.value(), client);
+        const std::string played = contentOf(driver.folder / "out");
+        const std::size_t silence = played.find_first_not_of('\0');
+        EXPECT_EQ(silence / periodBytes, isUsb ? 3 : 2);
+    }
+}
+
+struct Lender final : PriorityLender {
+    int lend(pid_t thread) override {
+        calls.emplace_back(thread, ::gettid());
+        return 20;
+    }
+    int obtainable() override { return 20; }
+    /// The thread that is helped, and the one that asks.
+    std::vector<std::pair<pid_t, pid_t>> calls;
+};
+
+TEST(AlsaStream, BorrowsThePriorityThatItsThreadMayNotTake) {
+    Lender lender;
+    AlsaFixture driver("pcm.device { type scripted }", {"device"}, {}, &lender);
+    rlimit before{};
+    getrlimit(RLIMIT_RTPRIO, &before);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    setrlimit(RLIMIT_RTPRIO, &none);
+    // A thread of its own gives up the privileges that the I/O thread inherits.
+    std::thread([&] {
+        __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+        __user_cap_data_struct noCapabilities[_LINUX_CAPABILITY_U32S_3] = {};
+        ASSERT_EQ(syscall(SYS_capset, &header, noCapabilities), 0);
+        std::atomic<pid_t> ioThread = 0;
+        AlsaClient client(1, [&](auto, auto, std::size_t) { ioThread = ::gettid(); });
+        const auto stream = driver->open(uid, true, client);
+        ASSERT_EQ(stream.value()->start(), noErr);
+        client.waitForCycles();
+        EXPECT_THAT(lender.calls, ElementsAre(std::pair(ioThread.load(), ::gettid())));
+        EXPECT_EQ(stream.value()->realtimePriority(), 20);
+        stream.value()->stop();
+        EXPECT_EQ(stream.value()->realtimePriority(), 0);
+    }).join();
+    setrlimit(RLIMIT_RTPRIO, &before);
 }
 
 TEST(AlsaStream, TellsOfADeviceThatDies) {
