@@ -31,9 +31,9 @@ struct BundleContents {
     bool operator==(const BundleContents&) const = default;
 };
 
-/// Finds the effects of one bundle: plugins with one or two audio inputs and outputs that need nothing the host
-/// lacks. Reads descriptions only. The
-/// libraries that do so may crash or hang on hostile data: only for a process that may. Any thread.
+/// Finds the effects of one bundle: plugins with one or two audio inputs and outputs that need nothing the
+/// host lacks. Reads descriptions only. The libraries that do so may crash or hang on hostile data: only for
+/// a process that may. Any thread.
 BundleContents readBundle(const std::filesystem::path& folder);
 
 /// The sentence for a bundle or plugin that is left out.

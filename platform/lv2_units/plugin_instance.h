@@ -71,8 +71,8 @@ class PluginInstance final {
     [[nodiscard]] PropertyList::Dictionary state() const;
     /// Lets the plugin take a state, once it has done the work that it is at. `gate`: of the unit that runs
     /// it, to be paused meanwhile unless the plugin's description says otherwise; null while it is not run.
-    /// A plugin that does not finish its work does not get the state, which is logged. Fails if the plugin was
-    /// not given a file that the state names; it takes the rest of the state then.
+    /// A plugin that does not finish its work does not get the state, which is logged. Fails if the plugin
+    /// was not given a file that the state names; it takes the rest of the state then.
     Result<Done> restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
 
   private:

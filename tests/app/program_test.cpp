@@ -47,8 +47,7 @@ TEST(Application, TellsWhyItDoesNotStart) {
          {Case{"", none, 1, "orvane-cli run"}, Case{"", dead, 1, "orvane-cli run"},
           Case{"", homeless, 1, "orvane-cli run"}, Case{"--channels 0", none, 2, "--channels"},
           Case{"--buffer-size 100", none, 2, "--buffer-size"}, Case{"--rate 5", none, 2, "--rate"},
-          Case{"--loud", none, 2, "--loud"},
-          Case{"--virtual-input none.wav", offscreen, 1, "none.wav"},
+          Case{"--loud", none, 2, "--loud"}, Case{"--virtual-input none.wav", offscreen, 1, "none.wav"},
           Case{"--device virtual:none --record out.wav", offscreen, 1, "virtual:none"}}) {
         EXPECT_EQ(exitCodeOf(folder, one.arguments, one.display), one.exitCode) << one.arguments;
         const std::string message = contentOf(folder / "stderr");

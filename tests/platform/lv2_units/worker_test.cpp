@@ -3,7 +3,7 @@
 #include "support/lv2_bundles.h"
 #include "support/wait_for.h"
 
-#include "scripted_plugin.h"
+#include "support/scripted_plugin.h"
 
 #include <gtest/gtest.h>
 
