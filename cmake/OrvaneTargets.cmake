@@ -24,8 +24,6 @@ endif()
 set(ORVANE_SANITIZE "" CACHE STRING "Sanitizer to build with: address, thread or nothing")
 set_property(CACHE ORVANE_SANITIZE PROPERTY STRINGS "" address thread)
 
-option(ORVANE_UNITY "Compile the product's sources several at a time: faster from nothing, slower after an edit" OFF)
-
 option(ORVANE_FUZZ "Build the fuzzers for libFuzzer (needs clang)" OFF)
 
 add_library(orvane_flags INTERFACE)
@@ -68,19 +66,15 @@ function(orvane_compile_together name count)
   target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
 endfunction()
 
-# orvane_library(NAME FOLDER [SEPARATE] SOURCES ... [LINK ...] [LINK_PRIVATE ...])
-# SEPARATE: each source is compiled by itself even with ORVANE_UNITY, because sources have local names in common.
+# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...])
 # LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use.
 function(orvane_library name folder)
-  cmake_parse_arguments(arg "SEPARATE" "" "SOURCES;LINK;LINK_PRIVATE" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
   cmake_path(GET folder PARENT_PATH parent)
   file(MAKE_DIRECTORY "${include_root}/${parent}")
   file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${folder}" SYMBOLIC)
   add_library(${name} STATIC ${arg_SOURCES})
-  if(ORVANE_UNITY AND NOT arg_SEPARATE)
-    orvane_compile_together(${name} 8)
-  endif()
   target_include_directories(${name} PUBLIC "${include_root}")
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE orvane_flags ${arg_LINK_PRIVATE})
 endfunction()
