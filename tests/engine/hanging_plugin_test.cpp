@@ -76,7 +76,9 @@ struct NoPatience {
 struct HangingShow {
     HangingShow() {
         stage->devices.front().output->listener = [this](auto) { ++blocks; };
-        for (const session::ChannelStrip& strip : engine.state().channelStrips.get())
+        // A copy: each load replaces the published strips.
+        const std::vector<session::ChannelStrip> strips = engine.state().channelStrips.get();
+        for (const session::ChannelStrip& strip : strips)
             engine.loadPlugin(stage->effects.components.front(), 0, strip.id);
         stage->settle();
     }
