@@ -128,7 +128,8 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
           "env --default-signal=INT " + render + panel + " --output - >&4"}) {
         EXPECT_EQ(orvane::test::exitCodeOfShell(folder, pipe + stalled + interrupt), 1) << stalled;
         EXPECT_THAT(
-            contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped)[^\n]*\n")
+            contentOf(folder / "stderr"),
+            MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped|canceled)[^\n]*\n")
         );
     }
     EXPECT_EQ(
