@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view blanks = " \t";
 
-/// The value of "KEY=" among the arguments of a PCM's name; empty if there is none.
+/// The value of "KEY=" among the arguments of a PCM's name; empty if it is absent.
 std::string argument(const std::string& pcmName, std::string_view key) {
     const std::size_t colon = pcmName.find(':');
     const std::size_t start = colon == std::string::npos ? colon : pcmName.find(key, colon);
@@ -50,7 +50,7 @@ std::map<std::string, std::string> readFields(const fs::path& file) {
     return fields;
 }
 
-/// The number that a text begins with; 0 if there is none.
+/// The number that a text begins with; 0 without one.
 unsigned numberIn(std::string_view text) {
     unsigned number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);

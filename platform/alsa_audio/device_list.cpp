@@ -20,7 +20,7 @@ std::size_t channelCountOf(const Result<PcmOffer, ErrorNumber>& offer) {
     return offer ? offer.value().channelCount() : 0;
 }
 
-bool isHeldBySomebody(const Result<PcmOffer, ErrorNumber>& offer) {
+bool isInUse(const Result<PcmOffer, ErrorNumber>& offer) {
     return !offer && isBusy(offer.error());
 }
 
@@ -63,8 +63,7 @@ std::vector<PcmListing> DeviceList::listings() const {
 
 std::optional<AudioDriverDevice> DeviceList::describe(const PcmListing& listing) {
     DeviceOffer offer = DeviceOffer::ask(lookup, listing.pcmName);
-    if (isHeldBySomebody(offer.playback) || isHeldBySomebody(offer.capture))
-        return describeBusy(listing, offer);
+    if (isInUse(offer.playback) || isInUse(offer.capture)) return describeBusy(listing, offer);
     if (!offer.playback && !offer.capture) return std::nullopt;
     const unsigned rate = offer.settleRate();
     AudioDriverDevice& known = knownByPcmName[listing.pcmName];
@@ -82,7 +81,7 @@ AudioDriverDevice DeviceList::describeBusy(const PcmListing& listing, DeviceOffe
     if (known != knownByPcmName.end() && isOursNow(listing.pcmName)) return known->second;
     const unsigned rate = offer.settleRate();
     const auto channels = [&](Direction direction, const Result<PcmOffer, ErrorNumber>& asked) {
-        if (!isHeldBySomebody(asked)) return channelCountOf(asked);
+        if (!isInUse(asked)) return channelCountOf(asked);
         const auto use = lookup.cards.use(listing.pcmName, direction);
         return use ? use->channelCount : stereo;
     };

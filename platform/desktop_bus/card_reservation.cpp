@@ -175,7 +175,7 @@ void CardReservation::run() {
     sd_bus_close(bus.get());
 }
 
-/// Whether the name is to be given up; nobody gets a lease afterwards.
+/// Whether the name is to be given up; no further lease is granted then.
 bool CardReservation::isOver() {
     const std::scoped_lock lock(mutex);
     const bool hasBeenUsed = lastLease > 0;

@@ -12,7 +12,7 @@ namespace orvane::platform {
 class CardReservation;
 
 /// Reserves sound cards over the session bus, by names such as org.freedesktop.ReserveDevice1.Audio0, as
-/// sound servers do. Where there is no bus, cards count as reserved. Any thread but an audio thread.
+/// sound servers do. Without a bus, cards count as reserved. Any thread but an audio thread.
 class DeviceReservations final : public CardReservations {
   public:
     /// A name is kept for `afterwards` once its last lease is gone, so that no sound server opens the card
