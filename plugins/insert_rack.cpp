@@ -352,7 +352,7 @@ void InsertRack::finishLoad(
         owner.setLastError(refuse(component, key));
         return;
     }
-    if (plugin->renderContext->isStuck()) {
+    if (plugin->renderContext->isAbandoned()) {
         owner.setLastError(giveUp(key, plugin));
         return;
     }
@@ -402,7 +402,7 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     plugin->sampleRate = 0.0;
     plugin->avAudioUnit->deallocateRenderResources();
     if (setUp(*plugin, key)) {
-        if (!plugin->renderContext->isStuck()) return std::nullopt;
+        if (!plugin->renderContext->isAbandoned()) return std::nullopt;
         return giveUp(key, plugin);
     }
     // What it was set to is not lost with it.

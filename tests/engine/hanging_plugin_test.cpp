@@ -130,9 +130,9 @@ TEST(HangingPlugin, ThatDoesNotReturnIsNamedAfterTwoSecondsAndTheMessageGoesWhen
 }
 
 TEST(HangingPlugin, ThatDoesNotReturnIsGivenUpAtTheStopAndTheOthersGoOn) {
-    const NoPatience noPatience;
     const auto show = std::make_shared<HangingShow>();
     platform::abandon(show);
+    const NoPatience noPatience;
     engine::MixerEngine& engine = show->engine;
     engine.start();
     show->expectBlocks();
