@@ -47,12 +47,14 @@ if(ORVANE_FUZZ)
   target_compile_options(orvane_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# Qt asks for it, and what is compiled ahead serves only sources of the same options.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
 # What makes a mistake in reading untrusted bytes end the program instead of serving somebody else. The sanitizers
 # see more than these do.
 if(NOT orvane_sanitizers)
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
-  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
   target_compile_options(orvane_flags INTERFACE
     -fstack-protector-strong -fstack-clash-protection
     $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=3>)
@@ -66,10 +68,22 @@ function(orvane_compile_together name count)
   target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
 endfunction()
 
-# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...])
-# LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use.
+# The headers of the standard library that most sources include, compiled once for all libraries. Debug builds go
+# without, so that the linters find a source that does not include what it uses.
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+  file(GENERATE OUTPUT "${CMAKE_BINARY_DIR}/orvane_headers.cpp" CONTENT "")
+  add_library(orvane_headers OBJECT "${CMAKE_BINARY_DIR}/orvane_headers.cpp")
+  target_link_libraries(orvane_headers PRIVATE orvane_flags)
+  target_precompile_headers(orvane_headers PRIVATE <algorithm> <array> <atomic> <chrono> <cmath> <condition_variable>
+    <filesystem> <fstream> <functional> <map> <memory> <mutex> <optional> <set> <span> <string> <string_view> <thread>
+    <unordered_map> <utility> <variant> <vector>)
+endif()
+
+# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
+# LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use; PRECOMPILE: the headers to compile ahead
+# instead of the shared ones.
 function(orvane_library name folder)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE;PRECOMPILE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
   cmake_path(GET folder PARENT_PATH parent)
   file(MAKE_DIRECTORY "${include_root}/${parent}")
@@ -77,6 +91,11 @@ function(orvane_library name folder)
   add_library(${name} STATIC ${arg_SOURCES})
   target_include_directories(${name} PUBLIC "${include_root}")
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE orvane_flags ${arg_LINK_PRIVATE})
+  if(arg_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE ${arg_PRECOMPILE})
+  elseif(TARGET orvane_headers)
+    target_precompile_headers(${name} REUSE_FROM orvane_headers)
+  endif()
 endfunction()
 
 # orvane_program(NAME SOURCES ... LINK ...)
