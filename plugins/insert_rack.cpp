@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <semaphore>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -56,6 +57,12 @@ void warmUp(const LoadedInsertPlugin& plugin, std::int64_t frameCount) {
     }
     plugin.renderContext->abandon();
     platform::abandon(block);
+}
+
+/// What an error says, to be followed by a full stop.
+std::string_view withoutFullStop(std::string_view sentence) {
+    if (sentence.ends_with('.')) sentence.remove_suffix(1);
+    return sentence;
 }
 
 /// How many slots of a strip can hold a live plugin.
@@ -337,9 +344,10 @@ void InsertRack::fail(
     const AVAudioUnitComponent& component, const PluginSlotKey& key, const std::optional<Error>& error
 ) {
     setLoadState(key, load_state::Failed{error ? error->description : "Unknown error instantiating plugin."});
-    owner.setLastError(
-        fmt::format("Failed to load {}: {}.", component.name, error ? error->description : "unknown error")
-    );
+    owner.setLastError(fmt::format(
+        "Failed to load {}: {}.", component.name,
+        error ? withoutFullStop(error->description) : "unknown error"
+    ));
 }
 
 void InsertRack::finishLoad(

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, coverage, fuzz,
-# bench, package.
+# bench, trial, package.
 # Says nothing when none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
@@ -15,6 +15,7 @@ lint=(clang-tidy-16 cppcheck valgrind)
 coverage=(gcovr)
 fuzz=(clang-16 libclang-rt-16-dev)
 bench=(sox libsox-fmt-base ffmpeg time jackd2 mda-lv2)
+trial=(python3 guitarix-lv2 swh-lv2 lsp-plugins-lv2 calf-plugins zam-plugins dpf-plugins-lv2 eq10q x42-plugins mda-lv2)
 package=(dpkg-dev file binutils xz-utils lintian appstream desktop-file-utils mandoc debootstrap)
 
 fail() {
@@ -32,8 +33,9 @@ for group in "$@"; do
     coverage) wanted+=("${coverage[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
     bench) wanted+=("${bench[@]}") ;;
+    trial) wanted+=("${trial[@]}") ;;
     package) wanted+=("${package[@]}") ;;
-    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, coverage, fuzz, bench and package." ;;
+    *) fail "there is no package group \"$group\"; the groups are build, tests, check, lint, coverage, fuzz, bench, trial and package." ;;
     esac
 done
 

@@ -129,6 +129,7 @@ TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
     };
     for (const Case& loaded : std::vector<Case>{
              {"error", {}, platform::Error{"no licence"}, "no licence", "Failed to load Odd: no licence."},
+             {"sentence", {}, platform::Error{"It is old."}, "It is old.", "Failed to load Odd: It is old."},
              {"neither instance nor error",
               {},
               platform::Error{""},
