@@ -1,0 +1,140 @@
+#include "support/build_files.h"
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
+#include "support/program.h"
+#include "support/server_process.h"
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
+
+#include <jack/jack.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using orvane::test::contentOf;
+using orvane::test::exitCodeOfShell;
+using orvane::test::JackTestServer;
+using orvane::test::TemporaryFolder;
+using orvane::test::waitFor;
+using Sizes = std::vector<std::uint32_t>;
+
+const std::string program = orvane::test::builtProgram("orvane-cli");
+
+/// Another client of the server, which notes every buffer size that it changes to.
+class SizeObserver final {
+  public:
+    SizeObserver()
+        : client(
+            jack_client_open(orvane::test::uniqueJackName("sizes").c_str(), JackNoStartServer, nullptr),
+            jack_client_close
+        ) {
+        const auto note = [](jack_nframes_t frames, void* self) {
+            auto& observer = *static_cast<SizeObserver*>(self);
+            const std::scoped_lock lock(observer.mutex);
+            observer.sizes.push_back(frames);
+            return 0;
+        };
+        jack_set_buffer_size_callback(client.get(), note, this);
+        jack_activate(client.get());
+        take();
+    }
+
+    /// Those since the last call.
+    Sizes take() {
+        const std::scoped_lock lock(mutex);
+        return std::exchange(sizes, {});
+    }
+
+    bool awaitChange() {
+        return waitFor([this] {
+            const std::scoped_lock lock(mutex);
+            return !sizes.empty();
+        });
+    }
+
+    void change(std::uint32_t frames) { jack_set_buffer_size(client.get(), frames); }
+
+  private:
+    std::mutex mutex;
+    Sizes sizes;
+    std::unique_ptr<jack_client_t, decltype(&jack_client_close)> client;
+};
+
+int exitCodeOf(pid_t process) {
+    int status = 0;
+    ::waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Starts a run that changes the server's buffer size to 128 frames and prints its meters into a file.
+pid_t startRun(const std::string& meters = "/dev/null") {
+    const std::string command =
+        "ORVANE_DRIVERS=jack exec '" + program + "' run --buffer-size 128 --meters json >'" + meters + "'";
+    return orvane::test::startServer({"sh", "-c", command});
+}
+
+/// Waits until meters have been printed, from which on the mix runs.
+bool awaitMeters(const std::string& meters) {
+    return waitFor([&] { return !contentOf(meters).empty(); });
+}
+
+TEST(JackRun, TakesTheServersBufferSizeAndGivesBackWhatItChanges) {
+    const TemporaryFolder folder;
+    const JackTestServer server({.period = 64});
+    SizeObserver observer;
+    const auto session = folder.add(
+        "show.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 1024, "snapshots": []})"
+    );
+    const auto run = [&](const std::string& options) {
+        const std::string command = "ORVANE_DRIVERS=jack " + program + " run --meters none --seconds 0.1 ";
+        EXPECT_EQ(exitCodeOfShell(folder, command + options), 0) << contentOf(folder / "stderr");
+        return observer.take();
+    };
+    EXPECT_EQ(run(""), Sizes{});
+    EXPECT_EQ(run("--buffer-size 128"), (Sizes{128, 64}));
+    EXPECT_EQ(run("--channels 1 --session " + session.string()), (Sizes{1024, 64}));
+    observer.change(48);
+    observer.take();
+    EXPECT_EQ(run(""), (Sizes{512, 48})) << "is not offered";
+}
+
+TEST(JackRun, GivesTheBufferSizeBackAtEverySignalUnlessAnotherProgramHasChangedIt) {
+    const JackTestServer server({.period = 64});
+    SizeObserver observer;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t run = startRun();
+        ASSERT_TRUE(observer.awaitChange());
+        ::kill(run, signal);
+        EXPECT_EQ(exitCodeOf(run), 0) << signal;
+        EXPECT_EQ(observer.take(), (Sizes{128, 64})) << signal;
+    }
+    const TemporaryFolder folder;
+    const std::string meters = (folder / "meters").string();
+    const pid_t run = startRun(meters);
+    ASSERT_TRUE(awaitMeters(meters));
+    observer.change(256);
+    ::kill(run, SIGTERM);
+    EXPECT_EQ(exitCodeOf(run), 0);
+    EXPECT_EQ(observer.take(), (Sizes{128, 256}));
+}
+
+TEST(JackRun, FailsWhenItsServerIsGone) {
+    const TemporaryFolder folder;
+    JackTestServer server({.period = 64});
+    const std::string meters = (folder / "meters").string();
+    const pid_t run = startRun(meters);
+    ASSERT_TRUE(awaitMeters(meters));
+    server.end(SIGKILL);
+    EXPECT_EQ(exitCodeOf(run), 1);
+}
+
+} // namespace
