@@ -78,8 +78,13 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
+        // Devices that are named are the wanted ones, unless they fail.
+        if (!machine.mainUID) adviseOnDevices();
         const auto main = findDevice(devices, machine.mainUID);
-        if (!main) return main.error();
+        if (!main) {
+            adviseOnDevices();
+            return main.error();
+        }
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
         const std::size_t strips =
@@ -119,6 +124,7 @@ class LiveRun final {
         const std::optional<std::string>& message = engine->state().lastError.get();
         if (!engine->state().isRunning.get()) {
             bufferSizes.restore();
+            adviseOnDevices();
             // The name of a device in use says by which program.
             return Error{fmt::format(
                 "{}: {}", engine->state().selectedDevice.get()->name,
@@ -168,6 +174,11 @@ class LiveRun final {
         if (auto problem = audio::rateProblem(device, options.machine.sampleRate))
             return Error{*std::move(problem)};
         return device;
+    }
+
+    /// Says at most once which devices are out of reach.
+    void adviseOnDevices() {
+        if (!std::exchange(hasAdvised, true)) printSentence(machine.deviceAdvice());
     }
 
     void chooseBufferSize(bool hasSession) {
@@ -327,6 +338,7 @@ class LiveRun final {
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;
+    bool hasAdvised = false;
     double nextPlainLine = 0.0;
     double elapsedSeconds = 0.0;
     double peakLoad = 0.0;
