@@ -362,6 +362,8 @@ int runLive(const LiveRunOptions& options) {
     LiveRun run(options, *machine.value(), loop);
     Result<Done> outcome = run.prepare();
     if (outcome) outcome = run.run();
+    // What explains a failure comes before it.
+    machine.value()->log.flush();
     const int exitCode = report(outcome);
     machine::endIfAbandoned(exitCode);
     return exitCode;

@@ -49,6 +49,10 @@ class AudioMachine final {
   public:
     /// Without hardware yet; `make` is what programs call.
     explicit AudioMachine(std::string clientName);
+    /// Writes out what is still in the log.
+    ~AudioMachine() { log.flush(); }
+    AudioMachine(const AudioMachine&) = delete;
+    AudioMachine& operator=(const AudioMachine&) = delete;
 
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
     /// where a file cannot be played or recorded.

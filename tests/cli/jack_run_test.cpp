@@ -146,6 +146,21 @@ TEST(JackRun, FailsWhenItsServerIsGone) {
     EXPECT_EQ(exitCodeOf(run), 1);
 }
 
+TEST(JackRun, SaysThatTheServerHasNoPortsLeft) {
+    const TemporaryFolder folder;
+    const JackTestServer server({.period = 64, .channelCount = 20}, 64);
+    SizeObserver observer;
+    EXPECT_EQ(
+        exitCodeOfShell(folder, "ORVANE_DRIVERS=jack " + program + " run --buffer-size 128 --meters none"), 1
+    );
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        HasSubstr("orvane-cli: system: Failed to start audio engine: AudioUnitInitialize failed: OSStatus "
+                  "2003329396. The JACK server has no ports left; ")
+    );
+    EXPECT_EQ(observer.take(), (Sizes{128, 64}));
+}
+
 /// The socket of a PipeWire server that takes connections.
 class PipeWireSocket final {
   public:

@@ -157,6 +157,15 @@ TEST(LiveRun, MixesOnAndFailsAtItsEndIfItsRecordingFails) {
     EXPECT_THAT(
         contentOf(folder / "stderr"), HasSubstr("the recording goes to " + (folder / "out-2.wav").string())
     );
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " run --record /nowhere/out.wav"), 1);
+    const char* const why = "The file \"/nowhere/out.wav\" could not be written: No such file or directory.";
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        AllOf(
+            HasSubstr(fmt::format("[VirtualAudio] ORVANE Demo Panel does not start. {}\n", why)),
+            HasSubstr(fmt::format("AudioOutputUnitStart failed: OSStatus 2003329396. {}\n", why))
+        )
+    );
     EXPECT_EQ(exitCodeOfShell(folder, cli + " run --seconds 0.1 --record out.flac"), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("ends in .wav, .w64 or .rf64"));
 }
