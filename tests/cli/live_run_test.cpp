@@ -71,6 +71,13 @@ TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
     const std::string run = cli + " run --seconds 0.3 --channels 2 --meters text";
     EXPECT_EQ(exitCodeOfShell(folder, run), 0);
     EXPECT_THAT(contentOf(folder / "stdout"), AllOf(HasSubstr(" 2 "), Not(HasSubstr("\x1b["))));
+    std::istringstream lines(contentOf(folder / "stdout"));
+    double second = 0.0;
+    for (std::string line; std::getline(lines, line);)
+        if (line.find(" s, load") != std::string::npos) {
+            EXPECT_GE(std::stod(line), second) << "one frame a second";
+            second += 1.0;
+        }
     EXPECT_EQ(exitCodeOfShell(folder, "script -qec '" + run + "' /dev/null"), 0);
     EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("\x1b[5A"));
 }
