@@ -117,7 +117,8 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
               .log = audioMachine.log,
               .applicationSupport = platform::applicationSupportDirectory(),
               .editorWindows = &editorWindows,
-              .insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency())},
+              .insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency()),
+              .deviceAdvice = [&audioMachine] { return audioMachine.deviceAdvice(); }},
          .preferences = preferences,
          .onMixer = [&desktop](const engine::EngineState* mixer) { desktop.follow(mixer); }},
         std::move(line.launch)

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace orvane::audio {
@@ -46,9 +47,9 @@ CoreAudioIOEngine::Outcome outcome(OSStatus status, const char* what) {
 using EngineError = CoreAudioIOEngine::EngineError;
 using Outcome = CoreAudioIOEngine::Outcome;
 
-EngineError EngineError::osStatus(OSStatus status, std::string what) {
+EngineError EngineError::osStatus(OSStatus status, std::string what, std::string reason) {
     EngineError error;
-    error.failedStep = FailedStep{status, std::move(what)};
+    error.failedStep = FailedStep{status, std::move(what), std::move(reason)};
     return error;
 }
 
@@ -58,7 +59,10 @@ EngineError EngineError::componentNotFound() {
 
 std::string EngineError::description() const {
     if (!failedStep) return "Could not find the AUHAL audio component.";
-    return fmt::format("{} failed: OSStatus {}", failedStep->what, failedStep->status);
+    const std::string_view join = failedStep->reason.empty() ? "" : ". ";
+    return fmt::format(
+        "{} failed: OSStatus {}{}{}", failedStep->what, failedStep->status, join, failedStep->reason
+    );
 }
 
 CoreAudioIOEngine::CoreAudioIOEngine(AudioHardware& audioHardware, const Configuration& fixed)
@@ -181,7 +185,7 @@ Outcome CoreAudioIOEngine::installRenderCallback() {
 }
 
 Outcome CoreAudioIOEngine::initialize() {
-    return outcome(hardware.AudioUnitInitialize(audioUnit), "AudioUnitInitialize");
+    return deviceOutcome(hardware.AudioUnitInitialize(audioUnit), "AudioUnitInitialize");
 }
 
 template <class Value>
@@ -208,7 +212,7 @@ void CoreAudioIOEngine::allocateInputBuffers() {
 
 Outcome CoreAudioIOEngine::start() {
     if (audioUnit == nullptr) return EngineError::osStatus(kAudio_ParamError, "start (not set up)");
-    return outcome(hardware.AudioOutputUnitStart(audioUnit), "AudioOutputUnitStart");
+    return deviceOutcome(hardware.AudioOutputUnitStart(audioUnit), "AudioOutputUnitStart");
 }
 
 bool CoreAudioIOEngine::stop() {
@@ -218,14 +222,20 @@ bool CoreAudioIOEngine::stop() {
     return false;
 }
 
+Outcome CoreAudioIOEngine::deviceOutcome(OSStatus status, const char* what) const {
+    if (status == noErr) return Done{};
+    const auto reason = readUnitProperty<StringRef>(kAudioOutputUnitProperty_FailureReason);
+    return EngineError::osStatus(status, what, reason == nullptr ? std::string() : *reason);
+}
+
 template <class Value>
 Value CoreAudioIOEngine::readUnitProperty(std::uint32_t property) const {
-    Value value = 0;
+    Value value{};
     if (audioUnit == nullptr) return value;
-    const PropertySize read = hardware.AudioUnitGetProperty(
-        audioUnit, property, kAudioUnitScope_Global, outputElement, platform::writableBytesOf(value)
-    );
-    return read.status == noErr ? value : 0;
+    const std::span<std::byte> bytes = platform::writableBytesOf(value);
+    const PropertySize read =
+        hardware.AudioUnitGetProperty(audioUnit, property, kAudioUnitScope_Global, outputElement, bytes);
+    return read.status == noErr && read.size == bytes.size() ? value : Value{};
 }
 
 std::uint32_t CoreAudioIOEngine::xrunCount() const {

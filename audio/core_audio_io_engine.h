@@ -26,7 +26,8 @@ class CoreAudioIOEngine final {
     /// Why a unit could not be set up or started. A value.
     class EngineError final {
       public:
-        static EngineError osStatus(platform::OSStatus status, std::string what);
+        /// `reason` is a sentence that says more; empty if only the status does.
+        static EngineError osStatus(platform::OSStatus status, std::string what, std::string reason = {});
         static EngineError componentNotFound();
 
         /// For the person at the screen.
@@ -38,6 +39,7 @@ class CoreAudioIOEngine final {
         struct FailedStep {
             platform::OSStatus status;
             std::string what;
+            std::string reason;
 
             bool operator==(const FailedStep&) const = default;
         };
@@ -133,6 +135,9 @@ class CoreAudioIOEngine final {
         std::uint32_t property, std::uint32_t scope, std::uint32_t element, const Value& value,
         const char* what
     );
+
+    /// The outcome of a call that reached for the device.
+    [[nodiscard]] Outcome deviceOutcome(platform::OSStatus status, const char* what) const;
 
     template <class Value>
     [[nodiscard]] Value readUnitProperty(std::uint32_t property) const;

@@ -86,6 +86,7 @@ int listDevices(const DevicesOptions& options) {
         printMessage(*error);
         return 1;
     }
+    if (const auto advice = audioMachine.deviceAdvice()) printMessage(*advice);
     const auto text = options.asJSON ? devicesAsJSON : deviceTable;
     return printResult(text(engine.state().availableDevices.get(), priorityOn(audioMachine)));
 }

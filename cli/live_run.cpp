@@ -3,6 +3,7 @@
 #include "audio/audio_device_manager.h"
 #include "audio/find_device.h"
 #include "cli/await_plugins.h"
+#include "cli/buffer_size_keeper.h"
 #include "cli/message.h"
 #include "cli/meter_bridge.h"
 #include "cli/meter_output.h"
@@ -77,8 +78,13 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
+        // Devices that are named are the wanted ones, unless they fail.
+        if (!machine.mainUID) adviseOnDevices();
         const auto main = findDevice(devices, machine.mainUID);
-        if (!main) return main.error();
+        if (!main) {
+            adviseOnDevices();
+            return main.error();
+        }
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
         const std::size_t strips =
@@ -102,7 +108,7 @@ class LiveRun final {
         }
         if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
         awaitPlugins(*engine, loop, [] { return false; });
-        if (options.bufferSize) engine->setBufferSize(*options.bufferSize);
+        chooseBufferSize(document.has_value());
         if (auto armed = armLearn(); !armed) return armed;
         return selectMIDISource();
     }
@@ -111,14 +117,20 @@ class LiveRun final {
         // What needs threads, before there is a mix that would end where the system has none left.
         const std::optional<std::string> advice = machine::realtimeAdvice(machine.priorityLender());
         if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
+        // From here on the run has things to give back at its end.
+        const machine::InterruptGuard interrupt;
         engine->start();
+        bufferSizes.noteChanges();
         const std::optional<std::string>& message = engine->state().lastError.get();
-        if (!engine->state().isRunning.get())
+        if (!engine->state().isRunning.get()) {
+            bufferSizes.restore();
+            adviseOnDevices();
             // The name of a device in use says by which program.
             return Error{fmt::format(
                 "{}: {}", engine->state().selectedDevice.get()->name,
                 message.value_or("The mixer did not start.")
             )};
+        }
         if (message) printMessage(*message);
         printSentence(advice);
         if (const auto* const recorder = machine.recorder();
@@ -140,7 +152,6 @@ class LiveRun final {
         const auto toLearning = engine->state().midiLearnTargetIndex.subscribe([this](const auto& index) {
             if (!index) printMessage("The note now recalls snapshot " + numberAndName(*options.learn - 1));
         });
-        const machine::InterruptGuard interrupt;
         const auto start = std::chrono::steady_clock::now();
         const auto timer = loop.repeat(meterInterval, [this, start, &interrupt] {
             const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -163,6 +174,21 @@ class LiveRun final {
         if (auto problem = audio::rateProblem(device, options.machine.sampleRate))
             return Error{*std::move(problem)};
         return device;
+    }
+
+    /// Says at most once which devices are out of reach.
+    void adviseOnDevices() {
+        if (!std::exchange(hasAdvised, true)) printSentence(machine.deviceAdvice());
+    }
+
+    void chooseBufferSize(bool hasSession) {
+        const auto present = bufferSizes.remember(*engine->state().selectedDevice.get());
+        if (const auto& master = engine->state().masterOutputDevice.get()) bufferSizes.remember(*master);
+        if (options.bufferSize)
+            engine->setBufferSize(*options.bufferSize);
+        else if (!hasSession && present)
+            // Ignored if it is not offered.
+            engine->setBufferSize(*present);
     }
 
     Result<Done> armLearn() {
@@ -283,6 +309,7 @@ class LiveRun final {
     Result<Done> finish() {
         const bool died = !engine->state().isRunning.get();
         engine->stop();
+        bufferSizes.restore();
         if (platform::isAnythingAbandoned()) printSentence(engine->state().lastError.get());
         meters.reset();
         machine.log.flush();
@@ -300,6 +327,8 @@ class LiveRun final {
     const LiveRunOptions& options;
     AudioMachine& machine;
     platform::RunLoop& loop;
+    /// Outlives the engine, which must have stopped.
+    BufferSizeKeeper bufferSizes{machine.hardware()};
     std::optional<MixerEngine> engine;
     /// The channels of the session that the mixer has no strips for: they stay in its file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
@@ -309,6 +338,7 @@ class LiveRun final {
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;
+    bool hasAdvised = false;
     double nextPlainLine = 0.0;
     double elapsedSeconds = 0.0;
     double peakLoad = 0.0;
@@ -332,6 +362,8 @@ int runLive(const LiveRunOptions& options) {
     LiveRun run(options, *machine.value(), loop);
     Result<Done> outcome = run.prepare();
     if (outcome) outcome = run.run();
+    // What explains a failure comes before it.
+    machine.value()->log.flush();
     const int exitCode = report(outcome);
     machine::endIfAbandoned(exitCode);
     return exitCode;

@@ -21,7 +21,7 @@ struct LiveRunOptions {
     std::optional<std::size_t> channels = {};
     /// The uid of a device for the master bus.
     std::optional<std::string> masterDevice = {};
-    /// In frames; the session's if absent.
+    /// In frames; the session's or else the device's present one if absent.
     std::optional<std::int64_t> bufferSize = {};
     /// The id of the MIDI source to listen to; all of them if absent.
     std::optional<std::int32_t> midiSource = {};

@@ -33,7 +33,10 @@ void addRunCommand(CLI::App& program, Action& action) {
         "--master-device", options->masterDevice, "Uid of a device of its own for the master bus"
     );
     command
-        ->add_option("--buffer-size", options->bufferSize, "Frames per block; otherwise the session's or 512")
+        ->add_option(
+            "--buffer-size", options->bufferSize,
+            "Frames per block; otherwise the session's or the device's present ones"
+        )
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));

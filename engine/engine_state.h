@@ -21,6 +21,8 @@ struct EngineState {
     audio::Published<std::vector<session::ChannelStrip>> channelStrips;
     /// What can be selected.
     audio::Published<std::vector<audio::AudioDeviceInfo>> availableDevices;
+    /// Why others that the machine has cannot, and what to do about it.
+    audio::Published<std::optional<std::string>> deviceAdvice;
     /// The device that is captured from and played to.
     audio::Published<std::optional<audio::AudioDeviceInfo>> selectedDevice;
     /// A device of its own for the master bus; absent = the selected device.

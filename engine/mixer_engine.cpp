@@ -156,6 +156,7 @@ void MixerEngine::refreshDevices() {
         return device.inputChannelCount < 1 && device.outputChannelCount < 1;
     });
     published.availableDevices.set(std::move(devices).value());
+    published.deviceAdvice.set(services.deviceAdvice());
     for (const AudioDeviceInfo& device : published.availableDevices.get())
         updateChosenDevices(device);
 }

@@ -2,8 +2,8 @@
 
 #include "platform/alsa_audio/alsa_audio_driver.h"
 #include "platform/alsa_midi/alsa_midi_driver.h"
-#include "platform/jack_audio/jack_audio_driver.h"
 #include "platform/jack_midi/jack_midi_driver.h"
+#include "platform/pipewire_socket.h"
 #include "platform/program_data.h"
 #include "platform/virtual_audio/output_recorder.h"
 #include "platform/virtual_audio/virtual_audio_driver.h"
@@ -96,8 +96,11 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
     if (!options.device && (options.virtualInput || options.record))
         machine->mainUID = devices.value().front().description.uid;
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    if (isWanted("jack"))
-        drivers.push_back(std::make_unique<platform::JackAudioDriver>(machine->jackClients));
+    if (isWanted("jack")) {
+        auto jack = std::make_unique<platform::JackAudioDriver>(machine->jackClients);
+        machine->jackDriver = jack.get();
+        drivers.push_back(std::move(jack));
+    }
     if (isWanted("alsa"))
         drivers.push_back(std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
             .sampleRate = options.sampleRate,
@@ -109,6 +112,14 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
         ));
     machine->audioHardware = std::make_unique<platform::SystemAudioHardware>(std::move(drivers));
     return machine;
+}
+
+std::optional<std::string> AudioMachine::deviceAdvice() {
+    const bool isMissed =
+        jackDriver != nullptr && platform::isPipeWireRunning() && !jackDriver->isServerRunning();
+    if (!isMissed) return std::nullopt;
+    return "PipeWire is running, but no JACK server answers; to mix on PipeWire's devices, start ORVANE with "
+           "pw-jack in front of the command (package pipewire-jack).";
 }
 
 } // namespace orvane::machine

@@ -3,6 +3,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/desktop_bus/device_reservations.h"
 #include "platform/desktop_bus/realtime_kit.h"
+#include "platform/jack_audio/jack_audio_driver.h"
 #include "platform/jack_audio/jack_clients.h"
 #include "platform/lv2_units/lv2_unit_host.h"
 #include "platform/midi_driver.h"
@@ -48,6 +49,10 @@ class AudioMachine final {
   public:
     /// Without hardware yet; `make` is what programs call.
     explicit AudioMachine(std::string clientName);
+    /// Writes out what is still in the log.
+    ~AudioMachine() { log.flush(); }
+    AudioMachine(const AudioMachine&) = delete;
+    AudioMachine& operator=(const AudioMachine&) = delete;
 
     /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
     /// where a file cannot be played or recorded.
@@ -62,6 +67,9 @@ class AudioMachine final {
     /// What records the main device; null if nothing does.
     [[nodiscard]] platform::OutputRecorder* recorder() { return outputRecorder.get(); }
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
+    /// What to do if PipeWire runs and no JACK server answers, so that its devices are not listed; nothing
+    /// otherwise, or if JACK is not wanted. Main thread.
+    [[nodiscard]] std::optional<std::string> deviceAdvice();
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
     /// Ends the search for effects, so that the program can end at once. Any thread.
     void cancelScan() { audioUnitHost.cancelScan(); }
@@ -77,6 +85,8 @@ class AudioMachine final {
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
     std::shared_ptr<platform::OutputRecorder> outputRecorder;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
+    /// Null if JACK is not wanted; the hardware owns it.
+    platform::JackAudioDriver* jackDriver = nullptr;
 };
 
 } // namespace orvane::machine

@@ -44,6 +44,10 @@ class AudioStreamClient {
         std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
         std::size_t frameCount
     ) noexcept = 0;
+
+    /// Gets the reason, as one sentence for people, before opening or starting the stream fails, if the
+    /// driver knows more than its status says. Main thread.
+    virtual void explainFailure(std::string_view /*reason*/) {}
 };
 
 /// An open device. Destroying it stops it and gives the device back. Main thread.

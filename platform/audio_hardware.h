@@ -97,6 +97,9 @@ inline constexpr std::uint32_t kAudioOutputUnitProperty_SetInputCallback = 2005;
 inline constexpr std::uint32_t kAudioOutputUnitProperty_XRunCount = fourCharCode("xrun");
 /// Signed 32-bit, read only: the real-time priority of the I/O thread, 0 if it has none.
 inline constexpr std::uint32_t kAudioOutputUnitProperty_RealtimePriority = fourCharCode("rtpr");
+/// StringRef, read only: why the unit could not be initialised or started last, as one sentence for people;
+/// empty if only the status says. Lives as long as the unit.
+inline constexpr std::uint32_t kAudioOutputUnitProperty_FailureReason = fourCharCode("why?");
 
 inline constexpr std::uint32_t kAudioFormatLinearPCM = fourCharCode("lpcm");
 /// Float, packed, not interleaved.

@@ -73,15 +73,18 @@ PropertySize AudioUnitInstance::getProperty(
 ) const {
     if (Place{scope, element} != globalPlace) return {kAudioUnitErr_InvalidScope, 0};
     const auto copy = [data](const auto& value) -> PropertySize {
-        if (data.size() != sizeof(value)) return {kAudioUnitErr_InvalidPropertyValue, 0};
-        std::ranges::copy(bytesOf(value), data.begin());
-        return {noErr, static_cast<std::uint32_t>(sizeof(value))};
+        const std::span<const std::byte> bytes = bytesOf(value);
+        if (data.size() != bytes.size()) return {kAudioUnitErr_InvalidPropertyValue, 0};
+        std::ranges::copy(bytes, data.begin());
+        return {noErr, static_cast<std::uint32_t>(bytes.size())};
     };
     switch (property) {
     case kAudioOutputUnitProperty_XRunCount:
         return copy(stream ? stream->xrunCount() : std::uint32_t{0});
     case kAudioOutputUnitProperty_RealtimePriority:
         return copy(stream ? std::int32_t{stream->realtimePriority()} : std::int32_t{0});
+    case kAudioOutputUnitProperty_FailureReason:
+        return copy(StringRef{&failureReason});
     default:
         return {kAudioUnitErr_InvalidProperty, 0};
     }
@@ -107,6 +110,7 @@ OSStatus AudioUnitInstance::initialize() {
     if (stream) return noErr;
     const std::optional<RegisteredDevice> target = registry.find(device);
     if (!target) return kAudioHardwareBadDeviceError;
+    failureReason.clear();
     auto opened = target->driver->open(*target->uid, enableInput != 0, *this);
     if (!opened) return opened.error();
     stream = std::move(opened).value();
@@ -121,6 +125,7 @@ OSStatus AudioUnitInstance::uninitialize() {
 }
 
 OSStatus AudioUnitInstance::start() {
+    failureReason.clear();
     return stream ? stream->start() : kAudioUnitErr_Uninitialized;
 }
 

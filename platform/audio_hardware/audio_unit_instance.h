@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::platform {
@@ -33,6 +35,8 @@ class AudioUnitInstance final : public AudioStreamClient {
     ORVANE_REALTIME OSStatus
     renderInput(std::uint32_t bus, std::uint32_t frameCount, AudioBufferList& buffers) const noexcept;
 
+    void explainFailure(std::string_view reason) override { failureReason = reason; }
+
     ORVANE_REALTIME void cycle(
         std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
         std::size_t frameCount
@@ -57,6 +61,7 @@ class AudioUnitInstance final : public AudioStreamClient {
     AURenderCallbackStruct renderCallback;
 
     std::unique_ptr<AudioStream> stream;
+    std::string failureReason;
     /// What the render callback is handed: the device's own buffers, then spare ones for channels that the
     /// device does not have.
     std::vector<AudioBuffer> outputBuffers;

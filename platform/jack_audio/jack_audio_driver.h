@@ -19,6 +19,9 @@ class JackAudioDriver final : public AudioDriver {
     [[nodiscard]] std::string_view name() const override { return "jack"; }
     std::vector<AudioDriverDevice> devices() override;
 
+    /// Whether a server answers, also if it has no devices.
+    [[nodiscard]] bool isServerRunning();
+
     /// The server's, the same for all devices.
     Result<std::uint32_t, OSStatus> bufferSize(std::string_view uid) override;
     OSStatus requestBufferSize(std::string_view uid, std::uint32_t frameCount) override;

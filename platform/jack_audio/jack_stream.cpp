@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <utility>
 
 namespace orvane::platform {
@@ -17,6 +18,9 @@ namespace {
 /// What no JACK server goes beyond. It may change its buffer size at any time, and cycles of the new size
 /// come before anybody has been told.
 constexpr std::size_t longestCycleInFrames = 8192;
+
+constexpr std::string_view noPortsLeft =
+    "The JACK server has no ports left; end other clients, or start it with more (jackd --port-max).";
 
 bool connectPorts(jack_client_t* client, const char* source, const char* destination) {
     const int status = jack_connect(client, source, destination);
@@ -48,8 +52,10 @@ JackStream::~JackStream() {
 bool JackStream::prepare() {
     bool isPrepared = false;
     jackClient->use([&](jack_client_t* client) {
-        isPrepared = inputs.registerPorts(client, "in_", JackPortIsInput)
-                     && outputs.registerPorts(client, "out_", JackPortIsOutput)
+        const bool hasPorts = inputs.registerPorts(client, "in_", JackPortIsInput)
+                              && outputs.registerPorts(client, "out_", JackPortIsOutput);
+        if (!hasPorts && !jackClient->isGone()) streamClient.explainFailure(noPortsLeft);
+        isPrepared = hasPorts
                      && jack_set_process_callback(client, jackCallback<int, &JackStream::process>, this) == 0
                      && countXruns(client);
         if (!isPrepared) return;

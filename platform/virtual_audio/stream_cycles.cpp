@@ -69,6 +69,7 @@ OSStatus StreamCycles::refuse(const Error& why) {
         LogLevel::error, virtualAudioLogCategory,
         {device.device.description.name, " does not start. ", why.description}
     );
+    client.explainFailure(why.description);
     return kAudioHardwareUnspecifiedError;
 }
 

@@ -71,6 +71,13 @@ TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
     const std::string run = cli + " run --seconds 0.3 --channels 2 --meters text";
     EXPECT_EQ(exitCodeOfShell(folder, run), 0);
     EXPECT_THAT(contentOf(folder / "stdout"), AllOf(HasSubstr(" 2 "), Not(HasSubstr("\x1b["))));
+    std::istringstream lines(contentOf(folder / "stdout"));
+    double second = 0.0;
+    for (std::string line; std::getline(lines, line);)
+        if (line.find(" s, load") != std::string::npos) {
+            EXPECT_GE(std::stod(line), second) << "one frame a second";
+            second += 1.0;
+        }
     EXPECT_EQ(exitCodeOfShell(folder, "script -qec '" + run + "' /dev/null"), 0);
     EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("\x1b[5A"));
 }
@@ -156,6 +163,15 @@ TEST(LiveRun, MixesOnAndFailsAtItsEndIfItsRecordingFails) {
     EXPECT_EQ(exitCodeOfShell(folder, cli + " run --meters none --seconds 0.1 --record " + recording), 0);
     EXPECT_THAT(
         contentOf(folder / "stderr"), HasSubstr("the recording goes to " + (folder / "out-2.wav").string())
+    );
+    EXPECT_EQ(exitCodeOfShell(folder, cli + " run --record /nowhere/out.wav"), 1);
+    const char* const why = "The file \"/nowhere/out.wav\" could not be written: No such file or directory.";
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        AllOf(
+            HasSubstr(fmt::format("[VirtualAudio] ORVANE Demo Panel does not start. {}\n", why)),
+            HasSubstr(fmt::format("AudioOutputUnitStart failed: OSStatus 2003329396. {}\n", why))
+        )
     );
     EXPECT_EQ(exitCodeOfShell(folder, cli + " run --seconds 0.1 --record out.flac"), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("ends in .wav, .w64 or .rf64"));

@@ -65,6 +65,12 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
         EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(one.says)) << one.arguments;
         EXPECT_EQ(contentOf(folder / "stderr"), "") << one.arguments;
     }
+    const std::string onTerminal = fmt::format(
+        "script -qec \"{} render --input {} --output '{}'\" /dev/null", program, panel,
+        (folder / "out.wav").string()
+    );
+    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, onTerminal), 0);
+    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("]   0%"));
 }
 
 TEST(Program, SaysWhereItsResultCannotBeWritten) {

@@ -125,7 +125,7 @@ TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
     EXPECT_EQ(readSound(folder / "stems/01 Mic_1.wav")[0], input[0]);
     EXPECT_EQ(readSound(folder / "stems/02 Mic_2.wav")[0], input[1]);
     EXPECT_EQ(rendering.report.value().blocks, 2U);
-    EXPECT_FALSE(rendering.progress.empty());
+    EXPECT_THAT(rendering.progress, ElementsAre(0.0, 64.0 / 101.0));
 }
 
 TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
@@ -135,14 +135,14 @@ TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
     session::MixerDocumentData document = bypassedSession({output::Mono{0}, output::Stereo{4, 5, -1.0}});
     document.bufferSize = 100;
     document.channels[0].inputChannelIndex = 7;
-    document.masterOutputRouting = master_output::Stereo{2, 3};
+    document.masterOutputRouting = master_output::Stereo{6, 7};
     const auto session = writeSession(folder, document);
 
     const Rendering whole({.input = sound, .output = folder / "whole.wav", .session = session});
     ASSERT_TRUE(whole.report);
     EXPECT_EQ(whole.report.value().bufferSize, 512U);
     const Samples played = readSound(folder / "whole.wav");
-    ASSERT_EQ(played.size(), 6U);
+    ASSERT_EQ(played.size(), 8U);
     EXPECT_EQ(played[0], std::vector<float>(64, 0.0F));
     EXPECT_EQ(played[4], std::vector<float>(64, 0.125F));
     EXPECT_TRUE(whole.warnings.empty());
@@ -159,7 +159,7 @@ TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
     EXPECT_EQ(cut.report.value().strips.size(), 5U);
     EXPECT_EQ(readSound(folder / "cut.wav"), Samples(3, std::vector<float>(64, 0.0F)));
     EXPECT_THAT(
-        cut.warnings, ElementsAre(HasSubstr("Master Out was reset to \"None\""), HasSubstr("outputs up to 6"))
+        cut.warnings, ElementsAre(HasSubstr("Master Out was reset to \"None\""), HasSubstr("outputs up to 8"))
     );
 }
 
@@ -188,6 +188,18 @@ TEST(Render, ReportsWhatItDid) {
     EXPECT_NEAR(report["masterGainDB"].get<double>(), -10.0 - dsp::linearToDB(0.25), 0.1);
     EXPECT_LE(report["meanLoad"], report["peakLoad"]);
     EXPECT_THAT(text, HasSubstr("2.0 s in 188 blocks of 512 frames"));
+}
+
+TEST(Render, MixesTheLastBlockAsIfSilenceFollowedTheInput) {
+    const TemporaryFolder folder;
+    // Long enough for every buffer to have held sound before.
+    Samples input(2, std::vector<float>(100 * 512 + 1, 0.25F));
+    const nlohmann::json cutOff = reportOf(folder, input);
+    for (std::vector<float>& channel : input)
+        channel.resize(101 * 512, 0.0F);
+    const nlohmann::json padded = reportOf(folder, input);
+    for (const char* key : {"strips", "masterGainDB", "blocks"})
+        EXPECT_EQ(cutOff[key], padded[key]);
 }
 
 TEST(Render, ReportsTheGainsOfWhoSpeaksAndWhoListens) {

@@ -57,7 +57,8 @@ JackServerName::~JackServerName() {
     ::unsetenv(nameVariable);
 }
 
-JackTestServer::JackTestServer(Format serverFormat) : format(serverFormat) {
+JackTestServer::JackTestServer(Format serverFormat, std::uint32_t portCount)
+    : format(serverFormat), mostPorts(portCount) {
     restart();
 }
 
@@ -88,7 +89,10 @@ void JackTestServer::restart(std::optional<std::uint32_t> sampleRate) {
 
 void JackTestServer::launch() {
     const std::string channels = std::to_string(format.channelCount);
-    std::vector<std::string> words{"jackd", "-n", name.text(), "--no-realtime", "-t", clientTimeoutInMs};
+    std::vector<std::string> words{"jackd",     "-n",
+                                   name.text(), "--no-realtime",
+                                   "-t",        clientTimeoutInMs,
+                                   "-p",        std::to_string(mostPorts)};
     if (format.waitsForClients) words.emplace_back("--sync");
     words.insert(
         words.end(), {"-d", "dummy", "-r", std::to_string(format.sampleRate), "-p",

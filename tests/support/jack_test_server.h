@@ -42,8 +42,9 @@ class JackTestServer final {
         }
     };
 
-    /// Starts it and returns when clients can open; throws where it cannot be started.
-    explicit JackTestServer(Format serverFormat);
+    /// Starts it and returns when clients can open; throws where it cannot be started. `portCount`: ports
+    /// that the server and all of its clients can have together.
+    explicit JackTestServer(Format serverFormat, std::uint32_t portCount = 2048);
     ~JackTestServer();
     JackTestServer(const JackTestServer&) = delete;
     JackTestServer& operator=(const JackTestServer&) = delete;
@@ -62,6 +63,7 @@ class JackTestServer final {
 
     JackServerName name;
     Format format;
+    std::uint32_t mostPorts;
     pid_t process = -1;
 };
 

@@ -144,10 +144,12 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
             maximumFrames = read<std::uint32_t>(data);
         return record("AudioUnitSetProperty", property, scope, element, "=", textOf(data));
     }
-    /// 3 cycles were late, at priority 70.
+    /// 3 cycles were late, at priority 70; no failure has a reason.
     PropertySize AudioUnitGetProperty(
         Unit, std::uint32_t property, std::uint32_t, std::uint32_t, std::span<std::byte> data
     ) override {
+        if (property == platform::kAudioOutputUnitProperty_FailureReason)
+            return {platform::kAudioUnitErr_InvalidProperty, 0};
         const std::uint32_t value = property == platform::kAudioOutputUnitProperty_XRunCount ? 3 : 70;
         std::ranges::copy(platform::bytesOf(value), data.begin());
         return {record("AudioUnitGetProperty"), sizeof value};

@@ -83,6 +83,20 @@ TEST_F(DeviceSettings, SaysThatThereAreNoDevices) {
     EXPECT_FALSE(shows(sheet, text));
 }
 
+TEST_F(DeviceSettings, SaysWhatToDoAboutDevicesThatAreNotListed) {
+    std::optional<std::string> advice = "Start a server.";
+    engine::Services services = machine.services();
+    services.deviceAdvice = [&advice] { return advice; };
+    engine::MixerEngine advised(2, services);
+    const DeviceSettingsView view(advised);
+    EXPECT_FALSE(shows(view, "Start a server."));
+    advised.refreshDevices();
+    EXPECT_TRUE(shows(view, "Start a server."));
+    advice.reset();
+    buttonOf(view, "Refresh Audio Device").click();
+    EXPECT_FALSE(shows(view, "Start a server."));
+}
+
 TEST_F(DeviceSettings, EstimatesLatencyAndMemory) {
     EXPECT_TRUE(shows(sheet, noEstimate));
     struct Case {

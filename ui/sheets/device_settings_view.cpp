@@ -96,6 +96,7 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
     : Sheet(QStringLiteral("Audio / MIDI Devices"), sheetSize, parent),
       engine(mixerEngine),
       noDevices(makeText(noDevicesText, TextStyle::callout, theme::secondaryText)),
+      deviceAdvice(makeText({}, TextStyle::caption, theme::secondaryText)),
       deviceList(new QWidget),
       deviceRows(new QVBoxLayout(deviceList)),
       bufferSize(new MenuPicker(
@@ -137,6 +138,7 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
 
     subscribe();
     showDevices();
+    showDeviceAdvice();
     showBufferSize();
     showMIDI();
 }
@@ -153,6 +155,7 @@ QLayout* DeviceSettingsView::makeDeviceSection() {
         [this] { engine.refreshDevices(); }
     ));
     lines->addWidget(noDevices);
+    lines->addWidget(deviceAdvice);
     deviceList->setMinimumHeight(listHeight);
     deviceList->setAutoFillBackground(true);
     deviceList->setBackgroundRole(QPalette::Base);
@@ -196,6 +199,7 @@ void DeviceSettingsView::subscribe() {
         subscriptions.push_back(value.subscribe([this, display](const auto&) { (this->*display)(); }));
     };
     follow(state.availableDevices, &DeviceSettingsView::showDevices);
+    follow(state.deviceAdvice, &DeviceSettingsView::showDeviceAdvice);
     follow(state.selectedDevice, &DeviceSettingsView::showSelection);
     follow(state.bufferSize, &DeviceSettingsView::showBufferSize);
     follow(state.masterOutputDevice, &DeviceSettingsView::showMasterOutput);
@@ -222,6 +226,12 @@ void DeviceSettingsView::showDevices() {
     }
     showSelection();
     showMasterOutput();
+}
+
+void DeviceSettingsView::showDeviceAdvice() {
+    const auto& advice = engine.state().deviceAdvice.get();
+    deviceAdvice->setVisible(advice.has_value());
+    deviceAdvice->setText(QString::fromStdString(advice.value_or("")));
 }
 
 void DeviceSettingsView::showSelection() {

@@ -30,6 +30,7 @@ class DeviceSettingsView final : public Sheet {
     QLayout* makeMIDISection();
     void subscribe();
     void showDevices();
+    void showDeviceAdvice();
     void showSelection();
     void showBufferSize();
     void showEstimate();
@@ -40,6 +41,7 @@ class DeviceSettingsView final : public Sheet {
 
     engine::MixerEngine& engine;
     QLabel* const noDevices;
+    QLabel* const deviceAdvice;
     QWidget* const deviceList;
     QVBoxLayout* const deviceRows;
     MenuPicker* const bufferSize;

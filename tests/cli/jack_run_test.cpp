@@ -1,0 +1,217 @@
+#include "platform/file_descriptor.h"
+#include "support/build_files.h"
+#include "support/jack_peer.h"
+#include "support/jack_test_server.h"
+#include "support/program.h"
+#include "support/server_process.h"
+#include "support/wait_for.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <jack/jack.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using orvane::test::contentOf;
+using orvane::test::exitCodeOfShell;
+using orvane::test::JackTestServer;
+using orvane::test::TemporaryFolder;
+using orvane::test::waitFor;
+using testing::HasSubstr;
+using testing::Not;
+using Sizes = std::vector<std::uint32_t>;
+
+const std::string program = orvane::test::builtProgram("orvane-cli");
+
+/// Another client of the server, which notes every buffer size that it changes to.
+class SizeObserver final {
+  public:
+    SizeObserver()
+        : client(
+            jack_client_open(orvane::test::uniqueJackName("sizes").c_str(), JackNoStartServer, nullptr),
+            jack_client_close
+        ) {
+        const auto note = [](jack_nframes_t frames, void* self) {
+            auto& observer = *static_cast<SizeObserver*>(self);
+            const std::scoped_lock lock(observer.mutex);
+            observer.sizes.push_back(frames);
+            return 0;
+        };
+        jack_set_buffer_size_callback(client.get(), note, this);
+        jack_activate(client.get());
+        take();
+    }
+
+    /// Those since the last call.
+    Sizes take() {
+        const std::scoped_lock lock(mutex);
+        return std::exchange(sizes, {});
+    }
+
+    bool awaitChange() {
+        return waitFor([this] {
+            const std::scoped_lock lock(mutex);
+            return !sizes.empty();
+        });
+    }
+
+    void change(std::uint32_t frames) { jack_set_buffer_size(client.get(), frames); }
+
+  private:
+    std::mutex mutex;
+    Sizes sizes;
+    std::unique_ptr<jack_client_t, decltype(&jack_client_close)> client;
+};
+
+int exitCodeOf(pid_t process) {
+    int status = 0;
+    ::waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Starts a run that changes the server's buffer size to 128 frames and prints its meters into a file.
+pid_t startRun(const std::string& meters = "/dev/null") {
+    const std::string command =
+        "ORVANE_DRIVERS=jack exec '" + program + "' run --buffer-size 128 --meters json >'" + meters + "'";
+    return orvane::test::startServer({"sh", "-c", command});
+}
+
+/// Waits until meters have been printed, from which on the mix runs.
+bool awaitMeters(const std::string& meters) {
+    return waitFor([&] { return !contentOf(meters).empty(); });
+}
+
+TEST(JackRun, TakesTheServersBufferSizeAndGivesBackWhatItChanges) {
+    const TemporaryFolder folder;
+    const JackTestServer server({.period = 64});
+    SizeObserver observer;
+    const auto session = folder.add(
+        "show.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 1024, "snapshots": []})"
+    );
+    const auto run = [&](const std::string& options) {
+        const std::string command = "ORVANE_DRIVERS=jack " + program + " run --meters none --seconds 0.1 ";
+        EXPECT_EQ(exitCodeOfShell(folder, command + options), 0) << contentOf(folder / "stderr");
+        return observer.take();
+    };
+    EXPECT_EQ(run(""), Sizes{});
+    EXPECT_EQ(run("--buffer-size 128"), (Sizes{128, 64}));
+    EXPECT_EQ(run("--channels 1 --session " + session.string()), (Sizes{1024, 64}));
+    observer.change(48);
+    observer.take();
+    EXPECT_EQ(run(""), (Sizes{512, 48})) << "is not offered";
+}
+
+TEST(JackRun, GivesTheBufferSizeBackAtEverySignalUnlessAnotherProgramHasChangedIt) {
+    const JackTestServer server({.period = 64});
+    SizeObserver observer;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t run = startRun();
+        ASSERT_TRUE(observer.awaitChange());
+        ::kill(run, signal);
+        EXPECT_EQ(exitCodeOf(run), 0) << signal;
+        EXPECT_EQ(observer.take(), (Sizes{128, 64})) << signal;
+    }
+    const TemporaryFolder folder;
+    const std::string meters = (folder / "meters").string();
+    const pid_t run = startRun(meters);
+    ASSERT_TRUE(awaitMeters(meters));
+    observer.change(256);
+    ::kill(run, SIGTERM);
+    EXPECT_EQ(exitCodeOf(run), 0);
+    EXPECT_EQ(observer.take(), (Sizes{128, 256}));
+}
+
+TEST(JackRun, FailsWhenItsServerIsGone) {
+    const TemporaryFolder folder;
+    JackTestServer server({.period = 64});
+    const std::string meters = (folder / "meters").string();
+    const pid_t run = startRun(meters);
+    ASSERT_TRUE(awaitMeters(meters));
+    server.end(SIGKILL);
+    EXPECT_EQ(exitCodeOf(run), 1);
+}
+
+TEST(JackRun, SaysThatTheServerHasNoPortsLeft) {
+    const TemporaryFolder folder;
+    const JackTestServer server({.period = 64, .channelCount = 20}, 64);
+    SizeObserver observer;
+    EXPECT_EQ(
+        exitCodeOfShell(folder, "ORVANE_DRIVERS=jack " + program + " run --buffer-size 128 --meters none"), 1
+    );
+    EXPECT_THAT(
+        contentOf(folder / "stderr"),
+        HasSubstr("orvane-cli: system: Failed to start audio engine: AudioUnitInitialize failed: OSStatus "
+                  "2003329396. The JACK server has no ports left; ")
+    );
+    EXPECT_EQ(observer.take(), (Sizes{128, 64}));
+}
+
+/// The socket of a PipeWire server that takes connections.
+class PipeWireSocket final {
+  public:
+    explicit PipeWireSocket(const std::string& path)
+        : socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        EXPECT_EQ(::bind(socket.number(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+        EXPECT_EQ(::listen(socket.number(), SOMAXCONN), 0);
+    }
+
+  private:
+    orvane::platform::FileDescriptor socket;
+};
+
+TEST(Devices, NameTheWayToPipeWireIfItRunsAndNoJackServerAnswers) {
+    const TemporaryFolder folder;
+    const std::string runtime = (folder / "").string();
+    const std::string other = (folder / "other").string();
+    std::optional<PipeWireSocket> usual(std::in_place, runtime + "pipewire-0");
+    const PipeWireSocket named(other);
+    const auto says = [&](const std::string& environment, const std::string& command = "devices") {
+        const std::string shell = "unset PIPEWIRE_REMOTE PIPEWIRE_RUNTIME_DIR XDG_RUNTIME_DIR; " + environment
+                                  + " " + program + " " + command;
+        exitCodeOfShell(folder, shell);
+        return contentOf(folder / "stderr");
+    };
+    const std::string drivers = "ORVANE_DRIVERS=jack,virtual ";
+    const std::string here = fmt::format("{}XDG_RUNTIME_DIR={}", drivers, runtime);
+    const auto advises = HasSubstr("orvane-cli: PipeWire is running, but no JACK server answers; ");
+    {
+        const orvane::test::JackServerName noServer;
+        for (const std::string& environment :
+             {here, fmt::format("{}PIPEWIRE_RUNTIME_DIR={} XDG_RUNTIME_DIR=/nowhere", drivers, runtime),
+              fmt::format("{}PIPEWIRE_REMOTE={}", drivers, other), here + " PIPEWIRE_REMOTE=other"})
+            EXPECT_THAT(says(environment), advises) << environment;
+        for (const char* const run : {"run --meters none --seconds 0.1", "run --device jack:system"})
+            EXPECT_THAT(says(here, run), advises) << run;
+        EXPECT_THAT(says(here, "run --device virtual:panel --meters none --seconds 0.1"), Not(advises));
+        for (const std::string& environment :
+             {drivers, here + " PIPEWIRE_REMOTE=pipewire-1",
+              "ORVANE_DRIVERS=virtual XDG_RUNTIME_DIR=" + runtime})
+            EXPECT_EQ(says(environment), "") << environment;
+        usual.reset();
+        EXPECT_EQ(says(here), "") << "a server that has crashed";
+    }
+    std::filesystem::remove(runtime + "pipewire-0");
+    usual.emplace(runtime + "pipewire-0");
+    const JackTestServer server({.period = 64});
+    EXPECT_EQ(says(here), "");
+}
+
+} // namespace
