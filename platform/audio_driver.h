@@ -4,6 +4,7 @@
 #include "platform/os_status.h"
 #include "platform/result.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -111,9 +112,9 @@ class AudioDriver {
 
     /// The device as it is now; nothing if it is not there.
     virtual std::optional<AudioDriverDevice> device(std::string_view uid) {
-        for (AudioDriverDevice& listed : devices())
-            if (listed.uid == uid) return std::move(listed);
-        return std::nullopt;
+        const std::vector<AudioDriverDevice> listed = devices();
+        const auto found = std::ranges::find(listed, uid, &AudioDriverDevice::uid);
+        return found == listed.end() ? std::nullopt : std::optional(*found);
     }
 
     /// The frames per cycle that the device runs at, or would if it were opened now. Any thread.
