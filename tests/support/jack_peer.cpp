@@ -42,6 +42,7 @@ JackPeer::JackPeer(std::string_view clientName, std::size_t channelCount, unsign
     }
     recorded.resize(channelCount);
     jack_set_process_callback(client, process, this);
+    jack_set_xrun_callback(client, countXrun, this);
     jack_activate(client);
 }
 
@@ -103,6 +104,11 @@ int JackPeer::process(jack_nframes_t frameCount, void* self) noexcept {
     if (!isExchanging) return 0;
     peer.playedFrames += frameCount;
     if (isDone) peer.isExchanging.store(false);
+    return 0;
+}
+
+int JackPeer::countXrun(void* self) noexcept {
+    static_cast<JackPeer*>(self)->xruns.fetch_add(1);
     return 0;
 }
 
