@@ -58,10 +58,12 @@ float JackPeer::signal(std::size_t channel, std::size_t frame) {
 bool JackPeer::connectTo(const std::string& other) {
     bool areConnected = true;
     for (std::size_t channel = 0; channel < outputs.size(); ++channel) {
-        const std::string number = std::to_string(channel + 1);
+        const auto portOf = [&](const char* prefix) {
+            return std::string(other).append(prefix).append(std::to_string(channel + 1));
+        };
         areConnected &=
-            jack_connect(client, jack_port_name(outputs[channel]), (other + ":in_" + number).c_str()) == 0
-            && jack_connect(client, (other + ":out_" + number).c_str(), jack_port_name(inputs[channel])) == 0;
+            jack_connect(client, jack_port_name(outputs[channel]), portOf(":in_").c_str()) == 0
+            && jack_connect(client, portOf(":out_").c_str(), jack_port_name(inputs[channel])) == 0;
     }
     return areConnected;
 }

@@ -96,7 +96,7 @@ class Program final {
 };
 
 TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     DeviceReservations reservations(forEver);
     std::atomic<int> requests = 0;
     auto lease = reservations.reserve(3, [&] { ++requests; });
@@ -126,7 +126,7 @@ TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
 }
 
 TEST(DeviceReservations, AskTheOwnerOfACardToLetGoOfIt) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     Program owner;
     DeviceReservations reservations(0ms);
     ASSERT_TRUE(owner.take());
@@ -138,7 +138,7 @@ TEST(DeviceReservations, AskTheOwnerOfACardToLetGoOfIt) {
 }
 
 TEST(DeviceReservations, GiveTheNameUpSomeTimeAfterTheLastLease) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     Program other;
     {
         DeviceReservations kept(forEver);
