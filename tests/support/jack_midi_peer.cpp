@@ -5,6 +5,7 @@
 
 #include <jack/midiport.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace orvane::test {
@@ -46,8 +47,8 @@ int JackMIDIPeer::process(jack_nframes_t frameCount, void* self) noexcept {
     jack_nframes_t frame = 0;
     for (const Event& event : *events)
         jack_midi_event_write(
-            jack_port_get_buffer(peer.ports[event.port], frameCount), frame++, event.bytes.data(),
-            event.bytes.size()
+            jack_port_get_buffer(peer.ports[event.port], frameCount), std::min(frame++, frameCount - 1),
+            event.bytes.data(), event.bytes.size()
         );
     peer.toPlay.store(nullptr);
     return 0;

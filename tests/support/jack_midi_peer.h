@@ -32,8 +32,8 @@ class JackMIDIPeer final {
     /// How many inputs get what the port sends, as of the current cycle.
     [[nodiscard]] int listenerCount(std::size_t port) const;
 
-    /// Sends the events in one cycle, each one frame after the one before; returns when the cycle has run,
-    /// and whether it has.
+    /// Sends the events in one cycle, each one frame after the one before as long as the cycle has frames;
+    /// returns when the cycle has run, and whether it has.
     bool play(const std::vector<Event>& events);
 
   private:

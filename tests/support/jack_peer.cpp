@@ -42,6 +42,7 @@ JackPeer::JackPeer(std::string_view clientName, std::size_t channelCount, unsign
     }
     recorded.resize(channelCount);
     jack_set_process_callback(client, process, this);
+    jack_set_xrun_callback(client, countXrun, this);
     jack_activate(client);
 }
 
@@ -57,10 +58,12 @@ float JackPeer::signal(std::size_t channel, std::size_t frame) {
 bool JackPeer::connectTo(const std::string& other) {
     bool areConnected = true;
     for (std::size_t channel = 0; channel < outputs.size(); ++channel) {
-        const std::string number = std::to_string(channel + 1);
+        const auto portOf = [&](const char* prefix) {
+            return std::string(other).append(prefix).append(std::to_string(channel + 1));
+        };
         areConnected &=
-            jack_connect(client, jack_port_name(outputs[channel]), (other + ":in_" + number).c_str()) == 0
-            && jack_connect(client, (other + ":out_" + number).c_str(), jack_port_name(inputs[channel])) == 0;
+            jack_connect(client, jack_port_name(outputs[channel]), portOf(":in_").c_str()) == 0
+            && jack_connect(client, portOf(":out_").c_str(), jack_port_name(inputs[channel])) == 0;
     }
     return areConnected;
 }
@@ -103,6 +106,11 @@ int JackPeer::process(jack_nframes_t frameCount, void* self) noexcept {
     if (!isExchanging) return 0;
     peer.playedFrames += frameCount;
     if (isDone) peer.isExchanging.store(false);
+    return 0;
+}
+
+int JackPeer::countXrun(void* self) noexcept {
+    static_cast<JackPeer*>(self)->xruns.fetch_add(1);
     return 0;
 }
 

@@ -39,13 +39,18 @@ class JackPeer final {
 
     bool setBufferSize(std::uint32_t frameCount);
 
+    /// How many missed cycles the server has reported.
+    [[nodiscard]] std::uint32_t xrunCount() const { return xruns.load(); }
+
   private:
     static int process(jack_nframes_t frameCount, void* self) noexcept;
+    static int countXrun(void* self) noexcept;
 
     std::string uniqueName;
     jack_client_t* client;
     std::vector<jack_port_t*> outputs;
     std::vector<jack_port_t*> inputs;
+    std::atomic<std::uint32_t> xruns = 0;
     std::atomic<bool> isExchanging = false;
     std::size_t playedFrames = 0;
     std::size_t wantedFrames = 0;

@@ -1,12 +1,9 @@
+#include "desktop_bus_fixture.h"
+
 #include "platform/desktop_bus/desktop_notifier.h"
 #include "platform/desktop_bus/sleep_inhibitor.h"
-#include "support/desktop_peer.h"
 #include "support/manual_main_thread.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <functional>
 #include <string>
 #include <utility>
@@ -14,12 +11,6 @@
 
 namespace orvane::platform {
 namespace {
-
-using namespace std::chrono_literals;
-using test::DesktopPeer;
-using test::waitFor;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr const char* request = "Inhibit sleep:idle ORVANE The mixer is running block";
 

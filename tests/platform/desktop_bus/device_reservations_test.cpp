@@ -1,24 +1,15 @@
-#include "platform/desktop_bus/device_reservations.h"
-#include "support/desktop_peer.h"
+#include "desktop_bus_fixture.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "platform/desktop_bus/device_reservations.h"
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
-#include <future>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace orvane::platform {
 namespace {
-
-using namespace std::chrono_literals;
-using test::DesktopPeer;
-using test::waitFor;
-using testing::ElementsAre;
 
 constexpr const char* card = "org.freedesktop.ReserveDevice1.Audio3";
 constexpr const char* path = "/org/freedesktop/ReserveDevice1/Audio3";
@@ -104,16 +95,8 @@ class Program final {
     std::unique_ptr<sd_bus, Close> bus;
 };
 
-/// The lease, which the other program hears of meanwhile.
-CardReservations::Lease reserve(DeviceReservations& reservations, Program& owner) {
-    auto lease = std::async(std::launch::async, [&] { return reservations.reserve(3, {}); });
-    while (lease.wait_for(1ms) != std::future_status::ready)
-        owner.serve();
-    return lease.get();
-}
-
 TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     DeviceReservations reservations(forEver);
     std::atomic<int> requests = 0;
     auto lease = reservations.reserve(3, [&] { ++requests; });
@@ -143,18 +126,19 @@ TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
 }
 
 TEST(DeviceReservations, AskTheOwnerOfACardToLetGoOfIt) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     Program owner;
     DeviceReservations reservations(0ms);
     ASSERT_TRUE(owner.take());
-    EXPECT_FALSE(reserve(reservations, owner));
+    const auto reserve = [&] { return reservations.reserve(3, {}); };
+    EXPECT_FALSE(answerOf(owner, reserve));
     owner.lets = true;
-    EXPECT_TRUE(reserve(reservations, owner));
+    EXPECT_TRUE(answerOf(owner, reserve));
     EXPECT_THAT(owner.requests, ElementsAre(10, 10));
 }
 
 TEST(DeviceReservations, GiveTheNameUpSomeTimeAfterTheLastLease) {
-    DesktopPeer desktop;
+    const DesktopPeer desktop;
     Program other;
     {
         DeviceReservations kept(forEver);

@@ -1,36 +1,17 @@
-#include "platform/desktop_bus/realtime_kit.h"
-#include "support/desktop_peer.h"
+#include "desktop_bus_fixture.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "platform/desktop_bus/realtime_kit.h"
 
 #include <pthread.h>
 #include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
-#include <functional>
-#include <future>
-#include <string>
 #include <thread>
 
 namespace orvane::platform {
 namespace {
-
-using namespace std::chrono_literals;
-using test::DesktopPeer;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-/// The answer to what waits for the desktop, which serves it meanwhile.
-int answerOf(DesktopPeer& desktop, const std::function<int()>& question) {
-    auto answer = std::async(std::launch::async, question);
-    while (answer.wait_for(1ms) != std::future_status::ready)
-        desktop.serve();
-    return answer.get();
-}
 
 TEST(RealtimeKit, LendsPriorityToOneThreadOnceItsComputingTimeIsBounded) {
     DesktopPeer desktop;

@@ -6,7 +6,7 @@ namespace {
 
 using orvane::platform::FrameGaps;
 
-TEST(FrameGaps, AreWhereACycleDoesNotBeginAsTheOneBeforeEnded) {
+TEST(FrameGaps, AreWhereACycleBeginsAfterTheEndOfTheOneBefore) {
     struct Cycle {
         std::uint32_t time;
         std::uint32_t frameCount;
@@ -14,17 +14,20 @@ TEST(FrameGaps, AreWhereACycleDoesNotBeginAsTheOneBeforeEnded) {
     };
     FrameGaps gaps;
     for (int run = 0; run < 2; ++run) {
+        for (unsigned cycle = 0; cycle < FrameGaps::cyclesUntilSettled; ++cycle)
+            EXPECT_FALSE(gaps.isBefore(cycle * cycle * 4096, 128)) << "a client that joins the graph";
         for (const Cycle& cycle :
              {Cycle{0xFFFFFF00U, 128, false},
               {0xFFFFFF80U, 128, false},
-              {0, 256, false},
-              {256, 64, false},
-              {320, 1024, false},
-              {1344, 256, false},
-              {1856, 256, true},
-              {2112, 256, false},
-              {9, 256, true},
-              {265, 256, false}})
+              {0, 128, false},
+              {256, 128, true},
+              {384, 128, false},
+              {640, 128, true},
+              {896, 128, true},
+              {896, 128, false},
+              {2048, 1024, false},
+              {3072, 1024, false},
+              {5120, 1024, true}})
             EXPECT_EQ(gaps.isBefore(cycle.time, cycle.frameCount), cycle.isAfterGap)
                 << "run " << run << ", frame " << cycle.time;
         gaps.reset();

@@ -256,7 +256,8 @@ TEST(JackAudioDriver, SurvivesItsServerAndFindsTheNextOne) {
         EXPECT_THAT(driver.jack.devices(), IsEmpty());
 
         server.restart();
-        EXPECT_EQ(driver.jack.devices().size(), 1U) << "signal " << signal;
+        // The server answers before it takes clients.
+        EXPECT_TRUE(waitFor([&] { return driver.jack.devices().size() == 1; })) << "signal " << signal;
         EXPECT_EQ(kept.value()->start(), kAudioHardwareBadDeviceError);
         EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 512), noErr);
         EXPECT_TRUE(log.waitForLines(2)) << "signal " << signal;
