@@ -153,6 +153,9 @@ class MixerEngine final {
     /// operation.
     [[nodiscard]] const platform::AVAudioUnitComponent*
     livePlugin(std::size_t slot, const platform::Uuid& strip) const;
+    /// By how much the plugin in a slot delays its strip, in milliseconds, as of its last block; 0 without a
+    /// live plugin.
+    [[nodiscard]] double pluginLatencyMs(std::size_t slot, const platform::Uuid& strip) const;
     void restorePluginsFromStrips(plugins::RecordsFrom source = plugins::RecordsFrom::scene);
 
     void copyPlugin(std::size_t slot, const platform::Uuid& strip);

@@ -37,6 +37,13 @@ const AVAudioUnitComponent* MixerEngine::livePlugin(std::size_t slot, const Uuid
     return live == nullptr ? nullptr : &live->component;
 }
 
+double MixerEngine::pluginLatencyMs(std::size_t slot, const Uuid& strip) const {
+    constexpr double msPerSecond = 1000.0;
+    const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
+    if (live == nullptr || live->sampleRate <= 0.0) return 0.0;
+    return msPerSecond * live->avAudioUnit->latencyFrames() / live->sampleRate;
+}
+
 void MixerEngine::restorePluginsFromStrips(plugins::RecordsFrom source) {
     pluginOperations.rack().restoreFromStrips(published.pluginSlotRecallSafe.get(), source);
 }

@@ -132,6 +132,10 @@ class AUAudioUnit {
     /// thread at a time.
     [[nodiscard]] virtual AURenderBlock renderBlock() = 0;
 
+    /// By how many frames the last rendered block lags behind its input; 0 before the first one. Any thread,
+    /// real-time safe.
+    [[nodiscard]] virtual std::uint32_t latencyFrames() const noexcept { return 0; }
+
     /// All that makes up the unit's sound, to be restored with `setFullState`; nothing where it has none.
     [[nodiscard]] virtual std::optional<PropertyList::Dictionary> fullState() const = 0;
     /// What does not belong to this effect, or cannot be understood, changes nothing. Fails if the effect was

@@ -100,6 +100,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         if (state.contains("file")) return platform::Error{"Its file cannot be found."};
         return platform::Done{};
     }
+    [[nodiscard]] std::uint32_t latencyFrames() const noexcept override { return latency; }
     std::span<platform::AUParameter* const> parameters() override { return {}; }
 
     void requestViewController(std::function<void(std::shared_ptr<platform::AUViewController>)> completion
@@ -118,6 +119,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
     }
 
     std::atomic<float> gain = 1.0F;
+    std::atomic<std::uint32_t> latency = 0;
     std::function<std::unique_ptr<platform::NativeEditor>(platform::NativeEditorParent&)> nativeEditor;
     std::vector<std::string> steps;
     int editorRequests = 0;

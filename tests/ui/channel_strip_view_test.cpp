@@ -16,6 +16,7 @@
 
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QEnterEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -237,6 +238,16 @@ TEST_F(Strip, SlotsSayWhatAClickDoes) {
     load(0);
     EXPECT_EQ(slot(0).text(), "Warmth");
     EXPECT_EQ(slot(0).toolTip(), "Warmth — click to open its editor. Right-click for more options.");
+    const auto latencyLine = [this](std::uint32_t latency) {
+        machine.audioUnitHost.lastUnit()->latency = latency;
+        QEnterEvent entering({}, {}, {});
+        QApplication::sendEvent(&slot(0), &entering);
+        return slot(0).toolTip().section("options.", 1).toStdString();
+    };
+    EXPECT_EQ(latencyLine(240), "\nadds 5.0 ms");
+    EXPECT_EQ(latencyLine(1), "");
+    engine.setPluginBypassed(true, 0, strip().id);
+    EXPECT_EQ(latencyLine(240), "") << "a bypassed plugin delays nothing";
     machine.audioUnitHost.failure = platform::Error{"no licence"};
     load(1);
     EXPECT_TRUE(slot(1).toolTip().startsWith("Warmth failed to load: ")) << slot(1).toolTip().toStdString();

@@ -24,6 +24,8 @@ constexpr double cornerRadius = 3.0;
 constexpr double dimmed = 0.5;
 /// The mark at the left edge of a slot that holds a plugin.
 constexpr double markWidth = 3.0;
+/// A shorter one would be shown as 0.0 ms.
+constexpr double shortestShownLatencyMs = 0.05;
 
 QString textOf(const std::optional<std::string>& name, const QString& otherwise) {
     return name ? QString::fromStdString(*name) : otherwise;
@@ -124,7 +126,15 @@ QString PluginSlotView::helpNow() const {
                    "%1 — from an older session, not linked to an installed plugin. Click to pick one."
         )
             .arg(name);
-    return QStringLiteral("%1 — click to open its editor. Right-click for more options.").arg(name);
+    return QStringLiteral("%1 — click to open its editor. Right-click for more options.").arg(name)
+           + latencyLine();
+}
+
+QString PluginSlotView::latencyLine() const {
+    const session::PluginSlot* const slot = record();
+    const double latencyMs = engine.pluginLatencyMs(slotIndex, stripID);
+    if (latencyMs < shortestShownLatencyMs || (slot != nullptr && slot->bypassed)) return {};
+    return QStringLiteral("\nadds %1 ms").arg(latencyMs, 0, 'f', 1);
 }
 
 void PluginSlotView::refresh() {
@@ -144,6 +154,12 @@ void PluginSlotView::refresh() {
         update();
     }
     if (const QString help = helpNow(); help != toolTip()) setToolTip(help);
+}
+
+void PluginSlotView::enterEvent(QEnterEvent* event) {
+    // The latency may have changed since the last refresh.
+    refresh();
+    QAbstractButton::enterEvent(event);
 }
 
 void PluginSlotView::paintEvent(QPaintEvent*) {

@@ -496,6 +496,31 @@ TEST_F(Lv2UnitTest, WhatCannotBeUnderstoodInAStateChangesNothing) {
             });
 }
 
+TEST_F(Lv2UnitTest, GivesTheLatencyThatItsPluginReportedInTheLastBlock) {
+    std::string manifest = scripted("plain");
+    const auto replace = [&](const std::string& old, const std::string& by) {
+        manifest.replace(manifest.find(old), old.size(), by);
+    };
+    replace("lv2:maximum 2", "lv2:maximum 1e9 ; lv2:minimum -1");
+    replace("lv2:symbol \"answer\"", "lv2:symbol \"answer\" ; lv2:designation lv2:latency");
+    const Lv2Bundles late;
+    late.add("late.lv2", manifest);
+    Lv2UnitHost lateHost(log, late.searchPath());
+    const auto unit = test::instantiate(lateHost, "plain").unit;
+    ASSERT_EQ(setUp(*unit, 1), "");
+    EXPECT_EQ(unit->latencyFrames(), 0U);
+    UnitRenderer renderer(*unit, 1);
+    // The plugin reports ten times its gain.
+    for (const auto& [gain, latency] :
+         {std::pair{48.0F, 480U}, {1e9F, 0U}, {25.0F, 250U}, {-1.0F, 0U}, {24.0F, 240U}}) {
+        parameter(*unit, "gain").setValue(gain);
+        EXPECT_TRUE(waitFor([&, expected = latency] {
+            renderer.renderBlock(ones);
+            return unit->latencyFrames() == expected;
+        })) << gain;
+    }
+}
+
 TEST_F(Lv2UnitTest, ParametersTakeWhatTheirKindAllows) {
     const Lv2Bundles more;
     const auto port = [](int index, const std::string& name, const std::string& rest) {
