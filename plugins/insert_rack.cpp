@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <semaphore>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -337,9 +338,10 @@ void InsertRack::fail(
     const AVAudioUnitComponent& component, const PluginSlotKey& key, const std::optional<Error>& error
 ) {
     setLoadState(key, load_state::Failed{error ? error->description : "Unknown error instantiating plugin."});
-    owner.setLastError(
-        fmt::format("Failed to load {}: {}.", component.name, error ? error->description : "unknown error")
-    );
+    std::string_view reason = error ? std::string_view(error->description) : "unknown error";
+    // The reason may be a sentence itself.
+    if (reason.ends_with('.')) reason.remove_suffix(1);
+    owner.setLastError(fmt::format("Failed to load {}: {}.", component.name, reason));
 }
 
 void InsertRack::finishLoad(

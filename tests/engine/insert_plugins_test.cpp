@@ -129,6 +129,11 @@ TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
     };
     for (const Case& loaded : std::vector<Case>{
              {"error", {}, platform::Error{"no licence"}, "no licence", "Failed to load Odd: no licence."},
+             {"sentence",
+              {},
+              platform::Error{"No licence."},
+              "No licence.",
+              "Failed to load Odd: No licence."},
              {"neither instance nor error",
               {},
               platform::Error{""},
