@@ -73,6 +73,19 @@ std::vector<plugins::NamedPreset> MixerEngine::pluginPresets(const session::AUCo
     return pluginOperations.presetStore().presets(identity);
 }
 
+std::vector<platform::AUAudioUnitPreset>
+MixerEngine::factoryPresets(std::size_t slot, const Uuid& strip) const {
+    const AVAudioUnitComponent* const live = livePlugin(slot, strip);
+    if (live == nullptr) return {};
+    return services.audioUnitHost.factoryPresets(live->audioComponentDescription);
+}
+
+void MixerEngine::applyFactoryPreset(
+    const platform::AUAudioUnitPreset& preset, std::size_t slot, const Uuid& strip
+) {
+    pluginOperations.rack().applyFactoryPreset(preset, {strip, slot});
+}
+
 void MixerEngine::savePluginPreset(const std::string& name, std::size_t slot, const Uuid& strip) {
     pluginOperations.savePluginPreset(name, {strip, slot});
 }

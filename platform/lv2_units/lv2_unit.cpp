@@ -208,7 +208,7 @@ void Lv2Unit::takeControlOutputs(std::span<const float> controls) noexcept {
 
 std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {
     return makeFullState(
-        description->uri, ownParameters, instance ? instance->state() : PropertyList::Dictionary{}
+        description->uri, controlsOf(ownParameters), instance ? instance->state() : PropertyList::Dictionary{}
     );
 }
 

@@ -19,6 +19,7 @@ using namespace orvane;
 using test::AudioUnitScript;
 using test::stripCount;
 using enum plugins::PluginClipboardArmState;
+using Delivery = test::ScriptedAudioUnitHost::Delivery;
 
 class PluginOperations : public test::InsertPlugins {};
 
@@ -112,6 +113,51 @@ TEST_F(PluginOperations, KeepTheirSettingsAsPresets) {
         engine->copyPlugin(1, id(0));
         EXPECT_EQ(engine->state().pluginClipboard.get()->stateData, std::nullopt);
     }
+}
+
+TEST_F(PluginOperations, GiveALivePluginThePresetThatCameWithItOnceItIsRead) {
+    const auto unit = loadLive(mono, 0);
+    audioUnitHost.presets = {{7, "Loud", "Bank"}};
+    EXPECT_EQ(engine->factoryPresets(0, id(0)), audioUnitHost.presets);
+    EXPECT_TRUE(engine->factoryPresets(1, id(0)).empty());
+    audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {3.0}}};
+    audioUnitHost.delivery = Delivery::byHand;
+    engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
+    engine->applyFactoryPreset(audioUnitHost.presets[0], 1, id(0));
+    ASSERT_EQ(audioUnitHost.pendingCount(), 1U);
+    audioUnitHost.deliver();
+    EXPECT_EQ(unit->gain, 1.0F);
+    mainThread.runPosted();
+    EXPECT_EQ(unit->gain, 3.0F);
+    EXPECT_EQ(engine->makeDocumentData().channels[0].pluginSlots[0].presetData, stateOf(3.0));
+    EXPECT_EQ(message(), "");
+
+    const std::pair<decltype(audioUnitHost.presetState), const char*> failures[] = {
+        {platform::Error{"It cannot be read."}, "It cannot be read."},
+        {platform::PropertyList::Dictionary{{"file", {1.0}}}, "Its file cannot be found."}};
+    for (const auto& [state, sentence] : failures) {
+        audioUnitHost.presetState = state;
+        engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
+        audioUnitHost.deliver();
+        mainThread.runPosted();
+        EXPECT_EQ(message(), sentence);
+    }
+
+    audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {5.0}}};
+    engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
+    engine->loadPlugin(mono, 0, id(0));
+    audioUnitHost.deliver(1);
+    mainThread.runPosted();
+    const auto other = audioUnitHost.lastUnit();
+    audioUnitHost.deliver();
+    mainThread.runPosted();
+    EXPECT_EQ(unit->gain, 3.0F);
+    EXPECT_EQ(other->gain, 1.0F);
+    engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
+    engine.reset();
+    audioUnitHost.deliver();
+    mainThread.runPosted();
+    EXPECT_EQ(other->gain, 1.0F);
 }
 
 TEST_F(PluginOperations, GiveTheLatencyAtTheRateOfThePlugin) {

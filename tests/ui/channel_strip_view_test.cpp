@@ -334,6 +334,20 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
     presetEntries().first()->trigger();
     EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 0.25F);
 
+    // Those of the effect come below the user's, in a menu for each bank.
+    machine.audioUnitHost.presets = {{0, "Plain\n&", ""}, {1, "One", "Rooms"}, {2, "Two", "Rooms"}};
+    machine.audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {3.0}}};
+    const auto entries = presetEntries();
+    ASSERT_EQ(entries.size(), 4);
+    EXPECT_TRUE(entries[1]->isSeparator());
+    EXPECT_EQ(entries[2]->text(), "Plain &&");
+    EXPECT_EQ(entries[3]->text(), "Rooms");
+    ASSERT_EQ(entries[3]->menu()->actions().size(), 2);
+    EXPECT_EQ(entries[3]->menu()->actions().last()->text(), "Two");
+    entries[3]->menu()->actions().last()->trigger();
+    machine.mainThread.runPosted();
+    EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 3.0F);
+
     choose(0, "Remove");
     EXPECT_FALSE(record(0).pluginName);
     machine.audioUnitHost.failure = platform::Error{"no licence"};

@@ -6,7 +6,9 @@
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/theme/theme.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -24,6 +26,7 @@ constexpr double cornerRadius = 3.0;
 constexpr double dimmed = 0.5;
 /// The mark at the left edge of a slot that holds a plugin.
 constexpr double markWidth = 3.0;
+constexpr int longestMenuText = 400;
 /// A shorter one would be shown as 0.0 ms.
 constexpr double shortestShownLatencyMs = 0.05;
 
@@ -31,9 +34,12 @@ QString textOf(const std::optional<std::string>& name, const QString& otherwise)
     return name ? QString::fromStdString(*name) : otherwise;
 }
 
-/// A name as a menu shows it whatever its characters.
+/// A name as a menu shows it whatever its characters and its length.
 QString menuText(const std::string& name) {
-    return QString::fromStdString(name).replace(QChar(u'&'), QStringLiteral("&&"));
+    const QString text = QString::fromStdString(name).simplified();
+    return QFontMetrics(QApplication::font("QMenu"))
+        .elidedText(text, Qt::ElideRight, longestMenuText)
+        .replace(QChar(u'&'), QStringLiteral("&&"));
 }
 
 } // namespace
@@ -250,8 +256,25 @@ void PluginSlotView::addPresetActions(QMenu& menu) {
             load->addAction(menuText(preset.name), this, [this, preset] {
                 engine.applyPluginPreset(preset, slotIndex, stripID);
             });
+    addFactoryPresets(*load);
     if (load->isEmpty()) load->addAction(QStringLiteral("No saved presets"))->setEnabled(false);
     menu.addAction(QStringLiteral("Save Preset…"), this, [this] { askForPresetName(); });
+}
+
+/// Below the user's own, each bank in a menu of its own.
+void PluginSlotView::addFactoryPresets(QMenu& menu) {
+    const auto presets = engine.factoryPresets(slotIndex, stripID);
+    if (!presets.empty() && !menu.isEmpty()) menu.addSeparator();
+    QMenu* list = &menu;
+    std::string bank;
+    for (const platform::AUAudioUnitPreset& preset : presets) {
+        // Those of no bank come first.
+        if (preset.bank != bank) list = menu.addMenu(menuText(preset.bank));
+        bank = preset.bank;
+        list->addAction(menuText(preset.name), this, [this, preset] {
+            engine.applyFactoryPreset(preset, slotIndex, stripID);
+        });
+    }
 }
 
 void PluginSlotView::askForPresetName() {

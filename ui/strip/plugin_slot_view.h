@@ -60,6 +60,7 @@ class PluginSlotView final : public QAbstractButton {
     void press();
     void openPicker();
     void addPresetActions(QMenu& menu);
+    void addFactoryPresets(QMenu& menu);
     void askForPresetName();
 
     engine::MixerEngine& engine;
