@@ -153,6 +153,9 @@ class MixerEngine final {
     /// operation.
     [[nodiscard]] const platform::AVAudioUnitComponent*
     livePlugin(std::size_t slot, const platform::Uuid& strip) const;
+    /// By how much the plugin in a slot delays its strip, in milliseconds, as of its last block; 0 without a
+    /// live plugin.
+    [[nodiscard]] double pluginLatencyMs(std::size_t slot, const platform::Uuid& strip) const;
     void restorePluginsFromStrips(plugins::RecordsFrom source = plugins::RecordsFrom::scene);
 
     void copyPlugin(std::size_t slot, const platform::Uuid& strip);
@@ -163,6 +166,12 @@ class MixerEngine final {
 
     [[nodiscard]] std::vector<plugins::NamedPreset> pluginPresets(const session::AUComponentIdentity& identity
     ) const;
+    /// The settings that come with the live plugin of a slot.
+    [[nodiscard]] std::vector<platform::AUAudioUnitPreset>
+    factoryPresets(std::size_t slot, const platform::Uuid& strip) const;
+    void applyFactoryPreset(
+        const platform::AUAudioUnitPreset& preset, std::size_t slot, const platform::Uuid& strip
+    );
     void savePluginPreset(const std::string& name, std::size_t slot, const platform::Uuid& strip);
     void savePluginPresetOnAllChannels(const std::string& name, std::size_t slot);
     void applyPluginPreset(const plugins::NamedPreset& preset, std::size_t slot, const platform::Uuid& strip);

@@ -37,6 +37,13 @@ const AVAudioUnitComponent* MixerEngine::livePlugin(std::size_t slot, const Uuid
     return live == nullptr ? nullptr : &live->component;
 }
 
+double MixerEngine::pluginLatencyMs(std::size_t slot, const Uuid& strip) const {
+    constexpr double msPerSecond = 1000.0;
+    const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
+    if (live == nullptr || live->sampleRate <= 0.0) return 0.0;
+    return msPerSecond * live->avAudioUnit->latencyFrames() / live->sampleRate;
+}
+
 void MixerEngine::restorePluginsFromStrips(plugins::RecordsFrom source) {
     pluginOperations.rack().restoreFromStrips(published.pluginSlotRecallSafe.get(), source);
 }
@@ -64,6 +71,19 @@ bool MixerEngine::handleClipboardClick(std::size_t slot, const Uuid& strip) {
 std::vector<plugins::NamedPreset> MixerEngine::pluginPresets(const session::AUComponentIdentity& identity
 ) const {
     return pluginOperations.presetStore().presets(identity);
+}
+
+std::vector<platform::AUAudioUnitPreset>
+MixerEngine::factoryPresets(std::size_t slot, const Uuid& strip) const {
+    const AVAudioUnitComponent* const live = livePlugin(slot, strip);
+    if (live == nullptr) return {};
+    return services.audioUnitHost.factoryPresets(live->audioComponentDescription);
+}
+
+void MixerEngine::applyFactoryPreset(
+    const platform::AUAudioUnitPreset& preset, std::size_t slot, const Uuid& strip
+) {
+    pluginOperations.rack().applyFactoryPreset(preset, {strip, slot});
 }
 
 void MixerEngine::savePluginPreset(const std::string& name, std::size_t slot, const Uuid& strip) {

@@ -32,6 +32,17 @@ struct AVAudioUnitComponent {
     bool operator==(const AVAudioUnitComponent&) const = default;
 };
 
+/// A setting that comes with an effect. A plain value.
+struct AUAudioUnitPreset {
+    /// Names it to its host.
+    std::int64_t number = 0;
+    std::string name;
+    /// Names the presets that it belongs with; empty for none.
+    std::string bank = {};
+
+    bool operator==(const AUAudioUnitPreset&) const = default;
+};
+
 /// 32-bit float samples, one buffer per channel. A plain value.
 struct AVAudioFormat {
     /// In Hz.
@@ -132,6 +143,10 @@ class AUAudioUnit {
     /// thread at a time.
     [[nodiscard]] virtual AURenderBlock renderBlock() = 0;
 
+    /// By how many frames the last rendered block lags behind its input; 0 before the first one. Any thread,
+    /// real-time safe.
+    [[nodiscard]] virtual std::uint32_t latencyFrames() const noexcept { return 0; }
+
     /// All that makes up the unit's sound, to be restored with `setFullState`; nothing where it has none.
     [[nodiscard]] virtual std::optional<PropertyList::Dictionary> fullState() const = 0;
     /// What does not belong to this effect, or cannot be understood, changes nothing. Fails if the effect was
@@ -185,6 +200,21 @@ class AudioUnitHost {
         const AudioComponentDescription& description, std::uint32_t options,
         InstantiationCompletion completion
     ) = 0;
+
+    /// The settings that come with the components that match, by bank and name. Like
+    /// `componentsMatchingDescription`.
+    [[nodiscard]] virtual std::vector<AUAudioUnitPreset>
+    factoryPresets(const AudioComponentDescription& /*description*/) {
+        return {};
+    }
+
+    /// What a unit takes with `setFullState`, or why it cannot be had.
+    using PresetCompletion = std::function<void(Result<PropertyList::Dictionary>)>;
+
+    /// Reads one of the `factoryPresets` and calls `completion` once with it, on any thread, also from within
+    /// this call. A host without presets is never asked. Main thread.
+    virtual void
+    readFactoryPreset(const AUAudioUnitPreset& /*preset*/, const PresetCompletion& /*completion*/) {}
 };
 
 } // namespace orvane::platform

@@ -107,6 +107,24 @@ void InsertRack::setBypassed(const PluginSlotKey& key, bool bypassed) {
     owner.replaceSlot(key, std::move(replaced));
 }
 
+void InsertRack::applyFactoryPreset(const platform::AUAudioUnitPreset& preset, const PluginSlotKey& key) {
+    const auto found = loadedPlugins.find(key);
+    if (found == loadedPlugins.end()) return;
+    services.audioUnitHost.readFactoryPreset(
+        preset,
+        [this, key, wanted = std::weak_ptr(found->second),
+         hop = onMainThread()](platform::Result<platform::PropertyList::Dictionary> state) {
+            hop([this, key, wanted, state = std::move(state)] {
+                const auto live = wanted.lock();
+                if (!live || plugin(key) != live.get()) return;
+                if (!state) return owner.setLastError(state.error().description);
+                if (const auto taken = live->avAudioUnit->setFullState(state.value()); !taken)
+                    owner.setLastError(taken.error().description);
+            });
+        }
+    );
+}
+
 void InsertRack::openEditor(const PluginSlotKey& key) {
     const auto found = loadedPlugins.find(key);
     if (found == loadedPlugins.end()) return;

@@ -54,6 +54,9 @@ class InsertRack final {
     void remove(const PluginSlotKey& key);
     /// A bypassed plugin stays live; render passes skip it.
     void setBypassed(const PluginSlotKey& key, bool bypassed);
+    /// Gives a live plugin a setting that comes with it, once the host has read it, unless the slot has
+    /// another plugin by then.
+    void applyFactoryPreset(const platform::AUAudioUnitPreset& preset, const PluginSlotKey& key);
     /// Opens one more window for the editor of a live plugin.
     void openEditor(const PluginSlotKey& key);
     /// Makes the live plugins match the slot records, as far as a channel has slots; further records are only

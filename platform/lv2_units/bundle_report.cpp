@@ -14,11 +14,14 @@ constexpr std::size_t longestText = 4096;
 constexpr std::size_t mostEntries = 4096;
 
 constexpr const char* effectsKey = "effects";
+constexpr const char* presetsKey = "presets";
 constexpr const char* leftOutKey = "leftOut";
 constexpr const char* bundlesKey = "bundles";
 constexpr const char* uriKey = "uri";
 constexpr const char* nameKey = "name";
 constexpr const char* makerKey = "maker";
+constexpr const char* bankKey = "bank";
+constexpr const char* pluginKey = "plugin";
 constexpr const char* minorKey = "minor";
 constexpr const char* microKey = "micro";
 constexpr const char* folderKey = "folder";
@@ -55,6 +58,30 @@ std::optional<InstalledPlugin> effectOf(const PropertyList& value, const std::fi
         {versionAt(*entry, minorKey), versionAt(*entry, microKey)}};
 }
 
+std::optional<InstalledPreset> presetOf(const PropertyList& value, const std::filesystem::path& folder) {
+    const auto* const entry = std::get_if<PropertyList::Dictionary>(&value.value);
+    if (entry == nullptr) return std::nullopt;
+    auto uri = textAt(*entry, uriKey);
+    auto name = textAt(*entry, nameKey);
+    auto bank = textAt(*entry, bankKey);
+    auto plugin = textAt(*entry, pluginKey);
+    if (!uri || !name || !bank || !plugin) return std::nullopt;
+    return InstalledPreset{*std::move(uri), *std::move(name), *std::move(bank), *std::move(plugin), folder};
+}
+
+/// What `read` makes of each entry; absent if it makes nothing of one of them, or if `entries` is null.
+template <class T, class Read>
+std::optional<std::vector<T>> eachOf(const PropertyList::Array* entries, const Read& read) {
+    if (entries == nullptr) return std::nullopt;
+    std::vector<T> all;
+    for (const PropertyList& entry : *entries) {
+        auto one = read(entry);
+        if (!one) return std::nullopt;
+        all.push_back(*std::move(one));
+    }
+    return all;
+}
+
 } // namespace
 
 PropertyList valueOf(const std::string& text) {
@@ -79,6 +106,14 @@ PropertyList::Dictionary dictionaryOf(const BundleContents& contents) {
         entry[minorKey].value = std::int64_t{effect.version.first};
         entry[microKey].value = std::int64_t{effect.version.second};
     }
+    auto& presets = dictionary[presetsKey].value.emplace<PropertyList::Array>();
+    for (const InstalledPreset& preset : contents.presets) {
+        auto& entry = presets.emplace_back().value.emplace<PropertyList::Dictionary>();
+        entry[uriKey] = valueOf(preset.uri);
+        entry[nameKey] = valueOf(preset.name);
+        entry[bankKey] = valueOf(preset.bank);
+        entry[pluginKey] = valueOf(preset.pluginUri);
+    }
     auto& leftOut = dictionary[leftOutKey].value.emplace<PropertyList::Array>();
     for (const std::string& sentence : contents.leftOut)
         leftOut.push_back(valueOf(sentence));
@@ -87,21 +122,15 @@ PropertyList::Dictionary dictionaryOf(const BundleContents& contents) {
 
 std::optional<BundleContents>
 contentsOf(const PropertyList::Dictionary& dictionary, const std::filesystem::path& folder) {
-    const auto* const effects = entriesAt(dictionary, effectsKey);
-    const auto* const leftOut = entriesAt(dictionary, leftOutKey);
-    if (effects == nullptr || leftOut == nullptr) return std::nullopt;
-    BundleContents contents;
-    for (const PropertyList& value : *effects) {
-        auto effect = effectOf(value, folder);
-        if (!effect) return std::nullopt;
-        contents.effects.push_back(*std::move(effect));
-    }
-    for (const PropertyList& value : *leftOut) {
-        auto sentence = textOf(value);
-        if (!sentence) return std::nullopt;
-        contents.leftOut.push_back(*std::move(sentence));
-    }
-    return contents;
+    auto effects = eachOf<InstalledPlugin>(entriesAt(dictionary, effectsKey), [&](const PropertyList& value) {
+        return effectOf(value, folder);
+    });
+    auto presets = eachOf<InstalledPreset>(entriesAt(dictionary, presetsKey), [&](const PropertyList& value) {
+        return presetOf(value, folder);
+    });
+    auto leftOut = eachOf<std::string>(entriesAt(dictionary, leftOutKey), textOf);
+    if (!effects || !presets || !leftOut) return std::nullopt;
+    return BundleContents{*std::move(effects), *std::move(presets), *std::move(leftOut)};
 }
 
 PropertyList::Dictionary dictionaryOf(const std::vector<BundleStamp>& bundles) {

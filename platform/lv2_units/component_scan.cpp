@@ -1,5 +1,6 @@
 #include "platform/lv2_units/component_scan.h"
 
+#include "platform/lv2_units/factory_presets.h"
 #include "platform/lv2_units/hostable.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
@@ -21,6 +22,7 @@ class Reader final {
         const auto plugins = bundle.plugins();
         for (const LilvPlugin* const plugin : plugins)
             readPlugin(bundle, plugin, folder);
+        contents.presets = presetsIn(bundle, folder);
         if (!plugins.empty()) return;
         if (const auto problem = manifestProblem(folder)) skip(folder.native(), *problem);
     }

@@ -22,18 +22,31 @@ struct InstalledPlugin {
     bool operator==(const InstalledPlugin&) const = default;
 };
 
+/// A setting of a plugin that a bundle declares, whatever bundle the plugin is in. A plain value.
+struct InstalledPreset {
+    std::string uri;
+    std::string name;
+    /// Names the presets that it belongs with; empty for none.
+    std::string bank;
+    std::string pluginUri;
+    std::filesystem::path bundle;
+
+    bool operator==(const InstalledPreset&) const = default;
+};
+
 /// What a bundle declares. A plain value.
 struct BundleContents {
     std::vector<InstalledPlugin> effects;
+    std::vector<InstalledPreset> presets = {};
     /// A sentence for each plugin, or for the bundle, that cannot be used.
     std::vector<std::string> leftOut;
 
     bool operator==(const BundleContents&) const = default;
 };
 
-/// Finds the effects of one bundle: plugins with one or two audio inputs and outputs that need nothing the
-/// host lacks. Reads descriptions only. The libraries that do so may crash or hang on hostile data: only for
-/// a process that may. Any thread.
+/// Finds the presets and the effects of one bundle: plugins with one or two audio inputs and outputs that
+/// need nothing the host lacks. Reads descriptions only. The libraries that do so may crash or hang on
+/// hostile data: only for a process that may. Any thread.
 BundleContents readBundle(const std::filesystem::path& folder);
 
 /// The sentence for a bundle or plugin that is left out.

@@ -109,6 +109,12 @@ bool isFreeWheeling(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPo
     return isDesignated(bundle, plugin, port, LV2_CORE__freeWheeling);
 }
 
+bool reportsLatency(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
+    return lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort))
+           && (isDesignated(bundle, plugin, port, LV2_CORE__latency)
+               || lilv_port_has_property(plugin, port, bundle.node(LV2_CORE__reportsLatency)));
+}
+
 ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port) {
     const auto has = [&](const char* property) {
         return lilv_port_has_property(plugin, port, bundle.node(property));
@@ -130,8 +136,7 @@ ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, cons
     const auto steps = bundle.integer(lilv_port_get_node(plugin, port), LV2_PORT_PROPS__rangeSteps);
     info.stepCount = std::max(steps.value_or(0), 0);
     info.isReadOnly = lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort));
-    info.isHidden = has(LV2_PORT_PROPS__notOnGUI) || has(LV2_CORE__reportsLatency)
-                    || isDesignated(bundle, plugin, port, LV2_CORE__latency);
+    info.isHidden = has(LV2_PORT_PROPS__notOnGUI) || reportsLatency(bundle, plugin, port);
     return control;
 }
 

@@ -13,6 +13,9 @@ std::optional<float> heldValue(PluginBundle& bundle, const LilvPlugin* plugin, c
 /// Whether a port takes if blocks are rendered offline.
 bool isFreeWheeling(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
 
+/// Whether a plugin reports its latency, in frames, through the port.
+bool reportsLatency(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
+
 /// Reads the description of a control port. What is missing or makes no sense in it is made good, so that the
 /// range is finite and the default within it.
 ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);

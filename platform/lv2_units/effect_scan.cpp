@@ -32,7 +32,7 @@ class Scan final {
     }
 
     /// What has been found, and kept for the next scan.
-    std::vector<InstalledPlugin> finish() {
+    InstalledEffects finish() {
         if (!options.stop.stop_requested()) cache.store();
         return std::move(found);
     }
@@ -52,7 +52,8 @@ class Scan final {
     void take(const BundleStamp& bundle, BundleContents contents) {
         for (const std::string& sentence : contents.leftOut)
             log.post(LogLevel::error, logCategory, {sentence});
-        std::ranges::copy(contents.effects, std::back_inserter(found));
+        std::ranges::copy(contents.effects, std::back_inserter(found.plugins));
+        std::ranges::copy(contents.presets, std::back_inserter(found.presets));
         cache.keep(bundle, std::move(contents));
     }
 
@@ -74,7 +75,7 @@ class Scan final {
     SystemLog& log;
     const ScanOptions& options;
     ScanCache cache;
-    std::vector<InstalledPlugin> found;
+    InstalledEffects found;
 };
 
 /// The newest of each plugin; of equal versions the one that was found first.
@@ -86,16 +87,29 @@ void keepNewest(std::vector<InstalledPlugin>& plugins) {
     plugins.erase(repeated.begin(), repeated.end());
 }
 
+/// The first of each preset of each plugin.
+void keepFirst(std::vector<InstalledPreset>& presets) {
+    const auto identity = [](const InstalledPreset& preset) {
+        return std::tie(preset.pluginUri, preset.uri);
+    };
+    std::ranges::stable_sort(presets, {}, identity);
+    const auto repeated = std::ranges::unique(presets, {}, identity);
+    presets.erase(repeated.begin(), repeated.end());
+}
+
 } // namespace
 
-std::vector<InstalledPlugin>
-scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options) {
+InstalledEffects scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options) {
     Scan scan(log, options);
     for (const auto& folder : searchFolders(searchPath))
         if (!options.stop.stop_requested()) scan.read(folder);
-    std::vector<InstalledPlugin> found = scan.finish();
-    keepNewest(found);
-    std::ranges::sort(found, {}, [](const InstalledPlugin& plugin) {
+    InstalledEffects found = scan.finish();
+    keepNewest(found.plugins);
+    keepFirst(found.presets);
+    std::ranges::sort(found.presets, {}, [](const InstalledPreset& preset) {
+        return std::tie(preset.pluginUri, preset.bank, preset.name, preset.uri);
+    });
+    std::ranges::sort(found.plugins, {}, [](const InstalledPlugin& plugin) {
         return std::tie(plugin.component.manufacturerName, plugin.component.name, plugin.uri);
     });
     return found;

@@ -22,11 +22,18 @@ struct ScanOptions {
     std::stop_token stop = {};
 };
 
-/// Finds the effects of all bundles on the search path, ordered by maker, name and URI. Of a plugin that is
-/// installed twice the newer one counts, or the first on the path. Bundles are read by child processes, one
-/// each: one that cannot be read, or does not come to an end, is left out with a line in the log. Any thread,
-/// takes its time.
-std::vector<InstalledPlugin>
-scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options = {});
+/// What is installed. A plain value.
+struct InstalledEffects {
+    /// By maker, name and URI.
+    std::vector<InstalledPlugin> plugins;
+    /// By plugin, bank, name and URI.
+    std::vector<InstalledPreset> presets;
+};
+
+/// Finds the effects of all bundles on the search path, and the presets of all plugins. Of a plugin that is
+/// installed twice the newer one counts, or the first on the path; of a preset the first. Bundles are read by
+/// child processes, one each: one that cannot be read, or does not come to an end, is left out with a line in
+/// the log. Any thread, takes its time.
+InstalledEffects scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options = {});
 
 } // namespace orvane::platform::lv2_units

@@ -25,12 +25,17 @@ std::optional<double> numberAt(const PropertyList::Dictionary& dictionary, const
 
 } // namespace
 
-PropertyList::Dictionary
-makeFullState(const std::string& pluginUri, ParameterList parameters, PropertyList::Dictionary pluginState) {
+PropertyList::Dictionary controlsOf(ParameterList parameters) {
     PropertyList::Dictionary controls;
     for (const auto& parameter : parameters)
         if (parameter->isSetting())
             controls[parameter->info().identifier].value = static_cast<double>(parameter->value());
+    return controls;
+}
+
+PropertyList::Dictionary makeFullState(
+    const std::string& pluginUri, PropertyList::Dictionary controls, PropertyList::Dictionary pluginState
+) {
     PropertyList::Dictionary state;
     state[uriKey].value = pluginUri;
     state[controlsKey].value = std::move(controls);

@@ -14,8 +14,12 @@ namespace orvane::platform::lv2_units {
 
 using ParameterList = std::span<const std::unique_ptr<Lv2Parameter>>;
 
-PropertyList::Dictionary
-makeFullState(const std::string& pluginUri, ParameterList parameters, PropertyList::Dictionary pluginState);
+/// The numbers of the parameters that are settings.
+PropertyList::Dictionary controlsOf(ParameterList parameters);
+
+PropertyList::Dictionary makeFullState(
+    const std::string& pluginUri, PropertyList::Dictionary controls, PropertyList::Dictionary pluginState
+);
 
 /// Whether it is a state of that plugin.
 bool isStateOf(const std::string& pluginUri, const PropertyList::Dictionary& fullState);

@@ -31,6 +31,14 @@ ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noe
     return isWithin;
 }
 
+/// The longest latency that is believed, in frames: 87 s at 48 kHz.
+constexpr float longestLatency = 4194304.0F;
+
+/// The latency that a plugin reports as a number; 0 for one that cannot be.
+ORVANE_REALTIME std::uint32_t frameCountOf(float reported) noexcept {
+    return reported >= 0.0F && reported <= longestLatency ? static_cast<std::uint32_t>(reported) : 0;
+}
+
 /// The count that a bus takes; one that no format has if the plugin cannot be hosted.
 std::uint32_t channelsOfBus(const MainAudioPorts& audio, const std::vector<std::uint32_t>& ports) {
     return audio.channelCount().value_or(static_cast<std::uint32_t>(ports.size()));
@@ -186,16 +194,21 @@ OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
     if (!instance->run(pluginInputs, pluginOutputs, frameCount, messages.load()))
         return kAudioUnitErr_CannotDoInCurrentContext;
     spreadOutput(frameCount);
-    for (const auto& parameter : ownParameters)
-        if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
+    takeControlOutputs(controls);
     const bool isAllSound =
         std::ranges::all_of(outputs, [&](const float* samples) { return isSound(samples, frameCount); });
     return isAllSound ? noErr : kAudioUnitErr_CannotDoInCurrentContext;
 }
 
+void Lv2Unit::takeControlOutputs(std::span<const float> controls) noexcept {
+    for (const auto& parameter : ownParameters)
+        if (parameter->info().isReadOnly) parameter->setOutput(controls[parameter->port()]);
+    if (description->latencyPort) latency.store(frameCountOf(controls[*description->latencyPort]));
+}
+
 std::optional<PropertyList::Dictionary> Lv2Unit::fullState() const {
     return makeFullState(
-        description->uri, ownParameters, instance ? instance->state() : PropertyList::Dictionary{}
+        description->uri, controlsOf(ownParameters), instance ? instance->state() : PropertyList::Dictionary{}
     );
 }
 

@@ -40,6 +40,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     Result<Done> allocateRenderResources() override;
     void deallocateRenderResources() override;
     AURenderBlock renderBlock() override;
+    [[nodiscard]] std::uint32_t latencyFrames() const noexcept override { return latency.load(); }
     [[nodiscard]] std::optional<PropertyList::Dictionary> fullState() const override;
     Result<Done> setFullState(const PropertyList::Dictionary& state) override;
     std::span<AUParameter* const> parameters() override { return parameterList; }
@@ -62,6 +63,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     ORVANE_REALTIME void passThrough(std::uint32_t frameCount) noexcept;
     ORVANE_REALTIME void spreadOutput(std::uint32_t frameCount) noexcept;
     ORVANE_REALTIME OSStatus runPlugin(std::uint32_t frameCount) noexcept;
+    ORVANE_REALTIME void takeControlOutputs(std::span<const float> controls) noexcept;
 
     std::shared_ptr<const PluginDescription> description;
     std::shared_ptr<HostServices> services;
@@ -80,6 +82,7 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     std::unique_ptr<EditorMessages> editorMessages;
     std::atomic<EditorMessages*> messages = nullptr;
 
+    std::atomic<std::uint32_t> latency = 0;
     RenderGate gate;
     /// One per channel of the format. Sized with the render resources; the render thread's.
     dsp::ChannelBlocks<float> inputBlocks;

@@ -1,24 +1,28 @@
 #include "platform/lv2_units/lv2_unit_host.h"
 
-#include "platform/lv2_units/effect_scan.h"
+#include "platform/child_output.h"
 #include "platform/lv2_units/host_services.h"
 #include "platform/lv2_units/lv2_unit.h"
 #include "platform/lv2_units/plugin_bundle.h"
 #include "platform/lv2_units/plugin_description.h"
 #include "platform/lv2_units/plugin_instance.h"
+#include "platform/lv2_units/scan_program.h"
 #include "platform/memory_shortage.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace orvane::platform {
 
 using lv2_units::InstalledPlugin;
+using lv2_units::InstalledPreset;
 
 namespace {
 
@@ -33,6 +37,9 @@ bool matches(const AudioComponentDescription& component, const AudioComponentDes
 
 /// How long the program waits at its end for plugins that are still at work.
 constexpr std::chrono::milliseconds patienceAtEnd{5000};
+
+/// What reading a preset may take.
+constexpr ChildLimits presetLimits{.time = std::chrono::seconds(5)};
 
 Result<lv2_units::PluginDescription> readDescription(const InstalledPlugin& installed) {
     lv2_units::PluginBundle bundle(installed.bundle);
@@ -64,13 +71,13 @@ Lv2UnitHost::~Lv2UnitHost() {
     work->discarded.clear();
     services->lateEnds.close(patienceAtEnd);
     for (const Request& request : work->requests)
-        request.completion(nullptr, Error{"The effect was not loaded because the program is closing."});
+        request.refuse(Error{"The effect was not loaded because the program is closing."});
 }
 
 std::vector<AVAudioUnitComponent>
 Lv2UnitHost::componentsMatchingDescription(const AudioComponentDescription& description) {
     std::vector<AVAudioUnitComponent> components;
-    for (const InstalledPlugin& plugin : plugins())
+    for (const InstalledPlugin& plugin : effects().plugins)
         if (matches(plugin.component.audioComponentDescription, description))
             components.push_back(plugin.component);
     return components;
@@ -84,14 +91,65 @@ void Lv2UnitHost::instantiate(
     const AudioComponentDescription& description, std::uint32_t /*options*/,
     InstantiationCompletion completion
 ) {
+    ask(
+        {[this, description, completion] {
+             auto made = makeUnitSafely(description);
+             if (made)
+                 completion(std::move(made).value(), std::nullopt);
+             else
+                 completion(nullptr, made.error());
+         },
+         [completion](Error error) { completion(nullptr, std::move(error)); }}
+    );
+}
+
+std::vector<AUAudioUnitPreset> Lv2UnitHost::factoryPresets(const AudioComponentDescription& description) {
+    const auto& [plugins, presets] = effects();
+    std::vector<AUAudioUnitPreset> found;
+    for (const InstalledPlugin& plugin : plugins) {
+        if (!matches(plugin.component.audioComponentDescription, description)) continue;
+        const auto own = std::ranges::equal_range(presets, plugin.uri, {}, &InstalledPreset::pluginUri);
+        for (const InstalledPreset& preset : own)
+            found.push_back({&preset - presets.data(), preset.name, preset.bank});
+    }
+    return found;
+}
+
+void Lv2UnitHost::readFactoryPreset(const AUAudioUnitPreset& preset, const PresetCompletion& completion) {
+    ask({[this, preset, completion] { completion(stateOf(preset)); }, completion});
+}
+
+Result<PropertyList::Dictionary> Lv2UnitHost::stateOf(const AUAudioUnitPreset& preset) try {
+    const auto failure = [&](std::string_view why) {
+        return Error{fmt::format("The preset \"{}\" cannot be loaded: {}.", preset.name, why)};
+    };
+    const auto& presets = effects().presets;
+    const auto index = static_cast<std::size_t>(preset.number);
+    if (index >= presets.size()) return failure("it is not installed");
+    const InstalledPreset& chosen = presets[index];
+    const auto bytes = outputOfChild(
+        lv2_units::scanProgram(),
+        {lv2_units::presetArgument, chosen.bundle.native(), chosen.uri, chosen.pluginUri}, presetLimits,
+        scanStop.get_token()
+    );
+    if (!bytes) return failure(bytes.error().why);
+    auto state = propertyListWithData(bytes.value());
+    if (!state) return failure("what describes it is damaged");
+    if (state.value().empty()) return failure("it is no longer installed");
+    return state;
+} catch (const std::bad_alloc&) {
+    return Error{"There is not enough memory to load the preset."};
+}
+
+void Lv2UnitHost::ask(Request request) {
     {
         const std::scoped_lock lock(work->mutex);
-        work->requests.push_back({description, std::move(completion)});
+        work->requests.push_back(std::move(request));
     }
     work->changed.notify_one();
 }
 
-const std::vector<InstalledPlugin>& Lv2UnitHost::plugins() {
+const lv2_units::InstalledEffects& Lv2UnitHost::effects() {
     std::call_once(scanned, [this] {
         installed = lv2_units::scanForEffects(
             path, services->log, {.cacheFile = cacheFile, .limits = {}, .stop = scanStop.get_token()}
@@ -131,13 +189,7 @@ void Lv2UnitHost::serveRequests() {
         const Request request = std::move(work->requests.front());
         work->requests.pop_front();
         lock.unlock();
-        runUnlessOutOfMemory([&] {
-            auto made = makeUnitSafely(request.description);
-            if (made)
-                request.completion(std::move(made).value(), std::nullopt);
-            else
-                request.completion(nullptr, made.error());
-        });
+        runUnlessOutOfMemory(request.serve);
         lock.lock();
     }
 }
@@ -154,7 +206,7 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnitSafely(const AudioComp
 }
 
 Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentDescription& description) {
-    const auto& all = plugins();
+    const auto& all = effects().plugins;
     const auto found = std::ranges::find_if(all, [&](const InstalledPlugin& plugin) {
         return matches(plugin.component.audioComponentDescription, description);
     });

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/audio_unit_host.h"
-#include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/effect_scan.h"
 #include "platform/lv2_units/render_mode.h"
 #include "platform/lv2_units/search_path.h"
 #include "platform/system_log.h"
@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -56,10 +57,15 @@ class Lv2UnitHost final : public AudioUnitHost {
         InstantiationCompletion completion
     ) override;
 
+    std::vector<AUAudioUnitPreset> factoryPresets(const AudioComponentDescription& description) override;
+    /// A process of its own reads the preset, and has five seconds for it.
+    void readFactoryPreset(const AUAudioUnitPreset& preset, const PresetCompletion& completion) override;
+
   private:
+    /// Something that is asked for, to be given on the loading thread or refused.
     struct Request {
-        AudioComponentDescription description;
-        InstantiationCompletion completion;
+        std::function<void()> serve;
+        std::function<void(Error)> refuse;
     };
 
     /// What the loading thread has to do. Units look for it when they go.
@@ -71,7 +77,9 @@ class Lv2UnitHost final : public AudioUnitHost {
         bool isClosing = false;
     };
 
-    const std::vector<lv2_units::InstalledPlugin>& plugins();
+    void ask(Request request);
+    const lv2_units::InstalledEffects& effects();
+    Result<PropertyList::Dictionary> stateOf(const AUAudioUnitPreset& preset);
     Result<std::shared_ptr<AUAudioUnit>> makeUnit(const AudioComponentDescription& description);
     /// Whatever it throws ends here: the program goes on without the effect.
     Result<std::shared_ptr<AUAudioUnit>> makeUnitSafely(const AudioComponentDescription& description);
@@ -83,7 +91,7 @@ class Lv2UnitHost final : public AudioUnitHost {
     std::optional<std::filesystem::path> cacheFile;
     std::stop_source scanStop;
     std::once_flag scanned;
-    std::vector<lv2_units::InstalledPlugin> installed;
+    lv2_units::InstalledEffects installed;
 
     std::shared_ptr<Work> work = std::make_shared<Work>();
     std::thread loader;

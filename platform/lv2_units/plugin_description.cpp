@@ -123,8 +123,9 @@ Result<PluginDescription> describe(PluginBundle& bundle, const LilvPlugin* plugi
         const std::optional<float> held = heldValue(bundle, plugin, port);
         description.heldValues.push_back(held.value_or(0.0F));
         if (held && isFreeWheeling(bundle, plugin, port)) description.freeWheelingPorts.push_back(i);
-        if (kind == PortKind::control && !held)
-            description.controls.push_back(describeControl(bundle, plugin, port));
+        if (kind != PortKind::control || held) continue;
+        description.controls.push_back(describeControl(bundle, plugin, port));
+        if (reportsLatency(bundle, plugin, port)) description.latencyPort = i;
     }
     description.editor = describeEditor(bundle, plugin);
     return description;

@@ -72,6 +72,8 @@ struct PluginDescription {
 
     MainAudioPorts audio;
     std::vector<ControlPort> controls;
+    /// The control output that reports the latency in frames; absent if the plugin has none.
+    std::optional<std::uint32_t> latencyPort;
     /// Nothing where the plugin brings no editor for X11 along.
     std::optional<EditorDescription> editor;
 };

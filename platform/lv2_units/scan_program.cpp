@@ -2,6 +2,7 @@
 
 #include "platform/lv2_units/bundle_report.h"
 #include "platform/lv2_units/component_scan.h"
+#include "platform/lv2_units/factory_presets.h"
 #include "platform/lv2_units/search_path.h"
 
 #include <sys/prctl.h>
@@ -11,6 +12,8 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -57,6 +60,21 @@ BundleContents contentsOfBundle(const std::filesystem::path& bundle) {
         .effects = {}, .leftOut = {leftOutSentence(bundle.native(), "its " + irregular + " is not a file")}};
 }
 
+/// What the arguments ask for; absent if they ask for nothing.
+std::optional<PropertyList::Dictionary> reportOn(std::span<const char* const> arguments) {
+    constexpr std::size_t forFolder = 3;
+    constexpr std::size_t forPreset = 5;
+    if (arguments.size() < forFolder) return std::nullopt;
+    const std::string_view what = arguments[1];
+    const std::filesystem::path folder = arguments[2];
+    if (what == listArgument) return dictionaryOf(bundlesIn(folder));
+    if (what == bundleArgument) return dictionaryOf(contentsOfBundle(folder));
+    if (what != presetArgument || arguments.size() != forPreset || !irregularFile(folder).empty())
+        return std::nullopt;
+    // An empty dictionary stands for a preset that is not there.
+    return readPreset(folder, arguments[3], arguments[4]).value_or(PropertyList::Dictionary{});
+}
+
 bool writeAll(const PropertyList::Data& bytes) {
     for (std::size_t written = 0; written < bytes.size();) {
         const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, bytes.size() - written);
@@ -71,22 +89,17 @@ bool writeAll(const PropertyList::Data& bytes) {
 std::filesystem::path scanProgram() {
     std::error_code ignored;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-    const auto beside = folder / programName;
+    auto beside = folder / programName;
     if (::access(beside.c_str(), X_OK) == 0) return beside;
     return (folder / ORVANE_HELPERS_FROM_PROGRAMS / programName).lexically_normal();
 }
 
 int runScanProgram(int argumentCount, const char* const* arguments) {
-    constexpr int wantedCount = 3;
-    if (argumentCount != wantedCount) return EXIT_FAILURE;
     limitProcess();
-    const std::string_view what = arguments[1];
-    const std::filesystem::path folder = arguments[2];
-    if (what != listArgument && what != bundleArgument) return EXIT_FAILURE;
-    const auto report = dataWithPropertyList(
-        what == listArgument ? dictionaryOf(bundlesIn(folder)) : dictionaryOf(contentsOfBundle(folder))
-    );
-    return report && writeAll(report.value()) ? EXIT_SUCCESS : EXIT_FAILURE;
+    const auto report = reportOn({arguments, static_cast<std::size_t>(argumentCount)});
+    if (!report) return EXIT_FAILURE;
+    const auto bytes = dataWithPropertyList(*report);
+    return bytes && writeAll(bytes.value()) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace orvane::platform::lv2_units

@@ -1,14 +1,10 @@
 #include "insert_plugins_fixture.h"
 
 #include "plugins/insert_components.h"
-#include "support/file_faults.h"
-#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <functional>
 #include <memory>
 #include <semaphore>
 #include <string>
@@ -26,7 +22,6 @@ using test::InsertPlugins;
 using test::stripCount;
 using testing::ElementsAre;
 namespace load_state = plugins::load_state;
-using enum plugins::PluginClipboardArmState;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
 
 TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
@@ -457,98 +452,6 @@ TEST_F(InsertPlugins, AreCapturedByTheirOwnNamesWhateverTheirRecordsSay) {
     EXPECT_EQ(engine->livePlugin(4, id(0)), nullptr);
     EXPECT_TRUE(captured(4).isEmpty());
     EXPECT_EQ(audioUnitHost.listings, 0) << "though no plugin had to be found";
-}
-
-TEST_F(InsertPlugins, MoveThroughTheClipboard) {
-    const auto& armState = engine->state().pluginClipboardArmState;
-    const auto& clipboard = engine->state().pluginClipboard;
-    engine->togglePasteArm();
-    EXPECT_EQ(armState.get(), none);
-    EXPECT_FALSE(engine->handleClipboardClick(0, id(0)));
-    engine->toggleCopyArm();
-    EXPECT_TRUE(engine->handleClipboardClick(0, id(0)));
-    EXPECT_EQ(message(), "That insert slot is empty -- nothing to copy.");
-    EXPECT_EQ(armState.get(), none);
-    EXPECT_FALSE(clipboard.get());
-
-    loadLive(stereo, 0)->gain = 2.0F;
-    const std::tuple<const char*, std::function<void()>, plugins::PluginClipboardArmState> steps[] = {
-        {"arm copy", [&] { engine->toggleCopyArm(); }, armedForCopy},
-        {"paste with nothing", [&] { engine->togglePasteArm(); }, armedForCopy},
-        {"disarm copy", [&] { engine->toggleCopyArm(); }, none},
-        {"arm again", [&] { engine->toggleCopyArm(); }, armedForCopy},
-        {"copy", [&] { EXPECT_TRUE(engine->handleClipboardClick(0, id(0))); }, none},
-        {"arm paste", [&] { engine->togglePasteArm(); }, armedForPaste},
-        {"copy instead", [&] { engine->toggleCopyArm(); }, armedForCopy},
-        {"paste instead", [&] { engine->togglePasteArm(); }, armedForPaste},
-        {"disarm paste", [&] { engine->togglePasteArm(); }, none},
-        {"paste once more", [&] { engine->togglePasteArm(); }, armedForPaste},
-        {"cancel", [&] { engine->cancelClipboardArm(); }, none},
-        {"and arm", [&] { engine->togglePasteArm(); }, armedForPaste}};
-    for (const auto& [what, act, after] : steps) {
-        act();
-        EXPECT_EQ(armState.get(), after) << what;
-    }
-    EXPECT_EQ(clipboard.get(), (plugins::CopiedPlugin{stereo, "Stereo", stateOf(2.0)}));
-    engine->removePlugin(0, id(0));
-    for (std::size_t strip = 0; strip < stripCount; ++strip)
-        EXPECT_TRUE(engine->handleClipboardClick(3, id(strip)));
-    mainThread.runPosted();
-    EXPECT_EQ(audioUnitHost.report.living, 3);
-    EXPECT_EQ(armState.get(), armedForPaste);
-    start();
-    EXPECT_EQ(heard(2), 2.0F);
-}
-
-TEST_F(InsertPlugins, KeepThePresetsOfAllChannelsInOneWritingOfTheFile) {
-    const test::TemporaryFolder folder;
-    platform::SystemAudioHardware noDevices{{}};
-    engine::Services services{noDevices, midiServices, mainThread, audioUnitHost, log};
-    services.applicationSupport = folder / "";
-    engine = std::make_unique<engine::MixerEngine>(stripCount, services);
-    for (std::size_t strip = 0; strip < stripCount; ++strip)
-        load(mono, 0, strip);
-    // As many as it takes for none to be hit by a fault.
-    const auto fileCalls = [](const std::function<void()>& save) {
-        for (std::size_t call = 0;; ++call) {
-            const test::FileFault fault(call, EIO);
-            save();
-            if (!fault.hasHappened()) return call;
-        }
-    };
-    const std::size_t ofOne = fileCalls([this] { engine->savePluginPreset("One", 0, id(0)); });
-    EXPECT_EQ(fileCalls([this] { engine->savePluginPresetOnAllChannels("All", 0); }), ofOne);
-    EXPECT_EQ(fileCalls([this] { engine->savePluginPresetOnAllChannels("None", 1); }), 0U);
-}
-
-TEST_F(InsertPlugins, KeepTheirSettingsAsPresets) {
-    loadLive(mono, 0, 0)->gain = 2.0F;
-    const auto second = loadLive(stereo, 0, 2);
-    second->gain = 3.0F;
-    engine->savePluginPresetOnAllChannels("Loud", 0);
-    const session::AUComponentIdentity identity{platform::kAudioUnitType_Effect, 2, 1};
-    const auto presets = engine->pluginPresets(identity);
-    ASSERT_EQ(presets.size(), 1U);
-    EXPECT_EQ(presets[0].name, "Loud");
-    EXPECT_EQ(presets[0].data, stateOf(3.0));
-    EXPECT_EQ(engine->pluginPresets({platform::kAudioUnitType_Effect, 1, 1}).size(), 1U);
-    EXPECT_EQ(message(), "");
-    second->gain = 1.0F;
-    engine->applyPluginPreset(presets[0], 0, id(2));
-    EXPECT_EQ(second->gain, 3.0F);
-    engine->deletePluginPreset(presets[0].id, identity);
-    EXPECT_TRUE(engine->pluginPresets(identity).empty());
-    for (const auto& [script, expected] :
-         {std::pair{
-              AudioUnitScript{.hasState = false},
-              "Odd has no state to save yet -- change a setting on it first."},
-          {AudioUnitScript{.hasUnwritableState = true}, "Couldn't save a preset for Odd."}}) {
-        loadLive(audioUnitHost.add("Odd", script), 1);
-        engine->savePluginPreset("x", 1, id(0));
-        EXPECT_EQ(message(), expected);
-        engine->copyPlugin(1, id(0));
-        EXPECT_EQ(engine->state().pluginClipboard.get()->stateData, std::nullopt);
-    }
 }
 
 } // namespace

@@ -47,6 +47,8 @@ class Lv2Bundles final {
         @prefix opts: <http://lv2plug.in/ns/ext/options#> .
         @prefix pg: <http://lv2plug.in/ns/ext/port-groups#> .
         @prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .
+        @prefix pset: <http://lv2plug.in/ns/ext/presets#> .
+        @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
         @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
         @prefix state: <http://lv2plug.in/ns/ext/state#> .
         @prefix ui: <http://lv2plug.in/ns/extensions/ui#> .

@@ -100,6 +100,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         if (state.contains("file")) return platform::Error{"Its file cannot be found."};
         return platform::Done{};
     }
+    [[nodiscard]] std::uint32_t latencyFrames() const noexcept override { return latency; }
     std::span<platform::AUParameter* const> parameters() override { return {}; }
 
     void requestViewController(std::function<void(std::shared_ptr<platform::AUViewController>)> completion
@@ -118,6 +119,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
     }
 
     std::atomic<float> gain = 1.0F;
+    std::atomic<std::uint32_t> latency = 0;
     std::function<std::unique_ptr<platform::NativeEditor>(platform::NativeEditorParent&)> nativeEditor;
     std::vector<std::string> steps;
     int editorRequests = 0;
@@ -211,19 +213,26 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
             }
             completion(unit, std::nullopt);
         };
-        if (delivery == Delivery::atOnce) deliver();
-        if (delivery == Delivery::byHand) pending.emplace_back(std::move(deliver));
-        if (delivery == Delivery::fromAnotherThread) threads.emplace_back(std::move(deliver));
+        complete(std::move(deliver));
     }
 
-    /// Completes the instantiation that has waited longest, or the one after `index` others.
+    std::vector<platform::AUAudioUnitPreset>
+    factoryPresets(const platform::AudioComponentDescription&) override {
+        return presets;
+    }
+
+    void readFactoryPreset(const platform::AUAudioUnitPreset&, const PresetCompletion& completion) override {
+        complete([state = presetState, completion] { completion(state); });
+    }
+
+    /// Completes the request that has waited longest, or the one after `index` others.
     void deliver(std::size_t index = 0) {
         const auto deliverOne = std::move(pending.at(index));
         pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(index));
         deliverOne();
     }
 
-    /// How many instantiations wait to be delivered.
+    /// How many requests wait to be delivered.
     [[nodiscard]] std::size_t pendingCount() const { return pending.size(); }
 
     void deliverAll() {
@@ -256,7 +265,18 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
     ScriptedAudioUnit::Report report;
     std::vector<platform::AVAudioUnitComponent> components;
 
+    /// Of every component.
+    std::vector<platform::AUAudioUnitPreset> presets;
+    /// What every preset is read as.
+    platform::Result<platform::PropertyList::Dictionary> presetState = platform::PropertyList::Dictionary{};
+
   private:
+    void complete(std::function<void()> deliver) {
+        if (delivery == Delivery::atOnce) deliver();
+        if (delivery == Delivery::byHand) pending.emplace_back(std::move(deliver));
+        if (delivery == Delivery::fromAnotherThread) threads.emplace_back(std::move(deliver));
+    }
+
     std::vector<AudioUnitScript> scripts;
     std::deque<std::function<void()>> pending;
     std::vector<std::thread> threads;

@@ -16,6 +16,7 @@
 
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QEnterEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -237,6 +238,16 @@ TEST_F(Strip, SlotsSayWhatAClickDoes) {
     load(0);
     EXPECT_EQ(slot(0).text(), "Warmth");
     EXPECT_EQ(slot(0).toolTip(), "Warmth — click to open its editor. Right-click for more options.");
+    const auto latencyLine = [this](std::uint32_t latency) {
+        machine.audioUnitHost.lastUnit()->latency = latency;
+        QEnterEvent entering({}, {}, {});
+        QApplication::sendEvent(&slot(0), &entering);
+        return slot(0).toolTip().section("options.", 1).toStdString();
+    };
+    EXPECT_EQ(latencyLine(240), "\nadds 5.0 ms");
+    EXPECT_EQ(latencyLine(1), "");
+    engine.setPluginBypassed(true, 0, strip().id);
+    EXPECT_EQ(latencyLine(240), "") << "a bypassed plugin delays nothing";
     machine.audioUnitHost.failure = platform::Error{"no licence"};
     load(1);
     EXPECT_TRUE(slot(1).toolTip().startsWith("Warmth failed to load: ")) << slot(1).toolTip().toStdString();
@@ -322,6 +333,20 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
     EXPECT_EQ(presetEntries().first()->text(), "Warm && soft");
     presetEntries().first()->trigger();
     EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 0.25F);
+
+    // Those of the effect come below the user's, in a menu for each bank.
+    machine.audioUnitHost.presets = {{0, "Plain\n&", ""}, {1, "One", "Rooms"}, {2, "Two", "Rooms"}};
+    machine.audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {3.0}}};
+    const auto entries = presetEntries();
+    ASSERT_EQ(entries.size(), 4);
+    EXPECT_TRUE(entries[1]->isSeparator());
+    EXPECT_EQ(entries[2]->text(), "Plain &&");
+    EXPECT_EQ(entries[3]->text(), "Rooms");
+    ASSERT_EQ(entries[3]->menu()->actions().size(), 2);
+    EXPECT_EQ(entries[3]->menu()->actions().last()->text(), "Two");
+    entries[3]->menu()->actions().last()->trigger();
+    machine.mainThread.runPosted();
+    EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 3.0F);
 
     choose(0, "Remove");
     EXPECT_FALSE(record(0).pluginName);

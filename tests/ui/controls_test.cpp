@@ -166,7 +166,10 @@ TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {
 
 TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
     QWidget widget;
-    widget.setToolTip(QStringLiteral("A <b>word</b> & ") + QStringLiteral("more of them ").repeated(60));
+    widget.setToolTip(
+        QStringLiteral("A <b>word</b> & ") + QStringLiteral("more of them ").repeated(60)
+        + QStringLiteral("\nnext line")
+    );
     widget.show();
     QHelpEvent event(QEvent::ToolTip, {1, 1}, {1, 1});
     QApplication::sendEvent(&widget, &event);
@@ -177,6 +180,7 @@ TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
     ASSERT_NE(shown, windows.end());
     EXPECT_TRUE(QToolTip::text().contains("A &lt;b&gt;word&lt;/b&gt; &amp; more"))
         << QToolTip::text().toStdString();
+    EXPECT_TRUE(QToolTip::text().contains("<br>next line"));
     EXPECT_LT((*shown)->width(), 1000);
     QToolTip::hideText();
 }

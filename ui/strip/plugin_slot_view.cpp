@@ -6,7 +6,9 @@
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/theme/theme.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -24,14 +26,20 @@ constexpr double cornerRadius = 3.0;
 constexpr double dimmed = 0.5;
 /// The mark at the left edge of a slot that holds a plugin.
 constexpr double markWidth = 3.0;
+constexpr int longestMenuText = 400;
+/// A shorter one would be shown as 0.0 ms.
+constexpr double shortestShownLatencyMs = 0.05;
 
 QString textOf(const std::optional<std::string>& name, const QString& otherwise) {
     return name ? QString::fromStdString(*name) : otherwise;
 }
 
-/// A name as a menu shows it whatever its characters.
+/// A name as a menu shows it whatever its characters and its length.
 QString menuText(const std::string& name) {
-    return QString::fromStdString(name).replace(QChar(u'&'), QStringLiteral("&&"));
+    const QString text = QString::fromStdString(name).simplified();
+    return QFontMetrics(QApplication::font("QMenu"))
+        .elidedText(text, Qt::ElideRight, longestMenuText)
+        .replace(QChar(u'&'), QStringLiteral("&&"));
 }
 
 } // namespace
@@ -124,7 +132,15 @@ QString PluginSlotView::helpNow() const {
                    "%1 — from an older session, not linked to an installed plugin. Click to pick one."
         )
             .arg(name);
-    return QStringLiteral("%1 — click to open its editor. Right-click for more options.").arg(name);
+    return QStringLiteral("%1 — click to open its editor. Right-click for more options.").arg(name)
+           + latencyLine();
+}
+
+QString PluginSlotView::latencyLine() const {
+    const session::PluginSlot* const slot = record();
+    const double latencyMs = engine.pluginLatencyMs(slotIndex, stripID);
+    if (latencyMs < shortestShownLatencyMs || (slot != nullptr && slot->bypassed)) return {};
+    return QStringLiteral("\nadds %1 ms").arg(latencyMs, 0, 'f', 1);
 }
 
 void PluginSlotView::refresh() {
@@ -144,6 +160,12 @@ void PluginSlotView::refresh() {
         update();
     }
     if (const QString help = helpNow(); help != toolTip()) setToolTip(help);
+}
+
+void PluginSlotView::enterEvent(QEnterEvent* event) {
+    // The latency may have changed since the last refresh.
+    refresh();
+    QAbstractButton::enterEvent(event);
 }
 
 void PluginSlotView::paintEvent(QPaintEvent*) {
@@ -234,8 +256,25 @@ void PluginSlotView::addPresetActions(QMenu& menu) {
             load->addAction(menuText(preset.name), this, [this, preset] {
                 engine.applyPluginPreset(preset, slotIndex, stripID);
             });
+    addFactoryPresets(*load);
     if (load->isEmpty()) load->addAction(QStringLiteral("No saved presets"))->setEnabled(false);
     menu.addAction(QStringLiteral("Save Preset…"), this, [this] { askForPresetName(); });
+}
+
+/// Below the user's own, each bank in a menu of its own.
+void PluginSlotView::addFactoryPresets(QMenu& menu) {
+    const auto presets = engine.factoryPresets(slotIndex, stripID);
+    if (!presets.empty() && !menu.isEmpty()) menu.addSeparator();
+    QMenu* list = &menu;
+    std::string bank;
+    for (const platform::AUAudioUnitPreset& preset : presets) {
+        // Those of no bank come first.
+        if (preset.bank != bank) list = menu.addMenu(menuText(preset.bank));
+        bank = preset.bank;
+        list->addAction(menuText(preset.name), this, [this, preset] {
+            engine.applyFactoryPreset(preset, slotIndex, stripID);
+        });
+    }
 }
 
 void PluginSlotView::askForPresetName() {

@@ -34,6 +34,7 @@ class PluginSlotView final : public QAbstractButton {
     [[nodiscard]] QSize sizeHint() const override;
 
   protected:
+    void enterEvent(QEnterEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -54,9 +55,12 @@ class PluginSlotView final : public QAbstractButton {
     [[nodiscard]] const plugins::PluginLoadState* loadState() const;
     [[nodiscard]] Content contentNow() const;
     [[nodiscard]] QString helpNow() const;
+    /// A line of its own that says by how much the plugin delays the strip; empty if it does not.
+    [[nodiscard]] QString latencyLine() const;
     void press();
     void openPicker();
     void addPresetActions(QMenu& menu);
+    void addFactoryPresets(QMenu& menu);
     void askForPresetName();
 
     engine::MixerEngine& engine;

@@ -57,6 +57,7 @@ QString makeStyleSheet() {
         QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
         QComboBox { selection-background-color: %6; selection-color: white; }
         QMenu::item:selected, QMenuBar::item:selected { background: %6; color: white; }
+        QMenu { menu-scrollable: 1; }
         QMenu::item:disabled { color: %7; }
         QMenu::item:selected:disabled { background: %1; }
         QAbstractItemView::item:selected { background: %6; color: white; }

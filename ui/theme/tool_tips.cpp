@@ -11,7 +11,8 @@ bool ToolTips::eventFilter(QObject* receiver, QEvent* event) {
     auto* const widget = static_cast<QWidget*>(receiver);
     if (widget->toolTip().isEmpty()) return false;
     // Only what is marked up wraps.
-    const QString text = QStringLiteral("<p>%1</p>").arg(widget->toolTip().toHtmlEscaped());
+    QString text = QStringLiteral("<p>%1</p>").arg(widget->toolTip().toHtmlEscaped());
+    text.replace(u'\n', QStringLiteral("<br>"));
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, widget);
     return true;
 }

@@ -15,6 +15,7 @@
 #include <stop_token>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace orvane::platform::lv2_units {
@@ -30,13 +31,16 @@ using testing::Not;
 
 struct Scan {
     std::vector<InstalledPlugin> effects;
+    std::vector<InstalledPreset> presets;
     std::vector<std::string> lines;
 };
 
 Scan scan(const std::string& searchPath, const ScanOptions& options = {}) {
     Scan result;
     SystemLog log([&](const LogLine& line) { result.lines.emplace_back(line.text); });
-    result.effects = scanForEffects(searchPath, log, options);
+    InstalledEffects found = scanForEffects(searchPath, log, options);
+    result.effects = std::move(found.plugins);
+    result.presets = std::move(found.presets);
     log.flush();
     return result;
 }
@@ -179,12 +183,16 @@ TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
     const Lv2Bundles bundles;
     const test::TemporaryFolder folder;
     const ScanOptions options{.cacheFile = folder / "cache/effects"};
-    bundles.add("a.lv2", Lv2Bundles::plugin("urn:a", "A", "lv2:minorVersion 2 ;"));
+    bundles.add(
+        "a.lv2", Lv2Bundles::plugin("urn:a", "A", "lv2:minorVersion 2 ;")
+                     + "<urn:p> a pset:Preset ; lv2:appliesTo <urn:a> ; rdfs:label \"P\" ."
+    );
     bundles.add("none.lv2", "");
     std::filesystem::remove(bundles.searchPath() + "none.lv2/manifest.ttl");
 
     const Scan first = scan(bundles.searchPath(), options);
     ASSERT_EQ(first.effects.size(), 1U);
+    ASSERT_EQ(first.presets.size(), 1U);
     ASSERT_EQ(first.lines.size(), 1U);
     const std::string kept = test::contentOf(folder / "cache/effects");
 
@@ -195,6 +203,7 @@ TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
     std::filesystem::last_write_time(description, written);
     std::filesystem::last_write_time(bundles.searchPath() + "a.lv2", written);
     EXPECT_EQ(scan(bundles.searchPath(), options).effects, first.effects);
+    EXPECT_EQ(scan(bundles.searchPath(), options).presets, first.presets);
     EXPECT_EQ(scan(bundles.searchPath(), options).lines, first.lines);
     std::filesystem::last_write_time(description, written + std::chrono::seconds(1));
     EXPECT_EQ(scan(bundles.searchPath(), options).effects.at(0).component.name, "Changed");
@@ -202,7 +211,7 @@ TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
     for (const std::size_t length : {std::size_t{0}, kept.size() / 2, kept.size() - 1}) {
         std::ofstream(folder / "cache/effects", std::ios::binary) << kept.substr(0, length);
         EXPECT_EQ(scan(bundles.searchPath(), options).effects.at(0).component.name, "Changed") << length;
-        EXPECT_GT(std::filesystem::file_size(folder / "cache/effects"), length);
+        EXPECT_NE(test::contentOf(folder / "cache/effects"), kept.substr(0, length));
     }
 }
 
