@@ -47,10 +47,11 @@ class JackPeer final {
     static int countXrun(void* self) noexcept;
 
     std::string uniqueName;
+    /// Stands before the client, whose threads begin with it.
+    std::atomic<std::uint32_t> xruns = 0;
     jack_client_t* client;
     std::vector<jack_port_t*> outputs;
     std::vector<jack_port_t*> inputs;
-    std::atomic<std::uint32_t> xruns = 0;
     std::atomic<bool> isExchanging = false;
     std::size_t playedFrames = 0;
     std::size_t wantedFrames = 0;
