@@ -5,6 +5,7 @@
 #include "audio/insert_workers.h"
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
+#include "machine/forced_end.h"
 #include "machine/interrupt.h"
 #include "machine/memory_lock.h"
 #include "machine/process.h"
@@ -85,8 +86,12 @@ bool reportRecording(machine::AudioMachine& audioMachine, const ui::ORVANEApp* w
     return true;
 }
 
-/// Runs the window until it is closed or the program is told to end; returns the exit code.
-int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed) {
+/// Runs the window until it is closed or the program is told to end, and arms the deadline then; returns the
+/// exit code.
+int run(
+    app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed,
+    machine::EndDeadline& deadline
+) {
     std::vector<std::string> problems;
     if (managed != nullptr && !managed->isStored()) {
         line.launch.sessionFile = managed->file();
@@ -143,6 +148,7 @@ int run(app::CommandLine line, machine::AudioMachine& audioMachine, app::Managed
     window.showProblems(problems);
     const int exitCode = QApplication::exec();
     audioMachine.cancelScan();
+    deadline.arm(exitCode);
     return hasRecordingFailed ? EXIT_FAILURE : exitCode;
 }
 
@@ -155,6 +161,7 @@ int main(int argc, char** argv) {
     auto line = app::readCommandLine(argc, argv);
     if (const int* const exitCode = std::get_if<int>(&line)) return *exitCode;
     machine::lockMemory();
+    machine::EndDeadline deadline;
     auto& options = std::get<app::CommandLine>(line);
     const auto application = makeApplication(argc, argv);
     const auto managed = app::ManagedSession::join(argv[0]);
@@ -170,7 +177,7 @@ int main(int argc, char** argv) {
     }
     if (const auto advice = machine::realtimeAdvice(audioMachine.value()->priorityLender()))
         app::printMessage(*advice);
-    int exitCode = run(std::move(options), *audioMachine.value(), managed.get());
+    int exitCode = run(std::move(options), *audioMachine.value(), managed.get(), deadline);
     if (reportRecording(*audioMachine.value(), nullptr)) exitCode = EXIT_FAILURE;
     audioMachine.value()->log.flush();
     machine::endIfAbandoned(exitCode);

@@ -1,30 +1,79 @@
 #include "cli/await_plugins.h"
 
+#include "cli/message.h"
 #include "cli/progress_bar.h"
 
-#include <algorithm>
+#include <fmt/format.h>
+
 #include <chrono>
+#include <cstddef>
+#include <string>
+#include <utility>
 #include <variant>
+#include <vector>
 
 namespace orvane::cli {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+/// After so long without one more plugin, the next is said to take its time.
+constexpr auto longTime = 5s;
+/// After so long, it is taken for one that never gets ready.
+constexpr auto veryLongTime = 15s;
+
+/// "Name (insert 2 of Alto)" of each slot that is still loading.
+std::vector<std::string> loadingPlugins(const engine::EngineState& state) {
+    std::vector<std::string> loading;
+    const plugins::PluginLoadStates& states = state.pluginLoadStates.get();
+    for (const session::ChannelStrip& strip : state.channelStrips.get())
+        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot) {
+            const auto found = states.find({strip.id, slot});
+            if (found != states.end() && std::holds_alternative<plugins::load_state::Loading>(found->second))
+                loading.push_back(fmt::format(
+                    "{} (insert {} of {})", strip.pluginSlots[slot].pluginName.value_or("a plugin"), slot + 1,
+                    strip.name
+                ));
+        }
+    return loading;
+}
+
+std::string waitingFor(const std::vector<std::string>& plugins) {
+    std::string sentence = "Still waiting for " + plugins.front() + " to get ready";
+    if (plugins.size() > 1) sentence += fmt::format(", and {} more after it", plugins.size() - 1);
+    return sentence + ".";
+}
+
+} // namespace
+
 void awaitPlugins(
-    const engine::MixerEngine& engine, platform::RunLoop& loop, const std::function<bool()>& isCancelled
+    const engine::MixerEngine& engine, platform::RunLoop& loop, IfStuck ifStuck,
+    const std::function<bool()>& isCancelled
 ) {
-    const auto loading = [&engine] {
-        return std::ranges::count_if(engine.state().pluginLoadStates.get(), [](const auto& slot) {
-            return std::holds_alternative<plugins::load_state::Loading>(slot.second);
-        });
-    };
-    const auto all = loading();
+    std::vector<std::string> loading = loadingPlugins(engine.state());
+    const auto all = static_cast<double>(loading.size());
+    auto lastProgress = std::chrono::steady_clock::now();
+    bool isTold = false;
+    bool isStuck = false;
     ProgressBar bar;
     // Also lets a cancellation be seen while a plugin takes its time.
     const auto timer = loop.repeat(50ms, [&] {
-        bar.update(1.0 - static_cast<double>(loading()) / static_cast<double>(all));
+        const auto now = std::chrono::steady_clock::now();
+        std::vector<std::string> left = loadingPlugins(engine.state());
+        bar.update(1.0 - static_cast<double>(left.size()) / all);
+        if (left.size() != loading.size()) {
+            loading = std::move(left);
+            lastProgress = now;
+        }
+        if (!std::exchange(isTold, isTold || now - lastProgress > longTime) && isTold)
+            printMessage(waitingFor(loading));
+        isStuck = now - lastProgress > veryLongTime;
     });
-    loop.runWhile([&] { return loading() > 0 && !isCancelled(); });
+    loop.runWhile([&] {
+        if (isStuck && ifStuck == IfStuck::goOn) return false;
+        return !loadingPlugins(engine.state()).empty() && !isCancelled();
+    });
 }
 
 } // namespace orvane::cli

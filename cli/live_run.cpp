@@ -10,6 +10,7 @@
 #include "cli/mix_setup.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
+#include "machine/forced_end.h"
 #include "machine/interrupt.h"
 #include "machine/memory_lock.h"
 #include "machine/process.h"
@@ -107,7 +108,8 @@ class LiveRun final {
             engine->selectMasterOutputDevice(master.value());
         }
         if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
-        awaitPlugins(*engine, loop, [] { return false; });
+        // A show begins without a plugin that hangs; it joins in if it comes.
+        awaitPlugins(*engine, loop, IfStuck::goOn, [] { return false; });
         chooseBufferSize(document.has_value());
         if (auto armed = armLearn(); !armed) return armed;
         return selectMIDISource();
@@ -356,6 +358,7 @@ int runLive(const LiveRunOptions& options) {
         return outcome ? 0 : 1;
     };
     machine::lockMemory();
+    machine::EndDeadline deadline;
     platform::RunLoop loop;
     auto machine = machine::AudioMachine::make(options.machine);
     if (!machine) return report(machine.error());
@@ -366,6 +369,7 @@ int runLive(const LiveRunOptions& options) {
     machine.value()->log.flush();
     const int exitCode = report(outcome);
     machine::endIfAbandoned(exitCode);
+    deadline.arm(exitCode);
     return exitCode;
 }
 

@@ -177,7 +177,7 @@ class Run final {
         if (auto problem = setUpMix(mixer->engine(), document.value())) return *std::move(problem);
         const std::vector<std::string> names = stripNames(mixer->engine());
         if (auto distinct = checkDestinations(options, names); !distinct) return distinct.error();
-        awaitPlugins(mixer->engine(), mixer->loop(), observer.isCancelled);
+        awaitPlugins(mixer->engine(), mixer->loop(), IfStuck::wait, observer.isCancelled);
         if (options.bufferSize) mixer->engine().setBufferSize(*options.bufferSize);
         if (auto started = mixer->start(); !started) return started.error();
         if (routed > outputs.value())
@@ -286,6 +286,7 @@ Result<RenderReport> render(const RenderOptions& options, const RenderObserver& 
     auto run = Run::prepare(options, observer);
     if (!run) return run.error();
     auto report = run.value()->mixToTheEnd(observer);
+    if (report) observer.written();
     if (!report && observer.isCancelled()) return Error{stopped};
     return report;
 }

@@ -45,6 +45,8 @@ struct RenderObserver {
     std::function<void(double)> progress;
     /// Whether to give up.
     std::function<bool()> isCancelled;
+    /// All files are whole; what follows only lets go of the mixer.
+    std::function<void()> written = [] {};
 };
 
 /// Mixes a sound file as the mixer would live, faster than real time. Nothing that fails or is cancelled

@@ -6,10 +6,12 @@
 #include "cli/render.h"
 #include "cli/standard_input.h"
 #include "engine/show.h"
+#include "machine/forced_end.h"
 #include "machine/interrupt.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 
@@ -18,12 +20,14 @@ namespace orvane::cli {
 namespace {
 
 int runRender(const RenderOptions& options) {
+    machine::EndDeadline deadline;
     const machine::InterruptGuard interrupt;
     auto bar = std::make_unique<ProgressBar>();
     const RenderObserver observer{
         .warn = [](std::string_view sentence) { printMessage(sentence); },
         .progress = [&bar](double fraction) { bar->update(fraction); },
-        .isCancelled = [&interrupt] { return interrupt.isInterrupted(); }};
+        .isCancelled = [&interrupt] { return interrupt.isInterrupted(); },
+        .written = [&deadline] { deadline.arm(EXIT_SUCCESS); }};
     const platform::Result<RenderReport> report = render(options, observer);
     bar.reset();
     if (!report) {

@@ -1,26 +1,71 @@
 #include "machine/interrupt.h"
 
+#include "machine/forced_end.h"
 #include "platform/stop_patience.h"
+
+#include <semaphore.h>
 
 #include <atomic>
 #include <cstddef>
+#include <cstdlib>
+#include <ctime>
+#include <stop_token>
+#include <system_error>
 
 namespace orvane::machine {
 
 namespace {
 
-// A signal handler is given no context, so the flag cannot live in the guard.
+// A signal handler is given no context, so these cannot live in the guard.
 std::atomic<bool> signalCame = false;
+std::atomic<bool> isUrged = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
+/// Posted whenever one of the flags, or the end of the guard, is to be looked at.
+sem_t news;
 
 void remember(int signal) noexcept {
-    if (signalCame.exchange(true) && signal == SIGINT) platform::setStopPatience({});
+    if (signalCame.exchange(true) && signal == SIGINT) {
+        platform::setStopPatience({});
+        isUrged = true;
+    }
+    sem_post(&news);
+}
+
+/// Waits for news, that long at most.
+void waitForNews(std::chrono::seconds longest) {
+    timespec end{};
+    clock_gettime(CLOCK_MONOTONIC, &end);
+    end.tv_sec += longest.count();
+    sem_clockwait(&news, CLOCK_MONOTONIC, &end);
+}
+
+/// Ends the process if a guard whose end `isOver` tells stands too long after a signal.
+void watchForTheEnd(const std::stop_token& isOver) {
+    using Clock = std::chrono::steady_clock;
+    while (!signalCame && !isOver.stop_requested())
+        sem_wait(&news);
+    auto deadline = Clock::now() + InterruptGuard::patience;
+    bool wasUrged = false;
+    while (!isOver.stop_requested()) {
+        if (!wasUrged && isUrged) {
+            wasUrged = true;
+            deadline = Clock::now() + InterruptGuard::patienceWhenUrged;
+        }
+        if (Clock::now() >= deadline) forceEnd(EXIT_FAILURE);
+        waitForNews(std::chrono::seconds(1));
+    }
 }
 
 } // namespace
 
 InterruptGuard::InterruptGuard() {
-    signalCame = false;
+    signalCame = isUrged = false;
+    sem_init(&news, 0, 0);
+    try {
+        watch = std::jthread(watchForTheEnd);
+    } catch (const std::system_error&) {
+        // A program that hangs has to be killed then.
+    }
     struct sigaction action {};
     action.sa_handler = remember;
     // Reads and writes that are under way go on; waits still end early, so that the flag is looked at soon.
@@ -34,6 +79,10 @@ InterruptGuard::InterruptGuard() {
 InterruptGuard::~InterruptGuard() {
     for (std::size_t i = 0; i < signals.size(); ++i)
         sigaction(signals[i], &before[i], nullptr);
+    if (!watch.joinable()) return;
+    watch.request_stop();
+    sem_post(&news);
+    watch.join();
 }
 
 bool InterruptGuard::isInterrupted() const noexcept {

@@ -1,16 +1,23 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 namespace orvane::machine {
 
 /// While one stands, SIGINT, SIGTERM and SIGHUP no longer end the program but are remembered, so that long
 /// work can stop cleanly; then they do again what they did before. A SIGHUP that is ignored stays so. A
 /// SIGINT after the first signal ends every wait for a plugin that does not return,
-/// `platform::setStopPatience`. The program that does the work owns it, at most one at a time.
+/// `platform::setStopPatience`. If the guard still stands `patience` after the first signal, or
+/// `patienceWhenUrged` after such a SIGINT, the process ends with `forceEnd`: the program does not react. The
+/// program that does the work owns it, at most one at a time.
 class InterruptGuard final {
   public:
+    static constexpr std::chrono::seconds patience{20};
+    static constexpr std::chrono::seconds patienceWhenUrged{2};
+
     /// Main thread.
     InterruptGuard();
     /// Main thread.
@@ -25,6 +32,8 @@ class InterruptGuard final {
     static constexpr std::array signals = {SIGINT, SIGTERM, SIGHUP};
 
     std::array<struct sigaction, signals.size()> before = {};
+    /// Absent if the system has no threads left.
+    std::jthread watch;
 };
 
 } // namespace orvane::machine

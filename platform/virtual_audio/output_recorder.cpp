@@ -23,15 +23,10 @@ std::set<OutputRecorder*>& recordersUnderWay() {
     return recorders;
 }
 
-void completeRecordings() {
-    while (!recordersUnderWay().empty())
-        (*recordersUnderWay().begin())->stop();
-}
-
 void completeAtExit(OutputRecorder* recorder) {
     // The set is made first, so that it still stands when it is needed.
     recordersUnderWay().insert(recorder);
-    [[maybe_unused]] static const int isRegistered = std::atexit(completeRecordings);
+    [[maybe_unused]] static const int isRegistered = std::atexit(OutputRecorder::completeAll);
 }
 
 bool isTaken(const std::filesystem::path& path) {
@@ -47,6 +42,11 @@ OutputRecorder::OutputRecorder(std::filesystem::path file, std::size_t channelCo
 
 OutputRecorder::~OutputRecorder() {
     stop();
+}
+
+void OutputRecorder::completeAll() {
+    while (!recordersUnderWay().empty())
+        (*recordersUnderWay().begin())->stop();
 }
 
 Result<Done> OutputRecorder::start(VirtualPacing pacing) {

@@ -27,6 +27,10 @@ class OutputRecorder final : public VirtualOutput {
     OutputRecorder(const OutputRecorder&) = delete;
     OutputRecorder& operator=(const OutputRecorder&) = delete;
 
+    /// Completes all recordings that are under way, for an end of the process that unwinds nothing. Main
+    /// thread, or another if that one never returns.
+    static void completeAll();
+
     Result<Done> start(VirtualPacing pacing) override;
     ORVANE_REALTIME void take(std::span<const std::span<const float>> blocks) noexcept override;
     void stop() override;

@@ -1,0 +1,36 @@
+#include "machine/forced_end.h"
+
+#include "machine/message.h"
+#include "platform/virtual_audio/output_recorder.h"
+
+#include <cerrno>
+#include <condition_variable>
+#include <cstdlib>
+#include <mutex>
+#include <stop_token>
+#include <system_error>
+
+namespace orvane::machine {
+
+void forceEnd(int exitCode) {
+    platform::OutputRecorder::completeAll();
+    printMessage(
+        program_invocation_short_name,
+        "The program has been ended, because a plugin or a sound server that it was waiting for did not "
+        "return."
+    );
+    std::_Exit(exitCode);
+}
+
+void EndDeadline::arm(int exitCode, std::chrono::seconds longest) try {
+    waiter = std::jthread([exitCode, longest](const std::stop_token& isOver) {
+        std::mutex mutex;
+        std::condition_variable_any over;
+        std::unique_lock lock(mutex);
+        over.wait_for(lock, isOver, longest, [] { return false; });
+        if (!isOver.stop_requested()) forceEnd(exitCode);
+    });
+} catch (const std::system_error&) {
+}
+
+} // namespace orvane::machine

@@ -1,0 +1,56 @@
+#include "machine/forced_end.h"
+#include "machine/interrupt.h"
+#include "platform/sound_file_reader.h"
+#include "platform/virtual_audio/output_recorder.h"
+#include "platform/virtual_audio/planar_blocks.h"
+#include "support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+
+namespace {
+
+using namespace orvane;
+using machine::EndDeadline;
+
+/// The exit code of a child process that does `work` and then never returns from what it does.
+int exitCodeOfHangingChild(const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        while (true)
+            ::pause();
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(ForcedEnd, OfAProgramThatDoesNotReactLeavesItsRecordingWhole) {
+    const test::TemporaryFolder folder;
+    constexpr std::size_t frames = 4800;
+    const int exitCode = exitCodeOfHangingChild([&folder] {
+        static platform::OutputRecorder recorder(folder / "mix.wav", 2, 48000.0);
+        if (!recorder.start(platform::VirtualPacing::live)) ::_exit(2);
+        recorder.take(platform::PlanarBlocks(2, frames).readable(frames));
+        static machine::InterruptGuard guard;
+        std::raise(SIGINT);
+        std::raise(SIGINT);
+    });
+    EXPECT_EQ(exitCode, EXIT_FAILURE);
+    auto reader = platform::SoundFileReader::open(folder / "mix.wav");
+    ASSERT_TRUE(reader);
+    EXPECT_EQ(reader.value().frameCount(), static_cast<std::int64_t>(frames));
+}
+
+TEST(ForcedEnd, ComesOnceTheDeadlineIsOverUnlessThatIsGone) {
+    static EndDeadline deadline;
+    EXPECT_EQ(exitCodeOfHangingChild([] { deadline.arm(7, std::chrono::seconds(0)); }), 7);
+    EndDeadline().arm(7);
+}
+
+} // namespace
