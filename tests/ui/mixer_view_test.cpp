@@ -277,7 +277,7 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     EXPECT_FALSE(message("Export failed: ").isEmpty());
 }
 
-TEST_F(Mixer, BeginsDialogsBesideTheSessionsFile) {
+TEST_F(Mixer, BeginsDialogsAtTheSessionsFile) {
     const TemporaryFolder folder;
     button("Save").click();
     choosePath(folder / "show.orvane");
@@ -286,12 +286,18 @@ TEST_F(Mixer, BeginsDialogsBesideTheSessionsFile) {
     button("Load").click();
     choosePath(elsewhere / "none.orvane");
     waitForFiles();
-    for (const char* command : {"Save", "Load"}) {
-        button(command).click();
-        EXPECT_EQ(dialog<QFileDialog>()->directory().path().toStdString(), (folder / ".").parent_path())
-            << command;
-        dialog<QFileDialog>()->reject();
-    }
+    for (const char* name : {"show.orvane", "show.json", "show"})
+        for (const char* command : {"Save", "Load"}) {
+            view->sessionFile().setFile(folder / name);
+            button(command).click();
+            QFileDialog& files = *dialog<QFileDialog>();
+            EXPECT_EQ(files.directory().path().toStdString(), (folder / ".").parent_path()) << command;
+            if (files.acceptMode() == QFileDialog::AcceptSave) {
+                EXPECT_EQ(files.selectedFiles(), QStringList(files.directory().filePath("show.orvane")))
+                    << name;
+            }
+            files.reject();
+        }
 }
 
 TEST_F(Mixer, NamesThePluginsOfASessionThatAreNotInstalled) {

@@ -108,7 +108,7 @@ void SessionFile::save(std::function<void()> then) {
     const Document exportDocument = documentNow();
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), folder(), savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->selectFile(exportName);
+    dialog->selectFile(ownFile ? savedName(*ownFile) : exportName);
     connect(
         dialog, &QFileDialog::fileSelected, this,
         [this, exportDocument, then = std::move(then)](const QString& chosen) {
