@@ -402,16 +402,28 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     const platform::Uuid strip = state().channelStrips.get()[1].id;
     engine->loadPlugin(machine.effect, 0, strip);
     machine.mainThread.runPosted();
-    const session::MixerDocumentData document = engine->makeDocumentData();
-    engine->removePlugin(0, strip);
-    bool isThere = false;
-    view->sessionFile().apply(
-        std::make_shared<const session::MixerDocumentData>(document),
-        [&](const auto& applied) { isThere = static_cast<bool>(applied); }
-    );
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
+    session::MixerDocumentData document = engine->makeDocumentData();
+    for (const bool hasSettings : {true, false}) {
+        if (!hasSettings) document.channels[1].pluginSlots[0].presetData.reset();
+        engine->removePlugin(0, strip);
+        bool isThere = false;
+        view->sessionFile().apply(
+            std::make_shared<const session::MixerDocumentData>(document),
+            [&](const auto& applied) { isThere = static_cast<bool>(applied); }
+        );
+        EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
+        machine.mainThread.runPosted();
+        EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);
+        EXPECT_FALSE(view->sessionFile().isUnsaved()) << hasSettings;
+        machine.audioUnitHost.lastUnit()->gain = 0.5F;
+        EXPECT_TRUE(view->sessionFile().isUnsaved()) << hasSettings;
+    }
+    engine->loadPlugin(machine.effect, 1, strip);
+    view->sessionFile().setSaved();
+    engine->setMuted(strip, true);
     machine.mainThread.runPosted();
-    EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);
+    EXPECT_TRUE(view->sessionFile().isUnsaved()) << "what the user changed meanwhile";
+    engine->setMuted(strip, false);
     EXPECT_FALSE(view->sessionFile().isUnsaved());
 }
 
