@@ -1,5 +1,7 @@
 #include "cli/meter_output.h"
 
+#include "cli/terminal_text.h"
+
 #include <poll.h>
 #include <unistd.h>
 
@@ -39,9 +41,10 @@ int writeWhole(int descriptor, std::string_view text) {
 
 /// Shared with the thread, which may have to be left behind in a write that nobody reads.
 struct MeterOutput::State {
-    explicit State(int writtenTo) : descriptor(writtenTo) {}
+    explicit State(int writtenTo) : descriptor(writtenTo), isTerminal(::isatty(writtenTo) == 1) {}
 
     const int descriptor;
+    const bool isTerminal;
     std::mutex mutex;
     std::condition_variable changed;
     std::string frame;
@@ -64,7 +67,7 @@ MeterOutput::~MeterOutput() {
 bool MeterOutput::write(std::string frame) {
     const std::scoped_lock lock(state->mutex);
     if (state->isWriting || state->error != 0) return false;
-    state->frame = std::move(frame);
+    state->frame = state->isTerminal ? terminalText(frame) : std::move(frame);
     state->isWriting = true;
     state->changed.notify_all();
     return true;

@@ -17,7 +17,7 @@ class MeterOutput final {
     MeterOutput& operator=(const MeterOutput&) = delete;
 
     /// Has a frame written whole, and returns true, unless one before it is still being written or could not
-    /// be. Never waits.
+    /// be. A terminal is sent its `terminalText`. Never waits.
     bool write(std::string frame);
 
     /// Why nothing can be written any more, as an error number (errno); 0 as long as that is not so.

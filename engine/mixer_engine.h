@@ -156,6 +156,9 @@ class MixerEngine final {
     /// By how much the plugin in a slot delays its strip, in milliseconds, as of its last block; 0 without a
     /// live plugin.
     [[nodiscard]] double pluginLatencyMs(std::size_t slot, const platform::Uuid& strip) const;
+    /// The present settings of the plugin that is live in a slot; absent without one, or if it has none.
+    [[nodiscard]] std::optional<session::SharedList<std::uint8_t>>
+    pluginSettings(std::size_t slot, const platform::Uuid& strip) const;
     void restorePluginsFromStrips(plugins::RecordsFrom source = plugins::RecordsFrom::scene);
 
     void copyPlugin(std::size_t slot, const platform::Uuid& strip);

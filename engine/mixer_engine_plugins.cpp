@@ -1,6 +1,7 @@
 #include "engine/mixer_engine.h"
 
 #include "plugins/insert_components.h"
+#include "plugins/plugin_state.h"
 
 // The engine's members for insert plugins.
 
@@ -42,6 +43,14 @@ double MixerEngine::pluginLatencyMs(std::size_t slot, const Uuid& strip) const {
     const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
     if (live == nullptr || live->sampleRate <= 0.0) return 0.0;
     return msPerSecond * live->avAudioUnit->latencyFrames() / live->sampleRate;
+}
+
+std::optional<session::SharedList<std::uint8_t>>
+MixerEngine::pluginSettings(std::size_t slot, const Uuid& strip) const {
+    const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
+    session::PluginSlot captured;
+    if (live != nullptr) plugins::captureInto(captured, *live);
+    return captured.presetData;
 }
 
 void MixerEngine::restorePluginsFromStrips(plugins::RecordsFrom source) {

@@ -180,6 +180,29 @@ TEST(Program, SendsNothingOfANameToTheTerminalThatCommandsIt) {
     }
 }
 
+TEST(Program, EscapesInJSONOnATerminalOnlyWhatCommandsTheTerminal) {
+    const TemporaryFolder folder;
+    const std::string name = "\x7f\u0080\u009b1m\u00a0\u00e4\u2027\u2028\u202e\u202f\u2065\u2066\u2069\u206a";
+    const std::string escaped = R"(\u007f\u0080\u009b1m)"
+                                "\u00a0\u00e4\u2027"
+                                R"(\u2028\u202e)"
+                                "\u202f\u2065"
+                                R"(\u2066\u2069)"
+                                "\u206a";
+    const auto session =
+        folder.add("show.orvane", R"({"channels": [{"name": ")" + name + R"(", "outputRouting": {"none": {}},
+            "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
+            "bufferSize": 512, "snapshots": []})");
+    for (const std::string arguments :
+         {"session ", "run --device virtual:panel --meters json --seconds 0.1 --session "}) {
+        const std::string command = program + " " + arguments + session.string();
+        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, command), 0);
+        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(name)) << arguments;
+        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, "script -qec '" + command + "' /dev/null"), 0);
+        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(escaped)) << arguments;
+    }
+}
+
 TEST(Session, IsPrintedAsItWouldBeSaved) {
     const TemporaryFolder folder;
     const auto file = folder.add(

@@ -277,7 +277,7 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     EXPECT_FALSE(message("Export failed: ").isEmpty());
 }
 
-TEST_F(Mixer, BeginsDialogsBesideTheSessionsFile) {
+TEST_F(Mixer, BeginsDialogsAtTheSessionsFile) {
     const TemporaryFolder folder;
     button("Save").click();
     choosePath(folder / "show.orvane");
@@ -286,12 +286,18 @@ TEST_F(Mixer, BeginsDialogsBesideTheSessionsFile) {
     button("Load").click();
     choosePath(elsewhere / "none.orvane");
     waitForFiles();
-    for (const char* command : {"Save", "Load"}) {
-        button(command).click();
-        EXPECT_EQ(dialog<QFileDialog>()->directory().path().toStdString(), (folder / ".").parent_path())
-            << command;
-        dialog<QFileDialog>()->reject();
-    }
+    for (const char* name : {"show.orvane", "show.json", "show"})
+        for (const char* command : {"Save", "Load"}) {
+            view->sessionFile().setFile(folder / name);
+            button(command).click();
+            QFileDialog& files = *dialog<QFileDialog>();
+            EXPECT_EQ(files.directory().path().toStdString(), (folder / ".").parent_path()) << command;
+            if (files.acceptMode() == QFileDialog::AcceptSave) {
+                EXPECT_EQ(files.selectedFiles(), QStringList(files.directory().filePath("show.orvane")))
+                    << name;
+            }
+            files.reject();
+        }
 }
 
 TEST_F(Mixer, NamesThePluginsOfASessionThatAreNotInstalled) {
@@ -396,16 +402,28 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     const platform::Uuid strip = state().channelStrips.get()[1].id;
     engine->loadPlugin(machine.effect, 0, strip);
     machine.mainThread.runPosted();
-    const session::MixerDocumentData document = engine->makeDocumentData();
-    engine->removePlugin(0, strip);
-    bool isThere = false;
-    view->sessionFile().apply(
-        std::make_shared<const session::MixerDocumentData>(document),
-        [&](const auto& applied) { isThere = static_cast<bool>(applied); }
-    );
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
+    session::MixerDocumentData document = engine->makeDocumentData();
+    for (const bool hasSettings : {true, false}) {
+        if (!hasSettings) document.channels[1].pluginSlots[0].presetData.reset();
+        engine->removePlugin(0, strip);
+        bool isThere = false;
+        view->sessionFile().apply(
+            std::make_shared<const session::MixerDocumentData>(document),
+            [&](const auto& applied) { isThere = static_cast<bool>(applied); }
+        );
+        EXPECT_TRUE(QTest::qWaitFor([&] { return isThere; }));
+        machine.mainThread.runPosted();
+        EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);
+        EXPECT_FALSE(view->sessionFile().isUnsaved()) << hasSettings;
+        machine.audioUnitHost.lastUnit()->gain = 0.5F;
+        EXPECT_TRUE(view->sessionFile().isUnsaved()) << hasSettings;
+    }
+    engine->loadPlugin(machine.effect, 1, strip);
+    view->sessionFile().setSaved();
+    engine->setMuted(strip, true);
     machine.mainThread.runPosted();
-    EXPECT_EQ(state().channelStrips.get()[1].pluginSlots[0].pluginName, machine.effect.name);
+    EXPECT_TRUE(view->sessionFile().isUnsaved()) << "what the user changed meanwhile";
+    engine->setMuted(strip, false);
     EXPECT_FALSE(view->sessionFile().isUnsaved());
 }
 

@@ -64,6 +64,30 @@ TEST(SmallScreens, HoldTheFirstWindowAndEverySheet) {
     }
 }
 
+TEST(SmallScreens, HoldAWindowThatIsRememberedBeyondThem) {
+    MixerMachine machine;
+    // The last screen is too low for the smallest content with a title above it.
+    for (QScreen* screen : QApplication::screens().mid(1, 3)) {
+        const QRect room = screen->availableGeometry();
+        for (const QPoint corner : {QPoint(90, 60), QPoint(-90, -60), QPoint(0, 0), QPoint(20000, 9000)}) {
+            QWidget remembered;
+            remembered.setScreen(screen);
+            remembered.setGeometry(QRect(room.topLeft() + corner, QSize(1272, 688)));
+            platform::InMemoryPreferences preferences;
+            ASSERT_TRUE(
+                preferences.setValue("orvaneWindow", remembered.saveGeometry().toBase64().toStdString())
+            );
+            ORVANEApp window({machine.services(), preferences}, {.channels = 8});
+            window.show();
+            QApplication::processEvents();
+            const QRect withFrame = window.geometry().marginsAdded({1, 24, 1, 5});
+            EXPECT_TRUE(window.screen()->availableGeometry().contains(withFrame))
+                << screen->name().toStdString() << corner.x() << ": " << withFrame.x() << ", "
+                << withFrame.y() << " " << withFrame.width() << " x " << withFrame.height();
+        }
+    }
+}
+
 TEST(SmallScreens, LetASheetScrollThatIsTooLowForItsContent) {
     MixerMachine machine;
     engine::MixerEngine engine(2, machine.services());

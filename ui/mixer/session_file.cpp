@@ -100,7 +100,7 @@ SessionFile::SessionFile(
       components(installedComponents),
       window(view),
       channelArea(messages),
-      saved(std::make_shared<const session::MixerDocumentData>(mixerEngine.makeDocumentData())) {}
+      saved(mixerEngine) {}
 
 SessionFile::~SessionFile() = default;
 
@@ -108,7 +108,7 @@ void SessionFile::save(std::function<void()> then) {
     const Document exportDocument = documentNow();
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), folder(), savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->selectFile(exportName);
+    dialog->selectFile(ownFile ? savedName(*ownFile) : exportName);
     connect(
         dialog, &QFileDialog::fileSelected, this,
         [this, exportDocument, then = std::move(then)](const QString& chosen) {
@@ -292,8 +292,9 @@ void SessionFile::replaceNow(
         [this, path, document, isOwn, then](const Written& written) {
             if (written) {
                 setFile(path);
-                saved = document;
                 if (!isOwn) channelsBeyond.clear();
+                // Without enough memory it counts as unsaved.
+                platform::runUnlessOutOfMemory([this, &document] { saved.set(*document); });
             }
             conclude(written, then);
         },
@@ -372,11 +373,11 @@ SessionFile::Document SessionFile::documentNow() const {
 }
 
 bool SessionFile::isUnsaved() const {
-    return engine.makeDocumentData() != *saved;
+    return saved.isOutdated();
 }
 
 void SessionFile::setSaved() {
-    saved = documentNow();
+    saved.set(engine.makeDocumentData());
 }
 
 } // namespace orvane::ui

@@ -4,6 +4,7 @@
 #include "engine/session/mixer_document_data.h"
 #include "platform/file_stamp.h"
 #include "platform/result.h"
+#include "ui/mixer/saved_session.h"
 #include "ui/strip/installed_components.h"
 
 #include <QObject>
@@ -115,7 +116,7 @@ class SessionFile final : public QObject {
     InstalledComponents& components;
     QWidget& window;
     ChannelArea& channelArea;
-    Document saved;
+    SavedSession saved;
     std::optional<std::filesystem::path> ownFile;
     /// The own file as it was read or written last.
     std::optional<platform::FileStamp> ownStamp;

@@ -9,6 +9,7 @@ namespace orvane::ui {
 namespace {
 
 const QString sessionSuffix = QStringLiteral(".orvane");
+const QString jsonSuffix = QStringLiteral(".json");
 
 } // namespace
 
@@ -22,11 +23,17 @@ QString toName(const std::filesystem::path& path) {
 
 bool isSessionName(const QString& name) {
     return name.endsWith(sessionSuffix, Qt::CaseInsensitive)
-           || name.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive);
+           || name.endsWith(jsonSuffix, Qt::CaseInsensitive);
 }
 
 QString withSessionSuffix(const QString& name) {
     return name.endsWith(sessionSuffix, Qt::CaseInsensitive) ? name : name + sessionSuffix;
+}
+
+QString savedName(const std::filesystem::path& path) {
+    QString name = toName(path.filename());
+    if (name.endsWith(jsonSuffix, Qt::CaseInsensitive)) name.chop(jsonSuffix.size());
+    return withSessionSuffix(name);
 }
 
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {

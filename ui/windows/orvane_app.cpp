@@ -103,7 +103,13 @@ void ORVANEApp::showEvent(QShowEvent* event) {
     if (event->spontaneous()) return;
     centralWidget()->setMinimumSize(smallestContentHere());
     layout()->activate();
-    if (!isMaximized() && !isFullScreen()) resize(size().boundedTo(screenRoom(*this)));
+    if (isMaximized() || isFullScreen()) return;
+    const QRect held = heldByScreen(*this);
+    // The desktop places a window that has no place yet.
+    if (testAttribute(Qt::WA_Moved))
+        setGeometry(held);
+    else
+        resize(held.size());
 }
 
 void ORVANEApp::closeEvent(QCloseEvent* event) {

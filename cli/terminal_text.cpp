@@ -1,0 +1,54 @@
+#include "cli/terminal_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <iterator>
+
+namespace orvane::cli {
+
+namespace {
+
+/// Characters in sequence whose UTF-8 differs in the last byte alone.
+struct Range {
+    std::string_view first;
+    std::string_view last;
+    std::uint32_t firstCode;
+
+    [[nodiscard]] bool begins(std::string_view text) const {
+        const std::string_view character = text.substr(0, first.size());
+        return first <= character && character <= last;
+    }
+};
+
+/// U+2028 to U+202E are the two separators and five characters of bidirectional text.
+constexpr std::array<Range, 4> commanding{
+    {{"\x7F", "\x7F", 0x7F},
+     {"\xC2\x80", "\xC2\x9F", 0x80},
+     {"\xE2\x80\xA8", "\xE2\x80\xAE", 0x2028},
+     {"\xE2\x81\xA6", "\xE2\x81\xA9", 0x2066}}};
+
+} // namespace
+
+std::string terminalText(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        const auto range =
+            std::ranges::find_if(commanding, [text](const Range& one) { return one.begins(text); });
+        const std::size_t length = range == commanding.end() ? 1 : range->first.size();
+        if (range == commanding.end()) {
+            shown += text[0];
+        } else {
+            const auto lastByte = static_cast<unsigned char>(text[length - 1]);
+            const auto firstByte = static_cast<unsigned char>(range->first.back());
+            fmt::format_to(std::back_inserter(shown), "\\u{:04x}", range->firstCode + lastByte - firstByte);
+        }
+        text.remove_prefix(length);
+    }
+    return shown;
+}
+
+} // namespace orvane::cli
