@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace orvane::platform {
@@ -27,6 +30,7 @@ void SystemLog::post(
     slot->level = level;
     slot->category = category;
     slot->length = 0;
+    slot->subjectLength = parts.size() > 1 ? std::min(parts.begin()->size(), longestLine) : 0;
     for (const std::string_view part : parts) {
         const std::size_t fits = std::min(part.size(), longestLine - slot->length);
         std::copy_n(part.data(), fits, slot->text.data() + slot->length);
@@ -54,7 +58,8 @@ void SystemLog::flush() {
     while (true) {
         Slot& slot = slots[head % capacity];
         if (slot.turn.load(std::memory_order_acquire) != head + 1) break;
-        sink({slot.level, slot.category, {slot.text.data(), slot.length}});
+        const std::string_view text(slot.text.data(), slot.length);
+        sink({slot.level, slot.category, text, text.substr(0, slot.subjectLength)});
         slot.turn.store(head + capacity, std::memory_order_release);
         ++head;
     }
@@ -73,10 +78,12 @@ SystemLog::Sink standardErrorSink() {
 }
 
 SystemLog::Sink quietUntilAnError(SystemLog::Sink sink) {
-    return [sink = std::move(sink), hasFailed = false](const LogLine& line) mutable {
-        hasFailed |= line.level == LogLevel::error;
-        if (hasFailed) sink(line);
-    };
+    return
+        [sink = std::move(sink), failed = std::set<std::string, std::less<>>()](const LogLine& line) mutable {
+            const bool isError = line.level == LogLevel::error;
+            if (isError && !line.subject.empty()) failed.emplace(line.subject);
+            if (isError || failed.contains(line.subject)) sink(line);
+        };
 }
 
 } // namespace orvane::platform

@@ -23,6 +23,8 @@ struct LogLine {
     /// Which part of the application speaks; a literal.
     std::string_view category;
     std::string_view text;
+    /// What the text begins with if it was posted in several parts: the thing that it is about.
+    std::string_view subject = {};
 };
 
 /// The log. Control threads write at once; audio threads post into a queue of fixed size that the control
@@ -52,6 +54,7 @@ class SystemLog final {
         LogLevel level;
         std::string_view category;
         std::size_t length;
+        std::size_t subjectLength;
         std::array<char, longestLine> text;
     };
 
@@ -69,8 +72,8 @@ class SystemLog final {
 /// Writes lines to standard error, with the priorities that the journal reads when it is what listens there.
 SystemLog::Sink standardErrorSink();
 
-/// Keeps from `sink` that all is well, until something has failed: from the first error on it gets every
-/// line.
+/// Passes errors on to `sink`, and other lines only from the first error about the same subject on: that all
+/// is well is worth a line only where it was not.
 SystemLog::Sink quietUntilAnError(SystemLog::Sink sink);
 
 } // namespace orvane::platform

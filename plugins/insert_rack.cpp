@@ -251,15 +251,25 @@ const LoadedInsertPlugin* InsertRack::plugin(const PluginSlotKey& key) const {
 }
 
 std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
-    const std::vector<ChannelStrip>& strips = owner.channelStrips();
+    // A copy: what follows the message line may change the strips.
+    const std::vector<ChannelStrip> strips = owner.channelStrips();
     std::vector<session::ChannelSettingsData> channels = session::settingsOf(strips);
     for (std::size_t strip = 0; strip < strips.size(); ++strip) {
         std::vector<PluginSlot>& slots = channels[strip].pluginSlots;
         for (std::size_t slot = 0; slot < slots.size(); ++slot)
-            if (const LoadedInsertPlugin* const live = plugin({strips[strip].id, slot}))
-                captureInto(slots[slot], *live);
+            capture({strips[strip].id, slot}, slots[slot]);
     }
     return channels;
+}
+
+void InsertRack::capture(const PluginSlotKey& key, PluginSlot& into) const {
+    const LoadedInsertPlugin* const live = plugin(key);
+    if (live == nullptr) return;
+    if (const auto captured = captureInto(into, *live); !captured)
+        owner.setLastError(fmt::format(
+            "The settings of the plugin {} are not saved and have to be set again: {}",
+            live->renderContext->name(), captured.error().description
+        ));
 }
 
 InsertRack::LivePlugins InsertRack::livePlugins() {
@@ -435,7 +445,7 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     const PluginSlot* const existing = record(key);
     if (existing != nullptr && existing->component == identityOf(plugin->component)) {
         PluginSlot kept = *existing;
-        captureInto(kept, *plugin);
+        capture(key, kept);
         owner.replaceSlot(key, std::move(kept));
     }
     unload(key);

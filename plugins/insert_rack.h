@@ -74,7 +74,8 @@ class InsertRack final {
     /// The plugin that is live in a slot, or null: the record's or, in a recall-safe slot or where it arrived
     /// late, another. Valid until the next operation.
     [[nodiscard]] const LoadedInsertPlugin* plugin(const PluginSlotKey& key) const;
-    /// The settings of every strip, with every live plugin and its present state in its slot's record.
+    /// The settings of every strip, with every live plugin and its present state in its slot's record. The
+    /// message line names a plugin whose state cannot be written.
     [[nodiscard]] std::vector<session::ChannelSettingsData> capturedChannels() const;
 
     /// A load that is under way.
@@ -107,6 +108,8 @@ class InsertRack final {
     using Completion = platform::AudioUnitHost::InstantiationCompletion;
 
     [[nodiscard]] const session::PluginSlot* record(const PluginSlotKey& key) const;
+    /// Puts the live plugin of a slot and its state into a record of the slot.
+    void capture(const PluginSlotKey& key, session::PluginSlot& into) const;
     void setLoadState(const PluginSlotKey& key, PluginLoadState loadState);
     void unload(const PluginSlotKey& key);
     void unloadWhereNoSlotIs();

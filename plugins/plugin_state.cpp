@@ -25,17 +25,19 @@ restoreState(const LoadedInsertPlugin& plugin, std::span<const std::uint8_t> dat
     return plugin.avAudioUnit->setFullState(state.value());
 }
 
-void captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin) {
+platform::Result<platform::Done> captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin) {
     if (const auto identity = identityOf(plugin.component); record.component != identity) {
         record.pluginName = plugin.component.name;
         record.component = identity;
         record.presetData.reset();
     }
     auto captured = captureState(*plugin.avAudioUnit);
-    if (!captured)
+    if (!captured) {
         record.presetData.reset();
-    else if (captured.value())
-        record.presetData = std::move(captured).value();
+        return captured.error();
+    }
+    if (captured.value()) record.presetData = std::move(captured).value();
+    return platform::Done{};
 }
 
 } // namespace orvane::plugins

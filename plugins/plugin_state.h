@@ -22,8 +22,9 @@ platform::Result<std::optional<platform::PropertyList::Data>> captureState(const
 platform::Result<platform::Done>
 restoreState(const LoadedInsertPlugin& plugin, std::span<const std::uint8_t> data);
 
-/// Makes the record of a slot hold the state of the plugin that is live in it, and name that plugin. The
-/// state that it has of the same plugin stays where there is none, and goes where it cannot be written.
-void captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin);
+/// Makes the record of a slot hold the state of the plugin that is live in it, and name that plugin. A state
+/// that it has of the same plugin stays if the plugin has none. Fails if the state cannot be written, which
+/// leaves the record without one.
+platform::Result<platform::Done> captureInto(session::PluginSlot& record, const LoadedInsertPlugin& plugin);
 
 } // namespace orvane::plugins

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -58,6 +59,11 @@ class TreeBuilder final {
     bool end_object() { return leave(); }
     bool parse_error(std::size_t position, const std::string& token, const json::exception& exception);
 
+    /// Whether the parser is in a value that is not kept.
+    [[nodiscard]] bool isSkipping() const;
+    /// A byte before the parser's position was left out.
+    void noteLeftOut() { ++leftOutCount; }
+
     DocumentTree tree;
     std::optional<Error> failure;
 
@@ -66,7 +72,6 @@ class TreeBuilder final {
     bool enter(json container);
     bool leave();
     json* keep(json value);
-    [[nodiscard]] bool isSkipping() const;
     void finishValue();
     bool fail(std::string description);
     [[nodiscard]] std::string path() const;
@@ -78,6 +83,7 @@ class TreeBuilder final {
     /// Objects and arrays that the parser is in and that are not kept.
     std::size_t skippedLevels = 0;
     std::size_t keptCount = 0;
+    std::size_t leftOutCount = 0;
 };
 
 bool TreeBuilder::key(std::string& word) {
@@ -93,7 +99,7 @@ bool TreeBuilder::parse_error(std::size_t position, const std::string&, const js
     constexpr int numberOverflow = 406;
     if (exception.id == numberOverflow) return fail(path() + " is a number beyond the range of a double.");
     // The position counts the bytes read, the offending one included.
-    failure = syntaxError(text, position > 0 ? position - 1 : 0);
+    failure = syntaxError(text, position > 0 ? position - 1 + leftOutCount : 0);
     return false;
 }
 
@@ -167,6 +173,54 @@ std::string TreeBuilder::path() const {
     return way.empty() ? "The document" : way;
 }
 
+/// The text as the parser reads it: in values that are skipped, a number has at most two digits in a row, so
+/// that none is beyond the range of a double.
+class TextIterator final {
+  public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = char;
+
+    TextIterator(const char* position, const char* textEnd, TreeBuilder& treeBuilder)
+        : at(position), end(textEnd), builder(&treeBuilder) {}
+
+    char operator*() const { return *at; }
+    TextIterator& operator++();
+    bool operator==(const TextIterator& other) const { return at == other.at; }
+
+  private:
+    void pass(char byte);
+
+    const char* at;
+    const char* end;
+    TreeBuilder* builder;
+    bool isInString = false;
+    bool isEscaped = false;
+    std::size_t digitsInRow = 0;
+};
+
+bool isDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+TextIterator& TextIterator::operator++() {
+    constexpr std::size_t mostDigits = 2;
+    pass(*at++);
+    while (digitsInRow >= mostDigits && at != end && isDigit(*at) && builder->isSkipping()) {
+        builder->noteLeftOut();
+        ++at;
+    }
+    return *this;
+}
+
+void TextIterator::pass(char byte) {
+    if (byte == '"' && !isEscaped) isInString = !isInString;
+    isEscaped = isInString && byte == '\\' && !isEscaped;
+    digitsInRow = !isInString && isDigit(byte) ? digitsInRow + 1 : 0;
+}
+
 /// Empties every container below, from the innermost on.
 void dissolve(json& node) noexcept {
     if (!node.is_structured()) return;
@@ -188,7 +242,8 @@ parseDocumentTree(std::string_view text, IsKnownKey isKnown, const DocumentLimit
     if (const auto zero = text.find('\0'); zero != std::string_view::npos) return syntaxError(text, zero);
 
     TreeBuilder builder(text, isKnown, limits);
-    json::sax_parse(text.data(), text.data() + text.size(), &builder);
+    const char* const end = text.data() + text.size();
+    json::sax_parse(TextIterator(text.data(), end, builder), TextIterator(end, end, builder), &builder);
     if (builder.failure) return *builder.failure;
     return std::move(builder.tree);
 }

@@ -8,11 +8,22 @@
 #include <fmt/format.h>
 #include <lv2/core/lv2.h>
 
+#include <optional>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace orvane::platform::lv2_units {
 
 namespace {
+
+/// Why the library of a plugin cannot be loaded, as the end of a sentence; absent if it may be.
+std::optional<std::string> libraryProblem(const std::filesystem::path& library) {
+    std::error_code ignored;
+    if (library.empty()) return "it names no library";
+    if (std::filesystem::is_regular_file(library, ignored)) return std::nullopt;
+    return fmt::format("its library {} is missing or not a file", library.native());
+}
 
 /// Reads a bundle and keeps the effects in it.
 class Reader final {
@@ -37,8 +48,9 @@ class Reader final {
         if (name.empty()) return skip(uri, "it has no name");
         const auto roles = portRoles(bundle, plugin);
         if (!roles) return skip(uri, roles.error().description);
-        if (const auto described = describe(bundle, plugin); !described || !isHostable(described.value()))
-            return;
+        const auto described = describe(bundle, plugin);
+        if (!described || !isHostable(described.value())) return;
+        if (const auto problem = libraryProblem(described.value().libraryPath)) return skip(uri, *problem);
 
         const std::string maker = textOf(NodeHandle(lilv_plugin_get_author_name(plugin)).get());
         contents.effects.push_back(

@@ -45,8 +45,8 @@ struct BundleContents {
 };
 
 /// Finds the presets and the effects of one bundle: plugins with one or two audio inputs and outputs that
-/// need nothing the host lacks. Reads descriptions only. The libraries that do so may crash or hang on
-/// hostile data: only for a process that may. Any thread.
+/// need nothing the host lacks and whose library is there. Reads descriptions only. The libraries that do so
+/// may crash or hang on hostile data: only for a process that may. Any thread.
 BundleContents readBundle(const std::filesystem::path& folder);
 
 /// The sentence for a bundle or plugin that is left out.

@@ -15,7 +15,7 @@ namespace orvane::platform::lv2_units {
 namespace {
 
 /// Raised with every change of what is read from bundles or of how it is written.
-constexpr std::int64_t formatVersion = 2;
+constexpr std::int64_t formatVersion = 3;
 
 constexpr const char* versionKey = "version";
 constexpr const char* bundlesKey = "bundles";

@@ -324,12 +324,16 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     );
     EXPECT_EQ(audioUnitHost.report.living, 4);
     // What is captured without a state keeps the one on record, or loses one that cannot be written.
-    for (const auto& [script, expected] :
-         {std::pair{AudioUnitScript{.hasState = false}, std::optional(stateOf(7.0))},
-          {AudioUnitScript{.hasUnwritableState = true}, std::nullopt}}) {
+    const std::string lost =
+        "The settings of the plugin Ch2 slot2: Odd are not saved and have to be set again: The "
+        "property list has a text that is not UTF-8 or holds a zero byte.";
+    for (const auto& [script, expected, sentence] :
+         {std::tuple{AudioUnitScript{.hasState = false}, std::optional(stateOf(7.0)), message()},
+          {AudioUnitScript{.hasUnwritableState = true}, std::nullopt, lost}}) {
         engine->loadPlugin(audioUnitHost.add("Odd", script), 1, id(1), stateOf(7.0));
         mainThread.runPosted();
         EXPECT_EQ(engine->makeDocumentData().channels[1].pluginSlots[1].presetData, expected);
+        EXPECT_EQ(message(), sentence);
     }
 }
 

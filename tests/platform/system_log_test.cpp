@@ -71,16 +71,19 @@ TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
     EXPECT_EQ(found, 3U * linesPerThread);
 }
 
-TEST(SystemLog, CanKeepQuietUntilSomethingFails) {
+TEST(SystemLog, CanKeepQuietAboutEachThingUntilItFails) {
     std::string written;
     SystemLog log(orvane::platform::quietUntilAnError([&written](const LogLine& line) {
         written += line.text;
     }));
     for (const LogLevel level : {LogLevel::standard, LogLevel::error, LogLevel::standard}) {
-        log.post(level, "Test", {level == LogLevel::error ? "failed " : "well "});
-        log.flush();
+        const bool isError = level == LogLevel::error;
+        log.post(level, "Test", {"A ", isError ? "failed. " : "works. "});
+        log.post(LogLevel::standard, "Test", {"B ", "works. "});
+        log.post(level, "Test", {isError ? "An error. " : "A note. "});
     }
-    EXPECT_EQ(written, "failed well ");
+    log.flush();
+    EXPECT_EQ(written, "A failed. An error. A works. ");
 }
 
 } // namespace

@@ -100,6 +100,8 @@ TEST(ComponentScan, LeavesOutWhatItCannotUseAndSaysWhy) {
         "ports.lv2", "<urn:ports> a lv2:Plugin ; doap:name \"Ports\" ; lv2:port [ a lv2:AudioPort ; "
                      "lv2:index 0 ; lv2:symbol \"p\" ; lv2:name \"P\" ] ."
     );
+    bundles.add("gone.lv2", Lv2Bundles::plugin("urn:gone", "Gone", ""));
+    std::filesystem::remove(bundles.searchPath() + "gone.lv2/plugin.so");
     bundles.add("empty.lv2", "");
     std::filesystem::create_directory(bundles.searchPath() + "none.lv2");
 
@@ -107,12 +109,14 @@ TEST(ComponentScan, LeavesOutWhatItCannotUseAndSaysWhy) {
     ASSERT_EQ(result.effects.size(), 1U);
     EXPECT_EQ(result.effects[0].component.name, "Good");
     EXPECT_THAT(
-        result.lines, testing::UnorderedElementsAre(
-                          AllOf(HasSubstr("broken.lv2: its manifest.ttl cannot be read (line ")),
-                          "Left out urn:nameless: it has no name.",
-                          AllOf(HasSubstr("Left out urn:ports: "), HasSubstr("port")),
-                          AllOf(HasSubstr("none.lv2: its manifest.ttl cannot be opened"))
-                      )
+        result.lines,
+        testing::UnorderedElementsAre(
+            AllOf(HasSubstr("broken.lv2: its manifest.ttl cannot be read (line ")),
+            AllOf(HasSubstr("Left out urn:gone: its library /"), HasSubstr("plugin.so is missing")),
+            "Left out urn:nameless: it has no name.",
+            AllOf(HasSubstr("Left out urn:ports: "), HasSubstr("port")),
+            AllOf(HasSubstr("none.lv2: its manifest.ttl cannot be opened"))
+        )
     );
 }
 
