@@ -60,7 +60,7 @@ Result<std::size_t> chooseStrips(
 std::uint64_t
 routedOutputs(const std::optional<session::MixerDocumentData>& document, std::size_t stripCount) {
     if (!document) return 0;
-    std::uint64_t needed = engine::outputsNeeded(document->masterOutputRouting);
+    std::uint64_t needed = engine::outputsNeeded(document->master.masterOutputRouting);
     for (const auto& channel :
          std::span(document->channels).first(std::min(stripCount, document->channels.size())))
         needed = std::max(needed, engine::outputsNeeded(channel.outputRouting));

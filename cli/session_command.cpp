@@ -27,7 +27,6 @@ namespace orvane::cli {
 
 namespace {
 
-constexpr double newTargetDB = -10.0;
 constexpr std::int64_t newBufferSize = 512;
 
 struct SessionOptions {
@@ -41,11 +40,11 @@ struct SessionOptions {
 /// What `run` and `render` mix without a session: every strip from the input of its own number to the master
 /// bus, which goes to outputs 1 and 2.
 session::MixerDocumentData newSession(std::size_t stripCount) {
-    session::MixerDocumentData document{.masterTargetDB = newTargetDB, .bufferSize = newBufferSize};
+    session::MixerDocumentData document{.bufferSize = newBufferSize};
     document.channels = session::settingsOf(session::makeDefaultStrips(stripCount));
     for (std::size_t i = 0; i < stripCount; ++i)
         document.channels[i].inputChannelIndex = static_cast<std::int64_t>(i);
-    document.masterOutputRouting = session::master_output::Stereo{0, 1};
+    document.master.masterOutputRouting = session::master_output::Stereo{0, 1};
     return document;
 }
 

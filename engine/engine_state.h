@@ -3,7 +3,7 @@
 #include "audio/audio_device_info.h"
 #include "audio/published.h"
 #include "engine/session/channel_strip.h"
-#include "engine/session/master_output_routing.h"
+#include "engine/session/master_settings.h"
 #include "engine/session/snapshot.h"
 #include "midi/midi_device_info.h"
 #include "plugins/plugin_clipboard.h"
@@ -34,15 +34,7 @@ struct EngineState {
     audio::Published<std::optional<plugins::CopiedPlugin>> pluginClipboard;
     audio::Published<plugins::PluginClipboardArmState> pluginClipboardArmState{
         plugins::PluginClipboardArmState::none};
-    /// In dB.
-    audio::Published<double> masterTargetDB{-10.0};
-    audio::Published<double> leadGroupGainDB{0.0};
-    audio::Published<double> backingGroupGainDB{0.0};
-    /// Linear gain of the reference noise; 0 switches it off.
-    audio::Published<double> referenceNoiseGain{0.0};
-    /// Release time of the gain sharing in milliseconds.
-    audio::Published<double> duckerReleaseMs{400.0};
-    audio::Published<session::MasterOutputRouting> masterOutputRouting{session::master_output::None{}};
+    audio::Published<session::MasterSettings> master;
     /// The requested device buffer size, in frames.
     audio::Published<std::int64_t> bufferSize{512};
     audio::Published<std::vector<session::Snapshot>> snapshots;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/session/channel_strip.h"
-#include "engine/session/master_output_routing.h"
+#include "engine/session/master_settings.h"
 #include "engine/session/snapshot.h"
 #include "plugins/insert_rack.h"
 
@@ -16,12 +16,7 @@ namespace orvane::engine {
 /// not enough memory for the whole of it. Main thread.
 struct MixBackup {
     std::vector<session::ChannelStrip> channelStrips;
-    double masterTargetDB;
-    double leadGroupGainDB;
-    double backingGroupGainDB;
-    double referenceNoiseGain;
-    double duckerReleaseMs;
-    session::MasterOutputRouting masterOutputRouting;
+    session::MasterSettings master;
     std::int64_t bufferSize;
     /// Absent where they are not to be changed; they may be many and large.
     std::optional<std::vector<session::Snapshot>> snapshots;

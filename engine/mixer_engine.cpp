@@ -17,6 +17,7 @@ namespace {
 using audio::AudioDeviceInfo;
 using platform::Uuid;
 using session::ChannelStrip;
+using session::MasterSettings;
 using Strips = std::vector<ChannelStrip>;
 
 constexpr const char* masterResetWarning =
@@ -264,33 +265,27 @@ void MixerEngine::setTrim(const Uuid& strip, double trim) {
 }
 
 void MixerEngine::setMasterTargetDB(double targetDB) {
-    if (running) running->automix().setMasterTargetDB(targetDB);
-    published.masterTargetDB.set(targetDB);
+    editMaster([targetDB](MasterSettings& edited) { edited.levels.masterTargetDB = targetDB; });
 }
 
 void MixerEngine::setLeadGroupGainDB(double gainDB) {
-    if (running) running->automix().setLeadGroupGainDB(gainDB);
-    published.leadGroupGainDB.set(gainDB);
+    editMaster([gainDB](MasterSettings& edited) { edited.levels.leadGroupGainDB = gainDB; });
 }
 
 void MixerEngine::setBackingGroupGainDB(double gainDB) {
-    if (running) running->automix().setBackingGroupGainDB(gainDB);
-    published.backingGroupGainDB.set(gainDB);
+    editMaster([gainDB](MasterSettings& edited) { edited.levels.backingGroupGainDB = gainDB; });
 }
 
 void MixerEngine::setReferenceNoiseGain(double linearGain) {
-    if (running) running->realtimeState()->setNoiseGain(linearGain);
-    published.referenceNoiseGain.set(linearGain);
+    editMaster([linearGain](MasterSettings& edited) { edited.referenceNoiseGain = linearGain; });
 }
 
 void MixerEngine::setDuckerReleaseMs(double releaseMs) {
-    if (running) running->automix().setReleaseMs(releaseMs);
-    published.duckerReleaseMs.set(releaseMs);
+    editMaster([releaseMs](MasterSettings& edited) { edited.duckerReleaseMs = releaseMs; });
 }
 
 void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
-    pushRouting(routing);
-    published.masterOutputRouting.set(routing);
+    editMaster([&routing](MasterSettings& edited) { edited.masterOutputRouting = routing; });
 }
 
 void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
@@ -301,12 +296,12 @@ void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
 }
 
 void MixerEngine::setMasterStereo(bool on) {
-    const session::MasterOutputRouting& routing = published.masterOutputRouting.get();
+    const session::MasterOutputRouting& routing = published.master.get().masterOutputRouting;
     setMasterOutputRouting(on ? asStereo(routing) : asMono(routing));
 }
 
 void MixerEngine::setMasterStereoPair(std::int64_t left) {
-    setMasterOutputRouting(withStereoPair(published.masterOutputRouting.get(), left));
+    setMasterOutputRouting(withStereoPair(published.master.get().masterOutputRouting, left));
 }
 
 void MixerEngine::resetRoutingOneToOne() {
@@ -322,6 +317,19 @@ void MixerEngine::allOutputsOff() {
         for (ChannelStrip& strip : strips)
             strip.outputRouting = session::output::None{};
     });
+}
+
+void MixerEngine::editMaster(const std::function<void(MasterSettings&)>& edit) {
+    MasterSettings settings = published.master.get();
+    edit(settings);
+    setMaster(settings);
+}
+
+void MixerEngine::setMaster(const MasterSettings& settings) {
+    if (running) running->setMaster(settings);
+    if (settings.masterOutputRouting != published.master.get().masterOutputRouting)
+        pushRouting(settings.masterOutputRouting);
+    published.master.set(settings);
 }
 
 void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelStrip&)>& edit) {
@@ -347,7 +355,7 @@ void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
 }
 
 void MixerEngine::pushStrips() {
-    pushRouting(published.masterOutputRouting.get());
+    pushRouting(published.master.get().masterOutputRouting);
     pluginOperations.pushInserts();
     if (running) running->automix().setSettings(automixSettings(published.channelStrips.get()));
 }
@@ -357,7 +365,7 @@ void MixerEngine::pushRouting(const session::MasterOutputRouting& master) {
 }
 
 bool MixerEngine::validateMasterOutputRouting() {
-    if (exists(published.masterOutputRouting.get(), masterCapacity())) return false;
+    if (exists(published.master.get().masterOutputRouting, masterCapacity())) return false;
     setMasterOutputRouting(session::output::None{});
     return true;
 }
@@ -371,12 +379,7 @@ std::int64_t MixerEngine::masterCapacity() const {
 Show MixerEngine::show() const {
     return {
         .channelStrips = published.channelStrips.get(),
-        .masterTargetDB = published.masterTargetDB.get(),
-        .leadGroupGainDB = published.leadGroupGainDB.get(),
-        .backingGroupGainDB = published.backingGroupGainDB.get(),
-        .referenceNoiseGain = published.referenceNoiseGain.get(),
-        .duckerReleaseMs = published.duckerReleaseMs.get(),
-        .masterOutputRouting = published.masterOutputRouting.get(),
+        .master = published.master.get(),
         .bufferSize = published.bufferSize.get()};
 }
 

@@ -219,6 +219,8 @@ class MixerEngine final {
     void takeDocument(const session::MixerDocumentData& document);
     void recallSelected();
 
+    void editMaster(const std::function<void(session::MasterSettings&)>& edit);
+    void setMaster(const session::MasterSettings& settings);
     void editStrip(const platform::Uuid& strip, const std::function<void(session::ChannelStrip&)>& edit);
     void editStrips(const std::function<void(std::vector<session::ChannelStrip>&)>& edit);
     void pushStrips();

@@ -10,15 +10,10 @@ namespace orvane::engine {
 session::MixerDocumentData MixerEngine::makeDocumentData() const {
     return {
         .channels = pluginOperations.rack().capturedChannels(),
-        .masterTargetDB = published.masterTargetDB.get(),
+        .master = published.master.get(),
         .bufferSize = published.bufferSize.get(),
         .snapshots = published.snapshots.get(),
-        .masterOutputRouting = published.masterOutputRouting.get(),
-        .leadGroupGainDB = published.leadGroupGainDB.get(),
-        .backingGroupGainDB = published.backingGroupGainDB.get(),
-        .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get(),
-        .referenceNoiseGain = published.referenceNoiseGain.get(),
-        .duckerReleaseMs = published.duckerReleaseMs.get()};
+        .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get()};
 }
 
 void MixerEngine::applyDocument(const session::MixerDocumentData& document) {
@@ -34,16 +29,11 @@ platform::Result<platform::Done> MixerEngine::loadDocument(const session::MixerD
 
 void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
     editStrips([&document](auto& strips) { session::applySettings(document.channels, strips); });
-    setMasterTargetDB(document.masterTargetDB);
     if (takeBufferSize(document.bufferSize)) startOrThrow();
     published.snapshots.set(document.snapshots);
     published.currentSnapshotIndex.set(std::nullopt);
-    setMasterOutputRouting(document.masterOutputRouting);
-    setLeadGroupGainDB(document.leadGroupGainDB);
-    setBackingGroupGainDB(document.backingGroupGainDB);
+    setMaster(document.master);
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
-    setReferenceNoiseGain(document.referenceNoiseGain);
-    setDuckerReleaseMs(document.duckerReleaseMs);
     restorePluginsFromStrips(plugins::RecordsFrom::session);
 }
 
@@ -63,12 +53,7 @@ MixBackup MixerEngine::backUp(Extent extent) {
     const bool withSnapshots = extent == Extent::mixAndSnapshots;
     return {
         .channelStrips = published.channelStrips.get(),
-        .masterTargetDB = published.masterTargetDB.get(),
-        .leadGroupGainDB = published.leadGroupGainDB.get(),
-        .backingGroupGainDB = published.backingGroupGainDB.get(),
-        .referenceNoiseGain = published.referenceNoiseGain.get(),
-        .duckerReleaseMs = published.duckerReleaseMs.get(),
-        .masterOutputRouting = published.masterOutputRouting.get(),
+        .master = published.master.get(),
         .bufferSize = published.bufferSize.get(),
         .snapshots = withSnapshots ? std::optional(published.snapshots.get()) : std::nullopt,
         .currentSnapshotIndex = published.currentSnapshotIndex.get(),
@@ -85,12 +70,7 @@ void MixerEngine::takeBack(MixBackup before) {
     if (before.snapshots) published.snapshots.set(*std::move(before.snapshots));
     published.currentSnapshotIndex.set(before.currentSnapshotIndex);
     published.pluginSlotRecallSafe.set(std::move(before.pluginSlotRecallSafe));
-    setMasterTargetDB(before.masterTargetDB);
-    setLeadGroupGainDB(before.leadGroupGainDB);
-    setBackingGroupGainDB(before.backingGroupGainDB);
-    setReferenceNoiseGain(before.referenceNoiseGain);
-    setDuckerReleaseMs(before.duckerReleaseMs);
-    setMasterOutputRouting(before.masterOutputRouting);
+    setMaster(before.master);
     pushStrips();
     if (!before.isRunning || !before.run.expired()) return;
     stop();

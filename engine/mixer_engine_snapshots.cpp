@@ -44,9 +44,7 @@ void MixerEngine::recallSelected() {
     if (scenes.selected() == nullptr) return;
     const session::Snapshot scene = *scenes.selected();
     editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });
-    setMasterTargetDB(scene.masterTargetDB);
-    setLeadGroupGainDB(scene.leadGroupGainDB);
-    setBackingGroupGainDB(scene.backingGroupGainDB);
+    editMaster([&scene](auto& master) { master.levels = scene.levels; });
     restorePluginsFromStrips();
 }
 
@@ -88,9 +86,7 @@ void MixerEngine::handleMIDINotes(std::span<const midi::NoteMessage> notes) {
 session::Snapshot MixerEngine::captureMix() const {
     session::Snapshot mix;
     mix.channels = pluginOperations.rack().capturedChannels();
-    mix.masterTargetDB = published.masterTargetDB.get();
-    mix.leadGroupGainDB = published.leadGroupGainDB.get();
-    mix.backingGroupGainDB = published.backingGroupGainDB.get();
+    mix.levels = published.master.get().levels;
     return mix;
 }
 

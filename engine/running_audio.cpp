@@ -74,13 +74,6 @@ bool letGo(std::unique_ptr<CoreAudioIOEngine>& io) {
     return false;
 }
 
-void configure(dsp::AutomixProcessor& automix, const Show& show) {
-    automix.setLeadGroupGainDB(show.leadGroupGainDB);
-    automix.setBackingGroupGainDB(show.backingGroupGainDB);
-    automix.setReleaseMs(show.duckerReleaseMs);
-    automix.setSettings(automixSettings(show.channelStrips));
-}
-
 } // namespace
 
 void pushRouting(
@@ -127,17 +120,17 @@ RunningAudio::RunningAudio(
     : hardware(audioHardware),
       processor(std::make_shared<dsp::AutomixProcessor>(
           show.channelStrips.size() + 1, devices.main.sampleRate,
-          devices.main.sampleRate / static_cast<double>(show.bufferSize), show.masterTargetDB
+          devices.main.sampleRate / static_cast<double>(show.bufferSize), show.master.levels.masterTargetDB
       )),
       state(std::make_shared<audio::MixerRealtimeState>(show.channelStrips.size(), clock)) {
     mainIO = makeIO(hardware, devices.main, show.bufferSize, Role::main);
-    configure(*processor, show);
+    setMaster(show.master);
+    processor->setSettings(automixSettings(show.channelStrips));
     state->sampleRate = devices.main.sampleRate;
     if (devices.master) masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
-    pushRouting(*state, show.channelStrips, show.masterOutputRouting);
+    pushRouting(*state, show.channelStrips, show.master.masterOutputRouting);
     state->insertWorkers = makeWorkers(inserts.workers, show.channelStrips.size(), clock);
     state->updatePlugins(std::move(inserts.table));
-    state->setNoiseGain(show.referenceNoiseGain);
 }
 
 RunningAudio::~RunningAudio() {
@@ -210,6 +203,14 @@ void RunningAudio::stopListening(Listeners& listeners) {
     for (const platform::AudioObjectPropertyListenerID listener : listeners)
         hardware.AudioObjectRemovePropertyListenerBlock(listener);
     listeners.clear();
+}
+
+void RunningAudio::setMaster(const session::MasterSettings& settings) {
+    processor->setMasterTargetDB(settings.levels.masterTargetDB);
+    processor->setLeadGroupGainDB(settings.levels.leadGroupGainDB);
+    processor->setBackingGroupGainDB(settings.levels.backingGroupGainDB);
+    processor->setReleaseMs(settings.duckerReleaseMs);
+    state->setNoiseGain(settings.referenceNoiseGain);
 }
 
 void RunningAudio::dropMaster() {

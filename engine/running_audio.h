@@ -69,6 +69,9 @@ class RunningAudio final {
     [[nodiscard]] dsp::AutomixProcessor& automix() { return *processor; }
     [[nodiscard]] const std::shared_ptr<audio::MixerRealtimeState>& realtimeState() const { return state; }
 
+    /// Plays with other settings from the next block on, but for the routing, which `pushRouting` sets.
+    void setMaster(const session::MasterSettings& settings);
+
     /// Gives the master device back, which is gone; the main device runs on, and the master bus is not heard.
     void dropMaster();
 

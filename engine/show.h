@@ -2,7 +2,7 @@
 
 #include "dsp/channel_automix_settings.h"
 #include "engine/session/channel_strip.h"
-#include "engine/session/master_output_routing.h"
+#include "engine/session/master_settings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,15 +19,7 @@ bool isBufferSize(std::int64_t bufferSize);
 /// All that the audio path is built from at a start, with the values of a fresh mixer. A plain value.
 struct Show {
     std::vector<session::ChannelStrip> channelStrips = {};
-    /// In dB.
-    double masterTargetDB = -10.0;
-    double leadGroupGainDB = 0.0;
-    double backingGroupGainDB = 0.0;
-    /// Linear; 0 switches the reference off.
-    double referenceNoiseGain = 0.0;
-    /// In milliseconds.
-    double duckerReleaseMs = 400.0;
-    session::MasterOutputRouting masterOutputRouting = session::master_output::None{};
+    session::MasterSettings master = {};
     /// In frames.
     std::int64_t bufferSize = 512;
 

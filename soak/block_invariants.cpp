@@ -119,14 +119,15 @@ void BlockInvariants::checkGains(const dsp::AutomixProcessor& automix) {
 
 void BlockInvariants::checkChannels(const dsp::AutomixProcessor& automix, const Voices* voices) {
     const engine::EngineState& state = stage.engine.state();
+    const session::MasterLevels& levels = state.master.get().levels;
     const auto& published = state.channelStrips.get();
     for (std::size_t i = 0; i < published.size() && !fault.first(); ++i) {
         const session::ChannelStrip& strip = published[i];
         if (hasLivePlugin(strip)) continue;
-        const double role =
-            strip.vocalRole == dsp::VocalRole::lead      ? dsp::dbToLinear(state.leadGroupGainDB.get())
-            : strip.vocalRole == dsp::VocalRole::backing ? dsp::dbToLinear(state.backingGroupGainDB.get())
-                                                         : 1.0;
+        const double role = strip.vocalRole == dsp::VocalRole::lead ? dsp::dbToLinear(levels.leadGroupGainDB)
+                            : strip.vocalRole == dsp::VocalRole::backing
+                                ? dsp::dbToLinear(levels.backingGroupGainDB)
+                                : 1.0;
         const double automatic = strip.bypassed ? 1.0 : automix.currentGains()[i];
         const double gain = strip.muted ? 0.0 : role * automatic * strip.trim;
         const auto input = static_cast<std::size_t>(strip.inputChannelIndex.value_or(-1));
@@ -175,7 +176,7 @@ void BlockInvariants::checkSums(const dsp::AutomixProcessor& automix, Outputs ou
         std::ranges::transform(bus, block, bus.begin(), std::plus<>());
     }
     const double gain = automix.currentMasterGain();
-    if (!run->hasMasterDevice) add(audio::sendsOf(state.masterOutputRouting.get()), bus, gain);
+    if (!run->hasMasterDevice) add(audio::sendsOf(state.master.get().masterOutputRouting), bus, gain);
     const double square = std::transform_reduce(bus.begin(), bus.end(), bus.begin(), 0.0);
     const double level = frameCount > 0 ? gain * std::sqrt(square / static_cast<double>(frameCount)) : 0.0;
     fault.require(
@@ -233,10 +234,11 @@ void BlockInvariants::checkMeters() {
 
 bool BlockInvariants::isSane() const {
     const engine::EngineState& state = stage.engine.state();
+    const session::MasterSettings& master = state.master.get();
     const auto isModest = [](double dB) { return std::abs(dB) <= largestSaneDB; };
-    return isModest(state.masterTargetDB.get()) && isModest(state.leadGroupGainDB.get())
-           && isModest(state.backingGroupGainDB.get())
-           && std::abs(state.referenceNoiseGain.get()) <= largestSaneFactor
+    return isModest(master.levels.masterTargetDB) && isModest(master.levels.leadGroupGainDB)
+           && isModest(master.levels.backingGroupGainDB)
+           && std::abs(master.referenceNoiseGain) <= largestSaneFactor
            && std::ranges::all_of(state.channelStrips.get(), [](const session::ChannelStrip& strip) {
                   const auto* const pair = std::get_if<session::output::Stereo>(&strip.outputRouting);
                   return std::abs(strip.trim) <= largestSaneFactor

@@ -36,10 +36,11 @@ void PublishedInvariants::check() {
 
 void PublishedInvariants::checkAutomix(const dsp::AutomixProcessor& automix) {
     const engine::EngineState& state = engine.state();
+    const session::MasterSettings& master = state.master.get();
     fault.require(
-        automix.leadGroupGainDB() == state.leadGroupGainDB.get()
-            && automix.backingGroupGainDB() == state.backingGroupGainDB.get()
-            && automix.releaseMs() == state.duckerReleaseMs.get(),
+        automix.leadGroupGainDB() == master.levels.leadGroupGainDB
+            && automix.backingGroupGainDB() == master.levels.backingGroupGainDB
+            && automix.releaseMs() == master.duckerReleaseMs,
         "The automix has other settings than those shown"
     );
     fault.require(

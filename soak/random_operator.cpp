@@ -68,12 +68,10 @@ void RandomOperator::clearDesk() {
 
 void RandomOperator::makeFreshMixer() {
     engine::MixerEngine& engine = hands.engine();
-    const engine::Show fresh;
     engine.applyDocument(
         {.channels = session::settingsOf(session::makeDefaultStrips(hands.stage.shape.strips)),
-         .masterTargetDB = fresh.masterTargetDB,
-         .bufferSize = hands.stage.shape.bufferSize,
-         .masterOutputRouting = session::master_output::Stereo{0, 1}}
+         .master = {.masterOutputRouting = session::master_output::Stereo{0, 1}},
+         .bufferSize = hands.stage.shape.bufferSize}
     );
     engine.resetRoutingOneToOne();
     engine.start();

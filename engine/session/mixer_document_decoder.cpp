@@ -108,15 +108,35 @@ MIDITrigger readMIDITrigger(const DocumentNode& node) {
     return {.channel = node.required(key::channel).integer(), .note = node.required(key::note).integer()};
 }
 
+double numberOr(double absent, const DocumentNode& node, std::string_view word) {
+    return node.optional(word, &DocumentNode::number).value_or(absent);
+}
+
+MasterLevels readLevels(const DocumentNode& node) {
+    const MasterLevels defaults;
+    return {
+        .masterTargetDB = node.required(key::masterTargetDB).number(),
+        .leadGroupGainDB = numberOr(defaults.leadGroupGainDB, node, key::leadGroupGainDB),
+        .backingGroupGainDB = numberOr(defaults.backingGroupGainDB, node, key::backingGroupGainDB)};
+}
+
 Snapshot readSnapshot(const DocumentNode& node) {
     return {
         .id = readUuid(node.required(key::id)),
         .name = readString(node.required(key::name)),
         .channels = node.required(key::channels).list(readChannel),
-        .masterTargetDB = node.required(key::masterTargetDB).number(),
-        .leadGroupGainDB = node.optional(key::leadGroupGainDB, &DocumentNode::number).value_or(0.0),
-        .backingGroupGainDB = node.optional(key::backingGroupGainDB, &DocumentNode::number).value_or(0.0),
+        .levels = readLevels(node),
         .midiTrigger = node.optional(key::midiTrigger, readMIDITrigger)};
+}
+
+MasterSettings readMaster(const DocumentNode& node) {
+    const MasterSettings defaults;
+    return {
+        .levels = readLevels(node),
+        .referenceNoiseGain = numberOr(defaults.referenceNoiseGain, node, key::referenceNoiseGain),
+        .duckerReleaseMs = numberOr(defaults.duckerReleaseMs, node, key::duckerReleaseMs),
+        .masterOutputRouting = node.optional(key::masterOutputRouting, readMasterOutputRouting)
+                                   .value_or(defaults.masterOutputRouting)};
 }
 
 std::vector<bool> readFlags(const DocumentNode& node) {
@@ -125,22 +145,13 @@ std::vector<bool> readFlags(const DocumentNode& node) {
 
 MixerDocumentData readDocument(const DocumentNode& node) {
     const MixerDocumentData defaults;
-    const auto numberOr = [&](std::string_view word, double absent) {
-        return node.optional(word, &DocumentNode::number).value_or(absent);
-    };
     return {
         .channels = node.required(key::channels).list(readChannel),
-        .masterTargetDB = node.required(key::masterTargetDB).number(),
+        .master = readMaster(node),
         .bufferSize = node.required(key::bufferSize).integer(),
         .snapshots = node.required(key::snapshots).list(readSnapshot),
-        .masterOutputRouting = node.optional(key::masterOutputRouting, readMasterOutputRouting)
-                                   .value_or(defaults.masterOutputRouting),
-        .leadGroupGainDB = numberOr(key::leadGroupGainDB, defaults.leadGroupGainDB),
-        .backingGroupGainDB = numberOr(key::backingGroupGainDB, defaults.backingGroupGainDB),
         .pluginSlotRecallSafe =
-            node.optional(key::pluginSlotRecallSafe, readFlags).value_or(defaults.pluginSlotRecallSafe),
-        .referenceNoiseGain = numberOr(key::referenceNoiseGain, defaults.referenceNoiseGain),
-        .duckerReleaseMs = numberOr(key::duckerReleaseMs, defaults.duckerReleaseMs)};
+            node.optional(key::pluginSlotRecallSafe, readFlags).value_or(defaults.pluginSlotRecallSafe)};
 }
 
 } // namespace

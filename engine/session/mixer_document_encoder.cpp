@@ -111,11 +111,11 @@ void write(JSONWriter& to, const ChannelSettingsData& channel) {
 
 void write(JSONWriter& to, const Snapshot& snapshot) {
     to.beginObject();
-    to.member(key::backingGroupGainDB, snapshot.backingGroupGainDB);
+    to.member(key::backingGroupGainDB, snapshot.levels.backingGroupGainDB);
     writeList(to, key::channels, snapshot.channels);
     to.member(key::id, snapshot.id.toString());
-    to.member(key::leadGroupGainDB, snapshot.leadGroupGainDB);
-    to.member(key::masterTargetDB, snapshot.masterTargetDB);
+    to.member(key::leadGroupGainDB, snapshot.levels.leadGroupGainDB);
+    to.member(key::masterTargetDB, snapshot.levels.masterTargetDB);
     if (snapshot.midiTrigger) {
         to.key(key::midiTrigger);
         to.beginObject();
@@ -129,15 +129,15 @@ void write(JSONWriter& to, const Snapshot& snapshot) {
 
 void write(JSONWriter& to, const MixerDocumentData& data) {
     to.beginObject();
-    to.member(key::backingGroupGainDB, data.backingGroupGainDB);
+    to.member(key::backingGroupGainDB, data.master.levels.backingGroupGainDB);
     to.member(key::bufferSize, data.bufferSize);
     writeList(to, key::channels, data.channels);
-    to.member(key::duckerReleaseMs, data.duckerReleaseMs);
-    to.member(key::leadGroupGainDB, data.leadGroupGainDB);
-    writeRouting(to, key::masterOutputRouting, data.masterOutputRouting);
-    to.member(key::masterTargetDB, data.masterTargetDB);
+    to.member(key::duckerReleaseMs, data.master.duckerReleaseMs);
+    to.member(key::leadGroupGainDB, data.master.levels.leadGroupGainDB);
+    writeRouting(to, key::masterOutputRouting, data.master.masterOutputRouting);
+    to.member(key::masterTargetDB, data.master.levels.masterTargetDB);
     writeList(to, key::pluginSlotRecallSafe, data.pluginSlotRecallSafe);
-    to.member(key::referenceNoiseGain, data.referenceNoiseGain);
+    to.member(key::referenceNoiseGain, data.master.referenceNoiseGain);
     writeList(to, key::snapshots, data.snapshots);
     to.endObject();
 }

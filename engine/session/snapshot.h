@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/session/channel_settings_data.h"
+#include "engine/session/master_settings.h"
 #include "engine/session/midi_trigger.h"
 #include "engine/session/shared_list.h"
 #include "platform/uuid.h"
@@ -17,12 +18,7 @@ struct Snapshot {
     std::string name;
     /// Entry i belongs to strip i.
     SharedList<ChannelSettingsData> channels;
-    /// The master leveler's target in dB.
-    double masterTargetDB = 0.0;
-    /// The lead group fader in dB.
-    double leadGroupGainDB = 0.0;
-    /// The backing group fader in dB.
-    double backingGroupGainDB = 0.0;
+    MasterLevels levels = {};
     /// The note that recalls the scene; absent where none does.
     std::optional<MIDITrigger> midiTrigger;
 

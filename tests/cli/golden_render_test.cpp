@@ -48,20 +48,19 @@ session::MixerDocumentData plainSession() {
         strips[i].inputChannelIndex = static_cast<std::int64_t>(i);
     return {
         .channels = session::settingsOf(strips),
-        .masterTargetDB = -10.0,
-        .bufferSize = 512,
-        .masterOutputRouting = session::master_output::Stereo{0, 1}};
+        .master = {.masterOutputRouting = session::master_output::Stereo{0, 1}},
+        .bufferSize = 512};
 }
 
 /// Everything set that makes a difference to the sound.
 session::MixerDocumentData richSession() {
     session::MixerDocumentData document = plainSession();
-    document.masterTargetDB = -18.5;
+    document.master.levels.masterTargetDB = -18.5;
     document.bufferSize = 96;
-    document.leadGroupGainDB = 2.5;
-    document.backingGroupGainDB = -4.25;
-    document.referenceNoiseGain = 0.03;
-    document.duckerReleaseMs = 230.0;
+    document.master.levels.leadGroupGainDB = 2.5;
+    document.master.levels.backingGroupGainDB = -4.25;
+    document.master.referenceNoiseGain = 0.03;
+    document.master.duckerReleaseMs = 230.0;
     for (std::size_t i = 0; i < document.channels.size(); ++i) {
         session::ChannelSettingsData& channel = document.channels[i];
         const auto number = static_cast<double>(i);

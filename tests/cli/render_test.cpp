@@ -74,7 +74,7 @@ struct Rendering {
 
 /// A session of bypassed strips, so that what is routed is heard as it is.
 session::MixerDocumentData bypassedSession(const std::vector<session::OutputRouting>& outputs) {
-    session::MixerDocumentData document{.masterTargetDB = -10.0, .bufferSize = 64};
+    session::MixerDocumentData document{.bufferSize = 64};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         session::ChannelStrip strip = session::ChannelStrip::make(
             platform::Uuid::random(), "Mic/" + std::to_string(i + 1), static_cast<std::int64_t>(i),
@@ -135,7 +135,7 @@ TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
     session::MixerDocumentData document = bypassedSession({output::Mono{0}, output::Stereo{4, 5, -1.0}});
     document.bufferSize = 100;
     document.channels[0].inputChannelIndex = 7;
-    document.masterOutputRouting = master_output::Stereo{6, 7};
+    document.master.masterOutputRouting = master_output::Stereo{6, 7};
     const auto session = writeSession(folder, document);
 
     const Rendering whole({.input = sound, .output = folder / "whole.wav", .session = session});
@@ -304,7 +304,7 @@ TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
     }
     document.data.channels[5].pluginSlots[0].component->componentSubType = 1;
     document.data.pluginSlotRecallSafe = {true, false, false};
-    document.data.masterOutputRouting = master_output::Stereo{0, 1};
+    document.data.master.masterOutputRouting = master_output::Stereo{0, 1};
     document.data.bufferSize = 256;
     const auto mix = [&](const char* name) {
         EXPECT_TRUE(document.write(folder / "show.orvane"));

@@ -71,22 +71,20 @@ class MemoryShortage : public test::InsertPlugins {
               snapshots(state.snapshots),
               loadStates(state.pluginLoadStates),
               current(state.currentSnapshotIndex),
-              target(state.masterTargetDB),
-              release(state.duckerReleaseMs),
+              master(state.master),
               bufferSize(state.bufferSize),
               isRunning(state.isRunning) {}
 
         [[nodiscard]] bool isTrue() const {
             return strips.isTrue() && snapshots.isTrue() && loadStates.isTrue() && current.isTrue()
-                   && target.isTrue() && release.isTrue() && bufferSize.isTrue() && isRunning.isTrue();
+                   && master.isTrue() && bufferSize.isTrue() && isRunning.isTrue();
         }
 
         LastHeard<std::vector<session::ChannelStrip>> strips;
         LastHeard<std::vector<session::Snapshot>> snapshots;
         LastHeard<plugins::PluginLoadStates> loadStates;
         LastHeard<std::optional<std::int64_t>> current;
-        LastHeard<double> target;
-        LastHeard<double> release;
+        LastHeard<session::MasterSettings> master;
         LastHeard<std::int64_t> bufferSize;
         LastHeard<bool> isRunning;
     };
@@ -167,12 +165,12 @@ TEST_F(MemoryShortage, LoadsASessionWholeOrNotAtAll) {
     const session::MixerDocumentData before = engine->makeDocumentData();
     session::MixerDocumentData document = before;
     document.bufferSize = 256;
-    document.duckerReleaseMs = 900.0;
-    document.masterTargetDB = -20.0;
-    document.leadGroupGainDB = 1.0;
-    document.backingGroupGainDB = 2.0;
-    document.referenceNoiseGain = 0.5;
-    document.masterOutputRouting = session::output::Mono{2};
+    document.master.duckerReleaseMs = 900.0;
+    document.master.levels.masterTargetDB = -20.0;
+    document.master.levels.leadGroupGainDB = 1.0;
+    document.master.levels.backingGroupGainDB = 2.0;
+    document.master.referenceNoiseGain = 0.5;
+    document.master.masterOutputRouting = session::output::Mono{2};
     document.pluginSlotRecallSafe = {false, false, true};
     const session::Snapshot& scene = document.snapshots.at(0);
     document.channels.assign(scene.channels.begin(), scene.channels.end());
@@ -191,7 +189,7 @@ TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
         [&] { engine->recallSnapshot(0); }, before,
         "There is not enough memory to recall the scene; the mixer is as it was."
     );
-    EXPECT_EQ(engine->state().masterTargetDB.get(), -20.0);
+    EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, -20.0);
 }
 
 TEST_F(MemoryShortage, KeepsEveryPluginThatIsHeardWhereALoadOrARemovalIsGivenUp) {

@@ -51,7 +51,7 @@ TEST_F(MixerEngineTest, FillsOnlyOpenRoutingWhenADeviceIsSelected) {
     EXPECT_FALSE(strips()[4].inputChannelIndex);
     EXPECT_EQ(strips()[5].outputRouting, session::OutputRouting(output::Mono{5}));
     EXPECT_EQ(strips()[6].outputRouting, session::OutputRouting(output::None{}));
-    EXPECT_EQ(engine.state().masterOutputRouting.get(), session::MasterOutputRouting(output::None{}));
+    EXPECT_EQ(engine.state().master.get().masterOutputRouting, session::MasterOutputRouting(output::None{}));
     engine.resetRoutingOneToOne();
     EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::Mono{2}));
     engine.allOutputsOff();
@@ -119,7 +119,7 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
     MixerEngine other(4, services);
     session::MixerDocumentData document = saved;
     document.bufferSize = 100;
-    document.masterOutputRouting = master_output::Stereo{40, 41};
+    document.master.masterOutputRouting = master_output::Stereo{40, 41};
     other.applyDocument(document);
     session::MixerDocumentData loaded = other.makeDocumentData();
     document.channels.resize(4);
@@ -128,7 +128,7 @@ TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
 
     other.refreshDevices();
     other.selectDevice(device(interface));
-    other.setMasterOutputRouting(document.masterOutputRouting);
+    other.setMasterOutputRouting(document.master.masterOutputRouting);
     other.start();
     EXPECT_THAT(
         *other.state().lastError.get(), testing::StartsWith("Master Out was reset to \"None\" because its")

@@ -104,19 +104,20 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     engine.setMasterOutputChannel(3);
     engine.recallSnapshot(2);
     engine.recallSnapshot(-1);
-    EXPECT_EQ(engine.state().masterTargetDB.get(), 0.0);
+    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 0.0);
     engine.recallSnapshot(0);
     EXPECT_THAT(selection(), Optional(0));
-    EXPECT_EQ(engine.state().masterTargetDB.get(), -20.0);
-    EXPECT_EQ(engine.state().leadGroupGainDB.get(), 1.5);
-    EXPECT_EQ(engine.state().backingGroupGainDB.get(), -2.5);
+    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -20.0);
+    EXPECT_EQ(engine.state().master.get().levels.leadGroupGainDB, 1.5);
+    EXPECT_EQ(engine.state().master.get().levels.backingGroupGainDB, -2.5);
     EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
     EXPECT_EQ(engine.state().channelStrips.get()[1].id, before[1].id);
-    EXPECT_EQ(engine.state().duckerReleaseMs.get(), 1234.0);
-    EXPECT_EQ(engine.state().referenceNoiseGain.get(), 0.25);
+    EXPECT_EQ(engine.state().master.get().duckerReleaseMs, 1234.0);
+    EXPECT_EQ(engine.state().master.get().referenceNoiseGain, 0.25);
     EXPECT_EQ(engine.state().bufferSize.get(), 64);
     EXPECT_EQ(
-        engine.state().masterOutputRouting.get(), session::MasterOutputRouting(session::output::Mono{3})
+        engine.state().master.get().masterOutputRouting,
+        session::MasterOutputRouting(session::output::Mono{3})
     );
     // A scene of more strips than there are, and one of fewer.
     session::MixerDocumentData document = engine.makeDocumentData();
@@ -129,7 +130,7 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     EXPECT_FALSE(selection());
     engine.recallSnapshot(1);
     EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
-    EXPECT_EQ(engine.state().masterTargetDB.get(), -5.0);
+    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -5.0);
     engine.recallSnapshot(0);
     EXPECT_EQ(engine.state().channelStrips.get().size(), 4U);
 }
@@ -147,14 +148,15 @@ TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
         engine.handleMIDINote(note);
         EXPECT_EQ(scenes()[static_cast<std::size_t>(index)].midiTrigger, note);
         EXPECT_FALSE(learning());
-        EXPECT_EQ(engine.state().masterTargetDB.get(), 9.0) << "a note that is learnt recalls nothing";
+        EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 9.0)
+            << "a note that is learnt recalls nothing";
     }
     engine.recallSnapshot(0);
     for (const session::MIDITrigger& other : {session::MIDITrigger{1, 60}, session::MIDITrigger{2, 61}})
         engine.handleMIDINote(other);
-    EXPECT_EQ(engine.state().masterTargetDB.get(), 0.0);
+    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 0.0);
     engine.handleMIDINote(note);
-    EXPECT_EQ(engine.state().masterTargetDB.get(), -1.0);
+    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -1.0);
     EXPECT_THAT(selection(), Optional(1));
 
     engine.beginMIDILearn();
@@ -353,7 +355,7 @@ TEST_F(SnapshotsTest, FollowTheRulesOfTheListWhateverIsDone) {
           << round;
         std::set<std::string> ids;
         for (std::size_t i = 0; i < scenes().size(); ++i) {
-            ASSERT_EQ((Model::Scene{scenes()[i].name, scenes()[i].masterTargetDB}), model.scenes[i])
+            ASSERT_EQ((Model::Scene{scenes()[i].name, scenes()[i].levels.masterTargetDB}), model.scenes[i])
                 << "round " << round << ", scene " << i;
             ids.insert(scenes()[i].id.toString());
         }

@@ -47,13 +47,13 @@ void PrintTo(const Stored& stored, std::ostream* stream) {
 
 std::string writeSession(const path& folder, int version) {
     auto document = randomDocument(1);
-    document.masterTargetDB = version;
+    document.master.levels.masterTargetDB = version;
     return descriptionOf(engine::exportSession(document, folder / "show.orvane"));
 }
 
 std::string readSession(const path& folder) {
     const auto document = engine::readSession(folder / "show.orvane");
-    return document ? std::to_string(static_cast<int>(document.value().masterTargetDB)) : "";
+    return document ? std::to_string(static_cast<int>(document.value().master.levels.masterTargetDB)) : "";
 }
 
 /// Version n has n presets.

@@ -20,13 +20,17 @@ class Draw final {
     MixerDocumentData document() {
         const auto channels = list(0, 4, &Draw::channel);
         const auto snapshots = list(0, 3, &Draw::snapshot);
-        const auto master = routing<MasterOutputRouting>(master_output::Stereo{integer(), integer()});
         const auto flags = list(0, 6, &Draw::flag);
-        return {channels, number(), integer(), snapshots, master,
-                number(), number(), flags,     number(),  number()};
+        return {channels, master(), integer(), snapshots, flags};
     }
 
   private:
+    MasterSettings master() {
+        const auto output = routing<MasterOutputRouting>(master_output::Stereo{integer(), integer()});
+        return {levels(), number(), number(), output};
+    }
+    MasterLevels levels() { return {number(), number(), number()}; }
+
     std::size_t below(std::size_t limit) { return engine() % limit; }
     bool flag() { return below(2) == 1; }
     std::uint8_t byte() { return static_cast<std::uint8_t>(engine()); }
@@ -86,7 +90,7 @@ class Draw final {
         const auto id = platform::Uuid::random();
         const auto channels = list(0, 4, &Draw::channel);
         const auto trigger = maybe(MIDITrigger{integer(), integer()});
-        return {id, text(), channels, number(), number(), number(), trigger};
+        return {id, text(), channels, levels(), trigger};
     }
 
     std::mt19937_64 engine;

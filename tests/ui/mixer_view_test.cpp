@@ -347,7 +347,7 @@ TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {
         buttonOf(*question, "Replace").click();
         waitForFiles();
     }
-    EXPECT_EQ(engine::readSession(saved).value().masterTargetDB, -3.0);
+    EXPECT_EQ(engine::readSession(saved).value().master.levels.masterTargetDB, -3.0);
     EXPECT_THAT(folder.names(), ElementsAre("Gala 24.12.orvane"));
 
     std::filesystem::rename(saved, folder / "gala.json");
@@ -430,59 +430,60 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
 TEST_F(Mixer, SetsTheMaster) {
     struct Case {
         const char* name;
-        const audio::Published<double>& value;
+        const double& value;
         double lowest;
         double highest;
         double stepped;
         const char* writtenAtHighest;
     };
-    const engine::EngineState& now = state();
+    const session::MasterSettings& now = state().master.get();
     for (const Case& each :
-         {Case{"Target", now.masterTargetDB, -30.0, 0.0, -0.5, "0.0 dB"},
-          {"Lead", now.leadGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
-          {"Backing", now.backingGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
+         {Case{"Target", now.levels.masterTargetDB, -30.0, 0.0, -0.5, "0.0 dB"},
+          {"Lead", now.levels.leadGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
+          {"Backing", now.levels.backingGroupGainDB, -24.0, 12.0, 11.5, "12.0 dB"},
           {"Ducker Speed", now.duckerReleaseMs, 50.0, 3000.0, 2941.0, "3000 ms"},
           {"Input Volume", now.referenceNoiseGain, 0.0, 2.0, 1.96, "×2.00"}}) {
         SCOPED_TRACE(each.name);
         QTest::keyClick(&slider(each.name), Qt::Key_Home);
-        EXPECT_EQ(each.value.get(), each.lowest);
+        EXPECT_EQ(each.value, each.lowest);
         QTest::keyClick(&slider(each.name), Qt::Key_End);
-        EXPECT_EQ(each.value.get(), each.highest);
+        EXPECT_EQ(each.value, each.highest);
         EXPECT_EQ(written(each.name), each.writtenAtHighest);
         QTest::keyClick(&slider(each.name), Qt::Key_Down);
-        EXPECT_NEAR(each.value.get(), each.stepped, 1e-9);
+        EXPECT_NEAR(each.value, each.stepped, 1e-9);
         EXPECT_FALSE(slider(each.name).toolTip().isEmpty());
     }
     ValueSlider& release = slider("Ducker Speed");
     const QPoint middle = release.rect().center();
     doubleClick(release, middle);
-    EXPECT_NEAR(now.duckerReleaseMs.get(), 1525.0, 20.0) << "beside the handle";
+    EXPECT_NEAR(now.duckerReleaseMs, 1525.0, 20.0) << "beside the handle";
     doubleClick(release, middle);
-    EXPECT_EQ(now.duckerReleaseMs.get(), 400.0);
+    EXPECT_EQ(now.duckerReleaseMs, 400.0);
     engine->setDuckerReleaseMs(400.7);
     EXPECT_EQ(written("Ducker Speed"), "400 ms");
     QTest::mouseClick(&slider("Target"), Qt::LeftButton, {}, {75, 8});
-    EXPECT_EQ(now.masterTargetDB.get() * 2.0, std::round(now.masterTargetDB.get() * 2.0)) << "off its steps";
+    EXPECT_EQ(now.levels.masterTargetDB * 2.0, std::round(now.levels.masterTargetDB * 2.0))
+        << "off its steps";
 }
 
 TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
-    const auto& routing = state().masterOutputRouting;
+    const auto routing = [this] { return state().master.get().masterOutputRouting; };
     EXPECT_EQ(masterOut().count(), 1);
     selectDevice();
     EXPECT_EQ(masterOut().count(), 7);
     Q_EMIT masterOut().activated(6);
-    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Mono{5}}));
+    EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Mono{5}}));
     buttonOf(*view, "Master stereo").click();
-    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Stereo{4, 5}}));
+    EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Stereo{4, 5}}));
     EXPECT_EQ(masterOut().count(), 4);
     EXPECT_EQ(masterOut().currentText(), "5-6");
     Q_EMIT masterOut().activated(1);
-    EXPECT_EQ(routing.get(), (session::MasterOutputRouting{master_output::Stereo{0, 1}}));
+    EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Stereo{0, 1}}));
     engine->selectMasterOutputDevice(state().availableDevices.get().at(1));
     EXPECT_EQ(masterOut().count(), 2);
     EXPECT_TRUE(shows(*view, "Monitor"));
     Q_EMIT masterOut().activated(0);
-    EXPECT_EQ(routing.get(), session::MasterOutputRouting{});
+    EXPECT_EQ(routing(), session::MasterOutputRouting{});
     EXPECT_EQ(masterOut().count(), 3) << "two outputs, once it is not stereo";
 }
 

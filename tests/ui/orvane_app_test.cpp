@@ -121,7 +121,7 @@ TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
     session::MixerDocumentData document;
     document.channels.resize(3);
     document.channels[2].name = "Choir";
-    document.masterOutputRouting = session::output::Mono{3};
+    document.master.masterOutputRouting = session::output::Mono{3};
     const auto window =
         launch({.session = document, .masterDevice = "virtual:monitor", .bufferSize = 128, .start = true});
     const engine::EngineState& state = window->mixerRootView()->engine().state();
@@ -183,13 +183,13 @@ TEST_F(Shell, SavesInPlaceToTheFileThatTheSessionCameFromOrWentTo) {
         window->saveInPlace();
         EXPECT_TRUE(QTest::qWaitFor([&] { return !file.isUnsaved(); }));
     }
-    EXPECT_EQ(engine::readSession(folder / "first.orvane").value().masterTargetDB, -3.0);
-    EXPECT_EQ(engine::readSession(folder / "second.orvane").value().masterTargetDB, -5.0);
+    EXPECT_EQ(engine::readSession(folder / "first.orvane").value().master.levels.masterTargetDB, -3.0);
+    EXPECT_EQ(engine::readSession(folder / "second.orvane").value().master.levels.masterTargetDB, -5.0);
     const auto again =
         launch({.session = session::MixerDocumentData{}, .sessionFile = folder / "first.orvane"});
     again->saveInPlace();
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        return engine::readSession(folder / "first.orvane").value().masterTargetDB != -3.0;
+        return engine::readSession(folder / "first.orvane").value().master.levels.masterTargetDB != -3.0;
     }));
 }
 

@@ -75,9 +75,9 @@ TEST_F(Snapshots, AreSelectedByAClickAndAppliedByRecall) {
     EXPECT_TRUE(shows(sheet, "2 / 2"));
     click(0);
     EXPECT_TRUE(shows(sheet, "1 / 2"));
-    EXPECT_EQ(state().masterTargetDB.get(), -5.0);
+    EXPECT_EQ(state().master.get().levels.masterTargetDB, -5.0);
     press("Recall");
-    EXPECT_EQ(state().masterTargetDB.get(), -20.0);
+    EXPECT_EQ(state().master.get().levels.masterTargetDB, -20.0);
     press("Next snapshot");
     EXPECT_EQ(list.currentRow(), 1);
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, QPoint(5, list.viewport()->height() - 2));

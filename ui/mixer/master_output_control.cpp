@@ -6,6 +6,7 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 
+#include <utility>
 #include <variant>
 
 namespace orvane::ui {
@@ -56,21 +57,27 @@ MasterOutputControl::MasterOutputControl(engine::MixerEngine& mixerEngine, QWidg
     const auto follow = [this](const auto& value) {
         subscriptions.push_back(value.subscribe([this](const auto&) { refresh(); }));
     };
-    follow(state.masterOutputRouting);
+    subscriptions.push_back(state.master.subscribe(
+        [this, shown = state.master.get().masterOutputRouting](const session::MasterSettings& now) mutable {
+            if (std::exchange(shown, now.masterOutputRouting) != now.masterOutputRouting) refresh();
+        }
+    ));
     follow(state.masterOutputDevice);
     follow(state.selectedDevice);
     refresh();
 }
 
 bool MasterOutputControl::isStereo() const {
-    return std::holds_alternative<session::master_output::Stereo>(engine.state().masterOutputRouting.get());
+    return std::holds_alternative<session::master_output::Stereo>(
+        engine.state().master.get().masterOutputRouting
+    );
 }
 
 void MasterOutputControl::refresh() {
     const auto& separate = engine.state().masterOutputDevice.get();
     const auto& played = separate ? separate : engine.state().selectedDevice.get();
     output.present(RoutingMenu::outputs(
-        played ? played->outputChannelCount : 0, engine.state().masterOutputRouting.get()
+        played ? played->outputChannelCount : 0, engine.state().master.get().masterOutputRouting
     ));
     stereo->setActive(isStereo());
     device->setVisible(separate.has_value());

@@ -113,17 +113,16 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
       engine(mixerEngine),
       target(
           QStringLiteral("Target"), decibels(-30.0, 0.0, -10.0, targetWidth, targetHelp),
-          mixerEngine.state().masterTargetDB, [this](double value) { engine.setMasterTargetDB(value); }
+          [this](double value) { engine.setMasterTargetDB(value); }
       ),
       lead(
           QStringLiteral("Lead"),
           decibels(-24.0, 12.0, 0.0, faderWidth, groupHelp.arg(QStringLiteral("Lead"))),
-          mixerEngine.state().leadGroupGainDB, [this](double value) { engine.setLeadGroupGainDB(value); }
+          [this](double value) { engine.setLeadGroupGainDB(value); }
       ),
       backing(
           QStringLiteral("Backing"),
           decibels(-24.0, 12.0, 0.0, faderWidth, groupHelp.arg(QStringLiteral("Backing"))),
-          mixerEngine.state().backingGroupGainDB,
           [this](double value) { engine.setBackingGroupGainDB(value); }
       ),
       release(
@@ -133,7 +132,7 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
            .valueWidth = millisecondWidth,
            .write = writeMilliseconds,
            .help = releaseHelp},
-          mixerEngine.state().duckerReleaseMs, [this](double value) { engine.setDuckerReleaseMs(value); }
+          [this](double value) { engine.setDuckerReleaseMs(value); }
       ),
       noise(
           QStringLiteral("Input Volume"),
@@ -142,7 +141,6 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
            .valueWidth = factorWidth,
            .write = writeFactor,
            .help = noiseHelp},
-          mixerEngine.state().referenceNoiseGain,
           [this](double value) { engine.setReferenceNoiseGain(value); }
       ),
       status(makeCaption({})) {
@@ -166,9 +164,20 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
     groups->addStretch();
     setWidget(content);
 
+    subscriptions.push_back(engine.state().master.subscribe([this](const auto&) { showSettings(); }));
     subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showStatus(); }));
     subscriptions.push_back(engine.state().selectedDevice.subscribe([this](const auto&) { showStatus(); }));
+    showSettings();
     showStatus();
+}
+
+void MasterSection::showSettings() {
+    const session::MasterSettings& master = engine.state().master.get();
+    target.show(master.levels.masterTargetDB);
+    lead.show(master.levels.leadGroupGainDB);
+    backing.show(master.levels.backingGroupGainDB);
+    release.show(master.duckerReleaseMs);
+    noise.show(master.referenceNoiseGain);
 }
 
 QLayout* MasterSection::makeMasterGroup() {

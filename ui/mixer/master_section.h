@@ -31,6 +31,7 @@ class MasterSection final : public QScrollArea {
     QLayout* makeGroupFaders();
     QLayout* makeDuckerGroup();
     QLayout* makeNoiseGroup();
+    void showSettings();
     void showStatus();
     [[nodiscard]] int heightFor(int availableWidth) const;
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "audio/published.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
 
@@ -9,8 +8,8 @@
 
 namespace orvane::ui {
 
-/// A slider and its value in writing, both for one published value. The widgets belong to the layout that
-/// they are put into.
+/// A slider and its value in writing, both for one value. The widgets belong to the layout that they are put
+/// into.
 class ValueRow final {
   public:
     struct Style {
@@ -21,11 +20,8 @@ class ValueRow final {
         QString help;
     };
 
-    /// `published` outlives the row. `onChange` gets every value that the user sets.
-    ValueRow(
-        const QString& name, const Style& style, const audio::Published<double>& published,
-        const std::function<void(double)>& onChange
-    )
+    /// `onChange` gets every value that the user sets.
+    ValueRow(const QString& name, const Style& style, const std::function<void(double)>& onChange)
         : slider(new ValueSlider(name, style.range, onChange)),
           value(new ValueField(
               name,
@@ -34,25 +30,18 @@ class ValueRow final {
                .highest = style.range.highest,
                .width = style.valueWidth},
               onChange
-          )),
-          subscription(published.subscribe([this](double now) { show(now); })) {
+          )) {
         slider->setFixedWidth(style.sliderWidth);
         slider->setToolTip(style.help);
-        show(published.get());
     }
-    ValueRow(const ValueRow&) = delete;
-    ValueRow& operator=(const ValueRow&) = delete;
 
-    ValueSlider* const slider;
-    ValueField* const value;
-
-  private:
     void show(double now) {
         slider->setValue(now);
         value->setValue(now);
     }
 
-    audio::Subscription subscription;
+    ValueSlider* const slider;
+    ValueField* const value;
 };
 
 } // namespace orvane::ui

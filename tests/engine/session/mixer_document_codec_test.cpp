@@ -49,10 +49,10 @@ TEST(MixerDocumentCodec, WritesTheAgreedFormWithKeysInOrder) {
         {"Spare", {}, output::Mono{7}, {}, false, false, 1.0, {}, {}}};
     data.bufferSize = 128;
     data.snapshots = {{id, "Scene", {}, -20.5, 1, 2, MIDITrigger{15, 127}}, {{}, "Other", {}, 0, 0, 0, {}}};
-    data.masterOutputRouting = master_output::Stereo{0, 1};
+    data.master.masterOutputRouting = master_output::Stereo{0, 1};
     const auto expected = json::parse(R"({
         "backingGroupGainDB": 0.0, "bufferSize": 128, "duckerReleaseMs": 400.0, "leadGroupGainDB": 0.0,
-        "masterOutputRouting": {"stereo": {"left": 0, "right": 1}}, "masterTargetDB": 0.0,
+        "masterOutputRouting": {"stereo": {"left": 0, "right": 1}}, "masterTargetDB": -10.0,
         "pluginSlotRecallSafe": [false, false, false], "referenceNoiseGain": 0.0,
         "channels": [
             {"name": "Vox", "inputChannelIndex": 3, "genderMode": "female", "muted": true, "bypassed": false,
@@ -112,12 +112,14 @@ TEST(MixerDocumentCodec, GivesOlderFilesTheDefaultsOfWhatTheyLackOrHoldAsNull) {
                                            "pluginName",           "component",          "presetData"};
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const MixerDocumentData whole = randomDocument(seed);
-        MixerDocumentData expected{whole.channels, whole.masterTargetDB, whole.bufferSize, whole.snapshots};
+        const double targetDB = whole.master.levels.masterTargetDB;
+        MixerDocumentData expected{
+            whole.channels, {{.masterTargetDB = targetDB}}, whole.bufferSize, whole.snapshots};
         resetOptional(expected.channels);
         for (Snapshot& snapshot : expected.snapshots) {
             std::vector channels(snapshot.channels.begin(), snapshot.channels.end());
             resetOptional(channels);
-            snapshot = {snapshot.id, snapshot.name, channels, snapshot.masterTargetDB, 0, 0, {}};
+            snapshot = {snapshot.id, snapshot.name, channels, {snapshot.levels.masterTargetDB, 0, 0}, {}};
         }
         for (const auto instead : {lost, nullAndLost})
             EXPECT_EQ(decoded(rewritten(encoded(whole), keys, instead)), expected) << "seed " << seed;

@@ -23,7 +23,7 @@ TEST(MixerJSONDocument, ReadsBackWhatItWroteAndLeavesItWhenTheNextCannotBeEncode
     EXPECT_EQ(read.value(), document);
 
     const std::string before = contentOf(folder / "Settings.orvane");
-    document.data.masterTargetDB = std::numeric_limits<double>::infinity();
+    document.data.master.levels.masterTargetDB = std::numeric_limits<double>::infinity();
     const auto written = document.write(folder / "Settings.orvane");
     EXPECT_EQ(descriptionOf(written), "masterTargetDB is not a finite number.");
     EXPECT_EQ(contentOf(folder / "Settings.orvane"), before);
