@@ -49,7 +49,7 @@ std::optional<session::SharedList<std::uint8_t>>
 MixerEngine::pluginSettings(std::size_t slot, const Uuid& strip) const {
     const plugins::LoadedInsertPlugin* const live = pluginOperations.rack().plugin({strip, slot});
     session::PluginSlot captured;
-    if (live != nullptr) plugins::captureInto(captured, *live);
+    if (live == nullptr || !plugins::captureInto(captured, *live)) return std::nullopt;
     return captured.presetData;
 }
 
