@@ -86,8 +86,8 @@ bool reportRecording(machine::AudioMachine& audioMachine, const ui::ORVANEApp* w
     return true;
 }
 
-/// Runs the window until it is closed or the program is told to end, and arms the deadline then; returns the
-/// exit code.
+/// Runs the window until it is closed or a signal ends the program, then arms the deadline; returns the exit
+/// code.
 int run(
     app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed,
     machine::EndDeadline& deadline

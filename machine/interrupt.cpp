@@ -31,7 +31,7 @@ void remember(int signal) noexcept {
     sem_post(&news);
 }
 
-/// Waits for news, that long at most.
+/// Waits for news, `longest` at most.
 void waitForNews(std::chrono::seconds longest) {
     timespec end{};
     clock_gettime(CLOCK_MONOTONIC, &end);
@@ -39,7 +39,8 @@ void waitForNews(std::chrono::seconds longest) {
     sem_clockwait(&news, CLOCK_MONOTONIC, &end);
 }
 
-/// Ends the process if a guard whose end `isOver` tells stands too long after a signal.
+/// Ends the process if the guard still stands too long after a signal. `isOver`: the guard is being
+/// destroyed.
 void watchForTheEnd(const std::stop_token& isOver) {
     using Clock = std::chrono::steady_clock;
     while (!signalCame && !isOver.stop_requested())

@@ -125,8 +125,8 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     EXPECT_EQ(stream.substr(0, 8), "RIFF\xFF\xFF\xFF\xFF");
     EXPECT_TRUE(stream.ends_with(contentOf(direct).substr(200))) << "the same samples";
 
-    // A pipe that nobody writes or reads. That the program, and no shell before it, catches SIGINT says that
-    // it works.
+    // A pipe without a writer or a reader. The program works once it catches SIGINT; the shell that it
+    // replaces may catch it too.
     const std::string pipe = fmt::format("rm -f {0}; mkfifo {0}; exec 4<>{0}; ", (folder / "pipe").string());
     const std::string interrupt =
         " & until [ ! -d /proc/$! ] || { grep -q '^orvane-cli' /proc/$!/comm && "

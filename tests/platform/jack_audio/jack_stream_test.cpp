@@ -40,9 +40,9 @@ struct {
     bool connectsFirst = false;
 } disguise;
 
-/// Gives every input to the output before it with its sign changed, or the peer's signal where there is none.
-/// From its second cycle on until `mayAllocate` is set, nothing on the I/O thread may allocate, within its
-/// cycles or between.
+/// Gives every input to the output before it with its sign changed, or the peer's signal if the stream has no
+/// inputs. From its second cycle on until `mayAllocate` is set, nothing on the I/O thread may allocate,
+/// within its cycles or between.
 struct InvertingClient final : AudioStreamClient {
     std::atomic<std::size_t> cycleCount = 0;
     std::atomic<std::size_t> lastFrameCount = 0;
