@@ -57,7 +57,7 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
     };
     for (const Case& one :
          {Case{"--help", "render"}, Case{"--version", "orvane-cli "}, Case{"render --help", "--stems"},
-          Case{"plugins", "MDA Limiter"}, Case{"plugins --json", "\"name\": \"MDA Limiter\""},
+          Case{"plugins", "MDA Limiter"}, Case{"plugins --json", R"("name": "MDA Limiter")"},
           Case{
               std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
               "times real time"}}) {
@@ -132,9 +132,10 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
         " & until [ ! -d /proc/$! ] || { grep -q '^orvane-cli' /proc/$!/comm && "
         "grep -q 'SigCgt:.*[2367abef]$' /proc/$!/status; }; do :; done; kill -INT $!; wait $!";
     for (const std::string& stalled :
-         {"env --default-signal=INT " + render + "- --output '" + piped + "' <&4",
-          "env --default-signal=INT " + render + panel + " --output - >&4"}) {
-        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, pipe + stalled + interrupt), 1) << stalled;
+         {fmt::format("env --default-signal=INT {} - --output '{}' <&4", render, piped),
+          fmt::format("env --default-signal=INT {}{} --output - >&4", render, panel)}) {
+        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, fmt::format("{}{}{}", pipe, stalled, interrupt)), 1)
+            << stalled;
         EXPECT_THAT(
             contentOf(folder / "stderr"),
             MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped|canceled)[^\n]*\n")
@@ -182,6 +183,7 @@ TEST(Program, SendsNothingOfANameToTheTerminalThatCommandsIt) {
 
 TEST(Program, EscapesInJSONOnATerminalOnlyWhatCommandsTheTerminal) {
     const TemporaryFolder folder;
+    // NOLINTNEXTLINE(misc-misleading-bidirectional)
     const std::string name = "\x7f\u0080\u009b1m\u00a0\u00e4\u2027\u2028\u202e\u202f\u2065\u2066\u2069\u206a";
     const std::string escaped = R"(\u007f\u0080\u009b1m)"
                                 "\u00a0\u00e4\u2027"
@@ -195,7 +197,7 @@ TEST(Program, EscapesInJSONOnATerminalOnlyWhatCommandsTheTerminal) {
             "bufferSize": 512, "snapshots": []})");
     for (const std::string arguments :
          {"session ", "run --device virtual:panel --meters json --seconds 0.1 --session "}) {
-        const std::string command = program + " " + arguments + session.string();
+        const std::string command = fmt::format("{} {}{}", program, arguments, session.string());
         EXPECT_EQ(orvane::test::exitCodeOfShell(folder, command), 0);
         EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(name)) << arguments;
         EXPECT_EQ(orvane::test::exitCodeOfShell(folder, "script -qec '" + command + "' /dev/null"), 0);
