@@ -24,5 +24,5 @@ fi
 printf '%s\n' "${files[@]}" |
     xargs -P 2 -n 4 clang-tidy-16 -p build/debug --quiet --extra-arg=-Wno-sign-conversion --extra-arg=-Wno-unknown-attributes
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \
-    --suppress=missingInclude --library=scripts/cppcheck.cfg --error-exitcode=1 -I . "${files[@]}"
+    --suppress=missingInclude --library=scripts/cppcheck.cfg --library=googletest --error-exitcode=1 -I . "${files[@]}"
 echo "${#files[@]} files are clean."
