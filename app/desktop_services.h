@@ -2,10 +2,10 @@
 
 #include "audio/published.h"
 #include "engine/engine_state.h"
-#include "platform/desktop_bus/desktop_notifier.h"
-#include "platform/desktop_bus/sleep_inhibitor.h"
-#include "platform/main_thread.h"
-#include "platform/system_log.h"
+#include "platform/base/main_thread.h"
+#include "platform/base/system_log.h"
+#include "platform/desktop/desktop_notifier.h"
+#include "platform/desktop/sleep_inhibitor.h"
 
 #include <memory>
 
@@ -25,8 +25,8 @@ class DesktopServices final {
     void hear(const engine::EngineState& mixer, bool isRunning);
 
     platform::MainThread& mainThread;
-    platform::SleepInhibitor sleepInhibitor;
-    platform::DesktopNotifier notifier;
+    platform::desktop::SleepInhibitor sleepInhibitor;
+    platform::desktop::DesktopNotifier notifier;
     audio::Subscription toRunning;
     /// Ends with the service for one mixer.
     std::shared_ptr<const bool> following;

@@ -14,20 +14,21 @@ namespace {
 using namespace std::chrono_literals;
 
 /// The window waits as long, so not for long where NSM_URL names a manager that is gone.
-constexpr platform::ManagerPatience patience{.answer = 2s, .open = 10s};
+constexpr platform::session_manager::ManagerPatience patience{.answer = 2s, .open = 10s};
 
 } // namespace
 
 std::unique_ptr<ManagedSession> ManagedSession::join(const std::filesystem::path& program) {
     const char* const url = std::getenv("NSM_URL");
     if (url == nullptr || *url == '\0') return nullptr;
-    auto client = platform::SessionManagerClient::connect(url, program.filename().string(), patience);
+    auto client =
+        platform::session_manager::SessionManagerClient::connect(url, program.filename().string(), patience);
     if (client) return std::make_unique<ManagedSession>(std::move(client).value());
     printMessage(client.error().description);
     return nullptr;
 }
 
-ManagedSession::ManagedSession(std::unique_ptr<platform::SessionManagerClient> joined)
+ManagedSession::ManagedSession(std::unique_ptr<platform::session_manager::SessionManagerClient> joined)
     : client(std::move(joined)), sessionFile(client->session().path) {
     sessionFile += ".orvane";
     // Where this fails, so will saving, which says why.
@@ -43,7 +44,7 @@ bool ManagedSession::isStored() const {
 
 void ManagedSession::refuse(const std::string& sentence) {
     isRefused = true;
-    client->refuseOpen(platform::ManagerRefusal::badSession, sentence);
+    client->refuseOpen(platform::session_manager::ManagerRefusal::badSession, sentence);
 }
 
 void ManagedSession::serve(ui::ORVANEApp& window) {

@@ -16,7 +16,7 @@ class ManagedSession final {
     /// joined, which is printed. Waits for the manager, at most for some seconds.
     static std::unique_ptr<ManagedSession> join(const std::filesystem::path& program);
 
-    explicit ManagedSession(std::unique_ptr<platform::SessionManagerClient> joined);
+    explicit ManagedSession(std::unique_ptr<platform::session_manager::SessionManagerClient> joined);
 
     [[nodiscard]] const std::filesystem::path& file() const { return sessionFile; }
     /// What the program's audio clients are to be called.
@@ -35,7 +35,7 @@ class ManagedSession final {
     void poll() { client->poll(); }
 
   private:
-    std::unique_ptr<platform::SessionManagerClient> client;
+    std::unique_ptr<platform::session_manager::SessionManagerClient> client;
     std::filesystem::path sessionFile;
     bool isRefused = false;
 };

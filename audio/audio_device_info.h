@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/audio_hardware.h"
+#include "platform/audio_hardware/audio_hardware.h"
 
 #include <cstddef>
 #include <cstdint>

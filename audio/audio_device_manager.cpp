@@ -1,6 +1,6 @@
 #include "audio/audio_device_manager.h"
 
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/property_bytes.h"
 
 #include <fmt/format.h>
 

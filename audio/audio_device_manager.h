@@ -1,9 +1,9 @@
 #pragma once
 
 #include "audio/audio_device_info.h"
-#include "platform/audio_hardware.h"
-#include "platform/os_status.h"
-#include "platform/result.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/os_status.h"
+#include "platform/base/result.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #include "audio/buffer_size_negotiation.h"
 
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/property_bytes.h"
 
 #include <fmt/format.h>
 

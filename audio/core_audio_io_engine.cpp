@@ -1,7 +1,7 @@
 #include "audio/core_audio_io_engine.h"
 
 #include "audio/buffer_size_negotiation.h"
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/property_bytes.h"
 
 #include <fmt/format.h>
 

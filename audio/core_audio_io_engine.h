@@ -3,9 +3,9 @@
 #include "audio/buffer_size_watch.h"
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
-#include "platform/audio_hardware.h"
-#include "platform/os_status.h"
-#include "platform/result.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/os_status.h"
+#include "platform/base/result.h"
 
 #include <cstddef>
 #include <cstdint>

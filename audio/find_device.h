@@ -1,8 +1,8 @@
 #pragma once
 
 #include "audio/audio_device_info.h"
-#include "platform/audio_hardware.h"
-#include "platform/result.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/result.h"
 
 #include <optional>
 #include <string>

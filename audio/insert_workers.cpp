@@ -1,9 +1,9 @@
 #include "audio/insert_workers.h"
 
-#include "platform/audio_thread_scope.h"
-#include "platform/flush_denormals.h"
-#include "platform/futex.h"
-#include "platform/stop_patience.h"
+#include "platform/base/audio_thread_scope.h"
+#include "platform/base/flush_denormals.h"
+#include "platform/base/futex.h"
+#include "platform/base/stop_patience.h"
 
 #include <algorithm>
 #include <exception>

@@ -3,8 +3,8 @@
 #include "audio/insert_table.h"
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
-#include "platform/host_clock.h"
-#include "platform/realtime_priority.h"
+#include "platform/base/host_clock.h"
+#include "platform/base/realtime_priority.h"
 
 #include <atomic>
 #include <cstddef>

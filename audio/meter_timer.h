@@ -1,7 +1,7 @@
 #pragma once
 
 #include "audio/meter_model.h"
-#include "platform/main_thread.h"
+#include "platform/base/main_thread.h"
 
 #include <memory>
 

@@ -9,8 +9,8 @@
 #include "dsp/automix_processor.h"
 #include "dsp/pink_noise_generator.h"
 #include "dsp/realtime.h"
-#include "platform/host_clock.h"
-#include "platform/unfair_lock.h"
+#include "platform/base/host_clock.h"
+#include "platform/base/unfair_lock.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "audio/render_pass.h"
 
 #include "dsp/sound_bounds.h"
-#include "platform/flush_denormals.h"
+#include "platform/base/flush_denormals.h"
 
 #include <algorithm>
 #include <cmath>

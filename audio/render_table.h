@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dsp/realtime.h"
-#include "platform/unfair_lock.h"
+#include "platform/base/unfair_lock.h"
 
 #include <atomic>
 #include <functional>

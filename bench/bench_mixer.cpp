@@ -1,6 +1,6 @@
 #include "bench_mixer.h"
 
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 
 #include <fmt/format.h>
 
@@ -24,7 +24,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platfor
 }
 
 /// A stretch of noise that every input plays from another place on.
-class Noise final : public platform::VirtualInput {
+class Noise final : public platform::virtual_devices::VirtualInput {
   public:
     Noise() : samples(length) {
         std::mt19937 random(1);
@@ -35,7 +35,8 @@ class Noise final : public platform::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         const std::size_t frameCount = blocks.front().size();
         for (std::size_t channel = 0; channel < blocks.size(); ++channel) {
-            const std::size_t start = (position + channel * 64) % (length - platform::longestVirtualBuffer);
+            const std::size_t start =
+                (position + channel * 64) % (length - platform::virtual_devices::longestVirtualBuffer);
             std::copy_n(samples.data() + start, frameCount, blocks[channel].begin());
         }
         position += frameCount;
@@ -89,11 +90,11 @@ void BenchMixer::start() {
 }
 
 std::unique_ptr<platform::AudioDriver> noisyDevice(platform::SystemLog& log) {
-    std::vector<platform::VirtualDevice> devices(1);
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
     devices[0].description = {"virtual:bench", "Bench", deviceChannels, deviceChannels, 48000.0};
     devices[0].input = std::make_shared<Noise>();
-    return std::make_unique<platform::VirtualAudioDriver>(
-        std::move(devices), platform::VirtualPacing::live, log
+    return std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+        std::move(devices), platform::virtual_devices::VirtualPacing::live, log
     );
 }
 

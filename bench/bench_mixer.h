@@ -2,10 +2,10 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/base/run_loop.h"
+#include "platform/base/system_log.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/run_loop.h"
-#include "platform/system_log.h"
 
 #include <cstddef>
 #include <functional>
@@ -38,7 +38,7 @@ class BenchMixer final {
     platform::SystemLog log{[](const platform::LogLine&) {}};
     platform::SystemAudioHardware hardware;
     platform::SystemMIDIServices noMIDI{{}};
-    platform::Lv2UnitHost units{log};
+    platform::lv2::Lv2UnitHost units{log};
 
   public:
     platform::RunLoop loop;

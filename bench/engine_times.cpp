@@ -179,7 +179,7 @@ void measureScan(const Folder& folder) {
     BlockTimes scans;
     for (int i = 0; i < 5; ++i)
         scans.measure([&] {
-            platform::Lv2UnitHost host(log, folder.path.string());
+            platform::lv2::Lv2UnitHost host(log, folder.path.string());
             const auto found = host.componentsMatchingDescription({platform::kAudioUnitType_Effect});
             if (found.size() != installedPlugins)
                 throw std::runtime_error(fmt::format("The scan found {} plugins.", found.size()));

@@ -4,7 +4,7 @@
 #include "reference_conditions.h"
 
 #include "dsp/gain_sharing_mixer.h"
-#include "platform/flush_denormals.h"
+#include "platform/base/flush_denormals.h"
 
 #include <fmt/format.h>
 

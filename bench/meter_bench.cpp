@@ -2,7 +2,7 @@
 // for each second of meters, and everything that changes is painted in software, without a display.
 
 #include "machine/audio_machine.h"
-#include "platform/user_folders.h"
+#include "platform/files/user_folders.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/qt_main_thread.h"
 #include "ui/theme/theme.h"

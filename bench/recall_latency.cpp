@@ -3,12 +3,12 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/base/run_loop.h"
+#include "platform/base/system_log.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/run_loop.h"
-#include "platform/system_log.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
+#include "platform/virtual/virtual_midi_driver.h"
 
 #include <fmt/format.h>
 
@@ -31,7 +31,7 @@ constexpr int recalls = 400;
 constexpr std::uint8_t firstNote = 60;
 
 /// Every sample of every input is the same.
-struct ConstantInput final : platform::VirtualInput {
+struct ConstantInput final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (const std::span<float>& block : blocks)
             std::ranges::fill(block, 0.5F);
@@ -39,7 +39,7 @@ struct ConstantInput final : platform::VirtualInput {
 };
 
 /// Counts blocks and remembers the level of the last one.
-struct Listener final : platform::VirtualOutput {
+struct Listener final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         level.store(blocks[0][0]);
         count.fetch_add(1);
@@ -60,18 +60,20 @@ std::vector<std::unique_ptr<Driver>> only(std::unique_ptr<Driver> driver) {
 std::vector<std::int64_t> measure(std::int64_t bufferSize) {
     platform::SystemLog log([](const platform::LogLine&) {});
     const auto listener = std::make_shared<Listener>();
-    std::vector<platform::VirtualDevice> devices(1);
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
     devices[0].description = {"virtual:bench", "Bench", stripCount, stripCount, 48000.0};
     devices[0].input = std::make_shared<ConstantInput>();
     devices[0].output = listener;
-    platform::SystemAudioHardware hardware(only<platform::AudioDriver>(
-        std::make_unique<platform::VirtualAudioDriver>(std::move(devices), platform::VirtualPacing::live, log)
-    ));
-    auto virtualMIDI = std::make_unique<platform::VirtualMIDIDriver>();
+    platform::SystemAudioHardware hardware(
+        only<platform::AudioDriver>(std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices), platform::virtual_devices::VirtualPacing::live, log
+        ))
+    );
+    auto virtualMIDI = std::make_unique<platform::virtual_devices::VirtualMIDIDriver>();
     const auto keys = virtualMIDI->createSource("Keys").value();
     platform::SystemMIDIServices midiServices(only<platform::MIDIDriver>(std::move(virtualMIDI)));
     platform::RunLoop loop;
-    platform::Lv2UnitHost units(log);
+    platform::lv2::Lv2UnitHost units(log);
     engine::MixerEngine engine(stripCount, {hardware, midiServices, loop, units, log});
     engine.refreshDevices();
     engine.selectDevice(engine.state().availableDevices.get().at(0));

@@ -8,7 +8,7 @@
 #include "timed_driver.h"
 
 #include "cli/progress_bar.h"
-#include "platform/jack_audio/jack_audio_driver.h"
+#include "platform/jack/jack_audio_driver.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -166,10 +166,10 @@ void probe(const Options& options) {
 
 void run(const Options& options) {
     CycleTimes times(sampleRate);
-    platform::JackClients clients("orvane_steadiness");
+    platform::jack::JackClients clients("orvane_steadiness");
     const auto makeDriver = [&](platform::SystemLog& log) {
         if (options.driver == "virtual") return timed(noisyDevice(log), times);
-        return timed(std::make_unique<platform::JackAudioDriver>(clients), times);
+        return timed(std::make_unique<platform::jack::JackAudioDriver>(clients), times);
     };
     BenchMixer mixer(stripCount, makeDriver, options.insertWorkers);
     mixer.engine.setBufferSize(options.frames);

@@ -2,7 +2,7 @@
 
 #include "cycle_times.h"
 
-#include "platform/audio_driver.h"
+#include "platform/audio_hardware/audio_driver.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
-#include "platform/run_loop.h"
+#include "platform/base/run_loop.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "audio/audio_device_info.h"
-#include "platform/audio_hardware.h"
+#include "platform/audio_hardware/audio_hardware.h"
 
 #include <cstdint>
 #include <map>

@@ -5,10 +5,10 @@
 #include "cli/print_result.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
+#include "platform/base/plain_text.h"
+#include "platform/base/realtime_priority.h"
+#include "platform/base/run_loop.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/plain_text.h"
-#include "platform/realtime_priority.h"
-#include "platform/run_loop.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -16,10 +16,10 @@
 #include "machine/process.h"
 #include "machine/realtime_privilege.h"
 #include "machine/save_signal.h"
-#include "platform/abandoned.h"
-#include "platform/desktop_bus/sleep_inhibitor.h"
+#include "platform/base/abandoned.h"
+#include "platform/base/run_loop.h"
+#include "platform/desktop/sleep_inhibitor.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/run_loop.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -141,7 +141,7 @@ class LiveRun final {
                 "{} is there already; the recording goes to {}.", options.machine.record->string(),
                 recorder->file().string()
             ));
-        platform::SleepInhibitor sleepInhibitor(loop, machine.log);
+        platform::desktop::SleepInhibitor sleepInhibitor(loop, machine.log);
         sleepInhibitor.setHeld(true);
         const auto toErrors =
             engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {

@@ -6,8 +6,8 @@
 #include "cli/print_result.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
-#include "platform/plain_text.h"
-#include "platform/run_loop.h"
+#include "platform/base/plain_text.h"
+#include "platform/base/run_loop.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "machine/audio_machine.h"
 #include "machine/interrupt.h"
-#include "platform/jack_audio/jack_clients.h"
+#include "platform/jack/jack_clients.h"
 
 #include <fmt/format.h>
 
@@ -86,7 +86,7 @@ Result<SentNote> parseNote(std::string_view text) {
 }
 
 Result<Done> sendNote(const SentNote& note, double mostSeconds) {
-    platform::JackClients clients;
+    platform::jack::JackClients clients;
     const auto drivers = machine::makeMIDIDrivers(clients);
     const std::unique_ptr<MIDIOwnSource> source = makeSource(drivers);
     if (source == nullptr)

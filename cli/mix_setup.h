@@ -2,7 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <optional>
 

@@ -20,7 +20,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platfor
 } // namespace
 
 /// Captures what the caller of the cycle brought.
-struct OfflineMixer::Input final : platform::VirtualInput {
+struct OfflineMixer::Input final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < blocks.size(); ++channel)
             std::ranges::copy(captured[channel], blocks[channel].begin());
@@ -30,7 +30,7 @@ struct OfflineMixer::Input final : platform::VirtualInput {
 };
 
 /// Plays to the caller of the cycle.
-struct OfflineMixer::Output final : platform::VirtualOutput {
+struct OfflineMixer::Output final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < blocks.size(); ++channel)
             std::ranges::copy(blocks[channel], played[channel].begin());
@@ -44,7 +44,7 @@ OfflineMixer::OfflineMixer(std::size_t stripCount, const Device& device)
       input(std::make_shared<Input>()),
       output(std::make_shared<Output>()),
       hardware([&] {
-          std::vector<platform::VirtualDevice> devices;
+          std::vector<platform::virtual_devices::VirtualDevice> devices;
           devices.push_back(
               {.description =
                    {.uid = std::string(deviceUID),
@@ -55,8 +55,8 @@ OfflineMixer::OfflineMixer(std::size_t stripCount, const Device& device)
                .input = input,
                .output = output}
           );
-          auto stepped = std::make_unique<platform::VirtualAudioDriver>(
-              std::move(devices), platform::VirtualPacing::stepped, log
+          auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+              std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
           );
           driver = stepped.get();
           return only(std::move(stepped));

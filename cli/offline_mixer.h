@@ -2,12 +2,12 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/base/result.h"
+#include "platform/base/run_loop.h"
+#include "platform/base/system_log.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/result.h"
-#include "platform/run_loop.h"
-#include "platform/system_log.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 
 #include <cstddef>
 #include <memory>
@@ -62,13 +62,13 @@ class OfflineMixer final {
 
     platform::SystemLog log;
     platform::RunLoop mainThread;
-    platform::Lv2UnitHost audioUnitHost{
-        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile(),
-        platform::lv2_units::RenderMode::offline};
+    platform::lv2::Lv2UnitHost audioUnitHost{
+        log, platform::lv2::environmentSearchPath(), platform::lv2::effectCacheFile(),
+        platform::lv2::RenderMode::offline};
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
     /// The hardware layer's; lives as long as that.
-    platform::VirtualAudioDriver* driver = nullptr;
+    platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
     /// Nothing plays along with a file.
     platform::SystemMIDIServices noMIDI{{}};

@@ -2,9 +2,9 @@
 
 #include "cli/json_text.h"
 #include "cli/print_result.h"
-#include "platform/lv2_units/lv2_unit_host.h"
-#include "platform/plain_text.h"
-#include "platform/system_log.h"
+#include "platform/base/plain_text.h"
+#include "platform/base/system_log.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "plugins/insert_components.h"
 
 #include <CLI/CLI.hpp>
@@ -48,8 +48,8 @@ std::string componentsAsJSON(const Components& components) {
 
 int listPlugins(bool asJSON) {
     platform::SystemLog log(platform::standardErrorSink());
-    platform::Lv2UnitHost host(
-        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()
+    platform::lv2::Lv2UnitHost host(
+        log, platform::lv2::environmentSearchPath(), platform::lv2::effectCacheFile()
     );
     const Components components = plugins::availableInsertComponents(host);
     log.flush();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/host_clock.h"
+#include "platform/base/host_clock.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -2,8 +2,8 @@
 
 #include "cli/chunk_queue.h"
 #include "cli/sound_blocks.h"
-#include "platform/result.h"
-#include "platform/sound_file_reader.h"
+#include "platform/base/result.h"
+#include "platform/files/sound_file_reader.h"
 
 #include <cstddef>
 #include <optional>

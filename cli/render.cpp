@@ -10,9 +10,9 @@
 #include "cli/write_behind.h"
 #include "engine/routing_operations.h"
 #include "engine/session_files.h"
-#include "platform/atomic_file.h"
-#include "platform/sound_file_reader.h"
-#include "platform/sound_file_writer.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/sound_file_reader.h"
+#include "platform/files/sound_file_writer.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/render_report.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "cli/render_report.h"
 
 #include "dsp/decibels.h"
-#include "platform/plain_text.h"
+#include "platform/base/plain_text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

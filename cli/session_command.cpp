@@ -9,9 +9,9 @@
 #include "engine/session/mixer_document_encoder.h"
 #include "engine/session_files.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
+#include "platform/base/run_loop.h"
+#include "platform/base/system_log.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/run_loop.h"
-#include "platform/system_log.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

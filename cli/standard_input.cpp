@@ -1,6 +1,6 @@
 #include "cli/standard_input.h"
 
-#include "platform/file_error.h"
+#include "platform/files/file_error.h"
 
 #include <fcntl.h>
 #include <poll.h>

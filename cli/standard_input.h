@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/result.h"
-#include "platform/sound_file_reader.h"
+#include "platform/base/result.h"
+#include "platform/files/sound_file_reader.h"
 
 #include <filesystem>
 #include <functional>

@@ -3,8 +3,8 @@
 #include "cli/chunk_queue.h"
 #include "cli/sound_blocks.h"
 #include "cli/stem_files.h"
-#include "platform/result.h"
-#include "platform/sound_file_writer.h"
+#include "platform/base/result.h"
+#include "platform/files/sound_file_writer.h"
 
 #include <cstddef>
 #include <optional>

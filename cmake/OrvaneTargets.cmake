@@ -1,8 +1,8 @@
 # How every target of the tree is made.
 #
-# A library sees only the headers of the libraries it links: each folder publishes its headers through an
-# include directory of its own (a symbolic link in the build tree), so that an #include "audio/ring_buffer.h"
-# compiles in a target only if that target links orvane_audio. The link lists are the architecture.
+# A library sees only the headers of the libraries it links: each target publishes its headers through an include
+# directory of its own (symbolic links in the build tree), so that an #include "audio/ring_buffer.h" compiles in a
+# target only if that target links orvane_audio. The link lists are the architecture.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -79,15 +79,19 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     <unordered_map> <utility> <variant> <vector>)
 endif()
 
-# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
-# LINK: what the folder's headers use; LINK_PRIVATE: what only its sources use; PRECOMPILE: the headers to compile ahead
-# instead of the shared ones.
+# orvane_library(NAME FOLDER [SOURCES ...] [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
+# SOURCES: none makes a library of headers alone; LINK: what the folder's headers use; LINK_PRIVATE: what only its
+# sources use; PRECOMPILE: the headers to compile ahead instead of the shared ones.
 function(orvane_library name folder)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE;PRECOMPILE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
-  cmake_path(GET folder PARENT_PATH parent)
-  file(MAKE_DIRECTORY "${include_root}/${parent}")
-  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${folder}" SYMBOLIC)
+  orvane_publish("${folder}" "${include_root}")
+  if(NOT arg_SOURCES)
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE "${include_root}")
+    target_link_libraries(${name} INTERFACE ${arg_LINK})
+    return()
+  endif()
   add_library(${name} STATIC ${arg_SOURCES})
   target_include_directories(${name} PUBLIC "${include_root}")
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE orvane_flags ${arg_LINK_PRIVATE})
@@ -96,6 +100,20 @@ function(orvane_library name folder)
   elseif(TARGET orvane_headers)
     target_precompile_headers(${name} REUSE_FROM orvane_headers)
   endif()
+endfunction()
+
+# orvane_publish(FOLDER ROOT): links the headers of a folder into an include root, and those of its subfolders that are
+# no target of their own.
+function(orvane_publish folder root)
+  file(REMOVE_RECURSE "${root}/${folder}")
+  file(MAKE_DIRECTORY "${root}/${folder}")
+  file(GLOB entries CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}/*")
+  foreach(entry IN LISTS entries)
+    set(path "${CMAKE_CURRENT_SOURCE_DIR}/${entry}")
+    if(entry MATCHES "\\.h$" OR (IS_DIRECTORY "${path}" AND NOT EXISTS "${path}/CMakeLists.txt"))
+      file(CREATE_LINK "${path}" "${root}/${folder}/${entry}" SYMBOLIC)
+    endif()
+  endforeach()
 endfunction()
 
 # orvane_program(NAME SOURCES ... LINK ...)

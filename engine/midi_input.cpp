@@ -1,6 +1,6 @@
 #include "engine/midi_input.h"
 
-#include "platform/memory_shortage.h"
+#include "platform/base/memory_shortage.h"
 
 #include <algorithm>
 #include <utility>

@@ -12,8 +12,8 @@
 #include "engine/show.h"
 #include "engine/snapshot_list.h"
 #include "engine/standstill_watch.h"
-#include "platform/result.h"
-#include "platform/uuid.h"
+#include "platform/base/result.h"
+#include "platform/base/uuid.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "audio/buffer_size_negotiation.h"
 #include "audio/render_pass.h"
-#include "platform/abandoned.h"
+#include "platform/base/abandoned.h"
 
 #include <fmt/format.h>
 

@@ -6,8 +6,8 @@
 #include "audio/mixer_realtime_state.h"
 #include "dsp/automix_processor.h"
 #include "engine/show.h"
-#include "platform/audio_hardware.h"
-#include "platform/result.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/result.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/audio_hardware.h"
-#include "platform/audio_unit_host.h"
-#include "platform/editor_windows.h"
-#include "platform/host_clock.h"
-#include "platform/main_thread.h"
-#include "platform/midi_services.h"
-#include "platform/system_log.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/host_clock.h"
+#include "platform/base/main_thread.h"
+#include "platform/base/system_log.h"
+#include "platform/effects/audio_unit_host.h"
+#include "platform/effects/editor_windows.h"
+#include "platform/midi_services/midi_services.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/session/mixer_document_data.h"
-#include "platform/file_stamp.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
+#include "platform/files/file_stamp.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "audio/mixer_realtime_state.h"
-#include "platform/host_clock.h"
-#include "platform/main_thread.h"
+#include "platform/base/host_clock.h"
+#include "platform/base/main_thread.h"
 
 #include <cstdint>
 #include <functional>

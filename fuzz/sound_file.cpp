@@ -2,7 +2,7 @@
 
 #include "cli/render.h"
 #include "fuzzer.h"
-#include "platform/sound_file_reader.h"
+#include "platform/files/sound_file_reader.h"
 #include "support/temporary_folder.h"
 
 #include <string_view>

@@ -1,7 +1,7 @@
 // A plugin's state bytes either give an error or a dictionary that is written and read back as it was.
 
 #include "fuzzer.h"
-#include "platform/property_list.h"
+#include "platform/files/property_list.h"
 
 using namespace orvane;
 

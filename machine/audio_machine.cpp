@@ -1,13 +1,13 @@
 #include "machine/audio_machine.h"
 
-#include "platform/alsa_audio/alsa_audio_driver.h"
-#include "platform/alsa_midi/alsa_midi_driver.h"
-#include "platform/jack_midi/jack_midi_driver.h"
-#include "platform/pipewire_socket.h"
-#include "platform/program_data.h"
-#include "platform/virtual_audio/output_recorder.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_audio/virtual_devices.h"
+#include "machine/pipewire_socket.h"
+#include "platform/alsa/alsa_audio_driver.h"
+#include "platform/alsa/alsa_midi_driver.h"
+#include "platform/files/program_data.h"
+#include "platform/jack/jack_midi_driver.h"
+#include "platform/virtual/output_recorder.h"
+#include "platform/virtual/virtual_audio_driver.h"
+#include "platform/virtual/virtual_devices.h"
 
 #include <fmt/format.h>
 
@@ -23,7 +23,7 @@ namespace {
 
 using platform::Error;
 using platform::Result;
-using platform::VirtualDevice;
+using platform::virtual_devices::VirtualDevice;
 
 constexpr const char* demoRecording = "demo/panel-8ch.flac";
 
@@ -45,28 +45,28 @@ Result<std::vector<VirtualDevice>>
 virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
     std::vector<VirtualDevice> devices;
     if (options.virtualInput) {
-        auto device = platform::fileDevice(*options.virtualInput, log);
+        auto device = platform::virtual_devices::fileDevice(*options.virtualInput, log);
         if (!device) return device.error();
         devices.push_back(std::move(device).value());
     }
     std::ranges::move(
-        platform::builtInDevices(platform::programDataDirectory() / demoRecording, log),
+        platform::virtual_devices::builtInDevices(platform::programDataDirectory() / demoRecording, log),
         std::back_inserter(devices)
     );
     return devices;
 }
 
 /// The recorder that the options ask for, which is given to its device; null if they ask for none.
-Result<std::shared_ptr<platform::OutputRecorder>>
+Result<std::shared_ptr<platform::virtual_devices::OutputRecorder>>
 recordOne(std::vector<VirtualDevice>& devices, const AudioMachineOptions& options) {
-    if (!options.record) return std::shared_ptr<platform::OutputRecorder>();
+    if (!options.record) return std::shared_ptr<platform::virtual_devices::OutputRecorder>();
     if (const auto format = platform::recordingFormat(*options.record); !format) return format.error();
     const std::string uid = options.device.value_or(devices.front().description.uid);
     const auto recorded =
         std::ranges::find(devices, uid, [](const VirtualDevice& device) { return device.description.uid; });
     if (recorded == devices.end())
         return Error{fmt::format("Only virtual devices can be recorded; {} is not one.", uid)};
-    auto recorder = std::make_shared<platform::OutputRecorder>(
+    auto recorder = std::make_shared<platform::virtual_devices::OutputRecorder>(
         *options.record, recorded->description.outputChannelCount, recorded->description.sampleRate
     );
     recorded->output = recorder;
@@ -76,10 +76,10 @@ recordOne(std::vector<VirtualDevice>& devices, const AudioMachineOptions& option
 } // namespace
 
 std::vector<std::unique_ptr<platform::MIDIDriver>>
-makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log) {
+makeMIDIDrivers(platform::jack::JackClients& clients, platform::SystemLog* log) {
     std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
-    if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::AlsaMIDIDriver>());
-    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::JackMIDIDriver>(clients, log));
+    if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::alsa::AlsaMIDIDriver>());
+    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::jack::JackMIDIDriver>(clients, log));
     return drivers;
 }
 
@@ -97,26 +97,27 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
         machine->mainUID = devices.value().front().description.uid;
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
     if (isWanted("jack")) {
-        auto jack = std::make_unique<platform::JackAudioDriver>(machine->jackClients);
+        auto jack = std::make_unique<platform::jack::JackAudioDriver>(machine->jackClients);
         machine->jackDriver = jack.get();
         drivers.push_back(std::move(jack));
     }
     if (isWanted("alsa"))
-        drivers.push_back(std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
-            .sampleRate = options.sampleRate,
-            .reservations = &machine->reservations,
-            .priorityLender = &machine->realtimeKit}));
+        drivers.push_back(
+            std::make_unique<platform::alsa::AlsaAudioDriver>(platform::alsa::AlsaAudioDriver::Setup{
+                .sampleRate = options.sampleRate,
+                .reservations = &machine->reservations,
+                .priorityLender = &machine->realtimeKit})
+        );
     if (isWanted("virtual"))
-        drivers.push_back(std::make_unique<platform::VirtualAudioDriver>(
-            std::move(devices).value(), platform::VirtualPacing::live, machine->log
+        drivers.push_back(std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices).value(), platform::virtual_devices::VirtualPacing::live, machine->log
         ));
     machine->audioHardware = std::make_unique<platform::SystemAudioHardware>(std::move(drivers));
     return machine;
 }
 
 std::optional<std::string> AudioMachine::deviceAdvice() {
-    const bool isMissed =
-        jackDriver != nullptr && platform::isPipeWireRunning() && !jackDriver->isServerRunning();
+    const bool isMissed = jackDriver != nullptr && isPipeWireRunning() && !jackDriver->isServerRunning();
     if (!isMissed) return std::nullopt;
     return "PipeWire is running, but no JACK server answers; to mix on PipeWire's devices, start ORVANE with "
            "pw-jack in front of the command (package pipewire-jack).";

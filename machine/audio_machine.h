@@ -1,16 +1,16 @@
 #pragma once
 
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/desktop_bus/device_reservations.h"
-#include "platform/desktop_bus/realtime_kit.h"
-#include "platform/jack_audio/jack_audio_driver.h"
-#include "platform/jack_audio/jack_clients.h"
-#include "platform/lv2_units/lv2_unit_host.h"
-#include "platform/midi_driver.h"
+#include "platform/base/result.h"
+#include "platform/base/system_log.h"
+#include "platform/desktop/device_reservations.h"
+#include "platform/desktop/realtime_kit.h"
+#include "platform/jack/jack_audio_driver.h"
+#include "platform/jack/jack_clients.h"
+#include "platform/lv2/lv2_unit_host.h"
+#include "platform/midi_services/midi_driver.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/result.h"
-#include "platform/system_log.h"
-#include "platform/virtual_audio/output_recorder.h"
+#include "platform/virtual/output_recorder.h"
 
 #include <filesystem>
 #include <memory>
@@ -23,7 +23,7 @@ namespace orvane::machine {
 /// The ways to MIDI sources that ORVANE_DRIVERS names, or all: the ALSA sequencer, which reaches hardware
 /// directly, before JACK, which may have bridges to it. `clients` outlives them.
 std::vector<std::unique_ptr<platform::MIDIDriver>>
-makeMIDIDrivers(platform::JackClients& clients, platform::SystemLog* log = nullptr);
+makeMIDIDrivers(platform::jack::JackClients& clients, platform::SystemLog* log = nullptr);
 
 /// The rates that may be asked for, in Hz.
 inline constexpr unsigned lowestSampleRate = 8000;
@@ -65,7 +65,7 @@ class AudioMachine final {
     std::optional<std::string> mainUID;
 
     /// What records the main device; null if nothing does.
-    [[nodiscard]] platform::OutputRecorder* recorder() { return outputRecorder.get(); }
+    [[nodiscard]] platform::virtual_devices::OutputRecorder* recorder() { return outputRecorder.get(); }
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
     /// What to do if PipeWire runs and no JACK server answers, so that its devices are not listed; nothing
     /// otherwise, or if JACK is not wanted. Main thread.
@@ -77,16 +77,16 @@ class AudioMachine final {
     [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
 
   private:
-    platform::JackClients jackClients;
-    platform::RealtimeKit realtimeKit;
-    platform::DeviceReservations reservations;
-    platform::Lv2UnitHost audioUnitHost{
-        log, platform::lv2_units::environmentSearchPath(), platform::lv2_units::effectCacheFile()};
+    platform::jack::JackClients jackClients;
+    platform::desktop::RealtimeKit realtimeKit;
+    platform::desktop::DeviceReservations reservations;
+    platform::lv2::Lv2UnitHost audioUnitHost{
+        log, platform::lv2::environmentSearchPath(), platform::lv2::effectCacheFile()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
-    std::shared_ptr<platform::OutputRecorder> outputRecorder;
+    std::shared_ptr<platform::virtual_devices::OutputRecorder> outputRecorder;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
     /// Null if JACK is not wanted; the hardware owns it.
-    platform::JackAudioDriver* jackDriver = nullptr;
+    platform::jack::JackAudioDriver* jackDriver = nullptr;
 };
 
 } // namespace orvane::machine

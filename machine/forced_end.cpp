@@ -1,7 +1,7 @@
 #include "machine/forced_end.h"
 
 #include "machine/message.h"
-#include "platform/virtual_audio/output_recorder.h"
+#include "platform/virtual/output_recorder.h"
 
 #include <cerrno>
 #include <condition_variable>
@@ -13,7 +13,7 @@
 namespace orvane::machine {
 
 void forceEnd(int exitCode) {
-    platform::OutputRecorder::completeAll();
+    platform::virtual_devices::OutputRecorder::completeAll();
     printMessage(
         program_invocation_short_name,
         "The program has been ended, because a plugin or a sound server that it was waiting for did not "

@@ -1,7 +1,7 @@
 #include "machine/interrupt.h"
 
 #include "machine/forced_end.h"
-#include "platform/stop_patience.h"
+#include "platform/base/stop_patience.h"
 
 #include <semaphore.h>
 

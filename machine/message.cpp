@@ -1,7 +1,7 @@
 #include "machine/message.h"
 
-#include "platform/plain_text.h"
-#include "platform/standard_error.h"
+#include "platform/base/plain_text.h"
+#include "platform/base/standard_error.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "machine/process.h"
 
-#include "platform/abandoned.h"
+#include "platform/base/abandoned.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

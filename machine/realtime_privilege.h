@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/realtime_priority.h"
+#include "platform/base/realtime_priority.h"
 
 #include <optional>
 #include <string>

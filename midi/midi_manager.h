@@ -1,7 +1,7 @@
 #pragma once
 
 #include "midi/midi_device_info.h"
-#include "platform/midi_services.h"
+#include "platform/midi_services/midi_services.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "plugins/insert_components.h"
 
-#include "platform/utf8.h"
+#include "platform/base/utf8.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/session/au_component_identity.h"
-#include "platform/audio_unit_host.h"
+#include "platform/effects/audio_unit_host.h"
 
 #include <span>
 #include <vector>

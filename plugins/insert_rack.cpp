@@ -1,7 +1,7 @@
 #include "plugins/insert_rack.h"
 
-#include "platform/abandoned.h"
-#include "platform/stop_patience.h"
+#include "platform/base/abandoned.h"
+#include "platform/base/stop_patience.h"
 #include "plugins/format_negotiation.h"
 #include "plugins/insert_components.h"
 #include "plugins/plugin_state.h"

@@ -2,8 +2,8 @@
 
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
-#include "platform/audio_unit_rendering.h"
-#include "platform/system_log.h"
+#include "platform/base/audio_unit_rendering.h"
+#include "platform/base/system_log.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/audio_unit_host.h"
-#include "platform/property_list.h"
+#include "platform/effects/audio_unit_host.h"
+#include "platform/files/property_list.h"
 
 #include <optional>
 #include <string>

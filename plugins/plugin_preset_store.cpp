@@ -4,9 +4,9 @@
 #include "engine/session/document_limits.h"
 #include "engine/session/document_tree.h"
 #include "engine/session/document_values.h"
-#include "platform/atomic_file.h"
-#include "platform/base64.h"
-#include "platform/read_file.h"
+#include "platform/base/base64.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/read_file.h"
 
 #include <algorithm>
 #include <array>

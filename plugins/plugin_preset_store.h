@@ -1,10 +1,10 @@
 #pragma once
 
 #include "engine/session/au_component_identity.h"
-#include "platform/property_list.h"
-#include "platform/result.h"
-#include "platform/system_log.h"
-#include "platform/uuid.h"
+#include "platform/base/result.h"
+#include "platform/base/system_log.h"
+#include "platform/base/uuid.h"
+#include "platform/files/property_list.h"
 
 #include <filesystem>
 #include <functional>

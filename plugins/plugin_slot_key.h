@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "engine/session/plugin_slot.h"
-#include "platform/audio_unit_host.h"
-#include "platform/property_list.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
+#include "platform/effects/audio_unit_host.h"
+#include "platform/files/property_list.h"
 #include "plugins/loaded_insert_plugin.h"
 
 #include <cstdint>

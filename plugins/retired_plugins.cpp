@@ -1,6 +1,6 @@
 #include "plugins/retired_plugins.h"
 
-#include "platform/abandoned.h"
+#include "platform/base/abandoned.h"
 
 #include <chrono>
 #include <iterator>

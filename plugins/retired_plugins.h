@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/main_thread.h"
+#include "platform/base/main_thread.h"
 #include "plugins/loaded_insert_plugin.h"
 
 #include <functional>

@@ -1,5 +1,5 @@
-#include "platform/lv2_units/scan_program.h"
+#include "platform/lv2/scan_program.h"
 
 int main(int argc, char** argv) {
-    return orvane::platform::lv2_units::runScanProgram(argc, argv);
+    return orvane::platform::lv2::runScanProgram(argc, argv);
 }

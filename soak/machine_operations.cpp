@@ -7,7 +7,7 @@ namespace orvane::soak {
 
 namespace {
 
-platform::VirtualDeviceControl someDevice(const Hands& h) {
+platform::virtual_devices::VirtualDeviceControl someDevice(const Hands& h) {
     return *h.stage.driver->control(h.choices.of(h.stage.devices).uid);
 }
 
@@ -26,7 +26,7 @@ std::int64_t someBufferSize(const Hands& h) {
 }
 
 void plugAndUnplug(Hands& h) {
-    platform::VirtualDeviceControl device = someDevice(h);
+    platform::virtual_devices::VirtualDeviceControl device = someDevice(h);
     device.die();
     if (h.flag()) h.engine().refreshDevices();
     if (h.flag()) h.stage.settle();
@@ -36,7 +36,7 @@ void plugAndUnplug(Hands& h) {
 
 /// Another program takes a device for a while, in which somebody may want it.
 void occupy(Hands& h) {
-    platform::VirtualDeviceControl device = someDevice(h);
+    platform::virtual_devices::VirtualDeviceControl device = someDevice(h);
     device.occupy();
     if (h.flag()) h.engine().stop();
     h.engine().start();

@@ -115,7 +115,7 @@ bool rehearseLive(const Options& options) {
     soak::Choices choices{std::uint64_t{options.seed}};
     soak::LiveRehearsal show(
         {.strips = stripsOf(options.seed),
-         .pacing = platform::VirtualPacing::live,
+         .pacing = platform::virtual_devices::VirtualPacing::live,
          .seed = options.seed,
          .bufferSize = 64},
         choices

@@ -18,8 +18,8 @@ platform::Result<std::uint32_t, platform::OSStatus> grantWithinLimits(std::uint3
     return std::clamp<std::uint32_t>(requested, 64, 1024);
 }
 
-std::vector<platform::VirtualDevice> describedDevices() {
-    std::vector<platform::VirtualDevice> devices(5);
+std::vector<platform::virtual_devices::VirtualDevice> describedDevices() {
+    std::vector<platform::virtual_devices::VirtualDevice> devices(5);
     devices[0].description = {"virtual:stage", "Stage", 48, 48, 48000.0};
     devices[1].description = {"virtual:box", "Box", 8, 8, 44100.0};
     devices[1].answerBufferSize = grantWithinLimits;
@@ -66,9 +66,9 @@ Stage::Stage(const Shape& stageShape)
 }
 
 std::vector<std::unique_ptr<platform::AudioDriver>> Stage::makeDrivers() {
-    std::vector<platform::VirtualDevice> described = describedDevices();
+    std::vector<platform::virtual_devices::VirtualDevice> described = describedDevices();
     for (std::size_t i = 0; i < described.size(); ++i) {
-        platform::VirtualDevice& device = described[i];
+        platform::virtual_devices::VirtualDevice& device = described[i];
         if (device.description.uid == bellUID) continue;
         const StageDevice& made = devices.emplace_back(StageDevice{
             .uid = device.description.uid,
@@ -78,7 +78,9 @@ std::vector<std::unique_ptr<platform::AudioDriver>> Stage::makeDrivers() {
         if (device.description.inputChannelCount > 0) device.input = made.voices;
         device.output = made.output;
     }
-    auto made = std::make_unique<platform::VirtualAudioDriver>(std::move(described), shape.pacing, log);
+    auto made = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+        std::move(described), shape.pacing, log
+    );
     driver = made.get();
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
     drivers.push_back(std::move(made));

@@ -2,9 +2,9 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/host_clock.h"
-#include "platform/system_log.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/base/host_clock.h"
+#include "platform/base/system_log.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "soak/voices.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
@@ -30,7 +30,7 @@ struct StageDevice {
     using Listener = std::function<void(std::span<const std::span<const float>> outputs)>;
 
     /// Calls whoever listens.
-    struct Output final : platform::VirtualOutput {
+    struct Output final : platform::virtual_devices::VirtualOutput {
         void take(std::span<const std::span<const float>> blocks) noexcept override {
             if (listener) listener(blocks);
         }
@@ -48,7 +48,7 @@ struct StageDevice {
 struct Stage final {
     struct Shape {
         std::size_t strips = 8;
-        platform::VirtualPacing pacing = platform::VirtualPacing::stepped;
+        platform::virtual_devices::VirtualPacing pacing = platform::virtual_devices::VirtualPacing::stepped;
         /// Of what is played into the devices.
         std::uint32_t seed = 1;
         /// In frames, at first.
@@ -71,7 +71,7 @@ struct Stage final {
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
     /// The hardware layer's; lives as long as that.
-    platform::VirtualAudioDriver* driver = nullptr;
+    platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
     test::ScriptedAudioUnitHost effects;
     test::ScriptedMIDIServices midi;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/virtual_audio/virtual_input.h"
+#include "platform/virtual/virtual_input.h"
 
 #include <atomic>
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace orvane::soak {
 
 /// People who talk and fall silent into the inputs of a device, each at a level and for a time of their own,
 /// and what can go wrong with them. The same seed gives the same sound.
-class Voices final : public platform::VirtualInput {
+class Voices final : public platform::virtual_devices::VirtualInput {
   public:
     enum class Trouble {
         none,

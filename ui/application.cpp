@@ -1,6 +1,6 @@
 #include "ui/application.h"
 
-#include "platform/memory_shortage.h"
+#include "platform/base/memory_shortage.h"
 
 namespace orvane::ui {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/session/channel_settings_data.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 
 #include <cstddef>
 #include <cstdint>

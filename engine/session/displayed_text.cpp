@@ -1,6 +1,6 @@
 #include "engine/session/displayed_text.h"
 
-#include "platform/plain_text.h"
+#include "platform/base/plain_text.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <cstddef>
 #include <optional>

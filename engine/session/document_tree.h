@@ -2,7 +2,7 @@
 
 #include "engine/session/document_keys.h"
 #include "engine/session/document_limits.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <nlohmann/json.hpp>
 

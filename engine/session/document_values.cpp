@@ -2,7 +2,7 @@
 
 #include "engine/session/displayed_text.h"
 #include "engine/session/document_keys.h"
-#include "platform/base64.h"
+#include "platform/base/base64.h"
 
 #include <limits>
 #include <utility>

@@ -3,7 +3,7 @@
 #include "engine/session/au_component_identity.h"
 #include "engine/session/document_node.h"
 #include "engine/session/json_writer.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 
 #include <cstdint>
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "engine/session/document_limits.h"
 #include "engine/session/mixer_document_data.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <string_view>
 

@@ -3,7 +3,7 @@
 #include "engine/session/document_keys.h"
 #include "engine/session/document_values.h"
 #include "engine/session/json_writer.h"
-#include "platform/base64.h"
+#include "platform/base/base64.h"
 
 #include <utility>
 #include <variant>

@@ -3,8 +3,8 @@
 #include "engine/session/document_limits.h"
 #include "engine/session/mixer_document_decoder.h"
 #include "engine/session/mixer_document_encoder.h"
-#include "platform/atomic_file.h"
-#include "platform/read_file.h"
+#include "platform/files/atomic_file.h"
+#include "platform/files/read_file.h"
 
 #include <span>
 #include <utility>

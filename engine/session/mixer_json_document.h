@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/session/mixer_document_data.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <filesystem>
 

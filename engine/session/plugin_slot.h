@@ -2,7 +2,7 @@
 
 #include "engine/session/au_component_identity.h"
 #include "engine/session/shared_list.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #include "engine/session/master_settings.h"
 #include "engine/session/midi_trigger.h"
 #include "engine/session/shared_list.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 
 #include <optional>
 #include <string>

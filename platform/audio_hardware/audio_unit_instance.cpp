@@ -1,7 +1,7 @@
 #include "platform/audio_hardware/audio_unit_instance.h"
 
-#include "platform/audio_thread_scope.h"
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/property_bytes.h"
+#include "platform/base/audio_thread_scope.h"
 
 #include <algorithm>
 #include <cmath>

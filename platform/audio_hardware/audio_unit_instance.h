@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/audio_driver.h"
-#include "platform/audio_hardware.h"
+#include "platform/audio_hardware/audio_driver.h"
+#include "platform/audio_hardware/audio_hardware.h"
 #include "platform/audio_hardware/device_registry.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 
-#include "platform/abandoned.h"
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/property_bytes.h"
+#include "platform/base/abandoned.h"
 
 #include <algorithm>
 #include <utility>

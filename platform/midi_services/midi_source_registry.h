@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/midi_driver.h"
-#include "platform/midi_services.h"
+#include "platform/midi_services/midi_driver.h"
+#include "platform/midi_services/midi_services.h"
 
 #include <cstddef>
 #include <cstdint>

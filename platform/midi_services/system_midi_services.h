@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/midi_driver.h"
-#include "platform/midi_services.h"
 #include "platform/midi_services/cancellable_call.h"
+#include "platform/midi_services/midi_driver.h"
+#include "platform/midi_services/midi_services.h"
 #include "platform/midi_services/midi_source_registry.h"
 
 #include <map>

@@ -15,7 +15,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace orvane::platform {
+namespace orvane::platform::session_manager {
 
 namespace {
 
@@ -250,4 +250,4 @@ void SessionManagerClient::poll() {
     connection->poll();
 }
 
-} // namespace orvane::platform
+} // namespace orvane::platform::session_manager

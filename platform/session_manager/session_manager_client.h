@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/result.h"
+#include "platform/base/result.h"
 
 #include <chrono>
 #include <filesystem>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace orvane::platform {
+namespace orvane::platform::session_manager {
 
 /// What a session manager asks a program to open.
 struct SessionPlace {
@@ -71,4 +71,4 @@ class SessionManagerClient final {
     std::unique_ptr<Connection> connection;
 };
 
-} // namespace orvane::platform
+} // namespace orvane::platform::session_manager

@@ -3,7 +3,7 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "support/desktop_peer.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
@@ -30,11 +30,11 @@ class DesktopServicesTest : public testing::Test {
     static constexpr const char* interface = "virtual:interface";
 
     std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
-        std::vector<platform::VirtualDevice> devices(1);
+        std::vector<platform::virtual_devices::VirtualDevice> devices(1);
         devices[0].description = {interface, "Interface", 2, 2, 48000.0};
         devices[0].answerBufferSize = [](std::uint32_t /*requested*/) { return 512U; };
-        auto stepped = std::make_unique<platform::VirtualAudioDriver>(
-            std::move(devices), platform::VirtualPacing::stepped, log
+        auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
         );
         driver = stepped.get();
         std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
@@ -61,7 +61,7 @@ class DesktopServicesTest : public testing::Test {
     test::DesktopPeer desktop;
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
-    platform::VirtualAudioDriver* driver = nullptr;
+    platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
     platform::SystemMIDIServices midi{{}};
     test::ScriptedAudioUnitHost units;

@@ -1,7 +1,7 @@
 #include "audio/render_pass.h"
 #include "baseline/plain_mixer.h"
 #include "dsp/decibels.h"
-#include "platform/flush_denormals.h"
+#include "platform/base/flush_denormals.h"
 #include "support/mixer_harness.h"
 #include "support/no_sound.h"
 #include "support/random_blocks.h"

@@ -1,7 +1,7 @@
 #include "cli/render.h"
 #include "engine/session/channel_strip.h"
 #include "engine/session/mixer_json_document.h"
-#include "platform/sound_file_reader.h"
+#include "platform/files/sound_file_reader.h"
 #include "support/build_files.h"
 #include "support/program.h"
 #include "support/temporary_folder.h"

@@ -1,4 +1,4 @@
-#include "platform/file_descriptor.h"
+#include "platform/base/file_descriptor.h"
 #include "support/build_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"

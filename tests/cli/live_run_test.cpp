@@ -1,4 +1,4 @@
-#include "platform/sound_file_reader.h"
+#include "platform/files/sound_file_reader.h"
 #include "support/build_files.h"
 #include "support/desktop_peer.h"
 #include "support/program.h"

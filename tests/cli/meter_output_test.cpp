@@ -1,6 +1,6 @@
 #include "cli/meter_output.h"
 
-#include "platform/file_descriptor.h"
+#include "platform/base/file_descriptor.h"
 
 #include <gtest/gtest.h>
 

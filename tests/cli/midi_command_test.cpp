@@ -1,7 +1,7 @@
 #include "cli/midi_send.h"
 #include "engine/session/channel_strip.h"
 #include "engine/session/mixer_json_document.h"
-#include "platform/jack_midi/jack_midi_driver.h"
+#include "platform/jack/jack_midi_driver.h"
 #include "support/build_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
@@ -61,8 +61,8 @@ TEST(MIDICommand, ListsAndReachesOtherProgramsOnAJACKServer) {
     const test::JackTestServer server({});
     const TemporaryFolder folder;
     const std::string jack = "ORVANE_DRIVERS=jack,virtual " + program;
-    platform::JackClients clients(test::uniqueJackName("other"));
-    platform::JackMIDIDriver other(clients);
+    platform::jack::JackClients clients(test::uniqueJackName("other"));
+    platform::jack::JackMIDIDriver other(clients);
     test::ReceivedMIDI received;
     const auto input = other.openInput("input", received.receiver());
     const auto keyboard = other.createSource("keys").value();
@@ -115,8 +115,8 @@ TEST(MIDICommand, LearnsANoteThatThenChangesTheMix) {
     EXPECT_EQ(exitCodeOfShell(folder, run + " --learn 1"), 1);
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("has no snapshot 1 to learn"));
 
-    platform::JackClients clients(test::uniqueJackName("other"));
-    platform::JackMIDIDriver other(clients);
+    platform::jack::JackClients clients(test::uniqueJackName("other"));
+    platform::jack::JackMIDIDriver other(clients);
     const auto keyboard = other.createSource("keys").value();
     const std::string pid = (folder / "pid").string();
     auto running = std::async(std::launch::async, [&] {

@@ -2,7 +2,7 @@
 #include "cli/offline_mixer.h"
 #include "dsp/decibels.h"
 #include "dsp/level_detector.h"
-#include "platform/sound_file_reader.h"
+#include "platform/files/sound_file_reader.h"
 #include "support/build_files.h"
 
 #include <gtest/gtest.h>

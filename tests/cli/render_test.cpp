@@ -1,9 +1,9 @@
 #include "cli/render.h"
 #include "dsp/decibels.h"
 #include "engine/session/mixer_json_document.h"
-#include "platform/lv2_units/lv2_unit_host.h"
-#include "platform/sound_file_reader.h"
-#include "platform/sound_file_writer.h"
+#include "platform/files/sound_file_reader.h"
+#include "platform/files/sound_file_writer.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "plugins/insert_components.h"
 #include "support/build_files.h"
 #include "support/file_size_limit.h"
@@ -290,7 +290,7 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
 TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
     const TemporaryFolder folder;
     platform::SystemLog log([](const platform::LogLine&) {});
-    platform::Lv2UnitHost host(log);
+    platform::lv2::Lv2UnitHost host(log);
     const auto installed = plugins::availableInsertComponents(host);
     const auto dynamics = std::ranges::find(installed, "MDA Dynamics", &platform::AVAudioUnitComponent::name);
     ASSERT_NE(dynamics, installed.end());
@@ -331,7 +331,7 @@ TEST(Render, DoesTheWorkOfPluginsAtOnceAndTellsThemThatItIsOffline) {
     const test::Lv2Bundles bundles;
     bundles.add("amplifier.lv2", test::scriptedAmplifier());
     platform::SystemLog log([](const platform::LogLine&) {});
-    platform::Lv2UnitHost host(log, bundles.searchPath());
+    platform::lv2::Lv2UnitHost host(log, bundles.searchPath());
     const auto amplifier = plugins::availableInsertComponents(host).at(0);
     session::MixerDocumentData document = bypassedSession({output::Mono{0}});
     document.channels[0].pluginSlots[0].pluginName = amplifier.name;

@@ -14,7 +14,7 @@ using namespace orvane;
 // What goes wrong here, the allocation guard and the sanitizers see.
 TEST(EngineChurn, SurvivesWhateverIsDoneWhileItRuns) {
     soak::Choices choices{std::uint64_t{1}};
-    soak::Stage stage({.pacing = platform::VirtualPacing::live});
+    soak::Stage stage({.pacing = platform::virtual_devices::VirtualPacing::live});
     soak::RandomOperator person(stage, choices);
     int starts = 0;
     const auto counting =

@@ -1,5 +1,5 @@
-#include "platform/abandoned.h"
-#include "platform/stop_patience.h"
+#include "platform/base/abandoned.h"
+#include "platform/base/stop_patience.h"
 #include "plugins/insert_components.h"
 #include "soak/stage.h"
 #include "support/wait_for.h"
@@ -21,7 +21,9 @@ namespace {
 using namespace orvane;
 
 TEST(HangingPlugin, CostsCyclesThatAreCountedAndNothingElse) {
-    soak::Stage stage({.strips = 4, .pacing = platform::VirtualPacing::live, .bufferSize = 64});
+    soak::Stage stage(
+        {.strips = 4, .pacing = platform::virtual_devices::VirtualPacing::live, .bufferSize = 64}
+    );
     std::atomic<int> blocks = 0;
     std::atomic<int> badBlocks = 0;
     stage.devices.front().output->listener = [&](auto outputs) {
@@ -102,7 +104,10 @@ struct HangingShow {
     }
 
     std::shared_ptr<soak::Stage> stage = std::make_shared<soak::Stage>(soak::Stage::Shape{
-        .strips = 2, .pacing = platform::VirtualPacing::live, .bufferSize = 64, .clock = leapingClock()});
+        .strips = 2,
+        .pacing = platform::virtual_devices::VirtualPacing::live,
+        .bufferSize = 64,
+        .clock = leapingClock()});
     engine::MixerEngine& engine = stage->engine;
     std::atomic<int> blocks = 0;
 };

@@ -3,7 +3,7 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
 #include "support/scripted_windows.h"
@@ -31,12 +31,12 @@ class InsertPlugins : public testing::Test {
     }
 
     std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
-        std::vector<platform::VirtualDevice> devices(1);
+        std::vector<platform::virtual_devices::VirtualDevice> devices(1);
         devices[0].description = {"virtual:interface", "Interface", stripCount, stripCount, 44100.0};
         devices[0].input = std::make_shared<SteadyInput>();
         devices[0].output = output;
-        auto stepped = std::make_unique<platform::VirtualAudioDriver>(
-            std::move(devices), platform::VirtualPacing::stepped, log
+        auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
         );
         driver = stepped.get();
         std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
@@ -90,7 +90,7 @@ class InsertPlugins : public testing::Test {
     std::shared_ptr<KeptOutput> output = std::make_shared<KeptOutput>();
     ManualMainThread mainThread;
     platform::SystemLog log{[](const platform::LogLine&) {}};
-    platform::VirtualAudioDriver* driver = nullptr;
+    platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
     ScriptedAudioUnitHost audioUnitHost;
     platform::SystemMIDIServices midiServices{{}};

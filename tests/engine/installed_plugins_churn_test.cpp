@@ -1,8 +1,8 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/wait_for.h"
 
@@ -24,12 +24,12 @@ constexpr std::size_t churnedStrips = 16;
 constexpr std::size_t loads = 1000;
 
 std::vector<std::unique_ptr<platform::AudioDriver>> liveDevice(platform::SystemLog& log) {
-    std::vector<platform::VirtualDevice> devices(1);
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
     devices[0].description = {"virtual:live", "Live", churnedStrips, churnedStrips, 48000.0};
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    drivers.push_back(
-        std::make_unique<platform::VirtualAudioDriver>(std::move(devices), platform::VirtualPacing::live, log)
-    );
+    drivers.push_back(std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+        std::move(devices), platform::virtual_devices::VirtualPacing::live, log
+    ));
     return drivers;
 }
 
@@ -39,7 +39,7 @@ TEST(InstalledPlugins, ComeAndGoAThousandTimesWhileTheMixerRuns) {
     platform::SystemAudioHardware hardware(liveDevice(log));
     platform::SystemMIDIServices midiServices({});
     test::ManualMainThread mainThread;
-    platform::Lv2UnitHost host(log);
+    platform::lv2::Lv2UnitHost host(log);
     engine::MixerEngine engine(churnedStrips, {hardware, midiServices, mainThread, host, log});
     std::vector<platform::AVAudioUnitComponent> components;
     for (const platform::AVAudioUnitComponent& component : engine.availableInsertComponents())

@@ -1,8 +1,8 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/jack_audio/jack_audio_driver.h"
+#include "platform/jack/jack_audio_driver.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/manual_main_thread.h"
@@ -44,7 +44,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platfor
 }
 
 /// Plays silence for a while and then what the peer plays.
-struct DelayedSignal final : platform::VirtualInput {
+struct DelayedSignal final : platform::virtual_devices::VirtualInput {
     explicit DelayedSignal(std::size_t silentFrames) : silence(silentFrames) {}
 
     void fill(std::span<const std::span<float>> blocks) noexcept override {
@@ -59,7 +59,7 @@ struct DelayedSignal final : platform::VirtualInput {
 };
 
 /// Keeps what is played, from each channel's first sound on.
-struct Recording final : platform::VirtualOutput {
+struct Recording final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < blocks.size(); ++channel)
             for (const float sample : blocks[channel])
@@ -79,14 +79,14 @@ mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks,
     const auto recording = std::make_shared<Recording>();
     for (std::vector<float>& channel : recording->played)
         channel.reserve((silentBlocks + blocks) * period);
-    std::vector<platform::VirtualDevice> devices(1);
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
     devices[0].description = {"virtual:offline", "Offline", channelCount, channelCount, sampleRate};
     devices[0].input = std::make_shared<DelayedSignal>(silentBlocks * period);
     devices[0].output = recording;
-    auto driver = std::make_unique<platform::VirtualAudioDriver>(
-        std::move(devices), platform::VirtualPacing::stepped, log
+    auto driver = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+        std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
     );
-    platform::VirtualClock& clock = driver->clock();
+    platform::virtual_devices::VirtualClock& clock = driver->clock();
     platform::SystemAudioHardware hardware(only(std::move(driver)));
     MixerEngine engine(channelCount, {hardware, midiServices, mainThread, audioUnitHost, log});
     engine.refreshDevices();
@@ -132,8 +132,8 @@ class JackEngineTest : public testing::Test {
     }
 
     JackTestServer server{{.sampleRate = 48000, .period = period, .channelCount = channelCount}};
-    platform::JackClients clients{test::uniqueJackName("ORVANE")};
-    platform::SystemAudioHardware hardware{only(std::make_unique<platform::JackAudioDriver>(clients))};
+    platform::jack::JackClients clients{test::uniqueJackName("ORVANE")};
+    platform::SystemAudioHardware hardware{only(std::make_unique<platform::jack::JackAudioDriver>(clients))};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;

@@ -3,8 +3,8 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
+#include "platform/virtual/virtual_midi_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
@@ -29,8 +29,8 @@ class MixerEngineTest : public testing::Test {
     static constexpr std::string_view interface = "virtual:interface";
     static constexpr std::string_view monitor = "virtual:monitor";
 
-    std::vector<platform::VirtualDevice> describe() {
-        std::vector<platform::VirtualDevice> devices(2);
+    std::vector<platform::virtual_devices::VirtualDevice> describe() {
+        std::vector<platform::virtual_devices::VirtualDevice> devices(2);
         devices[0].description = {std::string(interface), "Interface", 4, 6, 48000.0};
         devices[0].input = std::make_shared<SteadyInput>();
         devices[0].output = mainOutput;
@@ -46,8 +46,9 @@ class MixerEngineTest : public testing::Test {
     }
 
     std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
-        auto stepped =
-            std::make_unique<platform::VirtualAudioDriver>(describe(), platform::VirtualPacing::stepped, log);
+        auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            describe(), platform::virtual_devices::VirtualPacing::stepped, log
+        );
         driver = stepped.get();
         std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
         drivers.push_back(std::move(stepped));
@@ -55,7 +56,7 @@ class MixerEngineTest : public testing::Test {
     }
 
     std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
-        auto made = std::make_unique<platform::VirtualMIDIDriver>();
+        auto made = std::make_unique<platform::virtual_devices::VirtualMIDIDriver>();
         midiDriver = made.get();
         std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
         drivers.push_back(std::move(made));
@@ -94,8 +95,8 @@ class MixerEngineTest : public testing::Test {
     ManualMainThread mainThread;
     std::vector<std::string> lines;
     platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
-    platform::VirtualAudioDriver* driver = nullptr;
-    platform::VirtualMIDIDriver* midiDriver = nullptr;
+    platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
+    platform::virtual_devices::VirtualMIDIDriver* midiDriver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
     ScriptedAudioUnitHost audioUnitHost;

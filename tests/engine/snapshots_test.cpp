@@ -1,7 +1,7 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/random_blocks.h"
 #include "support/scripted_audio_unit.h"
@@ -174,15 +174,15 @@ TEST(Snapshots, ArePlayedFromTheNextBlockOn) {
     constexpr std::size_t strips = 48;
     constexpr int sceneCount = 24;
     const auto output = std::make_shared<test::KeptOutput>();
-    std::vector<platform::VirtualDevice> devices(1);
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
     devices[0].description = {"virtual:big", "Big", strips, strips, 48000.0};
     devices[0].input = std::make_shared<test::SteadyInput>();
     devices[0].output = output;
     platform::SystemLog log([](const platform::LogLine&) {});
-    auto driver = std::make_unique<platform::VirtualAudioDriver>(
-        std::move(devices), platform::VirtualPacing::stepped, log
+    auto driver = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+        std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
     );
-    platform::VirtualClock& clock = driver->clock();
+    platform::virtual_devices::VirtualClock& clock = driver->clock();
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
     drivers.push_back(std::move(driver));
     platform::SystemAudioHardware hardware(std::move(drivers));

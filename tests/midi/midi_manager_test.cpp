@@ -1,6 +1,6 @@
 #include "midi/midi_manager.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "platform/virtual/virtual_midi_driver.h"
 #include "support/scripted_midi_services.h"
 
 #include <gmock/gmock.h>
@@ -166,7 +166,7 @@ TEST_F(MIDIManagerTest, ListsWhatHasAnIDAndNamesTheNameless) {
 
 TEST(MIDIManagerThreads, SurvivesThatEverythingHappensAtOnce) {
     std::vector<std::unique_ptr<MIDIDriver>> drivers;
-    drivers.push_back(std::make_unique<VirtualMIDIDriver>());
+    drivers.push_back(std::make_unique<virtual_devices::VirtualMIDIDriver>());
     MIDIDriver& driver = *drivers.front();
     SystemMIDIServices services(std::move(drivers));
     const auto steady = driver.createSource("steady").value();

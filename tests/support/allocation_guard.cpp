@@ -1,4 +1,4 @@
-#include "platform/audio_thread_scope.h"
+#include "platform/base/audio_thread_scope.h"
 #include "support/failing_allocation.h"
 
 #include <unistd.h>

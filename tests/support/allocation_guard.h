@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/audio_thread_scope.h"
+#include "platform/base/audio_thread_scope.h"
 
 namespace orvane::test {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/alsa_audio/alsa_audio_driver.h"
+#include "platform/alsa/alsa_audio_driver.h"
 #include "support/build_files.h"
 #include "support/temporary_folder.h"
 
@@ -38,7 +38,7 @@ class AlsaFixture final {
              at = definitions.find(placeholder))
             definitions.replace(at, placeholder.size(), (folder / "").parent_path().string());
         definitions += "pcm_type.scripted.lib \"" + builtModule("liborvane_scripted_pcm") + "\"\n";
-        driver = std::make_unique<platform::AlsaAudioDriver>(platform::AlsaAudioDriver::Setup{
+        driver = std::make_unique<platform::alsa::AlsaAudioDriver>(platform::alsa::AlsaAudioDriver::Setup{
             .configurationFile = folder.add("asound.conf", definitions),
             .pcmNames = std::move(pcmNames),
             .cardStatusFolder = folder / "cards",
@@ -57,14 +57,14 @@ class AlsaFixture final {
         if (!std::filesystem::is_symlink(link)) std::filesystem::create_directory_symlink(card, link);
     }
 
-    platform::AlsaAudioDriver* operator->() { return driver.get(); }
+    platform::alsa::AlsaAudioDriver* operator->() { return driver.get(); }
     /// Hands the driver over.
-    std::unique_ptr<platform::AlsaAudioDriver> take() { return std::move(driver); }
+    std::unique_ptr<platform::alsa::AlsaAudioDriver> take() { return std::move(driver); }
 
     const TemporaryFolder folder;
 
   private:
-    std::unique_ptr<platform::AlsaAudioDriver> driver;
+    std::unique_ptr<platform::alsa::AlsaAudioDriver> driver;
 };
 
 /// Counts cycles, each of which does what the test says. Devices without a clock of their own run free, so

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/program_data.h"
+#include "platform/files/program_data.h"
 
 #include <filesystem>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/file_descriptor.h"
+#include "platform/base/file_descriptor.h"
 #include "support/bus_address.h"
 #include "support/server_process.h"
 #include "support/temporary_folder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/audio_driver.h"
+#include "platform/audio_hardware/audio_driver.h"
 
 #include <memory>
 #include <string>

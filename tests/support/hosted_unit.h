@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/audio_unit_host.h"
-#include "platform/flush_denormals.h"
+#include "platform/base/flush_denormals.h"
+#include "platform/effects/audio_unit_host.h"
 #include "support/allocation_guard.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "support/jack_test_server.h"
 
-#include "platform/file_descriptor.h"
+#include "platform/base/file_descriptor.h"
 #include "support/server_process.h"
 #include "support/wait_for.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/main_thread.h"
-#include "platform/timer_list.h"
+#include "platform/base/main_thread.h"
+#include "platform/base/timer_list.h"
 
 #include <chrono>
 #include <deque>

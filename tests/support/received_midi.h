@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/midi_driver.h"
+#include "platform/midi_services/midi_driver.h"
 #include "support/wait_for.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/audio_hardware.h"
-#include "platform/property_bytes.h"
+#include "platform/audio_hardware/audio_hardware.h"
+#include "platform/audio_hardware/property_bytes.h"
 #include "support/allocation_guard.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/audio_unit_host.h"
+#include "platform/effects/audio_unit_host.h"
 
 #include <algorithm>
 #include <atomic>

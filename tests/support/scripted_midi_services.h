@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/midi_services.h"
+#include "platform/midi_services/midi_services.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/audio_unit_rendering.h"
+#include "platform/base/audio_unit_rendering.h"
 #include "support/no_sound.h"
 
 #include <cstddef>

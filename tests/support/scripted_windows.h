@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/editor_windows.h"
+#include "platform/effects/editor_windows.h"
 
 #include <cstdint>
 #include <memory>

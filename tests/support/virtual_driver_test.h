@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_audio/virtual_devices.h"
+#include "platform/virtual/virtual_audio_driver.h"
+#include "platform/virtual/virtual_devices.h"
 #include "support/build_files.h"
 #include "support/stream_clients.h"
 
@@ -54,8 +54,9 @@ class VirtualDriverTest : public LoggingTest {
         return opened ? platform::noErr : opened.error();
     }
 
-    platform::VirtualAudioDriver driver{
-        platform::builtInDevices(panelRecording(), log), platform::VirtualPacing::stepped, log};
+    platform::virtual_devices::VirtualAudioDriver driver{
+        platform::virtual_devices::builtInDevices(panelRecording(), log),
+        platform::virtual_devices::VirtualPacing::stepped, log};
 };
 
 } // namespace orvane::test

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/virtual_audio/virtual_input.h"
-#include "platform/virtual_audio/virtual_output.h"
+#include "platform/virtual/virtual_input.h"
+#include "platform/virtual/virtual_output.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@ namespace orvane::test {
 inline constexpr double steadyLevel = 0.25;
 
 /// An input whose every channel is a steady square wave.
-struct SteadyInput final : platform::VirtualInput {
+struct SteadyInput final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (const std::span<float>& block : blocks)
             for (std::size_t i = 0; i < block.size(); ++i)
@@ -22,7 +22,7 @@ struct SteadyInput final : platform::VirtualInput {
 };
 
 /// Keeps the first and the last sample that each output played in its last cycle.
-struct KeptOutput final : platform::VirtualOutput {
+struct KeptOutput final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel) {
             played[channel] = blocks[channel].front();

@@ -3,8 +3,8 @@
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_audio/virtual_audio_driver.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "platform/virtual/virtual_audio_driver.h"
+#include "platform/virtual/virtual_midi_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
@@ -24,12 +24,12 @@ namespace orvane::test {
 /// MIDI sources within the program, and one effect for a mono channel.
 struct MixerMachine {
     std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
-        std::vector<platform::VirtualDevice> devices(2);
+        std::vector<platform::virtual_devices::VirtualDevice> devices(2);
         devices[0].description = {"virtual:interface", "Interface", 4, 6, 48000.0};
         devices[0].input = std::make_shared<SteadyInput>();
         devices[1].description = {"virtual:monitor", "Monitor", 0, 2, 44100.0};
-        auto stepped = std::make_unique<platform::VirtualAudioDriver>(
-            std::move(devices), platform::VirtualPacing::stepped, log
+        auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
         );
         std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
         drivers.push_back(std::move(stepped));
@@ -37,7 +37,7 @@ struct MixerMachine {
     }
 
     std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
-        auto made = std::make_unique<platform::VirtualMIDIDriver>();
+        auto made = std::make_unique<platform::virtual_devices::VirtualMIDIDriver>();
         midiDriver = made.get();
         std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
         drivers.push_back(std::move(made));
@@ -62,7 +62,7 @@ struct MixerMachine {
 
     ManualMainThread mainThread;
     platform::SystemLog log{[](const platform::LogLine&) {}};
-    platform::VirtualMIDIDriver* midiDriver = nullptr;
+    platform::virtual_devices::VirtualMIDIDriver* midiDriver = nullptr;
     platform::SystemAudioHardware hardware{makeDrivers()};
     platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
     ScriptedAudioUnitHost audioUnitHost;

@@ -2,7 +2,7 @@
 
 #include "engine/session/mixer_json_document.h"
 #include "engine/session_files.h"
-#include "platform/memory_shortage.h"
+#include "platform/base/memory_shortage.h"
 #include "plugins/insert_components.h"
 #include "support/failing_allocation.h"
 #include "support/temporary_folder.h"

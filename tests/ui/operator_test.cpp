@@ -1,7 +1,7 @@
 // A show, from the first start on, by an operator's hand on a real X server.
 
 #include "machine/audio_machine.h"
-#include "platform/preferences.h"
+#include "platform/files/preferences.h"
 #include "support/jack_midi_peer.h"
 #include "support/jack_test_server.h"
 #include "support/temporary_folder.h"

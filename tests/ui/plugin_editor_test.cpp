@@ -1,6 +1,6 @@
 #include "ui/windows/plugin_editor_windows.h"
 
-#include "platform/lv2_units/lv2_unit_host.h"
+#include "platform/lv2/lv2_unit_host.h"
 #include "support/hosted_unit.h"
 #include "support/wait_for.h"
 #include "ui/controls/menu_picker.h"
@@ -66,7 +66,7 @@ class PluginEditor : public testing::Test {
     }
 
     platform::SystemLog log{[](const platform::LogLine&) {}};
-    platform::Lv2UnitHost host{log};
+    platform::lv2::Lv2UnitHost host{log};
     std::shared_ptr<platform::AUAudioUnit> unit;
     PluginEditorWindows windows;
     std::unique_ptr<platform::NSWindowController> window;

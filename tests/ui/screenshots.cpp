@@ -2,7 +2,7 @@
 // and writes what the screen shows. Usage: orvane_screenshots FOLDER
 
 #include "machine/audio_machine.h"
-#include "platform/preferences.h"
+#include "platform/files/preferences.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/qt_main_thread.h"
 #include "ui/strip/plugin_slot_view.h"

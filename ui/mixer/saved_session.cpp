@@ -1,6 +1,6 @@
 #include "ui/mixer/saved_session.h"
 
-#include "platform/memory_shortage.h"
+#include "platform/base/memory_shortage.h"
 
 #include <algorithm>
 #include <cstddef>

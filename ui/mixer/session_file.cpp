@@ -1,7 +1,7 @@
 #include "ui/mixer/session_file.h"
 
 #include "engine/session_files.h"
-#include "platform/memory_shortage.h"
+#include "platform/base/memory_shortage.h"
 #include "ui/controls/busy_notice.h"
 #include "ui/controls/confirmation.h"
 #include "ui/mixer/channel_area.h"

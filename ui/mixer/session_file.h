@@ -2,8 +2,8 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
-#include "platform/file_stamp.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
+#include "platform/files/file_stamp.h"
 #include "ui/mixer/saved_session.h"
 #include "ui/strip/installed_components.h"
 

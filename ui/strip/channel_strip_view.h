@@ -2,7 +2,7 @@
 
 #include "audio/published.h"
 #include "engine/mixer_engine.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 #include "ui/strip/installed_components.h"
 #include "ui/strip/routing_picker.h"
 

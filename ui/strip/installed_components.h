@@ -1,7 +1,7 @@
 #pragma once
 
 #include "audio/published.h"
-#include "platform/audio_unit_host.h"
+#include "platform/effects/audio_unit_host.h"
 
 #include <QObject>
 

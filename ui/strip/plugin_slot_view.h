@@ -3,7 +3,7 @@
 #include "engine/mixer_engine.h"
 #include "engine/session/au_component_identity.h"
 #include "engine/session/plugin_slot.h"
-#include "platform/uuid.h"
+#include "platform/base/uuid.h"
 #include "plugins/plugin_load_state.h"
 #include "ui/strip/installed_components.h"
 

@@ -2,7 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
-#include "platform/audio_hardware.h"
+#include "platform/audio_hardware/audio_hardware.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/audio_unit_host.h"
-#include "platform/native_editor.h"
+#include "platform/effects/audio_unit_host.h"
+#include "platform/effects/native_editor.h"
 
 #include <QTimer>
 #include <QWidget>

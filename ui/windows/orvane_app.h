@@ -2,8 +2,8 @@
 
 #include "engine/engine_state.h"
 #include "engine/services.h"
-#include "platform/preferences.h"
-#include "platform/result.h"
+#include "platform/base/result.h"
+#include "platform/files/preferences.h"
 #include "ui/mixer/session_file.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"

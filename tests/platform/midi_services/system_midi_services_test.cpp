@@ -1,5 +1,5 @@
 #include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual_midi/virtual_midi_driver.h"
+#include "platform/virtual/virtual_midi_driver.h"
 #include "support/received_midi.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +14,7 @@
 namespace {
 
 using namespace orvane::platform;
+using orvane::platform::virtual_devices::VirtualMIDIDriver;
 using orvane::test::ReceivedMIDI;
 using testing::ElementsAre;
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-namespace orvane::platform {
+namespace orvane::platform::session_manager {
 namespace {
 
 using namespace std::chrono_literals;
@@ -166,4 +166,4 @@ TEST(SessionManagerClient, TellsWhyItHasNoManager) {
 }
 
 } // namespace
-} // namespace orvane::platform
+} // namespace orvane::platform::session_manager

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/midi_services/midi_driver.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::platform::alsa {
+
+/// The MIDI sources of the ALSA sequencer: hardware and other programs' ports. One client, with a port for
+/// each input and one that the system announces changes to; a thread of the driver receives for all of them.
+/// Where the kernel has no sequencer, or we may not use it, there are no sources; every call that needs it
+/// tries anew.
+class AlsaMIDIDriver final : public MIDIDriver {
+  public:
+    /// What others see as the name of its clients.
+    explicit AlsaMIDIDriver(std::string programName = "ORVANE");
+    ~AlsaMIDIDriver() override;
+
+    std::vector<MIDIDriverSource> sources() override;
+    void setSourcesListener(SourcesListener listener) override;
+    std::unique_ptr<MIDIDriverInput> openInput(std::string_view name, Receiver receiver) override;
+    Result<std::unique_ptr<MIDIOwnSource>, OSStatus> createSource(std::string_view name) override;
+
+  private:
+    class Input;
+    struct State;
+
+    std::unique_ptr<State> state;
+};
+
+} // namespace orvane::platform::alsa

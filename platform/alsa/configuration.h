@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/alsa/alsa_library.h"
+#include "platform/alsa/error_number.h"
+#include "platform/base/result.h"
+
+#include <filesystem>
+#include <string>
+
+namespace orvane::platform::alsa {
+
+enum class Direction { playback, capture };
+
+/// Where PCM names are looked up. Owned by the driver; one thread at a time.
+class Configuration final {
+  public:
+    /// The system's and the user's own files; with a path, that file alone, which defines nothing where it
+    /// cannot be read.
+    explicit Configuration(const std::filesystem::path& file);
+
+    /// Opens one direction of the PCM without waiting for it to be free.
+    [[nodiscard]] Result<PcmHandle, ErrorNumber> open(const std::string& pcmName, Direction direction) const;
+
+  private:
+    /// Empty for the system's.
+    ConfigHandle root;
+};
+
+} // namespace orvane::platform::alsa

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/base/result.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orvane::platform {
+
+/// What the program remembers from one launch to the next: values of one line under keys without "=". Made by
+/// the composition root. Main thread.
+class Preferences {
+  public:
+    virtual ~Preferences() = default;
+
+    /// Nothing where none is stored.
+    [[nodiscard]] virtual std::optional<std::string> value(std::string_view key) const = 0;
+    /// Fails where the value could not be kept.
+    virtual Result<Done> setValue(std::string_view key, std::string_view value) = 0;
+
+    /// The whole number under a key; 0 where there is none.
+    [[nodiscard]] std::int64_t integer(std::string_view key) const;
+};
+
+/// Values by key, in the order in which they are written.
+using PreferenceValues = std::map<std::string, std::string, std::less<>>;
+
+/// Preferences that end with the program.
+class InMemoryPreferences final : public Preferences {
+  public:
+    [[nodiscard]] std::optional<std::string> value(std::string_view key) const override;
+    Result<Done> setValue(std::string_view key, std::string_view value) override;
+
+  private:
+    PreferenceValues values;
+};
+
+/// Preferences in a file, a line "key=value" each. Read and written afresh at every call, so that several
+/// programs can share it.
+class FilePreferences final : public Preferences {
+  public:
+    /// The file and its folder need not be there. Without a path nothing is found, and nothing can be kept.
+    explicit FilePreferences(std::optional<std::filesystem::path> path) : file(std::move(path)) {}
+
+    [[nodiscard]] std::optional<std::string> value(std::string_view key) const override;
+    Result<Done> setValue(std::string_view key, std::string_view value) override;
+
+  private:
+    [[nodiscard]] PreferenceValues read() const;
+
+    std::optional<std::filesystem::path> file;
+};
+
+} // namespace orvane::platform

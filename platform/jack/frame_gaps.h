@@ -1,0 +1,36 @@
+#pragma once
+
+#include "dsp/realtime.h"
+
+#include <cstdint>
+
+namespace orvane::platform::jack {
+
+/// Finds the cycles that a client has missed in the times of those that it got. Process thread.
+class FrameGaps final {
+  public:
+    /// How many cycles are not judged after a reset. PipeWire's time jumps while a client joins the graph.
+    static constexpr unsigned cyclesUntilSettled = 16;
+
+    /// Returns whether cycles are missing before the one that begins at `time`, in frames that wrap around,
+    /// and lasts `frameCount`. Not judged either is a cycle of another length than the one before, at which
+    /// PipeWire's time jumps too. Real-time safe.
+    ORVANE_REALTIME bool isBefore(std::uint32_t time, std::uint32_t frameCount) noexcept {
+        const bool isJudged = cyclesLeft == 0 && frameCount == lastFrameCount;
+        const bool isLate = static_cast<std::int32_t>(time - expectedTime) > 0;
+        if (cyclesLeft > 0) --cyclesLeft;
+        expectedTime = time + frameCount;
+        lastFrameCount = frameCount;
+        return isJudged && isLate;
+    }
+
+    /// Forgets the cycles so far. Must not be called while cycles run.
+    void reset() noexcept { cyclesLeft = cyclesUntilSettled; }
+
+  private:
+    unsigned cyclesLeft = cyclesUntilSettled;
+    std::uint32_t expectedTime = 0;
+    std::uint32_t lastFrameCount = 0;
+};
+
+} // namespace orvane::platform::jack

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/effects/audio_unit_host.h"
+#include "platform/lv2/plugin_description.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace orvane::platform::lv2 {
+
+/// The value of one control port, between editors and the render thread. Owned by its unit.
+class Lv2Parameter final : public AUParameter {
+  public:
+    /// `sampleRate`: in Hz, what a range that scales with it is of.
+    Lv2Parameter(const ControlPort& controlPort, double sampleRate);
+
+    [[nodiscard]] const AUParameterInfo& info() const override { return scaled; }
+    [[nodiscard]] float value() const noexcept override { return current.load(std::memory_order_relaxed); }
+    void setValue(float value) noexcept override;
+
+    [[nodiscard]] std::uint32_t port() const noexcept { return described.index; }
+    /// Part of the plugin's state: can be set, and stays.
+    [[nodiscard]] bool isSetting() const { return !described.info.isReadOnly && !described.isTrigger; }
+
+    /// What the plugin shows. Render thread, real-time safe.
+    ORVANE_REALTIME void setOutput(float value) noexcept { current.store(value, std::memory_order_relaxed); }
+
+    /// Scales the range anew where it is one that scales. Main thread.
+    void setSampleRate(double sampleRate);
+
+  private:
+    [[nodiscard]] float nearestAllowed(float value) const noexcept;
+
+    ControlPort described;
+    AUParameterInfo scaled;
+    std::atomic<float> lowest;
+    std::atomic<float> highest;
+    std::atomic<float> current;
+};
+
+} // namespace orvane::platform::lv2

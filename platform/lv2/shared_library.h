@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/base/result.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace orvane::platform::lv2 {
+
+/// A library with code of plugins, which stays in memory to the end of the process: libraries leave threads
+/// and destructors behind that a removed one would take us down with.
+class SharedLibrary final {
+  public:
+    /// The error is the end of a sentence. Any thread; takes its time.
+    static Result<SharedLibrary> open(const std::string& path);
+
+    /// The function that the library exports under a name; null where it has none.
+    template <class Function>
+    [[nodiscard]] Function function(const char* name) const {
+        return reinterpret_cast<Function>(find(name));
+    }
+
+  private:
+    explicit SharedLibrary(void* openedLibrary) : library(openedLibrary) {}
+    [[nodiscard]] void* find(const char* name) const;
+
+    void* library;
+};
+
+/// The descriptor with the URI among those that `at` gives by index; null where it is not there.
+template <class At>
+auto findDescriptor(std::string_view uri, At at) {
+    for (std::uint32_t i = 0;; ++i) {
+        const auto* const descriptor = at(i);
+        if (descriptor == nullptr || descriptor->URI == uri) return descriptor;
+    }
+}
+
+} // namespace orvane::platform::lv2

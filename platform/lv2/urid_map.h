@@ -1,0 +1,52 @@
+#pragma once
+
+#include "dsp/realtime.h"
+#include "platform/base/unfair_lock.h"
+
+#include <lv2/urid/urid.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace orvane::platform::lv2 {
+
+/// The numbers that stand for URIs between us and the plugins of one host. Entries are only ever added, so a
+/// look-up needs no lock. Any thread.
+class UridMap final {
+  public:
+    UridMap() = default;
+    ~UridMap();
+    UridMap(const UridMap&) = delete;
+    UridMap& operator=(const UridMap&) = delete;
+
+    /// The number of a URI, given to it the first time it is asked for; 0 where no number or memory is left.
+    /// Real-time safe for URIs that have one.
+    LV2_URID map(std::string_view uri) noexcept;
+
+    /// The URI that has the number; null where none has. Real-time safe.
+    ORVANE_REALTIME [[nodiscard]] const char* unmap(LV2_URID urid) const noexcept;
+
+  private:
+    struct Entry {
+        std::string uri;
+        LV2_URID urid = 0;
+        Entry* next = nullptr;
+    };
+    using Bucket = std::atomic<Entry*>;
+
+    static Entry* find(const Bucket& bucket, std::string_view uri) noexcept;
+
+    static constexpr std::size_t capacity = 16384;
+
+    std::array<Bucket, 1024> buckets{};
+    /// By number, from 1.
+    std::array<std::atomic<Entry*>, capacity + 1> entries{};
+    UnfairLock adding;
+    LV2_URID last = 0;
+};
+
+} // namespace orvane::platform::lv2

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/base/result.h"
+#include "platform/files/sound_file_reader.h"
+
+#include <cstddef>
+#include <filesystem>
+
+namespace orvane::platform::virtual_devices {
+
+/// Opens a sound file that is to have `channelCount` channels; fails where it is none or has another number.
+/// Control threads.
+Result<SoundFileReader> openRecording(const std::filesystem::path& path, std::size_t channelCount);
+
+} // namespace orvane::platform::virtual_devices

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/lv2/lv2_unit_host.h"
+#include "support/hosted_unit.h"
+#include "support/scripted_plugin.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::test {
+
+/// A host of the scripted plugin, whose restore needs a pause as "plain" and none as "safe".
+class ScriptedHostTest : public testing::Test {
+  protected:
+    ScriptedHostTest() {
+        bundles.add(
+            "scripted.lv2",
+            scripted("plain") + scripted("safe", "lv2:optionalFeature state:threadSafeRestore ;")
+        );
+    }
+
+    std::shared_ptr<platform::AUAudioUnit> make(const char* name) { return instantiate(*host, name).unit; }
+
+    Lv2Bundles bundles;
+    std::vector<std::string> lines;
+    platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
+    std::unique_ptr<platform::lv2::Lv2UnitHost> host =
+        std::make_unique<platform::lv2::Lv2UnitHost>(log, bundles.searchPath());
+    const std::vector<float> ones = std::vector<float>(64, 1.0F);
+};
+
+} // namespace orvane::test

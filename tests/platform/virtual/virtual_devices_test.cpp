@@ -1,0 +1,114 @@
+#include "platform/virtual/virtual_devices.h"
+
+#include "platform/files/sound_file_reader.h"
+#include "platform/files/sound_file_writer.h"
+#include "platform/virtual/output_recorder.h"
+#include "platform/virtual/planar_blocks.h"
+#include "platform/virtual/streamed_loop.h"
+#include "support/no_threads.h"
+#include "support/stream_clients.h"
+#include "support/temporary_folder.h"
+#include "support/virtual_driver_test.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+using namespace orvane::platform;
+using namespace orvane::platform::virtual_devices;
+using namespace orvane::test;
+using testing::ElementsAre;
+
+using VirtualDevicesTest = VirtualDriverTest;
+
+TEST_F(VirtualDevicesTest, ThePanelLoopsItsRecordingSampleForSample) {
+    auto reader = SoundFileReader::open(panelRecording());
+    const auto length = static_cast<std::size_t>(reader.value().frameCount());
+    PlanarBlocks recording(8, length);
+    ASSERT_TRUE(reader.value().read(recording.writable(length)));
+
+    KeepingClient client;
+    ASSERT_EQ(driver.requestBufferSize(panel, 4000), noErr);
+    const auto stream = startOn(panel, client);
+    const std::size_t cycles = length / 4000 + 3;
+    ASSERT_EQ(driver.clock().step(panel, cycles), cycles);
+    const auto original = recording.readable(length);
+    ASSERT_EQ(client.heard.size(), 8U);
+    for (std::size_t channel = 0; channel < 8; ++channel)
+        for (std::size_t frame = 0; frame < cycles * 4000; ++frame)
+            ASSERT_EQ(client.heard[channel][frame], original[channel][frame % length])
+                << "channel " << channel << ", frame " << frame;
+}
+
+TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded) {
+    for (const std::size_t channelCount : {1U, 5U}) {
+        const TemporaryFolder folder;
+        const std::string name = std::to_string(channelCount) + " microphones.wav";
+        auto writer = SoundFileWriter::create(folder / name, channelCount, 44100.0);
+        PlanarBlocks samples(channelCount, 1000);
+        samples.writable(1000)[0][999] = 0.5F;
+        ASSERT_TRUE(writer.value().write(samples.readable(1000)));
+        ASSERT_TRUE(writer.value().commit());
+
+        auto device = fileDevice(folder / name, log).value();
+        const std::size_t outputs = channelCount == 1 ? 2 : 5;
+        const std::string uid = "virtual:file:" + name;
+        EXPECT_EQ(
+            device.description, (AudioDriverDevice{uid, "Virtual: " + name, channelCount, outputs, 44100.0})
+        );
+        device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", outputs, 44100.0);
+        VirtualAudioDriver files({device}, VirtualPacing::stepped, log);
+        KeepingClient client;
+        auto stream = std::move(files.open(uid, true, client)).value();
+        ASSERT_EQ(stream->start(), noErr);
+        files.clock().step(uid, 4);
+        stream->stop();
+        EXPECT_EQ(client.heard[0][1999], 0.5F);
+        auto recorded = SoundFileReader::open(folder / "mix.wav");
+        ASSERT_TRUE(recorded);
+        ASSERT_EQ(recorded.value().frameCount(), 2048);
+        PlanarBlocks mix(outputs, 2048);
+        ASSERT_TRUE(recorded.value().read(mix.writable(2048)));
+        for (std::size_t channel = 0; channel < outputs; ++channel)
+            EXPECT_TRUE(std::ranges::equal(mix.readable(2048)[channel], client.played[channel])) << channel;
+    }
+    EXPECT_FALSE(fileDevice("/nowhere/missing.wav", log));
+}
+
+TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
+    VirtualAudioDriver bare(builtInDevices("/nowhere/panel.flac", log), VirtualPacing::stepped, log);
+    CountingClient client;
+    const auto stream = std::move(bare.open(panel, true, client)).value();
+    EXPECT_EQ(stream->start(), kAudioHardwareUnspecifiedError);
+    EXPECT_EQ(bare.clock().step(panel, 1), 0U);
+    EXPECT_THAT(logged(), ElementsAre(testing::HasSubstr("/nowhere/panel.flac")));
+}
+
+TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
+    const TemporaryFolder folder;
+    for (const bool records : {false, true}) {
+        VirtualDevice device = fileDevice(panelRecording(), log).value();
+        device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording(), 8, log);
+        if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0);
+        VirtualAudioDriver live({device}, VirtualPacing::live, log);
+        CountingClient client;
+        const auto stream = std::move(live.open(device.description.uid, true, client)).value();
+        {
+            const NoThreads none;
+            EXPECT_EQ(stream->start(), kAudioHardwareUnspecifiedError) << records;
+        }
+        EXPECT_EQ(stream->start(), noErr) << records;
+        stream->stop();
+    }
+    EXPECT_THAT(folder.names(), testing::ElementsAre("mix.wav"));
+    EXPECT_THAT(logged(), testing::Contains(testing::HasSubstr("no threads left")).Times(2));
+}
+
+} // namespace
