@@ -4,7 +4,7 @@
 #include "platform/alsa/alsa_stream.h"
 #include "platform/alsa/configuration.h"
 #include "platform/alsa/device_list.h"
-#include "platform/alsa/device_watches.h"
+#include "platform/audio_hardware/device_watches.h"
 
 #include <functional>
 #include <map>
@@ -63,7 +63,7 @@ struct AlsaAudioDriver::State {
 
     void setBufferSize(const std::string& pcmName, std::uint32_t frameCount) {
         if (std::exchange(bufferSizes[pcmName], frameCount) == frameCount) return;
-        watches.announce(std::string(uidPrefix) + pcmName, AudioDeviceChange::bufferSize);
+        notifier.announce(std::string(uidPrefix) + pcmName, AudioDeviceChange::bufferSize);
     }
 
     /// Held over everything that asks a device, which answers only one at a time.
@@ -74,7 +74,7 @@ struct AlsaAudioDriver::State {
     std::map<std::string, std::uint32_t> bufferSizes;
     /// Each is held by the stream that has the device.
     std::map<std::string, std::weak_ptr<const void>> leases;
-    DeviceWatches watches;
+    DeviceNotifier notifier;
     CardReservations* reservations;
     PriorityLender* lender;
 };
@@ -131,10 +131,10 @@ AlsaAudioDriver::open(std::string_view uid, bool enableInput, AudioStreamClient&
     const auto pcmName = pcmNameOf(uid);
     if (!pcmName) return kAudioHardwareBadDeviceError;
     const std::scoped_lock lock(state->mutex);
-    const auto tellLoss = [&watches = state->watches, uid = std::string(uid)] {
-        watches.announce(uid, AudioDeviceChange::died);
+    const auto reportLoss = [&notifier = state->notifier, uid = std::string(uid)] {
+        notifier.announce(uid, AudioDeviceChange::died);
     };
-    auto reservation = state->reserve(*pcmName, tellLoss);
+    auto reservation = state->reserve(*pcmName, reportLoss);
     if (!reservation) return statusOf(reservation.error());
     const auto size = state->bufferSize(*pcmName);
     if (!size) return statusOf(size.error());
@@ -145,12 +145,12 @@ AlsaAudioDriver::open(std::string_view uid, bool enableInput, AudioStreamClient&
     const auto lease = std::make_shared<const CardReservations::Lease>(std::move(reservation).value());
     state->leases[*pcmName] = lease;
     return std::unique_ptr<AudioStream>(
-        std::make_unique<AlsaStream>(std::move(device).value(), client, tellLoss, lease, state->lender)
+        std::make_unique<AlsaStream>(std::move(device).value(), client, reportLoss, lease, state->lender)
     );
 }
 
 std::unique_ptr<AudioDeviceWatch> AlsaAudioDriver::watch(std::string_view uid, Listener listener) {
-    return state->watches.add(uid, std::move(listener));
+    return state->notifier.watch(uid, std::move(listener));
 }
 
 } // namespace orvane::platform::alsa

@@ -23,7 +23,7 @@ JackAudioDriver::~JackAudioDriver() = default;
 std::vector<AudioDriverDevice> JackAudioDriver::devices() {
     const std::optional<JackServerState> server = state->server.state();
     if (!server) return {};
-    state->watches.welcomeBack(*server);
+    state->watches.rearm(*server);
     std::vector<AudioDriverDevice> listed;
     for (const JackDevice& device : server->devices)
         listed.push_back(

@@ -1,13 +1,13 @@
 #include "platform/jack/jack_watches.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace orvane::platform::jack {
 
@@ -29,33 +29,6 @@ std::size_t countOf(const std::vector<std::string>& ports, const std::set<std::s
 
 } // namespace
 
-struct JackWatches::Entry {
-    std::string uid;
-    std::mutex callMutex;
-    AudioDriver::Listener listener;
-    std::atomic<bool> isDeviceAlive = true;
-    std::atomic<bool> hasAllChannels = true;
-    /// The ports that the stream on it is connected to, once there is one.
-    std::optional<JackDevice> connected;
-
-    void tell(AudioDeviceChange change) {
-        const std::scoped_lock lock(callMutex);
-        if (listener) listener(change);
-    }
-};
-
-class JackWatches::Watch final : public AudioDeviceWatch {
-  public:
-    explicit Watch(std::shared_ptr<Entry> watched) : entry(std::move(watched)) {}
-    ~Watch() override {
-        const std::scoped_lock lock(entry->callMutex);
-        entry->listener = nullptr;
-    }
-
-  private:
-    std::shared_ptr<Entry> entry;
-};
-
 JackWatches::JackWatches(JackEvents& serverEvents, JackServer& jackServer)
     : events(serverEvents), server(jackServer), thread([this] { run(); }) {}
 
@@ -65,33 +38,29 @@ JackWatches::~JackWatches() {
 }
 
 std::unique_ptr<AudioDeviceWatch> JackWatches::add(std::string_view uid, AudioDriver::Listener listener) {
-    auto entry = std::make_shared<Entry>();
-    entry->uid = uid;
-    entry->listener = std::move(listener);
+    std::unique_ptr<AudioDeviceWatch> watch;
     {
         const std::scoped_lock lock(mutex);
-        std::erase_if(entries, [](const auto& other) { return other.expired(); });
-        entries.push_back(entry);
+        if (!watches.contains(uid)) devices.insert_or_assign(std::string(uid), WatchedDevice{});
+        devices.find(uid)->second.isAlive = true;
+        watch = watches.add(uid, std::move(listener));
     }
     events.post(JackEvent::portsRemoved);
-    return std::make_unique<Watch>(std::move(entry));
+    return watch;
 }
 
 void JackWatches::watchPorts(const JackDevice& connected) {
-    for (const auto& entry : livingEntries()) {
-        if (entry->uid != connected.uid) continue;
-        entry->hasAllChannels.store(true);
-        const std::scoped_lock lock(mutex);
-        entry->connected = connected;
-    }
+    const std::scoped_lock lock(mutex);
+    const auto device = devices.find(connected.uid);
+    if (device == devices.end()) return;
+    device->second.hasAllChannels = true;
+    device->second.connected = connected;
 }
 
-void JackWatches::welcomeBack(const JackServerState& state) {
-    for (const auto& entry : livingEntries()) {
-        if (state.find(entry->uid) == nullptr || entry->isDeviceAlive.exchange(true)) continue;
-        const std::scoped_lock lock(mutex);
-        entry->connected.reset();
-    }
+void JackWatches::rearm(const JackServerState& state) {
+    const std::scoped_lock lock(mutex);
+    for (auto& [uid, device] : devices)
+        if (!device.isAlive && state.find(uid) != nullptr) device = WatchedDevice{};
 }
 
 void JackWatches::run() {
@@ -99,38 +68,50 @@ void JackWatches::run() {
         const std::uint32_t taken = events.take();
         if (contains(taken, JackEvent::finished)) return;
         const bool isServerGone = contains(taken, JackEvent::serverGone);
-        // Whoever is told is not to find its devices still there.
+        // Listeners must not find its devices still there.
         if (isServerGone) server.awaitEnd();
-        if (isServerGone || contains(taken, JackEvent::portsRemoved)) tellLosses(isServerGone);
-        if (contains(taken, JackEvent::bufferSizeChanged)) tellAll(AudioDeviceChange::bufferSize);
-        if (contains(taken, JackEvent::sampleRateChanged)) tellAll(AudioDeviceChange::sampleRate);
+        if (isServerGone || contains(taken, JackEvent::portsRemoved)) notifyLosses(isServerGone);
+        if (contains(taken, JackEvent::bufferSizeChanged)) notifyAll(AudioDeviceChange::bufferSize);
+        if (contains(taken, JackEvent::sampleRateChanged)) notifyAll(AudioDeviceChange::sampleRate);
     }
 }
 
-void JackWatches::tellAll(AudioDeviceChange change) {
-    for (const auto& entry : livingEntries())
-        if (entry->isDeviceAlive.load()) entry->tell(change);
+void JackWatches::notifyAll(AudioDeviceChange change) {
+    std::vector<std::string> living;
+    {
+        const std::scoped_lock lock(mutex);
+        for (const auto& [uid, device] : devices)
+            if (device.isAlive) living.push_back(uid);
+    }
+    for (const std::string& uid : living)
+        watches.notify(uid, change);
 }
 
-void JackWatches::tellLosses(bool isServerGone) {
+void JackWatches::notifyLosses(bool isServerGone) {
     const std::optional<JackServerState> state = isServerGone ? std::nullopt : server.knownState();
-    for (const auto& entry : livingEntries()) {
-        const auto loss = state ? lossOf(*entry, *state) : AudioDeviceChange::died;
-        if (!loss || !entry->isDeviceAlive.load()) continue;
-        std::atomic<bool>& isIntact =
-            loss == AudioDeviceChange::died ? entry->isDeviceAlive : entry->hasAllChannels;
-        if (isIntact.exchange(false)) entry->tell(*loss);
+    std::vector<std::pair<std::string, AudioDeviceChange>> losses;
+    {
+        const std::scoped_lock lock(mutex);
+        for (auto& [uid, device] : devices) {
+            const auto loss = state ? lossOf(uid, device, *state) : AudioDeviceChange::died;
+            if (!loss || !device.isAlive) continue;
+            bool& isIntact = loss == AudioDeviceChange::died ? device.isAlive : device.hasAllChannels;
+            if (std::exchange(isIntact, false)) losses.emplace_back(uid, *loss);
+        }
     }
+    for (const auto& [uid, loss] : losses)
+        watches.notify(uid, loss);
 }
 
-std::optional<AudioDeviceChange> JackWatches::lossOf(const Entry& entry, const JackServerState& state) {
-    const std::scoped_lock lock(mutex);
-    if (!entry.connected) {
-        if (state.find(entry.uid) != nullptr) return std::nullopt;
+std::optional<AudioDeviceChange>
+JackWatches::lossOf(std::string_view uid, const WatchedDevice& device, const JackServerState& state) {
+    if (!device.connected) {
+        if (state.find(uid) != nullptr) return std::nullopt;
         return AudioDeviceChange::died;
     }
     const std::set<std::string> present = portsOf(state);
-    const auto& [uid, name, inputs, outputs] = *entry.connected;
+    const std::vector<std::string>& inputs = device.connected->inputPorts;
+    const std::vector<std::string>& outputs = device.connected->outputPorts;
     const std::size_t presentInputs = countOf(inputs, present);
     const std::size_t presentOutputs = countOf(outputs, present);
     if (presentInputs == inputs.size() && presentOutputs == outputs.size()) return std::nullopt;
@@ -138,14 +119,6 @@ std::optional<AudioDeviceChange> JackWatches::lossOf(const Entry& entry, const J
     const bool hasLostSide =
         (presentInputs == 0 && !inputs.empty()) || (presentOutputs == 0 && !outputs.empty());
     return hasLostSide ? AudioDeviceChange::died : AudioDeviceChange::lostChannels;
-}
-
-std::vector<std::shared_ptr<JackWatches::Entry>> JackWatches::livingEntries() {
-    const std::scoped_lock lock(mutex);
-    std::vector<std::shared_ptr<Entry>> living;
-    for (const auto& entry : entries)
-        if (auto held = entry.lock()) living.push_back(std::move(held));
-    return living;
 }
 
 } // namespace orvane::platform::jack

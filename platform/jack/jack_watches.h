@@ -1,19 +1,22 @@
 #pragma once
 
 #include "platform/audio_hardware/audio_driver.h"
+#include "platform/audio_hardware/device_watches.h"
 #include "platform/jack/jack_events.h"
 #include "platform/jack/jack_server.h"
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 namespace orvane::platform::jack {
 
-/// The watches of a driver and the thread that tells them what the server's events mean for their devices.
+/// The watches of the driver, and the thread that works out what the server's events mean for their devices.
 class JackWatches final {
   public:
     JackWatches(JackEvents& serverEvents, JackServer& jackServer);
@@ -21,30 +24,35 @@ class JackWatches final {
     JackWatches(const JackWatches&) = delete;
     JackWatches& operator=(const JackWatches&) = delete;
 
-    /// Any thread. A device that is not there is told to have died.
+    /// Any thread. The death of a device that is not there is reported.
     std::unique_ptr<AudioDeviceWatch> add(std::string_view uid, AudioDriver::Listener listener);
 
-    /// Has those who watch the device hear of its ports from now on: a stream is to be connected to them.
-    /// What else there may be of the device does not count any more. Any thread.
+    /// Reports the loss of these ports from now on, and of no other ports of the device: a stream is about to
+    /// be connected to them. Any thread.
     void watchPorts(const JackDevice& connected);
 
-    /// Lets devices that died and are there again change and die again. Any thread.
-    void welcomeBack(const JackServerState& state);
+    /// Reports changes of devices that had died and are there again. Any thread.
+    void rearm(const JackServerState& state);
 
   private:
-    class Watch;
-    struct Entry;
+    struct WatchedDevice {
+        bool isAlive = true;
+        bool hasAllChannels = true;
+        /// The ports that the stream on it is connected to, once there is one.
+        std::optional<JackDevice> connected = {};
+    };
 
     void run();
-    void tellAll(AudioDeviceChange change);
-    void tellLosses(bool isServerGone);
-    std::optional<AudioDeviceChange> lossOf(const Entry& entry, const JackServerState& state);
-    std::vector<std::shared_ptr<Entry>> livingEntries();
+    void notifyAll(AudioDeviceChange change);
+    void notifyLosses(bool isServerGone);
+    static std::optional<AudioDeviceChange>
+    lossOf(std::string_view uid, const WatchedDevice& device, const JackServerState& state);
 
     JackEvents& events;
     JackServer& server;
+    DeviceWatches watches;
     std::mutex mutex;
-    std::vector<std::weak_ptr<Entry>> entries;
+    std::map<std::string, WatchedDevice, std::less<>> devices;
     std::thread thread;
 };
 

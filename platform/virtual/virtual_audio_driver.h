@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/audio_hardware/audio_driver.h"
+#include "platform/audio_hardware/device_watches.h"
 #include "platform/base/system_log.h"
-#include "platform/virtual/change_notifier.h"
 #include "platform/virtual/virtual_clock.h"
 #include "platform/virtual/virtual_device.h"
 #include "platform/virtual/virtual_device_control.h"
@@ -46,7 +46,7 @@ class VirtualAudioDriver final : public AudioDriver {
     VirtualPacing pacing;
     SystemLog& log;
     std::vector<std::unique_ptr<VirtualDeviceState>> states;
-    ChangeNotifier notifier;
+    DeviceNotifier notifier;
     VirtualClock stepper;
 };
 

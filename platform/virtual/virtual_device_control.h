@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/virtual/change_notifier.h"
+#include "platform/audio_hardware/device_watches.h"
 #include "platform/virtual/virtual_device_state.h"
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace orvane::platform::virtual_devices {
 /// outlives it. Main thread.
 class VirtualDeviceControl final {
   public:
-    VirtualDeviceControl(VirtualDeviceState& controlledDevice, ChangeNotifier& deviceNotifier) noexcept
+    VirtualDeviceControl(VirtualDeviceState& controlledDevice, DeviceNotifier& deviceNotifier) noexcept
         : device(controlledDevice), notifier(deviceNotifier) {}
 
     /// Unplugs it: it is no longer listed, its stream's cycles end for good, watches are told.
@@ -35,7 +35,7 @@ class VirtualDeviceControl final {
 
   private:
     VirtualDeviceState& device;
-    ChangeNotifier& notifier;
+    DeviceNotifier& notifier;
 };
 
 } // namespace orvane::platform::virtual_devices
