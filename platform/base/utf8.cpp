@@ -27,4 +27,19 @@ std::optional<std::u32string> decodeUTF8(std::string_view text) {
     return characters;
 }
 
+void appendUTF8(std::string& text, char32_t character) {
+    constexpr char32_t firstOfTwoBytes = 0x80;
+    constexpr char32_t firstOfThreeBytes = 0x800;
+    constexpr char32_t firstOfFourBytes = 0x10000;
+    if (character < firstOfTwoBytes) {
+        text += static_cast<char>(character);
+        return;
+    }
+    const unsigned following = character < firstOfThreeBytes ? 1 : character < firstOfFourBytes ? 2 : 3;
+    const unsigned lead = 0xFF00U >> (following + 1) & 0xFFU;
+    text += static_cast<char>(lead | character >> 6U * following);
+    for (unsigned left = following; left-- > 0;)
+        text += static_cast<char>(0x80U | (character >> 6U * left & 0x3FU));
+}
+
 } // namespace orvane::platform

@@ -2,6 +2,7 @@
 
 #include "platform/base/result.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <span>
@@ -22,12 +23,22 @@ struct PropertyList {
     bool operator==(const PropertyList&) const = default;
 };
 
-/// The dictionary as a binary property list, the same bytes for equal dictionaries. Fails where it is nested
-/// too deeply to be read back. Any thread.
+/// The largest binary property list, in bytes, and the most bytes of text and data that it may unfold to.
+inline constexpr std::size_t maximumPropertyListSize = 32U << 20U;
+
+/// The most values of a property list, keys included, each counted wherever it is referred to.
+inline constexpr std::size_t maximumPropertyListValues = 1U << 18U;
+
+/// How deeply dictionaries and arrays may be nested.
+inline constexpr std::size_t maximumPropertyListDepth = 64;
+
+/// Returns the dictionary as a binary property list, the same bytes for equal dictionaries. Fails if it could
+/// not be read back. Any thread.
 Result<PropertyList::Data> dataWithPropertyList(const PropertyList::Dictionary& dictionary);
 
-/// The dictionary that a binary property list holds at its top. Fails on anything else, and on whatever is
-/// damaged, refers to itself, is nested too deeply or is larger than any plugin's state. Any thread.
+/// Reads the dictionary at the top of a binary property list from an untrusted file. Fails if there is none,
+/// and if the list is damaged, refers to itself, holds a kind of value that `PropertyList` lacks, or exceeds
+/// the limits above. Any thread.
 Result<PropertyList::Dictionary> propertyListWithData(std::span<const std::uint8_t> data);
 
 } // namespace orvane::platform

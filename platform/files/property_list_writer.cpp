@@ -1,5 +1,4 @@
 #include "platform/base/utf8.h"
-#include "platform/files/binary_property_list_check.h"
 #include "platform/files/property_list.h"
 
 #include <algorithm>
@@ -16,9 +15,6 @@ namespace {
 using Data = PropertyList::Data;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
-
-// The library that reads property lists writes repeated data once or more often as memory happens to lie;
-// equal dictionaries are to give equal bytes.
 
 /// One object of the file: a value, or a key of a dictionary.
 using Object = std::variant<
@@ -99,7 +95,7 @@ class Writer final {
     }
 
     void writeObject(const std::string* text) {
-        // Readers in C take a zero for the end of a text.
+        // Plugins in C take a zero for the end of a text.
         const auto characters = decodeUTF8(*text);
         if (!characters || text->find('\0') != std::string::npos) {
             hasBadText = true;
@@ -185,8 +181,7 @@ Result<Data> dataWithPropertyList(const Dictionary& dictionary) {
     auto data = Writer().write(dictionary);
     if (!data) return Error{"The property list has a text that is not UTF-8 or holds a zero byte."};
     // What is written can be read back.
-    const auto checked = checkBinaryPropertyList(*data);
-    if (!checked) return checked.error();
+    if (const auto read = propertyListWithData(*data); !read) return read.error();
     return *std::move(data);
 }
 

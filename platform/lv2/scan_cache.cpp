@@ -1,7 +1,7 @@
 #include "platform/lv2/scan_cache.h"
 
 #include "platform/files/atomic_file.h"
-#include "platform/files/binary_property_list_check.h"
+#include "platform/files/property_list.h"
 #include "platform/files/read_file.h"
 #include "platform/lv2/dictionary_value.h"
 
