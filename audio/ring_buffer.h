@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dsp/realtime.h"
+#include "platform/base/ring_indices.h"
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -30,17 +30,8 @@ class RingBuffer final {
     ORVANE_REALTIME std::size_t read(std::span<float> samples) noexcept;
 
   private:
-    [[nodiscard]] std::size_t advanced(std::size_t index, std::size_t steps) const noexcept {
-        const std::size_t next = index + steps;
-        return next < capacity() ? next : next - capacity();
-    }
-
     std::vector<float> buffer;
-    /// The producer's, like the total it has stored; the others are the consumer's.
-    std::size_t writeIndex = 0;
-    std::atomic<std::size_t> stored = 0;
-    std::size_t readIndex = 0;
-    std::atomic<std::size_t> taken = 0;
+    platform::RingIndices indices;
 };
 
 } // namespace orvane::audio

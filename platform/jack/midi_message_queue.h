@@ -1,13 +1,14 @@
 #pragma once
 
 #include "dsp/realtime.h"
+#include "platform/base/ring_indices.h"
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <tuple>
 
 namespace orvane::platform::jack {
 
@@ -24,28 +25,24 @@ class MIDIMessageQueue final {
 
     /// Appends the message, or nothing where it does not fit; whether it did.
     ORVANE_REALTIME bool push(std::span<const std::uint8_t> message) noexcept {
-        const std::size_t tail = pushed.load(std::memory_order_relaxed);
-        const std::size_t room = capacity - (tail - popped.load(std::memory_order_acquire));
         const std::size_t needed = (message.size() + longestPiece - 1) / longestPiece;
-        if (needed > room) return false;
+        if (needed > indices.writable()) return false;
         for (std::size_t i = 0; i < needed; ++i) {
             const auto part = message.subspan(i * longestPiece)
                                   .first(std::min(longestPiece, message.size() - i * longestPiece));
-            Piece& piece = pieces[(tail + i) % capacity];
+            Piece& piece = pieces[indices.writePart(1, i).start];
             piece.length = static_cast<std::uint8_t>(part.size());
             std::ranges::copy(part, piece.bytes.begin());
         }
-        pushed.store(tail + needed, std::memory_order_release);
+        indices.commitWrite(needed);
         return true;
     }
 
     /// Moves the oldest pieces into the start of `taken` and returns how many those were.
     ORVANE_REALTIME std::size_t pop(std::span<Piece> taken) noexcept {
-        const std::size_t head = popped.load(std::memory_order_relaxed);
-        const std::size_t count = std::min(pushed.load(std::memory_order_acquire) - head, taken.size());
-        for (std::size_t i = 0; i < count; ++i)
-            taken[i] = pieces[(head + i) % capacity];
-        popped.store(head + count, std::memory_order_release);
+        const std::size_t count = std::min(indices.readable(), taken.size());
+        copyFromRing(pieces.data(), indices.readPart(count), taken.data());
+        indices.commitRead(count);
         return count;
     }
 
@@ -54,8 +51,7 @@ class MIDIMessageQueue final {
     static constexpr std::size_t longestPiece = std::tuple_size_v<decltype(Piece::bytes)>;
 
     std::array<Piece, capacity> pieces{};
-    std::atomic<std::size_t> pushed = 0;
-    std::atomic<std::size_t> popped = 0;
+    RingIndices indices{capacity};
 };
 
 } // namespace orvane::platform::jack

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dsp/realtime.h"
+#include "platform/base/ring_indices.h"
 
-#include <atomic>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -17,7 +17,7 @@ class FrameQueue final {
     FrameQueue(std::size_t channelCount, std::size_t mostFrames);
 
     /// How many frames can be pushed now; only the consumer makes it more. Producer, real-time safe.
-    ORVANE_REALTIME [[nodiscard]] std::size_t freeFrames() const noexcept;
+    ORVANE_REALTIME [[nodiscard]] std::size_t freeFrames() const noexcept { return indices.writable(); }
 
     /// Appends as many frames as fit, from the start of `blocks` (channelCount x any number of frames), and
     /// returns how many those were. Producer, real-time safe.
@@ -29,10 +29,8 @@ class FrameQueue final {
     ORVANE_REALTIME std::size_t pop(std::span<const std::span<float>> blocks) noexcept;
 
   private:
-    std::size_t capacity;
     std::vector<std::vector<float>> samples;
-    std::atomic<std::size_t> pushed = 0;
-    std::atomic<std::size_t> popped = 0;
+    RingIndices indices;
 };
 
 } // namespace orvane::platform::virtual_devices
