@@ -1,39 +1,44 @@
 #pragma once
 
 #include "platform/base/system_log.h"
+#include "platform/files/sound_file_reader.h"
+#include "platform/virtual/frame_queue.h"
+#include "platform/virtual/periodic_task.h"
+#include "platform/virtual/planar_blocks.h"
 #include "platform/virtual/virtual_input.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
-#include <memory>
+#include <optional>
 
 namespace orvane::platform::virtual_devices {
 
-/// A sound file played over and over without a seam. The file is first opened when a stream starts. A small
-/// one is then kept decoded in memory, a large one is read ahead of the stream each time.
+/// Plays a sound file over and over without a seam, read some seconds ahead: live on a thread of its own,
+/// stepped as the steps need it. Frames that are not read in time are silent; if the file cannot be read on,
+/// all later ones are. The log reports both.
 class LoopedFile final : public VirtualInput {
   public:
-    static constexpr std::size_t smallFileBytes = std::size_t{64} << 20;
-
     /// `channelCount`: how many channels the file has; one with another number does not start.
-    /// `mostBytesInMemory`: up to which decoded size it counts as small.
-    LoopedFile(
-        std::filesystem::path file, std::size_t channelCount, SystemLog& systemLog,
-        std::size_t mostBytesInMemory = smallFileBytes
-    );
+    LoopedFile(std::filesystem::path file, std::size_t channelCount, SystemLog& systemLog);
 
     Result<Done> start(VirtualPacing pacing) override;
     ORVANE_REALTIME void fill(std::span<const std::span<float>> blocks) noexcept override;
     void stop() override;
 
   private:
-    [[nodiscard]] Result<std::unique_ptr<VirtualInput>> openLoop() const;
+    void readAhead();
+    Result<Done> readOn();
 
     std::filesystem::path path;
-    std::size_t channels;
     SystemLog& log;
-    std::size_t mostBytes;
-    std::unique_ptr<VirtualInput> loop;
+    PlanarBlocks chunk;
+    std::optional<SoundFileReader> reader;
+    std::optional<FrameQueue> queue;
+    VirtualPacing pacedBy = VirtualPacing::live;
+    bool hasFailed = false;
+    std::uint64_t missedFrames = 0;
+    std::optional<PeriodicTask> readerThread;
 };
 
 } // namespace orvane::platform::virtual_devices

@@ -2,9 +2,9 @@
 
 #include "platform/files/sound_file_reader.h"
 #include "platform/files/sound_file_writer.h"
+#include "platform/virtual/looped_file.h"
 #include "platform/virtual/output_recorder.h"
 #include "platform/virtual/planar_blocks.h"
-#include "platform/virtual/streamed_loop.h"
 #include "support/no_threads.h"
 #include "support/stream_clients.h"
 #include "support/temporary_folder.h"
@@ -95,7 +95,7 @@ TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
     const TemporaryFolder folder;
     for (const bool records : {false, true}) {
         VirtualDevice device = fileDevice(panelRecording(), log).value();
-        device.input = records ? nullptr : std::make_shared<StreamedLoop>(panelRecording(), 8, log);
+        device.input = records ? nullptr : std::make_shared<LoopedFile>(panelRecording(), 8, log);
         if (records) device.output = std::make_shared<OutputRecorder>(folder / "mix.wav", 8, 48000.0);
         VirtualAudioDriver live({device}, VirtualPacing::live, log);
         CountingClient client;
