@@ -159,7 +159,7 @@ void AutomixProcessor::arrange(
             outputLevels[i] = 0.0;
             continue;
         }
-        // A shelf's state moves on even where its level is not wanted.
+        // A shelf filter's state advances even if its level is not needed.
         if (settings.genderMode != GenderTriggerMode::neutral || competes(settings))
             detected[static_cast<std::size_t>(settings.genderMode)].add(i, blocks[i].data());
         Lanes& group = settings.excludedFromMasterBus ? lanesOffBus : lanesOnBus;

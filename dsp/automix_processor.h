@@ -16,16 +16,16 @@
 
 namespace orvane::dsp {
 
-/// The automix: weighs the activity of K channels once per block, decides their gains, applies gain, trim,
-/// mute, bypass and group gain to each, sums the master bus and levels it. With N strips K is N + 1: the last
-/// channel is the reference noise, which competes but is never summed.
+/// The automix. Measures the activity of K channels once per block, decides their gains, applies gain, trim,
+/// mute, bypass and group gain to each channel, sums the master bus and levels it. With N strips, K is N + 1:
+/// the last channel is the reference noise, which competes for gain but is never summed.
 ///
-/// Settings, group gains, target and release are written by the control thread at any time and taken over at
-/// the start of the next block, all that one call sets or nothing of it; a block may begin between two calls.
-/// Everything else is the render thread's.
+/// The control thread may set settings, group gains, target and release at any time. They take effect at the
+/// start of the next block. All that one call sets takes effect together, but a block may begin between two
+/// calls. All other state belongs to the render thread.
 class AutomixProcessor final {
   public:
-    /// `channelCount` K at least 1; `sampleRate` in Hz; `controlRate`: blocks per second.
+    /// `channelCount` is K, at least 1; `sampleRate` in Hz; `controlRate` in blocks per second.
     AutomixProcessor(
         std::size_t channelCount, double sampleRate, double controlRate, double masterTargetDB,
         const LaneKernels& loops = fastestLaneKernels()
@@ -46,7 +46,7 @@ class AutomixProcessor final {
     [[nodiscard]] double backingGroupGainDB() const noexcept { return edited.backingGroupGainDB; }
     void setBackingGroupGainDB(double gainDB);
 
-    /// Target of the master leveler in dB re full scale.
+    /// Target of the master leveler in dB full scale.
     [[nodiscard]] double masterTargetDB() const noexcept;
     void setMasterTargetDB(double targetDB);
 
@@ -54,30 +54,29 @@ class AutomixProcessor final {
     [[nodiscard]] double releaseMs() const noexcept { return edited.releaseMs; }
     void setReleaseMs(double releaseMs);
 
-    // Render thread; or any thread while no block is processed.
+    // Render thread, or any thread while no block is processed.
 
     [[nodiscard]] std::size_t channelCount() const noexcept { return triggerFilters.size(); }
 
-    /// The loops that this processor runs on.
+    /// The kernels that this processor runs on.
     [[nodiscard]] const LaneKernels& laneKernels() const noexcept { return kernels; }
 
-    /// Sizes the working memory for blocks of `frameCount` frames. Allocates only when they outgrow all
-    /// earlier ones; `process` calls it, so call it before the first block to keep that block free of
-    /// allocation.
+    /// Sizes the working memory for blocks of `frameCount` frames. Allocates only if they outgrow all earlier
+    /// ones. `process` calls it; call it before the first block to keep that block free of allocation.
     void ensureScratch(std::size_t frameCount);
 
-    /// What a block becomes; the processor's own buffers, valid until the next block.
+    /// The result of a block. Refers to the processor's own buffers, valid until the next block.
     struct Output {
         const ChannelBlocks<double>& channelOutputs;
         std::span<const double> masterBus;
     };
 
-    /// Processes one block: `blocks` is K x frameCount. `activeMask`: true where a channel holds audio, K
-    /// entries; empty if all do. Real-time safe while the block length stays.
+    /// Processes one block of K x frameCount samples. `activeMask` has K entries, true for channels that hold
+    /// audio; if it is empty, all channels do. Real-time safe while the block length stays the same.
     ORVANE_REALTIME Output
     process(const ChannelBlocks<double>& blocks, std::span<const bool> activeMask) noexcept;
 
-    /// Results of the last block. Gains are linear, levels linear RMS after all gains.
+    /// Results of the last block. Gains are linear; levels are linear RMS after all gains.
     [[nodiscard]] std::span<const double> currentGains() const noexcept { return gainSharing.smoothedGain(); }
     [[nodiscard]] double currentMasterGain() const noexcept { return masterLeveler.smoothedGain(); }
     [[nodiscard]] std::span<const double> currentOutputLevels() const noexcept { return outputLevels; }
@@ -85,7 +84,7 @@ class AutomixProcessor final {
     [[nodiscard]] const ChannelBlocks<double>& channelOutputs() const noexcept { return perChannelScratch; }
 
   private:
-    /// What the control thread decides; handed over whole.
+    /// The values that the control thread sets; handed over as a whole.
     struct Controls {
         std::vector<ChannelAutomixSettings> settings;
         double leadGroupGainDB = 0.0;
@@ -96,11 +95,11 @@ class AutomixProcessor final {
         double releaseMs;
     };
 
-    /// Channels that one kernel call works on, and what it is given and gives for each.
+    /// The channels of one kernel call, with the call's arguments and results for each.
     struct Lanes {
         explicit Lanes(std::size_t most);
         void clear() noexcept { count = 0; }
-        /// The next lane.
+        /// Adds a lane and returns its index.
         std::size_t add(std::size_t channel, const double* input) noexcept {
             channels[count] = channel;
             inputs[count] = input;
@@ -116,7 +115,8 @@ class AutomixProcessor final {
     };
 
     void publish() { handover.publish(edited); }
-    /// Sorts the channels into lanes, where the controls, the mask or the place of the blocks have changed.
+    /// Sorts the channels into lanes. Needed if the controls, the mask or the addresses of the blocks have
+    /// changed.
     void arrange(
         const Controls& controls, const ChannelBlocks<double>& blocks, std::span<const bool> mask
     ) noexcept;
@@ -136,12 +136,12 @@ class AutomixProcessor final {
     Controls edited;
     Handover<Controls> handover;
 
-    /// What the lanes were arranged for.
+    /// The arguments that the lanes were last arranged for.
     struct Arrangement {
         const Controls* controls = nullptr;
         const double* firstInput = nullptr;
         std::size_t frameCount = 0;
-        /// Not 0 for every channel that holds audio.
+        /// Nonzero for every channel that holds audio.
         std::vector<char> isActive = {};
     };
     Arrangement arrangement;
@@ -149,7 +149,7 @@ class AutomixProcessor final {
     std::vector<double> levelsScratch;
     ChannelBlocks<double> perChannelScratch;
     std::vector<double> summedScratch;
-    /// One for every trigger mode.
+    /// One for each trigger mode.
     std::array<Lanes, allGenderTriggerModes.size()> detected;
     Lanes lanesOnBus;
     Lanes lanesOffBus;

@@ -5,19 +5,19 @@
 
 namespace orvane::dsp {
 
-/// What the automix is told about one channel. A plain value.
+/// The automix settings of one channel. A plain value.
 struct ChannelAutomixSettings {
     /// Weighting of the detection copy.
     GenderTriggerMode genderMode = GenderTriggerMode::neutral;
-    /// Silent, and left out of the automix decision.
+    /// Silenced, and left out of the automix decision.
     bool muted = false;
     /// Linear factor applied after the automix gain; 1.0 is unity.
     double trim = 1.0;
-    /// Neither competes nor is ducked; plays at its trim.
+    /// Neither competes for gain nor is ducked; plays at its trim.
     bool bypassed = false;
     /// The group gain that applies to the output.
     VocalRole vocalRole = VocalRole::none;
-    /// The output is made but never summed into the master bus.
+    /// The channel has an output, but it is never summed into the master bus.
     bool excludedFromMasterBus = false;
 
     bool operator==(const ChannelAutomixSettings&) const = default;

@@ -8,8 +8,8 @@
 
 namespace orvane::dsp {
 
-/// One block of samples per channel, channelCount x frameCount, each channel contiguous and on a cache line
-/// of its own. Owned by whoever processes the blocks; one thread at a time.
+/// One block of samples per channel, channelCount x frameCount. Each channel is contiguous and starts on a
+/// cache line of its own. Used by one thread at a time.
 template <class Sample>
 class ChannelBlocks final {
   public:
@@ -17,8 +17,7 @@ class ChannelBlocks final {
 
     ChannelBlocks(std::size_t channelCount, std::size_t frameCount) { reshape(channelCount, frameCount); }
 
-    /// Takes the shape and sets every sample to zero. Allocates only when the blocks outgrow all earlier
-    /// ones.
+    /// Takes the shape and sets every sample to zero. Allocates only if the blocks outgrow all earlier ones.
     void reshape(std::size_t channelCount, std::size_t frameCount) {
         const std::size_t newStride = strideFor(frameCount);
         const std::size_t needed = channelCount * newStride;
@@ -32,7 +31,7 @@ class ChannelBlocks final {
         std::fill_n(storage.get(), needed, Sample{});
     }
 
-    /// Real-time safe, like all that follow.
+    /// Real-time safe, like all functions below.
     [[nodiscard]] std::size_t channelCount() const noexcept { return channels; }
     [[nodiscard]] std::size_t frameCount() const noexcept { return frames; }
 
@@ -46,8 +45,8 @@ class ChannelBlocks final {
   private:
     static constexpr std::align_val_t cacheLine{64};
 
-    /// Whole cache lines and one more: blocks whose lengths are powers of two would otherwise all start in
-    /// the same few sets of the cache and push each other out.
+    /// Rounds up to whole cache lines and adds one: channels a power of two apart would all start in the same
+    /// few cache sets and evict each other.
     static std::size_t strideFor(std::size_t frameCount) {
         constexpr std::size_t samplesPerLine = static_cast<std::size_t>(cacheLine) / sizeof(Sample);
         return (frameCount + samplesPerLine - 1) / samplesPerLine * samplesPerLine + samplesPerLine;

@@ -2,12 +2,12 @@
 
 namespace orvane::dsp {
 
-/// The linear factor of a level in dB: 10^(dB / 20). Neither argument nor result is clamped. Any thread,
-/// real-time safe.
+/// Returns the linear factor of a level in dB: 10^(dB / 20). Neither argument nor result is clamped. Any
+/// thread, real-time safe.
 double dbToLinear(double dB) noexcept;
 
-/// The level in dB of a linear factor: 20 log10(max(x, 1e-12)), so never below -240 dB. Any thread, real-time
-/// safe.
+/// Returns the level in dB of a linear factor: 20 log10(max(x, 1e-12)), never below -240 dB. Any thread,
+/// real-time safe.
 double linearToDB(double x) noexcept;
 
 } // namespace orvane::dsp

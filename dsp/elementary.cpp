@@ -61,7 +61,7 @@ DoubleDouble operator/(DoubleDouble a, double divisor) {
 
 constexpr DoubleDouble ln10 = {0x1.26bb1bbb55516p+1, -0x1.f48ad494ea3e9p-53};
 
-/// A constant in parts: the first two have 32 bits each, so that a small whole multiple of them is exact.
+/// A constant in parts: the first two have 32 bits each, so that small integer multiples of them are exact.
 struct SplitConstant {
     double first;
     double second;
@@ -84,7 +84,8 @@ double nearestWhole(double x) {
     return std::floor(x + 0.5);
 }
 
-/// e^x: x is reduced by multiples of ln 2 and by 2^8, the series of e^x - 1 is summed, then squared up again.
+/// e^x: reduces x by multiples of ln 2 and by 2^8, sums the series of e^x - 1, and squares the result back
+/// up.
 double exponential(DoubleDouble x) {
     constexpr double overflowsAbove = 709.79;
     constexpr double vanishesBelow = -745.2;
@@ -120,7 +121,8 @@ DoubleDouble trigonometricSeries(DoubleDouble r, int first) {
     return first == 1 ? r * series : series;
 }
 
-/// Beyond this angle the reduction would lose bits, and nobody pans that far: the C library's answer will do.
+/// Beyond this angle, far outside any pan position, the reduction would lose bits; the C library is used
+/// instead.
 constexpr double largestAngle = 1e6;
 
 /// sin(x + quarterTurns * pi / 2).
@@ -139,7 +141,7 @@ double exp(double x) noexcept {
 }
 
 double exp10(double x) noexcept {
-    // Beyond the reach of a double in either direction; bounded here so that the product below stays exact.
+    // Outside the range of a double. The bound also keeps the product below exact.
     if (std::abs(x) > 400.0) return x > 0.0 ? std::numeric_limits<double>::infinity() : 0.0;
     return exponential(DoubleDouble{x, 0.0} * ln10);
 }

@@ -2,11 +2,11 @@
 
 namespace orvane::dsp {
 
-// The transcendental functions that sound depends on. The C library picks its versions by the processor it
-// runs on, and a compiler folds constants with another one; their last bits differ. These are computed in
-// double-double arithmetic from additions and multiplications alone and rounded once, so that every build on
-// every processor gives the same bits. They cost a fraction of a microsecond: call them per block or per
-// edit, never per sample. Any thread, real-time safe. NaN gives NaN.
+// The transcendental functions that the sound depends on. The C library chooses its versions by processor,
+// and a compiler folds constants with another version; the last bits of their results differ. These functions
+// are computed in double-double arithmetic from additions and multiplications alone and rounded once, so that
+// every build gives the same bits on every processor. They cost a fraction of a microsecond: call them per
+// block or per edit, never per sample. Any thread, real-time safe. NaN gives NaN.
 
 /// e^x.
 double exp(double x) noexcept;

@@ -10,10 +10,10 @@ namespace orvane::dsp {
 
 namespace {
 
-/// Below this, a level, a sum or a sum of squares counts as nothing.
+/// A level, a sum or a sum of squares below this counts as zero.
 constexpr double negligible = 1e-12;
 
-/// One-step smoothing coefficient of a time constant.
+/// The smoothing coefficient per step of a time constant.
 double smoothingCoefficient(double dt, double timeMs) noexcept {
     return timeMs > 0.0 ? exp(-dt / (timeMs / 1000.0)) : 0.0;
 }
@@ -58,7 +58,7 @@ std::span<const double> GainSharingMixer::process(std::span<const double> levels
 }
 
 void GainSharingMixer::followLevels(std::span<const double> levels) noexcept {
-    // What is not finite would stay in the smoothed level for good.
+    // A value that is not finite would stay in the smoothed level for good.
     for (std::size_t i = 0; i < levels.size(); ++i)
         smoothedLevel[i] =
             smoothed(smoothedLevel[i], std::isfinite(levels[i]) ? levels[i] : 0.0, attackCoef, releaseCoef);

@@ -8,15 +8,15 @@
 
 namespace orvane::dsp {
 
-/// The decision core of the automix: from one activity level per channel, one gain per channel. A channel's
-/// target is its share of the whole activity over the sum of the squared shares, never below the floor, so
-/// that whoever speaks is at or above unity, the quiet sink to the floor, and equals are all at unity. Owned
-/// by one processor; render thread.
+/// The decision core of the automix: computes one gain per channel from one activity level per channel. A
+/// channel's target is its share of the total activity, divided by the sum of the squared shares, but never
+/// below the floor. Active channels are at or above unity, quiet channels sink to the floor, and channels of
+/// equal activity are all at unity. Owned by one processor; render thread.
 class GainSharingMixer final {
   public:
-    /// `channelCount` at least 1. `controlRate`: calls of `process` per second. `attackMs` and `releaseMs`:
-    /// time constants while a value rises and falls, of the level follower and of the gains alike; 0 or less
-    /// jumps. `silentRMS`: the linear RMS that counts as silence. `gainFloorDB`: the lowest target.
+    /// `channelCount` is at least 1. `controlRate`: calls of `process` per second. `attackMs` and
+    /// `releaseMs`: time constants of the level follower and of the gains, for rising and falling values; 0
+    /// or less jumps. `silentRMS`: the linear RMS that counts as silence. `gainFloorDB`: the lowest target.
     GainSharingMixer(
         std::size_t channelCount, double controlRate, double attackMs, double releaseMs, double silentRMS,
         double gainFloorDB
@@ -27,8 +27,8 @@ class GainSharingMixer final {
     /// Takes effect at the next `process`. Real-time safe.
     ORVANE_REALTIME void setReleaseMs(double releaseMs) noexcept;
 
-    /// One step: `levels` are channelCount linear RMS values of one block; one that is not finite counts as
-    /// silence. Returns `smoothedGain`. Real-time safe.
+    /// Processes one step: `levels` are channelCount linear RMS values of one block; values that are not
+    /// finite count as silence. Returns `smoothedGain`. Real-time safe.
     ORVANE_REALTIME std::span<const double> process(std::span<const double> levels) noexcept;
 
     /// The current linear gain of every channel; 1 / channelCount each at creation. Real-time safe.

@@ -8,9 +8,9 @@
 
 namespace orvane::dsp {
 
-/// Weights the copy of a channel that its activity is measured on: `male` is a first-order low shelf that
-/// lowers what is below its cutoff, `female` a high shelf that lowers what is above its own, `neutral` passes
-/// through. One per automix channel; render thread.
+/// Weights the copy of a channel that its activity is measured on. `male` is a first-order low shelf that
+/// lowers the band below its cutoff, `female` a high shelf that lowers the band above its cutoff; `neutral`
+/// passes the signal through. One per automix channel; render thread.
 class GenderTriggerFilter final {
   public:
     /// Cutoffs and sample rate in Hz; `shelfDB` is the gain of the lowered band.
@@ -19,19 +19,19 @@ class GenderTriggerFilter final {
         double sampleRate
     );
 
-    /// One sample. Only the lowpass of the current mode advances. Real-time safe.
+    /// Weights one sample. Only the lowpass of the current mode advances. Real-time safe.
     ORVANE_REALTIME double process(double x) noexcept;
 
-    /// A weighted copy of the block. Allocates.
+    /// Returns a weighted copy of the block. Allocates.
     std::vector<double> process(std::span<const double> block);
 
-    /// Weights `input` into `output`, which is at least as long. Real-time safe.
+    /// Weights `input` into `output`, which must be at least as long. Real-time safe.
     ORVANE_REALTIME void process(std::span<const double> input, std::span<double> output) noexcept;
 
-    /// Forgets the past of both lowpasses; the mode stays. Real-time safe.
+    /// Clears the state of both lowpasses; the mode stays. Real-time safe.
     ORVANE_REALTIME void reset() noexcept;
 
-    /// The weighting in force; a lowpass that is not in use keeps its state until its mode returns.
+    /// The current weighting. A lowpass that is not in use keeps its state until its mode returns.
     GenderTriggerMode mode;
     /// Linear gain of the lowered band.
     double shelfGain;

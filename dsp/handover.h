@@ -7,14 +7,14 @@
 
 namespace orvane::dsp {
 
-/// Hands a whole record from one control thread to one audio thread, neither of which ever waits: three
-/// copies, one being written, one being read, one in between. The reader sees the latest record that was
-/// published whole, and the same one until it asks again.
+/// Hands whole records from one control thread to one audio thread; neither ever waits. Keeps three copies:
+/// one being written, one being read, one in between. The reader gets the latest record that was published
+/// whole, and keeps the same one until it asks again.
 template <class Record>
 class Handover final {
   public:
-    /// `initial` is what the reader sees until the first publication. Records of one hand-over hold equally
-    /// long arrays, so that copying one over another does not allocate.
+    /// The reader gets `initial` until the first publication. The arrays of all records of one handover must
+    /// have equal lengths, so that copying one record over another does not allocate.
     explicit Handover(const Record& initial) : slots{initial, initial, initial} {}
 
     /// Makes `record` the latest. Control thread.
@@ -23,7 +23,7 @@ class Handover final {
         writing = between.exchange(writing | fresh, std::memory_order_acq_rel) & index;
     }
 
-    /// The latest record; valid until the next call. Audio thread, real-time safe.
+    /// Returns the latest record, valid until the next call. Audio thread, real-time safe.
     ORVANE_REALTIME const Record& latest() noexcept {
         if ((between.load(std::memory_order_relaxed) & fresh) != 0)
             reading = between.exchange(reading, std::memory_order_acq_rel) & index;

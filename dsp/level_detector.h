@@ -8,14 +8,14 @@
 
 namespace orvane::dsp {
 
-/// Measures the activity of a block.
+/// Measures the level of a block.
 struct LevelDetector {
-    /// The root of the mean of the squares, summed in double precision in sample order; 0 for an empty block.
-    /// Any thread, real-time safe.
+    /// Returns the root mean square, summed in double precision in sample order; 0 for an empty block. Any
+    /// thread, real-time safe.
     ORVANE_REALTIME static double rms(std::span<const double> samples) noexcept { return rmsOf(samples); }
     ORVANE_REALTIME static double rms(std::span<const float> samples) noexcept { return rmsOf(samples); }
 
-    /// The level of a block whose squares have been summed already; 0 for an empty block. Real-time safe.
+    /// Returns the level of a block from the sum of its squares; 0 for an empty block. Real-time safe.
     ORVANE_REALTIME static double rms(double sumOfSquares, std::size_t frameCount) noexcept {
         return frameCount == 0 ? 0.0 : std::sqrt(sumOfSquares / static_cast<double>(frameCount));
     }

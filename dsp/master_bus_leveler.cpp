@@ -7,7 +7,7 @@ namespace orvane::dsp {
 
 namespace {
 
-/// A bus below this RMS asks for the highest gain.
+/// A bus below this RMS gets the highest gain.
 constexpr double smallestRMS = 1e-9;
 
 double smoothingCoefficient(double controlRate, double timeMs) noexcept {
@@ -36,7 +36,7 @@ void MasterBusLeveler::setTargetDB(double targetDB) noexcept {
 
 double MasterBusLeveler::process(double rms) noexcept {
     double desired = targetRMS / (rms > smallestRMS ? rms : smallestRMS);
-    // Also where target and bus are both infinite: what is no number would stay in the gain for good.
+    // Also catches NaN, from an infinite target and bus: it would stay in the gain for good.
     if (!(desired > minGain)) desired = minGain;
     if (desired > maxGain) desired = maxGain;
     const double c = desired < gain ? attackCoef : releaseCoef;

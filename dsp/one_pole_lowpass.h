@@ -12,7 +12,7 @@ struct OnePoleLowpass {
     OnePoleLowpass(double cutoff, double sampleRate)
         : a(1.0 - exp(-6.283185307179586 * cutoff / sampleRate)) {}
 
-    /// Takes one sample and returns the new output. Real-time safe.
+    /// Processes one sample and returns the new output. Real-time safe.
     ORVANE_REALTIME double process(double x) noexcept {
         y += a * (x - y);
         return y;

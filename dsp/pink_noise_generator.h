@@ -8,11 +8,11 @@
 
 namespace orvane::dsp {
 
-/// A repeatable pink noise: 16 random rows, row r renewed every 2^r samples, and one white term (the method
-/// of R. F. Voss). A value; one thread.
+/// Generates repeatable pink noise from 16 random rows, row r renewed every 2^r samples, and one white term
+/// (the method of R. F. Voss). A value; one thread.
 class PinkNoiseGenerator final {
   public:
-    /// Equal seeds give equal noise; 0 stands for the default.
+    /// Equal seeds give equal noise; 0 selects the default seed.
     explicit PinkNoiseGenerator(std::uint32_t seed = defaultSeed) noexcept
         : rngState(seed == 0 ? defaultSeed : seed) {
         for (double& row : rowValues) {
@@ -21,11 +21,11 @@ class PinkNoiseGenerator final {
         }
     }
 
-    /// The next sample, between -1 and 1. Real-time safe.
+    /// Returns the next sample, between -1 and 1. Real-time safe.
     ORVANE_REALTIME double next() noexcept {
         const std::uint32_t old = key;
         key = (old + 1) & 0xFFFF;
-        // The bits that a count of one more changes are the lowest ones, without a gap.
+        // Incrementing the counter changes a contiguous run of its lowest bits.
         std::size_t row = 0;
         for (std::uint32_t changed = key ^ old; changed != 0; changed >>= 1, ++row) {
             const double value = nextUniform();

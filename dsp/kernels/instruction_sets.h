@@ -4,8 +4,8 @@
 
 namespace orvane::dsp {
 
-/// The kernels of each instruction set, defined in a source of its own; those of sets that the build's
-/// architecture does not have are not there.
+/// The kernels of each instruction set, each defined in a source file of its own. Those of instruction sets
+/// that the target architecture lacks are not defined.
 extern const LaneKernels baselineLaneKernels;
 extern const LaneKernels avx2LaneKernels;
 extern const LaneKernels avx512LaneKernels;

@@ -7,10 +7,10 @@
 
 namespace orvane::dsp {
 
-/// The loops over samples, in one version per instruction set. Several channels are worked on at once, one to
-/// a vector lane, so that each channel's operations keep their order: every version gives the same bits. All
-/// are real-time safe and take blocks of `frameCount` samples; arrays indexed by channel have `channelCount`
-/// entries.
+/// The loops over samples, in one version per instruction set. Each processes several channels at once, one
+/// per vector lane, so that the operations of a channel keep their order: all versions give the same bits.
+/// All are real-time safe and take blocks of `frameCount` samples; arrays indexed by channel have
+/// `channelCount` entries.
 struct LaneKernels {
     /// The instruction set: "baseline", "avx2" or "avx512".
     const char* name;
@@ -19,43 +19,43 @@ struct LaneKernels {
     void (*sumOfSquares
     )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double* sums) noexcept;
 
-    /// The same over channels weighted by a low shelf (x - l) + l * shelfGain, where l is a one-pole lowpass
-    /// with coefficient `a` whose states go on from and are left in `states`.
+    /// The same for channels weighted by a low shelf (x - l) + l * shelfGain, where l is a one-pole lowpass
+    /// with coefficient `a`. Reads the lowpass states from `states` and writes them back.
     void (*lowShelfSumOfSquares
     )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
       double shelfGain, double* states, double* sums) noexcept;
 
-    /// The same over channels weighted by a high shelf l + shelfGain * (x - l).
+    /// The same for channels weighted by a high shelf l + shelfGain * (x - l).
     void (*highShelfSumOfSquares
     )(const double* const* channels, std::size_t channelCount, std::size_t frameCount, double a,
       double shelfGain, double* states, double* sums) noexcept;
 
-    /// outputs[c] = gains[c] * inputs[c], sums[c] = the sum of the squares of outputs[c]; where `bus` is not
-    /// null, every output is added to it in channel order.
+    /// outputs[c] = gains[c] * inputs[c]; sums[c] = the sum of the squares of outputs[c]. If `bus` is not
+    /// null, adds every output to it in channel order.
     void (*mix
     )(const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
       std::size_t frameCount, double* bus, double* sums) noexcept;
 
-    /// sums[c], a sum of `frameCount` squares, becomes the root of their mean; 0 where there are no frames.
+    /// Replaces each sums[c], a sum of `frameCount` squares, by its root mean; 0 if there are no frames.
     void (*rootMeans)(double* sums, std::size_t channelCount, std::size_t frameCount) noexcept;
 
     /// samples[i] = gain * samples[i].
     void (*scale)(double* samples, double gain, std::size_t frameCount) noexcept;
 
-    /// sum[i] = sum[i] + gain * samples[i]; the arrays do not overlap.
+    /// sum[i] = sum[i] + gain * samples[i]; the arrays must not overlap.
     void (*addScaled)(double* sum, const double* samples, double gain, std::size_t frameCount) noexcept;
 
-    /// wide[i] = narrow[i] in double precision; what is not within `largestSample` becomes 0.
+    /// wide[i] = narrow[i] in double precision; NaNs and samples beyond `largestSample` become 0.
     void (*widen)(double* wide, const float* narrow, std::size_t frameCount) noexcept;
 
-    /// narrow[i] = wide[i] rounded to single precision; what that cannot hold becomes 0.
+    /// narrow[i] = wide[i] rounded to single precision; values that single precision cannot hold become 0.
     void (*narrow)(float* narrow, const double* wide, std::size_t frameCount) noexcept;
 };
 
-/// Every version that this processor can run, slowest first; there is always one.
+/// Returns every version that this processor can run, slowest first; never empty.
 std::span<const LaneKernels* const> supportedLaneKernels() noexcept;
 
-/// The fastest version that this processor can run.
+/// Returns the fastest version that this processor can run.
 const LaneKernels& fastestLaneKernels() noexcept;
 
 } // namespace orvane::dsp

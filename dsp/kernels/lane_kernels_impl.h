@@ -1,20 +1,20 @@
 #pragma once
 
-// The kernels over vectors of ORVANE_LANES doubles. Each instruction set's source defines ORVANE_LANES,
-// includes this file and is compiled for that set. Everything here has internal linkage and nothing of the
-// standard library is called: a function shared with another source could be the copy that the linker keeps,
-// and would then run on processors that lack the instructions.
+// The kernels over vectors of ORVANE_LANES doubles. The source file of each instruction set defines
+// ORVANE_LANES, includes this file and is compiled for that set. Everything here has internal linkage, and no
+// function of the standard library is called: the linker could keep the copy of a shared function that was
+// compiled for this set, and it would then run on processors that lack the instructions.
 
 #include "dsp/kernels/lane_kernels.h"
 #include "dsp/sound_bounds.h"
 
-// NOLINTBEGIN(misc-definitions-in-headers): each source has definitions of its own, as said above.
+// NOLINTBEGIN(misc-definitions-in-headers): each source file needs definitions of its own, see above.
 
 namespace orvane::dsp {
 namespace {
 
 constexpr std::size_t lanes = ORVANE_LANES;
-/// Vectors worked on side by side, so that the processor can overlap their chains of additions.
+/// Vectors processed side by side, so that the processor can overlap their chains of additions.
 constexpr std::size_t mostVectors = 4;
 constexpr std::size_t mostChannels = mostVectors * lanes;
 
@@ -31,8 +31,8 @@ inline Vector splat(double value) {
     return Vector{} + value;
 }
 
-/// Lane l of the pair (a, b) exchanged in blocks of `distance` lanes: the even blocks of both, or the odd
-/// ones.
+/// The index of lane l after exchanging blocks of `distance` lanes between a and b: picks the even blocks of
+/// both, or the odd ones.
 template <std::size_t distance, bool odd, std::size_t l>
 constexpr int exchanged =
     static_cast<int>((l & distance) == 0 ? l + (odd ? distance : 0) : l - (odd ? 0 : distance) + lanes);
@@ -52,7 +52,8 @@ using AllLanes = Lanes<0, 1, 2, 3>;
 using AllLanes = Lanes<0, 1, 2, 3, 4, 5, 6, 7>;
 #endif
 
-/// From rows[channel] of successive samples to rows[sample] of neighbouring channels, and back.
+/// Turns rows of successive samples of one channel into rows of one sample of neighbouring channels, and
+/// back.
 template <std::size_t distance = lanes / 2>
 inline void transpose(Vector (&rows)[lanes]) {
     if constexpr (distance > 0) {
@@ -67,7 +68,7 @@ inline void transpose(Vector (&rows)[lanes]) {
     }
 }
 
-/// Sums the squares of the samples as they are.
+/// Sums the squares of unweighted samples.
 struct Unweighted {
     Vector operator()(const Vector& x, Vector&) const { return x; }
     double operator()(double x, double&) const { return x; }
@@ -93,7 +94,7 @@ struct HighShelf {
     }
 };
 
-/// One pass over up to `vectors * lanes` channels; missing ones are stood in for by the first.
+/// One pass over up to `vectors * lanes` channels; the first channel fills in for missing ones.
 template <std::size_t vectors, class Weighting>
 void sumWeighted(
     const double* const* channels, std::size_t channelCount, std::size_t frameCount,
@@ -178,7 +179,7 @@ void highShelfSumOfSquares(
     sumAllWeighted(channels, channelCount, frameCount, HighShelf{a, shelfGain}, states, sums);
 }
 
-/// One pass over up to `vectors * lanes` channels; missing ones take no part.
+/// One pass over up to `vectors * lanes` channels; missing ones are skipped.
 template <std::size_t vectors>
 void mixGroup(
     const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
