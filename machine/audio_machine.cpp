@@ -27,7 +27,7 @@ using platform::virtual_devices::VirtualDevice;
 
 constexpr const char* demoRecording = "demo/panel-8ch.flac";
 
-/// Whether a comma-separated list names a driver; no list or an empty one names them all.
+/// Whether ORVANE_DRIVERS, a comma-separated list, names the driver. An empty or missing list names them all.
 bool isWanted(std::string_view driver) {
     const char* const list = std::getenv("ORVANE_DRIVERS");
     if (list == nullptr || *list == '\0') return true;
@@ -40,7 +40,7 @@ bool isWanted(std::string_view driver) {
     return false;
 }
 
-/// The virtual devices, one that plays a file of the user first.
+/// The virtual devices; one that plays the user's file comes first.
 Result<std::vector<VirtualDevice>>
 virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
     std::vector<VirtualDevice> devices;
@@ -56,7 +56,7 @@ virtualDevices(const AudioMachineOptions& options, platform::SystemLog& log) {
     return devices;
 }
 
-/// The recorder that the options ask for, which is given to its device; null if they ask for none.
+/// Makes the recorder that the options ask for and attaches it to its device. Null if they ask for none.
 Result<std::shared_ptr<platform::virtual_devices::OutputRecorder>>
 recordOne(std::vector<VirtualDevice>& devices, const AudioMachineOptions& options) {
     if (!options.record) return std::shared_ptr<platform::virtual_devices::OutputRecorder>();

@@ -20,58 +20,58 @@
 
 namespace orvane::machine {
 
-/// The ways to MIDI sources that ORVANE_DRIVERS names, or all: the ALSA sequencer, which reaches hardware
-/// directly, before JACK, which may have bridges to it. `clients` outlives them.
+/// Makes the MIDI drivers that ORVANE_DRIVERS names, or all of them. The ALSA sequencer, which reaches
+/// hardware directly, comes before JACK, which may bridge to it. `clients` must outlive them.
 std::vector<std::unique_ptr<platform::MIDIDriver>>
 makeMIDIDrivers(platform::jack::JackClients& clients, platform::SystemLog* log = nullptr);
 
-/// The rates that may be asked for, in Hz.
+/// The sample rates that can be requested, in Hz.
 inline constexpr unsigned lowestSampleRate = 8000;
 inline constexpr unsigned highestSampleRate = 384000;
 
-/// What a program is told about the machine's audio.
+/// The program's options for its audio hardware.
 struct AudioMachineOptions {
     /// The sound file that a virtual device plays.
     std::optional<std::filesystem::path> virtualInput = {};
-    /// The sound file that the outputs of the main device are recorded to; it is a virtual device then.
+    /// The sound file to record the main device's outputs to; the main device is then a virtual one.
     std::optional<std::filesystem::path> record = {};
     /// The uid of the main device; the first usable one if absent.
     std::optional<std::string> device = {};
-    /// In Hz, for the devices that offer it; theirs if absent.
+    /// In Hz, for devices that offer it; the device's own if absent.
     std::optional<unsigned> sampleRate = {};
-    /// What others see as the name of the JACK clients.
+    /// The name of the JACK clients.
     std::string clientName = "ORVANE";
 };
 
-/// The audio hardware, effects and MIDI services that a program works with, and its log. Made by its
-/// composition root; outlives its engine, and ends before the main thread that the engine posts to.
+/// The audio hardware, effects, MIDI services and log of a program. Made by its composition root. Outlives
+/// the engine; is destroyed before the main thread that the engine posts to.
 class AudioMachine final {
   public:
-    /// Without hardware yet; `make` is what programs call.
+    /// Without hardware; programs call `make`.
     explicit AudioMachine(std::string clientName);
-    /// Writes out what is still in the log.
+    /// Writes the remaining log lines.
     ~AudioMachine() { log.flush(); }
     AudioMachine(const AudioMachine&) = delete;
     AudioMachine& operator=(const AudioMachine&) = delete;
 
-    /// With the drivers that ORVANE_DRIVERS names, or all: JACK, ALSA, and the virtual devices last. Fails
-    /// where a file cannot be played or recorded.
+    /// Makes the drivers that ORVANE_DRIVERS names, or all of them: JACK, ALSA, and the virtual devices last.
+    /// Fails if a file cannot be played or recorded.
     static platform::Result<std::unique_ptr<AudioMachine>> make(const AudioMachineOptions& options);
 
     platform::SystemLog log{platform::quietUntilAnError(platform::standardErrorSink())};
 
-    /// The device that the options ask for: named, or the virtual one that plays or is recorded; nothing if
-    /// they leave it open.
+    /// The uid of the device that the options ask for: the one they name, or the virtual one that plays or is
+    /// recorded; absent if they leave it open.
     std::optional<std::string> mainUID;
 
-    /// What records the main device; null if nothing does.
+    /// The recorder of the main device; null if it is not recorded.
     [[nodiscard]] platform::virtual_devices::OutputRecorder* recorder() { return outputRecorder.get(); }
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
-    /// What to do if PipeWire runs and no JACK server answers, so that its devices are not listed; nothing
-    /// otherwise, or if JACK is not wanted. Main thread.
+    /// What to do if PipeWire runs but no JACK server answers, so that PipeWire's devices are not listed;
+    /// absent otherwise, and if ORVANE_DRIVERS excludes JACK. Main thread.
     [[nodiscard]] std::optional<std::string> deviceAdvice();
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
-    /// Ends the search for effects, so that the program can end at once. Any thread.
+    /// Cancels the search for effects, so that the program can end at once. Any thread.
     void cancelScan() { audioUnitHost.cancelScan(); }
     [[nodiscard]] platform::PriorityLender& priorityLender() { return realtimeKit; }
     [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
@@ -85,7 +85,7 @@ class AudioMachine final {
     platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
     std::shared_ptr<platform::virtual_devices::OutputRecorder> outputRecorder;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
-    /// Null if JACK is not wanted; the hardware owns it.
+    /// Null if ORVANE_DRIVERS excludes JACK; owned by the hardware.
     platform::jack::JackAudioDriver* jackDriver = nullptr;
 };
 

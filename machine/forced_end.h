@@ -5,15 +5,15 @@
 
 namespace orvane::machine {
 
-/// Ends the process at once, with a line on standard error and with what is being recorded complete, because
-/// foreign code that the main thread is within does not return. Any thread but the main one.
+/// Ends the process at once because foreign code on the main thread does not return. Prints a line to
+/// standard error and completes the recordings first. Any thread but the main one.
 [[noreturn]] void forceEnd(int exitCode);
 
-/// Bounds the time that taking down a program takes: once armed, the process ends with `forceEnd` unless the
-/// deadline is destroyed first. Made before all that may hang when it is destroyed. Main thread.
+/// Bounds the time that a program takes to end: once armed, the process ends with `forceEnd` unless the
+/// deadline is destroyed first. Must be made before everything whose destruction may hang. Main thread.
 class EndDeadline final {
   public:
-    /// What the stop of streams, the end of plugins and the end of sound servers' clients may take together.
+    /// The total time for stopping streams, plugins and the clients of sound servers.
     static constexpr std::chrono::seconds patience{10};
 
     EndDeadline() = default;
@@ -21,8 +21,7 @@ class EndDeadline final {
     EndDeadline(const EndDeadline&) = delete;
     EndDeadline& operator=(const EndDeadline&) = delete;
 
-    /// Called once the program has done all that it was asked for. There is no deadline if the system has no
-    /// threads left.
+    /// Called after the program has completed its work. Has no effect if the system has no threads left.
     void arm(int exitCode, std::chrono::seconds longest = patience);
 
   private:

@@ -16,11 +16,11 @@ namespace orvane::machine {
 
 namespace {
 
-// A signal handler is given no context, so these cannot live in the guard.
+// A signal handler has no context argument, so these cannot be members of the guard.
 std::atomic<bool> signalCame = false;
 std::atomic<bool> isUrged = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
-/// Posted whenever one of the flags, or the end of the guard, is to be looked at.
+/// Posted when a flag changes and when the guard is destroyed.
 sem_t news;
 
 void remember(int signal) noexcept {
@@ -31,7 +31,7 @@ void remember(int signal) noexcept {
     sem_post(&news);
 }
 
-/// Waits for news, `longest` at most.
+/// Waits for `news`, for `longest` at most.
 void waitForNews(std::chrono::seconds longest) {
     timespec end{};
     clock_gettime(CLOCK_MONOTONIC, &end);
@@ -39,7 +39,7 @@ void waitForNews(std::chrono::seconds longest) {
     sem_clockwait(&news, CLOCK_MONOTONIC, &end);
 }
 
-/// Ends the process if the guard still stands too long after a signal. `isOver`: the guard is being
+/// Ends the process if the guard still exists too long after a signal. `isOver`: the guard is being
 /// destroyed.
 void watchForTheEnd(const std::stop_token& isOver) {
     using Clock = std::chrono::steady_clock;
@@ -65,15 +65,15 @@ InterruptGuard::InterruptGuard() {
     try {
         watch = std::jthread(watchForTheEnd);
     } catch (const std::system_error&) {
-        // A program that hangs has to be killed then.
+        // Without the thread, a program that hangs must be killed.
     }
     struct sigaction action {};
     action.sa_handler = remember;
-    // Reads and writes that are under way go on; waits still end early, so that the flag is looked at soon.
+    // Restarts interrupted reads and writes; waits still end early, so that the flag is checked soon.
     action.sa_flags = SA_RESTART;
     for (std::size_t i = 0; i < signals.size(); ++i)
         sigaction(signals[i], &action, &before[i]);
-    // Whoever starts a program with nohup wants it to outlive the terminal.
+    // A program started with nohup must outlive its terminal.
     if (before.back().sa_handler == SIG_IGN) sigaction(signals.back(), &before.back(), nullptr);
 }
 

@@ -7,12 +7,12 @@
 
 namespace orvane::machine {
 
-/// While one stands, SIGINT, SIGTERM and SIGHUP no longer end the program but are remembered, so that long
-/// work can stop cleanly; then they do again what they did before. A SIGHUP that is ignored stays so. A
-/// SIGINT after the first signal ends every wait for a plugin that does not return,
-/// `platform::setStopPatience`. If the guard still stands `patience` after the first signal, or
-/// `patienceWhenUrged` after such a SIGINT, the process ends with `forceEnd`: the program does not react. The
-/// program that does the work owns it, at most one at a time.
+/// While a guard exists, SIGINT, SIGTERM and SIGHUP are recorded instead of ending the program, so that long
+/// work can stop cleanly; afterwards they do again what they did before. A SIGHUP that was ignored stays
+/// ignored. A SIGINT after the first signal ends every wait for a plugin that does not return
+/// (`platform::setStopPatience`). If the guard still exists `patience` after the first signal, or
+/// `patienceWhenUrged` after such a SIGINT, the process ends with `forceEnd`, because the program does not
+/// react. At most one guard exists at a time.
 class InterruptGuard final {
   public:
     static constexpr std::chrono::seconds patience{20};
@@ -25,7 +25,7 @@ class InterruptGuard final {
     InterruptGuard(const InterruptGuard&) = delete;
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
-    /// Whether one of the signals has come since this guard was made. Any thread, real-time safe.
+    /// Whether a signal has arrived since this guard was made. Any thread, real-time safe.
     [[nodiscard]] bool isInterrupted() const noexcept;
 
   private:

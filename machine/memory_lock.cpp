@@ -17,7 +17,7 @@ bool isPrivileged() {
            && (held[CAP_TO_INDEX(CAP_IPC_LOCK)].effective & CAP_TO_MASK(CAP_IPC_LOCK)) != 0;
 }
 
-/// Under a limit, memory that exceeds it could not even be allocated any more.
+/// Under a limit, allocations beyond it would fail once all memory is locked.
 bool mayLockEverything() {
     rlimit limit{};
     return (getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY) || isPrivileged();

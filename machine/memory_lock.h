@@ -2,9 +2,9 @@
 
 namespace orvane::machine {
 
-/// Keeps the memory that the program uses, from now on as well, from being paged out, where the account may
-/// lock as much as it wants; returns whether it does. Pages are not loaded before they are used. Main thread,
-/// before the program has much memory.
+/// Locks the program's present and future memory against being paged out, if the account may lock any amount.
+/// Returns whether it is locked. Pages are not loaded before they are used. Main thread, before the program
+/// uses much memory.
 bool lockMemory();
 
 } // namespace orvane::machine

@@ -4,7 +4,7 @@
 
 namespace orvane::machine {
 
-/// Writes a sentence to standard error as one line "PROGRAM: ...", as far as that can be written. Main
+/// Writes a sentence to standard error as one line "PROGRAM: ..."; a failure to write is ignored. Main
 /// thread.
 void printMessage(std::string_view program, std::string_view sentence);
 

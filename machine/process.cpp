@@ -14,12 +14,12 @@ namespace orvane::machine {
 
 namespace {
 
-/// Takes the numbers of standard streams that are closed, so that no file gets one and with it what is
-/// printed.
+/// Opens the descriptors of closed standard streams, so that no file opened later takes one of them and
+/// receives the program's output.
 void occupyStandardStreams() {
     int descriptor = -1;
     do
-        // Writing to it still fails.
+        // Read-only, so that writing to it still fails.
         descriptor = ::open("/dev/null", O_RDONLY);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO);
     if (descriptor >= 0) ::close(descriptor);

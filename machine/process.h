@@ -2,16 +2,15 @@
 
 namespace orvane::machine {
 
-/// What both programs settle before anything else: a file that outgrows the shell's limit, and a reader of
-/// the output that has gone, are errors like a full disk and not the end of the program; nothing that is
-/// printed ends up in a file that is opened later, where the streams for it are closed; no file that the
-/// program or a plugin makes can be written by everybody, whatever the shell allows. Main thread, before
-/// others are there.
+/// Sets up the process, for both programs. A file that exceeds the shell's size limit, and output whose
+/// reader is gone, become ordinary write errors. If standard streams are closed, their descriptors are
+/// occupied, so that no file opened later receives the program's output. Files that the program or a plugin
+/// creates are never writable by everyone, whatever the umask. Main thread, before other threads start.
 void prepareProcess();
 
-/// Ends the process at once with that exit code if something has been abandoned to a thread that does not
-/// come back, because nothing that this may still touch can be destroyed then; else returns. All output must
-/// have been written. Main thread.
+/// Ends the process at once with that exit code if anything was abandoned to a thread that does not return,
+/// because the objects that thread may still use cannot be destroyed; returns otherwise. All output must have
+/// been written. Main thread.
 void endIfAbandoned(int exitCode);
 
 } // namespace orvane::machine

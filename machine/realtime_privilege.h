@@ -7,8 +7,9 @@
 
 namespace orvane::machine {
 
-/// What to do so that audio threads may have real-time priority, as one sentence; nothing where they may or
-/// `lender` gives it. A sound server may still lend its own threads some. Any thread but the audio ones.
+/// What to do so that audio threads can have real-time priority, as one sentence; absent if they can, or if
+/// `lender` grants it. A sound server may still have priority for its own threads. Any thread but the audio
+/// ones.
 std::optional<std::string> realtimeAdvice(platform::PriorityLender& lender);
 
 } // namespace orvane::machine

@@ -7,7 +7,7 @@ namespace orvane::machine {
 
 namespace {
 
-// A signal handler is given no context.
+// A signal handler has no context argument.
 std::atomic<bool> saveSignalCame = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 

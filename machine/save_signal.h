@@ -2,11 +2,11 @@
 
 namespace orvane::machine {
 
-/// From now on until the program has ended, SIGUSR1, by which session managers ask programs to save, is
-/// remembered instead of ending the program. The first thing that a program does. Main thread.
+/// From this call on, SIGUSR1, by which session managers ask programs to save, is recorded instead of ending
+/// the program. Must be the first call of a program. Main thread.
 void keepSaveSignal();
 
-/// Whether the signal has come since this was last asked. Any thread, real-time safe.
+/// Whether the signal has arrived since the last call. Any thread, real-time safe.
 [[nodiscard]] bool takeSaveSignal() noexcept;
 
 } // namespace orvane::machine

@@ -7,9 +7,9 @@
 
 namespace orvane::midi {
 
-/// One MIDI source as it is listed to the user. A plain value.
+/// One MIDI source as it is listed for the user. A plain value.
 struct MIDIDeviceInfo {
-    /// The source's unique ID: the same whenever the source is there.
+    /// The source's unique ID; stays the same when the source is connected again.
     std::int32_t id = 0;
     std::string name;
 

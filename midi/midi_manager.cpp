@@ -15,7 +15,7 @@ constexpr std::string_view clientName = "ORVANEMIDIClient";
 constexpr std::string_view portName = "ORVANEInput";
 constexpr const char* unnamedSource = "MIDI Source";
 
-/// The note-on that a packet begins with, absent where it begins with anything else.
+/// The note-on at the start of a packet; absent if the packet starts with anything else.
 std::optional<NoteMessage> noteOnIn(const MIDIPacket& packet) {
     constexpr std::size_t messageLength = 3;
     if (packet.data.size() < messageLength) return std::nullopt;
@@ -72,12 +72,12 @@ struct MIDIManager::State {
     MIDIServices& services;
     std::function<void(const NoteMessage&)> onNoteOn;
     std::function<void()> onSourcesChanged;
-    /// Of the main thread.
+    // Main thread only.
     MIDIClientRef client = 0;
     bool started = false;
 
-    /// Over what follows. Held while connecting, so that of a notification and the main thread one connects
-    /// after the other; never while waiting for a handler.
+    /// Guards the members below. Held while connecting, so that a notification and the main thread never
+    /// connect at the same time; never held while waiting for a handler.
     std::mutex mutex;
     MIDIPortRef inputPort = 0;
     std::optional<std::int32_t> selectedSourceID;

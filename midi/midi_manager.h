@@ -22,44 +22,44 @@ struct NoteMessage {
     bool operator==(const NoteMessage&) const = default;
 };
 
-/// Listens to every MIDI source, or to one that was selected, and gives what note-ons come from there.
-/// Sources that come are connected, also when they come back. Owned by the engine for its whole life. Main
-/// thread but where said otherwise; failures of the services are not reported.
+/// Listens to every MIDI source, or to the selected one, and reports its note-ons. Connects sources when they
+/// appear, including those that come back. Owned by the engine for its whole life. Main thread except where
+/// stated; failures of the services are not reported.
 class MIDIManager final {
   public:
-    /// Stopped; touches no service. `services` outlives the manager.
+    /// Stopped; makes no call to the services. `services` must outlive the manager.
     explicit MIDIManager(platform::MIDIServices& services);
     /// Stops.
     ~MIDIManager();
     MIDIManager(const MIDIManager&) = delete;
     MIDIManager& operator=(const MIDIManager&) = delete;
 
-    // The receivers; set before the start. Both are called on threads of the services: they hand over to the
-    // main thread, and never stop or destroy the manager.
+    // The receivers; set before `start`. Both are called on threads of the services. They must pass the call
+    // on to the main thread, and must not stop or destroy the manager.
 
     /// Gets every note-on of the connected sources.
     void onNoteOn(std::function<void(const NoteMessage&)> receiver);
-    /// Told after every change of the MIDI setup, when the sources are connected anew.
+    /// Called after every change of the MIDI setup, once the sources have been reconnected.
     void onSourcesChanged(std::function<void()> receiver);
 
-    /// Makes a client and a port and connects the sources. Once started it stays so, even where a step
-    /// failed, until it is stopped.
+    /// Makes a client and a port and connects the sources. The manager counts as started until `stop`, even
+    /// if a step failed.
     void start();
     void stop();
 
-    /// Connects every source, or the selected one, and no other. Any thread.
+    /// Connects every source, or only the selected one. Any thread.
     void connectSources();
     /// Any thread.
     void disconnectAllSources();
 
-    /// The unique ID of the one source to listen to; absent = all of them. Connects anew where started.
+    /// The unique ID of the only source to listen to; all of them if absent. Reconnects if started.
     void setSelectedSourceID(std::optional<std::int32_t> sourceID);
     [[nodiscard]] std::optional<std::int32_t> selectedSourceID() const;
 
-    /// The sources that there are now.
+    /// The sources that exist now.
     [[nodiscard]] std::vector<MIDIDeviceInfo> availableSources() const;
 
-    /// The sources that it listens to. Any thread.
+    /// The sources that are connected. Any thread.
     [[nodiscard]] std::set<platform::MIDIEndpointRef> connectedEndpoints() const;
 
   private:
