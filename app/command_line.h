@@ -10,19 +10,19 @@
 
 namespace orvane::app {
 
-/// What the program was started with.
+/// The arguments that the program was started with.
 struct CommandLine {
     machine::AudioMachineOptions machine = {};
     std::optional<std::filesystem::path> session = {};
-    /// Without the session, which has not been read yet.
+    /// Without the session, which is read later.
     ui::LaunchOptions launch = {};
 };
 
-/// Reads the arguments, or gives the exit code with which the program is to end: having printed its help or
-/// version, or what is wrong with them. Main thread.
+/// Reads the arguments. Returns an exit code if the program must end at once: it has printed its help, its
+/// version, or an error. Main thread.
 std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv);
 
-/// Writes a sentence to standard error as one line "orvane: ...", as far as that can be written. Main thread.
+/// Writes a sentence to standard error as one line "orvane: ..."; a failure to write is ignored. Main thread.
 void printMessage(std::string_view sentence);
 
 } // namespace orvane::app

@@ -20,7 +20,7 @@ void DesktopServices::follow(const engine::EngineState* mixer) {
 void DesktopServices::hear(const engine::EngineState& mixer, bool isRunning) {
     sleepInhibitor.setHeld(isRunning);
     if (!std::exchange(hasRun, isRunning) || isRunning) return;
-    // Where nobody has stopped it, the sentence that says why it did follows before anything else is done.
+    // If the audio stopped by itself, the engine sets the reason before it returns to the main thread's loop.
     mainThread.post([this, &mixer, before = mixer.lastError.get(), followed = std::weak_ptr(following)] {
         if (followed.expired() || mixer.isRunning.get()) return;
         const auto& reason = mixer.lastError.get();

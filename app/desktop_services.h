@@ -11,14 +11,15 @@
 
 namespace orvane::app {
 
-/// What the desktop does for the mixer: keeps the machine awake while the audio runs, and tells the operator
-/// of audio that has stopped by itself. Main thread.
+/// The mixer's use of the desktop: keeps the computer awake while the audio runs, and notifies the operator
+/// if the audio stops by itself. Main thread.
 class DesktopServices final {
   public:
-    /// Both outlive it.
+    /// Both must outlive it.
     DesktopServices(platform::MainThread& thread, platform::SystemLog& log);
 
-    /// Serves the mixer of that state, whose audio does not run yet, in place of any other; null is none.
+    /// Follows the mixer of that state, which must not be running yet, instead of any other; null for no
+    /// mixer.
     void follow(const engine::EngineState* mixer);
 
   private:
@@ -28,7 +29,7 @@ class DesktopServices final {
     platform::desktop::SleepInhibitor sleepInhibitor;
     platform::desktop::DesktopNotifier notifier;
     audio::Subscription toRunning;
-    /// Ends with the service for one mixer.
+    /// Expires when another mixer is followed.
     std::shared_ptr<const bool> following;
     bool hasRun = false;
 };

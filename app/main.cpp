@@ -39,9 +39,9 @@ namespace {
 using namespace orvane;
 using namespace std::chrono_literals;
 
-/// How often the audio threads' log lines are written and signals are looked for.
+/// How often the audio threads' log lines are written and signals are checked.
 constexpr auto housekeepingInterval = 50ms;
-/// How often a session manager is told whether there are changes to save; to look asks each plugin its state.
+/// How often changes are reported to the session manager; each check asks every plugin for its state.
 constexpr auto changesInterval = 2s;
 constexpr std::string_view unsavedChanges =
     "A signal ended the program while its session had changes that were not saved; they are lost. Send "
@@ -52,7 +52,7 @@ constexpr std::string_view unsavedChanges =
     std::_Exit(EXIT_FAILURE);
 }
 
-/// Qt ends a program whose display it cannot use; the line that says so is the program's own.
+/// Qt aborts if it cannot use the display; this prints the program's own message first.
 void reportNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
     if (type == QtFatalMsg) endWithoutDisplay();
 }
@@ -76,7 +76,7 @@ platform::FilePreferences makePreferences() {
     return platform::FilePreferences(std::move(folder));
 }
 
-/// Shows and logs what went wrong with a recording; returns whether anything did.
+/// Shows and logs a problem of the recording. Returns whether there was one.
 bool reportRecording(machine::AudioMachine& audioMachine, const ui::ORVANEApp* window) {
     auto problem = audioMachine.recorder() == nullptr ? std::nullopt : audioMachine.recorder()->takeProblem();
     if (!problem) return false;
@@ -86,7 +86,7 @@ bool reportRecording(machine::AudioMachine& audioMachine, const ui::ORVANEApp* w
     return true;
 }
 
-/// Runs the window until it is closed or a signal ends the program, then arms the deadline; returns the exit
+/// Runs the window until it is closed or a signal ends the program, then arms the deadline. Returns the exit
 /// code.
 int run(
     app::CommandLine line, machine::AudioMachine& audioMachine, app::ManagedSession* managed,
@@ -142,7 +142,7 @@ int run(
     std::unique_ptr<platform::MainThreadTimer> watching;
     if (managed != nullptr) {
         managed->serve(window);
-        watching = mainThread.repeat(changesInterval, [&] { managed->tellChanges(window); });
+        watching = mainThread.repeat(changesInterval, [&] { managed->reportChanges(window); });
     }
     window.show();
     window.showProblems(problems);
@@ -155,7 +155,7 @@ int run(
 } // namespace
 
 int main(int argc, char** argv) {
-    // A request to save that comes while the program is still starting must not end it.
+    // A request to save that arrives during startup must not end the program.
     machine::keepSaveSignal();
     machine::prepareProcess();
     auto line = app::readCommandLine(argc, argv);

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The window waits as long, so not for long where NSM_URL names a manager that is gone.
+/// The window opens only after this, so it is short: NSM_URL may name a manager that no longer runs.
 constexpr platform::session_manager::ManagerPatience patience{.answer = 2s, .open = 10s};
 
 } // namespace
@@ -31,14 +31,14 @@ std::unique_ptr<ManagedSession> ManagedSession::join(const std::filesystem::path
 ManagedSession::ManagedSession(std::unique_ptr<platform::session_manager::SessionManagerClient> joined)
     : client(std::move(joined)), sessionFile(client->session().path) {
     sessionFile += ".orvane";
-    // Where this fails, so will saving, which says why.
+    // If this fails, saving fails too and reports why.
     std::error_code ignored;
     std::filesystem::create_directories(sessionFile.parent_path(), ignored);
 }
 
 bool ManagedSession::isStored() const {
     std::error_code unknown;
-    // What cannot be looked at is read, which says why not.
+    // A file whose status cannot be read counts as existing; reading it reports why.
     return std::filesystem::exists(sessionFile, unknown) || unknown;
 }
 
@@ -51,7 +51,7 @@ void ManagedSession::serve(ui::ORVANEApp& window) {
     client->setOnSave([this, &window] {
         window.saveTo(sessionFile, [this, &window](const platform::Result<platform::Done>& saved) {
             client->answerSave(saved);
-            tellChanges(window);
+            reportChanges(window);
         });
     });
     if (isRefused) return;
@@ -63,7 +63,7 @@ void ManagedSession::serve(ui::ORVANEApp& window) {
     });
 }
 
-void ManagedSession::tellChanges(const ui::ORVANEApp& window) {
+void ManagedSession::reportChanges(const ui::ORVANEApp& window) {
     client->setDirty(window.isUnsaved());
 }
 

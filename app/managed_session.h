@@ -9,29 +9,30 @@
 
 namespace orvane::app {
 
-/// The session that a session manager has the program open, as its file. Outlives the window. Main thread.
+/// The session that a session manager asks the program to open, and its file. Outlives the window. Main
+/// thread.
 class ManagedSession final {
   public:
-    /// Asks the manager that NSM_URL names what to open. Null where none is named, or where it cannot be
-    /// joined, which is printed. Waits for the manager, at most for some seconds.
+    /// Joins the session manager that NSM_URL names. Null if NSM_URL names none, or if joining fails, which
+    /// is printed. Waits for the manager for a few seconds at most.
     static std::unique_ptr<ManagedSession> join(const std::filesystem::path& program);
 
     explicit ManagedSession(std::unique_ptr<platform::session_manager::SessionManagerClient> joined);
 
     [[nodiscard]] const std::filesystem::path& file() const { return sessionFile; }
-    /// What the program's audio clients are to be called.
+    /// The name for the program's audio clients.
     [[nodiscard]] const std::string& clientName() const { return client->session().clientID; }
-    /// Whether there is a file already; otherwise a new session is to begin.
+    /// Whether the file exists; otherwise a new session begins.
     [[nodiscard]] bool isStored() const;
 
-    /// Tells the manager that its session could not be opened; its file is not written then.
+    /// Reports to the manager that its session could not be opened. The file is not written after that.
     void refuse(const std::string& sentence);
-    /// Tells the manager when `window` has the session open, unless it has been refused, and has it saved
-    /// when the manager asks; the window stays until the last `poll`.
+    /// Reports to the manager when `window` has opened the session, unless it was refused, and saves it when
+    /// the manager asks. `window` must not be destroyed before the last `poll`.
     void serve(ui::ORVANEApp& window);
-    /// Tells the manager whether there are changes to save.
-    void tellChanges(const ui::ORVANEApp& window);
-    /// Serves what the manager asks; never waits.
+    /// Reports to the manager whether there are changes to save.
+    void reportChanges(const ui::ORVANEApp& window);
+    /// Handles the manager's requests; never waits.
     void poll() { client->poll(); }
 
   private:
