@@ -1,7 +1,7 @@
 #include "app/command_line.h"
 
 #include "engine/show.h"
-#include "machine/message.h"
+#include "machine/process.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

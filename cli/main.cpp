@@ -1,7 +1,7 @@
 #include "cli/command_line.h"
 #include "cli/message.h"
 #include "machine/process.h"
-#include "machine/save_signal.h"
+#include "machine/signals.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "cli/message.h"
 
-#include "machine/message.h"
+#include "machine/process.h"
 
 namespace orvane::cli {
 

@@ -1,7 +1,7 @@
 #include "cli/midi_send.h"
 
 #include "machine/audio_machine.h"
-#include "machine/interrupt.h"
+#include "machine/signals.h"
 #include "platform/jack/jack_clients.h"
 
 #include <fmt/format.h>

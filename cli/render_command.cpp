@@ -7,7 +7,7 @@
 #include "cli/standard_input.h"
 #include "engine/show.h"
 #include "machine/forced_end.h"
-#include "machine/interrupt.h"
+#include "machine/signals.h"
 
 #include <CLI/CLI.hpp>
 

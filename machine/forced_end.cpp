@@ -1,6 +1,6 @@
 #include "machine/forced_end.h"
 
-#include "machine/message.h"
+#include "machine/process.h"
 #include "platform/virtual/output_recorder.h"
 
 #include <cerrno>
@@ -16,8 +16,7 @@ void forceEnd(int exitCode) {
     platform::virtual_devices::OutputRecorder::completeAll();
     printMessage(
         program_invocation_short_name,
-        "The program has been ended, because a plugin or a sound server that it was waiting for did not "
-        "return."
+        "The program was ended because it waited too long for a plugin or a sound server."
     );
     std::_Exit(exitCode);
 }

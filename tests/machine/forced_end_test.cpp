@@ -1,5 +1,5 @@
 #include "machine/forced_end.h"
-#include "machine/interrupt.h"
+#include "machine/signals.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/virtual/output_recorder.h"
 #include "platform/virtual/planar_blocks.h"
@@ -17,7 +17,7 @@ namespace {
 using namespace orvane;
 using machine::EndDeadline;
 
-/// The exit code of a child process that does `work` and then never returns from what it does.
+/// The exit code of a child process that hangs after `work`.
 int exitCodeOfHangingChild(const std::function<void()>& work) {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -30,7 +30,7 @@ int exitCodeOfHangingChild(const std::function<void()>& work) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST(ForcedEnd, OfAProgramThatDoesNotReactLeavesItsRecordingWhole) {
+TEST(ForcedEnd, CompletesTheRecordingOfAProgramThatHangs) {
     const test::TemporaryFolder folder;
     constexpr std::size_t frames = 4800;
     const int exitCode = exitCodeOfHangingChild([&folder] {
@@ -47,7 +47,7 @@ TEST(ForcedEnd, OfAProgramThatDoesNotReactLeavesItsRecordingWhole) {
     EXPECT_EQ(reader.value().frameCount(), static_cast<std::int64_t>(frames));
 }
 
-TEST(ForcedEnd, ComesOnceTheDeadlineIsOverUnlessThatIsGone) {
+TEST(ForcedEnd, HappensAtTheDeadlineUnlessTheDeadlineIsDestroyed) {
     static EndDeadline deadline;
     EXPECT_EQ(exitCodeOfHangingChild([] { deadline.arm(7, std::chrono::seconds(0)); }), 7);
     EndDeadline().arm(7);

@@ -1,4 +1,4 @@
-#include "machine/interrupt.h"
+#include "machine/signals.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ using orvane::machine::InterruptGuard;
 
 constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-TEST(InterruptGuard, RemembersASignalInsteadOfEndingTheProgram) {
+TEST(InterruptGuard, RecordsASignalInsteadOfEndingTheProgram) {
     for (const int signal : endingSignals) {
         const InterruptGuard guard;
         EXPECT_FALSE(guard.isInterrupted()) << "before signal " << signal;
@@ -21,7 +21,7 @@ TEST(InterruptGuard, RemembersASignalInsteadOfEndingTheProgram) {
     }
 }
 
-TEST(InterruptGuard, LetsAProgramOutliveItsTerminalThatIsToldTo) {
+TEST(InterruptGuard, KeepsSighupIgnored) {
     const auto before = std::signal(SIGHUP, SIG_IGN);
     const InterruptGuard guard;
     std::raise(SIGHUP);
@@ -29,7 +29,7 @@ TEST(InterruptGuard, LetsAProgramOutliveItsTerminalThatIsToldTo) {
     std::signal(SIGHUP, before);
 }
 
-TEST(InterruptGuard, GivesTheSignalsBackAsTheyWere) {
+TEST(InterruptGuard, RestoresTheSignalHandlers) {
     for (const int signal : endingSignals) {
         for (const auto handler : {SIG_DFL, SIG_IGN}) {
             const auto before = std::signal(signal, handler);

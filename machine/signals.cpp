@@ -1,4 +1,4 @@
-#include "machine/interrupt.h"
+#include "machine/signals.h"
 
 #include "machine/forced_end.h"
 #include "platform/base/stop_patience.h"
@@ -19,6 +19,7 @@ namespace {
 // A signal handler has no context argument, so these cannot be members of the guard.
 std::atomic<bool> signalCame = false;
 std::atomic<bool> isUrged = false;
+std::atomic<bool> saveSignalCame = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 /// Posted when a flag changes and when the guard is destroyed.
 sem_t news;
@@ -57,6 +58,10 @@ void watchForTheEnd(const std::stop_token& isOver) {
     }
 }
 
+void rememberSave(int /*signal*/) noexcept {
+    saveSignalCame = true;
+}
+
 } // namespace
 
 InterruptGuard::InterruptGuard() {
@@ -88,6 +93,17 @@ InterruptGuard::~InterruptGuard() {
 
 bool InterruptGuard::isInterrupted() const noexcept {
     return signalCame;
+}
+
+void keepSaveSignal() {
+    struct sigaction action {};
+    action.sa_handler = rememberSave;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGUSR1, &action, nullptr);
+}
+
+bool takeSaveSignal() noexcept {
+    return saveSignalCame.exchange(false);
 }
 
 } // namespace orvane::machine
