@@ -18,12 +18,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// After so long without one more plugin, the next is said to take its time.
+/// Without progress for this long, the next plugin is reported as slow.
 constexpr auto longTime = 5s;
-/// After so long, it is taken for one that never gets ready.
+/// Without progress for this long, the next plugin counts as stuck.
 constexpr auto veryLongTime = 15s;
 
-/// "Name (insert 2 of Alto)" of each slot that is still loading.
+/// Returns "Name (insert 2 of Alto)" for each slot that is still loading.
 std::vector<std::string> loadingPlugins(const engine::EngineState& state) {
     std::vector<std::string> loading;
     const plugins::PluginLoadStates& states = state.pluginLoadStates.get();
@@ -57,7 +57,7 @@ void awaitPlugins(
     bool isTold = false;
     bool isStuck = false;
     ProgressBar bar;
-    // Also lets a cancellation be seen while a plugin takes its time.
+    // Also lets a cancellation take effect while a plugin loads.
     const auto timer = loop.repeat(50ms, [&] {
         const auto now = std::chrono::steady_clock::now();
         std::vector<std::string> left = loadingPlugins(engine.state());

@@ -7,11 +7,11 @@
 
 namespace orvane::cli {
 
-/// What is done about a plugin that never gets ready.
+/// What to do about a plugin that never finishes loading.
 enum class IfStuck { wait, goOn };
 
-/// Runs the engine's main thread until every insert plugin that it is loading is live or has failed, or until
-/// `isCancelled`. Shows how far it is on a terminal, and names a plugin that takes more than a few seconds.
+/// Runs the engine's main thread until every insert plugin that is loading is live or has failed, or until
+/// `isCancelled`. Shows its progress on a terminal and names a plugin that takes more than a few seconds.
 /// Main thread.
 void awaitPlugins(
     const engine::MixerEngine& engine, platform::RunLoop& loop, IfStuck ifStuck,

@@ -6,7 +6,7 @@ namespace orvane::cli {
 
 namespace {
 
-/// The buffer sizes of all other devices are the program's own.
+/// Only JACK servers share their buffer size with other programs.
 bool isShared(const audio::AudioDeviceInfo& device) {
     return device.uid.starts_with("jack:");
 }

@@ -9,8 +9,8 @@
 
 namespace orvane::cli {
 
-/// Gives JACK servers back the buffer size that they had before a run: they share it with all of their
-/// clients. Made and destroyed while nothing runs. Main thread.
+/// Restores the buffer sizes of JACK servers after a run; a server shares its size with all of its clients.
+/// Made and destroyed while nothing runs. Main thread.
 class BufferSizeKeeper final {
   public:
     /// `audioHardware` must outlive the keeper.
@@ -19,15 +19,15 @@ class BufferSizeKeeper final {
     BufferSizeKeeper(const BufferSizeKeeper&) = delete;
     BufferSizeKeeper& operator=(const BufferSizeKeeper&) = delete;
 
-    /// Returns the present size of a device in frames, nothing if it cannot be read, and remembers that of a
-    /// server.
+    /// Returns the current buffer size of a device in frames, absent if it cannot be read. Remembers it if
+    /// the device is a JACK server.
     std::optional<std::uint32_t> remember(const audio::AudioDeviceInfo& device);
 
-    /// Looks which sizes the run has changed by now. Called once it has begun or has failed to begin.
+    /// Records which sizes the run has changed. Called once the run has started or failed to start.
     void noteChanges();
 
-    /// Sets the sizes that the run has changed to what they were, except where another program has changed
-    /// them since, and forgets them.
+    /// Restores the sizes that the run changed, except those that another program has changed since, and
+    /// forgets them.
     void restore();
 
   private:

@@ -7,46 +7,46 @@
 
 namespace orvane::cli {
 
-/// A few chunks that go round between a thread that fills them and one that uses them, in order: who is
-/// faster waits for the other, and memory stays what it was at the start. Nothing for audio threads.
+/// A few chunks that circulate, in order, between a thread that fills them and a thread that uses them. The
+/// faster thread waits for the other; memory use is constant. Not for audio threads.
 template <class Chunk>
 class ChunkQueue final {
   public:
-    /// `empty`: at least one chunk, all alike.
+    /// `empty`: at least one chunk, all of the same size.
     explicit ChunkQueue(std::vector<Chunk> empty) : chunks(std::move(empty)) {}
 
-    /// The next chunk to fill; waits until one has been used up. Null where the queue was abandoned. Filling
-    /// thread, like the next two.
+    /// Returns the next chunk to fill; waits until one is free. Null if the queue was abandoned. Filling
+    /// thread, like the next two functions.
     [[nodiscard]] Chunk* beginFilling() {
         std::unique_lock guard(mutex);
         changed.wait(guard, [this] { return isAbandoned || filled - used < chunks.size(); });
         return isAbandoned ? nullptr : &chunks[filled % chunks.size()];
     }
 
-    /// Hands over the chunk that was begun.
+    /// Passes on the chunk returned by `beginFilling`.
     void endFilling() {
         change([this] { ++filled; });
     }
 
-    /// No chunk follows.
+    /// Marks the end: no chunk follows.
     void finish() {
         change([this] { isFinished = true; });
     }
 
-    /// The next chunk to use; waits until one has been filled. Null after the last and where the queue was
-    /// abandoned. Using thread, like the next one.
+    /// Returns the next chunk to use; waits until one is filled. Null after the last one, or if the queue was
+    /// abandoned. Using thread, like the next function.
     [[nodiscard]] Chunk* beginUsing() {
         std::unique_lock guard(mutex);
         changed.wait(guard, [this] { return isAbandoned || isFinished || used < filled; });
         return isAbandoned || used == filled ? nullptr : &chunks[used % chunks.size()];
     }
 
-    /// Gives the chunk that was begun back.
+    /// Returns the chunk to the queue.
     void endUsing() {
         change([this] { ++used; });
     }
 
-    /// Both sides are to stop, whatever is left. Any thread.
+    /// Makes both sides stop, whatever is left. Any thread.
     void abandon() {
         change([this] { isAbandoned = true; });
     }

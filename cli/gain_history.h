@@ -6,25 +6,25 @@
 
 namespace orvane::cli {
 
-/// The automix gains of every strip over a run of any length: one point about every 100 ms, and where these
-/// become too many, every second of them goes and the interval doubles. One thread.
+/// The automix gains of every strip over a run of any length: one point about every 100 ms. When the points
+/// become too many, every second one is dropped and the interval doubles. One thread.
 class GainHistory final {
   public:
     /// The most points that a strip has.
     static constexpr std::size_t mostPoints = 6000;
 
-    /// `blockSeconds`: length of a block.
+    /// `blockSeconds`: duration of a block.
     GainHistory(std::size_t stripCount, double blockSeconds);
 
-    /// Takes in the linear gains after one more block; those beyond the strips do not count.
+    /// Adds the linear gains after one more block; gains beyond the strips are ignored.
     void add(std::span<const double> gains);
 
-    /// Between two points; also the time of the first one.
+    /// The time between two points, and the time of the first one.
     [[nodiscard]] double intervalSeconds() const {
         return static_cast<double>(blocksPerPoint) * secondsPerBlock;
     }
 
-    /// Every strip's points, in dB, rounded to a hundredth.
+    /// The points of every strip, in dB, rounded to a hundredth.
     [[nodiscard]] const std::vector<std::vector<double>>& gainsDB() const { return points; }
 
   private:

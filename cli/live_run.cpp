@@ -41,7 +41,7 @@ using platform::Result;
 using namespace std::chrono_literals;
 
 constexpr auto meterInterval = 33333us;
-/// Lines that nobody rewrites would fill a log: there one frame a second will do.
+/// Without a terminal, the lines of the meters are appended: one frame a second keeps logs short.
 constexpr double plainLineSeconds = 1.0;
 constexpr std::size_t mostStrips = 48;
 
@@ -68,14 +68,14 @@ class LiveRun final {
             if (!read) return read.error();
             document = std::move(read).value();
         }
-        // The strips of an engine are fixed, but the devices that may decide their number are an engine's to
-        // list.
+        // The number of strips of an engine is fixed, but only an engine can list the devices that may
+        // determine it.
         platform::SystemMIDIServices noMIDI({});
         MixerEngine scout(0, services(noMIDI));
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
-        // Devices that are named are the wanted ones, unless they fail.
+        // If a device is named, the advice is printed only if that device fails.
         if (!machine.mainUID) adviseOnDevices();
         const auto main = findDevice(devices, machine.mainUID);
         if (!main) {
@@ -93,18 +93,17 @@ class LiveRun final {
             )};
         if (document) channelsBeyond = engine::channelsBeyond(*document, strips);
         engine.emplace(strips, services(machine.midi()));
-        // What the session asks for and cannot have; the mix goes on without.
+        // Prints what the session requests but cannot have; the mix continues without it.
         const auto toErrors = engine->state().lastError.subscribe(printSentence);
         engine->selectDevice(main.value());
-        // Before the mix is set up: a routing of the master bus that the device lacks is for the start to
-        // tell.
+        // Before the mix is set up: `start` reports a routing of the master bus that this device lacks.
         if (options.masterDevice) {
             const auto master = findDevice(devices, options.masterDevice);
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
         if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
-        // A show begins without a plugin that hangs; it joins in if it comes.
+        // The show begins without a plugin that hangs; the plugin joins once it is ready.
         awaitPlugins(*engine, loop, IfStuck::goOn, [] { return false; });
         chooseBufferSize(document.has_value());
         if (auto armed = armLearn(); !armed) return armed;
@@ -112,10 +111,10 @@ class LiveRun final {
     }
 
     Result<Done> run() {
-        // What needs threads, before there is a mix that would end where the system has none left.
+        // Whatever needs threads comes before the audio starts: if none are left, the run fails here.
         const std::optional<std::string> advice = machine::realtimeAdvice(machine.priorityLender());
         if (options.meters != MeterStyle::none) meters.emplace(STDOUT_FILENO);
-        // From here on the run has things to give back at its end.
+        // From here on, the run has state to restore at its end.
         const machine::InterruptGuard interrupt;
         engine->start();
         bufferSizes.noteChanges();
@@ -123,7 +122,7 @@ class LiveRun final {
         if (!engine->state().isRunning.get()) {
             bufferSizes.restore();
             adviseOnDevices();
-            // The name of a device in use says by which program.
+            // The name of a device in use includes the program that uses it.
             return Error{fmt::format(
                 "{}: {}", engine->state().selectedDevice.get()->name,
                 message.value_or("The mixer did not start.")
@@ -143,7 +142,7 @@ class LiveRun final {
             engine->state().lastError.subscribe([this](const std::optional<std::string>& text) {
                 if (text && engine->state().isRunning.get()) printMessage(*text);
             });
-        // Without a window, only a MIDI note selects a scene, and that recalls it.
+        // Without a window, only a MIDI note selects a scene, which also recalls it.
         const auto toRecalls = engine->state().currentSnapshotIndex.subscribe([this](const auto& index) {
             if (index) printMessage("Recalled snapshot " + numberAndName(*index));
         });
@@ -162,7 +161,7 @@ class LiveRun final {
     }
 
   private:
-    /// The device as it is once other programs have let go of it.
+    /// Returns the device's current description: other programs may have released it since it was listed.
     Result<AudioDeviceInfo>
     findDevice(const std::vector<AudioDeviceInfo>& devices, const std::optional<std::string>& uid) {
         auto found = audio::findDevice(machine.hardware(), devices, uid);
@@ -174,7 +173,7 @@ class LiveRun final {
         return device;
     }
 
-    /// Says at most once which devices are out of reach.
+    /// Prints the advice on unreachable devices, at most once.
     void adviseOnDevices() {
         if (!std::exchange(hasAdvised, true)) printSentence(machine.deviceAdvice());
     }
@@ -197,7 +196,7 @@ class LiveRun final {
         return Error{fmt::format("The session has no snapshot {} to learn a note for.", *options.learn)};
     }
 
-    /// "2: Loud".
+    /// Returns for example "2: Loud".
     [[nodiscard]] std::string numberAndName(std::int64_t snapshot) const {
         const auto index = static_cast<std::size_t>(snapshot);
         return fmt::format("{}: {}", index + 1, engine->state().snapshots.get()[index].name);
@@ -214,7 +213,7 @@ class LiveRun final {
         return Done{};
     }
 
-    /// Writes the session as it is now to the file that it came from.
+    /// Writes the session as it is now to the file that it was read from.
     void save() {
         if (!options.session)
             return printMessage("There is no file to save the session to; the mixer was started without one "
@@ -233,7 +232,7 @@ class LiveRun final {
         );
     }
 
-    /// Returns a new problem of the recording, if there is one.
+    /// Returns a new problem of the recording; absent if there is none.
     std::optional<std::string> lookAtRecording() {
         auto problem = machine.recorder() == nullptr ? std::nullopt : machine.recorder()->takeProblem();
         if (problem) recordingProblem = problem;
@@ -325,12 +324,12 @@ class LiveRun final {
     const LiveRunOptions& options;
     AudioMachine& machine;
     platform::RunLoop& loop;
-    /// Outlives the engine, which must have stopped.
+    /// Must outlive the engine, which must have stopped before the sizes are restored.
     BufferSizeKeeper bufferSizes{machine.hardware()};
     std::optional<MixerEngine> engine;
-    /// The channels of the session that the mixer has no strips for: they stay in its file.
+    /// The channels of the session beyond the mixer's strips; they stay in its file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
-    /// The session's file as it was read or written last.
+    /// The stamp of the session file when it was last read or written.
     std::optional<platform::FileStamp> sessionStamp;
     std::optional<std::string> recordingProblem;
     std::optional<MeterOutput> meters;
@@ -361,7 +360,7 @@ int runLive(const LiveRunOptions& options) {
     LiveRun run(options, *machine.value(), loop);
     Result<Done> outcome = run.prepare();
     if (outcome) outcome = run.run();
-    // What explains a failure comes before it.
+    // The log may explain a failure, so it is printed first.
     machine.value()->log.flush();
     const int exitCode = report(outcome);
     machine::endIfAbandoned(exitCode);

@@ -11,7 +11,7 @@
 #include <variant>
 
 int main(int argc, char** argv) {
-    // A request to save that comes before or after the mix must not end the program.
+    // A request to save that arrives before or after the mix must not end the program.
     orvane::machine::keepSaveSignal();
     orvane::machine::prepareProcess();
     try {

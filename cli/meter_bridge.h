@@ -8,7 +8,7 @@
 
 namespace orvane::cli {
 
-/// What a meter bridge shows at one moment. A plain value.
+/// The values of a meter bridge at one moment. A plain value.
 struct MeterFrame {
     struct Strip {
         std::string name;
@@ -41,15 +41,15 @@ struct MeterFrame {
     std::optional<Scene> scene = {};
 };
 
-/// The frame for people, a line each: every strip, then master, reference, and load with xruns. Lines end
-/// with a line feed.
+/// Formats a frame for people, one line each for every strip, the master, the reference, and load with xruns.
+/// Every line ends with a line feed.
 std::string meterText(const MeterFrame& frame);
 
-/// The same, to be written over the `meterText` of the frame before on a terminal: moves up, rewrites each
-/// line to its end, in one piece.
+/// Formats a frame so that it overwrites the previous frame's `meterText` on a terminal: moves the cursor up
+/// and rewrites each line to its end, in one piece.
 std::string meterTextOver(const MeterFrame& frame);
 
-/// The frame for programs: one JSON object on one line.
+/// Formats a frame for programs: one JSON object on one line.
 std::string meterJSON(const MeterFrame& frame);
 
 } // namespace orvane::cli

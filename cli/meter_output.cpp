@@ -27,7 +27,7 @@ int writeWhole(int descriptor, std::string_view text) {
         if (written >= 0) {
             text.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EAGAIN) {
-            // Whoever shares the descriptor has it so.
+            // Another process that shares the descriptor has made it nonblocking.
             pollfd output{.fd = descriptor, .events = POLLOUT, .revents = 0};
             ::poll(&output, 1, -1);
         } else if (errno != EINTR) {
@@ -39,7 +39,7 @@ int writeWhole(int descriptor, std::string_view text) {
 
 } // namespace
 
-/// Shared with the thread, which may have to be left behind in a write that nobody reads.
+/// Shared with the thread, which may remain blocked in a write after the output is destroyed.
 struct MeterOutput::State {
     explicit State(int writtenTo) : descriptor(writtenTo), isTerminal(::isatty(writtenTo) == 1) {}
 

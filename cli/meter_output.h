@@ -5,22 +5,22 @@
 
 namespace orvane::cli {
 
-/// Where meter frames go. A thread of its own writes them, so that whoever reads them, or does not, keeps
-/// nobody waiting. A run owns it; main thread.
+/// Writes meter frames on a thread of its own, so that a slow reader never delays the run. Owned by a run;
+/// main thread.
 class MeterOutput final {
   public:
-    /// The descriptor stays open for as long as the program runs.
+    /// `descriptor` must stay open for the rest of the process.
     explicit MeterOutput(int descriptor);
-    /// Gives a frame under way the time that a reader takes who reads at all.
+    /// Waits briefly for a frame that is being written.
     ~MeterOutput();
     MeterOutput(const MeterOutput&) = delete;
     MeterOutput& operator=(const MeterOutput&) = delete;
 
-    /// Has a frame written whole, and returns true, unless one before it is still being written or could not
-    /// be. A terminal is sent its `terminalText`. Never waits.
+    /// Queues a frame to be written whole and returns true. Returns false if an earlier frame is still being
+    /// written or could not be written. A terminal receives its `terminalText`. Never waits.
     bool write(std::string frame);
 
-    /// Why nothing can be written any more, as an error number (errno); 0 as long as that is not so.
+    /// The error number (errno) that ended the writing; 0 if there was none.
     [[nodiscard]] int error() const;
 
   private:

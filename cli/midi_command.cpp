@@ -61,7 +61,7 @@ int listSources(const MIDIOptions& options) {
 }
 
 int send(const MIDIOptions& options) {
-    // It was checked when the arguments were parsed.
+    // The note was validated when the arguments were parsed.
     const auto sent = sendNote(parseNote(options.note).value(), options.seconds);
     if (sent) return 0;
     printMessage(sent.error().description);

@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 
 constexpr const char* sourceName = "note";
 constexpr auto pause = 10ms;
-/// After a listener has connected, and after a message was sent: what a server may take to pass it on.
+/// The time that a server may take to pass on a new connection or a message.
 constexpr auto settlingTime = 200ms;
 
 std::vector<std::string_view> split(std::string_view text) {
@@ -48,7 +48,7 @@ std::optional<std::uint8_t> parseNumber(std::string_view digits, std::uint8_t le
     return number;
 }
 
-/// Made with the first driver that can.
+/// Makes the source with the first driver that works.
 std::unique_ptr<MIDIOwnSource> makeSource(const std::vector<std::unique_ptr<platform::MIDIDriver>>& drivers) {
     for (const auto& driver : drivers)
         if (auto source = driver->createSource(sourceName)) return std::move(source).value();

@@ -7,7 +7,7 @@
 
 namespace orvane::cli {
 
-/// A note-on to be sent. A plain value.
+/// A note-on to send. A plain value.
 struct SentNote {
     /// 0 to 15.
     std::uint8_t channel = 0;
@@ -22,9 +22,8 @@ struct SentNote {
 /// Reads CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with channels counted from 1.
 platform::Result<SentNote> parseNote(std::string_view text);
 
-/// Makes a MIDI source that other programs see, waits until one listens to it, and sends the note and then
-/// its end. Fails where there is nothing to send through, or where nobody listens within the time. Main
-/// thread.
+/// Makes a MIDI source that other programs can see, waits until one connects to it, and sends the note-on and
+/// the note-off. Fails if there is no MIDI service, or if no program connects in time. Main thread.
 platform::Result<platform::Done> sendNote(const SentNote& note, double mostSeconds);
 
 } // namespace orvane::cli

@@ -9,7 +9,7 @@ setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocument
     engine.resetRoutingOneToOne();
     engine.allOutputsOff();
     if (document) {
-        // A copy: every edit replaces the list.
+        // Iterates over a copy, because every edit replaces the list.
         for (const session::ChannelStrip& strip : std::vector(engine.state().channelStrips.get()))
             engine.setInputChannel(strip.id, std::nullopt);
         const auto loaded = engine.loadDocument(*document);

@@ -8,10 +8,10 @@
 
 namespace orvane::cli {
 
-/// Sets up a stopped engine, whose devices are selected, for a command: as `document` says, or else so that
-/// every strip hears the input of its own number and goes to the master bus alone, which goes to the first
-/// two outputs of its device. Strips that the document does not have are patched to nothing. Returns what
-/// kept it from that, if anything did: the whole sentence for the user.
+/// Sets up a stopped engine whose devices are selected: as `document` specifies, or else with every strip
+/// patched to the input of its own number and sent only to the master bus, which goes to the first two
+/// outputs of its device. Strips that the document lacks are not patched. Returns an error, a whole sentence
+/// for the user, if the document cannot be loaded.
 std::optional<platform::Error>
 setUpMix(engine::MixerEngine& engine, const std::optional<session::MixerDocumentData>& document);
 

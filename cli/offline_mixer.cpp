@@ -19,7 +19,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platfor
 
 } // namespace
 
-/// Captures what the caller of the cycle brought.
+/// Captures the blocks that were passed to the cycle.
 struct OfflineMixer::Input final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < blocks.size(); ++channel)
@@ -29,7 +29,7 @@ struct OfflineMixer::Input final : platform::virtual_devices::VirtualInput {
     std::span<const std::span<const float>> captured;
 };
 
-/// Plays to the caller of the cycle.
+/// Plays into the blocks that were passed to the cycle.
 struct OfflineMixer::Output final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < blocks.size(); ++channel)

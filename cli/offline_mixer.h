@@ -15,11 +15,11 @@
 
 namespace orvane::cli {
 
-/// The mixer on a device that is as fast as it is asked: the engine, the I/O engine and all below as on an
-/// interface, one cycle at a time. One thread.
+/// The mixer on a device that runs as fast as it is driven: the engine, the I/O engine and everything below
+/// are the same as on an audio interface, one cycle at a time. One thread.
 class OfflineMixer final {
   public:
-    /// What the device is like.
+    /// The format of the device.
     struct Device {
         std::size_t inputCount = 0;
         std::size_t outputCount = 0;
@@ -35,25 +35,25 @@ class OfflineMixer final {
     [[nodiscard]] engine::MixerEngine& engine() { return mixer; }
     [[nodiscard]] const engine::MixerEngine& engine() const { return mixer; }
 
-    /// Frames in every cycle.
+    /// The number of frames in a cycle.
     [[nodiscard]] std::size_t blockLength() const {
         return static_cast<std::size_t>(mixer.state().bufferSize.get());
     }
 
-    /// The main thread of the engine; it only runs where somebody runs it.
+    /// The engine's main thread; the owner must run it.
     [[nodiscard]] platform::RunLoop& loop() { return mainThread; }
 
-    /// Starts the engine; fails with its message.
+    /// Starts the engine. Fails with the engine's message.
     platform::Result<platform::Done> start();
 
-    /// One cycle of a started mixer: every input channel's block is captured, every output channel's is
-    /// filled.
+    /// Runs one cycle of a started mixer: captures one block per input channel from `captured` and fills one
+    /// block per output channel in `played`.
     void cycle(std::span<const std::span<const float>> captured, std::span<const std::span<float>> played);
 
-    /// What the automix made of the last block. Only while it is started.
+    /// The automix with the results of the last block. Only while the mixer is started.
     [[nodiscard]] const dsp::AutomixProcessor& automix() const { return *mixer.automix(); }
 
-    /// Smoothed share of a block's duration that its pass took, 0 to 1.
+    /// The smoothed share of a block's duration that its render pass takes, 0 to 1.
     [[nodiscard]] double load() const { return mixer.renderLoad(); }
 
   private:
@@ -67,10 +67,10 @@ class OfflineMixer final {
         platform::lv2::RenderMode::offline};
     std::shared_ptr<Input> input;
     std::shared_ptr<Output> output;
-    /// The hardware layer's; lives as long as that.
+    /// Owned by the hardware.
     platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
-    /// Nothing plays along with a file.
+    /// There is no MIDI in an offline mix.
     platform::SystemMIDIServices noMIDI{{}};
     engine::MixerEngine mixer;
 };

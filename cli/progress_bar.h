@@ -7,12 +7,12 @@
 
 namespace orvane::cli {
 
-/// One line that shows how far long work has come. It is drawn only on a terminal, about ten times a second
-/// at most, and wiped when the bar is destroyed, so that what is printed next starts on a clean line. The
-/// command that does the work owns it; main thread.
+/// Shows the progress of long work on one line. Draws only on a terminal, about ten times a second at most,
+/// and erases the line when it is destroyed, so that later output starts on a clean line. Owned by the
+/// command that does the work; main thread.
 class ProgressBar final {
   public:
-    /// Draws on `stream`, which must outlive the bar; `clock` paces the drawing.
+    /// Draws on `stream`, which must outlive the bar; `clock` limits how often.
     explicit ProgressBar(
         std::FILE* stream = stderr, platform::HostClock clock = platform::HostClock::system()
     );
@@ -20,7 +20,7 @@ class ProgressBar final {
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Shows `fraction` of the work as done; clamped to 0...1. Cheap where nothing is to be drawn yet.
+    /// Shows `fraction` of the work as done, clamped to 0...1. Cheap if no drawing is due.
     void update(double fraction);
 
   private:

@@ -11,25 +11,25 @@
 
 namespace orvane::cli {
 
-/// Reads a sound file on a thread of its own, a few chunks ahead of who uses them.
+/// Reads a sound file on a thread of its own, a few chunks ahead of the user.
 class ReadAhead final {
   public:
     struct Chunk {
-        /// Silent from `frameCount` on.
+        /// Silent after `frameCount` frames.
         SoundBlocks blocks;
         std::size_t frameCount = 0;
-        /// Why the file could not be read on; the last chunk then.
+        /// The reason why reading failed; the chunk is then the last one.
         std::optional<platform::Error> failure = {};
     };
 
-    /// Starts reading in chunks of `chunkFrames` frames. `source` outlives the reading.
+    /// Starts reading in chunks of `chunkFrames` frames. `source` must outlive the reader.
     ReadAhead(platform::SoundFileReader& source, std::size_t chunkFrames);
     /// Stops reading.
     ~ReadAhead();
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    /// The next chunk, valid until the next call; null after the last. Waits for it.
+    /// Returns the next chunk, valid until the next call; null after the last one. Waits for it.
     platform::Result<const Chunk*> next();
 
   private:

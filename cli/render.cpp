@@ -32,11 +32,11 @@ using platform::Result;
 using platform::SoundFileReader;
 using platform::SoundFileWriter;
 
-/// Frames that reader, mixer and writer hand on at a time: few enough to stay in the processor's caches.
+/// Frames that reader, mixer and writer exchange at a time: few enough to stay in the processor's caches.
 constexpr std::size_t framesPerChunk = 2048;
 constexpr const char* stopped = "Stopped before the end; nothing was written.";
 
-/// The session to be rendered, if one is named.
+/// Reads the session; empty if none is named.
 Result<std::optional<session::MixerDocumentData>> readSession(const RenderOptions& options) {
     if (!options.session) return std::optional<session::MixerDocumentData>();
     auto document = engine::readSession(*options.session);
@@ -56,7 +56,7 @@ Result<std::size_t> chooseStrips(
     )};
 }
 
-/// One more than the highest output that something of the session goes to.
+/// The number of outputs that the session's routings need.
 std::uint64_t
 routedOutputs(const std::optional<session::MixerDocumentData>& document, std::size_t stripCount) {
     if (!document) return 0;
@@ -85,7 +85,7 @@ std::vector<std::string> stripNames(const engine::MixerEngine& engine) {
     return names;
 }
 
-/// Whether both lead to the same file, also where that is yet to be made.
+/// Whether both paths lead to the same file, even if it does not exist yet.
 bool areSame(const std::filesystem::path& left, const std::filesystem::path& right) {
     std::error_code problem;
     if (std::filesystem::equivalent(left, right, problem)) return true;
@@ -96,7 +96,7 @@ bool areSame(const std::filesystem::path& left, const std::filesystem::path& rig
     return !ofLeft.empty() && ofLeft == place(right);
 }
 
-/// Fails where what is written would take the place of something else of the run.
+/// Fails if a file to write is also read, or written twice.
 Result<Done> checkDestinations(const RenderOptions& options, std::span<const std::string> stripNames) {
     std::vector<std::filesystem::path> taken;
     if (options.input != standardStream) taken.push_back(options.input);
@@ -124,7 +124,7 @@ Result<Done> checkDestinations(const RenderOptions& options, std::span<const std
     return Done{};
 }
 
-/// What a run writes.
+/// The files that a run writes.
 struct Files {
     WriteBehind::Files sound;
     std::optional<platform::AtomicFile> report;
@@ -152,7 +152,7 @@ Result<Files> createFiles(
     return files;
 }
 
-/// One run: the files it reads and writes, and the mixer between them.
+/// One run: the files that it reads and writes, and the mixer between them.
 class Run final {
   public:
     static Result<std::unique_ptr<Run>>
@@ -233,7 +233,7 @@ class Run final {
         while (true) {
             const auto read = reader.next();
             if (!read) {
-                // What could not be written comes before it.
+                // An error of the writer comes first.
                 const auto written = writer.finish();
                 return written ? read.error() : written.error();
             }
@@ -245,7 +245,7 @@ class Run final {
         }
     }
 
-    /// The last block is padded with silence for the pass; only what the input covers is written.
+    /// The last block is padded with silence; only the frames that the input covers are written.
     Result<Done>
     mixChunk(const ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
         mixed.frameCount = captured.frameCount;

@@ -14,17 +14,17 @@
 
 namespace orvane::cli {
 
-/// What is to be rendered.
+/// The options of an offline run.
 struct RenderOptions {
-    /// The sound whose channels are the device's inputs; "-" is standard input.
+    /// The sound file whose channels are the device's inputs; "-" is standard input.
     std::filesystem::path input = {};
-    /// What the device's outputs carry; "-" is standard output.
+    /// The sound file for the device's outputs; "-" is standard output.
     std::filesystem::path output = {};
     /// The session that sets the mix up; a fresh one if absent.
     std::optional<std::filesystem::path> session = {};
-    /// Strips; as many as the session or else the input has if absent.
+    /// Number of strips; the session's, or else the number of input channels, if absent.
     std::optional<std::size_t> channels = {};
-    /// Outputs of the device; enough for the highest one in use, at least two, if absent.
+    /// Number of device outputs; enough for the highest one in use, at least two, if absent.
     std::optional<std::size_t> outputs = {};
     /// In frames, one of the sizes that the mixer offers; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};
@@ -34,23 +34,23 @@ struct RenderOptions {
     std::optional<std::filesystem::path> report = {};
 };
 
-/// The most channels that a sound file holds, and so the most strips and outputs that can be rendered.
+/// The most channels that a sound file holds, and so the most strips and outputs of a render.
 inline constexpr std::size_t mostRenderChannels = 1024;
 
-/// How a run speaks while it works.
+/// Receives the progress of a run.
 struct RenderObserver {
-    /// A sentence about something that will not be heard as asked.
+    /// Called with a sentence about anything that will not sound as requested.
     std::function<void(std::string_view)> warn;
-    /// The share of the work that is done, 0 to 1, after every block.
+    /// Called after every block with the share of the work that is done, 0 to 1.
     std::function<void(double)> progress;
-    /// Whether to give up.
+    /// Returns whether to stop.
     std::function<bool()> isCancelled;
-    /// All files are whole; what follows only lets go of the mixer.
+    /// Called when all files are complete; only the mixer remains to be destroyed.
     std::function<void()> written = [] {};
 };
 
-/// Mixes a sound file as the mixer would live, faster than real time. Nothing that fails or is cancelled
-/// leaves a file behind, and what had the name before stays. Same input, same bytes out.
+/// Mixes a sound file as the live mixer would, faster than real time. The same input gives the same bytes. If
+/// it fails or is cancelled, it leaves no new file and keeps existing ones.
 platform::Result<RenderReport> render(const RenderOptions& options, const RenderObserver& observer);
 
 } // namespace orvane::cli

@@ -34,7 +34,7 @@ int runRender(const RenderOptions& options) {
         printMessage(report.error().description);
         return 1;
     }
-    // What follows the sound on standard output would be taken for more of it.
+    // Text after the sound on standard output would be read as sound.
     return options.output == standardStream ? 0 : printResult(report.value().text());
 }
 

@@ -9,54 +9,54 @@
 
 namespace orvane::cli {
 
-/// What came of one strip.
+/// The results of one strip.
 struct StripReport {
     std::string name;
     /// The automix gain of the last block, linear.
     double finalGain = 0.0;
     /// RMS of the strip's output over the whole run, linear.
     double meanOutputLevel = 0.0;
-    /// The automix gain over time, in dB: at the report's interval, and at every multiple of it.
+    /// The automix gain over time, in dB: at the report's interval and its multiples.
     std::vector<double> gainsDB = {};
 };
 
-/// The figures of one offline run. A plain value.
+/// The results of one offline run. A plain value.
 struct RenderReport {
     double sampleRate = 0.0;
     std::size_t bufferSize = 0;
-    /// Length of the sound.
+    /// Duration of the sound.
     double seconds = 0.0;
     std::size_t blocks = 0;
-    /// How long it took.
+    /// Duration of the run.
     double wallSeconds = 0.0;
     std::vector<StripReport> strips;
     /// Time between the strips' gains.
     double gainIntervalSeconds = 0.0;
     /// The leveler's gain of the last block, linear.
     double masterGain = 0.0;
-    /// Of a block's duration, 0 to 1.
+    /// Share of a block's duration, 0 to 1.
     double peakLoad = 0.0;
     double meanLoad = 0.0;
 
     [[nodiscard]] double realTimeFactor() const { return wallSeconds > 0.0 ? seconds / wallSeconds : 0.0; }
 
-    /// The report as a file keeps it.
+    /// Returns the report in the format of its file.
     [[nodiscard]] std::string json() const;
 
-    /// The main figures for people, several lines.
+    /// Returns the main figures for people, in several lines.
     [[nodiscard]] std::string text() const;
 };
 
-/// Gathers a report while blocks run. One thread.
+/// Collects a report while blocks run. One thread.
 class RenderReportBuilder final {
   public:
-    /// Of a mixer that is set up, whose device runs at `sampleRate`.
+    /// `mixer` is set up; its device runs at `sampleRate`.
     RenderReportBuilder(const OfflineMixer& mixer, double sampleRate);
 
-    /// Takes in the block that `mixer` has just run.
+    /// Adds the block that `mixer` has just run.
     void add(const OfflineMixer& mixer);
 
-    /// The figures of the blocks so far, `frameCount` frames of sound, made in `wallSeconds`.
+    /// Returns the report on the blocks so far: `frameCount` frames of sound, mixed in `wallSeconds`.
     [[nodiscard]] RenderReport finish(double frameCount, double wallSeconds) const;
 
   private:

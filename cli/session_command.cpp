@@ -32,13 +32,13 @@ constexpr std::int64_t newBufferSize = 512;
 struct SessionOptions {
     std::filesystem::path file = {};
     std::optional<std::size_t> channels = {};
-    /// The strips of a session that is to be made.
+    /// The number of strips of a new session.
     std::optional<std::size_t> newStrips = {};
     bool force = false;
 };
 
-/// What `run` and `render` mix without a session: every strip from the input of its own number to the master
-/// bus, which goes to outputs 1 and 2.
+/// The same mix that `run` and `render` make without a session: every strip has the input of its own number
+/// and goes to the master bus, which goes to outputs 1 and 2.
 session::MixerDocumentData newSession(std::size_t stripCount) {
     session::MixerDocumentData document{.bufferSize = newBufferSize};
     document.channels = session::settingsOf(session::makeDefaultStrips(stripCount));
@@ -61,7 +61,7 @@ int makeSession(const SessionOptions& options) {
     return 1;
 }
 
-/// What an export would write after an import.
+/// Returns what an export would write after an import.
 platform::Result<std::string> reexport(const SessionOptions& options) {
     const auto document = engine::readSession(options.file);
     if (!document) return document.error();
@@ -69,7 +69,7 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
     platform::SystemMIDIServices noMIDI({});
     platform::RunLoop loop;
     platform::SystemLog log(platform::standardErrorSink());
-    // What a session says of its plugins is printed; none is loaded for that.
+    // Messages about the session's plugins are printed, but no plugin is loaded.
     NoAudioUnits audioUnits;
     engine::MixerEngine engine(
         options.channels.value_or(document.value().channels.size()), {hardware, noMIDI, loop, audioUnits, log}

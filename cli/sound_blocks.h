@@ -7,7 +7,7 @@
 
 namespace orvane::cli {
 
-/// Planar blocks of one length. One thread at a time.
+/// Planar blocks of equal length. One thread at a time.
 class SoundBlocks final {
   public:
     using Views = std::vector<std::span<float>>;
@@ -16,7 +16,7 @@ class SoundBlocks final {
     SoundBlocks(std::size_t channelCount, std::size_t frameCount)
         : samples(channelCount, std::vector<float>(frameCount)) {}
 
-    /// `frameCount` frames of every channel from `first` on.
+    /// Returns `frameCount` frames of every channel, starting at `first`.
     [[nodiscard]] Views part(std::size_t first, std::size_t frameCount) {
         Views views;
         for (std::vector<float>& channel : samples)

@@ -26,7 +26,7 @@ using platform::Result;
 constexpr const char* inputName = "standard input";
 constexpr std::string_view cannotReadInput = "could not be read";
 constexpr std::size_t pieceSize = 1U << 16U;
-/// How long a stalled writer can delay the look at `isCancelled`, in milliseconds.
+/// How long a stalled writer can delay the check of `isCancelled`, in milliseconds.
 constexpr int longestInputWait = 100;
 
 bool isRegularFile(int descriptor) {
@@ -34,7 +34,7 @@ bool isRegularFile(int descriptor) {
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// A file that goes when it is closed.
+/// Makes a file that is deleted when it is closed.
 Result<FileDescriptor> makeTemporaryFile() {
     std::error_code failure;
     const std::filesystem::path folder = std::filesystem::temp_directory_path(failure);

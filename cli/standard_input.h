@@ -8,11 +8,11 @@
 
 namespace orvane::cli {
 
-/// The name that stands for standard input or output instead of a file.
+/// The name of standard input or output instead of a file.
 inline constexpr const char* standardStream = "-";
 
-/// Opens the sound file at `path`; "-" is what comes on standard input, which is first read to its end into a
-/// temporary file unless it is a file. Fails also once `isCancelled`. Main thread.
+/// Opens the sound file at `path`; "-" is standard input. Standard input that is not a file is first read to
+/// its end into a temporary file. Fails if `isCancelled` becomes true. Main thread.
 platform::Result<platform::SoundFileReader>
 openSound(const std::filesystem::path& path, const std::function<bool()>& isCancelled);
 

@@ -14,7 +14,7 @@ using platform::Done;
 using platform::Error;
 using platform::Result;
 
-/// In bytes; file systems take 255, and the number and the ending need some.
+/// In bytes. File systems allow 255; the number and the extension need some of them.
 constexpr std::size_t longestName = 200;
 
 bool isContinuationByte(char byte) {

@@ -12,14 +12,14 @@
 
 namespace orvane::cli {
 
-/// The file name of a strip's stem, "03 Alto.wav": its number counted from 1, and as much of its name as a
-/// file name can hold.
+/// Returns the file name of a strip's stem, for example "03 Alto.wav": its number from 1, and as much of its
+/// name as a file name can hold.
 std::string stemFileName(std::size_t number, std::string_view stripName);
 
-/// One sound file per strip in one folder; none takes its name before all are complete. One thread.
+/// One sound file per strip in one folder; none gets its final name before all are complete. One thread.
 class StemFiles final {
   public:
-    /// Begins a file for every strip name, in a folder that is made where it is not there.
+    /// Begins a file for every strip name. Makes the folder if it does not exist.
     static platform::Result<StemFiles>
     create(const std::filesystem::path& folder, std::span<const std::string> stripNames, double sampleRate);
 

@@ -11,7 +11,7 @@ namespace orvane::cli {
 
 namespace {
 
-/// Characters in sequence whose UTF-8 differs in the last byte alone.
+/// A range of characters whose UTF-8 encodings differ only in the last byte.
 struct Range {
     std::string_view first;
     std::string_view last;
@@ -23,7 +23,7 @@ struct Range {
     }
 };
 
-/// U+2028 to U+202E are the two separators and five characters of bidirectional text.
+/// U+2028 to U+202E are the two separators and five bidirectional controls.
 constexpr std::array<Range, 4> commanding{
     {{"\x7F", "\x7F", 0x7F},
      {"\xC2\x80", "\xC2\x9F", 0x80},

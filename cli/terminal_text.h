@@ -5,9 +5,9 @@
 
 namespace orvane::cli {
 
-/// JSON or a table with every character that could command a terminal or turn the order of what it shows as
-/// its JSON escape: the control characters from U+007F on, the separators of lines and paragraphs, and those
-/// of bidirectional text. JSON keeps its meaning. `text` is UTF-8; ASCII control characters stay. Any thread
+/// Returns JSON or a table with each character that could control a terminal or reorder its text replaced by
+/// its JSON escape: the control characters from U+007F on, the line and paragraph separators, and the
+/// bidirectional controls. JSON keeps its meaning. `text` is UTF-8; ASCII control characters stay. Any thread
 /// but the audio ones.
 std::string terminalText(std::string_view text);
 

@@ -26,7 +26,7 @@ WriteBehind::~WriteBehind() {
 
 Result<WriteBehind::Chunk*> WriteBehind::next() {
     if (Chunk* const chunk = queue.beginFilling()) return chunk;
-    // Only a failure makes the thread abandon the queue.
+    // The thread abandons the queue only after a failure.
     return finish().error();
 }
 

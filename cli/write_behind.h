@@ -12,40 +12,40 @@
 
 namespace orvane::cli {
 
-/// Writes what a mix gives, the outputs to one sound file and the strips to others, on a thread of its own.
+/// Writes a mix on a thread of its own: the outputs to one sound file, the strips to others.
 class WriteBehind final {
   public:
     struct Chunk {
         SoundBlocks outputs;
-        /// None where no stems are written.
+        /// Empty if no stems are written.
         SoundBlocks stems;
-        /// How many of the frames are to be written.
+        /// The number of frames to write.
         std::size_t frameCount = 0;
     };
 
-    /// Where it all goes.
+    /// The files to write to.
     struct Files {
         platform::SoundFileWriter outputs;
         std::optional<StemFiles> stems;
     };
 
-    /// Chunks are like `empty`.
+    /// Every chunk has the size of `empty`.
     WriteBehind(Files files, const Chunk& empty);
-    /// Stops; what was not committed never takes its name.
+    /// Stops. Files that were not committed never get their final names.
     ~WriteBehind();
     WriteBehind(const WriteBehind&) = delete;
     WriteBehind& operator=(const WriteBehind&) = delete;
 
-    /// The chunk to fill next. Waits until there is one; fails where an earlier one could not be written.
+    /// Returns the chunk to fill next; waits until one is free. Fails if an earlier one could not be written.
     platform::Result<Chunk*> next();
 
-    /// Writes the chunk that is filled.
+    /// Queues the filled chunk for writing.
     void write() { queue.endFilling(); }
 
-    /// Waits until all chunks are written; fails where one could not be. No chunk follows.
+    /// Waits until all chunks are written. Fails if one could not be written. No chunk follows.
     platform::Result<platform::Done> finish();
 
-    /// Completes the files after `finish`.
+    /// Completes the files. Called after `finish`.
     platform::Result<platform::Done> commit();
 
   private:
@@ -54,7 +54,7 @@ class WriteBehind final {
 
     Files destination;
     ChunkQueue<Chunk> queue;
-    /// The thread's until it has ended.
+    /// Owned by the thread until it has ended.
     std::optional<platform::Error> failure;
     std::thread thread;
 };
