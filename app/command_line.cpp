@@ -60,7 +60,7 @@ std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv
     } catch (const CLI::Success& asked) {
         return program.exit(asked);
     } catch (const CLI::ParseError& error) {
-        printMessage(fmt::format("{} (--help tells more)", error.what()));
+        printMessage(fmt::format("{} (see --help)", error.what()));
         return wrongUsage;
     }
     return line;

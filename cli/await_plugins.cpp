@@ -1,6 +1,6 @@
 #include "cli/await_plugins.h"
 
-#include "cli/message.h"
+#include "cli/printing.h"
 #include "cli/progress_bar.h"
 
 #include <fmt/format.h>
@@ -40,8 +40,8 @@ std::vector<std::string> loadingPlugins(const engine::EngineState& state) {
 }
 
 std::string waitingFor(const std::vector<std::string>& plugins) {
-    std::string sentence = "Still waiting for " + plugins.front() + " to get ready";
-    if (plugins.size() > 1) sentence += fmt::format(", and {} more after it", plugins.size() - 1);
+    std::string sentence = "Still waiting for " + plugins.front() + " to load";
+    if (plugins.size() > 1) sentence += fmt::format(", and for {} more", plugins.size() - 1);
     return sentence + ".";
 }
 
@@ -54,7 +54,7 @@ void awaitPlugins(
     std::vector<std::string> loading = loadingPlugins(engine.state());
     const auto all = static_cast<double>(loading.size());
     auto lastProgress = std::chrono::steady_clock::now();
-    bool isTold = false;
+    bool isReported = false;
     bool isStuck = false;
     ProgressBar bar;
     // Also lets a cancellation take effect while a plugin loads.
@@ -66,7 +66,7 @@ void awaitPlugins(
             loading = std::move(left);
             lastProgress = now;
         }
-        if (!std::exchange(isTold, isTold || now - lastProgress > longTime) && isTold)
+        if (!std::exchange(isReported, isReported || now - lastProgress > longTime) && isReported)
             printMessage(waitingFor(loading));
         isStuck = now - lastProgress > veryLongTime;
     });

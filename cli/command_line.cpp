@@ -1,13 +1,6 @@
 #include "cli/command_line.h"
 
-#include "cli/devices_command.h"
-#include "cli/message.h"
-#include "cli/midi_command.h"
-#include "cli/plugins_command.h"
-#include "cli/print_result.h"
-#include "cli/render_command.h"
-#include "cli/run_command.h"
-#include "cli/session_command.h"
+#include "cli/printing.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -26,7 +19,7 @@ std::variant<Action, int> readCommandLine(int argc, const char* const* argv) {
     Action action;
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane-cli");
     program.set_version_flag("--version", "orvane-cli " ORVANE_VERSION);
-    // One is required, but an unknown word is to be named rather than called missing.
+    // Required, but checked below: an unknown word must be reported as such, not as a missing subcommand.
     program.require_subcommand(0, 1);
     addDevicesCommand(program, action);
     addMIDICommand(program, action);
@@ -42,7 +35,7 @@ std::variant<Action, int> readCommandLine(int argc, const char* const* argv) {
         program.exit(asked, text, text);
         return printResult(text.str());
     } catch (const CLI::ParseError& error) {
-        printMessage(fmt::format("{} (--help tells more)", error.what()));
+        printMessage(fmt::format("{} (see --help)", error.what()));
         return wrongUsage;
     }
     return action;

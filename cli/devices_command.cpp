@@ -1,8 +1,6 @@
-#include "cli/devices_command.h"
+#include "cli/command_line.h"
 
-#include "cli/json_text.h"
-#include "cli/message.h"
-#include "cli/print_result.h"
+#include "cli/printing.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
 #include "platform/base/plain_text.h"
@@ -71,10 +69,7 @@ std::string devicesAsJSON(const std::vector<audio::AudioDeviceInfo>& devices, co
 
 int listDevices(const DevicesOptions& options) {
     auto machine = machine::AudioMachine::make(options.machine);
-    if (!machine) {
-        printMessage(machine.error().description);
-        return 1;
-    }
+    if (!machine) return fail(machine.error().description);
     platform::RunLoop loop;
     machine::AudioMachine& audioMachine = *machine.value();
     platform::SystemMIDIServices noMIDI({});
@@ -82,10 +77,7 @@ int listDevices(const DevicesOptions& options) {
         0, {audioMachine.hardware(), noMIDI, loop, audioMachine.audioUnits(), audioMachine.log}
     );
     engine.refreshDevices();
-    if (const auto& error = engine.state().lastError.get()) {
-        printMessage(*error);
-        return 1;
-    }
+    if (const auto& error = engine.state().lastError.get()) return fail(*error);
     if (const auto advice = audioMachine.deviceAdvice()) printMessage(*advice);
     const auto text = options.asJSON ? devicesAsJSON : deviceTable;
     return printResult(text(engine.state().availableDevices.get(), priorityOn(audioMachine)));
@@ -96,7 +88,7 @@ int listDevices(const DevicesOptions& options) {
 void addDevicesCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<DevicesOptions>();
     CLI::App* const command = program.add_subcommand("devices", "List the audio devices");
-    command->add_flag("--json", options->asJSON, "As one JSON object");
+    command->add_flag("--json", options->asJSON, "Print one JSON object");
     command->add_option(
         "--virtual-input", options->machine.virtualInput, "Sound file that a virtual device plays"
     );

@@ -4,10 +4,10 @@
 #include "audio/find_device.h"
 #include "cli/await_plugins.h"
 #include "cli/buffer_size_keeper.h"
-#include "cli/message.h"
 #include "cli/meter_bridge.h"
 #include "cli/meter_output.h"
 #include "cli/mix_setup.h"
+#include "cli/printing.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
 #include "machine/forced_end.h"
@@ -88,8 +88,7 @@ class LiveRun final {
             options.channels.value_or(document ? document->channels.size() : std::min(inputs, mostStrips));
         if (strips < 1 || strips > mostStrips)
             return Error{fmt::format(
-                "A live mix has 1 to {} strips, not {}; say how many it is to have (--channels).", mostStrips,
-                strips
+                "A live mix has 1 to {} strips, not {}; set the number with --channels.", mostStrips, strips
             )};
         if (document) channelsBeyond = engine::channelsBeyond(*document, strips);
         engine.emplace(strips, services(machine.midi()));
@@ -133,7 +132,7 @@ class LiveRun final {
         if (const auto* const recorder = machine.recorder();
             recorder != nullptr && recorder->file() != *options.machine.record)
             printMessage(fmt::format(
-                "{} is there already; the recording goes to {}.", options.machine.record->string(),
+                "{} already exists; the recording goes to {}.", options.machine.record->string(),
                 recorder->file().string()
             ));
         platform::desktop::SleepInhibitor sleepInhibitor(loop, machine.log);
@@ -207,7 +206,7 @@ class LiveRun final {
         const auto& sources = engine->state().availableMIDIDevices.get();
         if (std::ranges::find(sources, *options.midiSource, &midi::MIDIDeviceInfo::id) == sources.end())
             return Error{fmt::format(
-                "There is no MIDI source {}; orvane-cli midi lists those there are.", *options.midiSource
+                "There is no MIDI source {}; orvane-cli midi lists the sources.", *options.midiSource
             )};
         engine->selectMIDIDevice(options.midiSource);
         return Done{};
@@ -216,8 +215,8 @@ class LiveRun final {
     /// Writes the session as it is now to the file that it was read from.
     void save() {
         if (!options.session)
-            return printMessage("There is no file to save the session to; the mixer was started without one "
-                                "(--session).");
+            return printMessage("The session has no file to save to; the mixer was started without --session."
+            );
         const auto objection = engine::objectionToReplacing(*options.session, sessionStamp);
         if (objection && !options.force)
             return printMessage(fmt::format(
@@ -233,7 +232,7 @@ class LiveRun final {
     }
 
     /// Returns a new problem of the recording; absent if there is none.
-    std::optional<std::string> lookAtRecording() {
+    std::optional<std::string> checkRecording() {
         auto problem = machine.recorder() == nullptr ? std::nullopt : machine.recorder()->takeProblem();
         if (problem) recordingProblem = problem;
         return problem;
@@ -241,7 +240,7 @@ class LiveRun final {
 
     void tick(double seconds) {
         machine.log.flush();
-        if (auto problem = lookAtRecording()) engine->report(*std::move(problem));
+        if (auto problem = checkRecording()) engine->report(*std::move(problem));
         if (machine::takeSaveSignal()) save();
         const double load = engine->meterModel().cpuLoad.get();
         peakLoad = std::max(peakLoad, load);
@@ -297,7 +296,7 @@ class LiveRun final {
         if (const int error = meters->error(); error != 0) {
             meters.reset();
             printMessage(fmt::format(
-                "The meters cannot be written any more ({}); the mix goes on without them.",
+                "The meters can no longer be written ({}); the mix continues without them.",
                 std::generic_category().message(error)
             ));
         }
@@ -316,7 +315,7 @@ class LiveRun final {
             priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority"
         ));
         if (died) return Error{engine->state().lastError.get().value_or("The mixer has stopped.")};
-        lookAtRecording();
+        checkRecording();
         if (recordingProblem) return Error{*recordingProblem};
         return Done{};
     }
@@ -349,8 +348,7 @@ class LiveRun final {
 
 int runLive(const LiveRunOptions& options) {
     const auto report = [](const Result<Done>& outcome) {
-        if (!outcome) printMessage(outcome.error().description);
-        return outcome ? 0 : 1;
+        return outcome ? 0 : fail(outcome.error().description);
     };
     machine::lockMemory();
     machine::EndDeadline deadline;

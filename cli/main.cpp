@@ -1,11 +1,10 @@
 #include "cli/command_line.h"
-#include "cli/message.h"
+#include "cli/printing.h"
 #include "machine/process.h"
 #include "machine/signals.h"
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <new>
 #include <system_error>
 #include <variant>
@@ -19,12 +18,8 @@ int main(int argc, char** argv) {
         if (const int* const exitCode = std::get_if<int>(&asked)) return *exitCode;
         return std::get<orvane::cli::Action>(asked)();
     } catch (const std::bad_alloc&) {
-        orvane::cli::printMessage("There is not enough memory for this.");
-        return EXIT_FAILURE;
+        return orvane::cli::fail("There is not enough memory for this.");
     } catch (const std::system_error& error) {
-        orvane::cli::printMessage(
-            fmt::format("The system refuses what is needed for this: {}.", error.code().message())
-        );
-        return EXIT_FAILURE;
+        return orvane::cli::fail(fmt::format("The system lacks a resource: {}.", error.code().message()));
     }
 }

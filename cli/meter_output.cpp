@@ -1,6 +1,6 @@
 #include "cli/meter_output.h"
 
-#include "cli/terminal_text.h"
+#include "cli/printing.h"
 
 #include <poll.h>
 #include <unistd.h>

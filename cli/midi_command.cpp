@@ -1,9 +1,7 @@
-#include "cli/midi_command.h"
+#include "cli/command_line.h"
 
-#include "cli/json_text.h"
-#include "cli/message.h"
 #include "cli/midi_send.h"
-#include "cli/print_result.h"
+#include "cli/printing.h"
 #include "engine/mixer_engine.h"
 #include "machine/audio_machine.h"
 #include "platform/base/plain_text.h"
@@ -47,10 +45,7 @@ std::string sourcesAsJSON(const Sources& sources) {
 
 int listSources(const MIDIOptions& options) {
     const auto machine = machine::AudioMachine::make({});
-    if (!machine) {
-        printMessage(machine.error().description);
-        return 1;
-    }
+    if (!machine) return fail(machine.error().description);
     platform::RunLoop loop;
     machine::AudioMachine& services = *machine.value();
     const engine::MixerEngine engine(
@@ -63,9 +58,7 @@ int listSources(const MIDIOptions& options) {
 int send(const MIDIOptions& options) {
     // The note was validated when the arguments were parsed.
     const auto sent = sendNote(parseNote(options.note).value(), options.seconds);
-    if (sent) return 0;
-    printMessage(sent.error().description);
-    return 1;
+    return sent ? 0 : fail(sent.error().description);
 }
 
 std::string checkNote(const std::string& text) {
@@ -80,17 +73,16 @@ void addMIDICommand(CLI::App& program, Action& action) {
     CLI::App* const command = program.add_subcommand("midi", "List the MIDI sources, or send a note");
     command->footer(
         "Ids stay the same when a source is connected again and after a reboot. With --send the program is "
-        "itself a source, \"note\", until the note and its end are sent: it waits for a program that "
-        "listens, "
-        "as a running mixer that takes notes from all sources does at once. Channels count from 1. "
-        "ORVANE_DRIVERS=jack,alsa limits the ways to MIDI."
+        "itself a source, \"note\", until the note-on and the note-off are sent. It waits for a program to "
+        "connect; a running mixer that listens to all sources does so at once. Channels count from 1. "
+        "ORVANE_DRIVERS=jack,alsa limits the MIDI drivers."
     );
-    command->add_flag("--json", options->asJSON, "As one JSON object");
+    command->add_flag("--json", options->asJSON, "Print one JSON object");
     CLI::Option* const note =
         command->add_option("--send", options->note, "Send a note-on: CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY")
             ->check(CLI::Validator(checkNote, ""));
     command
-        ->add_option("--seconds", options->seconds, "How long to wait for somebody who listens, otherwise 10")
+        ->add_option("--seconds", options->seconds, "Seconds to wait for a program to connect; otherwise 10")
         ->check(CLI::PositiveNumber)
         ->needs(note);
     command->callback([options, note, &action] {

@@ -79,7 +79,7 @@ Result<SentNote> parseNote(std::string_view text) {
         }
     }
     return Error{fmt::format(
-        "{} is no note; write CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with a channel from 1 to 16, a note "
+        "{} is not a note; write CHANNEL:NOTE or CHANNEL:NOTE:VELOCITY, with a channel from 1 to 16, a note "
         "from 0 to 127 and a velocity from 1 to 127.",
         text
     )};
@@ -90,9 +90,9 @@ Result<Done> sendNote(const SentNote& note, double mostSeconds) {
     const auto drivers = machine::makeMIDIDrivers(clients);
     const std::unique_ptr<MIDIOwnSource> source = makeSource(drivers);
     if (source == nullptr)
-        return Error{"There is neither a JACK server nor an ALSA sequencer to send the note through."};
+        return Error{"Neither a JACK server nor an ALSA sequencer is running to send the note."};
     if (!waitForListener(*source, mostSeconds))
-        return Error{"Nobody listened to the note; connect a program to the source, or start one first."};
+        return Error{"No program received the note; connect one to the source, or start one first."};
     const auto status = [&note](unsigned kind) { return static_cast<std::uint8_t>(kind | note.channel); };
     const std::array<std::uint8_t, 3> on{status(0x90), note.note, note.velocity};
     const std::array<std::uint8_t, 3> off{status(0x80), note.note, 0};

@@ -1,7 +1,6 @@
-#include "cli/plugins_command.h"
+#include "cli/command_line.h"
 
-#include "cli/json_text.h"
-#include "cli/print_result.h"
+#include "cli/printing.h"
 #include "platform/base/plain_text.h"
 #include "platform/base/system_log.h"
 #include "platform/lv2/lv2_unit_host.h"
@@ -63,10 +62,10 @@ void addPluginsCommand(CLI::App& program, Action& action) {
     CLI::App* const command =
         program.add_subcommand("plugins", "List the effects that can be inserted into a strip");
     command->footer(
-        "LV2 effects with one or two audio inputs and outputs; LV2_PATH says where they are looked for. "
-        "The codes of the JSON form are how sessions name them."
+        "Lists LV2 effects with one or two audio inputs and outputs, found in the folders of LV2_PATH. The "
+        "JSON form has the codes that identify them in sessions."
     );
-    command->add_flag("--json", *asJSON, "As one JSON object");
+    command->add_flag("--json", *asJSON, "Print one JSON object");
     command->callback([asJSON, &action] { action = [asJSON] { return listPlugins(*asJSON); }; });
 }
 

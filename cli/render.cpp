@@ -72,8 +72,7 @@ Result<std::size_t> chooseOutputs(const RenderOptions& options, std::uint64_t ro
     const std::uint64_t needed = std::max<std::uint64_t>(routed, 2);
     if (needed <= mostRenderChannels) return static_cast<std::size_t>(needed);
     return Error{fmt::format(
-        "The session goes to output {}, but a sound file holds at most {}; say how many it is to have "
-        "(--outputs).",
+        "The session uses output {}, but a sound file holds at most {}; set the number with --outputs.",
         needed, mostRenderChannels
     )};
 }
@@ -105,8 +104,7 @@ Result<Done> checkDestinations(const RenderOptions& options, std::span<const std
         const auto isTaken = [&](const std::filesystem::path& other) { return areSame(destination, other); };
         if (std::ranges::none_of(taken, isTaken)) return Done{};
         return Error{fmt::format(
-            "{} cannot be written, because it is read, or written with something else, already.",
-            destination.string()
+            "{} cannot be written, because it is also read, or would be written twice.", destination.string()
         )};
     };
     if (options.output != standardStream) {
@@ -182,8 +180,8 @@ class Run final {
         if (auto started = mixer->start(); !started) return started.error();
         if (routed > outputs.value())
             observer.warn(fmt::format(
-                "The session goes to outputs up to {}, but there are only {}: what goes beyond is not heard.",
-                routed, outputs.value()
+                "The session uses outputs up to {}, but there are only {}; the others are not heard.", routed,
+                outputs.value()
             ));
         auto files =
             createFiles(options, outputs.value(), names, reader.value().sampleRate(), observer.isCancelled);
@@ -193,7 +191,7 @@ class Run final {
                 std::move(reader).value(), std::move(files).value(), std::move(mixer), outputs.value()
             ));
         } catch (const std::system_error&) {
-            return Error{"The system has no threads left to read and write the sound with."};
+            return Error{"The system has no threads left for reading and writing the sound."};
         }
     }
 

@@ -1,7 +1,6 @@
-#include "cli/render_command.h"
+#include "cli/command_line.h"
 
-#include "cli/message.h"
-#include "cli/print_result.h"
+#include "cli/printing.h"
 #include "cli/progress_bar.h"
 #include "cli/render.h"
 #include "cli/standard_input.h"
@@ -30,10 +29,7 @@ int runRender(const RenderOptions& options) {
         .written = [&deadline] { deadline.arm(EXIT_SUCCESS); }};
     const platform::Result<RenderReport> report = render(options, observer);
     bar.reset();
-    if (!report) {
-        printMessage(report.error().description);
-        return 1;
-    }
+    if (!report) return fail(report.error().description);
     // Text after the sound on standard output would be read as sound.
     return options.output == standardStream ? 0 : printResult(report.value().text());
 }

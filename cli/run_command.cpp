@@ -1,4 +1,4 @@
-#include "cli/run_command.h"
+#include "cli/command_line.h"
 
 #include "cli/live_run.h"
 #include "engine/show.h"
@@ -17,8 +17,8 @@ void addRunCommand(CLI::App& program, Action& action) {
     CLI::App* const command = program.add_subcommand("run", "Mix live without a window");
     command->footer(
         "SIGINT (Ctrl-C), SIGTERM and SIGHUP end the run; SIGUSR1 saves the session to its file. Without a "
-        "session every input of the device has a strip, "
-        "and the master bus goes to outputs 1 and 2. ORVANE_DRIVERS=jack,alsa,virtual limits the drivers."
+        "session every input of the device has a strip, and the master bus goes to outputs 1 and 2. "
+        "ORVANE_DRIVERS=jack,alsa,virtual limits the drivers."
     );
     command->add_option("--session", options->session, "Session that sets up the mix");
     command
@@ -44,11 +44,11 @@ void addRunCommand(CLI::App& program, Action& action) {
         ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
     command->add_option("--midi-source", options->midiSource, "Id of the MIDI source; otherwise all of them");
     command->add_option(
-        "--learn", options->learn, "Snapshot of the session, from 1, that the next note recalls from then on"
+        "--learn", options->learn, "Number of the snapshot that the next note recalls from then on"
     );
     command->add_flag(
         "--force", options->force,
-        "Save also over a session file that is write-protected or was changed by another program"
+        "Save even over a session file that is write-protected or was changed by another program"
     );
     command->add_option("--seconds", options->seconds, "How long to run; otherwise until a signal")
         ->check(CLI::PositiveNumber);

@@ -1,8 +1,6 @@
-#include "cli/session_command.h"
+#include "cli/command_line.h"
 
-#include "cli/message.h"
-#include "cli/no_audio_units.h"
-#include "cli/print_result.h"
+#include "cli/printing.h"
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/channel_strip.h"
@@ -11,6 +9,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/base/run_loop.h"
 #include "platform/base/system_log.h"
+#include "platform/effects/audio_unit_host.h"
 #include "platform/midi_services/system_midi_services.h"
 
 #include <CLI/CLI.hpp>
@@ -49,17 +48,28 @@ session::MixerDocumentData newSession(std::size_t stripCount) {
 }
 
 int makeSession(const SessionOptions& options) {
-    if (!options.force && std::filesystem::exists(options.file)) {
-        printMessage(fmt::format(
-            "{} is there already; give another name, or --force to replace it.", options.file.string()
+    if (!options.force && std::filesystem::exists(options.file))
+        return fail(fmt::format(
+            "{} already exists; choose another name, or use --force to replace it.", options.file.string()
         ));
-        return 1;
-    }
     const auto written = engine::exportSession(newSession(*options.newStrips), options.file);
-    if (written) return 0;
-    printMessage(written.error().description);
-    return 1;
+    return written ? 0 : fail(written.error().description);
 }
+
+/// A computer without effects.
+class NoAudioUnits final : public platform::AudioUnitHost {
+  public:
+    [[nodiscard]] std::vector<platform::AVAudioUnitComponent>
+    componentsMatchingDescription(const platform::AudioComponentDescription&) override {
+        return {};
+    }
+
+    void instantiate(
+        const platform::AudioComponentDescription&, std::uint32_t, InstantiationCompletion completion
+    ) override {
+        completion(nullptr, platform::Error{"There are no plugins here"});
+    }
+};
 
 /// Returns what an export would write after an import.
 platform::Result<std::string> reexport(const SessionOptions& options) {
@@ -82,11 +92,7 @@ platform::Result<std::string> reexport(const SessionOptions& options) {
 
 int printSession(const SessionOptions& options) {
     const auto text = reexport(options);
-    if (!text) {
-        printMessage(text.error().description);
-        return 1;
-    }
-    return printResult(text.value());
+    return text ? printResult(text.value()) : fail(text.error().description);
 }
 
 } // namespace
@@ -95,7 +101,7 @@ void addSessionCommand(CLI::App& program, Action& action) {
     const auto options = std::make_shared<SessionOptions>();
     CLI::App* const command =
         program.add_subcommand("session", "Print a session file as it would be saved, or make one");
-    command->footer("Settings that the file lacks appear with their defaults; what is unknown is left out.");
+    command->footer("Missing settings appear with their defaults; unknown ones are left out.");
     command->add_option("FILE", options->file, "Session file (.orvane)")->required();
     command
         ->add_option(
@@ -103,12 +109,9 @@ void addSessionCommand(CLI::App& program, Action& action) {
         )
         ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
     CLI::Option* const strips =
-        command
-            ->add_option(
-                "--new", options->newStrips, "Make a session of so many strips instead of printing it"
-            )
+        command->add_option("--new", options->newStrips, "Make a session with this number of strips instead")
             ->check(CLI::Range(std::size_t{1}, mostRenderChannels));
-    command->add_flag("--force", options->force, "Replace a file that is there")->needs(strips);
+    command->add_flag("--force", options->force, "Replace an existing file")->needs(strips);
     command->callback([options, &action] {
         action = [options] { return options->newStrips ? makeSession(*options) : printSession(*options); };
     });

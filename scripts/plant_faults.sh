@@ -160,7 +160,7 @@ case "${1:-}" in
     shift
     ;;
 -*)
-    echo "plant_faults.sh: $1 is no option (--help tells more)." >&2
+    echo "plant_faults.sh: $1 is not an option (see --help)." >&2
     exit 2
     ;;
 esac

@@ -20,7 +20,7 @@ using test::contentOf;
 using test::TemporaryFolder;
 using Keys = std::set<std::string>;
 
-/// The keys that the page's section of this title lists in its tables' first columns.
+/// The keys in the first table column of the page's section with this title.
 Keys documentedKeys(const std::string& title) {
     std::ifstream page(ORVANE_FORMATS);
     const std::regex word("`([^`]+)`");
@@ -37,7 +37,7 @@ Keys documentedKeys(const std::string& title) {
     return keys;
 }
 
-/// Adds every path of keys within the value.
+/// Adds the path of every key within the value.
 void collect(const nlohmann::json& value, const std::string& path, Keys& keys) {
     if (value.is_object()) {
         for (const auto& [key, member] : value.items())
@@ -49,7 +49,7 @@ void collect(const nlohmann::json& value, const std::string& path, Keys& keys) {
     if (!path.empty()) keys.insert(path);
 }
 
-/// The paths of a program's output, without the arrays and objects that hold others.
+/// The paths of a program's output that contain no further arrays or objects.
 Keys leavesOf(const nlohmann::json& document) {
     Keys keys;
     collect(document, "", keys);
@@ -63,7 +63,6 @@ Keys leavesOf(const nlohmann::json& document) {
 
 class Formats : public testing::Test {
   protected:
-    /// What the program prints.
     std::string
     outputOf(const std::string& arguments, const std::string& environment = "ORVANE_DRIVERS=virtual") {
         const std::string program = test::builtProgram("orvane-cli");
@@ -75,7 +74,7 @@ class Formats : public testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(Formats, OfCommandsAreWrittenDown) {
+TEST_F(Formats, CommandOutputIsDocumented) {
     EXPECT_EQ(leavesOf(nlohmann::json::parse(outputOf("devices --json"))), documentedKeys("devices --json"));
     EXPECT_EQ(
         leavesOf(nlohmann::json::parse(outputOf("plugins --json", "LV2_PATH=/usr/lib/lv2"))),
@@ -98,14 +97,14 @@ TEST_F(Formats, OfCommandsAreWrittenDown) {
     EXPECT_EQ(leavesOf(meters), documentedKeys("run --meters json"));
 }
 
-TEST_F(Formats, OfSessionsAreWrittenDown) {
-    // Many sessions, so that every optional key stands in one of them.
+TEST_F(Formats, SessionKeysAreDocumented) {
+    // Enough sessions for every optional key to occur.
     Keys found;
     for (std::uint64_t seed = 1; seed <= 20; ++seed)
         collect(
             nlohmann::json::parse(session::encodeMixerDocument(test::randomDocument(seed)).value()), "", found
         );
-    // Channels, slots, scenes and routings are written down once each.
+    // Channels, slots, scenes and routings are documented once each.
     Keys keys;
     const std::regex outer(
         R"(^(snapshots\[\]\.)?(channels\[\]\.)?(pluginSlots\[\]\.)?((output|masterOutput)Routing\.)?)"

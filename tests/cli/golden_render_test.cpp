@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-// What a mix of the demo panel has always been, bit for bit: whatever makes the mixer faster or tidier,
-// builds it with another compiler or runs it on another processor leaves these alone.
+// The bits of a mix of the demo panel. They are the same for every compiler and processor and must not change
+// with the code.
 
 namespace {
 
@@ -41,7 +41,7 @@ std::string hashOf(const std::filesystem::path& sound, const test::TemporaryFold
     return test::contentOf(folder / "stdout").substr(0, 64);
 }
 
-/// A mixer as it comes, with a strip for every microphone and the master on its first outputs.
+/// A mixer with default settings, a strip for every microphone and the master on the first outputs.
 session::MixerDocumentData plainSession() {
     std::vector<session::ChannelStrip> strips = session::makeDefaultStrips(8);
     for (std::size_t i = 0; i < strips.size(); ++i)
@@ -52,7 +52,7 @@ session::MixerDocumentData plainSession() {
         .bufferSize = 512};
 }
 
-/// Everything set that makes a difference to the sound.
+/// A mixer with all settings that affect the sound changed.
 session::MixerDocumentData richSession() {
     session::MixerDocumentData document = plainSession();
     document.master.levels.masterTargetDB = -18.5;
@@ -74,7 +74,7 @@ session::MixerDocumentData richSession() {
     return document;
 }
 
-TEST(GoldenRender, GivesTheBitsItAlwaysGave) {
+TEST(GoldenRender, MatchesTheStoredHashes) {
     struct Golden {
         const char* name;
         session::MixerDocumentData session;

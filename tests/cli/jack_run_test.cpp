@@ -38,7 +38,7 @@ using Sizes = std::vector<std::uint32_t>;
 
 const std::string program = orvane::test::builtProgram("orvane-cli");
 
-/// Another client of the server, which notes every buffer size that it changes to.
+/// Another client of the server, which records every change of the buffer size.
 class SizeObserver final {
   public:
     SizeObserver()
@@ -57,7 +57,7 @@ class SizeObserver final {
         take();
     }
 
-    /// Those since the last call.
+    /// The changes since the last call.
     Sizes take() {
         const std::scoped_lock lock(mutex);
         return std::exchange(sizes, {});
@@ -84,19 +84,19 @@ int exitCodeOf(pid_t process) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// Starts a run that changes the server's buffer size to 128 frames and prints its meters into a file.
+/// Starts a run that sets the server's buffer size to 128 frames and writes its meters to a file.
 pid_t startRun(const std::string& meters = "/dev/null") {
     const std::string command =
         "ORVANE_DRIVERS=jack exec '" + program + "' run --buffer-size 128 --meters json >'" + meters + "'";
     return orvane::test::startServer({"sh", "-c", command});
 }
 
-/// Waits until meters have been printed, from which on the mix runs.
+/// Waits for the first meters, which show that the mix runs.
 bool awaitMeters(const std::string& meters) {
     return waitFor([&] { return !contentOf(meters).empty(); });
 }
 
-TEST(JackRun, TakesTheServersBufferSizeAndGivesBackWhatItChanges) {
+TEST(JackRun, UsesTheServersBufferSizeAndRestoresIt) {
     const TemporaryFolder folder;
     const JackTestServer server({.period = 64});
     SizeObserver observer;
@@ -116,7 +116,7 @@ TEST(JackRun, TakesTheServersBufferSizeAndGivesBackWhatItChanges) {
     EXPECT_EQ(run(""), (Sizes{512, 48})) << "is not offered";
 }
 
-TEST(JackRun, GivesTheBufferSizeBackAtEverySignalUnlessAnotherProgramHasChangedIt) {
+TEST(JackRun, RestoresTheBufferSizeAtEverySignalUnlessAnotherProgramChangedIt) {
     const JackTestServer server({.period = 64});
     SizeObserver observer;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -136,7 +136,7 @@ TEST(JackRun, GivesTheBufferSizeBackAtEverySignalUnlessAnotherProgramHasChangedI
     EXPECT_EQ(observer.take(), (Sizes{128, 256}));
 }
 
-TEST(JackRun, FailsWhenItsServerIsGone) {
+TEST(JackRun, FailsIfItsServerDies) {
     const TemporaryFolder folder;
     JackTestServer server({.period = 64});
     const std::string meters = (folder / "meters").string();
@@ -146,7 +146,7 @@ TEST(JackRun, FailsWhenItsServerIsGone) {
     EXPECT_EQ(exitCodeOf(run), 1);
 }
 
-TEST(JackRun, SaysThatTheServerHasNoPortsLeft) {
+TEST(JackRun, ReportsThatTheServerHasNoPortsLeft) {
     const TemporaryFolder folder;
     const JackTestServer server({.period = 64, .channelCount = 20}, 64);
     SizeObserver observer;
@@ -161,7 +161,7 @@ TEST(JackRun, SaysThatTheServerHasNoPortsLeft) {
     EXPECT_EQ(observer.take(), (Sizes{128, 64}));
 }
 
-/// The socket of a PipeWire server that takes connections.
+/// The socket of a PipeWire server that accepts connections.
 class PipeWireSocket final {
   public:
     explicit PipeWireSocket(const std::string& path)
@@ -177,7 +177,7 @@ class PipeWireSocket final {
     orvane::platform::FileDescriptor socket;
 };
 
-TEST(Devices, NameTheWayToPipeWireIfItRunsAndNoJackServerAnswers) {
+TEST(Devices, AdviseOnPipeWireIfNoJackServerAnswers) {
     const TemporaryFolder folder;
     const std::string runtime = (folder / "").string();
     const std::string other = (folder / "other").string();

@@ -26,7 +26,7 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-/// Any allocation on an audio thread ends it; its wall clock leaps to and fro.
+/// Aborts at any allocation on an audio thread; its wall clock jumps back and forth.
 const std::string program = orvane::test::builtProgram("orvane-cli-guarded");
 const std::string cli = "ORVANE_DRIVERS=virtual " + program;
 const std::string panel = orvane::test::panelRecording();
@@ -47,7 +47,7 @@ TEST(Devices, AreListedForPeopleAndForPrograms) {
     EXPECT_TRUE(nlohmann::json::accept(contentOf(folder / "stdout")));
 }
 
-TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
+TEST(LiveRun, PrintsOneMeterObjectPerLineAndASummary) {
     const TemporaryFolder folder;
     EXPECT_EQ(
         exitCodeOfShell(folder, cli + " run --seconds 0.3 --channels 4 --buffer-size 128 --meters json"), 0
@@ -66,7 +66,7 @@ TEST(LiveRun, PrintsOneMeterObjectALineAndHowItWent) {
     );
 }
 
-TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
+TEST(LiveRun, OverwritesTextMetersOnATerminalOnly) {
     const TemporaryFolder folder;
     const std::string run = cli + " run --seconds 0.3 --channels 2 --meters text";
     EXPECT_EQ(exitCodeOfShell(folder, run), 0);
@@ -85,8 +85,8 @@ TEST(LiveRun, WritesMetersForPeopleOverThemselvesOnATerminalOnly) {
 TEST(LiveRun, EndsCleanlyAtASignal) {
     const TemporaryFolder folder;
     for (const std::string signal : {"INT", "TERM"}) {
-        // The first line says that it runs; the program has the signals' default handling, which a shell
-        // takes from what it puts into the background.
+        // The first line shows that the mix runs. Shells ignore SIGINT in background processes, so its
+        // default handling is restored.
         const std::string command = fmt::format(
             "mkfifo {0}; env --default-signal=INT {1} run --meters json >{0} & "
             "{{ read line; kill -{2} $!; cat >/dev/null; }} <{0}; wait $!",
@@ -96,10 +96,10 @@ TEST(LiveRun, EndsCleanlyAtASignal) {
     }
 }
 
-TEST(LiveRun, EndsAtASignalAlsoWhereNobodyReads) {
+TEST(LiveRun, EndsAtASignalIfItsOutputIsNotRead) {
     const TemporaryFolder folder;
     for (const std::string streams : {">&3", ">/dev/null 2>&3", ">&3 2>&3"}) {
-        // A pipe that is full from the start; that the signal is caught says that the mix begins.
+        // The pipe is full from the start; once the signal is caught, the mix begins.
         const std::string command = fmt::format(
             "rm -f {0}; mkfifo {0}; exec 3<>{0}; dd if=/dev/zero of={0} oflag=nonblock bs=4096 2>/dev/null; "
             "{1} run --meters json {2} & "
@@ -111,7 +111,7 @@ TEST(LiveRun, EndsAtASignalAlsoWhereNobodyReads) {
     }
 }
 
-TEST(LiveRun, MixesOnWithoutMetersWhenTheirReaderHasGone) {
+TEST(LiveRun, ContinuesWithoutMetersIfTheirReaderIsGone) {
     const TemporaryFolder folder;
     const std::string command = fmt::format(
         "mkfifo {0}; {1} run --meters json >{0} 2>{0}.says & head -n 1 <{0}; "
@@ -122,12 +122,12 @@ TEST(LiveRun, MixesOnWithoutMetersWhenTheirReaderHasGone) {
     EXPECT_NO_THROW(nlohmann::json::parse(contentOf(folder / "stdout")));
     EXPECT_THAT(
         contentOf(folder / "meters.says"),
-        MatchesRegex("(orvane-cli: This account [^\n]*\n)?orvane-cli: The meters cannot be written any more "
+        MatchesRegex("(orvane-cli: This account [^\n]*\n)?orvane-cli: The meters can no longer be written "
                      "\\(Broken pipe\\); [^\n]*\norvane-cli: Ran for [^\n]*\n")
     );
 }
 
-TEST(LiveRun, GoesOnWhereItsMessagesCannotBeWritten) {
+TEST(LiveRun, ContinuesIfItsMessagesCannotBeWritten) {
     const TemporaryFolder folder;
     const std::string run = cli + " run --meters none --seconds 0.1";
     for (const std::string& command :
@@ -137,7 +137,7 @@ TEST(LiveRun, GoesOnWhereItsMessagesCannotBeWritten) {
         EXPECT_EQ(exitCodeOfShell(folder, command), 0) << command;
 }
 
-TEST(LiveRun, PrintsIntoNoFileOfItsOwnWhereItsStreamsAreClosed) {
+TEST(LiveRun, PrintsNothingIntoItsFilesIfItsStreamsAreClosed) {
     const TemporaryFolder folder;
     const std::string recording = (folder / "out.wav").string();
     EXPECT_EQ(
@@ -148,7 +148,7 @@ TEST(LiveRun, PrintsIntoNoFileOfItsOwnWhereItsStreamsAreClosed) {
     EXPECT_THAT(contentOf(recording), Not(HasSubstr("strips")));
 }
 
-TEST(LiveRun, MixesOnAndFailsAtItsEndIfItsRecordingFails) {
+TEST(LiveRun, ContinuesIfItsRecordingFailsAndFailsAtTheEnd) {
     const TemporaryFolder folder;
     const std::string recording = (folder / "out.wav").string();
     const std::string run = "ulimit -f 64; " + cli
@@ -177,7 +177,7 @@ TEST(LiveRun, MixesOnAndFailsAtItsEndIfItsRecordingFails) {
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("ends in .wav, .w64 or .rf64"));
 }
 
-TEST(LiveRun, KeepsTheMachineAwake) {
+TEST(LiveRun, KeepsTheComputerAwake) {
     orvane::test::DesktopPeer desktop;
     const pid_t run = startServer({"env", "ORVANE_DRIVERS=virtual", program, "run", "--meters", "none"});
     EXPECT_TRUE(waitFor([&] {
@@ -191,7 +191,7 @@ TEST(LiveRun, KeepsTheMachineAwake) {
     EXPECT_EQ(desktop.locks(), 0U);
 }
 
-TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
+TEST(LiveRun, SavesItsSessionAtASignal) {
     const TemporaryFolder folder;
     const auto session = folder.add(
         "show.orvane", R"({"channels": [{"name": "Host", "outputRouting": {"none": {}}, "genderMode": "male",
@@ -200,7 +200,7 @@ TEST(LiveRun, SavesItsSessionWhenASignalAsksForIt) {
             "bufferSize": 512, "snapshots": []})"
     );
     for (const auto& [options, says] :
-         {std::pair(std::string(), std::string("There is no file to save the session to")),
+         {std::pair(std::string(), std::string("The session has no file to save to")),
           std::pair(
               " --channels 1 --session " + session.string(), "Saved the session to " + session.string()
           )}) {
@@ -230,7 +230,7 @@ TEST(LiveRun, ReplacesAChangedOrProtectedSessionOnlyIfForced) {
     EXPECT_EQ(exitCodeOfShell(folder, make), 0) << contentOf(folder / "stderr");
     EXPECT_EQ(nlohmann::json::parse(contentOf(session))["channels"].size(), 3U);
     EXPECT_EQ(exitCodeOfShell(folder, make), 1);
-    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("is there already"));
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("already exists"));
     for (const auto& [option, change, says] :
          {std::tuple("", "echo x >>", "was changed by another program"),
           {"", "chmod 444", "is write-protected"},
@@ -252,9 +252,9 @@ TEST(LiveRun, ReplacesAChangedOrProtectedSessionOnlyIfForced) {
     }
 }
 
-TEST(LiveRun, OutlivesRequestsToSaveToItsLastInstant) {
+TEST(LiveRun, SurvivesSaveRequestsUntilItsLastInstant) {
     const TemporaryFolder folder;
-    // From the moment on that it catches SIGUSR1 until nothing is left of it but its exit code.
+    // From the moment it catches SIGUSR1 until it has become a zombie.
     const std::string command =
         cli
         + " run --meters none --seconds 0.1 & "
@@ -263,7 +263,7 @@ TEST(LiveRun, OutlivesRequestsToSaveToItsLastInstant) {
     EXPECT_EQ(exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
 }
 
-TEST(LiveRun, TellsThatTheMasterDeviceLacksTheOutputsOfTheSession) {
+TEST(LiveRun, ReportsThatTheMasterDeviceLacksTheSessionsOutputs) {
     const TemporaryFolder folder;
     const auto session = folder.add(
         "show.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 512, "snapshots": [],
@@ -277,7 +277,7 @@ TEST(LiveRun, TellsThatTheMasterDeviceLacksTheOutputsOfTheSession) {
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("Master Out was reset to \"None\""));
 }
 
-TEST(LiveRun, GoesOnAfterItWasStopped) {
+TEST(LiveRun, ContinuesAfterBeingStopped) {
     const TemporaryFolder folder;
     const std::string command = fmt::format(
         "mkfifo {0}; env --default-signal=INT {1} run --meters json >{0} & "
@@ -289,7 +289,7 @@ TEST(LiveRun, GoesOnAfterItWasStopped) {
     EXPECT_EQ(exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
 }
 
-TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
+TEST(LiveRun, ReportsInOneLineWhyItDoesNotStart) {
     const TemporaryFolder folder;
     folder.add("bad.orvane", "{}");
     const auto configuration = folder.add(
@@ -330,7 +330,7 @@ TEST(LiveRun, SaysInOneLineWhyItDoesNotStart) {
     }
 }
 
-/// The first `frames` samples of a channel.
+/// Returns the first `frames` samples of a channel.
 std::vector<float> beginningOf(const std::filesystem::path& path, std::size_t channel, std::size_t frames) {
     auto reader = orvane::platform::SoundFileReader::open(path);
     EXPECT_TRUE(reader) << path;
@@ -341,7 +341,7 @@ std::vector<float> beginningOf(const std::filesystem::path& path, std::size_t ch
     return samples[channel];
 }
 
-TEST(LiveRun, PlaysWhatTheOfflineRenderGivesBitForBit) {
+TEST(LiveRun, MatchesTheOfflineRenderBitForBit) {
     const TemporaryFolder folder;
     const std::string live = (folder / "live.wav").string();
     const std::string offline = (folder / "offline.wav").string();

@@ -15,12 +15,12 @@ namespace {
 using orvane::cli::MeterOutput;
 using orvane::platform::FileDescriptor;
 
-TEST(MeterOutput, WritesAFrameWholeAlsoIfThePipeTakesItInParts) {
+TEST(MeterOutput, WritesAWholeFrameToAPipeInParts) {
     std::array<int, 2> ends{};
     ASSERT_EQ(::pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
     const FileDescriptor readEnd(ends[0]);
     const FileDescriptor writeEnd(ends[1]);
-    // More than any pipe holds unless asked to.
+    // Larger than the default capacity of any pipe.
     std::string frame(1'000'000, 'm');
     frame.back() = '\n';
     MeterOutput output(writeEnd.number());

@@ -38,10 +38,11 @@ TEST(MIDICommand, ReadsNotes) {
     for (const char* text :
          {"", "60", "1:", ":60", "17:60", "0:60", "1:128", "1:60:0", "1:60:128", "1:60:1:1", "1:60:", "-1:60",
           "a:60"})
-        EXPECT_THAT(parseNote(text).error().description, HasSubstr("is no note; write CHANNEL:NOTE")) << text;
+        EXPECT_THAT(parseNote(text).error().description, HasSubstr("is not a note; write CHANNEL:NOTE"))
+            << text;
 }
 
-TEST(MIDICommand, ListsNothingAndSendsNothingWithoutAWayToMIDI) {
+TEST(MIDICommand, ListsAndSendsNothingWithoutMIDI) {
     const TemporaryFolder folder;
     const std::string nowhere = "ORVANE_DRIVERS=virtual " + program + " midi";
     EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --json"), 0);
@@ -51,7 +52,7 @@ TEST(MIDICommand, ListsNothingAndSendsNothingWithoutAWayToMIDI) {
     EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 1:60"), 1);
     EXPECT_EQ(
         contentOf(folder / "stderr"),
-        "orvane-cli: There is neither a JACK server nor an ALSA sequencer to send the note through.\n"
+        "orvane-cli: Neither a JACK server nor an ALSA sequencer is running to send the note.\n"
     );
     EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --send 1:200"), 2);
     EXPECT_EQ(exitCodeOfShell(folder, nowhere + " --seconds 3"), 2) << "only with --send";
@@ -83,7 +84,7 @@ TEST(MIDICommand, ListsAndReachesOtherProgramsOnAJACKServer) {
     ) << contentOf(folder / "stderr");
 
     EXPECT_EQ(exitCodeOfShell(folder, jack + " midi --send 3:60 --seconds 0.1"), 1);
-    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("Nobody listened to the note"));
+    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("No program received the note"));
     auto sent = std::async(std::launch::async, [&] {
         return exitCodeOfShell(folder, jack + " midi --send 3:60:90 --seconds 60");
     });
@@ -135,7 +136,7 @@ TEST(MIDICommand, LearnsANoteThatThenChangesTheMix) {
         return nlohmann::json::parse(meters.substr(begin, end - begin))["strips"][0]["levelDB"].get<double>();
     };
     EXPECT_TRUE(test::waitFor([&] { return lastLevel() > -100.0; }));
-    // The mixer listens once it runs.
+    // The mixer receives notes once it runs.
     const auto playUntil = [&](const std::string& message) {
         return test::waitFor([&] {
             keyboard->send(std::array<std::uint8_t, 3>{0x91, 61, 100});

@@ -19,14 +19,14 @@ using namespace orvane;
 constexpr std::size_t frames = 256;
 constexpr double blocksPerSecond = 48000.0 / frames;
 
-/// What one block of the panel came in as and how it was mixed; levels and gains in dB.
+/// The levels and gains of one block of the panel recording, in dB.
 struct Moment {
     std::vector<double> inputDB;
     std::vector<double> gainDB;
     double masterLevel;
 };
 
-/// The panel recording through a mixer with the defaults of a new one.
+/// Mixes the panel recording with the default settings.
 std::vector<Moment> mixPanel(double referenceNoiseGain) {
     auto opened = platform::SoundFileReader::open(test::panelRecording());
     EXPECT_TRUE(opened);
@@ -56,7 +56,7 @@ std::vector<Moment> mixPanel(double referenceNoiseGain) {
     return moments;
 }
 
-/// The microphone that somebody speaks into: loud, and well above what spills into all others.
+/// The microphone of the current talker: loud, and well above the spill into all others.
 std::optional<std::size_t> speaker(const Moment& moment) {
     constexpr double speechDB = -55.0;
     constexpr double aboveSpillDB = 10.0;
@@ -67,7 +67,7 @@ std::optional<std::size_t> speaker(const Moment& moment) {
     return static_cast<std::size_t>(loudest - moment.inputDB.begin());
 }
 
-/// One talker's time, from his first word to the next talker's; in blocks.
+/// The blocks from one talker's first word to the next talker's.
 struct Turn {
     std::size_t microphone;
     std::size_t begin;
@@ -114,7 +114,7 @@ TEST(PanelMix, LiftsTheTalkerAtOnceAndEasesBackTheOthers) {
         ASSERT_GE(std::ranges::min(moment.gainDB), -26.0 - 1e-9);
 }
 
-TEST(PanelMix, HoldsTheMasterNearItsTargetThoughTalkersDiffer) {
+TEST(PanelMix, HoldsTheMasterNearItsTargetForEveryTalker) {
     constexpr double targetDB = -10.0;
     const std::vector<Moment> moments = mixPanel(0.0);
     const auto second = static_cast<std::size_t>(blocksPerSecond);

@@ -20,12 +20,12 @@ using testing::MatchesRegex;
 const std::string program = orvane::test::builtProgram("orvane-cli");
 const std::string panel = orvane::test::panelRecording();
 
-/// Runs the program with these arguments, as a shell takes them.
+/// Runs the program with these shell arguments.
 int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments) {
     return orvane::test::exitCodeOfShell(folder, program + " " + arguments);
 }
 
-TEST(Program, TellsSuccessFailureAndWrongUsageApart) {
+TEST(Program, DistinguishesSuccessFailureAndWrongUsage) {
     const TemporaryFolder folder;
     const std::string input = std::string("render --input ") + panel;
     const std::string output = " --output '" + (folder / "out.wav").string() + "'";
@@ -73,7 +73,7 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
     EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("]   0%"));
 }
 
-TEST(Program, SaysWhereItsResultCannotBeWritten) {
+TEST(Program, ReportsThatItsResultCannotBeWritten) {
     const TemporaryFolder folder;
     const auto session =
         folder.add("empty.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 512,
@@ -92,7 +92,7 @@ TEST(Program, SaysWhereItsResultCannotBeWritten) {
     }
 }
 
-TEST(Program, IsSilentIfTheReaderOfItsResultHasReadEnough) {
+TEST(Program, IsSilentIfTheReaderOfItsResultIsGone) {
     const TemporaryFolder folder;
     const std::string closedPipe =
         fmt::format("mkfifo {0}; exec 4<>{0} 3>{0} 4>&-; ", (folder / "pipe").string());
@@ -100,7 +100,7 @@ TEST(Program, IsSilentIfTheReaderOfItsResultHasReadEnough) {
     EXPECT_EQ(contentOf(folder / "stderr"), "");
 }
 
-TEST(Program, TakesAFileThatOutgrowsItsLimitAsAnError) {
+TEST(Program, FailsIfAFileExceedsTheSizeLimit) {
     const TemporaryFolder folder;
     const std::string command = "ulimit -f 64; " + program + " render --input " + panel + " --output '"
                                 + (folder / "out.wav").string() + "' 2>'" + (folder / "stderr").string()
@@ -125,7 +125,7 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     EXPECT_EQ(stream.substr(0, 8), "RIFF\xFF\xFF\xFF\xFF");
     EXPECT_TRUE(stream.ends_with(contentOf(direct).substr(200))) << "the same samples";
 
-    // A pipe without a writer or a reader. The program works once it catches SIGINT; the shell that it
+    // A pipe without a writer or a reader. The program has started once it catches SIGINT; the shell that it
     // replaces may catch it too.
     const std::string pipe = fmt::format("rm -f {0}; mkfifo {0}; exec 4<>{0}; ", (folder / "pipe").string());
     const std::string interrupt =
@@ -147,7 +147,7 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("it is not a regular file"));
 }
 
-TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
+TEST(Program, MakesNoWorldWritableFiles) {
     namespace fs = std::filesystem;
     const TemporaryFolder folder;
     const std::string command = std::string("umask 0; XDG_DATA_HOME='") + (folder / "data").string() + "' "
@@ -160,7 +160,7 @@ TEST(Program, MakesNoFileOrFolderThatEverybodyMayWrite) {
         EXPECT_EQ(entry.status().permissions() & fs::perms::others_write, fs::perms::none) << entry.path();
 }
 
-TEST(Program, SendsNothingOfANameToTheTerminalThatCommandsIt) {
+TEST(Program, NeverSendsControlCharactersOfNamesToTheTerminal) {
     const TemporaryFolder folder;
     const auto session = folder.add(
         "show.orvane",
@@ -181,7 +181,7 @@ TEST(Program, SendsNothingOfANameToTheTerminalThatCommandsIt) {
     }
 }
 
-TEST(Program, EscapesInJSONOnATerminalOnlyWhatCommandsTheTerminal) {
+TEST(Program, EscapesOnlyControlCharactersOfJSONOnATerminal) {
     const TemporaryFolder folder;
     // NOLINTNEXTLINE(misc-misleading-bidirectional)
     const std::string name = "\x7f\u0080\u009b1m\u00a0\u00e4\u2027\u2028\u202e\u202f\u2065\u2066\u2069\u206a";

@@ -23,7 +23,7 @@ std::string bar(int filled, const std::string& percent) {
     return "\r[" + std::string(count, '#') + std::string(40 - count, ' ') + "] " + percent + "%";
 }
 
-/// A terminal whose screen the test reads.
+/// A terminal whose output the test reads.
 class Terminal final {
   public:
     Terminal() : screen(posix_openpt(O_RDWR | O_NOCTTY)) {
@@ -39,7 +39,7 @@ class Terminal final {
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// What has been drawn since the last call: a mark is written after it, so nothing has to be waited for.
+    /// The output since the last call. A mark is written after it, so that no waiting is needed.
     std::string drawn() {
         std::fputc(mark, stream);
         std::fflush(stream);
@@ -56,7 +56,7 @@ class Terminal final {
     int screen;
 };
 
-TEST(ProgressBar, ShowsTheShareThatIsDone) {
+TEST(ProgressBar, ShowsTheFinishedShare) {
     const std::pair<double, std::string> barByFraction[] = {{0.004, bar(0, "  0")},  {0.25, bar(10, " 25")},
                                                             {0.999, bar(39, " 99")}, {1.0, bar(40, "100")},
                                                             {-0.5, bar(0, "  0")},   {1.5, bar(40, "100")}};
@@ -68,7 +68,7 @@ TEST(ProgressBar, ShowsTheShareThatIsDone) {
     }
 }
 
-TEST(ProgressBar, IsDrawnAtOnceThenTenTimesASecondAtMostAndWipedAtTheEnd) {
+TEST(ProgressBar, IsDrawnAtMostTenTimesASecondAndErasedAtTheEnd) {
     Terminal terminal;
     milliseconds = 5'000;
     {
@@ -81,7 +81,7 @@ TEST(ProgressBar, IsDrawnAtOnceThenTenTimesASecondAtMostAndWipedAtTheEnd) {
     EXPECT_EQ(terminal.drawn(), "\r\x1b[K");
 }
 
-TEST(ProgressBar, IsNotDrawnWhereThereIsNoTerminal) {
+TEST(ProgressBar, IsNotDrawnWithoutATerminal) {
     std::FILE* file = std::tmpfile();
     ProgressBar(file, scriptedClock).update(0.5);
     EXPECT_EQ(std::ftell(file), 0);

@@ -56,7 +56,7 @@ Samples readSound(const std::filesystem::path& path) {
     return channels;
 }
 
-/// A render and what it said meanwhile.
+/// A render with its warnings and its progress.
 struct Rendering {
     explicit Rendering(
         const RenderOptions& options, const std::function<bool()>& isCancelled = [] { return false; }
@@ -72,7 +72,7 @@ struct Rendering {
     platform::Result<cli::RenderReport> report;
 };
 
-/// A session of bypassed strips, so that what is routed is heard as it is.
+/// A session of bypassed strips, so that routed sound stays unchanged.
 session::MixerDocumentData bypassedSession(const std::vector<session::OutputRouting>& outputs) {
     session::MixerDocumentData document{.bufferSize = 64};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
@@ -128,7 +128,7 @@ TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
     EXPECT_THAT(rendering.progress, ElementsAre(0.0, 64.0 / 101.0));
 }
 
-TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
+TEST(Render, HandlesSessionsThatDoNotFitTheSound) {
     const TemporaryFolder folder;
     const Samples input(3, std::vector<float>(64, 0.125F));
     const auto sound = writeSound(folder, "in.wav", input);
@@ -163,7 +163,7 @@ TEST(Render, FillsUpAndCutsOffWhatTheSessionDoesNotFit) {
     );
 }
 
-/// The report of a render; `text`: also as people get it.
+/// The report of a render; `text`: also receives the report for people.
 nlohmann::json reportOf(const TemporaryFolder& folder, const Samples& input, std::string* text = nullptr) {
     const Rendering rendering(
         {.input = writeSound(folder, "in.wav", input),
@@ -175,7 +175,7 @@ nlohmann::json reportOf(const TemporaryFolder& folder, const Samples& input, std
     return nlohmann::json::parse(test::contentOf(folder / "report.json"));
 }
 
-TEST(Render, ReportsWhatItDid) {
+TEST(Render, ReportsItsResults) {
     const TemporaryFolder folder;
     const Samples input = {std::vector<float>(96000, 0.25F), std::vector<float>(96000, 0.0F)};
     std::string text;
@@ -190,9 +190,9 @@ TEST(Render, ReportsWhatItDid) {
     EXPECT_THAT(text, HasSubstr("2.0 s in 188 blocks of 512 frames"));
 }
 
-TEST(Render, MixesTheLastBlockAsIfSilenceFollowedTheInput) {
+TEST(Render, PadsTheLastBlockWithSilence) {
     const TemporaryFolder folder;
-    // Long enough for every buffer to have held sound before.
+    // Long enough for every buffer to be filled with sound.
     Samples input(2, std::vector<float>(100 * 512 + 1, 0.25F));
     const nlohmann::json cutOff = reportOf(folder, input);
     for (std::vector<float>& channel : input)
@@ -202,7 +202,7 @@ TEST(Render, MixesTheLastBlockAsIfSilenceFollowedTheInput) {
         EXPECT_EQ(cutOff[key], padded[key]);
 }
 
-TEST(Render, ReportsTheGainsOfWhoSpeaksAndWhoListens) {
+TEST(Render, ReportsTheGainsOverTime) {
     const TemporaryFolder folder;
     // The first speaks for two seconds, then the second.
     Samples input(2, std::vector<float>(192'000, 0.0F));
@@ -287,7 +287,7 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
     }
 }
 
-TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
+TEST(Render, UsesTheSessionsPluginsAndSkipsMissingOnes) {
     const TemporaryFolder folder;
     platform::SystemLog log([](const platform::LogLine&) {});
     platform::lv2::Lv2UnitHost host(log);
@@ -326,7 +326,7 @@ TEST(Render, PlaysThroughTheSessionsPluginsAndWithoutThoseThatAreMissing) {
     EXPECT_NE(readSound(folder / "first.wav")[0], readSound(folder / "plain.wav")[0]);
 }
 
-TEST(Render, DoesTheWorkOfPluginsAtOnceAndTellsThemThatItIsOffline) {
+TEST(Render, RunsPluginWorkersAtOnceAndOffline) {
     const TemporaryFolder folder;
     const test::Lv2Bundles bundles;
     bundles.add("amplifier.lv2", test::scriptedAmplifier());
@@ -347,11 +347,11 @@ TEST(Render, DoesTheWorkOfPluginsAtOnceAndTellsThemThatItIsOffline) {
     ::unsetenv("LV2_PATH");
     ASSERT_TRUE(rendering.report) << rendering.report.error().description;
     EXPECT_THAT(rendering.warnings, testing::IsEmpty());
-    // The block that warms it up has had its work done.
+    // The warm-up block has already completed the plugin's background work.
     EXPECT_EQ(readSound(folder / "out.wav")[0], std::vector<float>(6400, 0.625F));
 }
 
-TEST(Render, SaysWhatStopsItMidwayAndLeavesNothingBehind) {
+TEST(Render, ReportsErrorsMidwayAndLeavesNothingBehind) {
     const TemporaryFolder folder;
     const std::string whole = test::contentOf(panel);
     folder.add("half.flac", whole.substr(0, whole.size() / 2));
@@ -369,7 +369,7 @@ TEST(Render, SaysWhatStopsItMidwayAndLeavesNothingBehind) {
     EXPECT_EQ(folder.names(), before);
 }
 
-TEST(Render, LeavesTheOldFileAloneWhenCancelled) {
+TEST(Render, KeepsTheOldFileIfCancelled) {
     const TemporaryFolder folder;
     folder.add("out.wav", "the last show");
     int blocks = 0;

@@ -1,11 +1,19 @@
-#include "cli/terminal_text.h"
+#include "cli/printing.h"
+
+#include "machine/process.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <iterator>
+#include <system_error>
 
 namespace orvane::cli {
 
@@ -30,7 +38,31 @@ constexpr std::array<Range, 4> commanding{
      {"\xE2\x80\xA8", "\xE2\x80\xAE", 0x2028},
      {"\xE2\x81\xA6", "\xE2\x81\xA9", 0x2066}}};
 
+bool write(std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+}
+
 } // namespace
+
+void printMessage(std::string_view sentence) {
+    machine::printMessage("orvane-cli", sentence);
+}
+
+int fail(std::string_view sentence) {
+    printMessage(sentence);
+    return 1;
+}
+
+int printResult(std::string_view text) {
+    if (::isatty(STDOUT_FILENO) == 1 ? write(terminalText(text)) : write(text)) return 0;
+    const int error = errno;
+    if (error == EPIPE) return 0;
+    return fail(fmt::format("The result could not be written: {}.", std::generic_category().message(error)));
+}
+
+std::string jsonText(const nlohmann::json& document) {
+    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
 
 std::string terminalText(std::string_view text) {
     std::string shown;
