@@ -1,4 +1,4 @@
-# The Debian package, which cpack makes of what is installed.
+# The Debian package, which cpack builds from the installed files.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orvane)
@@ -17,16 +17,16 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "live automatic microphone mixer")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "ORVANE does the fader riding of panel discussions, interviews, meetings
-and choirs: anything with several open microphones. Whoever speaks is
-opened at once, the others are eased back, never gated shut, and the sum
-is held at a chosen loudness.
+and choirs: anything with several open microphones. The active ones open
+at once, the others are eased back, never gated shut, and the sum is held
+at a chosen loudness.
 .
 It mixes up to 48 channels of one audio interface over JACK, PipeWire or
 ALSA, with LV2 effects, scenes that MIDI notes recall, and sessions as
 files. The package has the desktop application, orvane, and a program for
 the command line, orvane-cli, that mixes live or faster than real time.")
-# What the programs link says which libraries they need; the rest is opened while they run: Qt's way to Wayland,
-# the program that opens web and mail addresses, a JACK server, effects.
+# The linked libraries become dependencies by themselves. The packages below are used at run time: Qt's Wayland
+# plugin, the program that opens web and mail addresses, a JACK server, effects.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-jack | jackd2, lv2-plugin")

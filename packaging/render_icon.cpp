@@ -1,4 +1,4 @@
-// Draws a picture of the application into PNG files of the sizes that desktops show icons in.
+// Renders an SVG picture to PNG files of the given sizes.
 // Usage: orvane_render_icon PICTURE.svg SIZE FILE.png [SIZE FILE.png]...
 
 #include <QImage>
@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     if (argc < 2 || argc % 2 != 0) return EXIT_FAILURE;
     QSvgRenderer picture(QString::fromLocal8Bit(argv[1]));
     if (!picture.isValid()) {
-        std::fprintf(stderr, "%s is no picture.\n", argv[1]);
+        std::fprintf(stderr, "%s is not a picture.\n", argv[1]);
         return EXIT_FAILURE;
     }
     for (int argument = 2; argument < argc; argument += 2) {

@@ -15,7 +15,7 @@ _orvane_cli_options() {
     esac
 }
 
-# Nothing in a device's name, which may come from elsewhere, is expanded.
+# Device names may come from other programs; nothing in them is expanded.
 _orvane_cli_devices() {
     local uid
     while IFS= read -r uid; do

@@ -22,7 +22,7 @@ complete -c orvane-cli -n __fish_use_subcommand -a plugins -d 'List the effects'
 complete -c orvane-cli -n __fish_use_subcommand -a render -d 'Mix a sound file'
 complete -c orvane-cli -n __fish_use_subcommand -a run -d 'Mix live without a window'
 complete -c orvane-cli -n __fish_use_subcommand -a session -d 'Print a session as it would be saved'
-__orvane_cli_option 'devices midi plugins' json 'As one JSON object'
+__orvane_cli_option 'devices midi plugins' json 'Print one JSON object'
 __orvane_cli_option 'devices run' virtual-input 'Sound file that a virtual device plays' -r -F
 __orvane_cli_option midi send 'Send a note-on: CHANNEL:NOTE' -x
 __orvane_cli_option 'midi run' seconds 'How long to wait or to run' -x
@@ -39,8 +39,8 @@ __orvane_cli_option run device 'Audio device' -x -a '(__orvane_cli_devices)'
 __orvane_cli_option run master-device 'Device for the master bus' -x -a '(__orvane_cli_devices)'
 __orvane_cli_option run midi-source 'MIDI source to listen to' -x -a '(__orvane_cli_sources)'
 __orvane_cli_option run learn 'Snapshot that the next note recalls' -x
-__orvane_cli_option run meters 'How meters are shown' -x -a 'text json none'
+__orvane_cli_option run meters 'Style of the meters' -x -a 'text json none'
 __orvane_cli_option run record 'Sound file for the outputs of a virtual device' -r -F
-__orvane_cli_option 'run session' force 'Replace a session file that is protected, changed or there'
-__orvane_cli_option session new 'Make a session of so many strips' -x
+__orvane_cli_option 'run session' force 'Replace a protected, changed or existing session file'
+__orvane_cli_option session new 'Make a session with this number of strips' -x
 complete -c orvane-cli -n '__fish_seen_subcommand_from session' -k -a '(__fish_complete_suffix .orvane)'

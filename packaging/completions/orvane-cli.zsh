@@ -12,7 +12,7 @@ _orvane_cli_sources() {
 
 _orvane_cli() {
     local -a help=('(- *)'{-h,--help}'[print the options and exit]')
-    local -a json=('--json[as one JSON object]')
+    local -a json=('--json[print one JSON object]')
     local -a session=('--session[session that sets up the mix]:session:_files -g "*.orvane"')
     local -a channels=('--channels[number of strips]:strips:')
     local -a virtual_input=('--virtual-input[sound file that a virtual device plays]:sound file:_files')
@@ -38,7 +38,7 @@ _orvane_cli() {
     case $subcommand in
     devices) _arguments $help $json $virtual_input ;;
     midi)
-        _arguments $help $json '--send[send a note-on]:CHANNEL\:NOTE:' '--seconds[how long to wait]:seconds:'
+        _arguments $help $json '--send[send a note-on]:CHANNEL\:NOTE:' '--seconds[seconds to wait]:seconds:'
         ;;
     plugins) _arguments $help $json ;;
     render)
@@ -57,12 +57,12 @@ _orvane_cli() {
             '--midi-source[MIDI source to listen to]:id:_orvane_cli_sources' \
             '--learn[snapshot that the next note recalls]:snapshot:' \
             '--seconds[how long to run]:seconds:' \
-            '--meters[how meters are shown]:style:(text json none)' \
+            '--meters[style of the meters]:style:(text json none)' \
             '--record[sound file for the outputs of a virtual device]:sound file:_files' \
             '--force[save over a protected or changed session file]'
         ;;
-    session) _arguments $help $channels '--new[make a session of so many strips]:strips:' \
-            '--force[replace a file that is there]' '*:session:_files -g "*.orvane"' ;;
+    session) _arguments $help $channels '--new[make a session with this number of strips]:strips:' \
+            '--force[replace an existing file]' '*:session:_files -g "*.orvane"' ;;
     esac
 }
 

@@ -1,6 +1,6 @@
 # Completion of orvane in bash.
 
-# Nothing in a device's name, which may come from elsewhere, is expanded.
+# Device names may come from other programs; nothing in them is expanded.
 _orvane_devices() {
     local uid
     while IFS= read -r uid; do

@@ -69,9 +69,9 @@ class DesktopServicesTest : public testing::Test {
     engine::MixerEngine engine{2, {hardware, midi, mainThread, units, log}};
 };
 
-TEST_F(DesktopServicesTest, KeepTheMachineAwakeAndTellOfAudioThatStopsByItself) {
+TEST_F(DesktopServicesTest, KeepTheComputerAwakeAndNotifyIfAudioStopsByItself) {
     services.follow(&engine.state());
-    // Neither what fails before the operator's eyes nor what the operator stops is told of.
+    // A failed start and a stop by the operator cause no notification.
     engine.start();
     ASSERT_TRUE(engine.state().lastError.get());
     start();

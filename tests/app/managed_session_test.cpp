@@ -55,7 +55,7 @@ class ManagedProgram : public testing::Test {
         manager.say("/nsm/client/open", "sss", (folder / "show/ORVANE.nABC").c_str(), "Show", "ORVANE.nABC");
     }
 
-    /// Waits for its end; -1 where it is killed.
+    /// Waits for the program to end; -1 if it was killed.
     int exitCode() {
         int status = 0;
         EXPECT_EQ(::waitpid(program, &status, 0), program);
@@ -90,7 +90,7 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);
 
-    // Only from the file can it know how many strips there are.
+    // Only the file contains the number of strips.
     const std::string stored = contentOf(file);
     start({});
     ASSERT_TRUE(manager.welcomes());
@@ -108,7 +108,7 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     EXPECT_EQ(exitCode(), 0);
 }
 
-TEST_F(ManagedProgram, SavesOnceItIsOpenWhereItIsToldToBefore) {
+TEST_F(ManagedProgram, SavesOnceOpenIfAskedBefore) {
     start({"--channels", "8"});
     ASSERT_TRUE(manager.welcomes());
     ::kill(program, SIGUSR1);
@@ -119,7 +119,7 @@ TEST_F(ManagedProgram, SavesOnceItIsOpenWhereItIsToldToBefore) {
     EXPECT_EQ(exitCode(), 0);
 }
 
-TEST_F(ManagedProgram, SavesNothingOverASessionThatIsNotOpenYet) {
+TEST_F(ManagedProgram, SavesNothingBeforeTheSessionIsOpen) {
     // A bundle that takes a second to read.
     std::string statements;
     for (int i = 0; i < 500'000; ++i)
@@ -138,7 +138,7 @@ TEST_F(ManagedProgram, SavesNothingOverASessionThatIsNotOpenYet) {
     start({});
     ASSERT_TRUE(manager.welcomes());
     open();
-    // It cannot know yet which plugins are installed.
+    // The installed plugins are not known yet.
     manager.say("/nsm/client/save", "");
     EXPECT_TRUE(manager.hears("/error /nsm/client/save -6 "));
     EXPECT_EQ(contentOf(file), stored);
@@ -150,8 +150,8 @@ TEST_F(ManagedProgram, SavesNothingOverASessionThatIsNotOpenYet) {
     EXPECT_EQ(exitCode(), 0);
 }
 
-TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
-    // Its audio cannot be made: it ends as soon as it tries to.
+TEST_F(ManagedProgram, MakesNoAudioBeforeItsSessionIsNamed) {
+    // The program ends as soon as it opens its audio, because the file is missing.
     start({"--virtual-input", "none.wav"});
     ASSERT_TRUE(manager.welcomes());
     open();
@@ -160,7 +160,7 @@ TEST_F(ManagedProgram, MakesNoAudioBeforeItIsToldWhatToOpen) {
     EXPECT_EQ(exitCode(), 1);
 }
 
-TEST_F(ManagedProgram, GivesItsAudioClientTheNameThatItIsTold) {
+TEST_F(ManagedProgram, UsesTheManagersNameForItsAudioClient) {
     const test::JackTestServer server({});
     start({"--channels", "2", "--start", "--device", "jack:system"}, "jack");
     ASSERT_TRUE(manager.welcomes());
@@ -172,7 +172,7 @@ TEST_F(ManagedProgram, GivesItsAudioClientTheNameThatItIsTold) {
     EXPECT_EQ(exitCode(), 0);
 }
 
-TEST_F(ManagedProgram, LeavesASessionThatCannotBeReadAsItIs) {
+TEST_F(ManagedProgram, KeepsASessionFileThatItCannotRead) {
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file) << "no session";
     start({"--channels", "8"});

@@ -22,7 +22,7 @@ using testing::MatchesRegex;
 
 const std::string programFile = orvane::test::builtProgram("orvane");
 
-/// Runs the program with these arguments, as a shell takes them, with a home of its own.
+/// Runs the program with these shell arguments and a home folder of its own.
 int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments, const std::string& display) {
     return orvane::test::exitCodeOfShell(
         folder, "HOME='" + (folder / "home").string() + "' XDG_CONFIG_HOME= ORVANE_DRIVERS=virtual " + display
@@ -30,7 +30,7 @@ int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments, cons
     );
 }
 
-TEST(Application, TellsWhyItDoesNotStart) {
+TEST(Application, ReportsWhyItDoesNotStart) {
     const TemporaryFolder folder;
     struct Case {
         std::string arguments;
@@ -40,7 +40,7 @@ TEST(Application, TellsWhyItDoesNotStart) {
     };
     const std::string none = "DISPLAY= WAYLAND_DISPLAY= QT_QPA_PLATFORM=";
     const std::string dead = "DISPLAY=:987 WAYLAND_DISPLAY= QT_QPA_PLATFORM=";
-    // A library of the desktop has a line of its own about this.
+    // Without XDG_RUNTIME_DIR, a desktop library prints a message of its own.
     const std::string homeless = "env -u XDG_RUNTIME_DIR " + none;
     const std::string offscreen = "QT_QPA_PLATFORM=offscreen";
     for (const Case& one :
@@ -64,7 +64,7 @@ TEST(Application, TellsWhyItDoesNotStart) {
     }
 }
 
-TEST(Application, MixesFromItsStartUntilItIsTold) {
+TEST(Application, MixesUntilASignal) {
     const TemporaryFolder folder;
     orvane::test::DesktopPeer desktop;
     const std::string recording = (folder / "out.wav").string();

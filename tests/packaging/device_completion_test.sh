@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What completes a device expands nothing that its name holds, whoever has named it.
+# Checks that completing a device name never expands anything in the name.
 # Usage: device_completion_test.sh FOLDER_OF_COMPLETIONS
 set -euo pipefail
 
@@ -18,6 +18,6 @@ for program in orvane orvane-cli; do
     "_${program//-/_}"
     eval "completed=(${COMPREPLY[*]})"
     [ "${completed[*]}" = "${names[*]}" ] || { echo "$program completes: ${COMPREPLY[*]}" && exit 1; }
-    [ -z "$(ls -A)" ] || { echo "$program runs what a device is called." && exit 1; }
+    [ -z "$(ls -A)" ] || { echo "$program executes a device name." && exit 1; }
     COMPREPLY=()
 done

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What is installed runs from wherever it stands, without the tree it was built in: it finds its recording beside
-# itself. Nothing of the tests is installed.
+# Checks that the installed programs run from any folder without the build tree and find their recording, and that
+# no test is installed.
 # Usage: installed_program_test.sh BUILD_FOLDER
 set -euo pipefail
 

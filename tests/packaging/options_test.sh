@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The manual page and every shell's completion know each option and subcommand that the program's help tells of.
+# Checks that the manual page and the completion of every shell have each option and subcommand of the program's help.
 # Usage: options_test.sh PROGRAM FOLDER_OF_PACKAGING
 set -euo pipefail
 
