@@ -14,10 +14,11 @@ void DesktopServices::follow(const engine::EngineState* mixer) {
     sleepInhibitor.setHeld(false);
     if (mixer == nullptr) return;
     following = std::make_shared<const bool>(true);
-    toRunning = mixer->isRunning.subscribe([this, mixer](bool isRunning) { hear(*mixer, isRunning); });
+    toRunning =
+        mixer->isRunning.subscribe([this, mixer](bool isRunning) { runningChanged(*mixer, isRunning); });
 }
 
-void DesktopServices::hear(const engine::EngineState& mixer, bool isRunning) {
+void DesktopServices::runningChanged(const engine::EngineState& mixer, bool isRunning) {
     sleepInhibitor.setHeld(isRunning);
     if (!std::exchange(hasRun, isRunning) || isRunning) return;
     // If the audio stopped by itself, the engine sets the reason before it returns to the main thread's loop.

@@ -23,7 +23,7 @@ class DesktopServices final {
     void follow(const engine::EngineState* mixer);
 
   private:
-    void hear(const engine::EngineState& mixer, bool isRunning);
+    void runningChanged(const engine::EngineState& mixer, bool isRunning);
 
     platform::MainThread& mainThread;
     platform::desktop::SleepInhibitor sleepInhibitor;

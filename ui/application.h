@@ -4,8 +4,8 @@
 
 namespace orvane::ui {
 
-/// The application that goes on where an event's handler finds no memory: what it was to do is left out and
-/// reported. Owned by `main`. Main thread.
+/// An application that continues if an event handler runs out of memory: the handler's work is abandoned and
+/// the shortage is reported. Owned by `main`. Main thread.
 class Application final : public QApplication {
   public:
     using QApplication::QApplication;

@@ -22,7 +22,7 @@ class Timer final : public platform::MainThreadTimer {
         timer->start();
     }
 
-    /// The task that ends the timer may be the one that runs now.
+    /// Deletes the timer later, because its own task may be destroying it.
     ~Timer() override {
         timer->stop();
         timer->deleteLater();

@@ -6,7 +6,7 @@
 
 namespace orvane::ui {
 
-/// The main thread of a program with windows: Qt's event loop. Made on it, after the QApplication.
+/// The main thread of a program with windows: Qt's event loop. Made on that thread, after the QApplication.
 class QtMainThread final : public platform::MainThread {
   public:
     void post(std::function<void()> task) override;
@@ -15,7 +15,7 @@ class QtMainThread final : public platform::MainThread {
     repeat(std::chrono::nanoseconds interval, std::function<void()> task) override;
 
   private:
-    /// Lives on the main thread, so that tasks run there.
+    /// Lives on the main thread, so that posted tasks run there.
     QObject receiver;
 };
 

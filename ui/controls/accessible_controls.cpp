@@ -11,7 +11,7 @@ namespace orvane::ui {
 
 namespace {
 
-/// A fader or a slider, told in its own values.
+/// Presents a fader or a slider with its own values.
 template <class Fader>
 class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueInterface {
   public:

@@ -2,8 +2,8 @@
 
 namespace orvane::ui {
 
-/// Has our own controls told to assistive tools as what they are: faders and sliders with their values,
-/// segmented pickers as groups of choices. Once, before the first window. Main thread.
+/// Registers accessibility interfaces for the program's own controls: faders and sliders with their values,
+/// segmented pickers as groups of choices. Called once, before the first window. Main thread.
 void makeControlsAccessible();
 
 } // namespace orvane::ui

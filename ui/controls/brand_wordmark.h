@@ -4,7 +4,7 @@
 
 namespace orvane::ui {
 
-/// The product's word, in the colours of the theme.
+/// The product name, drawn in the colours of the theme.
 class BrandWordmark final : public QWidget {
   public:
     /// `fontSize` in points.

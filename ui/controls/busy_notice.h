@@ -4,9 +4,9 @@
 
 namespace orvane::ui {
 
-/// A line that says what is being done, at the foot of the window of a view for as long as it is held; not
-/// shown at all for what is done at once. Takes nothing away from the window, which may have to be mixed on.
-/// Main thread.
+/// A line at the bottom of a view's window that names the work in progress while the notice exists. It
+/// appears only if the work takes noticeable time, and never blocks the window, so that mixing stays
+/// possible. Main thread.
 class BusyNotice final : public QLabel {
     Q_OBJECT
 

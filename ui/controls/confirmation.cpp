@@ -10,11 +10,11 @@ namespace orvane::ui {
 
 namespace {
 
-/// That a sentence is read well in.
+/// A readable line length.
 constexpr int messageWidth = 340;
 constexpr QChar zeroWidthSpace(0x200b);
 
-/// The same text; a word that is wider than a line may break at the line's end.
+/// Returns the text with break opportunities in words that are wider than a line.
 QString breakable(const QString& text, const QFontMetrics& metrics) {
     QString broken;
     QString word;
@@ -40,7 +40,7 @@ QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& tit
     box->setWindowTitle(title);
     box->setText(title);
     box->setInformativeText(breakable(message, box->fontMetrics()));
-    // Nothing else gives the box a width.
+    // The style sheet is the only way to set the width of the box.
     box->setStyleSheet(QStringLiteral("#qt_msgbox_label { font-weight: bold; }"
                                       "#qt_msgbox_informativelabel { min-width: %1px; }")
                            .arg(messageWidth));
@@ -55,7 +55,7 @@ void confirm(
 ) {
     QMessageBox* const box = makeBox(parent, QMessageBox::Warning, question.title, question.message);
     auto* const action = new QPushButton(question.action);
-    // Before the box gives it its look.
+    // Set before the box applies the style sheet.
     action->setObjectName(QStringLiteral("destructive"));
     box->addButton(action, QMessageBox::DestructiveRole);
     if (!question.alternative.isEmpty())

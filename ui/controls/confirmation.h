@@ -8,24 +8,24 @@ class QWidget;
 
 namespace orvane::ui {
 
-/// A question before something that cannot be taken back.
+/// A question before an action that cannot be undone.
 struct Confirmation {
     QString title;
     QString message;
-    /// The button that goes ahead; the other is "Cancel", which is what Enter and Esc press.
+    /// The title of the button that goes ahead. The other button is "Cancel"; Enter and Esc press it.
     QString action;
-    /// A further button beside it; none if empty.
+    /// The title of a further button; no button if empty.
     QString alternative = {};
 };
 
-/// Asks in front of the window of `parent`, and calls `onConfirm` if the user goes ahead, `onAlternative` if
-/// the user takes the further button. Returns at once. Main thread.
+/// Asks in front of the window of `parent`. Calls `onConfirm` if the user goes ahead, or `onAlternative` if
+/// the user presses the further button. Returns at once. Main thread.
 void confirm(
     QWidget* parent, const Confirmation& question, std::function<void()> onConfirm,
     std::function<void()> onAlternative = {}
 );
 
-/// Says in front of the window of `parent` what has gone wrong. Returns at once. Main thread.
+/// Shows an error in front of the window of `parent`. Returns at once. Main thread.
 void showAlert(QWidget* parent, const QString& title, const QString& message);
 
 } // namespace orvane::ui

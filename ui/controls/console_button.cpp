@@ -48,7 +48,7 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor fill = active ? activeColor.darker(170) : theme::raised;
     if (isEnabled() && (isDown() || underMouse())) fill = fill.lighter(isDown() ? 140 : 115);
-    // On a lit button the focus is white, whatever its colour.
+    // On a highlighted button, the focus outline is always white.
     const QColor plain = hasFocus() ? theme::accent : theme::divider;
     const QColor lit = hasFocus() ? theme::primaryText : activeColor;
     const QColor outline = active ? lit : plain;

@@ -8,8 +8,8 @@
 
 namespace orvane::ui {
 
-/// The flat push button of the whole interface: a title on a rounded rectangle, highlighted while it is
-/// active. Space and Enter press it where it has the focus.
+/// The flat push button used throughout the interface: a title on a rounded rectangle, highlighted while it
+/// is active. Space and Enter press it while it has the focus.
 class ConsoleButton final : public QAbstractButton {
   public:
     /// `onPress` may be empty.
@@ -19,7 +19,7 @@ class ConsoleButton final : public QAbstractButton {
 
     [[nodiscard]] bool isActive() const { return active; }
     void setActive(bool isOn);
-    /// What highlights the button while it is active; the theme's accent at first.
+    /// The highlight colour of an active button; the theme's accent by default.
     void setActiveColor(const QColor& color) { activeColor = color; }
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -4,10 +4,10 @@ class QWidget;
 
 namespace orvane::ui {
 
-/// A thin line across.
+/// Makes a thin horizontal line.
 QWidget* makeHorizontalDivider();
 
-/// A thin upright line.
+/// Makes a thin vertical line.
 QWidget* makeVerticalDivider(int height);
 
 } // namespace orvane::ui

@@ -5,7 +5,8 @@
 
 namespace orvane::ui {
 
-/// Presses a button with Enter, once for as long as the key is held. False: it is another key. Main thread.
+/// Presses the button if the key is Enter, once while the key is held. Returns false for other keys. Main
+/// thread.
 inline bool pressWithEnter(QAbstractButton& button, const QKeyEvent& event) {
     if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) return false;
     if (!event.isAutoRepeat()) button.click();

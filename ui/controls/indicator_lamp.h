@@ -7,7 +7,7 @@ namespace orvane::ui {
 /// A small round lamp, dim while it is off.
 class IndicatorLamp final : public QWidget {
   public:
-    /// `name`: for screen readers, which are told whether it is on as well.
+    /// `name`: for screen readers, which also receive the state.
     explicit IndicatorLamp(const QString& name);
 
     [[nodiscard]] bool isLit() const { return lit; }

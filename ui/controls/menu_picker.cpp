@@ -12,7 +12,7 @@ namespace orvane::ui {
 
 namespace {
 
-/// What a label leaves free at both sides of its text.
+/// The margin of a label on both sides of its text.
 constexpr int labelInset = 2;
 
 } // namespace

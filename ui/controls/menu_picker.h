@@ -8,21 +8,22 @@
 
 namespace orvane::ui {
 
-/// A menu of choices that shows the current one. The wheel over it scrolls what it stands in and chooses
-/// nothing, and a click does not leave the keys to it, because a choice may interrupt the sound.
+/// A menu of choices that shows the current one. The wheel scrolls the surrounding area and never changes the
+/// choice; a click does not move the focus here. Both prevent accidental choices, which could interrupt the
+/// sound.
 class MenuPicker final : public QComboBox {
   public:
-    /// `onChoose` gets the place of what the user chose. `name`: for screen readers.
+    /// `onChoose` receives the index of the user's choice. `name`: for screen readers.
     MenuPicker(const QString& name, int width, std::function<void(int)> onChoose);
 
-    /// Offers `choices` and shows the one at `current`, or else `placeholder`.
+    /// Offers `choices` and shows the one at `current`, or `placeholder` if `current` is -1.
     void present(const QStringList& choices, int current, const QString& placeholder = {});
 
-    /// As wide as the longest choice.
+    /// Opens the menu as wide as the longest choice.
     void showPopup() override;
 
   protected:
-    /// Ends with "…" what is too long.
+    /// Elides a text that is too long.
     void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 

@@ -10,7 +10,7 @@ namespace orvane::ui {
 
 namespace {
 
-/// What a usual desktop draws around a window; the real frame is known only once the window is on the screen.
+/// The frame of a typical desktop. The real one is known only once the window is shown.
 constexpr QMargins frame(4, 26, 4, 6);
 
 QRect roomOn(const QScreen& screen) {

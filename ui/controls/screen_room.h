@@ -7,12 +7,12 @@ class QWidget;
 
 namespace orvane::ui {
 
-/// The largest content that a window can have on the screen of `window` with its frame in sight, in
+/// Returns the largest content size of a window whose frame must stay visible on the screen of `window`, in
 /// device-independent pixels. Main thread.
 QSize screenRoom(const QWidget& window);
 
-/// The content's geometry of `window`, made as small and moved as far as its screen requires to hold it with
-/// its frame, in device-independent pixels. Main thread.
+/// Returns the content geometry of `window`, shrunk and moved so that its screen holds it with its frame, in
+/// device-independent pixels. Main thread.
 QRect heldByScreen(const QWidget& window);
 
 } // namespace orvane::ui

@@ -14,7 +14,7 @@ constexpr std::uint64_t longestPauseMs = 300;
 
 ScrollGuard::ScrollGuard(QScrollArea& area) : QObject(&area), viewport(area.viewport()) {
     viewport->installEventFilter(this);
-    // Of all that is in an area only these may take the wheel.
+    // Only these controls react to the wheel.
     for (QWidget* control : area.widget()->findChildren<QWidget*>())
         if (control->focusPolicy() == Qt::StrongFocus) control->installEventFilter(this);
 }
@@ -27,7 +27,7 @@ bool ScrollGuard::eventFilter(QObject* receiver, QEvent* event) {
         return false;
     }
     if (!scrolledAt || now - *scrolledAt > longestPauseMs) return false;
-    // On to the area.
+    // Passes the event on to the area.
     event->ignore();
     return true;
 }

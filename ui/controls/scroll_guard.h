@@ -10,10 +10,10 @@ class QWidget;
 
 namespace orvane::ui {
 
-/// Lets a wheel that scrolls an area go on doing so whatever control comes under the pointer. Main thread.
+/// Lets a wheel that scrolls an area continue to do so when controls pass under the pointer. Main thread.
 class ScrollGuard final : public QObject {
   public:
-    /// Guards the controls that `area` holds now, all of them; the area owns the guard.
+    /// Guards all controls that `area` contains now; the area owns the guard.
     explicit ScrollGuard(QScrollArea& area);
 
   protected:
@@ -21,7 +21,7 @@ class ScrollGuard final : public QObject {
 
   private:
     QWidget* const viewport;
-    /// When the wheel has scrolled, in the milliseconds of its events.
+    /// The timestamp of the last scrolling wheel event, in milliseconds.
     std::optional<std::uint64_t> scrolledAt;
 };
 

@@ -17,7 +17,7 @@ namespace {
 constexpr int textSize = 12;
 constexpr double cornerRadius = 4.0;
 
-/// One choice; only the outer corners of the row are round.
+/// One choice. Only the outer corners of the row are rounded.
 class Segment final : public QAbstractButton {
   public:
     Segment(const QString& title, bool first, bool last, QWidget* parent)
@@ -39,7 +39,7 @@ class Segment final : public QAbstractButton {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        // The corners that are not to be seen lie beyond the edges.
+        // The corners that must not be visible lie beyond the edges.
         const double beyond = cornerRadius + 1.0;
         const QRectF outline =
             QRectF(rect()).adjusted(isFirst ? 0.5 : -beyond, 0.5, isLast ? -0.5 : beyond, -0.5);
@@ -112,7 +112,7 @@ void SegmentedPicker::focusOutEvent(QFocusEvent*) {
 void SegmentedPicker::choose(int choice) {
     const bool isNew = choice != chosen;
     setCurrent(choice);
-    // A click on what is chosen leaves it chosen.
+    // A click on the current choice must not uncheck it.
     segment(choice).setChecked(true);
     if (isNew && changed) changed(choice);
 }

@@ -10,20 +10,20 @@ class QAbstractButton;
 
 namespace orvane::ui {
 
-/// One of a few choices, all in sight side by side. The arrow keys move between them.
+/// A few choices, all visible side by side. The arrow keys move between them.
 class SegmentedPicker final : public QWidget {
   public:
-    /// `onChoose` gets the place of what the user chose. `name`: for screen readers.
+    /// `onChoose` receives the index of the user's choice. `name`: for screen readers.
     SegmentedPicker(
         const QString& name, const QStringList& choices, std::function<void(int)> onChoose,
         QWidget* parent = nullptr
     );
 
     [[nodiscard]] int current() const { return chosen; }
-    /// Shows a choice without telling anybody.
+    /// Shows a choice without calling `onChoose`.
     void setCurrent(int choice);
 
-    /// The choice that stands for nothing special: it is highlighted without a colour.
+    /// Marks a choice as neutral: it is highlighted without a colour.
     void setNeutral(int choice);
 
     /// The button of a choice.

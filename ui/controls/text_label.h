@@ -7,14 +7,13 @@
 
 namespace orvane::ui {
 
-/// The kinds of text that windows and sheets are written in, largest first.
+/// The text styles of windows and sheets, largest first.
 enum class TextStyle { largeTitle, title, title3, body, callout, subheadline, caption, caption2 };
 
-/// Bold where `weight` says so. Main thread.
+/// Returns the font of a style. Main thread.
 QFont textFont(TextStyle style, QFont::Weight weight = QFont::Normal);
 
-/// A plain text that wraps where it has to; never read as markup. Belongs to the widget it is put into. Main
-/// thread.
+/// Makes a plain text that wraps and is never parsed as markup. Main thread.
 QLabel* makeText(
     const QString& text, TextStyle style, const QColor& color = theme::primaryText,
     QFont::Weight weight = QFont::Normal

@@ -16,7 +16,7 @@ namespace {
 constexpr int textSize = 11;
 constexpr int fieldHeight = 18;
 
-/// The first number in a text, with a point or a comma.
+/// Returns the first number in a text, with a point or a comma.
 std::optional<double> numberIn(QString text) {
     static const QRegularExpression number(QStringLiteral("[-+]?(\\d+(\\.\\d*)?|\\.\\d+)"));
     text.replace(QChar(u'−'), QChar(u'-')).replace(QChar(u','), QChar(u'.'));
@@ -33,7 +33,7 @@ ValueField::ValueField(const QString& name, Style fieldStyle, std::function<void
     setObjectName(QStringLiteral("flat"));
     setFont(monospacedFont(textSize));
     setFixedSize(style.width, fieldHeight);
-    // Takes back the margin that every line edit adds.
+    // Compensates for the margin that every line edit adds.
     setTextMargins(-2, 0, -2, 0);
     setAlignment(style.alignment | Qt::AlignVCenter);
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -48,7 +48,7 @@ void ValueField::setValue(double value) {
 }
 
 bool ValueField::event(QEvent* event) {
-    // Esc ends the typing here rather than closing the window.
+    // Esc ends the editing here instead of closing the window.
     if (event->type() == QEvent::ShortcutOverride
         && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         event->accept();

@@ -6,24 +6,24 @@
 
 namespace orvane::ui {
 
-/// A value in writing that can be typed over: Enter or leaving the field takes the number in it, Esc leaves
-/// the value as it was.
+/// A value as text that can be edited. Enter, or leaving the field, accepts the number in it; Esc restores
+/// the value.
 class ValueField final : public QLineEdit {
   public:
     struct Style {
-        /// How a value is written.
+        /// Formats a value.
         std::function<QString(double)> write;
-        /// What can be typed; beyond it the nearest end counts.
+        /// The range of values; typed numbers beyond it are clamped.
         double lowest = 0.0;
         double highest = 1.0;
         int width = 56;
         Qt::Alignment alignment = Qt::AlignRight;
     };
 
-    /// `onChange` gets every value that the user types. `name`: for screen readers.
+    /// `onChange` receives every value that the user types. `name`: for screen readers.
     ValueField(const QString& name, Style fieldStyle, std::function<void(double)> onChange);
 
-    /// Shows a value without telling anybody; what is being typed stays.
+    /// Shows a value without calling `onChange`. Text that is being typed stays.
     void setValue(double value);
 
   protected:

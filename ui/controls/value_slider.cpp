@@ -12,14 +12,14 @@ namespace orvane::ui {
 
 namespace {
 
-/// Into how many places the handle's way is divided.
+/// The resolution of the handle's travel.
 constexpr int places = 10000;
-/// As the style sheet draws it.
+/// The handle width in the style sheet.
 constexpr double handleWidth = 12.0;
-/// Shares of a range without steps that keys and the wheel move the value by.
+/// Steps of keys and wheel as shares of the range, if the range has no steps of its own.
 constexpr double freeStep = 0.02;
 constexpr double fineFreeStep = 0.002;
-/// What one notch of a wheel reports.
+/// The angle that one notch of a wheel reports.
 constexpr double notch = 120.0;
 
 } // namespace
@@ -64,16 +64,17 @@ void ValueSlider::mouseReleaseEvent(QMouseEvent*) {
 }
 
 void ValueSlider::mouseDoubleClickEvent(QMouseEvent* event) {
-    // The first of two clicks beside the handle has brought it there, and the second means that place, too.
+    // A double click beside the handle means that place: the first of the two clicks has already moved the
+    // handle.
     if (event->button() == Qt::LeftButton && isHandlePressed && range.defaultValue)
         return choose(*range.defaultValue);
     mousePressEvent(event);
 }
 
 void ValueSlider::wheelEvent(QWheelEvent* event) {
-    // Who scrolls past it does not mean it.
+    // Without the focus, the wheel is meant to scroll the area.
     if (!hasFocus()) return event->ignore();
-    // Some systems turn the wheel sideways while Shift is held.
+    // Some systems report a horizontal wheel while Shift is held.
     const QPoint angle = event->angleDelta();
     const double notches = (angle.y() != 0 ? angle.y() : angle.x()) / notch;
     event->accept();

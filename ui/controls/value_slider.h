@@ -7,20 +7,21 @@
 
 namespace orvane::ui {
 
-/// A level slider over a range of values. Click or drag to set it, double click its handle for the default;
-/// while it has the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
+/// A slider over a range of values. A click or a drag sets it; a double click on its handle restores the
+/// default. While it has the focus, the wheel and the arrow keys step it, in fine steps with Shift, and Home
+/// and End move it to the ends.
 class ValueSlider final : public QSlider {
   public:
     struct Range {
         double lowest = 0.0;
         double highest = 1.0;
-        /// The distance of the values on offer; 0 = any value.
+        /// The distance between selectable values; 0 allows any value.
         double step = 0.0;
-        /// Where a double click on the handle leads; absent = nowhere.
+        /// The value for a double click on the handle; none if absent.
         std::optional<double> defaultValue = {};
     };
 
-    /// `onChange` gets every value that the user sets. `name`: for screen readers.
+    /// `onChange` receives every value that the user sets. `name`: for screen readers.
     ValueSlider(
         const QString& name, const Range& valueRange, std::function<void(double)> onChange,
         QWidget* parent = nullptr
@@ -28,12 +29,12 @@ class ValueSlider final : public QSlider {
 
     [[nodiscard]] double lowest() const { return range.lowest; }
     [[nodiscard]] double highest() const { return range.highest; }
-    /// What an arrow key moves the value by.
+    /// The change that an arrow key makes.
     [[nodiscard]] double step() const;
     [[nodiscard]] double value() const { return current; }
-    /// Shows a value, or the end of the range that is nearest to it, without telling anybody.
+    /// Shows a value, clamped to the range, without calling `onChange`.
     void setValue(double value);
-    /// Sets the value on offer that is nearest to this one, as the user does.
+    /// Sets the nearest selectable value as if the user had done so.
     void choose(double value);
 
   protected:
@@ -51,9 +52,9 @@ class ValueSlider final : public QSlider {
     const Range range;
     const std::function<void(double)> changed;
     double current;
-    /// Whether the last press was on the handle, not beside it.
+    /// Whether the last press was on the handle.
     bool isHandlePressed = false;
-    /// What the wheel has turned beyond the last step.
+    /// The part of a step that the wheel has turned so far.
     double turned = 0.0;
 };
 

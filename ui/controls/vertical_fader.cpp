@@ -16,10 +16,10 @@ namespace orvane::ui {
 
 namespace {
 
-/// Shares of the range that keys and the wheel move the value by.
+/// Steps of keys and wheel as shares of the range.
 constexpr double coarseShare = 0.02;
 constexpr double fineShare = 0.0025;
-/// What one notch of a wheel reports.
+/// The angle that one notch of a wheel reports.
 constexpr double notch = 120.0;
 constexpr double outlineWidth = 1.0;
 
@@ -99,9 +99,9 @@ void VerticalFader::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void VerticalFader::wheelEvent(QWheelEvent* event) {
-    // Who scrolls past it does not mean it.
+    // Without the focus, the wheel is meant to scroll the area.
     if (!hasFocus()) return event->ignore();
-    // Some systems turn the wheel sideways while Shift is held.
+    // Some systems report a horizontal wheel while Shift is held.
     const QPoint turned = event->angleDelta();
     const double notches = (turned.y() != 0 ? turned.y() : turned.x()) / notch;
     choose(current + notches * shareFor(event->modifiers()) * (style.highest - style.lowest));

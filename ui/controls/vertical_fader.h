@@ -7,43 +7,43 @@
 
 namespace orvane::ui {
 
-/// An upright fader that snaps to its default value, which a white stripe marks. Drag or click to set it;
-/// while it has the focus, wheel and arrow keys step it, finely with Shift, and Home and End go to its ends.
+/// A vertical fader that snaps to its default value, marked by a white stripe. A click or a drag sets it.
+/// While it has the focus, the wheel and the arrow keys step it, in fine steps with Shift, and Home and End
+/// move it to the ends.
 class VerticalFader final : public QWidget {
   public:
-    /// What a fader is like; sizes in points.
+    /// The range and the look of a fader; sizes in points.
     struct Style {
         /// The values at the bottom and the top of the track.
         double lowest = 0.0;
         double highest = 1.0;
-        /// Marked and snapped to; absent = neither.
+        /// The value that is marked and snapped to; none if absent.
         std::optional<double> defaultValue = {};
         double trackWidth = 4.0;
         double thumbWidth = 22.0;
         double thumbHeight = 14.0;
         double defaultStripeWidth = 28.0;
         double defaultStripeHeight = 2.0;
-        /// The distance from the stripe within which a touch snaps.
+        /// A touch within this distance of the stripe snaps.
         double snapTolerance = 6.0;
     };
 
-    /// `onChange` gets every value that the user sets.
+    /// `onChange` receives every value that the user sets.
     VerticalFader(const Style& faderStyle, std::function<void(double)> onChange, QWidget* parent = nullptr);
 
     [[nodiscard]] double lowest() const { return style.lowest; }
     [[nodiscard]] double highest() const { return style.highest; }
-    /// What an arrow key moves the value by.
+    /// The change that an arrow key makes.
     [[nodiscard]] double step() const;
     [[nodiscard]] double value() const { return current; }
-    /// Shows a value without telling anybody.
+    /// Shows a value without calling `onChange`.
     void setValue(double value);
-    /// Sets a value, or the end of the range that is nearest to it, as the user does.
+    /// Sets a value, clamped to the range, as if the user had done so.
     void choose(double value);
 
-    /// How far the thumb reaches beyond the track at either end: the track is the fader's height without
-    /// that.
+    /// How far the thumb extends beyond the track at either end. The track is the fader's height minus both.
     [[nodiscard]] int overhang() const;
-    /// The distance from the top at which a value lies.
+    /// The distance of a value from the top.
     [[nodiscard]] double positionOf(double value) const;
 
   protected:

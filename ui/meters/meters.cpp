@@ -17,9 +17,9 @@ constexpr int fadeMs = 100;
 
 constexpr int scaleMarks[] = {0, -10, -15, -20, -25, -30, -40};
 constexpr int scaleTextSize = 8;
-/// How far beyond the meter's quiet end silence is marked.
+/// The distance of the silence mark from the quiet end of the meter.
 constexpr double silenceDistance = 9.0;
-/// How far the writing reaches beyond the ends of an upright scale and of a lying one.
+/// How far the labels extend beyond the ends of a vertical and of a horizontal scale.
 constexpr QMargins uprightOverhang(0, 8, 0, 18);
 constexpr QMargins lyingOverhang(18, 2, 12, 2);
 
@@ -145,7 +145,7 @@ void ChannelMeterColumn::showEvent(QShowEvent*) {
     showReduction();
 }
 
-// Nothing is worked out for a strip that nobody sees.
+// Hidden strips are not updated.
 
 void ChannelMeterColumn::showLevel() {
     if (!isVisible()) return;

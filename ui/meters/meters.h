@@ -12,10 +12,10 @@
 
 namespace orvane::ui {
 
-/// A signal level, -40 to +6 dB; upright where it is higher than wide.
+/// A signal level from -40 to +6 dB; vertical if it is higher than wide.
 class MeterView final : public SegmentMeter {
   public:
-    /// `tint`: the colour of every lit segment, instead of the level colours.
+    /// `tint`: the colour of all lit segments instead of the level colours.
     explicit MeterView(
         int segmentCount, std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr
     );
@@ -30,7 +30,7 @@ class MeterView final : public SegmentMeter {
     const std::optional<QColor> tintColor;
 };
 
-/// A gain reduction, 0 to 30 dB; grows from the top where it stands upright.
+/// A gain reduction from 0 to 30 dB; a vertical one grows from the top.
 class GateMeterView final : public SegmentMeter {
   public:
     explicit GateMeterView(int segmentCount, QWidget* parent = nullptr);
@@ -42,8 +42,8 @@ class GateMeterView final : public SegmentMeter {
     [[nodiscard]] QColor colorOf(int segment) const override;
 };
 
-/// The render load, 0 to 1; what changes fades within a tenth of a second once the load fills another number
-/// of segments wholly, and at once otherwise.
+/// The render load, 0 to 1. A change of the segments fades within a tenth of a second if the number of full
+/// segments changes too, and shows at once otherwise.
 class LoadMeterView final : public SegmentMeter {
   public:
     explicit LoadMeterView(int segmentCount, QWidget* parent = nullptr);
@@ -62,13 +62,13 @@ class LoadMeterView final : public SegmentMeter {
     QVariantAnimation fade;
 };
 
-/// The dB marks of a level meter of the same length beside it. Its writing stands beyond the scale's own
-/// frame at both ends.
+/// The dB marks beside a level meter of the same length. The labels extend beyond the scale's frame at both
+/// ends.
 class MeterScaleView final : public QWidget {
   public:
     explicit MeterScaleView(QWidget* parent = nullptr);
 
-    /// Puts the scale there, in the parent's coordinates, and the writing around it.
+    /// Places the scale at `scaleFrame`, in the parent's coordinates, with the labels around it.
     void setFrame(const QRect& scaleFrame);
 
   protected:
@@ -79,11 +79,11 @@ class MeterScaleView final : public QWidget {
     QRect frame;
 };
 
-/// Level, gain reduction and scale of one strip; dark while no audio runs.
+/// Level, gain reduction and scale of one strip; dark while the audio is stopped.
 class ChannelMeterColumn final : public QWidget {
   public:
-    /// Shows entry `stripIndex` of the model's meters; 0 if it has none. The model and `isRunning` outlive
-    /// the column.
+    /// Shows entry `stripIndex` of the model's meters, or 0 if the model has no such entry. The model and
+    /// `isRunning` must outlive the column.
     ChannelMeterColumn(
         const audio::MeterModel& meterModel, std::size_t stripIndex, const audio::Published<bool>& isRunning,
         QWidget* parent = nullptr
@@ -108,10 +108,10 @@ class ChannelMeterColumn final : public QWidget {
     std::vector<audio::Subscription> subscriptions;
 };
 
-/// A level above its scale: the master bus's or the reference noise's. Dark while no audio runs.
+/// A level above its scale, for the master bus or the reference noise. Dark while the audio is stopped.
 class WideMeterColumn final : public QWidget {
   public:
-    /// `value`: linear RMS; outlives the column, as `isRunning` does.
+    /// `value`: linear RMS. `value` and `isRunning` must outlive the column.
     WideMeterColumn(
         const audio::Published<double>& value, const audio::Published<bool>& isRunning,
         std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr

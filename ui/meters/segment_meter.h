@@ -13,7 +13,7 @@ namespace orvane::ui {
 /// thread.
 class SegmentMeter : public QWidget {
   public:
-    /// How a meter's segments look.
+    /// The look of a meter's segments.
     struct Style {
         double gap = 2.0;
         double cornerRadius = 1.5;
@@ -25,7 +25,7 @@ class SegmentMeter : public QWidget {
     [[nodiscard]] int segmentCount() const { return count; }
     [[nodiscard]] int litSegments() const { return lit; }
 
-    /// While nothing is measured, what is lit fades away and stays dark; otherwise it shows at once.
+    /// A resting meter fades out and stays dark; otherwise its segments show at once.
     void setResting(bool isResting);
 
   protected:
@@ -33,7 +33,7 @@ class SegmentMeter : public QWidget {
 
     /// The colour of a lit segment.
     [[nodiscard]] virtual QColor colorOf(int segment) const = 0;
-    /// How much of its lit colour a segment shows, 0 to 1.
+    /// The share of its lit colour that a segment shows, 0 to 1.
     [[nodiscard]] virtual double brightnessOf(int segment) const { return segment < lit ? 1.0 : 0.0; }
 
     void repaintSegments(int first, int last);
@@ -46,7 +46,7 @@ class SegmentMeter : public QWidget {
     const int count;
     const Style style;
     int lit = 0;
-    /// How much of what is lit can be seen, 0 to 1.
+    /// The visibility of the lit segments, 0 to 1.
     double presence = 1.0;
     QVariantAnimation resting;
     std::vector<QRectF> segments;

@@ -81,7 +81,7 @@ QWidget* ChannelArea::makeHeader() {
 void ChannelArea::setLayoutMode(ChannelLayoutMode mode) {
     if (mode == shown.mode) return;
     shown.mode = mode;
-    // The page is kept where the new mode has no pages.
+    // A mode without pages keeps the page for later.
     if (shown.isPaged()) shown.page = std::min(shown.page, shown.pageCount() - 1);
     showPages();
 }

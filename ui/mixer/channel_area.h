@@ -19,10 +19,10 @@ class ConsoleButton;
 class SegmentedPicker;
 class StripRows;
 
-/// The strips, the choice of how they are arranged, and the message about session files. Main thread.
+/// The strips, the picker of their layout, and the error message about session files. Main thread.
 class ChannelArea final : public QWidget {
   public:
-    /// `mixerEngine` and `installedComponents` outlive the view.
+    /// `mixerEngine` and `installedComponents` must outlive the view.
     ChannelArea(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
         QWidget* parent = nullptr
@@ -32,10 +32,10 @@ class ChannelArea final : public QWidget {
     void setLayoutMode(ChannelLayoutMode mode);
     void setPage(std::size_t page);
 
-    /// To the page, or else the strips in sight, after or before.
+    /// Turns to the next or previous page; without pages, scrolls by the visible strips.
     void turn(bool forwards);
 
-    /// A sentence about a session file that could not be read or written; nothing if absent.
+    /// Shows a sentence about a session file that could not be read or written; hides it if absent.
     void setFileErrorMessage(const std::optional<std::string>& sentence);
 
   private:

@@ -7,10 +7,10 @@
 
 namespace orvane::ui {
 
-/// How the strips are arranged.
+/// The layout of the strips.
 enum class ChannelLayoutMode { all, paginated, twoRows };
 
-/// The strips from `first` up to, not including, `end`. A plain value.
+/// The strips from `first` up to but excluding `end`. A plain value.
 struct StripRange {
     std::size_t first = 0;
     std::size_t end = 0;
@@ -18,7 +18,7 @@ struct StripRange {
     bool operator==(const StripRange&) const = default;
 };
 
-/// Which strips a mixer of so many channels shows where. A plain value.
+/// The visible strips of a mixer. A plain value.
 struct ChannelLayout {
     std::size_t channelCount = 0;
     ChannelLayoutMode mode = ChannelLayoutMode::paginated;
@@ -26,12 +26,12 @@ struct ChannelLayout {
 
     bool operator==(const ChannelLayout&) const = default;
 
-    /// The modes that such a mixer offers, in order; the first is always there.
+    /// The modes offered for this number of channels, in order; never empty.
     [[nodiscard]] std::vector<ChannelLayoutMode> offeredModes() const;
     [[nodiscard]] bool isPaged() const { return mode != ChannelLayoutMode::all; }
     [[nodiscard]] std::size_t pageCount() const;
     [[nodiscard]] StripRange stripsOf(std::size_t pageIndex) const;
-    /// The strips in sight, a range for each row.
+    /// The visible strips, one range per row.
     [[nodiscard]] std::vector<StripRange> rows() const;
 
     [[nodiscard]] QString label(ChannelLayoutMode of) const;

@@ -15,10 +15,10 @@ namespace orvane::ui {
 
 class ConsoleButton;
 
-/// Where the master bus goes. Main thread.
+/// Selects the output of the master bus. Main thread.
 class MasterOutputControl final : public QWidget {
   public:
-    /// `mixerEngine` outlives the view.
+    /// `mixerEngine` must outlive the view.
     explicit MasterOutputControl(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
   private:

@@ -31,7 +31,7 @@ constexpr int releaseWidth = 260;
 constexpr int decibelWidth = 56;
 constexpr int millisecondWidth = 60;
 constexpr int factorWidth = 50;
-/// What is left beside the title.
+/// The room beside the title.
 constexpr int statusWidth = 190;
 
 const QString targetHelp =
@@ -94,7 +94,7 @@ QVBoxLayout* makeGroup() {
     return lines;
 }
 
-/// Widgets of one line, the first at the left end, the last at the right one if `spread`.
+/// Makes a row: the first widget at the left, the others at the right if `spread`.
 template <class... Widgets>
 QHBoxLayout* makeRow(bool spread, QWidget* first, Widgets*... others) {
     auto* const row = new QHBoxLayout;
@@ -261,7 +261,7 @@ void MasterSection::resizeEvent(QResizeEvent* event) {
 }
 
 void MasterSection::keyPressEvent(QKeyEvent* event) {
-    // Keys that no control has taken are the mixer's, not the scroll bar's.
+    // Keys that no control accepts are shortcuts of the mixer, not of the scroll bar.
     event->ignore();
 }
 

@@ -13,11 +13,11 @@ class QLayout;
 
 namespace orvane::ui {
 
-/// The master bus's level and output, the group faders, the ducker and the reference noise, side by side;
-/// scrolls sideways where they do not fit. Main thread.
+/// The master bus's level and output, the group faders, the ducker and the reference noise, side by side.
+/// Scrolls sideways if they do not fit. Main thread.
 class MasterSection final : public QScrollArea {
   public:
-    /// `mixerEngine` outlives the view.
+    /// `mixerEngine` must outlive the view.
     explicit MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;

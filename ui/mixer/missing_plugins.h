@@ -6,9 +6,9 @@
 
 namespace orvane::ui {
 
-/// The plugins that the strips name and that are neither loaded nor loading nor failed, as after a load of a
-/// session whose plugins are not installed: a line each, with the strip and the insert; a few at most, and
-/// how many more there are. Main thread.
+/// Returns one line, with strip and insert, for each plugin that a strip names but that is neither loaded,
+/// loading nor failed, as after loading a session whose plugins are not installed. After a few lines, a last
+/// line gives the number of the others. Main thread.
 QStringList missingPlugins(const engine::MixerEngine& engine);
 
 } // namespace orvane::ui

@@ -12,10 +12,10 @@ class QAction;
 
 namespace orvane::ui {
 
-/// The session-wide commands, for toolbar and menu alike. Main thread.
+/// The commands of the toolbar and the session menu. Main thread.
 class MixerCommands final : public QObject {
   public:
-    /// What those commands do that do not go to the engine.
+    /// The actions of the commands that do not call the engine directly.
     struct Actions {
         std::function<void()> clearOutputs;
         std::function<void()> showSnapshots;
@@ -25,10 +25,10 @@ class MixerCommands final : public QObject {
         std::function<void()> changeChannelCount;
     };
 
-    /// `mixerEngine` outlives them.
+    /// `mixerEngine` must outlive them.
     MixerCommands(engine::MixerEngine& mixerEngine, Actions actions);
 
-    /// In the toolbar's order.
+    /// The commands in the toolbar's order.
     [[nodiscard]] const std::vector<QAction*>& all() const { return commands; }
     [[nodiscard]] QAction* startStop() const { return commands.back(); }
 

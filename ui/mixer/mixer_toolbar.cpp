@@ -51,7 +51,7 @@ MixerToolbar::MixerToolbar(const MixerCommands& commands, QWidget* parent)
     for (QAction* command : commands.all()) {
         auto* const button = new Button(command);
         row->addWidget(button);
-        // The row stays as it is when the label changes.
+        // Keeps the row in place when the label changes.
         if (command == commands.startStop()) button->setFixedWidth(button->sizeHint().width() + padding);
     }
 }

@@ -6,11 +6,11 @@ namespace orvane::ui {
 
 class MixerCommands;
 
-/// The session-wide commands along the top of the mixer. Its buttons are pressed with Enter, not with the
-/// space bar, which starts and stops things elsewhere and must not do so here by accident. Main thread.
+/// The commands along the top of the mixer. Enter presses the buttons; the space bar does not, because users
+/// expect it to start and stop playback and could press it by accident. Main thread.
 class MixerToolbar final : public QWidget {
   public:
-    /// `commands` outlive the view.
+    /// `commands` must outlive the view.
     explicit MixerToolbar(const MixerCommands& commands, QWidget* parent = nullptr);
 
   protected:
@@ -18,7 +18,7 @@ class MixerToolbar final : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    /// Stands beside the buttons where there is room for it.
+    /// Visible if there is room beside the buttons.
     QWidget* const wordmark;
 };
 

@@ -38,7 +38,7 @@ const Confirmation channelCountQuestion{
                        "count."),
     .action = QStringLiteral("Change Channel Count")};
 
-/// The session file that is dragged; nothing if it is anything else.
+/// Returns the session file that is dragged; absent if anything else is.
 std::optional<std::filesystem::path> draggedSession(const QMimeData& dragged) {
     const QList<QUrl> files = dragged.urls();
     if (files.size() != 1 || !files.front().isLocalFile()) return std::nullopt;
@@ -78,7 +78,7 @@ MixerView::MixerView(
     engine.refreshDevices();
 }
 
-// The strips go before the components that they know.
+// The strips use the components, so they are destroyed first.
 MixerView::~MixerView() {
     delete channelArea;
 }

@@ -15,11 +15,11 @@ namespace orvane::ui {
 
 class ChannelArea;
 
-/// The content of the main window while a session is open: commands, strips, master section. Main thread.
+/// The content of the main window during a session: commands, strips, master section. Main thread.
 class MixerView final : public QWidget {
   public:
-    /// Has the engine look for devices. `mixerEngine` outlives the view. `onReconfigureChannelCount` asks for
-    /// another channel count.
+    /// Refreshes the engine's devices. `mixerEngine` must outlive the view. `onReconfigureChannelCount` is
+    /// called when the user requests another channel count.
     MixerView(
         engine::MixerEngine& mixerEngine, std::function<void()> onReconfigureChannelCount,
         QWidget* parent = nullptr
@@ -28,10 +28,9 @@ class MixerView final : public QWidget {
 
     [[nodiscard]] const MixerCommands& commands() const { return sessionCommands; }
     [[nodiscard]] SessionFile& sessionFile() { return file; }
-    /// Takes over what is being typed and asks where to write the session; then calls `then`, but only if it
-    /// was written.
+    /// Commits pending edits and asks where to write the session. Calls `then` only after it was written.
     void save(std::function<void()> then = {});
-    /// Takes over a name or a value that is being typed.
+    /// Commits a name or a value that is being typed.
     void commitEditing();
 
   protected:

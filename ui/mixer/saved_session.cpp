@@ -15,7 +15,7 @@ SavedSession::SavedSession(const engine::MixerEngine& mixerEngine)
     : engine(mixerEngine),
       document(mixerEngine.makeDocumentData()),
       loads(mixerEngine.state().pluginLoadStates.subscribe([this](const auto&) {
-          // Without enough memory the session counts as changed.
+          // If memory runs out, the session counts as changed.
           platform::runUnlessOutOfMemory([this] { takeDefaults(); });
       })) {}
 
@@ -49,7 +49,7 @@ void SavedSession::takeDefaults(const plugins::PluginSlotKey& key) {
     std::vector<session::PluginSlot>& slots = document.channels[index].pluginSlots;
     if (key.slot >= slots.size() || slots[key.slot].presetData) return;
     const session::PluginSlot& record = strip->pluginSlots[key.slot];
-    // Otherwise the user has chosen another plugin, or one with settings, meanwhile.
+    // If they differ, the user has since chosen another plugin, or one with settings.
     if (record.component == slots[key.slot].component && !record.presetData)
         slots[key.slot].presetData = engine.pluginSettings(key.slot, key.stripID);
 }

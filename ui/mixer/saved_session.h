@@ -9,17 +9,17 @@
 
 namespace orvane::ui {
 
-/// The session as it was last saved, loaded or begun, which the mixer is compared with. A plugin without
-/// settings in it stands for one with its defaults: those that it has once it is live. Owned by a
-/// `SessionFile`; main thread.
+/// The session as it was last saved, loaded or begun, for comparison with the mixer. A plugin stored without
+/// settings has its defaults, which are taken from the plugin once it is live. Owned by a `SessionFile`; main
+/// thread.
 class SavedSession final {
   public:
-    /// The session as it is now. `mixerEngine` outlives this.
+    /// Starts with the mixer's current session. `mixerEngine` must outlive this object.
     explicit SavedSession(const engine::MixerEngine& mixerEngine);
 
-    /// Takes a session for saved, or, without enough memory, nothing.
+    /// Stores a session as saved. Without enough memory, nothing changes.
     void set(session::MixerDocumentData session);
-    /// Whether the mixer has another session.
+    /// Whether the mixer's session differs.
     [[nodiscard]] bool isOutdated() const;
 
   private:
@@ -28,7 +28,7 @@ class SavedSession final {
 
     const engine::MixerEngine& engine;
     session::MixerDocumentData document;
-    /// The slots that were being loaded when the session was saved, and still are.
+    /// The slots that were loading when the session was saved and still are.
     std::vector<plugins::PluginSlotKey> awaited;
     audio::Subscription loads;
 };

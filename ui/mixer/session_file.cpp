@@ -48,13 +48,13 @@ using engine::noMemoryToWrite;
 using Written = platform::Result<platform::Done>;
 using Read = platform::Result<SessionFile::Document>;
 
-/// What was read, and from which version of the file.
+/// The session that was read, and the version of its file.
 struct Stamped {
     std::optional<platform::FileStamp> stamp;
     Read session;
 };
 
-void tellNobody(const Written& /*written*/) {}
+void ignoreOutcome(const Written& /*written*/) {}
 
 Confirmation replaceFileQuestion(const QString& name) {
     return {
@@ -122,7 +122,7 @@ void SessionFile::save(std::function<void()> then) {
                      {noMemoryToWrite, report}}
                 );
             };
-            // The dialog has asked only about the name that was chosen.
+            // The dialog has asked only about the name as it was chosen, without the suffix.
             if (name == chosen || !QFileInfo::exists(name)) return write();
             confirm(&window, replaceFileQuestion(name), write);
         }
@@ -134,15 +134,15 @@ void SessionFile::save(std::function<void()> then) {
 bool SessionFile::saveInPlace() {
     if (!ownFile) return false;
     const auto write = [this] {
-        // What was under way may have given it another one.
-        if (ownFile) writeNow(*ownFile, documentNow(), tellNobody);
+        // An earlier task may have changed the session's own file.
+        if (ownFile) writeNow(*ownFile, documentNow(), ignoreOutcome);
     };
-    whenIdle({write, {noMemoryToWrite, tellNobody}});
+    whenIdle({write, {noMemoryToWrite, ignoreOutcome}});
     return true;
 }
 
 void SessionFile::saveTo(const std::filesystem::path& path, const Report& then) {
-    // The question whether to replace the file is an answer too.
+    // Answers only once: the question whether to replace the file already counts as an answer.
     const Report once = [then, isAnswered = std::make_shared<bool>(false)](const Written& written) {
         if (!std::exchange(*isAnswered, true)) then(written);
     };
@@ -165,7 +165,7 @@ void SessionFile::load() {
 }
 
 void SessionFile::loadFrom(const std::filesystem::path& path) {
-    whenIdle({[this, path] { readNow(path); }, {noMemoryToRead, tellNobody}});
+    whenIdle({[this, path] { readNow(path); }, {noMemoryToRead, ignoreOutcome}});
 }
 
 void SessionFile::refuseOtherPlaces(QFileDialog* dialog, const char* failure) {
@@ -193,7 +193,7 @@ void SessionFile::begin(const char* text) {
 
 void SessionFile::end() {
     notice.reset();
-    // What is done next comes after what the one that has just ended leads to.
+    // The next task must run after the consequences of this one.
     QMetaObject::invokeMethod(
         this, [this] { runWaiting(); }, Qt::QueuedConnection
     );
@@ -222,7 +222,7 @@ void SessionFile::giveUp(const Shortage& shortage) {
 }
 
 void SessionFile::conclude(const Written& outcome, const Report& then) {
-    // Each is told, also where there is no memory to tell the other.
+    // Both are notified, even if memory runs out for one.
     platform::runUnlessOutOfMemory([&] {
         if (outcome) return;
         leaving = nullptr;
@@ -235,8 +235,8 @@ template <class Work, class Use>
 void SessionFile::inBackground(const char* text, Work work, Use use, const Shortage& shortage) {
     using Outcome = std::invoke_result_t<Work>;
     begin(text);
-    // The program does not end before it is done.
-    // cppcheck-suppress accessMoved ; it is moved here and accessed nowhere else
+    // The program does not end while this runs.
+    // cppcheck-suppress accessMoved ; moved here and accessed nowhere else
     QtConcurrent::run(std::move(work))
         .then(
             this,
@@ -293,7 +293,7 @@ void SessionFile::replaceNow(
             if (written) {
                 setFile(path);
                 if (!isOwn) channelsBeyond.clear();
-                // Without enough memory it counts as unsaved.
+                // If memory runs out, the session counts as unsaved.
                 platform::runUnlessOutOfMemory([this, &document] { saved.set(*document); });
             }
             conclude(written, then);
@@ -306,7 +306,7 @@ void SessionFile::readNow(const std::filesystem::path& path) {
     inBackground(
         "Reading the session…",
         [path] {
-            // The stamp first: a change that comes in between is noticed.
+            // The stamp comes first, so that a change during the reading is noticed.
             const auto stamp = platform::stampOf(path);
             return Stamped{stamp, readDocument(path)};
         },
@@ -314,9 +314,9 @@ void SessionFile::readNow(const std::filesystem::path& path) {
             if (read.session)
                 offer(path, read.stamp, read.session.value());
             else
-                conclude(read.session.error(), tellNobody);
+                conclude(read.session.error(), ignoreOutcome);
         },
-        {noMemoryToRead, tellNobody}
+        {noMemoryToRead, ignoreOutcome}
     );
 }
 
@@ -344,7 +344,7 @@ void SessionFile::apply(const Document& document, const Report& then) {
         if (loaded) {
             channelsBeyond = std::move(beyond);
             ownFile.reset();
-            // Where there is no memory for this, it counts as unsaved.
+            // If memory runs out here, the session counts as unsaved.
             platform::runUnlessOutOfMemory([this] { setSaved(); });
             platform::runUnlessOutOfMemory([this] { showMissingPlugins(); });
         }

@@ -25,49 +25,50 @@ namespace orvane::ui {
 class BusyNotice;
 class ChannelArea;
 
-/// A session's way into files and out of them: asks which file, reads and writes one at a time in the
-/// background while the mixer stays in reach, and knows what would be lost. Main thread.
+/// Loads and saves sessions: asks for the file, reads and writes one file at a time in the background while
+/// the mixer stays usable, and tracks unsaved changes. Main thread.
 class SessionFile final : public QObject {
   public:
-    /// What is told of something that was done, or why it could not be.
+    /// Receives the outcome of an operation.
     using Report = std::function<void(const platform::Result<platform::Done>&)>;
-    /// A session on its way; large, and so never copied.
+    /// A session in transit; shared because it is large.
     using Document = std::shared_ptr<const session::MixerDocumentData>;
 
-    /// `view` is what dialogs are shown in front of, `messages` says what has gone wrong; all outlive this.
+    /// Dialogs open in front of `view`; `messages` shows errors. All arguments must outlive this object.
     SessionFile(
         engine::MixerEngine& mixerEngine, InstalledComponents& installedComponents, QWidget& view,
         ChannelArea& messages
     );
     ~SessionFile() override;
 
-    /// Asks for a file and writes the session; then calls `then`, but only if it was written.
+    /// Asks for a file and writes the session. Calls `then` only after it was written.
     void save(std::function<void()> then = {});
-    /// Writes the session to the file that it was opened from or last saved to; false where there is none.
+    /// Writes the session to the file that it was opened from or last saved to. Returns false if there is
+    /// none.
     bool saveInPlace();
-    /// Writes the session to a file, which is its own from then on if it was written; then calls `then`, with
-    /// an error also while the user is asked whether to replace it.
+    /// Writes the session to a file, which becomes its own file on success. Then calls `then`, which receives
+    /// an error also while the user is asked whether to replace the file.
     void saveTo(const std::filesystem::path& path, const Report& then);
     /// Asks for a file and loads it.
     void load();
-    /// Loads a file, having asked first if that would throw away what has not been saved.
+    /// Loads a file; first asks if unsaved changes would be lost.
     void loadFrom(const std::filesystem::path& path);
-    /// Gives the session to the engine, once the installed plugins are known if it has any; then calls
+    /// Loads the session into the engine, after the search for installed plugins if it has any. Then calls
     /// `then`.
     void apply(const Document& document, const Report& then);
-    /// Calls `then` once nothing is under way any more, but not where something of that fails: whoever wants
-    /// to leave is to see it.
+    /// Calls `then` once all pending work is done. Does not call it if any of that fails, so that the user
+    /// sees the error.
     void leave(std::function<void()> then);
 
-    /// Whether the session is not as it was last saved, loaded or begun.
+    /// Whether the session differs from the one last saved, loaded or begun.
     [[nodiscard]] bool isUnsaved() const;
-    /// Takes the session as it is now for saved.
+    /// Marks the current session as saved.
     void setSaved();
-    /// Says which file the session was opened from, if any.
+    /// Sets the file that the session was opened from, if any.
     void setFile(std::optional<std::filesystem::path> path);
 
   private:
-    /// What is said, and to whom, where there is no memory for something.
+    /// The error sentence, and its receiver, if memory runs out.
     struct Shortage {
         const char* sentence;
         Report then;
@@ -78,38 +79,38 @@ class SessionFile final : public QObject {
     };
 
     [[nodiscard]] Document documentNow() const;
-    /// Where dialogs begin: beside the session's own file.
+    /// The initial folder of dialogs: that of the session's own file.
     [[nodiscard]] QString folder() const;
     void showMissingPlugins();
-    /// Runs `task` once nothing is under way any more.
+    /// Runs `task` once no other task is in progress.
     void whenIdle(Task task);
     void begin(const char* text);
     void end();
     void runWaiting();
-    /// Runs `task`, or gives it up where it finds no memory.
+    /// Runs `task`; reports `shortage` if memory runs out.
     void attempt(const std::function<void()>& task, const Shortage& shortage);
-    /// Ends what is under way, and says why.
+    /// Ends the current task and reports `shortage`.
     void giveUp(const Shortage& shortage);
-    /// Tells how something ended, and shows why it failed.
+    /// Reports an outcome to `then`; shows the error if it failed.
     void conclude(const platform::Result<platform::Done>& outcome, const Report& then);
-    /// Does `work` on another thread while a notice says so, then `use` with what it gave.
+    /// Runs `work` on another thread while showing a notice with `text`, then `use` with its result.
     template <class Work, class Use>
     void inBackground(const char* text, Work work, Use use, const Shortage& shortage);
     void writeNow(const std::filesystem::path& path, const Document& document, const Report& then);
-    /// The same over whatever is there.
+    /// Writes without asking, even over an existing file.
     void replaceNow(const std::filesystem::path& path, const Document& document, const Report& then);
-    /// Asks whether to replace a file that speaks against it.
+    /// Asks whether to replace a file despite `objection`.
     void askToReplace(
         const std::filesystem::path& path, const Document& document, const std::string& objection,
         const Report& then
     );
     void readNow(const std::filesystem::path& path);
-    /// Loads what was read, having asked first if that would throw away what has not been saved.
+    /// Loads the session that was read; first asks if unsaved changes would be lost.
     void offer(
         const std::filesystem::path& path, const std::optional<platform::FileStamp>& stamp,
         const Document& document
     );
-    /// Some desktops' dialogs offer files of other computers.
+    /// Rejects files on other computers, which the dialogs of some desktops offer.
     void refuseOtherPlaces(QFileDialog* dialog, const char* failure);
 
     engine::MixerEngine& engine;
@@ -118,14 +119,14 @@ class SessionFile final : public QObject {
     ChannelArea& channelArea;
     SavedSession saved;
     std::optional<std::filesystem::path> ownFile;
-    /// The own file as it was read or written last.
+    /// The stamp of the own file when it was last read or written.
     std::optional<platform::FileStamp> ownStamp;
-    /// The channels of the own file that the mixer has no strips for: they stay in the file.
+    /// The channels of the own file beyond the mixer's strips; they stay in the file.
     std::vector<session::ChannelSettingsData> channelsBeyond;
-    /// There while something is under way.
+    /// Set while a task is in progress.
     std::unique_ptr<BusyNotice> notice;
     std::deque<Task> waiting;
-    /// What follows once all that is done.
+    /// Called once all tasks are done.
     std::function<void()> leaving;
 };
 

@@ -6,24 +6,24 @@
 
 namespace orvane::ui {
 
-// The names of session files, which are bytes to the system and text to dialogs. Main thread.
+// The names of session files, which are bytes for the system and text for dialogs. Main thread.
 
-/// A path as a dialog writes it.
+/// Returns a path as text for dialogs.
 QString toName(const std::filesystem::path& path);
 
-/// The file that a dialog or something that is dragged names.
+/// Returns the path of a file that a dialog or a drag names.
 std::filesystem::path toPath(const QString& name);
 
-/// Whether a file of that name may be a session.
+/// Whether a file with this name can be a session.
 bool isSessionName(const QString& name);
 
-/// A name that a session is to be saved under, with the ending of session files where it has none.
+/// Returns the name to save a session under; adds the suffix of session files if it is missing.
 QString withSessionSuffix(const QString& name);
 
-/// The name, without its folder, that the session of a file is to be saved under.
+/// Returns the name, without its folder, to save the session of a file under.
 QString savedName(const std::filesystem::path& path);
 
-/// Whether two paths lead to the same file; of files that cannot be found, whether the paths are the same.
+/// Whether two paths lead to the same file; if a file does not exist, whether the paths are equal.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 
 } // namespace orvane::ui

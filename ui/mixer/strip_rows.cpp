@@ -22,7 +22,7 @@ StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents
     : content(new QWidget) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Channels"));
-    // A click beside the controls ends what is being typed.
+    // A click beside the controls ends the editing of a field.
     content->setFocusPolicy(Qt::ClickFocus);
     setFocusPolicy(Qt::NoFocus);
     setWidget(content);
@@ -69,7 +69,7 @@ void StripRows::scrollSideways(bool toTheRight) {
 }
 
 void StripRows::wheelEvent(QWheelEvent* event) {
-    // Where nothing is above or below, the wheel moves sideways.
+    // If all rows are visible, the wheel scrolls sideways.
     if (verticalScrollBar()->maximum() == 0 && event->angleDelta().x() == 0)
         QCoreApplication::sendEvent(horizontalScrollBar(), event);
     else
@@ -77,7 +77,7 @@ void StripRows::wheelEvent(QWheelEvent* event) {
 }
 
 void StripRows::keyPressEvent(QKeyEvent* event) {
-    // Keys that no control has taken are the mixer's, not the scroll bars'.
+    // Keys that no control accepts are shortcuts of the mixer, not of the scroll bars.
     event->ignore();
 }
 

@@ -12,17 +12,17 @@
 
 namespace orvane::ui {
 
-/// The strips in sight, in rows, scrolled where they do not fit. All strips are made at once and kept, so
-/// that no page takes time to turn to; those out of sight do nothing. Main thread.
+/// The visible strips in rows; scrolls if they do not fit. All strips are made at once and kept, so that
+/// pages turn without delay; hidden strips do no work. Main thread.
 class StripRows final : public QScrollArea {
   public:
-    /// `mixerEngine` and `installedComponents` outlive the view.
+    /// `mixerEngine` and `installedComponents` must outlive the view.
     StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents);
 
-    /// Puts the strips of every row in sight and all others out of it.
+    /// Shows the strips of the rows and hides all others.
     void arrange(const std::vector<StripRange>& rows);
 
-    /// Moves by what is in sight, to the right or to the left.
+    /// Scrolls by the visible width, to the right or to the left.
     void scrollSideways(bool toTheRight);
 
   protected:
@@ -31,7 +31,7 @@ class StripRows final : public QScrollArea {
 
   private:
     QWidget* const content;
-    /// By their place in the engine's list.
+    /// In the order of the engine's list.
     std::vector<ChannelStripView*> strips;
 };
 

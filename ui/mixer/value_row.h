@@ -8,8 +8,7 @@
 
 namespace orvane::ui {
 
-/// A slider and its value in writing, both for one value. The widgets belong to the layout that they are put
-/// into.
+/// A slider and a text field for one value. The widgets belong to the layout that they are added to.
 class ValueRow final {
   public:
     struct Style {
@@ -20,7 +19,7 @@ class ValueRow final {
         QString help;
     };
 
-    /// `onChange` gets every value that the user sets.
+    /// `onChange` receives every value that the user sets.
     ValueRow(const QString& name, const Style& style, const std::function<void(double)>& onChange)
         : slider(new ValueSlider(name, style.range, onChange)),
           value(new ValueField(

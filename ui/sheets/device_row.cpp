@@ -38,7 +38,7 @@ QString describe(const audio::AudioDeviceInfo& device) {
 
 DeviceRow::DeviceRow(const audio::AudioDeviceInfo& device) : caption(describe(device)) {
     setText(QString::fromStdString(device.name));
-    // An "&" in a name is no shortcut.
+    // An "&" in a name must not become a shortcut.
     setShortcut({});
     setAccessibleName(text());
     setAccessibleDescription(caption);

@@ -6,8 +6,8 @@
 
 namespace orvane::ui {
 
-/// One device in a list, with a mark while it is the selected one. Its `isChecked` follows `setChecked` only,
-/// not the clicks. Main thread.
+/// One device in a list, marked if it is selected. Only `setChecked` changes `isChecked`; clicks do not. Main
+/// thread.
 class DeviceRow final : public QAbstractButton {
   public:
     explicit DeviceRow(const audio::AudioDeviceInfo& device);

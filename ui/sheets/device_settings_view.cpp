@@ -63,7 +63,7 @@ const QString noMIDISourcesText = QStringLiteral(
     "No MIDI input sources found yet. Connect a controller (or the Wing's MIDI output) and hit Refresh."
 );
 
-/// Where `wanted` is among `items`, and -1 where it is not.
+/// Returns the index of `wanted` among `items`, or -1.
 template <class Items, class Value, class Projection>
 int placeOf(const Items& items, const Value& wanted, Projection projection) {
     const auto found = std::ranges::find(items, wanted, projection);
@@ -214,7 +214,7 @@ void DeviceSettingsView::showDevices() {
     // The last item is the stretch.
     while (deviceRows->count() > 1) {
         QLayoutItem* const item = deviceRows->takeAt(0);
-        // A click on it may be what has brought the new list.
+        // The new list may result from a click on this row, so it is deleted later.
         item->widget()->hide();
         item->widget()->deleteLater();
         delete item;

@@ -14,10 +14,10 @@ namespace orvane::ui {
 
 class MenuPicker;
 
-/// The sheet in which the devices, the buffer size and the MIDI source are chosen. Main thread.
+/// The sheet for choosing the devices, the buffer size and the MIDI source. Main thread.
 class DeviceSettingsView final : public Sheet {
   public:
-    /// `mixerEngine` outlives the sheet.
+    /// `mixerEngine` must outlive the sheet.
     explicit DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
   protected:

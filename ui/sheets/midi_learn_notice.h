@@ -7,16 +7,16 @@
 
 namespace orvane::ui {
 
-/// The line that a scene waits for a MIDI note, with a button that calls it off, also where no scene is
-/// selected. Who shows it says when. Main thread.
+/// A line that shows that a scene waits for a MIDI note, with a button that cancels this even if no scene is
+/// selected. Its owner shows and hides it. Main thread.
 class MIDILearnNotice final : public QWidget {
   public:
-    /// `mixerEngine` outlives the notice.
+    /// `mixerEngine` must outlive the notice.
     MIDILearnNotice(engine::MixerEngine& mixerEngine, TextStyle style);
 
-    /// What the line says, not wrapped.
+    /// The text of the line, not wrapped.
     void setText(const QString& text) { line->setText(text); }
-    /// Those of the line.
+    /// The font metrics of the line.
     [[nodiscard]] QFontMetrics metrics() const { return line->fontMetrics(); }
 
   private:

@@ -22,7 +22,7 @@ constexpr int numberWidth = 24;
 constexpr int nameInset = 8;
 constexpr double cornerRadius = 4.0;
 
-/// Where the name stands in a row.
+/// Returns the place of the name in a row.
 QRect nameRect(const QRect& row) {
     return row.adjusted(numberWidth + nameInset, 0, -nameInset, 0);
 }
@@ -106,7 +106,7 @@ SnapshotListView::SnapshotListView(engine::MixerEngine& mixerEngine) : engine(mi
 }
 
 void SnapshotListView::commitRenaming() {
-    // A name field that loses the focus is done.
+    // A name field that loses the focus commits its text.
     if (state() == EditingState) setFocus();
 }
 
@@ -122,7 +122,7 @@ void SnapshotListView::showSnapshots() {
             added->setFlags(added->flags() | Qt::ItemIsEditable);
         }
         const QString name = QString::fromStdString(snapshot.name);
-        // An assignment would also replace what is being typed.
+        // Setting an equal text would replace the text that is being typed.
         if (item(row)->text() != name) item(row)->setText(name);
         item(row)->setToolTip(describeTrigger(snapshot));
     }
@@ -140,7 +140,7 @@ void SnapshotListView::showSelection() {
 
 void SnapshotListView::selectRow() {
     const QList<QListWidgetItem*> selected = selectedItems();
-    // There is no way to select nothing.
+    // The selection cannot be emptied.
     if (selected.isEmpty())
         showSelection();
     else

@@ -9,14 +9,14 @@
 
 namespace orvane::ui {
 
-/// The scenes by number and name. A click selects one and does not recall it; a double click or F2 renames
+/// The scenes by number and name. A click selects a scene without recalling it; a double click or F2 renames
 /// it. Main thread.
 class SnapshotListView final : public QListWidget {
   public:
-    /// `mixerEngine` outlives the list.
+    /// `mixerEngine` must outlive the list.
     explicit SnapshotListView(engine::MixerEngine& mixerEngine);
 
-    /// Takes over what has been typed into a name that is being edited.
+    /// Commits a name that is being edited.
     void commitRenaming();
 
   private:

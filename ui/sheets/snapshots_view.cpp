@@ -32,7 +32,7 @@ constexpr int iconSize = 16;
 constexpr int insertLabelWidth = 56;
 constexpr QSize saveButtonSize(72, 22);
 
-/// The widest that keeps its place.
+/// The widest text that does not move the buttons.
 const QString widePosition = QStringLiteral("100 / 100");
 const QString noPosition = QStringLiteral("—");
 const QString learningText = QStringLiteral("Waiting for a MIDI note… (send one from your controller)");
@@ -100,7 +100,7 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     showPosition();
     showLearning();
     showRecallSafe();
-    // Space is to change nothing before the operator has chosen a control.
+    // Space must not change anything before the operator has chosen a control.
     (list->count() > 0 ? list : done)->setFocus();
 }
 

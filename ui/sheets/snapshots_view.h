@@ -19,15 +19,15 @@ class ConsoleButton;
 class MIDILearnNotice;
 class SnapshotListView;
 
-/// The sheet in which scenes are kept: stored, recalled, edited, taught MIDI notes; and what recalls leave
-/// alone. Main thread.
+/// The sheet for scenes: stores, recalls and edits them, and assigns MIDI notes. Also sets what recalls leave
+/// unchanged. Main thread.
 class SnapshotsView final : public Sheet {
   public:
-    /// `mixerEngine` outlives the sheet.
+    /// `mixerEngine` must outlive the sheet.
     explicit SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
   private:
-    /// The insert slots that have a row.
+    /// The number of insert slots with a row.
     static constexpr std::size_t insertRows = 3;
 
     QLayout* makeHeader(QWidget* done);
@@ -36,7 +36,7 @@ class SnapshotsView final : public Sheet {
     QLayout* makeEditButtons();
     QLayout* makeInsertRow(std::size_t slot);
     void subscribe();
-    /// What a button does, once a name that is being edited has been taken over.
+    /// Returns a button's action: commits a name that is being edited, then calls `operation`.
     std::function<void()> action(void (engine::MixerEngine::*operation)());
     void showPosition();
     void showLearning();

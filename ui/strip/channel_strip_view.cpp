@@ -159,7 +159,7 @@ QLayout* ChannelStripView::makeOutputRow() {
 QLayout* ChannelStripView::makePanRow() {
     panRow = new QWidget;
     panRow->setFixedHeight(panHeight);
-    // The strips' rows stay in line, whether there is something to pan or not.
+    // Keeps the rows of all strips aligned, whether the pan slider is visible or not.
     QSizePolicy policy = panRow->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     panRow->setSizePolicy(policy);
@@ -193,7 +193,7 @@ QLayout* ChannelStripView::makeLevels() {
     caption->setAlignment(Qt::AlignCenter);
 
     auto* const fader = new QVBoxLayout;
-    // The room for the thumb parts them.
+    // The room for the thumb separates them.
     fader->setSpacing(0);
     fader->addWidget(caption);
     fader->addWidget(trim, 0, Qt::AlignHCenter);
@@ -261,7 +261,7 @@ void ChannelStripView::showStrip() {
 }
 
 void ChannelStripView::showName() {
-    // A name that is being typed stays.
+    // Keeps a name that is being typed.
     if (name->hasFocus() && name->isModified()) return;
     const QString shown = QString::fromStdString(strip().name);
     if (shown == name->text()) return;
@@ -277,7 +277,7 @@ void ChannelStripView::commitName() {
 }
 
 bool ChannelStripView::eventFilter(QObject* receiver, QEvent* event) {
-    // A long name is left with its beginning in sight.
+    // Scrolls a long name back to its beginning.
     if (event->type() == QEvent::FocusOut && !name->isModified()) name->setCursorPosition(0);
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(receiver, event);
     switch (static_cast<QKeyEvent*>(event)->key()) {

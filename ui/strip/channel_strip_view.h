@@ -25,18 +25,18 @@ class ValueField;
 class ValueSlider;
 class VerticalFader;
 
-/// One strip of the mixer. Follows the engine while it is visible, and catches up when it becomes so. Main
+/// One strip of the mixer. Follows the engine while it is visible and refreshes when it becomes visible. Main
 /// thread.
 class ChannelStripView final : public QWidget {
   public:
-    /// `mixerEngine` and `installedComponents` outlive the view. The strip is the one at `index` in the
-    /// engine's list, for good.
+    /// `mixerEngine` and `installedComponents` must outlive the view. Shows the strip at `index` in the
+    /// engine's list.
     ChannelStripView(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t index,
         QWidget* parent = nullptr
     );
 
-    /// Hands a name that is being typed to the engine.
+    /// Passes a name that is being typed to the engine.
     void commitName();
 
   protected:
@@ -74,7 +74,7 @@ class ChannelStripView final : public QWidget {
     ValueField* trimValue = nullptr;
     ConsoleButton* mute = nullptr;
     ConsoleButton* bypass = nullptr;
-    /// What the routing pickers were made from.
+    /// The values that the routing pickers show.
     struct ShownRouting {
         std::int64_t inputs = -1;
         std::int64_t outputs = -1;

@@ -12,8 +12,8 @@
 
 namespace orvane::ui {
 
-/// The installed effects, looked up once on a thread of its own, since the first look may take seconds. The
-/// destructor waits for the look-up. Main thread.
+/// The installed effects. Looks them up once on a thread of its own, because the first search can take
+/// seconds. The destructor waits for the search. Main thread.
 class InstalledComponents final {
   public:
     using List = std::vector<platform::AVAudioUnitComponent>;
@@ -24,10 +24,10 @@ class InstalledComponents final {
     InstalledComponents(const InstalledComponents&) = delete;
     InstalledComponents& operator=(const InstalledComponents&) = delete;
 
-    /// Absent while they are being looked up.
+    /// Absent until the search has ended.
     [[nodiscard]] const audio::Published<std::optional<List>>& list() const { return found; }
 
-    /// Calls `action` once they are known: at once, or else in a later turn of the main thread's loop.
+    /// Calls `action` once the effects are known: at once, or from the main thread's loop.
     void whenFound(std::function<void()> action);
 
   private:
@@ -35,7 +35,7 @@ class InstalledComponents final {
 
     audio::Published<std::optional<List>> found;
     std::vector<std::function<void()>> waiting;
-    /// Lives on the main thread, so that the answer arrives there.
+    /// Lives on the main thread, so that the result arrives there.
     QObject receiver;
     std::thread worker;
 };

@@ -7,7 +7,7 @@ namespace orvane::ui {
 
 namespace {
 
-/// What a line edit leaves free at either side of its text.
+/// The margin of a line edit on either side of its text.
 constexpr int inset = 3;
 
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace orvane::ui {
 
-/// A line of text that ends with "…" if it is too long, except while it is being edited. Main thread.
+/// A line of text that is elided if it is too long, except during editing. Main thread.
 class NameField final : public QLineEdit {
   public:
     using QLineEdit::QLineEdit;
@@ -13,7 +13,7 @@ class NameField final : public QLineEdit {
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// What such a field of that width in pixels shows of a text.
+/// Returns the text that a field of this width in pixels shows.
 QString elidedIn(const QString& text, const QFontMetrics& metrics, int fieldWidth);
 
 } // namespace orvane::ui

@@ -21,7 +21,7 @@ constexpr int padding = 16;
 constexpr int lineSpacing = 10;
 constexpr int cancelWidth = 90;
 constexpr int rowHeight = 24;
-/// Where an item keeps its component's place in the list of all.
+/// The item role of a component's index in the whole list.
 constexpr int placeRole = Qt::UserRole;
 
 const QString noneText = QStringLiteral("No installed Audio Units found (Effect / Music Effect types).");
@@ -94,7 +94,7 @@ PluginPickerView::PluginPickerView(
 
 bool PluginPickerView::eventFilter(QObject* receiver, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return Sheet::eventFilter(receiver, event);
-    // The list is moved through and chosen from without leaving the search.
+    // Moves through the list and chooses from it while the search field keeps the focus.
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -103,7 +103,7 @@ bool PluginPickerView::eventFilter(QObject* receiver, QEvent* event) {
         return QCoreApplication::sendEvent(list, event);
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        // The key that has opened the sheet may still be held.
+        // The key that opened the sheet may still be held.
         if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) choose(list->currentItem());
         return true;
     default:
@@ -135,7 +135,7 @@ void PluginPickerView::showComponents() {
 
 void PluginPickerView::choose(const QListWidgetItem* item) {
     const auto& installed = components.list().get();
-    // Clicks that come after the sheet has been closed choose nothing more.
+    // Clicks that arrive after the sheet was closed are ignored.
     if (item == nullptr || !item->data(placeRole).isValid() || !installed || !isVisible()) return;
     engine.loadPlugin((*installed)[item->data(placeRole).value<std::size_t>()], slotIndex, stripID);
     accept();

@@ -16,11 +16,11 @@ class QProgressBar;
 
 namespace orvane::ui {
 
-/// The sheet in which the effect for one insert slot is picked: the installed ones, by maker, searched while
-/// the user types. Main thread.
+/// The sheet for picking the effect of one insert slot: the installed ones by maker, filtered by a search
+/// text. Main thread.
 class PluginPickerView final : public Sheet {
   public:
-    /// `mixerEngine` and `installedComponents` outlive the sheet. `slot`: counted from 0.
+    /// `mixerEngine` and `installedComponents` must outlive the sheet. `slot`: counted from 0.
     PluginPickerView(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
         const platform::Uuid& strip, std::size_t slot, QWidget* parent = nullptr
@@ -30,7 +30,7 @@ class PluginPickerView final : public Sheet {
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
   private:
-    /// Fills the list with what is installed and fits the search.
+    /// Fills the list with the installed effects that match the search.
     void showComponents();
     void choose(const QListWidgetItem* item);
 

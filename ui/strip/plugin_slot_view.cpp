@@ -24,17 +24,17 @@ constexpr int textSize = 11;
 constexpr int textInset = 8;
 constexpr double cornerRadius = 3.0;
 constexpr double dimmed = 0.5;
-/// The mark at the left edge of a slot that holds a plugin.
+/// The mark at the left edge of a slot with a live plugin.
 constexpr double markWidth = 3.0;
 constexpr int longestMenuText = 400;
-/// A shorter one would be shown as 0.0 ms.
+/// A shorter delay would be shown as 0.0 ms.
 constexpr double shortestShownLatencyMs = 0.05;
 
 QString textOf(const std::optional<std::string>& name, const QString& otherwise) {
     return name ? QString::fromStdString(*name) : otherwise;
 }
 
-/// A name as a menu shows it whatever its characters and its length.
+/// Returns a name for menus, shortened and with its special characters escaped.
 QString menuText(const std::string& name) {
     const QString text = QString::fromStdString(name).simplified();
     return QFontMetrics(QApplication::font("QMenu"))
@@ -119,7 +119,7 @@ QString PluginSlotView::helpNow() const {
     }
     const auto* const state = loadState();
     if (const auto* const failed = state ? std::get_if<plugins::load_state::Failed>(state) : nullptr) {
-        // One that was live may be left.
+        // A plugin that was live before may remain.
         const auto wanted = record() != nullptr ? record()->pluginName : std::nullopt;
         return QStringLiteral("%1 failed to load: %2")
             .arg(textOf(wanted, QStringLiteral("Plugin")), QString::fromStdString(failed->message));
@@ -152,7 +152,7 @@ void PluginSlotView::refresh() {
         content = now;
         isBypassed = bypassed;
         setText(name);
-        // An "&" in a name is no shortcut.
+        // An "&" in a name must not become a shortcut.
         setShortcut({});
         setAccessibleName(QStringLiteral("Insert %1 %2")
                               .arg(slotIndex + 1)
@@ -182,7 +182,7 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(box, cornerRadius, cornerRadius);
     if (content == Content::empty && text().isEmpty()) return;
 
-    // What has failed is to be read, bypassed or not.
+    // A failed plugin stays legible even if it is bypassed.
     const bool isDimmed =
         !isFailed && (isBypassed || content == Content::loading || content == Content::notLive);
     painter.setOpacity(isDimmed ? dimmed : 1.0);
@@ -261,14 +261,14 @@ void PluginSlotView::addPresetActions(QMenu& menu) {
     menu.addAction(QStringLiteral("Save Preset…"), this, [this] { askForPresetName(); });
 }
 
-/// Below the user's own, each bank in a menu of its own.
+/// Adds the factory presets below the user's own, each bank in a submenu.
 void PluginSlotView::addFactoryPresets(QMenu& menu) {
     const auto presets = engine.factoryPresets(slotIndex, stripID);
     if (!presets.empty() && !menu.isEmpty()) menu.addSeparator();
     QMenu* list = &menu;
     std::string bank;
     for (const platform::AUAudioUnitPreset& preset : presets) {
-        // Those of no bank come first.
+        // Presets without a bank come first.
         if (preset.bank != bank) list = menu.addMenu(menuText(preset.bank));
         bank = preset.bank;
         list->addAction(menuText(preset.name), this, [this, preset] {

@@ -17,18 +17,18 @@ class QMenu;
 
 namespace orvane::ui {
 
-/// One insert slot of a strip: shows its plugin, and is where plugins are picked, edited, copied and pasted.
-/// Main thread.
+/// One insert slot of a strip. Shows its plugin and is the place to pick, edit, copy and paste plugins. Main
+/// thread.
 class PluginSlotView final : public QAbstractButton {
   public:
-    /// `mixerEngine` and `installedComponents` outlive the view. The strip is the one at `strip` in the
-    /// engine's list, for good.
+    /// `mixerEngine` and `installedComponents` must outlive the view. The strip is the one at `strip` in the
+    /// engine's list.
     PluginSlotView(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t strip,
         std::size_t slot, QWidget* parent = nullptr
     );
 
-    /// Shows the slot as the engine has it now.
+    /// Shows the slot's current state in the engine.
     void refresh();
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -40,9 +40,9 @@ class PluginSlotView final : public QAbstractButton {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    /// What is in the slot.
+    /// The state of the slot.
     enum class Content { empty, notLive, loading, loaded, failed };
-    /// Which plugin that is, as far as it is known.
+    /// The slot's plugin, as far as it is known.
     struct Plugin {
         std::optional<std::string> name = {};
         std::optional<session::AUComponentIdentity> component = {};
@@ -50,12 +50,12 @@ class PluginSlotView final : public QAbstractButton {
 
     [[nodiscard]] const session::ChannelStrip* strip() const;
     [[nodiscard]] const session::PluginSlot* record() const;
-    /// The record's, or the live one where that is another.
+    /// The live plugin if it differs from the record, else the record's.
     [[nodiscard]] Plugin plugin() const;
     [[nodiscard]] const plugins::PluginLoadState* loadState() const;
     [[nodiscard]] Content contentNow() const;
     [[nodiscard]] QString helpNow() const;
-    /// A line of its own that says by how much the plugin delays the strip; empty if it does not.
+    /// A further line with the delay that the plugin causes; empty if there is none.
     [[nodiscard]] QString latencyLine() const;
     void press();
     void openPicker();

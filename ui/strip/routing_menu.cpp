@@ -31,7 +31,7 @@ void addPair(RoutingMenu& menu, std::int64_t left, std::int64_t right) {
     add(menu, QStringLiteral("%1-%2").arg(ordinal(left), ordinal(right)), left);
 }
 
-/// Chooses the entry of the channel; false where there is none.
+/// Selects the entry of the channel. Returns false if there is none.
 bool choose(RoutingMenu& menu, const Channel& channel) {
     const auto found = std::ranges::find(menu.channels, channel);
     if (found == menu.channels.end()) return false;
@@ -54,7 +54,7 @@ RoutingMenu pairs(std::int64_t count, std::int64_t left, std::int64_t right) {
     RoutingMenu menu = beginWithNone();
     for (std::int64_t first = 0; first + 1 < count; first += 2)
         addPair(menu, first, first + 1);
-    // A left channel that is found has one after it.
+    // A left channel in the menu always has one after it.
     if (!choose(menu, left) || right != left + 1) {
         addPair(menu, left, right);
         menu.current = static_cast<int>(menu.labels.size()) - 1;
@@ -62,7 +62,7 @@ RoutingMenu pairs(std::int64_t count, std::int64_t left, std::int64_t right) {
     return menu;
 }
 
-/// For both kinds of routing, whose stereo ones differ.
+/// A template, because the two kinds of routing have different stereo types.
 template <class Stereo, class Routing>
 RoutingMenu outputMenu(std::int64_t count, const Routing& routing) {
     if (const auto* const stereo = std::get_if<Stereo>(&routing))

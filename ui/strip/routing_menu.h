@@ -11,19 +11,19 @@
 
 namespace orvane::ui {
 
-/// The entries of a menu of device channels and which of them is chosen. A chosen channel that the device
-/// does not have is one entry more, so that the menu never shows what is not so. A plain value.
+/// The entries of a menu of device channels, and the current one. A current channel that the device lacks
+/// gets a further entry, so that the menu always shows the real routing. A plain value.
 struct RoutingMenu {
     QStringList labels;
-    /// What each entry stands for: a channel counted from 0, or the left one of a pair; absent = none.
+    /// The channel of each entry, counted from 0, or the left channel of its pair; absent for "None".
     std::vector<std::optional<std::int64_t>> channels;
     int current = 0;
 
-    /// The inputs of a device with `inputCount` of them.
+    /// Makes the menu of a device with `inputCount` inputs.
     static RoutingMenu inputs(std::int64_t inputCount, const std::optional<std::int64_t>& current);
 
-    /// The outputs of a device with `outputCount` of them: its channels, or for a stereo routing its pairs,
-    /// each of which begins with a channel of even index.
+    /// Makes the menu of a device with `outputCount` outputs: its channels, or for a stereo routing its
+    /// pairs, each of which starts with a channel of even index.
     static RoutingMenu outputs(std::int64_t outputCount, const session::OutputRouting& current);
     static RoutingMenu outputs(std::int64_t outputCount, const session::MasterOutputRouting& current);
 

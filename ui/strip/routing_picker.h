@@ -10,7 +10,7 @@
 
 namespace orvane::ui {
 
-/// A menu of device channels. `onChoose` gets what the chosen entry stands for.
+/// A menu of device channels. `onChoose` receives the channel of the chosen entry.
 class RoutingPicker final {
   public:
     using OnChoose = std::function<void(std::optional<std::int64_t>)>;
@@ -22,7 +22,7 @@ class RoutingPicker final {
     RoutingPicker(const RoutingPicker&) = delete;
     RoutingPicker& operator=(const RoutingPicker&) = delete;
 
-    /// Belongs to the widget that it is put into, which the picker is a member of.
+    /// Belongs to the widget that it is added to, which must also own the picker.
     [[nodiscard]] MenuPicker* widget() const { return picker; }
 
     void present(RoutingMenu offered) {

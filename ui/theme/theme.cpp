@@ -9,7 +9,7 @@
 #include <QString>
 #include <QStyleFactory>
 
-// A library's resources are there only once they are asked for, and by a function outside of namespaces.
+// The resources of a library must be initialised by a function outside of namespaces.
 // NOLINTNEXTLINE(misc-use-anonymous-namespace)
 static void addAssets() {
     Q_INIT_RESOURCE(assets);
@@ -39,7 +39,7 @@ QPalette makePalette() {
     return palette;
 }
 
-/// A fixed-width colour for style sheets.
+/// Returns a colour for style sheets.
 QString css(const QColor& color) {
     return color.name(QColor::HexRgb);
 }

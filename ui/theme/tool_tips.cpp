@@ -10,7 +10,7 @@ bool ToolTips::eventFilter(QObject* receiver, QEvent* event) {
     if (event->type() != QEvent::ToolTip || !receiver->isWidgetType()) return false;
     auto* const widget = static_cast<QWidget*>(receiver);
     if (widget->toolTip().isEmpty()) return false;
-    // Only what is marked up wraps.
+    // Only rich text wraps.
     QString text = QStringLiteral("<p>%1</p>").arg(widget->toolTip().toHtmlEscaped());
     text.replace(u'\n', QStringLiteral("<br>"));
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, widget);

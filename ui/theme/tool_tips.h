@@ -4,8 +4,8 @@
 
 namespace orvane::ui {
 
-/// Shows the tool tips of every widget as plain text, line by line, that wraps. Filters the application's
-/// events; main thread.
+/// Shows the tool tips of every widget as plain text that wraps and keeps its line breaks. An event filter of
+/// the application; main thread.
 class ToolTips final : public QObject {
   public:
     using QObject::QObject;

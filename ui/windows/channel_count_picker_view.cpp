@@ -40,7 +40,7 @@ const QString reconfigureText = QStringLiteral(
     "settings."
 );
 
-/// One size: its number above the word.
+/// One choice: its number above the word "channels".
 class SizeButton final : public QAbstractButton {
   public:
     explicit SizeButton(int channelCount) {
@@ -98,7 +98,7 @@ ChannelCountPickerView::ChannelCountPickerView(const Form& form, QWidget* parent
 
     auto* const grid = new QGridLayout;
     grid->setSpacing(columnSpacing);
-    // Arrow keys move within a group.
+    // The arrow keys move within a button group.
     auto* const group = new QButtonGroup(this);
     group->setExclusive(false);
     for (const int size : offeredChannelCounts) {

@@ -6,19 +6,18 @@
 
 namespace orvane::ui {
 
-/// The sizes that a session can be given, in their order.
+/// The channel counts that a session can have, in order.
 inline constexpr int offeredChannelCounts[] = {2, 4, 8, 12, 16, 24, 32, 48};
 
-/// Asks for the number of channels of a session, one of the sizes that are offered. Fills a window and stands
-/// in its middle. Main thread.
+/// Asks for the number of channels of a session. Fills a window, centred. Main thread.
 class ChannelCountPickerView final : public QWidget {
   public:
     struct Form {
-        /// Gets the chosen size.
+        /// Receives the chosen count.
         std::function<void(int)> onSelect;
-        /// Whether there is a session already.
+        /// Whether a session exists already.
         bool isReconfiguring = false;
-        /// Empty where there is no way back.
+        /// Empty if the choice cannot be cancelled.
         std::function<void()> onCancel = {};
     };
 

@@ -9,13 +9,13 @@ namespace orvane::ui {
 
 /// One page of the help. A plain value.
 struct HelpTopic {
-    /// Names the topic for good.
+    /// The topic's permanent name.
     QString id;
     QString title;
     QStringList paragraphs;
 };
 
-/// All of the help, in its order. Any thread.
+/// Returns all topics of the help, in order. Any thread.
 std::vector<HelpTopic> helpTopics();
 
 } // namespace orvane::ui

@@ -14,7 +14,7 @@ namespace orvane::ui {
 /// The help: its topics on the left, the selected one on the right. Main thread.
 class HelpView final : public QWidget {
   public:
-    /// With the first topic selected.
+    /// Selects the first topic.
     explicit HelpView(QWidget* parent = nullptr);
 
     /// The selected topic's `id`.

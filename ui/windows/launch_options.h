@@ -12,13 +12,13 @@
 
 namespace orvane::ui {
 
-/// What the first session of a launch is told by the command line. A plain value.
+/// The command line's options for the first session of a launch. A plain value.
 struct LaunchOptions {
-    /// The session to begin with.
+    /// The session to open.
     std::optional<session::MixerDocumentData> session = {};
-    /// The file that it was read from.
+    /// The file of that session.
     std::optional<std::filesystem::path> sessionFile = {};
-    /// Strips; the session's or else the remembered number if absent.
+    /// Number of strips; the session's, or else the remembered number, if absent.
     std::optional<std::int64_t> channels = {};
     /// The uid of the main device.
     std::optional<std::string> device = {};
@@ -26,24 +26,23 @@ struct LaunchOptions {
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};
-    /// The rate that the devices are to run at, in Hz; theirs if absent.
+    /// The sample rate of the devices, in Hz; their own if absent.
     std::optional<unsigned> sampleRate = {};
-    /// Whether audio starts at once, on the first usable device if none is named.
+    /// Whether to start the audio at once, on the first usable device if none is named.
     bool start = false;
 };
 
-/// The number of strips that the options ask for; where only a session does, the smallest size on offer that
-/// holds it, or the largest. Nothing if they leave it open.
+/// Returns the number of strips that the options ask for. If only a session does, returns the smallest
+/// offered count that holds it, or the largest one. Absent if they leave it open.
 std::optional<std::int64_t> channelCountFor(const LaunchOptions& options);
 
-/// Selects the devices that the options name in a fresh engine; before it is given the session, whose routing
-/// is then the one that counts. Returns what could not be done, a sentence each; all else is done. Main
-/// thread.
+/// Selects the devices that the options name in a new engine. Called before the session is loaded, whose
+/// routing then takes precedence. Returns a sentence for each failure; everything else is done. Main thread.
 std::vector<std::string>
 selectDevices(engine::MixerEngine& mixer, platform::AudioHardware& hardware, const LaunchOptions& options);
 
-/// Sets up and starts an engine that has its devices and the session as the rest of the options says. Main
-/// thread.
+/// Applies the remaining options to an engine that has its devices and its session, and starts it if
+/// requested. Main thread.
 void launch(engine::MixerEngine& mixer, const LaunchOptions& options);
 
 } // namespace orvane::ui

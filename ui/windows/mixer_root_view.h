@@ -13,10 +13,10 @@ namespace orvane::ui {
 
 class MixerView;
 
-/// A session: owns its engine, and shows the mixer with the status bar below. Main thread.
+/// A session: owns its engine and shows the mixer with the status bar below it. Main thread.
 class MixerRootView final : public QWidget {
   public:
-    /// `onReconfigure` asks for another channel count.
+    /// `onReconfigure` is called when the user requests another channel count.
     MixerRootView(
         std::size_t channelCount, const engine::Services& services, std::function<void()> onReconfigure
     );
@@ -27,7 +27,7 @@ class MixerRootView final : public QWidget {
 
   private:
     engine::MixerEngine mixer;
-    /// What shows the engine goes before it.
+    /// The views of the engine are destroyed before it.
     std::unique_ptr<MixerView> mixerView;
     std::unique_ptr<QWidget> statusBar;
 };

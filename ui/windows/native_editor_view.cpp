@@ -28,8 +28,8 @@ NativeEditorView::NativeEditorView(std::shared_ptr<platform::AUViewController> e
 }
 
 bool NativeEditorView::openEditor() {
-    // The editor has a connection of its own to the display server, which knows nothing of what is still on
-    // its way in ours.
+    // The editor has its own connection to the display server, so the requests of ours must be complete
+    // first.
     winId();
     waitForX11();
     native = controller->unit().openNativeEditor(*this);
@@ -55,7 +55,7 @@ void NativeEditorView::resizeEvent(QResizeEvent*) {
 }
 
 void NativeEditorView::hideEvent(QHideEvent* event) {
-    // The window system hides what is minimised.
+    // Spontaneous events come from the window system, which hides minimised windows.
     if (event->spontaneous()) return;
     idling.stop();
     native.reset();

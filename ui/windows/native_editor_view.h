@@ -11,10 +11,10 @@
 
 namespace orvane::ui {
 
-/// A window with the editor that a plugin brings along, which is closed once the window is. Main thread.
+/// A window with a plugin's own editor; the editor is closed with the window. Main thread.
 class NativeEditorView final : public QWidget, private platform::NativeEditorParent {
   public:
-    /// Null where the plugin brings no editor along, or it cannot be opened. The display is one of X11.
+    /// Returns null if the plugin has no editor or it cannot be opened. The display must be an X11 one.
     static std::unique_ptr<NativeEditorView>
     open(std::shared_ptr<platform::AUViewController> editor, Qt::WindowFlags flags);
 
@@ -38,7 +38,7 @@ class NativeEditorView final : public QWidget, private platform::NativeEditorPar
     std::shared_ptr<platform::AUViewController> controller;
     std::unique_ptr<platform::NativeEditor> native;
     QTimer idling;
-    /// In points; empty where the editor does not say.
+    /// In points; empty if the editor does not specify it.
     QSize wanted;
 };
 

@@ -30,7 +30,7 @@ constexpr std::string_view logCategory = "application";
 
 const QString supportAddress = QStringLiteral("support@orvane.example");
 
-/// The size that was chosen last; 0 if none was, or if what is stored is not one that can be chosen.
+/// Returns the channel count that was chosen last; 0 if there is none, or if it is not one of the choices.
 std::int64_t storedChannelCount(const platform::Preferences& preferences) {
     const std::int64_t count = preferences.integer(channelCountKey);
     return std::ranges::find(offeredChannelCounts, count) == std::end(offeredChannelCounts) ? 0 : count;
@@ -52,7 +52,7 @@ ORVANEApp::ORVANEApp(Parts applicationParts, LaunchOptions options)
 
 ORVANEApp::~ORVANEApp() {
     remember(windowKey, saveGeometry().toBase64().toStdString());
-    // The audio stops while all that it reports to still stands.
+    // Stops the audio while the objects that it reports to still exist.
     delete takeCentralWidget();
 }
 
@@ -105,7 +105,7 @@ void ORVANEApp::showEvent(QShowEvent* event) {
     layout()->activate();
     if (isMaximized() || isFullScreen()) return;
     const QRect held = heldByScreen(*this);
-    // The desktop places a window that has no place yet.
+    // The desktop places a window that has no position yet.
     if (testAttribute(Qt::WA_Moved))
         setGeometry(held);
     else
@@ -175,7 +175,7 @@ void ORVANEApp::showContent() {
     }
     if (parts.onMixer) parts.onMixer(root == nullptr ? nullptr : &root->engine().state());
     content->setMinimumSize(smallestContentHere());
-    // A content that was there goes once its own doings are over.
+    // Qt deletes the old content later, after its own event handlers have returned.
     setCentralWidget(content);
     content->setFocus();
     sessionMenu->clear();

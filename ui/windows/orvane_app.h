@@ -20,41 +20,41 @@
 
 namespace orvane::ui {
 
-/// The application's main window with its menus: asks for a channel count where none has been chosen, and
-/// shows the mixer of that many channels otherwise. Main thread.
+/// The application's main window with its menus. Asks for a channel count if none has been chosen, and shows
+/// the mixer with that many channels otherwise. Main thread.
 class ORVANEApp final : public QMainWindow {
   public:
-    /// What it works with; the services and preferences outlive it.
+    /// The services that the window uses; services and preferences must outlive it.
     struct Parts {
         engine::Services services;
         platform::Preferences& preferences;
-        /// Told of the mixer that a session begins with, before its audio runs, and of null where it has
+        /// Called with the mixer of a new session before its audio runs, and with null when the session has
         /// ended.
         std::function<void(const engine::EngineState*)> onMixer = {};
     };
 
-    /// `options` are those of the first session.
+    /// `options` apply to the first session.
     ORVANEApp(Parts applicationParts, LaunchOptions options);
-    /// Remembers where the window was.
+    /// Remembers the place of the window.
     ~ORVANEApp() override;
 
-    /// Below 1 while none is chosen.
+    /// Below 1 until a count is chosen.
     [[nodiscard]] std::int64_t channelCount() const { return channels; }
     /// Null while a channel count is being chosen.
     [[nodiscard]] MixerRootView* mixerRootView() const;
 
-    /// Calls `then` once the session that the window was to begin with is open or could not be opened; at
-    /// once where it is, or while a channel count is being chosen.
+    /// Calls `then` once the first session is open or has failed to open; at once if that has happened
+    /// already, or while a channel count is being chosen.
     void whenOpened(SessionFile::Report then);
 
-    /// Writes the session to the file that it was opened from; the log says so where there is none.
+    /// Writes the session to the file that it was opened from; logs an error if there is none.
     void saveInPlace();
-    /// Writes the session to a file, then calls `then`; at once while there is no session to write.
+    /// Writes the session to a file, then calls `then`; at once if there is no session.
     void saveTo(const std::filesystem::path& file, const SessionFile::Report& then);
-    /// Whether there is a session that has changed since it was last saved.
+    /// Whether the session has changed since it was last saved.
     [[nodiscard]] bool isUnsaved() const;
 
-    /// Says what has gone wrong, one sentence each.
+    /// Shows and logs errors, one sentence each.
     void showProblems(const std::vector<std::string>& problems);
 
   protected:
@@ -63,16 +63,16 @@ class ORVANEApp final : public QMainWindow {
 
   private:
     void addMenus();
-    /// Begins the session that has just been made as the command line said.
+    /// Sets up the new session with the options of the command line.
     void begin(MixerRootView& root);
     void showContent();
-    /// How small the content may become on the screen that the window is on.
+    /// The smallest content size on the window's screen.
     [[nodiscard]] QSize smallestContentHere() const;
-    /// Throws the session away and remembers the new size.
+    /// Discards the session and remembers the new channel count.
     void setChannelCount(std::int64_t count);
     void remember(std::string_view key, std::string_view value);
     void writeToSupport();
-    /// Closes without a further question.
+    /// Closes without asking.
     void leave();
 
     const Parts parts;

@@ -27,7 +27,7 @@ constexpr int rowHeight = 24;
 constexpr int spacing = 10;
 constexpr int meterPlaces = 1000;
 
-/// A choice without a name is known by its value.
+/// Returns a choice's label; its value if it has no name.
 QString labelOf(const AUParameterInfo::NamedValue& choice) {
     const QString label = QString::fromStdString(choice.label).simplified();
     return label.isEmpty() ? QString::number(choice.value) : label;
@@ -48,7 +48,7 @@ ParameterRow::ParameterRow(platform::AUParameter& edited) : parameter(edited) {
     setAccessibleName(displayName);
     makeControl();
     row->addStretch();
-    // Differs from every value, itself included.
+    // NaN differs from every value, so that the first refresh shows the real one.
     shownValue = std::nanf("");
     refresh();
 }
@@ -69,7 +69,7 @@ void ParameterRow::makeControl() {
 
 void ParameterRow::makeSlider() {
     const AUParameterInfo& info = parameter.info();
-    // The slider goes over shares of the range, which may be logarithmic, or change with the sample rate.
+    // The slider covers shares of the range, which may be logarithmic or change with the sample rate.
     const double steps = info.kind == AUParameterInfo::Kind::integer && !info.isLogarithmic
                              ? static_cast<double>(info.maxValue) - static_cast<double>(info.minValue)
                              : static_cast<double>(std::max<std::int64_t>(info.stepCount - 1, 0));
@@ -83,7 +83,7 @@ void ParameterRow::makeSlider() {
     auto* const value = new ValueField(
         QStringLiteral("%1 value").arg(accessibleName()),
         {.write = [this](double shown) { return write(shown); },
-         // The parameter itself takes no more than its range.
+         // The parameter itself limits the value to its range.
          .lowest = std::numeric_limits<float>::lowest(),
          .highest = std::numeric_limits<float>::max(),
          .width = valueWidth,
@@ -151,7 +151,7 @@ void ParameterRow::choose(double value) {
 
 void ParameterRow::refresh() {
     const AUParameterInfo& info = parameter.info();
-    // A plugin's meter may come out as anything.
+    // The output of a plugin's meter may be any number.
     const float now = std::isfinite(parameter.value()) ? parameter.value() : info.minValue;
     if (now == shownValue && info.minValue == shownMin && info.maxValue == shownMax) return;
     shownValue = now;

@@ -8,14 +8,13 @@
 
 namespace orvane::ui {
 
-/// One parameter of a plugin in its editor: what it is called, and a control that fits what it takes. Main
-/// thread.
+/// One parameter in a plugin's editor: its name and a control for its kind of value. Main thread.
 class ParameterRow final : public QWidget {
   public:
-    /// `edited` outlives the row.
+    /// `edited` must outlive the row.
     explicit ParameterRow(platform::AUParameter& edited);
 
-    /// Shows the value as it is now, if that has changed.
+    /// Shows the parameter's current value, if it has changed.
     void refresh();
 
   private:
@@ -30,7 +29,7 @@ class ParameterRow final : public QWidget {
     platform::AUParameter& parameter;
     /// Shows a value in the control.
     std::function<void(float)> show;
-    /// The value, and the range, that are shown.
+    /// The value and the range that are shown.
     float shownValue = 0.0F;
     float shownMin = 0.0F;
     float shownMax = 0.0F;

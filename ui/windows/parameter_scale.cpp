@@ -9,7 +9,7 @@ namespace {
 
 using platform::AUParameterInfo;
 
-/// A difference of the range beyond which that many digits after the point say nothing more.
+/// Returns the number of digits after the point that are significant for the range.
 int digitsFor(const AUParameterInfo& info) {
     if (info.kind != AUParameterInfo::Kind::continuous) return 0;
     const double span = static_cast<double>(info.maxValue) - static_cast<double>(info.minValue);

@@ -6,14 +6,13 @@
 
 namespace orvane::ui {
 
-/// Where a value lies within its parameter's range, 0 to 1, as a slider shows it: in equal ratios where the
-/// parameter is logarithmic.
+/// Returns the position of a value on its parameter's slider, 0 to 1; logarithmic if the parameter is.
 double shareOfRange(const platform::AUParameterInfo& info, double value);
 
-/// The value that lies there.
+/// Returns the value at a position.
 double valueAtShare(const platform::AUParameterInfo& info, double share);
 
-/// A value as an editor writes it: with as many digits as its range asks for, and its unit.
+/// Formats a value with the digits that suit its range, and its unit.
 QString writtenValue(const platform::AUParameterInfo& info, double value);
 
 } // namespace orvane::ui

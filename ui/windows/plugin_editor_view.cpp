@@ -18,7 +18,7 @@ namespace orvane::ui {
 
 namespace {
 
-/// As often as the meters.
+/// The interval of the meters.
 constexpr auto refreshInterval = std::chrono::milliseconds(33);
 constexpr int padding = 16;
 constexpr int lineSpacing = 4;

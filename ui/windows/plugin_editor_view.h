@@ -15,8 +15,8 @@ namespace orvane::ui {
 
 class ParameterRow;
 
-/// The panel that a plugin's parameters make up, in the plugin's order and by its groups. While it can be
-/// seen it shows what changes elsewhere, too. Main thread.
+/// A panel of a plugin's parameters, in the plugin's order and groups. While it is visible, it also shows
+/// changes made elsewhere. Main thread.
 class PluginEditorView final : public QWidget {
   public:
     explicit PluginEditorView(std::shared_ptr<platform::AUViewController> editor, QWidget* parent = nullptr);

@@ -20,7 +20,7 @@ Qt::WindowFlags flagsOf(std::uint32_t styleMask) {
     return flags;
 }
 
-/// What the plugin brings along, else the panel that its parameters make up.
+/// Makes the plugin's own editor, or else a panel of its parameters.
 std::unique_ptr<QWidget>
 makeView(std::shared_ptr<platform::AUViewController> content, Qt::WindowFlags flags) {
     if (isOnX11())
@@ -46,7 +46,7 @@ class PluginEditorWindow final : public platform::NSWindowController {
         wasShown = true;
     }
     void makeKeyAndOrderFront() override { bringToFront(*view); }
-    /// A window that is minimised is not hidden.
+    /// A minimised window is not hidden.
     [[nodiscard]] bool isClosed() const override { return wasShown && view->isHidden(); }
 
   private:

@@ -7,7 +7,7 @@
 
 namespace orvane::ui {
 
-/// Shows the editors of plugins in windows of their own. Outlives what it makes. Main thread.
+/// Shows the editors of plugins in windows of their own. Must outlive the windows it makes. Main thread.
 class PluginEditorWindows final : public platform::EditorWindows {
   public:
     std::unique_ptr<platform::NSWindowController> windowWithContentViewController(

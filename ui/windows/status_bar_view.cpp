@@ -47,13 +47,13 @@ QLabel* makeValue() {
     return value;
 }
 
-/// Shows a value, and tells it by its name to assistive tools, which read no more than that.
+/// Shows a value. Its accessible text includes the name, because assistive tools read only that text.
 void showValue(QLabel& label, const QString& name, const QString& value) {
     label.setText(value);
     label.setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
 }
 
-/// A caption above what it names.
+/// Makes a caption above a widget.
 QWidget* makeCell(const QString& caption, QWidget* value) {
     auto* const cell = new QWidget;
     auto* const layout = new QVBoxLayout(cell);

@@ -16,11 +16,11 @@ class IndicatorLamp;
 class LoadMeterView;
 class MIDILearnNotice;
 
-/// The line along the bottom of the mixer: what the engine runs with, whether it runs, its load, the plugin
-/// clipboard, the engine's message, and which scene waits for a MIDI note. Main thread.
+/// The line along the bottom of the mixer: the engine's sample rate and buffer size, whether it runs, its
+/// load, the plugin clipboard, its message, and the scene that waits for a MIDI note. Main thread.
 class StatusBarView final : public QWidget {
   public:
-    /// `mixerEngine` outlives the view.
+    /// `mixerEngine` must outlive the view.
     explicit StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
   protected:

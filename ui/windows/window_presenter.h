@@ -9,11 +9,11 @@
 
 namespace orvane::ui {
 
-/// Shows a window in front of the others, also where it was minimised. Esc closes it, and it does not keep
-/// the program running. Main thread.
+/// Shows a window in front of the others, even if it was minimised. Esc closes it, and it does not keep the
+/// program running. Main thread.
 void bringToFront(QWidget& window);
 
-/// Shows one window of its own: made at first use and kept, later brought to the front. Main thread.
+/// Shows a single window: makes it at first use, keeps it, and later brings it to the front. Main thread.
 template <class View>
 class WindowPresenter final {
   public:
@@ -22,7 +22,7 @@ class WindowPresenter final {
         bringToFront(*controller);
     }
 
-    /// Null before it was shown.
+    /// Null until it was first shown.
     [[nodiscard]] View* window() const { return controller.get(); }
 
   private:

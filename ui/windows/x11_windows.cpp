@@ -2,14 +2,14 @@
 
 #include <QGuiApplication>
 
-// Comes last: it defines common words.
+// Included last, because it defines common words as macros.
 #include <X11/Xlib.h>
 
 namespace orvane::ui {
 
 namespace {
 
-/// Null where there is no X11. An error there does not end the program: Qt lets it pass.
+/// Returns null without X11. Qt ignores X11 errors, so none ends the program.
 Display* display() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 == nullptr ? nullptr : x11->display();

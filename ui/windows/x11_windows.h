@@ -7,15 +7,16 @@
 
 namespace orvane::ui {
 
-// Windows of X11 that others have made within ours. Main thread; nothing happens where there is no X11.
+// Windows that foreign code has made inside ours on X11. Main thread; without X11, these functions do
+// nothing.
 
-/// Whether the program's windows are windows of X11.
+/// Whether the program's windows are X11 windows.
 bool isOnX11();
 
-/// Returns once the display server has all windows that were made.
+/// Waits until the display server has handled all pending requests.
 void waitForX11();
 
-/// In pixels; nothing where there is no such window.
+/// Returns the size in pixels; absent if there is no such window.
 std::optional<QSize> sizeOfX11Window(WId window);
 
 /// `size`: in pixels, 1 at least each way.
