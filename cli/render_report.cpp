@@ -42,8 +42,8 @@ std::string RenderReport::json() const {
 std::string RenderReport::text() const {
     std::string lines = fmt::format(
         "{:.1f} s in {} blocks of {} frames, mixed in {:.2f} s: {:.0f} times real time.\n"
-        "Load of a block's duration: {:.1f} % on average, {:.1f} % at most. Master gain at the end: {:+.1f} "
-        "dB.\n"
+        "Load of a block's duration: {:.1f} % on average, {:.1f} % at most. "
+        "Master gain at the end: {:+.1f} dB.\n"
         "Strip                     gain at end   mean level\n",
         seconds, blocks, bufferSize, wallSeconds, realTimeFactor(), meanLoad * 100.0, peakLoad * 100.0,
         dsp::linearToDB(masterGain)

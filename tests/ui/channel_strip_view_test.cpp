@@ -234,7 +234,7 @@ TEST_F(Strip, FollowsTheEngineOnlyWhileItIsSeenAndCatchesUp) {
 }
 
 TEST_F(Strip, SlotsSayWhatAClickDoes) {
-    EXPECT_EQ(slot(2).toolTip(), "Empty AU insert slot 3 — click to pick an installed plugin.");
+    EXPECT_EQ(slot(2).toolTip(), "Empty insert slot 3 — click to pick an installed plugin.");
     load(0);
     EXPECT_EQ(slot(0).text(), "Warmth");
     EXPECT_EQ(slot(0).toolTip(), "Warmth — click to open its editor. Right-click for more options.");
@@ -256,7 +256,7 @@ TEST_F(Strip, SlotsSayWhatAClickDoes) {
     EXPECT_EQ(slot(0).toolTip(), "Click to copy \"Warmth\" (and its current settings).");
     EXPECT_EQ(slot(2).toolTip(), "Empty -- pick a slot with a plugin loaded to copy from.");
     slot(0).click();
-    EXPECT_EQ(slot(2).toolTip(), "Empty AU insert slot 3 — click to pick an installed plugin.");
+    EXPECT_EQ(slot(2).toolTip(), "Empty insert slot 3 — click to pick an installed plugin.");
     engine.togglePasteArm();
     EXPECT_EQ(slot(2).toolTip(), "Click to paste Warmth here, replacing whatever's in this slot.");
     machine.audioUnitHost.failure.reset();
@@ -430,7 +430,7 @@ TEST_F(Strip, PicksWhatIsInstalled) {
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     PluginPickerView empty(engine, none, strip().id, 0);
     empty.show();
-    EXPECT_TRUE(shows(empty, "No installed Audio Units found (Effect / Music Effect types)."));
+    EXPECT_TRUE(shows(empty, "No installed plugins found (LV2 effects)."));
 }
 
 } // namespace

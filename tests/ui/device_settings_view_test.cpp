@@ -76,8 +76,8 @@ TEST_F(DeviceSettings, SaysThatThereAreNoDevices) {
     engine::MixerEngine empty(2, services);
     const DeviceSettingsView view(empty);
     const QString text = QStringLiteral(
-        "No Core Audio devices found. Make sure your interface (e.g. the Behringer Wing over USB, or a "
-        "Dante/MADI driver) is connected and shows up in Audio MIDI Setup."
+        "No audio devices found. Make sure your interface (e.g. the Behringer Wing over USB, or a "
+        "Dante/MADI driver) is connected and that PipeWire, JACK or ALSA lists it."
     );
     EXPECT_TRUE(shows(view, text));
     EXPECT_FALSE(shows(sheet, text));

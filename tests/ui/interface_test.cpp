@@ -207,7 +207,7 @@ TEST_F(Interface, SaysEverythingAsItIsWritten) {
     click(0);
     EXPECT_TRUE(QTest::qWaitFor([this] {
         look();
-        return seen.contains("No installed Audio Units found (Effect / Music Effect types).");
+        return seen.contains("No installed plugins found (LV2 effects).");
     }));
     closeDialogs();
     mixer().refreshDevices();
@@ -248,7 +248,7 @@ TEST_F(Interface, ExplainsEveryControlWithItsOwnHelp) {
         {"Snapshots", "Store/recall full mixer states"},
         {"Load", "Load a previously saved"},
         {"Save", "Save/export the current session"},
-        {"Audio / MIDI Devices", "Choose the Core Audio device"},
+        {"Audio / MIDI Devices", "Choose the audio device"},
         {"24 Channels", "Change how many channels"},
         {"Start", "Start the audio engine."},
         {"Copy", "Arm Copy, then click a loaded plugin slot"},

@@ -37,8 +37,7 @@ MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) 
                        ".orvane file."),
         std::move(actions.save));
     add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma,
-        QStringLiteral("Choose the Core Audio device (soundcard) and MIDI input source, and set the buffer "
-                       "size."),
+        QStringLiteral("Choose the audio device (soundcard) and MIDI input source, and set the buffer size."),
         std::move(actions.showDeviceSettings));
     add("channels", QStringLiteral("%1 Channels").arg(engine.state().channelStrips.get().size()), {},
         QStringLiteral("Change how many channels this session has. Smaller sessions use less CPU -- see the "

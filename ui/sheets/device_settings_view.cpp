@@ -35,9 +35,10 @@ constexpr int midiPickerWidth = 240;
 constexpr int listHeight = 160;
 constexpr double bytesPerKilobyte = 1024.0;
 
-const QString noDevicesText = QStringLiteral("No Core Audio devices found. Make sure your interface (e.g. "
-                                             "the Behringer Wing over USB, or a Dante/MADI "
-                                             "driver) is connected and shows up in Audio MIDI Setup.");
+const QString noDevicesText = QStringLiteral(
+    "No audio devices found. Make sure your interface (e.g. the Behringer Wing over USB, or a Dante/MADI "
+    "driver) is connected and that PipeWire, JACK or ALSA lists it."
+);
 const QString noEstimateText = QStringLiteral("Select a device to see estimated latency and memory usage.");
 const QString bufferSizeHelp =
     QStringLiteral("Smaller = lower latency, less memory, more CPU load per second. Larger = more headroom "
@@ -46,13 +47,12 @@ const QString bufferSizeHelp =
 const QString sameAsMain = QStringLiteral("Same as Main Device");
 const QString masterOutputHelp = QStringLiteral(
     "Sends the summed/leveled master bus out of a different soundcard than the one above, instead of a "
-    "channel "
-    "pair on it — e.g. this Mac's built-in speakers as a monitor/broadcast feed while the main interface "
-    "handles the mics. Both devices should share the same sample rate; Core Audio doesn't resample between "
+    "channel pair on it — e.g. this computer's built-in speakers as a monitor/broadcast feed while the main "
+    "interface handles the mics. Both devices should share the same sample rate; nothing resamples between "
     "them, so a mismatch means the master output will play back at the wrong pitch/speed. Even at matching "
     "sample rates, this app doesn't correct for clock drift between two independent devices, so if you hear "
-    "ongoing stutters, try an Aggregate/Multi-Output Device (built in Audio MIDI Setup.app, with Drift "
-    "Correction on) as your single main device instead of using this picker."
+    "ongoing stutters, try letting the sound server combine both cards into one device (it corrects their "
+    "drift) as your single main device instead of using this picker."
 );
 const QString allSources = QStringLiteral("All Sources");
 const QString midiSourcesText = QStringLiteral(

@@ -24,7 +24,7 @@ constexpr int rowHeight = 24;
 /// The item role of a component's index in the whole list.
 constexpr int placeRole = Qt::UserRole;
 
-const QString noneText = QStringLiteral("No installed Audio Units found (Effect / Music Effect types).");
+const QString noneText = QStringLiteral("No installed plugins found (LV2 effects).");
 const QString scanningText = QStringLiteral("Scanning the installed plugins…");
 const QString noMatchText = QStringLiteral("No plugin matches the search.");
 

@@ -125,8 +125,7 @@ QString PluginSlotView::helpNow() const {
             .arg(textOf(wanted, QStringLiteral("Plugin")), QString::fromStdString(failed->message));
     }
     if (!shown.name)
-        return QStringLiteral("Empty AU insert slot %1 — click to pick an installed plugin.")
-            .arg(slotIndex + 1);
+        return QStringLiteral("Empty insert slot %1 — click to pick an installed plugin.").arg(slotIndex + 1);
     if (!shown.component)
         return QStringLiteral(
                    "%1 — from an older session, not linked to an installed plugin. Click to pick one."

@@ -31,8 +31,7 @@ const QString firstRunTitle = QStringLiteral("How many channels?");
 const QString firstRunText = QStringLiteral(
     "Pick the smallest size that covers this show. Idle channel strips still cost a little CPU just by "
     "existing, same as a hardware automixer only comes in fixed sizes -- you're not stuck, you can change "
-    "this "
-    "later from the toolbar."
+    "this later from the toolbar."
 );
 const QString reconfigureTitle = QStringLiteral("Change Channel Count");
 const QString reconfigureText = QStringLiteral(
