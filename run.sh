@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds ORVANE where needed and starts it.
+# Builds ORVANE if needed and starts it.
 set -euo pipefail
 
 if [ "${1:-}" = --help ]; then
@@ -16,7 +16,7 @@ fi
 
 root=$(cd "$(dirname "$0")" && pwd)
 "$root/scripts/setup.sh" build
-# A build directory that also holds the tests is as good and stays as it is.
+# A build directory with tests also works and stays as it is.
 if [ -f "$root/build/release/build.ninja" ]; then
     "$root/scripts/build.sh" release
 else

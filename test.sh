@@ -17,7 +17,7 @@ if [ "${1:-}" = --sanitize ]; then
         exit 2
         ;;
     esac
-    # The sanitizers of older compilers cannot start where the kernel randomises more address bits than they know.
+    # The sanitizers of older compilers cannot start if the kernel randomises more address bits than they support.
     if setarch "$(uname -m)" -R true 2>/dev/null; then launcher=(setarch "$(uname -m)" -R); fi
 fi
 

@@ -1,15 +1,15 @@
-# Where things are installed, and how the programs find what they open while they run.
+# The places of installed files, and how the programs find the files that they open at run time.
 
 include(GNUInstallDirs)
 
-# From the folder of the programs to that of their data, so that the programs find it below any prefix. In the
-# build tree a link stands in its place.
+# The path from the folder of the programs to that of their data, so that they find it below any prefix. The build
+# tree has a link in its place.
 set(orvane_data_folder "${CMAKE_INSTALL_FULL_DATADIR}/orvane")
 cmake_path(RELATIVE_PATH orvane_data_folder BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
   OUTPUT_VARIABLE ORVANE_DATA_FROM_PROGRAMS)
 cmake_path(ABSOLUTE_PATH ORVANE_DATA_FROM_PROGRAMS BASE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}" NORMALIZE
   OUTPUT_VARIABLE orvane_data_in_build)
-# The same to the programs that the programs start, which are not for people. In the build tree all stand together.
+# The same for helper programs, which only the programs start. In the build tree, all programs share one folder.
 set(ORVANE_HELPERS_FOLDER "${CMAKE_INSTALL_LIBEXECDIR}/orvane")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBEXECDIR BASE_DIRECTORY "${CMAKE_INSTALL_FULL_BINDIR}"
   OUTPUT_VARIABLE ORVANE_HELPERS_FROM_PROGRAMS)

@@ -1,4 +1,4 @@
-# How every target of the tree is made.
+# The functions that make every target of the tree.
 #
 # A library sees only the headers of the libraries it links: each target publishes its headers through an include
 # directory of its own (symbolic links in the build tree), so that an #include "audio/ring_buffer.h" compiles in a
@@ -10,8 +10,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 
-# The compiler cache serves every clone of the tree: paths below its root count relative to it. Precompiled headers
-# are cached too if the compiler keeps its preprocessed text apart from them.
+# The compiler cache serves every clone of the tree, because paths below its root are taken relative to it. Precompiled
+# headers are cached too if the compiler keeps the preprocessed text separate from them.
 find_program(ORVANE_CCACHE ccache)
 if(ORVANE_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
@@ -40,18 +40,18 @@ endif()
 target_compile_options(orvane_flags INTERFACE ${orvane_sanitizers})
 target_link_options(orvane_flags INTERFACE ${orvane_sanitizers})
 if(orvane_sanitizers AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # What the sanitizers add to the code leads this warning astray.
+  # The code that the sanitizers add causes false positives of this warning.
   target_compile_options(orvane_flags INTERFACE -Wno-maybe-uninitialized)
 endif()
 if(ORVANE_FUZZ)
   target_compile_options(orvane_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# Qt asks for it, and what is compiled ahead serves only sources of the same options.
+# Qt requires it, and precompiled headers serve only sources with the same options.
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# What makes a mistake in reading untrusted bytes end the program instead of serving somebody else. The sanitizers
-# see more than these do.
+# Hardening that turns an error in reading untrusted bytes into an abort instead of an exploit. The sanitizers detect
+# more than these options.
 if(NOT orvane_sanitizers)
   include(CheckPIESupported)
   check_pie_supported(LANGUAGES CXX)
@@ -61,15 +61,15 @@ if(NOT orvane_sanitizers)
   target_link_options(orvane_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
 
-# orvane_compile_together(NAME COUNT): COUNT sources of the target at a time, which reads their headers once. They count
-# as headers then, and a class of one may hold a type that only that one knows.
+# orvane_compile_together(NAME COUNT): compiles COUNT sources of the target at a time, which reads their headers once.
+# The compiler then takes the sources for headers and warns of classes with members of local types.
 function(orvane_compile_together name count)
   set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${count})
   target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
 endfunction()
 
-# The headers of the standard library that most sources include, compiled once for all libraries. Debug builds go
-# without, so that the linters find a source that does not include what it uses.
+# The standard headers that most sources include, precompiled once for all libraries. Debug builds do not use them, so
+# that the linters find a source that does not include what it uses.
 if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
   file(GENERATE OUTPUT "${CMAKE_BINARY_DIR}/orvane_headers.cpp" CONTENT "")
   add_library(orvane_headers OBJECT "${CMAKE_BINARY_DIR}/orvane_headers.cpp")
@@ -79,9 +79,9 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     <unordered_map> <utility> <variant> <vector>)
 endif()
 
-# orvane_library(NAME FOLDER [SOURCES ...] [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
-# SOURCES: none makes a library of headers alone; LINK: what the folder's headers use; LINK_PRIVATE: what only its
-# sources use; PRECOMPILE: the headers to compile ahead instead of the shared ones.
+# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
+# LINK: libraries that the folder's headers use; LINK_PRIVATE: libraries that only its sources use; PRECOMPILE: headers to
+# precompile instead of the shared ones.
 function(orvane_library name folder)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE;PRECOMPILE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
@@ -121,7 +121,7 @@ function(orvane_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE orvane_flags ${arg_LINK})
-  # Whatever lists effects starts it.
+  # Every program that lists effects starts it.
   if(NOT name STREQUAL orvane-scan)
     add_dependencies(${name} orvane-scan)
   endif()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws how the automix shares the gain of a recording among its microphones.
+"""Draws the gains that the automix gives the microphones of a recording.
 
 Renders the recording with orvane-cli and writes a picture of every strip's gain over time, with the times in which
 somebody speaks into its microphone shaded. Needs nothing but Python 3 and a built orvane-cli; the same recording
@@ -23,10 +23,10 @@ PROGRAM = ROOT / "build/release/bin/orvane-cli"
 # In pixels.
 WIDTH, LEFT, RIGHT, TOP, BOTTOM = 960, 64, 44, 40, 34
 LANE, GAP = 52, 8
-# In dB: what a lane shows.
+# The range of a lane, in dB.
 HIGHEST, LOWEST = 6.0, -28.0
 FLOOR = -26.0
-# Somebody speaks where a microphone is above the first and at most the second below the loudest one.
+# A microphone has speech if it is above the first level and at most the second below the loudest one.
 SPEECH, BELOW_LOUDEST = -45.0, 8.0
 
 
@@ -66,7 +66,7 @@ def render(recording):
 
 
 def turns_of(levels, strip):
-    """Pairs of points between which somebody speaks into the strip's microphone."""
+    """Pairs of points between which the strip's microphone has speech."""
     turns = []
     for point, level in enumerate(levels[strip]):
         if level < max(SPEECH, max(other[point] for other in levels) - BELOW_LOUDEST):

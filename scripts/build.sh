@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Configures the preset, unless it is configured with these options already, and builds it. Prints what the
-# tools said only when they fail.
+# Configures the preset, unless it is already configured with these options, and builds it. Prints the output of the
+# tools only if they fail.
 # Usage: scripts/build.sh PRESET [NAME=VALUE...]
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Tries the Debian package on a bare Debian 12: installs it there, runs it, purges it, and looks for what it left
-# behind. Needs root, and about 1.5 GB in the temporary folder.
+# Tries the Debian package on a bare Debian 12: installs it, runs it, purges it, and lists the files that it left behind.
+# Needs root and about 1.5 GB in the temporary folder.
 # Usage: scripts/check-package.sh PACKAGE.deb [DEBIAN_FOLDER]
-# DEBIAN_FOLDER has a bare Debian 12 from an earlier run, or takes one that stays for the next run.
+# DEBIAN_FOLDER contains a bare Debian 12 from an earlier run, or receives one for later runs.
 set -euo pipefail
 
 fail() {
@@ -23,7 +23,7 @@ trap clean_up EXIT
 bare=${2:-$work/bare}
 system=$work/system
 
-# The same mirror and proxy as this system's.
+# Uses the mirror and the proxy of this system.
 mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' 'Codename: bookworm' | head -n 1)
 if [ ! -d "$bare" ]; then
     mkdir -p "${bare%/*}"
@@ -59,7 +59,7 @@ inside orvane-cli run --seconds 5 --meters text | tail -n 3
 inside sh -c 'ORVANE_DRIVERS=virtual timeout --preserve-status -s TERM 5 \
     env QT_QPA_PLATFORM=offscreen orvane --channels 8 --start' || fail "The window did not run."
 
-# What the trial runs themselves wrote is the user's.
+# Files that the trial runs wrote belong to the user.
 rm -rf "$system/root/.config" "$system/root/.local" "$system/root/.cache" "$system/root/${package##*/}"
 quietly apt-get purge -y orvane
 quietly apt-get autoremove --purge -y
@@ -67,4 +67,4 @@ files >"$work/after"
 left=$(comm -13 "$work/before" "$work/after")
 if grep -i orvane <<<"$left"; then fail "the purged package left these files behind."; fi
 if inside dpkg-query -W orvane >/dev/null 2>&1; then fail "dpkg still knows the purged package."; fi
-echo "Installed, ran and purged; of its own it left nothing. What its dependencies left: $(wc -l <<<"$left") paths."
+echo "Installed, ran and purged; it left no files of its own. Its dependencies left $(wc -l <<<"$left") paths."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the tests on programs that count, and prints what share of each folder's lines and branches they ran. A page
-# with every line is left in build/coverage/report.
+# Runs the tests on instrumented programs and prints the covered share of each folder's lines and branches. Writes a
+# report of every line to build/coverage/report.
 # Usage: scripts/coverage.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -8,14 +8,14 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh build tests coverage
 scripts/build.sh coverage ORVANE_BUILD_TESTS=ON ORVANE_BUILD_BENCH=OFF
 find build/coverage -name '*.gcda' -delete
-# Programs that are killed, and one that may write only a few bytes, cannot leave their counts and would say so.
+# Programs that are killed, and one that may write only a few bytes, cannot write their counts and would report it.
 GCOV_ERROR_FILE=/dev/null ctest --preset coverage -j2 --quiet --no-tests=error \
     -E Program.FailsIfAFileExceedsTheSizeLimit
 
 folders=(app audio cli dsp engine machine midi platform plugins ui)
 report=build/coverage/report
 mkdir -p "$report"
-# Headers are seen through the links that the build makes for each target.
+# Header paths contain the links that the build makes for each target.
 gcovr -j 2 --exclude-throw-branches --exclude-unreachable-branches --exclude '.*autogen.*' \
     --filter "(build/coverage/include/[a-z_]*/)?($(IFS='|' && echo "${folders[*]}"))/" \
     --html-details "$report/index.html" --csv "$report/files.csv" "${folders[@]/#/build/coverage/}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formats every C++ file of the tree in place; with --check only says which files are not formatted.
+# Formats every C++ file of the tree in place; with --check, only lists files that are not formatted.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Fuzzes what reads untrusted bytes and what is done with a mixer, under AddressSanitizer, from the corpora in
-# fuzz/corpus; ends at the first finding. New inputs are kept in build/fuzz/corpus; with --keep those that reach code
-# that the corpora do not are added to them afterwards.
+# Fuzzes the readers of untrusted bytes and the operations on a mixer under AddressSanitizer, starting from the corpora in
+# fuzz/corpus; ends at the first finding. Keeps new inputs in build/fuzz/corpus; with --keep, adds those that reach new
+# code to the corpora afterwards.
 # Usage: scripts/fuzz.sh [--keep] [SECONDS] [FUZZER...]; all fuzzers of fuzz/CMakeLists.txt by default, 300 s each.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -20,7 +20,7 @@ elif [ $# -gt 0 ]; then
 else
     mapfile -t files < <(git ls-files '*.cpp' | grep -v '^tests/')
 fi
-# GCC, whose warnings the build keeps to, does not count the first among conversions and has attributes of its own.
+# The build uses GCC's warnings. GCC does not treat the first as a conversion, and has attributes of its own.
 printf '%s\n' "${files[@]}" |
     xargs -P 2 -n 4 clang-tidy-16 -p build/debug --quiet --extra-arg=-Wno-sign-conversion --extra-arg=-Wno-unknown-attributes
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr \

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a command on an X server of its own, without hardware, that has a window manager.
+# Runs a command on a private X server without hardware, with a window manager.
 # Usage: scripts/on-display.sh WIDTHxHEIGHT COMMAND [ARGS]
 set -euo pipefail
 

@@ -11,7 +11,7 @@ for page in packaging/man/*.1; do mandoc -T lint -W warning "$page" >&2; done
 
 scripts/build.sh package
 rm -f build/package/*.deb
-# What is packaged has the modes that Debian wants, whatever this user's are.
+# Packaged files need Debian's modes, whatever the umask of this user.
 (umask 022 && cd build/package && cpack >cpack.log 2>&1) || {
     cat build/package/cpack.log >&2
     exit 1
@@ -19,7 +19,7 @@ rm -f build/package/*.deb
 package=$(echo build/package/*.deb)
 lintian --fail-on error,warning "$package" >&2
 
-# Still hard to exploit once they are stripped.
+# The stripped programs must still be hardened.
 unpacked=$(mktemp -d)
 trap 'rm -rf "$unpacked"' EXIT
 dpkg-deb --extract "$package" "$unpacked"

@@ -12,7 +12,7 @@ table=scripts/planted_faults.txt
 copy=build/faults/tree
 build=$copy/build/dev
 log=build/faults/log
-# A fault may hang its tests: in seconds.
+# In seconds; a fault may hang its tests.
 limit=180
 
 usage() {
@@ -37,7 +37,7 @@ readTable() {
             ;;
         '') entry='' ;;
         *)
-            echo "plant_faults.sh: $table has a line of no kind: $line" >&2
+            echo "plant_faults.sh: $table has an invalid line: $line" >&2
             exit 1
             ;;
         esac
@@ -58,7 +58,7 @@ isChosen() {
     return 1
 }
 
-# Prints the file that holds the old text of a fault, if it stands in one place of the sources alone.
+# Prints the file that contains the old text of a fault, if it occurs exactly once in the sources.
 fileOf() {
     local old=${olds[$1]} file content rest found=
     while IFS= read -r file; do
@@ -77,7 +77,7 @@ plant() {
     printf '%s\n' "${content/"${olds[$2]}"/"${news[$2]}"}" >"$copy/$1"
 }
 
-# Brings the copy up to date, file by file: what is as it was keeps its time and is not compiled again.
+# Updates the copy file by file; unchanged files keep their time and are not compiled again.
 copyTree() {
     local file
     while IFS= read -r -d '' file; do
@@ -92,7 +92,7 @@ compile() {
 }
 
 runTests() {
-    # The subshell waits for the tests, so that it says into the log how they ended.
+    # The subshell waits for the tests, so that its message about their end goes to the log.
     (
         cd "$build"
         QT_QPA_PLATFORM=offscreen nice timeout -k 5 "$limit" "bin/$1" --gtest_brief=1 --gtest_filter="$2" || exit 1
@@ -123,7 +123,7 @@ tryFault() {
     cp "$file" "$copy/$file"
 }
 
-# The faults of one target; its tests have to pass without them, or they would catch anything.
+# The faults of one target; its tests must pass without them, or they would catch anything.
 tryTarget() {
     local target=$1 fault filter=
     shift

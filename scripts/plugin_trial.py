@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tries every LV2 effect that the mixer lists, and prints a table of what happened.
+"""Tries every LV2 effect that the mixer lists, and prints a table of the results.
 
 Each effect is rendered alone twice and played live; then eight of it are rendered and played on eight strips; then
 eight that follow each other in the list are. scripts/plugin_trial.sh installs and builds what this needs.
@@ -24,21 +24,21 @@ PROGRAM = ROOT / "build/release/bin/orvane-cli"
 PANEL = ROOT / "assets/demo/panel-8ch.flac"
 
 STRIPS = 8
-# The part of the demo panel that is played, in seconds: its first microphone is spoken into all the time.
+# The played part of the demo panel, in seconds; its first microphone has speech all the time.
 START, LENGTH, RATE = 3.0, 2.0, 48000
-# Live, in seconds, and for an effect that has made no sound by then.
+# The duration of a live run, in seconds, and that for an effect that is still silent then.
 PLAYED, PLAYED_LONGER = 0.5, 12.0
-# A run that takes longer hangs, in seconds.
+# A run that takes longer counts as hung, in seconds.
 PATIENCE = 60
-# Have a run find the same in memory, at the same addresses, every time.
+# Gives every run the same memory content at the same addresses.
 EVEN_COMMAND = ["setarch", "-R"]
 EVEN_VARIABLES = {"MALLOC_PERTURB_": "85", "GLIBC_TUNABLES": "glibc.malloc.tcache_count=0"}
-# What the program says where nothing is wrong, or any more.
+# Messages of the program that report no fault.
 UNREMARKABLE = r"^orvane-cli: Ran for |: render recovered |\[Desktop\]"
-# -120 dBFS: what stays below makes no sound.
+# -120 dBFS: an effect that stays below is silent.
 SILENCE = 1e-6
 
-# What may be noted of an effect: the columns of the table.
+# The columns of the table.
 FAILED, SILENT, SILENT_LIVE, LIKE_INPUT = "failed", "no sound", "no sound live", "like the input"
 DRY, CHANGED, EIGHT_DIFFER = "dry at times", "changed between renders", "eight differ"
 ENDED = "ended or hung"
@@ -46,7 +46,7 @@ MARKS = (FAILED, SILENT, SILENT_LIVE, LIKE_INPUT, DRY, CHANGED, EIGHT_DIFFER, EN
 
 
 class Outcome:
-    """What one run of the program left behind."""
+    """The results of one run of the program."""
 
     def __init__(self, end, sentences, channels):
         self.end = end
@@ -55,7 +55,7 @@ class Outcome:
 
 
 def samples_of(path):
-    """The channels of a file of 32-bit floats; none if there is no such file, or only the beginning of one."""
+    """The channels of a file of 32-bit floats; none if the file is missing or incomplete."""
     data = path.read_bytes() if path.exists() else b""
     if b"data" not in data:
         return []
@@ -71,14 +71,14 @@ def is_silent(samples):
 
 
 def general(sentence, effects):
-    """A sentence without the names of what it is about, so that like ones can be counted."""
+    """A sentence without the names in it, so that equal ones can be counted."""
     for effect in sorted(effects, key=lambda effect: -len(effect["name"])):
         sentence = sentence.replace(effect["name"], "NAME")
     return re.sub(r"Ch ?\d,? slot ?\d", "SLOT", re.sub(r"/\S+/", "FOLDER/", sentence))
 
 
 class Trial:
-    """Runs the program in a folder of its own, on the virtual devices alone."""
+    """Runs the program in a folder of its own, on the virtual devices only."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -183,20 +183,20 @@ def codes_of(effect):
 
 
 def why_changed(trial, effects):
-    """Why two renders differ: for what they find in memory if they do not where that is always the same."""
+    """Why two renders differ: because of uninitialised memory if they are equal with constant memory content."""
     first, second = (trial.render(effects, memory_is_even=True).channels for _ in range(2))
     return "memory it does not set" if first == second else "time, threads or random numbers"
 
 
 def why_eight_differ(trial, effects):
-    """Why an effect does not sound alike on all strips, likewise."""
+    """Why an effect differs between strips, likewise."""
     channels = trial.render(effects, memory_is_even=True).channels
     is_alike = all(channel == channels[0] for channel in channels)
     return "memory it does not set" if is_alike else "random numbers or what its instances share"
 
 
 def try_effect(trial, effect, dry):
-    """What came of one effect by itself and of eight of it, as JSON holds it; and its sound."""
+    """The results of one effect alone and of eight instances, as JSON, and its sound."""
     alone = [effect] + [None] * (STRIPS - 1)
     eight = [effect] * STRIPS
     runs = {"rendered": trial.render(alone), "rendered again": trial.render(alone), "played": trial.play(alone),
@@ -228,7 +228,7 @@ def try_effect(trial, effect, dry):
 
 
 def try_group(trial, group, alone):
-    """What came of eight effects that follow each other in the list, and which of them sound otherwise than alone."""
+    """The results of eight neighbours of the list, and which of them sound different than alone."""
     effects = group + [None] * (STRIPS - len(group))
     rendered, played = trial.render(effects), trial.play(effects)
     other = [effect["name"] for effect, channel, single in zip(group, rendered.channels, alone)
@@ -255,7 +255,7 @@ def print_names(results):
 
 
 def print_sentences(results, effects):
-    """Each sentence once, with the number of effects of which it was said."""
+    """Each sentence once, with the number of effects that caused it."""
     counts = collections.Counter(sentence for result in results
                                  for sentence in {general(sentence, effects) for sentence in result["sentences"]})
     for sentence, count in counts.most_common():
@@ -264,7 +264,7 @@ def print_sentences(results, effects):
 
 def print_groups(groups):
     others = "; ".join(name for group in groups for name in group["changed"]) or "none"
-    print(f"\n{len(groups)} groups of eight; effects that sound otherwise there than alone: {others}")
+    print(f"\n{len(groups)} groups of eight; effects that sound different there than alone: {others}")
     for group in groups:
         for run, end in group["ends"].items():
             print(f"\n{', '.join(group['names'])}, {run}: {end}")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Tries every LV2 effect that the mixer lists, those of nine of Debian's packages among them: each alone and eight of
-# it, then eight that follow each other in the list, rendered and played live. Prints what loaded, failed with which
-# sentence, made no sound, changed between two renders, and ended or hung the program, for which the exit code is 1.
+# Tries every LV2 effect that the mixer lists, including those of nine Debian packages: each alone, eight of each, and
+# eight neighbours of the list, rendered and played live. Prints which effects loaded, failed with which sentence, were
+# silent, changed between two renders, or ended or hung the program, for which the exit code is 1.
 # Takes about a quarter of an hour on two processors.
 # Usage: scripts/plugin_trial.sh [--only TEXT] [--jobs N] [--json FILE] [--help]
 set -euo pipefail

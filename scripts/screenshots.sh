@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes pictures of the window in each of its states, at its usual size, at its smallest, and at twice the
-# pixels, to be looked at.
+# Takes pictures of the window in each of its states for inspection: at its usual size, at its smallest, and at twice the
+# pixels.
 # Usage: scripts/screenshots.sh [FOLDER]; the folder is build/screenshots unless given.
 set -euo pipefail
 cd "$(dirname "$0")/.."

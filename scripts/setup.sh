@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups it is given: build, tests, check, lint, coverage, fuzz,
-# bench, trial, package.
-# Says nothing when none is missing.
+# Installs the missing Debian packages of the given groups: build, tests, check, lint, coverage, fuzz, bench, trial,
+# package. Prints nothing if none is missing.
 # Usage: scripts/setup.sh GROUP...
 set -euo pipefail
 
@@ -43,7 +42,7 @@ if ! command -v dpkg-query >/dev/null; then
     fail "packages can only be installed on Debian; install what your system has for these and build with cmake: ${wanted[*]}"
 fi
 
-# dpkg-query reports names that it does not know as an error; they are the missing ones, like those not listed.
+# dpkg-query reports unknown names as errors; like unlisted ones, they are missing.
 installed=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' "${wanted[@]}" 2>/dev/null || true)
 missing=()
 for package in "${wanted[@]}"; do

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Random shows on the mixer: everything that can be done with it, done at random on devices without hardware, while
-# everything that must hold is checked. Eight hours of shows take a few minutes; with --live the mixer runs in real
-# time. The same seed gives the same shows; a failure tells how to have just its show again.
+# Runs random shows: every operation of the mixer in random order, on devices without hardware, while all invariants are
+# checked. Eight hours of shows take a few minutes; with --live, the mixer runs in real time. The same seed gives the same
+# shows; a failure prints how to repeat its show.
 # Usage: scripts/soak.sh [--seed N] [--hours H] [--live SECONDS] [--help]
 set -euo pipefail
 cd "$(dirname "$0")/.."

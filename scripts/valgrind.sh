@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the tests that are short enough for it under valgrind. The others, and what valgrind cannot do (it computes
-# long doubles in doubles and has an allocator of its own), the sanitizers look at.
+# Runs the tests that are short enough under valgrind. The sanitizers cover the others, and those that valgrind cannot run
+# (it computes long doubles in doubles and has an allocator of its own).
 # Usage: scripts/valgrind.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -75,7 +75,7 @@ void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned
     }
 }
 
-TEST(AutomixProcessor, GivesTheBitsOfThePlainReadingOnEveryInstructionSet) {
+TEST(AutomixProcessor, MatchesThePlainImplementationOnEveryInstructionSet) {
     for (const LaneKernels* kernels : supportedLaneKernels())
         for (const std::size_t channels : {1, 2, 3, 5, 9, 17, 33, 49})
             for (unsigned seed = 1; seed <= 3; ++seed)

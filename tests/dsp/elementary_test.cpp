@@ -45,7 +45,7 @@ TEST(Elementary, AgreesWithExtendedPrecisionToTheLastBitAlmostAlways) {
             different += actual != expected ? 1 : 0;
             ASSERT_LE(unitsApart(actual, expected), 1.0) << function.name << " of " << x;
         }
-        // The reference itself is rounded twice, which shows about once in two thousand draws.
+        // The reference itself is rounded twice, which makes a difference about once in two thousand draws.
         EXPECT_LT(different, draws / 200) << function.name;
     }
 }

@@ -23,7 +23,7 @@ std::vector<double> settledGains(const std::vector<double>& levels) {
     return {mixer.smoothedGain().begin(), mixer.smoothedGain().end()};
 }
 
-TEST(GainSharingMixer, SettlesWhereTheSharesSay) {
+TEST(GainSharingMixer, SettlesAtTheShares) {
     using Values = std::vector<double>;
     const double above = 1e-6;
     const std::tuple<const char*, Values, Values> gainsByLevels[] = {

@@ -34,7 +34,7 @@ TEST(GenderTriggerFilter, LowersOnlyItsOwnBand) {
     }
 }
 
-TEST(GenderTriggerFilter, ForgetsItsPastButNotItsModeWhenReset) {
+TEST(GenderTriggerFilter, ClearsItsStateButNotItsModeAtAReset) {
     GenderTriggerFilter filter = filterIn(GenderTriggerMode::male);
     filter.process(std::vector<double>(100, 0.5));
     filter.reset();

@@ -23,7 +23,7 @@ TEST(Handover, GivesTheReaderTheLatestRecordUntilItAsksAgain) {
     EXPECT_EQ(handover.latest(), 4);
 }
 
-TEST(Handover, NeverShowsHalfARecordNorAnOlderOne) {
+TEST(Handover, NeverShowsAPartialOrOlderRecord) {
     constexpr int records = 20000;
     Handover<std::vector<int>> handover(std::vector<int>(64, 0));
     std::thread writer([&handover] {

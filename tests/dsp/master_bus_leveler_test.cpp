@@ -32,14 +32,14 @@ TEST(MasterBusLeveler, DrivesTheBusToItsTargetWithinBounds) {
     }
 }
 
-TEST(MasterBusLeveler, FindsBackFromAnEndlesslyLoudBus) {
+TEST(MasterBusLeveler, RecoversFromAnInfinitelyLoudBus) {
     MasterBusLeveler leveler = levelerFor(1e6);
     leveler.process(HUGE_VAL);
     leveler.setTargetDB(-18.0);
     EXPECT_NEAR(leveler.process(dbToLinear(-18.0)), 1.0, 1.0 - attackCoef);
 }
 
-TEST(MasterBusLeveler, ReadsItsTargetBackInDB) {
+TEST(MasterBusLeveler, ReturnsItsTargetInDB) {
     MasterBusLeveler leveler = levelerFor(-10.0);
     leveler.setTargetDB(-20.0);
     EXPECT_NEAR(leveler.targetDB(), -20.0, 1e-12);

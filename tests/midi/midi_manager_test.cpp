@@ -47,7 +47,7 @@ class MIDIManagerTest : public testing::Test {
     std::optional<MIDIManager> manager{std::in_place, services};
 };
 
-TEST_F(MIDIManagerTest, TakesTheNoteOnThatAPacketBeginsWith) {
+TEST_F(MIDIManagerTest, ReportsTheNoteOnAtTheStartOfAPacket) {
     struct Case {
         const char* what;
         std::vector<Bytes> packets;
@@ -75,7 +75,7 @@ TEST_F(MIDIManagerTest, TakesTheNoteOnThatAPacketBeginsWith) {
     }
 }
 
-TEST_F(MIDIManagerTest, StartsAndStopsOnceAndGivesEverythingBack) {
+TEST_F(MIDIManagerTest, StartsAndStopsOnceAndReleasesEverything) {
     EXPECT_THAT(services.takeCalls(), IsEmpty());
     manager->stop();
     EXPECT_THAT(services.takeCalls(), IsEmpty());
@@ -103,7 +103,7 @@ TEST_F(MIDIManagerTest, StartsAndStopsOnceAndGivesEverythingBack) {
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(MIDIManagerTest, StaysStartedWhereAStepFails) {
+TEST_F(MIDIManagerTest, StaysStartedIfAStepFails) {
     services.clientStatus = -1;
     manager->start();
     manager->start();
@@ -151,7 +151,7 @@ TEST_F(MIDIManagerTest, ConnectsTheSelectedSourceOrAll) {
     EXPECT_EQ(manager->selectedSourceID(), 103);
 }
 
-TEST_F(MIDIManagerTest, ListsWhatHasAnIDAndNamesTheNameless) {
+TEST_F(MIDIManagerTest, ListsSourcesWithAnIDAndNamesUnnamedOnes) {
     services.sources.push_back({13, std::nullopt, "Without id"});
     services.sources.push_back({14, -104, std::nullopt});
     EXPECT_THAT(
@@ -164,7 +164,7 @@ TEST_F(MIDIManagerTest, ListsWhatHasAnIDAndNamesTheNameless) {
     EXPECT_EQ(manager->availableSources().at(0), (MIDIDeviceInfo{101, "MIDI Source"}));
 }
 
-TEST(MIDIManagerThreads, SurvivesThatEverythingHappensAtOnce) {
+TEST(MIDIManagerThreads, SurvivesConcurrentCalls) {
     std::vector<std::unique_ptr<MIDIDriver>> drivers;
     drivers.push_back(std::make_unique<virtual_devices::VirtualMIDIDriver>());
     MIDIDriver& driver = *drivers.front();

@@ -10,7 +10,7 @@ namespace {
 using namespace orvane::ui;
 using Mode = ChannelLayoutMode;
 
-TEST(ChannelLayout, OffersTheModesThatMakeSenseAndCutsStripsIntoPagesAndRows) {
+TEST(ChannelLayout, OffersTheSensibleModesAndDividesStripsIntoPagesAndRows) {
     struct Case {
         ChannelLayout layout;
         std::size_t offered;

@@ -66,13 +66,13 @@ class Strip : public MixerViewTest {
         engine.loadPlugin(machine.effect, index, strip().id);
         machine.mainThread.runPosted();
     }
-    /// The sheet or prompt that is open; null if none is.
+    /// The open sheet or prompt; null if there is none.
     QDialog* dialog() {
         deleteWhatIsDone();
         const auto open = view.findChildren<QDialog*>();
         return open.empty() ? nullptr : open.first();
     }
-    /// The entries of a slot's context menu, or nothing where there is none. Separators are "-".
+    /// The entries of a slot's context menu; empty if it has none. Separators are "-".
     QStringList contextMenu(std::size_t index) {
         QStringList entries;
         if (const QMenu* const opened = openContextMenu(index))
@@ -97,7 +97,7 @@ class Strip : public MixerViewTest {
     ChannelStripView view{engine, components, 1};
 };
 
-TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
+TEST_F(Strip, SendsEditsOnlyToItsOwnStrip) {
     const std::vector<session::ChannelStrip> before = state().channelStrips.get();
     auto& name = *view.findChild<QLineEdit*>();
     EXPECT_EQ(name.text(), "Ch 2");
@@ -137,7 +137,7 @@ TEST_F(Strip, SendsWhatTheOperatorDoesToItsStripAlone) {
     EXPECT_EQ(state().channelStrips.get()[2], before[2]);
 }
 
-TEST_F(Strip, ShowsInEverySwitchAndMeterWhatIsItsOwn) {
+TEST_F(Strip, ShowsItsOwnStateInEverySwitchAndMeter) {
     for (const bool isMuted : {false, true})
         for (const bool isBypassed : {false, true}) {
             engine.setMuted(strip().id, isMuted);
@@ -167,7 +167,7 @@ TEST_F(Strip, ShowsALongNameFromItsBeginning) {
         QTest::keyClicks(&name, "!");
         const QString typed = name.text();
         engine.setTrim(strip().id, 0.5);
-        EXPECT_EQ(name.text(), typed) << "what is being typed stays";
+        EXPECT_EQ(name.text(), typed) << "text being typed stays";
         QTest::keyClick(&name, end);
         EXPECT_FALSE(name.hasFocus());
         EXPECT_EQ(name.cursorPosition(), 0) << end;
@@ -201,14 +201,14 @@ TEST_F(Strip, OffersTheChannelsOfTheDevice) {
     EXPECT_EQ(strip().outputRouting, session::OutputRouting{});
     EXPECT_FALSE(pan.isVisible());
 
-    // The last output of an odd number of them is in no pair.
+    // The last of an odd number of outputs belongs to no pair.
     for (const auto& [count, pairs] : {std::pair(2, 1), {3, 1}, {5, 2}, {6, 3}}) {
         const auto routing = output::Stereo{0, 1, 0.0};
         EXPECT_EQ(RoutingMenu::outputs(count, session::OutputRouting{routing}).labels.size(), 1 + pairs)
             << count;
     }
 
-    // What a device does not have is shown all the same.
+    // Channels that the device lacks are still shown.
     engine.setOutputChannel(strip().id, 30);
     engine.setInputChannel(strip().id, 40);
     EXPECT_EQ(menu("Output").currentText(), "Out 31");
@@ -223,7 +223,7 @@ TEST_F(Strip, OffersTheChannelsOfTheDevice) {
     EXPECT_EQ(menu("Output").currentText(), "9223372036854775808--9223372036854775807");
 }
 
-TEST_F(Strip, FollowsTheEngineOnlyWhileItIsSeenAndCatchesUp) {
+TEST_F(Strip, FollowsTheEngineOnlyWhileVisibleAndCatchesUp) {
     view.hide();
     engine.setMuted(strip().id, true);
     engine.setName(strip().id, "Recalled");
@@ -233,7 +233,7 @@ TEST_F(Strip, FollowsTheEngineOnlyWhileItIsSeenAndCatchesUp) {
     EXPECT_EQ(buttonOf(view, "Mute").accessibleDescription(), "On");
 }
 
-TEST_F(Strip, SlotsSayWhatAClickDoes) {
+TEST_F(Strip, SlotTooltipsExplainAClick) {
     EXPECT_EQ(slot(2).toolTip(), "Empty insert slot 3 — click to pick an installed plugin.");
     load(0);
     EXPECT_EQ(slot(0).text(), "Warmth");
@@ -334,7 +334,7 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
     presetEntries().first()->trigger();
     EXPECT_EQ(machine.audioUnitHost.lastUnit()->gain, 0.25F);
 
-    // Those of the effect come below the user's, in a menu for each bank.
+    // The effect's presets come below the user's, each bank in a submenu.
     machine.audioUnitHost.presets = {{0, "Plain\n&", ""}, {1, "One", "Rooms"}, {2, "Two", "Rooms"}};
     machine.audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {3.0}}};
     const auto entries = presetEntries();
@@ -355,10 +355,10 @@ TEST_F(Strip, SlotsHaveAMenuForTheirPlugin) {
     EXPECT_THAT(contextMenu(0), ElementsAre("Change Plugin…", "Bypass", "Remove"));
 }
 
-TEST_F(Strip, SlotsShowTheLivePluginWhateverTheirRecordNames) {
+TEST_F(Strip, SlotsShowTheLivePluginDespiteTheirRecord) {
     bool isListed = false;
     components.whenFound([&] { isListed = true; });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isListed; })) << "while nothing is added";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isListed; })) << "without any plugin added";
     const auto shine = machine.audioUnitHost.add("Shine");
     engine.newSnapshot();
     load(0);
@@ -384,7 +384,7 @@ TEST_F(Strip, SlotsShowTheLivePluginWhateverTheirRecordNames) {
     EXPECT_EQ(machine.audioUnitHost.report.living, 0);
 }
 
-/// The rows of the list that can be seen.
+/// The visible rows of the list.
 std::vector<std::string> rowsOf(const QWidget& picker) {
     std::vector<std::string> rows;
     const auto& list = *picker.findChild<QListWidget*>();
@@ -393,7 +393,7 @@ std::vector<std::string> rowsOf(const QWidget& picker) {
     return rows;
 }
 
-TEST_F(Strip, PicksWhatIsInstalled) {
+TEST_F(Strip, PicksInstalledEffects) {
     const InstalledComponents installed([this] {
         auto list = engine.availableInsertComponents();
         list.push_back(list.front());
@@ -420,7 +420,7 @@ TEST_F(Strip, PicksWhatIsInstalled) {
     QTest::keyClick(&search, Qt::Key_Up);
     QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
     QApplication::sendEvent(&search, &held);
-    EXPECT_TRUE(picker.isVisible()) << "the key that has opened it has chosen";
+    EXPECT_TRUE(picker.isVisible()) << "the key that opened the picker chose an effect";
     QTest::keyClick(&search, Qt::Key_Return);
     EXPECT_FALSE(picker.isVisible());
     EXPECT_EQ(record(3).pluginName, "Warmth");

@@ -32,7 +32,7 @@ using namespace orvane;
 using namespace orvane::test;
 using namespace orvane::ui;
 
-/// As WCAG 2 defines it.
+/// The relative luminance of WCAG 2.
 double luminanceOf(QRgb color) {
     const auto linear = [](int component) {
         const double share = component / 255.0;
@@ -41,7 +41,7 @@ double luminanceOf(QRgb color) {
     return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) + 0.0722 * linear(qBlue(color));
 }
 
-/// How well the text of a picture stands out against what is behind it, which fills most of the picture.
+/// The contrast between the text of a picture and its background, which fills most of the picture.
 double contrastIn(const QImage& picture) {
     std::map<QRgb, int> pixels;
     for (int y = 0; y < picture.height(); ++y)
@@ -60,7 +60,7 @@ double contrastIn(const QImage& picture) {
 constexpr double leastForText = 4.5;
 constexpr double leastForDisabledText = 3.0;
 
-/// Opens every kind of menu, picker and list, and measures how its rows can be read.
+/// Opens every kind of menu, picker and list, and measures the contrast of its rows.
 class Contrast : public testing::Test {
   protected:
     Contrast() {
@@ -91,7 +91,7 @@ class Contrast : public testing::Test {
         menu.popup({});
         for (QAction* active : menu.actions()) {
             if (active->isSeparator() || !active->isVisible()) continue;
-            // A symbol would be taken for the text beside it.
+            // A symbol would count as part of the text beside it.
             active->setIconVisibleInMenu(false);
             menu.setActiveAction(active);
             measure(
@@ -101,7 +101,7 @@ class Contrast : public testing::Test {
         }
         menu.close();
     }
-    /// `left`: where the texts begin, behind a symbol or a number.
+    /// `left`: the start of the texts, after a symbol or a number.
     void measureRows(QAbstractItemView& list, int left) {
         for (int row = 0; row < std::min(list.model()->rowCount(list.rootIndex()), 4); ++row) {
             const QModelIndex index = list.model()->index(row, 0, list.rootIndex());
@@ -114,7 +114,7 @@ class Contrast : public testing::Test {
                 );
         }
     }
-    /// Those that can be seen.
+    /// The visible ones.
     void measurePickersAndLists(const QWidget& within) {
         for (QComboBox* picker : within.findChildren<QComboBox*>()) {
             if (!picker->isVisible()) continue;

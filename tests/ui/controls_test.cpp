@@ -47,7 +47,7 @@ void press(QWidget& widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoMod
     QApplication::sendEvent(&widget, &event);
 }
 
-/// By so many notches, of which a touchpad sends parts.
+/// Turns the wheel by a number of notches; a touchpad sends fractions.
 void turnWheel(QWidget& widget, double notches, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     const QPointF middle(widget.width() / 2.0, widget.height() / 2.0);
     constexpr double angleOfANotch = 120.0;
@@ -92,7 +92,7 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     fader.setValue(0.25);
     EXPECT_NE(chosen.back(), 0.25);
     drag(fader, QEvent::MouseButtonDblClick, top + 10.0);
-    EXPECT_DOUBLE_EQ(fader.value(), 2.0 - 2.0 * 10.0 / 130.0) << "two quick clicks mean where they are";
+    EXPECT_DOUBLE_EQ(fader.value(), 2.0 - 2.0 * 10.0 / 130.0) << "two quick clicks set the clicked place";
     drag(fader, QEvent::MouseButtonPress, top + 65.0);
     press(fader, Qt::Key_Up);
     EXPECT_GT(fader.value(), 1.01);
@@ -102,7 +102,7 @@ TEST(VerticalFader, SnapsToItsDefaultAndReachesItsEnds) {
     EXPECT_EQ(fader.value(), 2.0);
     press(fader, Qt::Key_End);
     turnWheel(fader, 2.0);
-    EXPECT_EQ(fader.value(), 0.0) << "the wheel went over it";
+    EXPECT_EQ(fader.value(), 0.0) << "the wheel only passed over it";
     giveFocus(fader);
     turnWheel(fader, 2.0);
     const double coarse = fader.value();
@@ -135,13 +135,13 @@ TEST(VerticalFader, ShowsItsValueUpToBothEnds) {
     }
 }
 
-TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {
+TEST(ValueSlider, SupportsWheelDragAndAssistiveTools) {
     std::vector<double> chosen;
     const auto keep = [&chosen](double value) { chosen.push_back(value); };
     ValueSlider whole("Count", {.lowest = 0.0, .highest = 10.0, .step = 1.0, .defaultValue = {}}, keep);
     whole.resize(200, 24);
     turnWheel(whole, 1.0);
-    EXPECT_EQ(whole.value(), 0.0) << "the wheel went over it";
+    EXPECT_EQ(whole.value(), 0.0) << "the wheel only passed over it";
     giveFocus(whole);
     for (const auto& [notches, value] :
          {std::pair(1.0, 1.0), {0.5, 1.0}, {0.5, 2.0}, {-3.0, 0.0}, {20.0, 10.0}}) {
@@ -164,7 +164,7 @@ TEST(ValueSlider, IsTurnedDraggedAndReadByOthers) {
     EXPECT_EQ(chosen.back(), 10.0);
 }
 
-TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
+TEST(ToolTips, ArePlainTextAndWrap) {
     QWidget widget;
     widget.setToolTip(
         QStringLiteral("A <b>word</b> & ") + QStringLiteral("more of them ").repeated(60)
@@ -185,7 +185,7 @@ TEST(ToolTips, AreWrittenAsTheyAreAndWrap) {
     QToolTip::hideText();
 }
 
-/// Whether nothing but an ellipsis stands at the end of a row of capital letters.
+/// Whether a row of capital letters ends with only an ellipsis.
 bool endsWithDots(QWidget& widget, int end) {
     const QImage upperHalf = widget.grab({end - 9, 4, 8, widget.height() / 2 - 4}).toImage();
     for (int y = 0; y < upperHalf.height(); ++y)
@@ -208,7 +208,7 @@ TEST(LongTexts, EndWithAnEllipsisUnlessTheyAreEdited) {
     EXPECT_FALSE(endsWithDots(name, 117));
 }
 
-TEST(Confirmation, CutsNoWordAndMarksWhatCannotBeUndone) {
+TEST(Confirmation, CutsNoWordsAndMarksDestructiveActions) {
     QWidget window;
     window.show();
     const QString message = QStringLiteral("Couldn't read that settings file: %1 is missing.")
@@ -231,7 +231,7 @@ TEST(Confirmation, CutsNoWordAndMarksWhatCannotBeUndone) {
     }
 }
 
-TEST(ConsoleButton, IsPressedOnceAndNotWhileItIsDisabled) {
+TEST(ConsoleButton, IsPressedOnceAndOnlyIfEnabled) {
     int presses = 0;
     ConsoleButton button("Store", [&presses] { ++presses; });
     button.resize(button.sizeHint());
@@ -244,7 +244,7 @@ TEST(ConsoleButton, IsPressedOnceAndNotWhileItIsDisabled) {
     button.setActive(true);
     const QImage lit = button.grab().toImage();
     giveFocus(button);
-    EXPECT_NE(button.grab().toImage(), lit) << "the focus is not to be seen";
+    EXPECT_NE(button.grab().toImage(), lit) << "the focus is invisible";
     button.setEnabled(false);
     button.click();
     press(button, Qt::Key_Return);
@@ -271,7 +271,7 @@ TEST(QtMainThread, RunsTasksOfAnyThreadInOrderAndTimersUntilTheyEnd) {
     EXPECT_EQ(ticks, 3);
 }
 
-TEST(QtMainThread, GoesOnWhereATaskOrATimerFindsNoMemory) {
+TEST(QtMainThread, ContinuesIfATaskOrATimerRunsOutOfMemory) {
     QtMainThread mainThread;
     mainThread.post([] { throw std::bad_alloc(); });
     int ticks = 0;

@@ -25,7 +25,7 @@ class DeviceSettings : public MixerViewTest {
         throw std::runtime_error(name);
     }
 
-    /// As the user does it: an assignment to the box tells nobody.
+    /// Chooses as the user does; setting the box's index would not emit the signal.
     static void choose(MenuPicker& picker, int place) {
         picker.setCurrentIndex(place);
         Q_EMIT picker.activated(place);
@@ -41,7 +41,7 @@ class DeviceSettings : public MixerViewTest {
     DeviceSettingsView sheet{engine};
 };
 
-TEST_F(DeviceSettings, ListsDevicesAndMarksTheOneOfTheSelectedId) {
+TEST_F(DeviceSettings, ListsDevicesAndMarksTheSelectedOne) {
     EXPECT_EQ(sheet.size(), QSize(480, 620));
     QAbstractButton& monitor = buttonOf(sheet, "Monitor");
     EXPECT_EQ(
@@ -59,13 +59,13 @@ TEST_F(DeviceSettings, ListsDevicesAndMarksTheOneOfTheSelectedId) {
     EXPECT_EQ(markedRows(), QList<QString>{"Interface"});
 }
 
-TEST_F(DeviceSettings, TakesNoShortcutFromANameOfADevice) {
+TEST_F(DeviceSettings, MakesNoShortcutFromADeviceName) {
     audio::AudioDeviceInfo named = device(0);
     named.name = "Voice&Music";
     EXPECT_TRUE(DeviceRow(named).shortcut().isEmpty());
 }
 
-TEST_F(DeviceSettings, SaysThatThereAreNoDevices) {
+TEST_F(DeviceSettings, ReportsThatThereAreNoDevices) {
     platform::SystemAudioHardware none({});
     engine::Services services = {
         .audioHardware = none,
@@ -83,7 +83,7 @@ TEST_F(DeviceSettings, SaysThatThereAreNoDevices) {
     EXPECT_FALSE(shows(sheet, text));
 }
 
-TEST_F(DeviceSettings, SaysWhatToDoAboutDevicesThatAreNotListed) {
+TEST_F(DeviceSettings, AdvisesOnDevicesThatAreNotListed) {
     std::optional<std::string> advice = "Start a server.";
     engine::Services services = machine.services();
     services.deviceAdvice = [&advice] { return advice; };
@@ -116,7 +116,7 @@ TEST_F(DeviceSettings, EstimatesLatencyAndMemory) {
     EXPECT_EQ(state().bufferSize.get(), 32);
 }
 
-TEST_F(DeviceSettings, OffersTheBufferSizesAndLeavesThemToTheWheelAlone) {
+TEST_F(DeviceSettings, OffersTheBufferSizesAndIgnoresTheWheel) {
     MenuPicker& sizes = picker("Buffer Size");
     QStringList offered;
     for (int i = 0; i < sizes.count(); ++i)

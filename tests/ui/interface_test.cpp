@@ -32,7 +32,7 @@ using namespace orvane::test;
 using namespace orvane::ui;
 using testing::IsEmpty;
 
-/// Goes through the whole interface as an operator might, and looks at all that stands there.
+/// Walks through the whole interface as an operator would, and collects all its texts.
 class Interface : public testing::Test {
   protected:
     void open(std::int64_t channels) {
@@ -55,7 +55,7 @@ class Interface : public testing::Test {
         viewsIn<PluginSlotView>(*window).at(slot)->click();
         look();
     }
-    /// Looks at the dialog that is open and presses a button of it.
+    /// Collects the texts of the open dialog and presses one of its buttons.
     void answer(const QString& button) {
         look();
         QDialog* open = nullptr;
@@ -137,7 +137,7 @@ class Interface : public testing::Test {
     }
 };
 
-TEST_F(Interface, SaysEverythingAsItIsWritten) {
+TEST_F(Interface, ShowsThePrescribedTexts) {
     ChannelCountPickerView again({.onSelect = {}, .isReconfiguring = true, .onCancel = [] {}});
     open(0);
     for (const char* item : {"About ORVANE", "ORVANE Help"})
@@ -219,7 +219,7 @@ TEST_F(Interface, SaysEverythingAsItIsWritten) {
     for (std::string line; std::getline(file, line); ++count) {
         const QString text = QString::fromStdString(line);
         const auto found = seen.lower_bound(text);
-        // A line that ends with a space is the beginning of a text.
+        // A line that ends with a space is only the beginning of a text.
         const bool isSeen =
             found != seen.end() && (text.endsWith(' ') ? found->startsWith(text) : *found == text);
         if (!isSeen) missing.push_back(line);
@@ -266,7 +266,7 @@ TEST_F(Interface, ExplainsEveryControlWithItsOwnHelp) {
     }
 }
 
-/// What the Tab key reaches and does not say what it is, by the classes of its ancestors.
+/// The controls without a name that the Tab key reaches, by the classes of their ancestors.
 void collectNameless(
     QAccessibleInterface& element, const std::string& above, std::vector<std::string>& nameless
 ) {

@@ -16,7 +16,7 @@ namespace {
 using namespace orvane;
 using namespace orvane::ui;
 
-TEST(Meters, LightAsManySegmentsAsTheValueReaches) {
+TEST(Meters, LightTheSegmentsUpToTheValue) {
     for (const auto& [level, lit] :
          {std::pair(0.0, 0), {0.0001, 0}, {0.01, 0}, {0.011, 1}, {1.0, 18}, {1.9, 20}, {50.0, 20}})
         EXPECT_EQ(litLevelSegments(level, 20), lit) << level;
@@ -87,7 +87,7 @@ TEST(Meters, FadeTheLoadOnceItFillsAnotherSegment) {
     EXPECT_FALSE(isLit(1)) << "at once";
 }
 
-TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
+TEST(Meters, ShowOnlyTheirStripOfTheModel) {
     audio::MeterModel model(2);
     const audio::Published<bool> isRunning(true);
     ChannelMeterColumn first(model, 0, isRunning);
@@ -106,7 +106,7 @@ TEST(Meters, ShowTheirStripOfTheModelAndNothingOutsideIt) {
     EXPECT_EQ(first.levelMeter().litSegments(), 0);
 }
 
-TEST(Meters, FadeWhileNothingRuns) {
+TEST(Meters, FadeWhileTheAudioIsStopped) {
     audio::MeterModel model(1);
     audio::Published<bool> isRunning(true);
     ChannelMeterColumn strip(model, 0, isRunning);
@@ -130,7 +130,7 @@ TEST(Meters, FadeWhileNothingRuns) {
     }
 }
 
-/// Adds up what a widget is asked to repaint.
+/// Collects the regions that a widget repaints.
 struct RepaintLog final : QObject {
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
@@ -140,7 +140,7 @@ struct RepaintLog final : QObject {
     QRegion region;
 };
 
-TEST(Meters, RepaintWhatChangesAndNothingElse) {
+TEST(Meters, RepaintOnlyChangedSegments) {
     MeterView meter(20);
     meter.resize(18, 150);
     meter.show();

@@ -44,7 +44,7 @@ struct MixerMachine {
         return drivers;
     }
 
-    /// A MIDI source that is there while it is held, heard of once posted tasks have run.
+    /// A MIDI source that exists while it is held; the engine notices it once posted tasks have run.
     std::unique_ptr<platform::MIDIOwnSource> addMIDISource(std::string_view name) {
         auto source = std::move(midiDriver->createSource(name)).value();
         mainThread.runPosted();
@@ -70,7 +70,7 @@ struct MixerMachine {
         audioUnitHost.add("Warmth", {.inputChannels = {1}, .outputChannels = {1}});
 };
 
-/// An engine of three strips on such a machine, with its devices listed and none selected.
+/// An engine with three strips on such a machine, with its devices listed and none selected.
 class MixerViewTest : public testing::Test {
   protected:
     MixerViewTest() { engine.refreshDevices(); }

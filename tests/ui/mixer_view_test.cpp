@@ -59,7 +59,7 @@ class Mixer : public testing::Test {
     [[nodiscard]] const engine::EngineState& state() const { return engine->state(); }
     void selectDevice() { engine->selectDevice(state().availableDevices.get().at(0)); }
     QAbstractButton& button(const char* name) { return buttonOf(*view, name); }
-    /// The numbers of the strips in sight, counted from 1.
+    /// The numbers of the visible strips, counted from 1.
     std::vector<int> inSight() {
         std::vector<int> numbers;
         for (const ChannelStripView* strip : viewsIn<ChannelStripView>(*view))
@@ -96,14 +96,14 @@ class Mixer : public testing::Test {
         static_cast<QDialog*>(files)->done(QDialog::Accepted);
         Q_EMIT files->fileSelected(QString::fromStdString(path));
     }
-    /// Once nothing is being read or written any more.
+    /// Waits until no file is being read or written.
     void waitForFiles() {
         EXPECT_TRUE(QTest::qWaitFor([this] { return viewsIn<BusyNotice>(*view).empty(); }));
         deleteWhatIsDone();
         view->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
     }
-    /// The message above the strips that begins so, nothing if there is none.
+    /// The message above the strips that starts with this text; empty if there is none.
     QString message(const char* beginning) {
         for (const QLabel* label : view->findChildren<QLabel*>())
             if (label->isVisible() && label->text().startsWith(beginning)) return label->text();
@@ -210,7 +210,7 @@ TEST_F(Mixer, ScrollsTheStripsWithoutMovingTheirFaders) {
     QApplication::processEvents();
     VerticalFader& trim = *viewsIn<VerticalFader>(*view).at(0);
     const QScrollBar& place = *viewsIn<StripRows>(*view).at(0)->horizontalScrollBar();
-    /// Whether a notch of the wheel over the fader has moved it, and not the strips.
+    /// Whether a notch of the wheel over the fader moved the fader instead of the strips.
     const auto turn = [&](std::uint64_t milliseconds) {
         const double before = trim.value();
         const int placeBefore = place.value();
@@ -241,7 +241,7 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     rename("After");
     choosePath(saved);
     waitForFiles();
-    EXPECT_TRUE(file.isUnsaved()) << "what was changed while the dialog was open is not in the file";
+    EXPECT_TRUE(file.isUnsaved()) << "changes made while the dialog was open are not in the file";
     QTest::keyClick(view.get(), Qt::Key_O, Qt::ControlModifier);
     choosePath(folder / "none.orvane");
     waitForFiles();
@@ -260,7 +260,7 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     drop({QUrl::fromLocalFile("/notes.txt")}, false);
     drop({url}, true);
     buttonOf(*dialog<QMessageBox>(), "Load").click();
-    EXPECT_EQ(name(), "Before") << "not what there was when Save was pressed";
+    EXPECT_EQ(name(), "Before") << "the file has the state at the press of Save";
     EXPECT_FALSE(file.isUnsaved());
     EXPECT_TRUE(message(unreadable).isEmpty());
 
@@ -277,7 +277,7 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     EXPECT_FALSE(message("Export failed: ").isEmpty());
 }
 
-TEST_F(Mixer, BeginsDialogsAtTheSessionsFile) {
+TEST_F(Mixer, StartsDialogsAtTheSessionsFile) {
     const TemporaryFolder folder;
     button("Save").click();
     choosePath(folder / "show.orvane");
@@ -328,7 +328,7 @@ TEST_F(Mixer, NamesThePluginsOfASessionThatAreNotInstalled) {
         << alerts[0]->informativeText().toStdString();
 }
 
-TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {
+TEST_F(Mixer, AddsTheSuffixAndAsksBeforeItReplacesAFile) {
     const TemporaryFolder folder;
     const std::filesystem::path saved = folder / "Gala 24.12.orvane";
     for (const bool replaces : {false, true}) {
@@ -361,12 +361,12 @@ TEST_F(Mixer, SavesUnderNamesOfSessionsAndAsksBeforeItReplacesOne) {
     }
 }
 
-TEST_F(Mixer, TellsWhereThereIsNoMemoryForASessionAndGoesOn) {
+TEST_F(Mixer, ReportsThatMemoryRanOutForASessionAndContinues) {
     const TemporaryFolder folder;
     SessionFile& file = view->sessionFile();
     auto document = engine->makeDocumentData();
     document.channels[0].pluginSlots[0].component = session::AUComponentIdentity{1, 2, 3};
-    // Takes more memory at once than anything of Qt's.
+    // Needs a larger allocation than Qt ever makes.
     constexpr std::size_t large = 1U << 17U;
     document.snapshots.emplace_back().name.assign(large, 's');
     engine->applyDocument(document);
@@ -422,7 +422,7 @@ TEST_F(Mixer, LoadsASessionWithPluginsOnceTheInstalledOnesAreKnown) {
     view->sessionFile().setSaved();
     engine->setMuted(strip, true);
     machine.mainThread.runPosted();
-    EXPECT_TRUE(view->sessionFile().isUnsaved()) << "what the user changed meanwhile";
+    EXPECT_TRUE(view->sessionFile().isUnsaved()) << "the user has made changes meanwhile";
     engine->setMuted(strip, false);
     EXPECT_FALSE(view->sessionFile().isUnsaved());
 }
@@ -484,10 +484,10 @@ TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
     EXPECT_TRUE(shows(*view, "Monitor"));
     Q_EMIT masterOut().activated(0);
     EXPECT_EQ(routing(), session::MasterOutputRouting{});
-    EXPECT_EQ(masterOut().count(), 3) << "two outputs, once it is not stereo";
+    EXPECT_EQ(masterOut().count(), 3) << "two outputs and None";
 }
 
-TEST_F(Mixer, ShowsAllThatItHasAtTheSmallestSizeOfTheWindow) {
+TEST_F(Mixer, ShowsEverythingAtTheSmallestWindowSize) {
     build(8);
     view->resize(900, 520);
     QApplication::processEvents();

@@ -12,7 +12,7 @@ namespace {
 using namespace orvane;
 using platform::NativeEditorParent;
 
-/// What an editor does and what became of it.
+/// The behaviour of a scripted editor, and what happened to it.
 struct Script {
     bool hasFixedSize = false;
     bool wantsToClose = false;
@@ -62,7 +62,7 @@ class NativeEditorView : public testing::Test {
         std::make_shared<test::ScriptedAudioUnit>(test::AudioUnitScript{}, report);
 };
 
-TEST_F(NativeEditorView, IsThereWhereThePluginsEditorOpensAndIsAsLargeAsThat) {
+TEST_F(NativeEditorView, ExistsIfThePluginsEditorOpensAndHasItsSize) {
     for (const bool isFixed : {false, true}) {
         script.hasFixedSize = isFixed;
         const auto view = open();
@@ -80,7 +80,7 @@ TEST_F(NativeEditorView, IsThereWhereThePluginsEditorOpensAndIsAsLargeAsThat) {
     EXPECT_FALSE(open());
 }
 
-TEST_F(NativeEditorView, EndsTheEditorOnceItIsClosedByEither) {
+TEST_F(NativeEditorView, EndsTheEditorIfEitherSideClosesIt) {
     auto view = open();
     view->show();
     EXPECT_TRUE(comesTrue([&] { return script.idleCalls > 2; }));

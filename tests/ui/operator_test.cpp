@@ -1,4 +1,4 @@
-// A show, from the first start on, by an operator's hand on a real X server.
+// A show from the first start on, operated by pointer and keys on a real X server.
 
 #include "machine/audio_machine.h"
 #include "platform/files/preferences.h"
@@ -80,7 +80,7 @@ class Operator : public testing::Test {
     void press(const QString& button) { hand.click(buttonOf(*window, button)); }
     void press(const QWidget& within, const QString& button) { hand.click(buttonOf(within, button)); }
 
-    /// The sheet that a press has opened.
+    /// The sheet that a button has opened.
     template <class Sheet>
     Sheet& opened() {
         Sheet* sheet = nullptr;
@@ -129,7 +129,7 @@ class Operator : public testing::Test {
 
     void chooseFile(const std::filesystem::path& file) {
         auto& name = *opened<QFileDialog>().findChild<QLineEdit*>();
-        // Its list of what might be meant would take the Return key, sooner or later.
+        // The list of completions would intercept the Return key at some point.
         name.setCompleter(nullptr);
         hand.press(QStringLiteral("ctrl+a"));
         hand.type(QString::fromStdString(file));
@@ -149,7 +149,7 @@ class Operator : public testing::Test {
     std::unique_ptr<ORVANEApp> window;
 };
 
-TEST_F(Operator, MixesAShowAndHasItBackFromItsFile) {
+TEST_F(Operator, MixesAShowAndRestoresItFromItsFile) {
     chooseSize(QStringLiteral("8 channels"), 8);
     chooseDemoAndStart();
 
@@ -184,7 +184,7 @@ TEST_F(Operator, MixesAShowAndHasItBackFromItsFile) {
     const auto* const plugins = opened<PluginPickerView>().findChild<QListWidget*>();
     const QString equalizer = QStringLiteral("Parametric Equalizer Mono");
     hand.type(equalizer);
-    // The plugins may still be looked for.
+    // The search for plugins may still be running.
     EXPECT_TRUE(waitUntil([&] {
         const QListWidgetItem* const found = plugins->currentItem();
         return found != nullptr && found->text().contains(equalizer);

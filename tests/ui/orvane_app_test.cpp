@@ -52,7 +52,7 @@ class Shell : public testing::Test {
     platform::InMemoryPreferences preferences;
 };
 
-TEST_F(Shell, AsksForASizeOnceAndAgainWhenTheUserWantsAnother) {
+TEST_F(Shell, AsksForASizeOnceAndAgainOnRequest) {
     for (const char* unusable : {"0", "-4", "many", "1", "7", "49", "1000000000000"}) {
         ASSERT_TRUE(preferences.setValue("orvaneChannelCount", unusable));
         EXPECT_TRUE(isChoosing(*launch())) << unusable;
@@ -116,7 +116,7 @@ TEST_F(Shell, HasTheMenus) {
     );
 }
 
-TEST_F(Shell, BeginsWithWhatTheCommandLineSays) {
+TEST_F(Shell, AppliesTheCommandLine) {
     ASSERT_TRUE(preferences.setValue("orvaneChannelCount", "16"));
     session::MixerDocumentData document;
     document.channels.resize(3);
@@ -166,7 +166,7 @@ TEST_F(Shell, AsksBeforeItClosesOverRunningAudioOrAnUnsavedSession) {
         }
 }
 
-TEST_F(Shell, SavesInPlaceToTheFileThatTheSessionCameFromOrWentTo) {
+TEST_F(Shell, SavesInPlaceToTheSessionsFile) {
     const TemporaryFolder folder;
     const auto window = launch({.session = session::MixerDocumentData{}, .channels = 2});
     SessionFile& file = window->mixerRootView()->view().sessionFile();
@@ -229,7 +229,8 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     file.loadFrom(path);
     saveTo(folder / "copy.orvane");
     choir.channels.resize(2);
-    EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir) << "what the mixer has, elsewhere";
+    EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir)
+        << "a new file has only the mixer's channels";
 }
 
 TEST_F(Shell, AsksBeforeItReplacesAFileThatIsProtectedOrWasChangedElsewhere) {
@@ -268,7 +269,7 @@ TEST_F(Shell, AsksBeforeItReplacesAFileThatIsProtectedOrWasChangedElsewhere) {
     std::optional<bool> saved;
     window->saveTo(path, [&](const auto& written) { saved = static_cast<bool>(written); });
     EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); }));
-    EXPECT_EQ(saved, true) << "its own writing is no change";
+    EXPECT_EQ(saved, true) << "its own save is not a foreign change";
 }
 
 TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
@@ -276,7 +277,7 @@ TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
     session::MixerDocumentData document;
     document.channels = session::settingsOf(session::makeDefaultStrips(8));
     document.channels[0].pluginSlots[0].component = plugins::identityOf(machine.effect);
-    // What is installed is known in a later turn, and so it waits at first.
+    // The installed plugins are known only later, so the session waits at first.
     const auto window = launch({.session = document});
     for (const bool isWritable : {false, true}) {
         std::optional<bool> saved;
@@ -286,10 +287,10 @@ TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
         );
         buttonOf(*window, "8 Channels").click();
         buttonOf(*window->findChild<QMessageBox*>(), "Change Channel Count").click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); })) << "nobody is told";
+        EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); })) << "the caller is not notified";
         EXPECT_EQ(saved, isWritable);
         QApplication::processEvents();
-        EXPECT_EQ(isChoosing(*window), isWritable) << "what could not be saved would be lost";
+        EXPECT_EQ(isChoosing(*window), isWritable) << "unsaved changes would be lost";
         deleteWhatIsDone();
     }
 }
@@ -306,7 +307,7 @@ TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
     Q_EMIT files->urlSelected(QUrl::fromLocalFile(QString::fromStdString(folder / "missing" / "show.orvane"))
     );
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
-    EXPECT_TRUE(window->isVisible()) << "what could not be saved would be lost";
+    EXPECT_TRUE(window->isVisible()) << "unsaved changes would be lost";
     Q_EMIT files->fileSelected(QString::fromStdString(folder / "show.orvane"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
     EXPECT_TRUE(std::filesystem::exists(folder / "show.orvane"));

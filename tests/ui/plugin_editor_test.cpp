@@ -51,7 +51,7 @@ class PluginEditor : public testing::Test {
             if (each->accessibleName() == QString::fromStdString(of.info().displayName)) return *each;
         throw std::runtime_error(of.info().displayName);
     }
-    /// The first parameter that fits.
+    /// The first parameter that matches.
     template <class Predicate>
     platform::AUParameter& find(Predicate fits) {
         for (platform::AUParameter* each : unit->parameters())
@@ -75,7 +75,7 @@ class PluginEditor : public testing::Test {
 
 using Info = platform::AUParameterInfo;
 
-/// A parameter that nothing plays.
+/// A parameter without a plugin.
 struct LoneParameter final : platform::AUParameter {
     [[nodiscard]] const Info& info() const override { return description; }
     [[nodiscard]] float value() const noexcept override { return current; }
@@ -96,7 +96,7 @@ TEST(ParameterRow, NamesAChoiceWithoutANameByItsValue) {
     EXPECT_EQ(menu.itemText(2), "3");
 }
 
-TEST_F(PluginEditor, SetsParametersAndShowsWhatChangesElsewhere) {
+TEST_F(PluginEditor, SetsParametersAndShowsChangesMadeElsewhere) {
     EXPECT_EQ(view->windowTitle(), "Equalizer");
     auto& frequency = find([](const Info& info) { return info.isLogarithmic && info.unitName == "Hz"; });
     auto& slider = *viewsIn<ValueSlider>(row(frequency)).at(0);
@@ -146,7 +146,7 @@ TEST_F(PluginEditor, OffersNamedValuesInAMenu) {
     FAIL() << "no parameter offers named values";
 }
 
-TEST_F(PluginEditor, ScrollsWithoutMovingTheSliderThatComesUnderThePointer) {
+TEST_F(PluginEditor, ScrollsWithoutMovingSlidersUnderThePointer) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(view));
     ValueSlider& slider = *viewsIn<ValueSlider>(*view).at(0);
     const QScrollBar& place = *view->findChild<QScrollArea*>()->verticalScrollBar();
@@ -182,7 +182,7 @@ Info makeInfo(float lowest, float highest, bool isLogarithmic = false, const cha
     return info;
 }
 
-TEST(ParameterScale, GoesThereAndBack) {
+TEST(ParameterScale, ConvertsBothWays) {
     const Info linear = makeInfo(-20.0F, 20.0F);
     const Info logarithmic = makeInfo(20.0F, 20000.0F, true, "Hz");
     const Info falling = makeInfo(-8.0F, -0.5F, true);

@@ -1,5 +1,5 @@
-// Takes pictures of the window in each of its states, for people to judge: fills the screen, plays the demo,
-// and writes what the screen shows. Usage: orvane_screenshots FOLDER
+// Takes pictures of the window in each of its states for visual inspection: fills the screen, plays the demo
+// and saves the screen. Usage: orvane_screenshots FOLDER
 
 #include "machine/audio_machine.h"
 #include "platform/files/preferences.h"
@@ -95,7 +95,7 @@ class Photographer final {
                 return engine().loadPlugin(component, slot, strip(stripIndex));
         throw std::runtime_error(std::string("There is no plugin ") + name);
     }
-    /// One that is not installed.
+    /// A plugin that is not installed.
     void loadMissing(std::size_t slot, std::size_t stripIndex) {
         platform::AVAudioUnitComponent missing;
         missing.name = "Plate Reverb";
@@ -190,7 +190,7 @@ class Photographer final {
     }
 
     void take(const QString& name) {
-        // What has just opened is painted, and the window manager has put it in its place.
+        // The new window has been painted, and the window manager has placed it.
         QTest::qWait(settlingTimeInMs);
         const QString path = folder + '/' + name + ".png";
         if (!QGuiApplication::primaryScreen()->grabWindow().save(path))

@@ -23,7 +23,7 @@ bool isWithin(const QWidget& inner, const QWidget& outer) {
     return outer.rect().contains(QRect(inner.mapTo(&outer, QPoint()), inner.size()));
 }
 
-/// Whether a button of a sheet can be seen, once it is scrolled to.
+/// Whether a button of a sheet is visible after scrolling to it.
 bool isInReach(QAbstractButton& button, const QDialog& sheet) {
     for (QScrollArea* area : sheet.findChildren<QScrollArea*>())
         if (area->isAncestorOf(&button)) area->ensureWidgetVisible(&button);
@@ -64,7 +64,7 @@ TEST(SmallScreens, HoldTheFirstWindowAndEverySheet) {
     }
 }
 
-TEST(SmallScreens, HoldAWindowThatIsRememberedBeyondThem) {
+TEST(SmallScreens, HoldAWindowRememberedFromALargerOne) {
     MixerMachine machine;
     // The last screen is too low for the smallest content with a title above it.
     for (QScreen* screen : QApplication::screens().mid(1, 3)) {
@@ -88,7 +88,7 @@ TEST(SmallScreens, HoldAWindowThatIsRememberedBeyondThem) {
     }
 }
 
-TEST(SmallScreens, LetASheetScrollThatIsTooLowForItsContent) {
+TEST(SmallScreens, LetTooLowSheetsScroll) {
     MixerMachine machine;
     engine::MixerEngine engine(2, machine.services());
     SnapshotsView sheet(engine);

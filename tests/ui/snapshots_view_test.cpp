@@ -57,7 +57,7 @@ TEST_F(Snapshots, BeginEmptyAndAreStored) {
     EXPECT_FALSE(buttonOf(sheet, "Recall").isEnabled());
     EXPECT_FALSE(buttonOf(sheet, "MIDI").isEnabled());
     ASSERT_NE(sheet.focusWidget(), nullptr);
-    EXPECT_EQ(sheet.focusWidget()->accessibleName(), "Done") << "Space would change something";
+    EXPECT_EQ(sheet.focusWidget()->accessibleName(), "Done") << "Space must not change anything";
     for (const char* inapplicable : {"Undo", "Copy", "Delete"})
         press(inapplicable);
     press("Store");
@@ -122,7 +122,7 @@ TEST_F(Snapshots, AreRenamedInTheListAsTyped) {
     EXPECT_TRUE(sheet.isVisible());
 }
 
-TEST_F(Snapshots, LearnANoteUntilItComesOrIsCalledOff) {
+TEST_F(Snapshots, LearnANoteUntilItArrivesOrIsCancelled) {
     auto source = machine.addMIDISource("Pads");
     press("New");
     auto& midi = static_cast<ConsoleButton&>(buttonOf(sheet, "MIDI"));
@@ -155,7 +155,7 @@ TEST_F(Snapshots, KeepInsertsSafeFromRecalls) {
     EXPECT_THROW(buttonOf(sheet, "Insert 4 Recall-Safe"), std::runtime_error);
 }
 
-TEST_F(Snapshots, SaveAnInsertOfEveryChannelUnderTheNameThatIsTyped) {
+TEST_F(Snapshots, SaveAnInsertOfEveryChannelUnderTheTypedName) {
     const platform::Uuid strip = state().channelStrips.get()[0].id;
     engine.selectDevice(device(0));
     engine.loadPlugin(machine.effect, 1, strip);

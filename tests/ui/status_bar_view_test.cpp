@@ -53,7 +53,7 @@ TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
     EXPECT_EQ(load->litSegments(), load->segmentCount());
 }
 
-TEST_F(StatusBar, LightsItsLampsWhileAudioRunsAndMIDIIsThere) {
+TEST_F(StatusBar, LightsItsLampsForAudioAndMIDI) {
     EXPECT_FALSE(isLit("Audio"));
     EXPECT_FALSE(isLit("Remote"));
     engine.selectDevice(device(0));
@@ -68,7 +68,7 @@ TEST_F(StatusBar, LightsItsLampsWhileAudioRunsAndMIDIIsThere) {
     EXPECT_FALSE(isLit("Remote"));
 }
 
-TEST_F(StatusBar, TellsOfTheLoad) {
+TEST_F(StatusBar, ShowsTheLoad) {
     const LoadMeterView& load = *viewsIn<LoadMeterView>(view).at(0);
     const auto help = [&] { return load.toolTip().toStdString(); };
     EXPECT_THAT(help(), Not(HasSubstr("xruns")));
@@ -84,7 +84,7 @@ TEST_F(StatusBar, TellsOfTheLoad) {
     }
 }
 
-TEST_F(StatusBar, SaysWhatTheEngineReports) {
+TEST_F(StatusBar, ShowsTheEnginesMessage) {
     engine.start();
     EXPECT_TRUE(shows(view, "No audio device selected."));
     engine.selectDevice(device(0));
@@ -92,7 +92,7 @@ TEST_F(StatusBar, SaysWhatTheEngineReports) {
     EXPECT_FALSE(shows(view, "No audio device selected."));
 }
 
-TEST_F(StatusBar, NamesTheSceneThatWaitsForAMIDINoteAndCallsItOff) {
+TEST_F(StatusBar, NamesTheSceneThatWaitsForANoteAndCancelsIt) {
     const QString waiting = "Waiting for a MIDI note for\n";
     engine.newSnapshot();
     engine.newSnapshot();
@@ -108,7 +108,7 @@ TEST_F(StatusBar, NamesTheSceneThatWaitsForAMIDINoteAndCallsItOff) {
     EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
 }
 
-TEST_F(StatusBar, ArmsTheClipboardAndTellsWhatPasteWouldDo) {
+TEST_F(StatusBar, ArmsTheClipboardAndExplainsPaste) {
     QAbstractButton& paste = buttonOf(view, "Paste");
     EXPECT_EQ(paste.toolTip(), QStringLiteral("Copy a plugin first — nothing on the clipboard yet."));
     paste.click();

@@ -13,7 +13,7 @@
 
 namespace orvane::test {
 
-/// All views of one class within another, also of a class that Qt knows nothing of.
+/// All views of one class within another; the class need not be known to Qt's meta-object system.
 template <class View>
 std::vector<View*> viewsIn(const QWidget& view) {
     std::vector<View*> found;
@@ -22,19 +22,19 @@ std::vector<View*> viewsIn(const QWidget& view) {
     return found;
 }
 
-/// Deletes what was left to be deleted later.
+/// Processes pending deferred deletions.
 inline void deleteWhatIsDone() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-/// Clicks twice in quick succession, as a mouse tells of it.
+/// Sends the events of a double click of a mouse.
 inline void doubleClick(QWidget& widget, QPoint place) {
     QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
     QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
 }
 
-/// Turns the wheel by one notch towards the user, at a time in milliseconds, as hardware does: what the
-/// widget leaves goes on to what it stands in.
+/// Turns the wheel by one notch towards the user at a time in milliseconds. As with hardware, events that the
+/// widget ignores go to its parent.
 inline void turnWheelAt(QWidget& widget, std::uint64_t milliseconds) {
     QWheelEvent event({5, 5}, {5, 5}, {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
     event.setTimestamp(milliseconds);
@@ -42,14 +42,14 @@ inline void turnWheelAt(QWidget& widget, std::uint64_t milliseconds) {
     qApp->notify(&widget, &event);
 }
 
-/// The button of that accessible name or text, visible or not; it must be there.
+/// The button with this accessible name or text, visible or not; it must exist.
 inline QAbstractButton& buttonOf(const QWidget& view, const QString& name) {
     for (QAbstractButton* button : view.findChildren<QAbstractButton*>())
         if (button->accessibleName() == name || button->text() == name) return *button;
     throw std::runtime_error("There is no button " + name.toStdString());
 }
 
-/// Whether a label with that text can be seen.
+/// Whether a label with this text is visible.
 inline bool shows(const QWidget& view, const QString& text) {
     for (const QLabel* label : view.findChildren<QLabel*>())
         if (label->isVisibleTo(&view) && label->text() == text) return true;

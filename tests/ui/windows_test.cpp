@@ -52,7 +52,7 @@ TEST(HelpWindow, IsOneWindowThatBeginsWithTheFirstTopic) {
     EXPECT_EQ(presenter.window(), view);
 }
 
-TEST(AboutWindow, ShowsTheVersionThatIsKnown) {
+TEST(AboutWindow, ShowsTheVersion) {
     const QString before = QCoreApplication::applicationVersion();
     for (const auto& [version, text] : {std::pair("", "v1.0"), {"2.3", "v2.3"}}) {
         QCoreApplication::setApplicationVersion(version);
