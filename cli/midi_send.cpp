@@ -11,7 +11,6 @@
 #include <chrono>
 #include <memory>
 #include <optional>
-#include <string>
 #include <thread>
 #include <vector>
 

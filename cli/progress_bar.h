@@ -2,7 +2,6 @@
 
 #include "platform/base/host_clock.h"
 
-#include <cstdint>
 #include <cstdio>
 
 namespace orvane::cli {

@@ -8,9 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace orvane::cli {
 

@@ -27,6 +27,7 @@ ConsoleButton::ConsoleButton(const QString& title, std::function<void()> onPress
     setFont(systemFont(fontSize, QFont::Medium));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
     if (onPress) connect(this, &QAbstractButton::clicked, this, std::move(onPress));
 }
 
@@ -57,14 +58,6 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     painter.setPen(isEnabled() ? theme::primaryText : theme::disabledText);
     painter.drawText(rect(), Qt::AlignCenter, text());
-}
-
-void ConsoleButton::enterEvent(QEnterEvent*) {
-    update();
-}
-
-void ConsoleButton::leaveEvent(QEvent*) {
-    update();
 }
 
 void ConsoleButton::keyPressEvent(QKeyEvent* event) {

@@ -6,7 +6,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <utility>
 
@@ -99,14 +98,6 @@ void SegmentedPicker::keyPressEvent(QKeyEvent* event) {
     if ((!isBack && event->key() != Qt::Key_Right) || next < 0 || next > last)
         return QWidget::keyPressEvent(event);
     choose(next);
-}
-
-void SegmentedPicker::focusInEvent(QFocusEvent*) {
-    update();
-}
-
-void SegmentedPicker::focusOutEvent(QFocusEvent*) {
-    update();
 }
 
 void SegmentedPicker::choose(int choice) {

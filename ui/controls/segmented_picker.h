@@ -33,8 +33,6 @@ class SegmentedPicker final : public QWidget {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
 
   private:
     void choose(int choice);

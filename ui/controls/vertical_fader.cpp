@@ -124,14 +124,6 @@ void VerticalFader::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void VerticalFader::focusInEvent(QFocusEvent*) {
-    update();
-}
-
-void VerticalFader::focusOutEvent(QFocusEvent*) {
-    update();
-}
-
 void VerticalFader::touch(double y) {
     const double length = trackHeight();
     if (length <= 0.0) return;

@@ -82,8 +82,6 @@ double LoadMeterView::brightnessOf(int segment) const {
     return before + (after - before) * fade.currentValue().toDouble();
 }
 
-MeterScaleView::MeterScaleView(QWidget* parent) : QWidget(parent) {}
-
 void MeterScaleView::setFrame(const QRect& scaleFrame) {
     const QMargins overhang = scaleFrame.width() < scaleFrame.height() ? uprightOverhang : lyingOverhang;
     frame = QRect(QPoint(overhang.left(), overhang.top()), scaleFrame.size());

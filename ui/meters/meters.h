@@ -66,7 +66,7 @@ class LoadMeterView final : public SegmentMeter {
 /// ends.
 class MeterScaleView final : public QWidget {
   public:
-    explicit MeterScaleView(QWidget* parent = nullptr);
+    using QWidget::QWidget;
 
     /// Places the scale at `scaleFrame`, in the parent's coordinates, with the labels around it.
     void setFrame(const QRect& scaleFrame);

@@ -4,7 +4,6 @@
 #include <QRectF>
 #include <QSizeF>
 
-#include <optional>
 #include <vector>
 
 namespace orvane::ui {

@@ -1,7 +1,6 @@
 #include "ui/mixer/missing_plugins.h"
 
 #include <cstddef>
-#include <string>
 
 namespace orvane::ui {
 

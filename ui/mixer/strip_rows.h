@@ -7,7 +7,6 @@
 
 #include <QScrollArea>
 
-#include <cstddef>
 #include <vector>
 
 namespace orvane::ui {

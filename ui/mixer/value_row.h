@@ -4,7 +4,6 @@
 #include "ui/controls/value_slider.h"
 
 #include <functional>
-#include <utility>
 
 namespace orvane::ui {
 
