@@ -79,9 +79,9 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     <unordered_map> <utility> <variant> <vector>)
 endif()
 
-# orvane_library(NAME FOLDER SOURCES ... [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
-# LINK: libraries that the folder's headers use; LINK_PRIVATE: libraries that only its sources use; PRECOMPILE: headers to
-# precompile instead of the shared ones.
+# orvane_library(NAME FOLDER [SOURCES ...] [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
+# SOURCES: without any, the library consists of headers; LINK: libraries that the folder's headers use; LINK_PRIVATE:
+# libraries that only its sources use; PRECOMPILE: headers to precompile instead of the shared ones.
 function(orvane_library name folder)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE;PRECOMPILE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
