@@ -13,7 +13,6 @@
 #include "ui/application.h"
 #include "ui/qt_main_thread.h"
 #include "ui/theme/symbols.h"
-#include "ui/theme/theme.h"
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
 
@@ -63,7 +62,6 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(ORVANE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("app.orvane.mixer"));
     QApplication::setWindowIcon(ui::applicationIcon());
-    ui::applyTheme(*application);
     return application;
 }
 

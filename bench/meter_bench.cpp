@@ -3,9 +3,9 @@
 
 #include "machine/audio_machine.h"
 #include "platform/files/user_folders.h"
+#include "ui/application.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/qt_main_thread.h"
-#include "ui/theme/theme.h"
 #include "ui/windows/mixer_root_view.h"
 
 #include <fmt/format.h>
@@ -99,8 +99,7 @@ double measure(ui::MixerRootView& root, const QSize& size, const std::string& la
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     setenv("ORVANE_DRIVERS", "virtual", 1);
-    QApplication application(argc, argv);
-    ui::applyTheme(application);
+    ui::Application application(argc, argv);
     const auto machine = machine::AudioMachine::make({});
     ui::QtMainThread mainThread;
     ui::MixerRootView root(

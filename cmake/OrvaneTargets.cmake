@@ -81,7 +81,8 @@ endif()
 
 # orvane_library(NAME FOLDER [SOURCES ...] [LINK ...] [LINK_PRIVATE ...] [PRECOMPILE ...])
 # SOURCES: without any, the library consists of headers; LINK: libraries that the folder's headers use; LINK_PRIVATE:
-# libraries that only its sources use; PRECOMPILE: headers to precompile instead of the shared ones.
+# libraries that only its sources use; PRECOMPILE: what to precompile instead of the shared headers, as
+# target_precompile_headers takes it.
 function(orvane_library name folder)
   cmake_parse_arguments(arg "" "" "SOURCES;LINK;LINK_PRIVATE;PRECOMPILE" ${ARGN})
   set(include_root "${CMAKE_BINARY_DIR}/include/${name}")
@@ -96,7 +97,7 @@ function(orvane_library name folder)
   target_include_directories(${name} PUBLIC "${include_root}")
   target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE orvane_flags ${arg_LINK_PRIVATE})
   if(arg_PRECOMPILE)
-    target_precompile_headers(${name} PRIVATE ${arg_PRECOMPILE})
+    target_precompile_headers(${name} ${arg_PRECOMPILE})
   elseif(TARGET orvane_headers)
     target_precompile_headers(${name} REUSE_FROM orvane_headers)
   endif()

@@ -8,7 +8,8 @@ namespace orvane::ui {
 /// the shortage is reported. Owned by `main`. Main thread.
 class Application final : public QApplication {
   public:
-    using QApplication::QApplication;
+    /// Applies the theme and makes the controls accessible.
+    Application(int& argumentCount, char** arguments);
 
     bool notify(QObject* receiver, QEvent* event) override;
 };

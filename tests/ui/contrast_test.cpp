@@ -1,9 +1,9 @@
 #include "ui/controls/menu_picker.h"
+#include "ui/editors/parameter_row.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/theme/theme.h"
 #include "ui/windows/help_view.h"
 #include "ui/windows/orvane_app.h"
-#include "ui/windows/parameter_row.h"
 
 #include "mixer_machine.h"
 

@@ -1,5 +1,4 @@
 #include "ui/application.h"
-#include "ui/theme/theme.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +7,5 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" ORVANE_SCREENS);
     testing::InitGoogleTest(&argc, argv);
     orvane::ui::Application application(argc, argv);
-    orvane::ui::applyTheme(application);
     return RUN_ALL_TESTS();
 }

@@ -1,4 +1,4 @@
-#include "ui/windows/native_editor_view.h"
+#include "ui/editors/native_editor_view.h"
 
 #include "support/scripted_audio_unit.h"
 #include "support/wait_for.h"

@@ -5,8 +5,10 @@
 #include "support/jack_midi_peer.h"
 #include "support/jack_test_server.h"
 #include "support/temporary_folder.h"
+#include "ui/application.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
+#include "ui/editors/native_editor_view.h"
 #include "ui/meters/meters.h"
 #include "ui/qt_main_thread.h"
 #include "ui/sheets/device_row.h"
@@ -14,8 +16,6 @@
 #include "ui/strip/channel_strip_view.h"
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/strip/plugin_slot_view.h"
-#include "ui/theme/theme.h"
-#include "ui/windows/native_editor_view.h"
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
 
@@ -252,7 +252,6 @@ TEST_F(Operator, MixesAShowAndRestoresItFromItsFile) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    QApplication application(argc, argv);
-    ui::applyTheme(application);
+    ui::Application application(argc, argv);
     return RUN_ALL_TESTS();
 }

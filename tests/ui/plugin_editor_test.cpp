@@ -6,9 +6,9 @@
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
-#include "ui/windows/parameter_row.h"
-#include "ui/windows/parameter_scale.h"
-#include "ui/windows/plugin_editor_view.h"
+#include "ui/editors/parameter_row.h"
+#include "ui/editors/parameter_scale.h"
+#include "ui/editors/plugin_editor_view.h"
 
 #include "mixer_machine.h"
 

@@ -3,10 +3,10 @@
 
 #include "machine/audio_machine.h"
 #include "platform/files/preferences.h"
+#include "ui/application.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/qt_main_thread.h"
 #include "ui/strip/plugin_slot_view.h"
-#include "ui/theme/theme.h"
 #include "ui/theme/tool_tips.h"
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
@@ -210,8 +210,7 @@ class Photographer final {
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    ui::Application application(argc, argv);
     if (argc != 2 || !QDir().mkpath(argv[1])) return EXIT_FAILURE;
-    ui::applyTheme(application);
     Photographer(argv[1]).takeAll();
 }

@@ -1,6 +1,5 @@
 #include "ui/theme/theme.h"
 
-#include "ui/controls/accessible_controls.h"
 #include "ui/theme/tool_tips.h"
 
 #include <QApplication>
@@ -119,7 +118,6 @@ void applyTheme(QApplication& application) {
     QApplication::setPalette(makePalette());
     application.setFont(systemFont(13));
     application.setStyleSheet(makeStyleSheet());
-    makeControlsAccessible();
     application.installEventFilter(new ToolTips(&application));
 }
 

@@ -1,9 +1,9 @@
 #include "ui/windows/plugin_editor_windows.h"
 
-#include "ui/windows/native_editor_view.h"
-#include "ui/windows/plugin_editor_view.h"
+#include "ui/editors/native_editor_view.h"
+#include "ui/editors/plugin_editor_view.h"
+#include "ui/editors/x11_windows.h"
 #include "ui/windows/window_presenter.h"
-#include "ui/windows/x11_windows.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "ui/windows/parameter_scale.h"
+#include "ui/editors/parameter_scale.h"
 
 #include <algorithm>
 #include <cmath>

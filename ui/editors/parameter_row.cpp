@@ -1,10 +1,10 @@
-#include "ui/windows/parameter_row.h"
+#include "ui/editors/parameter_row.h"
 
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
-#include "ui/windows/parameter_scale.h"
+#include "ui/editors/parameter_scale.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -1,9 +1,9 @@
-#include "ui/windows/plugin_editor_view.h"
+#include "ui/editors/plugin_editor_view.h"
 
 #include "ui/controls/screen_room.h"
 #include "ui/controls/scroll_guard.h"
 #include "ui/controls/text_label.h"
-#include "ui/windows/parameter_row.h"
+#include "ui/editors/parameter_row.h"
 
 #include <QScrollArea>
 #include <QScrollBar>

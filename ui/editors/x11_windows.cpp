@@ -1,4 +1,4 @@
-#include "ui/windows/x11_windows.h"
+#include "ui/editors/x11_windows.h"
 
 #include <QGuiApplication>
 

@@ -1,6 +1,6 @@
-#include "ui/windows/native_editor_view.h"
+#include "ui/editors/native_editor_view.h"
 
-#include "ui/windows/x11_windows.h"
+#include "ui/editors/x11_windows.h"
 
 #include <QHideEvent>
 
