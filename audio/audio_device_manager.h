@@ -5,7 +5,6 @@
 #include "platform/base/os_status.h"
 #include "platform/base/result.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,6 @@ struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Ass
     platform::OSStatus status = platform::noErr;
     /// The query that failed.
     std::string what;
-
-    static AudioDeviceManagerError propertyQueryFailed(platform::OSStatus status, std::string what);
 
     /// For the person at the screen.
     [[nodiscard]] std::string description() const;
@@ -32,24 +29,15 @@ class AudioDeviceManager final {
     template <class T>
     using Result = platform::Result<T, AudioDeviceManagerError>;
 
-    /// `audioHardware` outlives it.
+    /// `audioHardware` must outlive it.
     explicit AudioDeviceManager(platform::AudioHardware& audioHardware) : hardware(audioHardware) {}
 
     /// Every device in the hardware layer's order. A device that cannot be described in full is left out;
-    /// fails only where the list itself cannot be read.
+    /// fails only if the list itself cannot be read.
     Result<std::vector<AudioDeviceInfo>> allDevices();
 
     /// One device as it is now, asked without any other. Fails if it is gone or cannot be described in full.
     Result<AudioDeviceInfo> device(platform::AudioObjectID id);
-
-    /// Channels over all streams of a device in `scope`, input or output; 0 where it has no streams there.
-    Result<std::int64_t> channelCount(platform::AudioObjectID device, std::uint32_t scope);
-
-    /// A property of global scope whose value is text.
-    Result<std::string> stringProperty(platform::AudioObjectID object, std::uint32_t selector);
-
-    /// A property of global scope whose value is a double.
-    Result<double> doubleProperty(platform::AudioObjectID object, std::uint32_t selector);
 
   private:
     Result<AudioDeviceInfo> describe(platform::AudioObjectID device);

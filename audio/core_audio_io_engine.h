@@ -1,8 +1,9 @@
 #pragma once
 
-#include "audio/buffer_size_watch.h"
+#include "audio/buffer_size.h"
 #include "dsp/channel_blocks.h"
 #include "dsp/realtime.h"
+#include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
 #include "platform/base/os_status.h"
 #include "platform/base/result.h"
@@ -10,6 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,7 +23,7 @@ namespace orvane::audio {
 /// The hardware output unit bound to one device for one run: captures the device's input for a handler, has a
 /// provider fill its output, and watches its buffer size. Created, given its handlers, set up once, started,
 /// stopped, discarded; destroying it stops the device and gives everything back, also after a failed setup.
-/// Main thread but where said otherwise.
+/// Main thread unless stated otherwise.
 class CoreAudioIOEngine final {
   public:
     /// Why a unit could not be set up or started. A value.
@@ -44,11 +47,11 @@ class CoreAudioIOEngine final {
             bool operator==(const FailedStep&) const = default;
         };
 
-        /// None: there was no component to begin with.
+        /// Absent if no component was found.
         std::optional<FailedStep> failedStep;
     };
 
-    /// What the unit is to be; fixed for its life.
+    /// How the unit is set up; fixed for its life.
     struct Configuration {
         /// The device's nominal rate, in Hz.
         double sampleRate = 48000.0;
@@ -62,7 +65,7 @@ class CoreAudioIOEngine final {
         bool enableInput = true;
     };
 
-    /// Gets one block of `frameCount` samples per input channel. I/O thread, must be real-time safe.
+    /// Receives one block of `frameCount` samples per input channel. I/O thread, must be real-time safe.
     using InputHandler =
         std::function<void(std::span<const std::span<const float>> captured, std::size_t frameCount)>;
 
@@ -72,7 +75,7 @@ class CoreAudioIOEngine final {
 
     using Outcome = platform::Result<platform::Done, EngineError>;
 
-    /// Makes no platform call. `audioHardware` outlives the engine.
+    /// Makes no platform call. `audioHardware` must outlive the engine.
     CoreAudioIOEngine(platform::AudioHardware& audioHardware, const Configuration& fixed);
     ~CoreAudioIOEngine();
     CoreAudioIOEngine(const CoreAudioIOEngine&) = delete;
@@ -86,13 +89,13 @@ class CoreAudioIOEngine final {
     OutputProvider outputProvider;
     /// Called when the device's buffer size changes to one that was not asked for, on the hardware layer's
     /// notification thread; possibly still under way when the engine's destruction begins, never after it.
-    BufferSizeWatch::Handler onDeviceBufferSizeChangedExternally;
+    BufferSizeHandler onDeviceBufferSizeChangedExternally;
 
-    /// Builds, configures and initialises the unit, ready to start. At most once; fails at the first step
-    /// that does.
+    /// Builds, configures and initialises the unit, ready to start. At most once; stops at the first step
+    /// that fails.
     Outcome setup();
 
-    /// What buffer-size negotiation has to say to the person at the screen; not an error.
+    /// Warning of the buffer-size negotiation for the person at the screen; not an error.
     [[nodiscard]] const std::optional<std::string>& setupWarning() const { return negotiationWarning; }
 
     /// The longest block that the callbacks get, in frames; 0 before setup.
@@ -101,7 +104,7 @@ class CoreAudioIOEngine final {
     /// Lets the callbacks run. Fails before setup.
     Outcome start();
 
-    /// No callback runs when it returns and none comes after. Nothing before setup. Returns false if a
+    /// No callback runs when it returns and none comes after. Does nothing before setup. Returns false if a
     /// callback did not return within `platform::stopPatience`: then the engine and what its handlers use
     /// must never be freed.
     bool stop();
@@ -110,56 +113,40 @@ class CoreAudioIOEngine final {
     [[nodiscard]] std::uint32_t xrunCount() const;
 
     /// The real-time priority of the I/O thread; 0 if it has none or does not run.
-    [[nodiscard]] std::int32_t realtimePriority() const;
+    [[nodiscard]] int realtimePriority() const;
 
   private:
-    /// One mono buffer per input channel, so that each channel's samples are contiguous.
-    struct InputBufferList {
-        dsp::ChannelBlocks<float> samples;
-        std::vector<platform::AudioBuffer> buffers;
+    /// A property of the unit, and its name in error texts.
+    struct Step {
+        const char* what;
+        platform::AudioUnitProperty property;
+        bool applies = true;
     };
 
-    // The steps of setup, in their order.
     Outcome createUnit();
-    Outcome enableBuses();
-    Outcome selectDevice();
-    Outcome agreeOnBufferSize();
-    Outcome setFormats();
-    Outcome setMaximumSlice();
-    Outcome installInputCallback();
-    Outcome installRenderCallback();
-    Outcome initialize();
-
-    template <class Value>
-    Outcome setUnitProperty(
-        std::uint32_t property, std::uint32_t scope, std::uint32_t element, const Value& value,
-        const char* what
-    );
+    void agreeOnBufferSize();
+    void allocateInputBuffers();
+    /// Sets the properties that apply in their order, up to the first that fails.
+    Outcome set(std::initializer_list<Step> steps);
+    Outcome setFormatsAndCallbacks();
 
     /// The outcome of a call that reached for the device.
     [[nodiscard]] Outcome deviceOutcome(platform::OSStatus status, const char* what) const;
 
-    template <class Value>
-    [[nodiscard]] Value readUnitProperty(std::uint32_t property) const;
-
-    void allocateInputBuffers();
-    void teardown();
-
-    ORVANE_REALTIME platform::OSStatus captureCycle(
-        platform::AudioUnitRenderActionFlags& flags, const platform::AudioTimeStamp& time,
-        std::uint32_t frameCount
-    ) noexcept;
-    ORVANE_REALTIME void renderCycle(std::uint32_t frameCount, platform::AudioBufferList& buffers) noexcept;
+    ORVANE_REALTIME platform::OSStatus captureCycle(std::uint32_t frameCount) noexcept;
+    ORVANE_REALTIME void
+    renderCycle(std::span<const std::span<float>> outputs, std::size_t frameCount) noexcept;
 
     platform::AudioHardware& hardware;
     const Configuration configuration;
-    platform::AudioUnit audioUnit = nullptr;
+    std::unique_ptr<platform::AudioUnit> audioUnit;
     std::uint32_t effectiveFrameCount = 0;
     std::optional<std::string> negotiationWarning;
-    std::optional<BufferSizeWatch> bufferSizeWatch;
-    std::optional<InputBufferList> inputBufferList;
+    std::unique_ptr<platform::AudioDeviceWatch> bufferSizeListener;
+    dsp::ChannelBlocks<float> inputSamples;
+    /// The capture buffer of each input channel, and its part that the present cycle filled.
+    std::vector<std::span<float>> inputBuffers;
     std::vector<std::span<const float>> inputChannelPointers;
-    std::vector<std::span<float>> outputChannelPointers;
 };
 
 } // namespace orvane::audio

@@ -1,7 +1,5 @@
 #include "cli/buffer_size_keeper.h"
 
-#include "audio/buffer_size_negotiation.h"
-
 namespace orvane::cli {
 
 namespace {
@@ -14,23 +12,28 @@ bool isShared(const audio::AudioDeviceInfo& device) {
 } // namespace
 
 std::optional<std::uint32_t> BufferSizeKeeper::remember(const audio::AudioDeviceInfo& device) {
-    const auto present = audio::readBufferSize(hardware, device.id);
+    const auto present = read(device.id);
     if (present && isShared(device)) sizes[device.id] = {*present, *present};
     return present;
 }
 
 void BufferSizeKeeper::noteChanges() {
     for (auto& [device, size] : sizes)
-        size.duringRun = audio::readBufferSize(hardware, device).value_or(size.before);
+        size.duringRun = read(device).value_or(size.before);
 }
 
 void BufferSizeKeeper::restore() {
     for (const auto& [device, size] : sizes) {
         const bool isOurs = size.duringRun != size.before;
-        if (isOurs && audio::readBufferSize(hardware, device) == size.duringRun)
-            audio::negotiateBufferSize(hardware, device, size.before);
+        if (isOurs && read(device) == size.duringRun)
+            hardware.AudioObjectSetPropertyData(platform::BufferFrameSize{device}, size.before);
     }
     sizes.clear();
+}
+
+std::optional<std::uint32_t> BufferSizeKeeper::read(platform::AudioObjectID device) {
+    const auto size = hardware.AudioObjectGetPropertyData(platform::BufferFrameSize{device});
+    return size ? std::optional(size.value()) : std::nullopt;
 }
 
 } // namespace orvane::cli

@@ -36,6 +36,8 @@ class BufferSizeKeeper final {
         std::uint32_t duringRun = 0;
     };
 
+    [[nodiscard]] std::optional<std::uint32_t> read(platform::AudioObjectID device);
+
     platform::AudioHardware& hardware;
     std::map<platform::AudioObjectID, Size> sizes;
 };

@@ -1,6 +1,6 @@
 #include "engine/running_audio.h"
 
-#include "audio/buffer_size_negotiation.h"
+#include "audio/buffer_size.h"
 #include "audio/render_pass.h"
 #include "platform/base/abandoned.h"
 
@@ -134,8 +134,8 @@ RunningAudio::RunningAudio(
 }
 
 RunningAudio::~RunningAudio() {
-    stopListening(mainListeners);
-    stopListening(masterListeners);
+    mainListeners.clear();
+    masterListeners.clear();
     const bool mainHasEnded = letGo(mainIO);
     if (!letGo(masterIO)) masterHasEnded = false;
     const bool workersHaveEnded = !mainHasEnded || !state->insertWorkers || state->insertWorkers->end();
@@ -186,23 +186,15 @@ void RunningAudio::connect(const Devices& devices, const Observer& observer) {
 RunningAudio::Listeners
 RunningAudio::watch(Role role, const audio::AudioDeviceInfo& device, const Observer& observer) {
     Listeners listeners;
-    const auto listen = [&](std::uint32_t property, const std::function<void()>& tell) {
-        const auto registration = hardware.AudioObjectAddPropertyListenerBlock(
-            device.id, {property, platform::kAudioObjectPropertyScopeGlobal, 0}, [tell](auto) { tell(); }
-        );
+    const auto listen = [&](platform::AudioDeviceChange change, std::function<void()> notify) {
+        auto listener = hardware.AudioObjectAddPropertyListenerBlock(device.id, change, std::move(notify));
         // A device that cannot be watched is played all the same.
-        if (registration.status == platform::noErr) listeners.push_back(registration.listener);
+        if (listener) listeners.push_back(std::move(listener).value());
     };
-    listen(platform::kAudioDevicePropertyDeviceIsAlive, [=] { observer.deviceDied(role, device); });
-    listen(platform::kAudioDevicePropertyNominalSampleRate, [=] { observer.sampleRateChanged(device); });
-    listen(platform::kAudioDevicePropertyStreamConfiguration, [=] { observer.channelsLost(device); });
+    listen(platform::AudioDeviceChange::died, [=] { observer.deviceDied(role, device); });
+    listen(platform::AudioDeviceChange::sampleRate, [=] { observer.sampleRateChanged(device); });
+    listen(platform::AudioDeviceChange::lostChannels, [=] { observer.channelsLost(device); });
     return listeners;
-}
-
-void RunningAudio::stopListening(Listeners& listeners) {
-    for (const platform::AudioObjectPropertyListenerID listener : listeners)
-        hardware.AudioObjectRemovePropertyListenerBlock(listener);
-    listeners.clear();
 }
 
 void RunningAudio::setMaster(const session::MasterSettings& settings) {
@@ -214,7 +206,7 @@ void RunningAudio::setMaster(const session::MasterSettings& settings) {
 }
 
 void RunningAudio::dropMaster() {
-    stopListening(masterListeners);
+    masterListeners.clear();
     if (masterIO) droppedXRuns += masterIO->xrunCount();
     masterHasEnded = letGo(masterIO);
 }

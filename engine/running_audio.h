@@ -6,6 +6,7 @@
 #include "audio/mixer_realtime_state.h"
 #include "dsp/automix_processor.h"
 #include "engine/show.h"
+#include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
 #include "platform/base/result.h"
 
@@ -90,9 +91,8 @@ class RunningAudio final {
     void allocateFor(const Devices& devices, std::int64_t bufferSize);
     void connect(const Devices& devices, const Observer& observer);
 
-    using Listeners = std::vector<platform::AudioObjectPropertyListenerID>;
+    using Listeners = std::vector<std::unique_ptr<platform::AudioDeviceWatch>>;
     [[nodiscard]] Listeners watch(Role role, const audio::AudioDeviceInfo& device, const Observer& observer);
-    void stopListening(Listeners& listeners);
 
     platform::AudioHardware& hardware;
     std::shared_ptr<dsp::AutomixProcessor> processor;

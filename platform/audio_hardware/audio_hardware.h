@@ -1,206 +1,190 @@
 #pragma once
 
 #include "dsp/realtime.h"
+#include "platform/audio_hardware/audio_driver.h"
 #include "platform/base/audio_component_description.h"
-#include "platform/base/audio_unit_rendering.h"
 #include "platform/base/os_status.h"
+#include "platform/base/result.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
+#include <variant>
+#include <vector>
 
 namespace orvane::platform {
 
-/// An object of the hardware layer: the system or a device. Handed out once per device uid for the life of
-/// the process, so that a device that comes back has the id it had.
+/// A device of the hardware layer. Handed out once per device uid for the life of the process, so that a
+/// device that comes back has the id it had.
 using AudioObjectID = std::uint32_t;
+/// The system itself, which no device shares its id with.
 inline constexpr AudioObjectID kAudioObjectSystemObject = 1;
 
-/// Names one property of an object.
-struct AudioObjectPropertyAddress {
-    std::uint32_t mSelector = 0;
-    std::uint32_t mScope = 0;
-    std::uint32_t mElement = 0;
+/// What a device captures or what it plays.
+enum class AudioScope { input, output };
 
-    bool operator==(const AudioObjectPropertyAddress&) const = default;
+// Properties of the hardware layer, each a question about one device. Error messages name some of them by
+// their selectors.
+
+/// kAudioHardwarePropertyDevices: the devices that are present, in a stable order.
+struct HardwareDevices {};
+
+/// kAudioDevicePropertyDeviceUID: names the device across reconnections.
+struct DeviceUID {
+    static constexpr std::uint32_t selector = fourCharCode("uid ");
+    AudioObjectID device = 0;
 };
 
-inline constexpr std::uint32_t kAudioObjectPropertyScopeGlobal = fourCharCode("glob");
-inline constexpr std::uint32_t kAudioObjectPropertyScopeInput = fourCharCode("inpt");
-inline constexpr std::uint32_t kAudioObjectPropertyScopeOutput = fourCharCode("outp");
-
-/// Of the system object: the devices, an AudioObjectID each.
-inline constexpr std::uint32_t kAudioHardwarePropertyDevices = fourCharCode("dev#");
-/// Of a device: a StringRef.
-inline constexpr std::uint32_t kAudioDevicePropertyDeviceUID = fourCharCode("uid ");
-/// Of a device: a StringRef.
-inline constexpr std::uint32_t kAudioObjectPropertyName = fourCharCode("lnam");
-/// Of a device, per scope: a StreamConfiguration; size 0 where the device has no such stream. To be listened
-/// to: told when channels of a stream that is open are gone.
-inline constexpr std::uint32_t kAudioDevicePropertyStreamConfiguration = fourCharCode("slay");
-/// Of a device: a double, in Hz; to be listened to.
-inline constexpr std::uint32_t kAudioDevicePropertyNominalSampleRate = fourCharCode("nsrt");
-/// Of a device: an unsigned 32-bit number of frames; to be set and listened to.
-inline constexpr std::uint32_t kAudioDevicePropertyBufferFrameSize = fourCharCode("fsiz");
-/// Of a device: an unsigned 32-bit 1, or 0 once it is gone; to be listened to. Reading it has the device, and
-/// no other, described anew for the properties that are read next.
-inline constexpr std::uint32_t kAudioDevicePropertyDeviceIsAlive = fourCharCode("livn");
-
-/// The value of a string property: lives as long as the hardware layer that gave it.
-using StringRef = const std::string*;
-
-/// The start of the value of kAudioDevicePropertyStreamConfiguration; mNumberBuffers records of AudioBuffer
-/// follow it, one per stream, with the stream's channels in mNumberChannels.
-struct StreamConfigurationHeader {
-    std::uint32_t mNumberBuffers = 0;
-    std::uint32_t mReserved = 0;
+/// kAudioObjectPropertyName: for people.
+struct DeviceName {
+    static constexpr std::uint32_t selector = fourCharCode("lnam");
+    AudioObjectID device = 0;
 };
 
-/// What a query for a property gives: a status, and the bytes of the value.
-struct PropertySize {
+/// kAudioDevicePropertyStreamConfiguration: the channels of each of the device's streams.
+struct StreamConfiguration {
+    AudioObjectID device = 0;
+    AudioScope scope = AudioScope::input;
+};
+
+/// kAudioDevicePropertyNominalSampleRate: in Hz.
+struct NominalSampleRate {
+    static constexpr std::uint32_t selector = fourCharCode("nsrt");
+    AudioObjectID device = 0;
+};
+
+/// kAudioDevicePropertyBufferFrameSize: frames per cycle.
+struct BufferFrameSize {
+    AudioObjectID device = 0;
+};
+
+/// kAudioDevicePropertyDeviceIsAlive: whether the device is present. Reading it has this device alone
+/// described anew for the properties that are read next.
+struct DeviceIsAlive {
+    AudioObjectID device = 0;
+};
+
+/// Why a property of unknown length could not be read: its size is asked for before its data.
+struct SizedReadFailure {
+    enum class Step { size, data };
+    Step step = Step::size;
     OSStatus status = noErr;
-    std::uint32_t size = 0;
 };
 
-/// Called with the addresses that changed, on the hardware layer's notification thread.
-using AudioObjectPropertyListenerBlock = std::function<void(std::span<const AudioObjectPropertyAddress>)>;
+// Properties of the output unit, to be set before it is initialised.
 
-/// Names a registered listener; 0 is none.
-using AudioObjectPropertyListenerID = std::uint64_t;
+/// kAudioOutputUnitProperty_EnableIO: whether the unit captures or plays.
+struct EnableIO {
+    AudioScope scope = AudioScope::input;
+    bool enable = true;
+};
+
+/// kAudioOutputUnitProperty_CurrentDevice: the device that the unit opens.
+struct CurrentDevice {
+    AudioObjectID device = 0;
+};
+
+/// kAudioUnitProperty_StreamFormat: linear PCM of 32-bit floats, packed, one block a channel; what the unit
+/// hands to its input callback or takes from its render callback.
+struct StreamFormat {
+    AudioScope scope = AudioScope::input;
+    /// In Hz.
+    double sampleRate = 0.0;
+    std::uint32_t channelCount = 0;
+};
+
+/// kAudioUnitProperty_MaximumFramesPerSlice: the longest block that the callbacks get.
+struct MaximumFramesPerSlice {
+    std::uint32_t frameCount = 0;
+};
+
+/// kAudioOutputUnitProperty_SetInputCallback: called in each cycle once `frameCount` frames are captured. I/O
+/// thread, must be real-time safe.
+struct SetInputCallback {
+    OSStatus (*inputProc)(void* context, std::uint32_t frameCount) noexcept = nullptr;
+    void* context = nullptr;
+};
+
+/// kAudioUnitProperty_SetRenderCallback: called in each cycle to fill `outputs`, one block of `frameCount`
+/// frames a channel. I/O thread, must be real-time safe.
+struct SetRenderCallback {
+    using Proc = OSStatus (*)(
+        void* context, std::span<const std::span<float>> outputs, std::size_t frameCount
+    ) noexcept;
+    Proc renderProc = nullptr;
+    void* context = nullptr;
+};
+
+/// Any property of the output unit.
+using AudioUnitProperty = std::variant<
+    EnableIO, CurrentDevice, StreamFormat, MaximumFramesPerSlice, SetInputCallback, SetRenderCallback>;
+
+/// An instance of the hardware output unit, which captures from and plays to one device. Destroying it is
+/// AudioComponentInstanceDispose. Main thread but where said otherwise.
+class AudioUnit {
+  public:
+    virtual ~AudioUnit() = default;
+
+    virtual OSStatus AudioUnitSetProperty(const AudioUnitProperty& property) = 0;
+
+    /// Opens the device as the properties say.
+    virtual OSStatus AudioUnitInitialize() = 0;
+    virtual OSStatus AudioUnitUninitialize() = 0;
+    virtual OSStatus AudioOutputUnitStart() = 0;
+    /// No callback runs when it returns and none comes after. Fails with kAudioUnitErr_CallbackAbandoned if
+    /// one did not return within `stopPatience`: then the unit and what its callbacks use must never be
+    /// freed.
+    virtual OSStatus AudioOutputUnitStop() = 0;
+
+    /// Copies what the device captured in this cycle into the first `frameCount` frames of `blocks`, one a
+    /// channel. Only from within the input callback; real-time safe.
+    ORVANE_REALTIME virtual OSStatus
+    AudioUnitRender(std::span<const std::span<float>> blocks, std::uint32_t frameCount) noexcept = 0;
+
+    /// Cycles that came late or lost samples since the last start.
+    [[nodiscard]] virtual std::uint32_t xrunCount() const = 0;
+    /// The real-time priority of the I/O thread, 0 if it has none.
+    [[nodiscard]] virtual int realtimePriority() const = 0;
+    /// Why the unit could not be initialised or started last, as one sentence for people; empty if only the
+    /// status says.
+    [[nodiscard]] virtual std::string failureReason() const = 0;
+};
 
 /// A component that instances can be made of; 0 is none.
 using AudioComponent = std::uint32_t;
 
-/// An instance of the hardware output unit; null is none. Given back with AudioComponentInstanceDispose.
-class AudioUnitInstance;
-using AudioUnit = AudioUnitInstance*;
-
-// Properties, scopes and elements of the output unit. Element 1 is the device's input, element 0 its output.
-inline constexpr std::uint32_t kAudioUnitScope_Global = 0;
-inline constexpr std::uint32_t kAudioUnitScope_Input = 1;
-inline constexpr std::uint32_t kAudioUnitScope_Output = 2;
-/// AudioStreamBasicDescription.
-inline constexpr std::uint32_t kAudioUnitProperty_StreamFormat = 8;
-/// Unsigned 32-bit.
-inline constexpr std::uint32_t kAudioUnitProperty_MaximumFramesPerSlice = 14;
-/// AURenderCallbackStruct.
-inline constexpr std::uint32_t kAudioUnitProperty_SetRenderCallback = 23;
-/// AudioObjectID.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_CurrentDevice = 2000;
-/// Unsigned 32-bit, 1 or 0.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_EnableIO = 2003;
-/// AURenderCallbackStruct.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_SetInputCallback = 2005;
-/// Unsigned 32-bit, read only: cycles that came late or lost samples since the last start.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_XRunCount = fourCharCode("xrun");
-/// Signed 32-bit, read only: the real-time priority of the I/O thread, 0 if it has none.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_RealtimePriority = fourCharCode("rtpr");
-/// StringRef, read only: why the unit could not be initialised or started last, as one sentence for people;
-/// empty if only the status says. Lives as long as the unit.
-inline constexpr std::uint32_t kAudioOutputUnitProperty_FailureReason = fourCharCode("why?");
-
-inline constexpr std::uint32_t kAudioFormatLinearPCM = fourCharCode("lpcm");
-/// Float, packed, not interleaved.
-inline constexpr std::uint32_t nonInterleavedFloatFlags = 0x29;
-
-struct AudioStreamBasicDescription {
-    double mSampleRate = 0.0;
-    std::uint32_t mFormatID = 0;
-    std::uint32_t mFormatFlags = 0;
-    std::uint32_t mBytesPerPacket = 0;
-    std::uint32_t mFramesPerPacket = 0;
-    std::uint32_t mBytesPerFrame = 0;
-    std::uint32_t mChannelsPerFrame = 0;
-    std::uint32_t mBitsPerChannel = 0;
-    std::uint32_t mReserved = 0;
-
-    bool operator==(const AudioStreamBasicDescription&) const = default;
-};
-
-/// A callback of the output unit: its context, action flags, time stamp, bus, frame count, and the buffers to
-/// fill (none for the input callback). I/O thread, real-time safe.
-using AURenderCallback = OSStatus (*)(
-    void* context, AudioUnitRenderActionFlags& flags, const AudioTimeStamp& time, std::uint32_t bus,
-    std::uint32_t frameCount, AudioBufferList* buffers
-) noexcept;
-
-struct AURenderCallbackStruct {
-    AURenderCallback inputProc = nullptr;
-    void* inputProcRefCon = nullptr;
-};
-
-/// The audio hardware of the machine: objects with properties and listeners, and the unit that captures from
-/// and plays to a device. Main thread but where said otherwise; values are passed as their bytes, of exactly
-/// their size. Outlives every unit and listener.
+/// The audio hardware of the machine: devices with properties and listeners, and the unit that runs one.
+/// Main thread but where said otherwise. Outlives every unit and listener.
 class AudioHardware {
   public:
     virtual ~AudioHardware() = default;
 
-    /// The size of a property's value.
-    virtual PropertySize
-    AudioObjectGetPropertyDataSize(AudioObjectID object, const AudioObjectPropertyAddress& address) = 0;
-
-    /// Copies a property's value into `data`, which has room for it, or of the devices as many as fit; gives
-    /// the bytes copied. Any thread for the buffer size.
-    virtual PropertySize AudioObjectGetPropertyData(
-        AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<std::byte> data
+    virtual Result<std::vector<AudioObjectID>, SizedReadFailure> AudioObjectGetPropertyData(HardwareDevices
     ) = 0;
+    virtual Result<std::string, OSStatus> AudioObjectGetPropertyData(DeviceUID property) = 0;
+    virtual Result<std::string, OSStatus> AudioObjectGetPropertyData(DeviceName property) = 0;
+    virtual Result<std::vector<std::uint32_t>, SizedReadFailure>
+    AudioObjectGetPropertyData(StreamConfiguration property) = 0;
+    virtual Result<double, OSStatus> AudioObjectGetPropertyData(NominalSampleRate property) = 0;
+    /// Any thread.
+    virtual Result<std::uint32_t, OSStatus> AudioObjectGetPropertyData(BufferFrameSize property) = 0;
+    virtual Result<bool, OSStatus> AudioObjectGetPropertyData(DeviceIsAlive property) = 0;
 
-    virtual OSStatus AudioObjectSetPropertyData(
-        AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<const std::byte> data
+    /// `noErr` says that the request was taken, not that it was granted: read it back.
+    virtual OSStatus AudioObjectSetPropertyData(BufferFrameSize property, std::uint32_t frameCount) = 0;
+
+    /// Calls `block` on the hardware layer's notification thread at every such change of a device. Destroying
+    /// the watch is AudioObjectRemovePropertyListenerBlock.
+    virtual Result<std::unique_ptr<AudioDeviceWatch>, OSStatus> AudioObjectAddPropertyListenerBlock(
+        AudioObjectID device, AudioDeviceChange change, std::function<void()> block
     ) = 0;
-
-    /// A registered listener, or why there is none.
-    struct ListenerRegistration {
-        OSStatus status = noErr;
-        AudioObjectPropertyListenerID listener = 0;
-    };
-    virtual ListenerRegistration AudioObjectAddPropertyListenerBlock(
-        AudioObjectID object, const AudioObjectPropertyAddress& address,
-        AudioObjectPropertyListenerBlock block
-    ) = 0;
-
-    /// Waits for a call of the listener that is under way; none comes after. Not to be called from a
-    /// listener.
-    virtual OSStatus AudioObjectRemovePropertyListenerBlock(AudioObjectPropertyListenerID listener) = 0;
 
     virtual AudioComponent AudioComponentFindNext(const AudioComponentDescription& description) = 0;
-
-    /// An instance, or why there is none.
-    struct NewInstance {
-        OSStatus status = noErr;
-        AudioUnit unit = nullptr;
-    };
-    virtual NewInstance AudioComponentInstanceNew(AudioComponent component) = 0;
-    virtual OSStatus AudioComponentInstanceDispose(AudioUnit unit) = 0;
-
-    /// Properties are set before the unit is initialised.
-    virtual OSStatus AudioUnitSetProperty(
-        AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-        std::span<const std::byte> data
+    virtual Result<std::unique_ptr<AudioUnit>, OSStatus> AudioComponentInstanceNew(AudioComponent component
     ) = 0;
-    virtual PropertySize AudioUnitGetProperty(
-        AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-        std::span<std::byte> data
-    ) = 0;
-
-    /// Opens the device as the properties say.
-    virtual OSStatus AudioUnitInitialize(AudioUnit unit) = 0;
-    virtual OSStatus AudioUnitUninitialize(AudioUnit unit) = 0;
-    virtual OSStatus AudioOutputUnitStart(AudioUnit unit) = 0;
-    /// No callback runs when it returns and none comes after. Fails with kAudioUnitErr_CallbackAbandoned if
-    /// one did not return within `stopPatience`: what the callbacks use must never be freed then, and the
-    /// unit, which the layer keeps for ever, must not be used any more.
-    virtual OSStatus AudioOutputUnitStop(AudioUnit unit) = 0;
-
-    /// Copies what the device captured in this cycle into `buffers`, one channel each. Only from within the
-    /// input callback, on bus 1; real-time safe.
-    ORVANE_REALTIME virtual OSStatus AudioUnitRender(
-        AudioUnit unit, AudioUnitRenderActionFlags& flags, const AudioTimeStamp& time, std::uint32_t bus,
-        std::uint32_t frameCount, AudioBufferList& buffers
-    ) noexcept = 0;
 };
 
 } // namespace orvane::platform

@@ -3,53 +3,42 @@
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
 
-#include <cstdint>
-#include <map>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 namespace orvane::platform {
 
-/// Where an object id leads: the driver that has the device, and the device's uid.
+/// Where an object id leads.
 struct RegisteredDevice {
-    AudioDriver* driver = nullptr;
-    StringRef uid = nullptr;
+    AudioDriver& driver;
+    const std::string uid;
+    /// The device as it was listed last; nothing if it was not present. Main thread.
+    std::optional<AudioDriverDevice> listed;
 };
 
-/// The devices of all drivers under ids that stay theirs for the life of the process, present or not. Listing
-/// is the main thread's; looking an id up is any thread's.
+/// The devices of all drivers under ids that stay theirs for the life of the process, present or not.
 class DeviceRegistry final {
   public:
     explicit DeviceRegistry(std::vector<std::unique_ptr<AudioDriver>> audioDrivers);
 
-    /// The ids of the devices that are there now, in the order of the drivers and of their lists.
+    /// Lists the devices anew. Returns the ids of those that are present, in the order of the drivers and of
+    /// their lists. Main thread.
     std::vector<AudioObjectID> refresh();
 
-    /// Asks after one device only; whether it is there now.
-    bool refresh(AudioObjectID id);
-
-    /// The device as it was listed by the last `refresh`; nothing if it was not there.
-    [[nodiscard]] std::optional<AudioDriverDevice> describe(AudioObjectID id) const;
-
-    /// Nothing for an id that was never handed out.
-    [[nodiscard]] std::optional<RegisteredDevice> find(AudioObjectID id) const;
-
-    /// A string that lives as long as the registry.
-    StringRef intern(const std::string& text);
+    /// Lives as long as the registry; null for an id that was never handed out. Any thread.
+    [[nodiscard]] RegisteredDevice* find(AudioObjectID id);
 
   private:
     AudioObjectID idOf(AudioDriver& driver, const std::string& uid);
 
     std::vector<std::unique_ptr<AudioDriver>> drivers;
-    std::map<AudioObjectID, AudioDriverDevice> present;
-    mutable std::mutex idLock;
-    std::map<AudioObjectID, RegisteredDevice> known;
-    std::map<std::string, AudioObjectID> idByUID;
-    std::set<std::string> strings;
+    std::mutex lock;
+    /// In the order of their ids.
+    std::deque<RegisteredDevice> known;
 };
 
 } // namespace orvane::platform

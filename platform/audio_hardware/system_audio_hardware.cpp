@@ -1,9 +1,8 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 
-#include "platform/audio_hardware/property_bytes.h"
-#include "platform/base/abandoned.h"
+#include "platform/audio_hardware/audio_unit_instance.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace orvane::platform {
@@ -12,212 +11,91 @@ namespace {
 
 constexpr AudioComponent outputUnitComponent = 1;
 
-bool matches(std::uint32_t wanted, std::uint32_t present) {
-    return wanted == 0 || wanted == present;
-}
-
-template <class Value>
-std::vector<std::byte> copyOf(const Value& value) {
-    const std::span<const std::byte> bytes = bytesOf(value);
-    return {bytes.begin(), bytes.end()};
-}
-
-/// The streams of a device in one direction: one, with all its channels.
-std::vector<std::byte> streamConfiguration(std::size_t channelCount) {
-    if (channelCount == 0) return {};
-    std::vector<std::byte> bytes = copyOf(StreamConfigurationHeader{.mNumberBuffers = 1});
-    const std::vector<std::byte> buffer =
-        copyOf(AudioBuffer{.mNumberChannels = static_cast<std::uint32_t>(channelCount)});
-    bytes.insert(bytes.end(), buffer.begin(), buffer.end());
-    return bytes;
-}
-
-/// What a listener to a device's property waits for; nothing where it cannot be listened to.
-std::optional<AudioDeviceChange> changeOf(std::uint32_t selector) {
-    switch (selector) {
-    case kAudioDevicePropertyBufferFrameSize:
-        return AudioDeviceChange::bufferSize;
-    case kAudioDevicePropertyNominalSampleRate:
-        return AudioDeviceChange::sampleRate;
-    case kAudioDevicePropertyStreamConfiguration:
-        return AudioDeviceChange::lostChannels;
-    case kAudioDevicePropertyDeviceIsAlive:
-        return AudioDeviceChange::died;
-    default:
-        return std::nullopt;
-    }
-}
+constexpr AudioComponentDescription outputUnitDescription = {
+    .componentType = fourCharCode("auou"),
+    .componentSubType = fourCharCode("ahal"),
+    .componentManufacturer = fourCharCode("appl")};
 
 } // namespace
 
 SystemAudioHardware::SystemAudioHardware(std::vector<std::unique_ptr<AudioDriver>> drivers)
     : registry(std::move(drivers)) {}
 
-PropertySize SystemAudioHardware::AudioObjectGetPropertyDataSize(
-    AudioObjectID object, const AudioObjectPropertyAddress& address
-) {
-    sizedDevices.reset();
-    PropertyValue value = read(object, address);
-    const auto size = static_cast<std::uint32_t>(value.bytes.size());
-    if (object == kAudioObjectSystemObject && value.status == noErr) sizedDevices = std::move(value.bytes);
-    return {value.status, size};
+Result<std::vector<AudioObjectID>, SizedReadFailure>
+SystemAudioHardware::AudioObjectGetPropertyData(HardwareDevices) {
+    return registry.refresh();
 }
 
-PropertySize SystemAudioHardware::AudioObjectGetPropertyData(
-    AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<std::byte> data
-) {
-    PropertyValue value = read(object, address);
-    if (value.status != noErr) return {value.status, 0};
-    // As many of the devices as there is room for.
-    if (object == kAudioObjectSystemObject)
-        value.bytes.resize(std::min(value.bytes.size(), data.size() - data.size() % sizeof(AudioObjectID)));
-    if (data.size() < value.bytes.size()) return {kAudioHardwareBadPropertySizeError, 0};
-    std::ranges::copy(value.bytes, data.begin());
-    return {noErr, static_cast<std::uint32_t>(value.bytes.size())};
+template <class T>
+Result<T, OSStatus> SystemAudioHardware::listed(AudioObjectID id, T AudioDriverDevice::*member) {
+    const RegisteredDevice* device = registry.find(id);
+    if (device == nullptr) return kAudioHardwareBadObjectError;
+    if (!device->listed) return kAudioHardwareBadDeviceError;
+    return *device->listed.*member;
 }
 
-SystemAudioHardware::PropertyValue
-SystemAudioHardware::read(AudioObjectID object, const AudioObjectPropertyAddress& address) {
-    return object == kAudioObjectSystemObject ? readOfSystem(address) : readOfDevice(object, address);
+Result<std::string, OSStatus> SystemAudioHardware::AudioObjectGetPropertyData(DeviceUID property) {
+    return listed(property.device, &AudioDriverDevice::uid);
 }
 
-SystemAudioHardware::PropertyValue SystemAudioHardware::readOfSystem(const AudioObjectPropertyAddress& address
-) {
-    if (address
-        != AudioObjectPropertyAddress{kAudioHardwarePropertyDevices, kAudioObjectPropertyScopeGlobal, 0})
-        return {kAudioHardwareUnknownPropertyError};
-    if (sizedDevices) return {noErr, *std::exchange(sizedDevices, std::nullopt)};
-    const std::vector<AudioObjectID> ids = registry.refresh();
-    const std::span<const std::byte> bytes = std::as_bytes(std::span(ids));
-    return {noErr, {bytes.begin(), bytes.end()}};
+Result<std::string, OSStatus> SystemAudioHardware::AudioObjectGetPropertyData(DeviceName property) {
+    return listed(property.device, &AudioDriverDevice::name);
 }
 
-SystemAudioHardware::PropertyValue
-SystemAudioHardware::readOfDevice(AudioObjectID object, const AudioObjectPropertyAddress& address) {
-    const std::optional<RegisteredDevice> registered = registry.find(object);
-    if (!registered) return {kAudioHardwareBadObjectError};
-    // The one property that notification threads ask for; it goes past the list, which is the main thread's.
-    if (address.mSelector == kAudioDevicePropertyBufferFrameSize) {
-        const auto frames = registered->driver->bufferSize(*registered->uid);
-        return frames ? PropertyValue{noErr, copyOf(frames.value())} : PropertyValue{frames.error()};
-    }
-    if (address.mSelector == kAudioDevicePropertyDeviceIsAlive)
-        return {noErr, copyOf(std::uint32_t{registry.refresh(object) ? 1U : 0U})};
-    const std::optional<AudioDriverDevice> device = registry.describe(object);
-    if (!device) return {kAudioHardwareBadDeviceError};
-    switch (address.mSelector) {
-    case kAudioDevicePropertyDeviceUID:
-        return {noErr, copyOf(registered->uid)};
-    case kAudioObjectPropertyName:
-        return {noErr, copyOf(registry.intern(device->name))};
-    case kAudioDevicePropertyNominalSampleRate:
-        return {noErr, copyOf(device->sampleRate)};
-    case kAudioDevicePropertyStreamConfiguration:
-        return {
-            noErr, streamConfiguration(
-                       address.mScope == kAudioObjectPropertyScopeInput ? device->inputChannelCount
-                                                                        : device->outputChannelCount
-                   )};
-    default:
-        return {kAudioHardwareUnknownPropertyError};
-    }
-}
-
-OSStatus SystemAudioHardware::AudioObjectSetPropertyData(
-    AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<const std::byte> data
-) {
-    const std::optional<RegisteredDevice> device = registry.find(object);
-    if (!device) return kAudioHardwareBadObjectError;
-    if (address.mSelector != kAudioDevicePropertyBufferFrameSize)
-        return kAudioHardwareUnsupportedOperationError;
-    std::uint32_t frames = 0;
-    if (const OSStatus status = assignFrom(data, frames, kAudioHardwareBadPropertySizeError); status != noErr)
-        return status;
-    return device->driver->requestBufferSize(*device->uid, frames);
-}
-
-AudioHardware::ListenerRegistration SystemAudioHardware::AudioObjectAddPropertyListenerBlock(
-    AudioObjectID object, const AudioObjectPropertyAddress& address, AudioObjectPropertyListenerBlock block
-) {
-    const std::optional<RegisteredDevice> device = registry.find(object);
-    if (!device) return {kAudioHardwareBadObjectError, 0};
-    const std::optional<AudioDeviceChange> awaited = changeOf(address.mSelector);
-    if (!awaited) return {kAudioHardwareUnknownPropertyError, 0};
-    watches.emplace(
-        ++lastListener,
-        device->driver->watch(
-            *device->uid,
-            [awaited = *awaited, address, listener = std::move(block)](AudioDeviceChange change) {
-                if (change == awaited) listener(std::span(&address, 1));
-            }
-        )
+Result<std::vector<std::uint32_t>, SizedReadFailure>
+SystemAudioHardware::AudioObjectGetPropertyData(StreamConfiguration property) {
+    const auto channels = listed(
+        property.device, property.scope == AudioScope::input ? &AudioDriverDevice::inputChannelCount
+                                                             : &AudioDriverDevice::outputChannelCount
     );
-    return {noErr, lastListener};
+    if (!channels) return SizedReadFailure{SizedReadFailure::Step::size, channels.error()};
+    // One stream has them all.
+    const std::size_t streamCount = channels.value() == 0 ? 0 : 1;
+    return std::vector(streamCount, static_cast<std::uint32_t>(channels.value()));
 }
 
-OSStatus SystemAudioHardware::AudioObjectRemovePropertyListenerBlock(AudioObjectPropertyListenerID listener) {
-    return watches.erase(listener) == 1 ? noErr : kAudioHardwareIllegalOperationError;
+Result<double, OSStatus> SystemAudioHardware::AudioObjectGetPropertyData(NominalSampleRate property) {
+    return listed(property.device, &AudioDriverDevice::sampleRate);
+}
+
+Result<std::uint32_t, OSStatus> SystemAudioHardware::AudioObjectGetPropertyData(BufferFrameSize property) {
+    // Notification threads read it, so it goes past the list, which is the main thread's.
+    const RegisteredDevice* device = registry.find(property.device);
+    if (device == nullptr) return kAudioHardwareBadObjectError;
+    return device->driver.bufferSize(device->uid);
+}
+
+Result<bool, OSStatus> SystemAudioHardware::AudioObjectGetPropertyData(DeviceIsAlive property) {
+    RegisteredDevice* device = registry.find(property.device);
+    if (device == nullptr) return kAudioHardwareBadObjectError;
+    device->listed = device->driver.device(device->uid);
+    return device->listed.has_value();
+}
+
+OSStatus SystemAudioHardware::AudioObjectSetPropertyData(BufferFrameSize property, std::uint32_t frameCount) {
+    const RegisteredDevice* device = registry.find(property.device);
+    if (device == nullptr) return kAudioHardwareBadObjectError;
+    return device->driver.requestBufferSize(device->uid, frameCount);
+}
+
+Result<std::unique_ptr<AudioDeviceWatch>, OSStatus> SystemAudioHardware::AudioObjectAddPropertyListenerBlock(
+    AudioObjectID id, AudioDeviceChange awaited, std::function<void()> block
+) {
+    const RegisteredDevice* device = registry.find(id);
+    if (device == nullptr) return kAudioHardwareBadObjectError;
+    return device->driver.watch(device->uid, [awaited, block = std::move(block)](AudioDeviceChange change) {
+        if (change == awaited) block();
+    });
 }
 
 AudioComponent SystemAudioHardware::AudioComponentFindNext(const AudioComponentDescription& description) {
-    const bool isOutputUnit = matches(description.componentType, fourCharCode("auou"))
-                              && matches(description.componentSubType, fourCharCode("ahal"))
-                              && matches(description.componentManufacturer, fourCharCode("appl"));
-    return isOutputUnit ? outputUnitComponent : 0;
+    return description == outputUnitDescription ? outputUnitComponent : 0;
 }
 
-AudioHardware::NewInstance SystemAudioHardware::AudioComponentInstanceNew(AudioComponent component) {
-    if (component != outputUnitComponent) return {kAudio_ParamError, nullptr};
-    units.push_back(std::make_unique<AudioUnitInstance>(registry));
-    return {noErr, units.back().get()};
-}
-
-OSStatus SystemAudioHardware::AudioComponentInstanceDispose(AudioUnit unit) {
-    return std::erase_if(units, [unit](const auto& held) { return held.get() == unit; }) == 1
-               ? noErr
-               : kAudio_ParamError;
-}
-
-OSStatus SystemAudioHardware::AudioUnitSetProperty(
-    AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-    std::span<const std::byte> data
-) {
-    return unit->setProperty(property, scope, element, data);
-}
-
-PropertySize SystemAudioHardware::AudioUnitGetProperty(
-    AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-    std::span<std::byte> data
-) {
-    return unit->getProperty(property, scope, element, data);
-}
-
-OSStatus SystemAudioHardware::AudioUnitInitialize(AudioUnit unit) {
-    return unit->initialize();
-}
-
-OSStatus SystemAudioHardware::AudioUnitUninitialize(AudioUnit unit) {
-    return unit->uninitialize();
-}
-
-OSStatus SystemAudioHardware::AudioOutputUnitStart(AudioUnit unit) {
-    return unit->start();
-}
-
-OSStatus SystemAudioHardware::AudioOutputUnitStop(AudioUnit unit) {
-    const OSStatus status = unit->stop();
-    if (status != kAudioUnitErr_CallbackAbandoned) return status;
-    const auto held = std::ranges::find(units, unit, &std::unique_ptr<AudioUnitInstance>::get);
-    abandon(std::move(*held));
-    units.erase(held);
-    return status;
-}
-
-OSStatus SystemAudioHardware::AudioUnitRender(
-    AudioUnit unit, AudioUnitRenderActionFlags&, const AudioTimeStamp&, std::uint32_t bus,
-    std::uint32_t frameCount, AudioBufferList& buffers
-) noexcept {
-    return unit->renderInput(bus, frameCount, buffers);
+Result<std::unique_ptr<AudioUnit>, OSStatus>
+SystemAudioHardware::AudioComponentInstanceNew(AudioComponent component) {
+    if (component != outputUnitComponent) return kAudio_ParamError;
+    return std::unique_ptr<AudioUnit>(std::make_unique<AudioUnitInstance>(registry));
 }
 
 } // namespace orvane::platform

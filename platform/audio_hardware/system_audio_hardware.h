@@ -2,12 +2,12 @@
 
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
-#include "platform/audio_hardware/audio_unit_instance.h"
 #include "platform/audio_hardware/device_registry.h"
 
-#include <map>
+#include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
+#include <string>
 #include <vector>
 
 namespace orvane::platform {
@@ -18,58 +18,27 @@ class SystemAudioHardware final : public AudioHardware {
     /// Devices are listed in the order of the drivers.
     explicit SystemAudioHardware(std::vector<std::unique_ptr<AudioDriver>> drivers);
 
-    PropertySize
-    AudioObjectGetPropertyDataSize(AudioObjectID object, const AudioObjectPropertyAddress& address) override;
-    PropertySize AudioObjectGetPropertyData(
-        AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<std::byte> data
+    Result<std::vector<AudioObjectID>, SizedReadFailure> AudioObjectGetPropertyData(HardwareDevices) override;
+    Result<std::string, OSStatus> AudioObjectGetPropertyData(DeviceUID property) override;
+    Result<std::string, OSStatus> AudioObjectGetPropertyData(DeviceName property) override;
+    Result<std::vector<std::uint32_t>, SizedReadFailure>
+    AudioObjectGetPropertyData(StreamConfiguration property) override;
+    Result<double, OSStatus> AudioObjectGetPropertyData(NominalSampleRate property) override;
+    Result<std::uint32_t, OSStatus> AudioObjectGetPropertyData(BufferFrameSize property) override;
+    Result<bool, OSStatus> AudioObjectGetPropertyData(DeviceIsAlive property) override;
+    OSStatus AudioObjectSetPropertyData(BufferFrameSize property, std::uint32_t frameCount) override;
+    Result<std::unique_ptr<AudioDeviceWatch>, OSStatus> AudioObjectAddPropertyListenerBlock(
+        AudioObjectID device, AudioDeviceChange change, std::function<void()> block
     ) override;
-    OSStatus AudioObjectSetPropertyData(
-        AudioObjectID object, const AudioObjectPropertyAddress& address, std::span<const std::byte> data
-    ) override;
-    ListenerRegistration AudioObjectAddPropertyListenerBlock(
-        AudioObjectID object, const AudioObjectPropertyAddress& address,
-        AudioObjectPropertyListenerBlock block
-    ) override;
-    OSStatus AudioObjectRemovePropertyListenerBlock(AudioObjectPropertyListenerID listener) override;
-
     AudioComponent AudioComponentFindNext(const AudioComponentDescription& description) override;
-    NewInstance AudioComponentInstanceNew(AudioComponent component) override;
-    OSStatus AudioComponentInstanceDispose(AudioUnit unit) override;
-    OSStatus AudioUnitSetProperty(
-        AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-        std::span<const std::byte> data
-    ) override;
-    PropertySize AudioUnitGetProperty(
-        AudioUnit unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element,
-        std::span<std::byte> data
-    ) override;
-    OSStatus AudioUnitInitialize(AudioUnit unit) override;
-    OSStatus AudioUnitUninitialize(AudioUnit unit) override;
-    OSStatus AudioOutputUnitStart(AudioUnit unit) override;
-    OSStatus AudioOutputUnitStop(AudioUnit unit) override;
-    OSStatus AudioUnitRender(
-        AudioUnit unit, AudioUnitRenderActionFlags& flags, const AudioTimeStamp& time, std::uint32_t bus,
-        std::uint32_t frameCount, AudioBufferList& buffers
-    ) noexcept override;
+    Result<std::unique_ptr<AudioUnit>, OSStatus> AudioComponentInstanceNew(AudioComponent component) override;
 
   private:
-    /// A value of a property as its bytes, or why there is none.
-    struct PropertyValue {
-        OSStatus status = noErr;
-        std::vector<std::byte> bytes = {};
-    };
-
-    PropertyValue read(AudioObjectID object, const AudioObjectPropertyAddress& address);
-    PropertyValue readOfSystem(const AudioObjectPropertyAddress& address);
-    PropertyValue readOfDevice(AudioObjectID object, const AudioObjectPropertyAddress& address);
+    /// A member of a device's description as it was listed last.
+    template <class T>
+    Result<T, OSStatus> listed(AudioObjectID id, T AudioDriverDevice::*member);
 
     DeviceRegistry registry;
-    /// The devices whose size was asked for last, for the query of the list that follows: drivers may take
-    /// long to list them.
-    std::optional<std::vector<std::byte>> sizedDevices;
-    std::vector<std::unique_ptr<AudioUnitInstance>> units;
-    AudioObjectPropertyListenerID lastListener = 0;
-    std::map<AudioObjectPropertyListenerID, std::unique_ptr<AudioDeviceWatch>> watches;
 };
 
 } // namespace orvane::platform

@@ -23,29 +23,23 @@ constexpr OSStatus fourCharStatus(const char (&characters)[5]) noexcept {
 
 // What calls on audio devices answer with when they fail.
 inline constexpr OSStatus kAudioHardwareUnspecifiedError = fourCharStatus("what");
-inline constexpr OSStatus kAudioHardwareUnknownPropertyError = fourCharStatus("who?");
-inline constexpr OSStatus kAudioHardwareBadPropertySizeError = fourCharStatus("!siz");
 inline constexpr OSStatus kAudioHardwareIllegalOperationError = fourCharStatus("nope");
 inline constexpr OSStatus kAudioHardwareBadObjectError = fourCharStatus("!obj");
 inline constexpr OSStatus kAudioHardwareBadDeviceError = fourCharStatus("!dev");
-inline constexpr OSStatus kAudioHardwareUnsupportedOperationError = fourCharStatus("unop");
 inline constexpr OSStatus kAudioDeviceUnsupportedFormatError = fourCharStatus("!dat");
-/// Somebody else has the device to himself.
+/// Another program has the device for itself.
 inline constexpr OSStatus kAudioDevicePermissionsError = fourCharStatus("!hog");
 
 // What calls on audio units answer with when they fail.
 /// A callback did not return in time; the unit must never be disposed of.
 inline constexpr OSStatus kAudioUnitErr_CallbackAbandoned = fourCharStatus("hung");
-inline constexpr OSStatus kAudioUnitErr_InvalidProperty = -10879;
 inline constexpr OSStatus kAudioUnitErr_InvalidParameter = -10878;
 inline constexpr OSStatus kAudioUnitErr_InvalidElement = -10877;
 inline constexpr OSStatus kAudioUnitErr_NoConnection = -10876;
 inline constexpr OSStatus kAudioUnitErr_TooManyFramesToProcess = -10874;
 inline constexpr OSStatus kAudioUnitErr_FormatNotSupported = -10868;
 inline constexpr OSStatus kAudioUnitErr_Uninitialized = -10867;
-inline constexpr OSStatus kAudioUnitErr_InvalidScope = -10866;
 inline constexpr OSStatus kAudioUnitErr_CannotDoInCurrentContext = -10863;
-inline constexpr OSStatus kAudioUnitErr_InvalidPropertyValue = -10851;
 inline constexpr OSStatus kAudioUnitErr_Initialized = -10849;
 /// A parameter that no call takes, such as a unit that is not there.
 inline constexpr OSStatus kAudio_ParamError = -50;

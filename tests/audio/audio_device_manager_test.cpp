@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,7 +13,6 @@ namespace {
 using namespace orvane;
 using audio::AudioDeviceInfo;
 using audio::AudioDeviceManager;
-using test::ScriptedAudioHardware;
 
 /// A console, a player and a microphone.
 struct AudioDeviceManagerTest : testing::Test {
@@ -26,64 +26,58 @@ struct AudioDeviceManagerTest : testing::Test {
     const AudioDeviceInfo console{7, "a:console", "Console", 10, 16, 48000.0};
     const AudioDeviceInfo player{5, "a:player", "Player", 0, 2, 44100.0};
     const AudioDeviceInfo mic{9, "a:mic", "Mic", 1, 0, 48000.0};
-    ScriptedAudioHardware hardware;
+    test::ScriptedAudioHardware hardware;
     AudioDeviceManager manager{hardware};
 };
 
 TEST_F(AudioDeviceManagerTest, DescribesEveryDeviceInTheHardwaresOrder) {
     EXPECT_EQ(manager.allDevices().value(), (std::vector{console, player, mic}));
+    hardware.devices.clear();
+    EXPECT_EQ(manager.allDevices().value(), std::vector<AudioDeviceInfo>{});
 }
 
-TEST_F(AudioDeviceManagerTest, FailsWhereTheListCannotBeRead) {
-    hardware.failures = {{"AudioObjectGetPropertyData 1", -51}};
-    EXPECT_EQ(
-        manager.allDevices().error().description(),
-        "Core Audio property query failed (kAudioHardwarePropertyDevices data): OSStatus -51"
-    );
-    hardware.failures = {{"AudioObjectGetPropertyDataSize 1", -50}};
-    EXPECT_EQ(
-        manager.allDevices().error().description(),
-        "Core Audio property query failed (kAudioHardwarePropertyDevices size): OSStatus -50"
-    );
-}
-
-TEST_F(AudioDeviceManagerTest, LeavesOutADeviceThatCannotBeDescribed) {
-    for (const char* query : {"uid ", "lnam", "slay inpt", "slay outp", "nsrt"}) {
-        hardware.failures = {{std::string("AudioObjectGetPropertyData 7 ") + query, -1}};
-        EXPECT_EQ(manager.allDevices().value(), (std::vector{player, mic})) << query;
+TEST_F(AudioDeviceManagerTest, FailsIfTheListCannotBeRead) {
+    for (const std::string step : {"size", "data"}) {
+        hardware.failures = {{step == "size" ? "HardwareDevices size" : "HardwareDevices data", -50}};
+        EXPECT_EQ(
+            manager.allDevices().error().description(),
+            "Core Audio property query failed (kAudioHardwarePropertyDevices " + step + "): OSStatus -50"
+        );
     }
 }
 
-TEST_F(AudioDeviceManagerTest, AsksForNoDeviceThatWentBeforeTheListWasRead) {
-    hardware.afterSize = [this] {
-        hardware.afterSize = nullptr;
-        hardware.devices.erase(hardware.devices.begin() + 1, hardware.devices.end());
-    };
-    EXPECT_EQ(manager.allDevices().value(), std::vector{console});
-    for (const std::string& call : hardware.calls)
-        EXPECT_FALSE(call.starts_with("AudioObjectGetPropertyData 0 ")) << call;
-}
-
-TEST_F(AudioDeviceManagerTest, CountsNoChannelsWhereTheStreamsHaveNoSize) {
-    hardware.failures = {{"AudioObjectGetPropertyDataSize 7 slay inpt", -1}};
-    EXPECT_EQ(manager.allDevices().value().front().inputChannelCount, 0);
-    EXPECT_EQ(manager.allDevices().value().front().outputChannelCount, 16);
-}
-
-TEST_F(AudioDeviceManagerTest, NamesTheQueryThatFailed) {
-    hardware.failures = {{"AudioObjectGetPropertyData 7", 560947818}};
-    EXPECT_EQ(
-        manager.stringProperty(7, platform::kAudioDevicePropertyDeviceUID).error().description(),
-        "Core Audio property query failed (string property 1969841184): OSStatus 560947818"
-    );
-    EXPECT_EQ(
-        manager.doubleProperty(7, platform::kAudioDevicePropertyNominalSampleRate).error().description(),
-        "Core Audio property query failed (double property 1853059700): OSStatus 560947818"
-    );
-    EXPECT_EQ(
-        manager.channelCount(7, platform::kAudioObjectPropertyScopeOutput).error().description(),
-        "Core Audio property query failed (kAudioDevicePropertyStreamConfiguration): OSStatus 560947818"
-    );
+TEST_F(AudioDeviceManagerTest, NamesTheQueryThatFailedAndLeavesItsDeviceOutOfTheList) {
+    AudioDeviceInfo withoutInputs = console;
+    withoutInputs.inputChannelCount = 0;
+    AudioDeviceInfo withoutOutputs = console;
+    withoutOutputs.outputChannelCount = 0;
+    const struct {
+        const char* query;
+        AudioDeviceInfo described;
+    } steps[] = {
+        {"string property 1969841184", {}},
+        {"string property 1819173229", {}},
+        {"", withoutInputs},
+        {"kAudioDevicePropertyStreamConfiguration", {}},
+        {"", withoutOutputs},
+        {"kAudioDevicePropertyStreamConfiguration", {}},
+        {"double property 1853059700", {}}};
+    for (std::size_t i = 0; i < std::size(steps); ++i) {
+        const auto& [query, described] = steps[i];
+        const bool fails = described.id == 0;
+        hardware.stepCount = 0;
+        hardware.failingStep = i + 2;
+        const std::vector<AudioDeviceInfo> all = manager.allDevices().value();
+        EXPECT_EQ(all, fails ? (std::vector{player, mic}) : (std::vector{described, player, mic})) << i;
+        hardware.stepCount = 0;
+        hardware.failingStep = i + 1;
+        const auto one = manager.device(7);
+        ASSERT_EQ(one.hasValue(), !fails) << i;
+        EXPECT_EQ(
+            fails ? one.error().description() : "",
+            fails ? std::string("Core Audio property query failed (") + query + "): OSStatus -50" : ""
+        );
+    }
 }
 
 TEST(AudioDeviceInfo, HashesEqualRecordsAlike) {

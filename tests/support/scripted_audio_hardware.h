@@ -1,19 +1,20 @@
 #pragma once
 
+#include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
-#include "platform/audio_hardware/property_bytes.h"
-#include "support/allocation_guard.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <map>
-#include <mutex>
+#include <memory>
 #include <optional>
 #include <span>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -31,247 +32,164 @@ struct ScriptedDevice {
     std::uint32_t bufferSize = 512;
 };
 
-/// Audio hardware that writes down every call as one line with its values decoded, such as
-/// "AudioUnitSetProperty 2003 1 1 = 1", fails where it is told to, and runs the cycles that a test asks for.
-/// Notifications may come from other threads, also after their listener was removed.
+/// Audio hardware whose steps fail as a test demands. A step is a call, or a part of one that fails alone,
+/// named after the property or the function.
 class ScriptedAudioHardware final : public platform::AudioHardware {
     using OSStatus = platform::OSStatus;
-    using Object = platform::AudioObjectID;
-    using Address = platform::AudioObjectPropertyAddress;
-    using Listener = platform::AudioObjectPropertyListenerBlock;
-    using Unit = platform::AudioUnit;
-    using Bytes = std::span<const std::byte>;
-    using PropertySize = platform::PropertySize;
+    template <class T>
+    using Result = platform::Result<T, OSStatus>;
+    template <class T>
+    using SizedResult = platform::Result<T, platform::SizedReadFailure>;
 
   public:
     std::vector<ScriptedDevice> devices;
-    /// The status that a call fails with whose line begins like the key.
-    std::map<std::string, OSStatus> failures;
-    /// The index in `calls` of one more call that fails.
-    std::optional<std::size_t> failingCall;
-    static constexpr platform::OSStatus failure = -50;
-    /// Called after each answer about a size, as devices may come and go at any time.
-    std::function<void()> afterSize;
-    /// Every call but AudioUnitRender, whose cycles may not allocate.
-    std::vector<std::string> calls;
+    /// The steps that fail, and with which status.
+    std::map<std::string_view, OSStatus> failures;
+    /// One more step that fails, as `stepCount` counts them, with `failure`.
+    std::optional<std::size_t> failingStep;
+    static constexpr OSStatus failure = -50;
+    std::size_t stepCount = 0;
+    /// The step that failed last.
+    std::string_view failedStep;
 
-    /// Somebody else gives the device another buffer size; every listener that was ever registered hears it.
-    void changeBufferSize(Object device, std::uint32_t frameCount) {
-        std::vector<Listener> told;
-        {
-            const std::scoped_lock guard(mutex);
-            find(device)->bufferSize = frameCount;
-            told = listeners;
-        }
-        for (const Listener& listener : told)
-            listener({});
-    }
+    /// The callback that a unit was given last.
+    platform::SetInputCallback inputCallback;
 
-    /// One cycle's input callback under the allocation guard. Sample i of channel c is c + i / 65536.
-    OSStatus captureCycle(std::uint32_t frameCount) {
-        platform::AudioUnitRenderActionFlags flags = 0;
-        const AllocationGuard guard;
-        return inputCallback.inputProc(inputCallback.inputProcRefCon, flags, {}, 1, frameCount, nullptr);
-    }
+    /// What has been made and not been given back.
+    int unitCount = 0;
+    int listenerCount = 0;
 
-    /// One cycle's output callback under the allocation guard, into `buffers` or none.
-    OSStatus renderCycle(std::uint32_t frameCount, platform::AudioBufferList* buffers) {
-        platform::AudioUnitRenderActionFlags flags = 0;
-        const AllocationGuard guard;
-        return renderCallback.inputProc(renderCallback.inputProcRefCon, flags, {}, 0, frameCount, buffers);
+    SizedResult<std::vector<platform::AudioObjectID>> AudioObjectGetPropertyData(platform::HardwareDevices
+    ) override {
+        std::vector<platform::AudioObjectID> ids;
+        for (const ScriptedDevice& device : devices)
+            ids.push_back(device.id);
+        return sized("HardwareDevices size", "HardwareDevices data", ids);
     }
-
-    PropertySize AudioObjectGetPropertyDataSize(Object object, const Address& address) override {
-        const OSStatus status = recordProperty("AudioObjectGetPropertyDataSize", object, address);
-        const auto size = static_cast<std::uint32_t>(valueOf(object, address).size());
-        if (afterSize) afterSize();
-        return {status, size};
+    Result<std::string> AudioObjectGetPropertyData(platform::DeviceUID property) override {
+        return answer("DeviceUID", find(property.device).uid);
     }
-    PropertySize
-    AudioObjectGetPropertyData(Object object, const Address& address, std::span<std::byte> data) override {
-        const OSStatus status = recordProperty("AudioObjectGetPropertyData", object, address);
-        const std::vector<std::byte> value = valueOf(object, address);
-        if (status != platform::noErr) return {status, 0};
-        // A list may have become shorter since its size was asked for.
-        const bool isList = object == platform::kAudioObjectSystemObject;
-        if (isList ? value.size() > data.size() : value.size() != data.size())
-            return {platform::kAudioHardwareBadPropertySizeError, 0};
-        std::ranges::copy(value, data.begin());
-        return {platform::noErr, static_cast<std::uint32_t>(value.size())};
+    Result<std::string> AudioObjectGetPropertyData(platform::DeviceName property) override {
+        return answer("DeviceName", find(property.device).name);
     }
-    OSStatus AudioObjectSetPropertyData(Object object, const Address& address, Bytes data) override {
-        const OSStatus status =
-            recordProperty("AudioObjectSetPropertyData", object, address, "=", textOf(data));
-        const std::scoped_lock guard(mutex);
-        if (status == platform::noErr) find(object)->bufferSize = read<std::uint32_t>(data);
+    SizedResult<std::vector<std::uint32_t>> AudioObjectGetPropertyData(platform::StreamConfiguration property
+    ) override {
+        const ScriptedDevice& device = find(property.device);
+        const bool isInput = property.scope == platform::AudioScope::input;
+        const auto& streams = isInput ? device.inputStreams : device.outputStreams;
+        return sized("StreamConfiguration size", "StreamConfiguration data", streams);
+    }
+    Result<double> AudioObjectGetPropertyData(platform::NominalSampleRate property) override {
+        return answer("NominalSampleRate", find(property.device).sampleRate);
+    }
+    Result<std::uint32_t> AudioObjectGetPropertyData(platform::BufferFrameSize property) override {
+        return answer("BufferFrameSize", find(property.device).bufferSize);
+    }
+    Result<bool> AudioObjectGetPropertyData(platform::DeviceIsAlive) override {
+        return answer("DeviceIsAlive", true);
+    }
+    OSStatus AudioObjectSetPropertyData(platform::BufferFrameSize property, std::uint32_t frames) override {
+        const OSStatus status = step("set BufferFrameSize");
+        if (status == platform::noErr) find(property.device).bufferSize = frames;
         return status;
     }
-    ListenerRegistration
-    AudioObjectAddPropertyListenerBlock(Object object, const Address& address, Listener block) override {
-        const OSStatus status = recordProperty("AudioObjectAddPropertyListenerBlock", object, address);
-        const std::scoped_lock guard(mutex);
-        if (status == platform::noErr) listeners.push_back(std::move(block));
-        return {status, status == platform::noErr ? listeners.size() : 0};
+    Result<std::unique_ptr<platform::AudioDeviceWatch>>
+    AudioObjectAddPropertyListenerBlock(platform::AudioObjectID, platform::AudioDeviceChange, std::function<void()>)
+        override {
+        if (const OSStatus status = step("listener"); status != platform::noErr) return status;
+        return std::unique_ptr<platform::AudioDeviceWatch>(std::make_unique<Watch>(listenerCount));
     }
-    OSStatus AudioObjectRemovePropertyListenerBlock(platform::AudioObjectPropertyListenerID listener
-    ) override {
-        return record("AudioObjectRemovePropertyListenerBlock", listener);
+    platform::AudioComponent AudioComponentFindNext(const platform::AudioComponentDescription&) override {
+        return step("AudioComponentFindNext") == platform::noErr ? 77 : 0;
     }
-    platform::AudioComponent AudioComponentFindNext(const platform::AudioComponentDescription& wanted
+    /// A failure of status `noErr` gives success without a unit.
+    Result<std::unique_ptr<platform::AudioUnit>> AudioComponentInstanceNew(platform::AudioComponent
     ) override {
-        const OSStatus status = record(
-            "AudioComponentFindNext", codeText(wanted.componentType), codeText(wanted.componentSubType),
-            codeText(wanted.componentManufacturer)
+        const OSStatus status = step("AudioComponentInstanceNew");
+        if (status != platform::noErr) return status;
+        return std::unique_ptr<platform::AudioUnit>(
+            failures.contains("AudioComponentInstanceNew") ? nullptr : std::make_unique<Unit>(*this)
         );
-        return status == platform::noErr ? 77 : 0;
-    }
-    /// Where its failure is no error, it comes back without a unit, though with success.
-    NewInstance AudioComponentInstanceNew(platform::AudioComponent component) override {
-        const OSStatus status = record("AudioComponentInstanceNew", component);
-        if (status != platform::noErr || failures.contains("AudioComponentInstanceNew"))
-            return {status, nullptr};
-        return {status, reinterpret_cast<Unit>(this)};
-    }
-    OSStatus AudioComponentInstanceDispose(Unit) override { return record("AudioComponentInstanceDispose"); }
-    OSStatus AudioUnitSetProperty(
-        Unit, std::uint32_t property, std::uint32_t scope, std::uint32_t element, Bytes data
-    ) override {
-        if (property == platform::kAudioOutputUnitProperty_SetInputCallback)
-            inputCallback = read<platform::AURenderCallbackStruct>(data);
-        if (property == platform::kAudioUnitProperty_SetRenderCallback)
-            renderCallback = read<platform::AURenderCallbackStruct>(data);
-        if (property == platform::kAudioUnitProperty_MaximumFramesPerSlice)
-            maximumFrames = read<std::uint32_t>(data);
-        return record("AudioUnitSetProperty", property, scope, element, "=", textOf(data));
-    }
-    /// 3 cycles were late, at priority 70; no failure has a reason.
-    PropertySize AudioUnitGetProperty(
-        Unit, std::uint32_t property, std::uint32_t, std::uint32_t, std::span<std::byte> data
-    ) override {
-        if (property == platform::kAudioOutputUnitProperty_FailureReason)
-            return {platform::kAudioUnitErr_InvalidProperty, 0};
-        const std::uint32_t value = property == platform::kAudioOutputUnitProperty_XRunCount ? 3 : 70;
-        std::ranges::copy(platform::bytesOf(value), data.begin());
-        return {record("AudioUnitGetProperty"), sizeof value};
-    }
-    OSStatus AudioUnitInitialize(Unit) override { return record("AudioUnitInitialize"); }
-    OSStatus AudioUnitUninitialize(Unit) override { return record("AudioUnitUninitialize"); }
-    OSStatus AudioOutputUnitStart(Unit) override { return record("AudioOutputUnitStart"); }
-    OSStatus AudioOutputUnitStop(Unit) override { return record("AudioOutputUnitStop"); }
-    OSStatus AudioUnitRender(
-        Unit, platform::AudioUnitRenderActionFlags&, const platform::AudioTimeStamp&, std::uint32_t bus,
-        std::uint32_t frameCount, platform::AudioBufferList& buffers
-    ) noexcept override {
-        if (frameCount > maximumFrames) return platform::kAudioUnitErr_TooManyFramesToProcess;
-        for (std::size_t channel = 0; channel < buffers.mBuffers.size(); ++channel) {
-            const platform::AudioBuffer& buffer = buffers.mBuffers[channel];
-            if (bus != 1 || buffer.mNumberChannels != 1 || buffer.mDataByteSize != frameCount * sizeof(float))
-                return platform::kAudio_ParamError;
-            for (std::uint32_t i = 0; i < frameCount; ++i)
-                static_cast<float*>(buffer.mData)[i] =
-                    static_cast<float>(channel) + static_cast<float>(i) / 65536.0F;
-        }
-        return platform::noErr;
     }
 
   private:
-    template <class... Parts>
-    static std::string joined(const Parts&... parts) {
-        std::ostringstream line;
-        const char* separator = "";
-        ((line << std::exchange(separator, " ") << parts), ...);
-        return line.str();
+    struct Unit final : platform::AudioUnit {
+        explicit Unit(ScriptedAudioHardware& maker) : hardware(maker) { ++hardware.unitCount; }
+        ~Unit() override {
+            EXPECT_FALSE(isInitialized || isRunning);
+            --hardware.unitCount;
+        }
+
+        OSStatus AudioUnitSetProperty(const platform::AudioUnitProperty& property) override {
+            constexpr std::string_view names[] = {"EnableIO",         "CurrentDevice",
+                                                  "StreamFormat",     "MaximumFramesPerSlice",
+                                                  "SetInputCallback", "SetRenderCallback"};
+            if (const auto* callback = std::get_if<platform::SetInputCallback>(&property))
+                hardware.inputCallback = *callback;
+            return hardware.step(names[property.index()]);
+        }
+        OSStatus AudioUnitInitialize() override {
+            isInitialized = true;
+            return hardware.step("AudioUnitInitialize");
+        }
+        OSStatus AudioUnitUninitialize() override {
+            isInitialized = false;
+            return hardware.step("AudioUnitUninitialize");
+        }
+        OSStatus AudioOutputUnitStart() override {
+            isRunning = true;
+            return hardware.step("AudioOutputUnitStart");
+        }
+        OSStatus AudioOutputUnitStop() override {
+            isRunning = false;
+            return hardware.step("AudioOutputUnitStop");
+        }
+        OSStatus AudioUnitRender(std::span<const std::span<float>>, std::uint32_t) noexcept override {
+            return hardware.step("AudioUnitRender");
+        }
+        [[nodiscard]] std::uint32_t xrunCount() const override { return 0; }
+        [[nodiscard]] int realtimePriority() const override { return 0; }
+        [[nodiscard]] std::string failureReason() const override { return {}; }
+
+        ScriptedAudioHardware& hardware;
+        bool isInitialized = false;
+        bool isRunning = false;
+    };
+
+    struct Watch final : platform::AudioDeviceWatch {
+        explicit Watch(int& present) : count(present) { ++count; }
+        ~Watch() override { --count; }
+
+        int& count;
+    };
+
+    OSStatus step(std::string_view name) {
+        const auto found = failures.find(name);
+        OSStatus status = found == failures.end() ? platform::noErr : found->second;
+        if (failingStep == stepCount++) status = failure;
+        if (status != platform::noErr) failedStep = name;
+        return status;
     }
 
-    static std::string codeText(std::uint32_t code) {
-        return {
-            static_cast<char>(code >> 24U), static_cast<char>(code >> 16U), static_cast<char>(code >> 8U),
-            static_cast<char>(code)};
+    template <class T>
+    Result<T> answer(std::string_view name, const T& value) {
+        const OSStatus status = step(name);
+        return status == platform::noErr ? Result<T>(value) : Result<T>(status);
     }
 
-    template <class Value>
-    static Value read(Bytes data) {
-        Value value;
-        std::memcpy(&value, data.data(), sizeof value);
+    template <class T>
+    SizedResult<T> sized(std::string_view sizeStep, std::string_view dataStep, const T& value) {
+        using enum platform::SizedReadFailure::Step;
+        if (const OSStatus status = step(sizeStep); status != platform::noErr)
+            return platform::SizedReadFailure{size, status};
+        if (const OSStatus status = step(dataStep); status != platform::noErr)
+            return platform::SizedReadFailure{data, status};
         return value;
     }
 
-    static std::string textOf(Bytes data) {
-        if (data.size() == sizeof(std::uint32_t)) return std::to_string(read<std::uint32_t>(data));
-        if (data.size() == sizeof(platform::AURenderCallbackStruct)) return "callback";
-        const auto format = read<platform::AudioStreamBasicDescription>(data);
-        return joined(
-            format.mSampleRate, codeText(format.mFormatID), format.mFormatFlags, format.mBytesPerPacket,
-            format.mFramesPerPacket, format.mBytesPerFrame, format.mChannelsPerFrame, format.mBitsPerChannel
-        );
+    [[nodiscard]] ScriptedDevice& find(platform::AudioObjectID id) {
+        return *std::ranges::find(devices, id, &ScriptedDevice::id);
     }
-
-    /// Writes the call down and says what it answers.
-    template <class... Parts>
-    OSStatus record(const Parts&... parts) {
-        const std::string call = joined(parts...);
-        const std::scoped_lock guard(mutex);
-        calls.push_back(call);
-        if (failingCall == calls.size() - 1) return failure;
-        for (const auto& [beginning, status] : failures)
-            if (call.starts_with(beginning)) return status;
-        return platform::noErr;
-    }
-
-    template <class... Parts>
-    OSStatus recordProperty(const char* name, Object object, const Address& address, const Parts&... more) {
-        return record(name, object, codeText(address.mSelector), codeText(address.mScope), more...);
-    }
-
-    [[nodiscard]] ScriptedDevice* find(Object id) {
-        return &*std::ranges::find(devices, id, &ScriptedDevice::id);
-    }
-
-    [[nodiscard]] std::vector<std::byte> valueOf(Object object, const Address& address) {
-        const std::scoped_lock guard(mutex);
-        std::vector<std::byte> bytes;
-        const auto append = [&bytes](const auto& value) {
-            bytes.insert(bytes.end(), platform::bytesOf(value).begin(), platform::bytesOf(value).end());
-        };
-        if (object == platform::kAudioObjectSystemObject) {
-            for (const ScriptedDevice& device : devices)
-                append(device.id);
-            return bytes;
-        }
-        const ScriptedDevice& device = *find(object);
-        switch (address.mSelector) {
-        case platform::kAudioDevicePropertyDeviceUID:
-            append(&device.uid);
-            break;
-        case platform::kAudioObjectPropertyName:
-            append(&device.name);
-            break;
-        case platform::kAudioDevicePropertyNominalSampleRate:
-            append(device.sampleRate);
-            break;
-        case platform::kAudioDevicePropertyBufferFrameSize:
-            append(device.bufferSize);
-            break;
-        case platform::kAudioDevicePropertyDeviceIsAlive:
-            append(std::uint32_t{1});
-            break;
-        default:
-            const auto& streams = address.mScope == platform::kAudioObjectPropertyScopeInput
-                                      ? device.inputStreams
-                                      : device.outputStreams;
-            if (streams.empty()) break;
-            append(platform::StreamConfigurationHeader{static_cast<std::uint32_t>(streams.size())});
-            for (const std::uint32_t channels : streams)
-                append(platform::AudioBuffer{.mNumberChannels = channels});
-        }
-        return bytes;
-    }
-
-    std::mutex mutex;
-    std::vector<Listener> listeners;
-    platform::AURenderCallbackStruct inputCallback;
-    platform::AURenderCallbackStruct renderCallback;
-    std::uint32_t maximumFrames = 0;
 };
 
 } // namespace orvane::test

@@ -1,8 +1,8 @@
-#include "audio/buffer_size_negotiation.h"
-
-#include "platform/audio_hardware/property_bytes.h"
+#include "audio/buffer_size.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace orvane::audio {
 
@@ -36,21 +36,32 @@ std::string refusedSizeWarning(std::uint32_t requested, OSStatus status) {
 
 } // namespace
 
-std::optional<std::uint32_t> readBufferSize(AudioHardware& hardware, AudioObjectID device) {
-    std::uint32_t frameCount = 0;
-    const PropertySize read =
-        hardware.AudioObjectGetPropertyData(device, bufferSizeAddress, platform::writableBytesOf(frameCount));
-    return read.status == noErr ? std::optional(frameCount) : std::nullopt;
-}
-
 BufferSizeAgreement
 negotiateBufferSize(AudioHardware& hardware, AudioObjectID device, std::uint32_t requested) {
-    const OSStatus status =
-        hardware.AudioObjectSetPropertyData(device, bufferSizeAddress, platform::bytesOf(requested));
-    const std::uint32_t actual = readBufferSize(hardware, device).value_or(requested);
-    if (actual != requested) return {actual, otherSizeWarning(actual, requested, status)};
+    const OSStatus status = hardware.AudioObjectSetPropertyData(BufferFrameSize{device}, requested);
+    const auto actual = hardware.AudioObjectGetPropertyData(BufferFrameSize{device});
+    if (actual && actual.value() != requested)
+        return {actual.value(), otherSizeWarning(actual.value(), requested, status)};
     if (status != noErr) return {requested, refusedSizeWarning(requested, status)};
     return {requested, std::nullopt};
+}
+
+std::unique_ptr<AudioDeviceWatch> watchBufferSize(
+    AudioHardware& hardware, AudioObjectID device, std::uint32_t requested, std::uint32_t agreed,
+    BufferSizeHandler handler
+) {
+    // Copies of the listener share it.
+    const auto lastReportedBufferFrameSize = std::make_shared<std::uint32_t>(agreed);
+    auto watch = hardware.AudioObjectAddPropertyListenerBlock(
+        device, AudioDeviceChange::bufferSize,
+        [&hardware, device, requested, lastReportedBufferFrameSize, handler = std::move(handler)] {
+            const auto now = hardware.AudioObjectGetPropertyData(BufferFrameSize{device});
+            if (!now || now.value() == requested || now.value() == *lastReportedBufferFrameSize) return;
+            *lastReportedBufferFrameSize = now.value();
+            if (handler) handler(now.value());
+        }
+    );
+    return watch ? std::move(watch).value() : nullptr;
 }
 
 } // namespace orvane::audio
