@@ -11,7 +11,7 @@ namespace orvane::audio {
 
 /// One audio device as the hardware layer described it. A plain value.
 struct AudioDeviceInfo {
-    /// Names the device in lists and pickers; holds only while the device is present.
+    /// Names the device in lists and pickers; valid only while the device is present.
     platform::AudioObjectID id = 0;
     /// Names the device across reconnections.
     std::string uid;

@@ -11,7 +11,7 @@
 namespace orvane::audio {
 
 /// Why the hardware layer could not be asked about its devices. A plain value.
-struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Assign): not so
+struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Assign): a false positive
     platform::OSStatus status = platform::noErr;
     /// The query that failed.
     std::string what;
@@ -22,8 +22,7 @@ struct AudioDeviceManagerError { // NOLINT(clang-analyzer-core.uninitialized.Ass
     bool operator==(const AudioDeviceManagerError&) const = default;
 };
 
-/// Lists and describes the devices of a hardware layer. Keeps nothing: every call asks afresh. Made where it
-/// is needed. Main thread.
+/// Lists and describes the devices of a hardware layer. Stateless: every call queries it afresh. Main thread.
 class AudioDeviceManager final {
   public:
     template <class T>
@@ -36,7 +35,7 @@ class AudioDeviceManager final {
     /// fails only if the list itself cannot be read.
     Result<std::vector<AudioDeviceInfo>> allDevices();
 
-    /// One device as it is now, asked without any other. Fails if it is gone or cannot be described in full.
+    /// One device as it is now, queried alone. Fails if it is gone or cannot be described in full.
     Result<AudioDeviceInfo> device(platform::AudioObjectID id);
 
   private:

@@ -15,7 +15,7 @@ namespace orvane::audio {
 struct BufferSizeAgreement {
     /// Frames per cycle.
     std::uint32_t frameCount = 0;
-    /// What the person at the screen should know if the device did not do as it was asked.
+    /// A warning for the person at the screen if the device did not do as it was asked.
     std::optional<std::string> warning;
 };
 

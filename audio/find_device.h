@@ -10,15 +10,15 @@
 
 namespace orvane::audio {
 
-/// The device that a command line asks for: of `uid`, or the first with inputs and outputs if absent, among
-/// those on offer. `hardware` tells why a device that is there is not on offer. Main thread.
+/// The device that a command line asks for among those `offered`: the one of `uid`, or the first with inputs
+/// and outputs if absent. The error says if `hardware` lists the device although it is not offered. Main
+/// thread.
 platform::Result<AudioDeviceInfo> findDevice(
     platform::AudioHardware& hardware, const std::vector<AudioDeviceInfo>& offered,
     const std::optional<std::string>& uid
 );
 
-/// Why a device cannot run at the rate that was asked for, in Hz, as one sentence; nothing if it can or no
-/// rate was asked for.
+/// Why a device cannot run at `wantedRate`, in Hz, as one sentence; absent if it can or no rate is wanted.
 std::optional<std::string>
 rateProblem(const AudioDeviceInfo& device, const std::optional<unsigned>& wantedRate);
 

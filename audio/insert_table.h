@@ -11,10 +11,10 @@
 
 namespace orvane::audio {
 
-/// The loaded inserts of every strip in slot order. Never changed once it is built; it shares the contexts
-/// with whoever loaded them, and goes back to the control side to let go of them.
+/// The loaded inserts of every strip in slot order. Never changed once it is built. It shares the contexts
+/// with the rack that loaded them; the control side destroys it.
 struct InsertTable {
-    /// Per strip, per slot: the effect to run, or nothing.
+    /// Per strip, per slot: the effect to run; null if the slot is empty.
     std::vector<std::vector<std::shared_ptr<plugins::InsertRenderContext>>> pluginContexts;
     /// Per strip, per slot: true = skipped. A missing flag means not bypassed.
     std::vector<std::vector<bool>> pluginBypassFlags;
@@ -25,7 +25,7 @@ struct InsertTable {
                && pluginBypassFlags[strip][slot];
     }
 
-    /// Whether something is to be run on the strip.
+    /// Whether the strip has an effect to run.
     [[nodiscard]] bool hasInserts(std::size_t strip) const noexcept {
         if (strip >= pluginContexts.size()) return false;
         const auto& slots = pluginContexts[strip];
@@ -34,7 +34,7 @@ struct InsertTable {
         return false;
     }
 
-    /// Runs the strip's effects over its block, each on what the one before it gave.
+    /// Runs the strip's effects over its block, each on the output of the one before.
     ORVANE_REALTIME void render(std::size_t strip, std::span<double> block) const noexcept {
         if (strip >= pluginContexts.size()) return;
         const auto& slots = pluginContexts[strip];

@@ -14,12 +14,12 @@ namespace orvane::audio {
 namespace {
 
 constexpr unsigned fewestProcessors = 4;
-/// One is the I/O thread's, one everybody else's.
+/// One processor is for the I/O thread, one for all other programs.
 constexpr unsigned sparedProcessors = 2;
 constexpr unsigned mostWorkers = 6;
 
-/// What remains after a block of the most that one has taken: effects that gather samples and then work on
-/// many at once come back to it soon.
+/// How much of the recent maximum remains after a block: effects that collect samples and process them in
+/// bursts reach it again soon.
 constexpr double remembered = 0.9995;
 constexpr double nanosecondsPerSecond = 1e9;
 
@@ -38,8 +38,8 @@ InsertWorkers::InsertWorkers(
       items(stripCount),
       samples(stripCount, plugins::InsertRenderContext::maximumFrames) {
     workers.reserve(workerCount);
-    // They begin at different strips, so that few reach for the same one. With fewer of them than wanted the
-    // I/O thread has more to do itself.
+    // They begin at different strips, so that few compete for the same one. With fewer workers than requested
+    // the I/O thread renders more of the strips.
     try {
         for (std::size_t number = 0; number < workerCount; ++number)
             workers.emplace_back([this, takePriority, first = (number + 1) * stripCount / (workerCount + 1)] {

@@ -17,32 +17,31 @@ namespace orvane::audio {
 
 /// A few real-time threads that help the I/O thread with the inserts of a block once those take too much of
 /// its time. Every strip is rendered by one thread, so the bits are those of the I/O thread alone. The I/O
-/// thread takes part in the work and then waits for the last strips, but not for ever: one that a worker has
-/// begun and not finished in time goes without its inserts until that worker has let go of it. A worker
-/// renders into memory of its own, so what comes too late is lost and disturbs nothing. Owned by the state of
-/// a run.
+/// thread takes part in the work and then waits for the last strips for a limited time: a strip that a worker
+/// has begun and not finished by then stays without its inserts until that worker has finished it. A worker
+/// renders into memory of its own, so a late result is dropped without a trace. Owned by the state of a run.
 class InsertWorkers final {
   public:
     /// Shares of a block's duration.
     struct Limits {
-        /// The work is shared out when a block has lately taken more than the first, and no longer when none
-        /// has taken more than the second.
+        /// Sharing begins when a recent block took more than the first, and ends when no recent block took
+        /// more than the second.
         double sharedFrom = 0.6;
         double unsharedBelow = 0.4;
         /// How long after the beginning of the inserts the I/O thread waits for a strip.
         double waitedFor = 0.75;
     };
 
-    /// The workers that a machine of so many processors has room for: none below four.
+    /// The number of workers for a machine with so many processors; 0 below four.
     static std::size_t countFor(unsigned processors);
 
-    /// Puts the calling thread before all ordinary ones; gives the priority, 0 where there is none to be had.
+    /// Gives the calling thread real-time priority. Returns the priority, 0 if it was refused.
     using TakePriority = int (*)() noexcept;
 
-    /// Starts `workerCount` threads, or as many, at least one, as the system has threads and memory for.
-    /// Throws std::system_error or std::bad_alloc where it has none.
-    /// Each takes its priority first. One that gets none ends: any ordinary thread could hold it up at a
-    /// strip, which would be left dry.
+    /// Starts `workerCount` threads, or fewer, at least one, if threads or memory run out. Throws
+    /// std::system_error or std::bad_alloc if not even one can be started.
+    /// Each worker takes its priority first and ends if it is refused: ordinary threads could preempt it
+    /// within a strip, which would stay without its inserts.
     InsertWorkers(
         std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given,
         TakePriority takePriority = platform::takeRealtimePriority
@@ -52,36 +51,36 @@ class InsertWorkers final {
     InsertWorkers(const InsertWorkers&) = delete;
     InsertWorkers& operator=(const InsertWorkers&) = delete;
 
-    /// Ends the workers and waits for the strips that they are at, `platform::stopPatience` at most. Returns
-    /// false if one does not return from an insert: then this, the tables that it was given and their inserts
-    /// must never be freed. Once `run` is not called any more; not real-time safe.
+    /// Ends the workers and waits for the strips that they render, `platform::stopPatience` at most. Returns
+    /// false if one does not return from an insert: then this object, the tables that it was given and their
+    /// inserts must never be freed. Must not run beside `run`; not real-time safe.
     [[nodiscard]] bool end();
 
-    /// Renders the inserts of every strip that is `routed` over its block, in place. `blocks` are no longer
-    /// than effects render. `blockSeconds`: how long a block lasts. I/O thread, real-time safe.
+    /// Renders the inserts of every strip that is `routed` over its block, in place. `blocks` are at most as
+    /// long as effects can render. `blockSeconds`: the duration of a block. I/O thread, real-time safe.
     ORVANE_REALTIME void
     run(const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed,
         double blockSeconds) noexcept;
 
-    /// The workers that have their priority: at first none, all that ever will soon after. The I/O thread
-    /// shares nothing while there are none. Any thread.
+    /// The workers that have their priority: 0 at first, final soon after. The I/O thread renders alone while
+    /// it is 0. Any thread.
     [[nodiscard]] std::size_t helperCount() const noexcept { return helpers.load(std::memory_order_relaxed); }
 
-    /// Whether a worker is still at a strip that a pass has gone on without, and so at the table of that
+    /// Whether a worker still renders a strip that its pass did not wait for, and so uses the table of that
     /// pass. Any thread.
     [[nodiscard]] bool isLate() const noexcept;
 
   private:
     enum class Stage : std::uint32_t {
-        /// The I/O thread's.
+        /// Owned by the I/O thread.
         idle,
-        /// Whoever comes first takes it.
+        /// The first thread to take it owns it.
         offered,
-        /// Its taker's.
+        /// Owned by the thread that took it.
         taken,
-        /// Rendered; the I/O thread's.
+        /// Rendered; owned by the I/O thread.
         done,
-        /// The worker's that took it, and nobody waits for it.
+        /// Owned by the worker that took it; its result is dropped.
         late,
     };
 
@@ -93,7 +92,7 @@ class InsertWorkers final {
         std::uint64_t ticks = 0;
     };
 
-    /// Both give the seconds of work that it was.
+    /// Both return the rendering time in seconds.
     ORVANE_REALTIME double renderAlone(
         const InsertTable& table, dsp::ChannelBlocks<double>& blocks, std::span<const bool> routed
     ) noexcept;
@@ -104,7 +103,7 @@ class InsertWorkers final {
 
     ORVANE_REALTIME void
     offer(std::size_t strip, const InsertTable& table, std::span<const double> block) noexcept;
-    /// Renders all that is on offer, from a strip on and around.
+    /// Renders all offered strips, beginning at `first` and wrapping around.
     ORVANE_REALTIME void takeFrom(std::size_t first) noexcept;
     ORVANE_REALTIME void render(std::size_t strip) noexcept;
     ORVANE_REALTIME double
@@ -118,7 +117,7 @@ class InsertWorkers final {
     dsp::ChannelBlocks<double> samples;
     bool isSharing = false;
     double mostLately = 0.0;
-    /// Counts what workers are woken for.
+    /// Workers sleep until it changes.
     std::atomic<std::uint32_t> round = 0;
     std::atomic<bool> isEnding = false;
     std::atomic<std::size_t> helpers = 0;

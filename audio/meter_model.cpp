@@ -22,7 +22,7 @@ void MeterModel::update(const MixerRealtimeState& state) {
     masterMeter.set(reading.masterLevel);
     masterGain.set(reading.masterGain);
     channelGainReductionDB.set(std::move(reading.gainReductionDB));
-    // What is not finite would stay in the smoothed level for good.
+    // An infinity or NaN would stay in the smoothed level for good.
     const double shown = pinkNoiseLevel.get();
     const double level = std::isfinite(reading.referenceNoiseLevel) ? reading.referenceNoiseLevel : shown;
     pinkNoiseLevel.set(shown + (level - shown) * noiseLevelSmoothing);

@@ -8,7 +8,7 @@
 
 namespace orvane::audio {
 
-/// What every meter shows. Made once with the engine, which owns it; views subscribe to it. Main thread.
+/// The values of all meters. Made once with the engine, which owns it; views subscribe to it. Main thread.
 class MeterModel final {
   public:
     /// `channelCount`: strips.
@@ -28,10 +28,10 @@ class MeterModel final {
     /// Linear RMS of the reference noise, smoothed from update to update.
     Published<double> pinkNoiseLevel;
 
-    /// Shows what a run has measured last; to be called once per tick of the meters.
+    /// Publishes the last readings of a run. Called once per tick of the meters.
     void update(const MixerRealtimeState& state);
 
-    /// Says that nothing runs: no load. All else stays as it was last.
+    /// Publishes a load of 0 after a run has ended; all other values stay.
     void showStopped() { cpuLoad.set(0.0); }
 };
 

@@ -11,10 +11,10 @@ namespace orvane::audio {
 /// updates. Main thread.
 class MeterTimer final {
   public:
-    /// Both outlive the timer.
+    /// Both must outlive the timer.
     MeterTimer(platform::MainThread& thread, MeterModel& meters) : mainThread(thread), model(meters) {}
 
-    /// Shows `state` at every tick while somebody else keeps it alive; in place of what was shown before.
+    /// Shows `state`, instead of any earlier one, at every tick as long as its owner keeps it alive.
     void start(std::weak_ptr<const MixerRealtimeState> state);
 
     /// Ends the updates and shows no load.

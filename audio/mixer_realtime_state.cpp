@@ -20,7 +20,7 @@ MixerRealtimeState::MixerRealtimeState(std::size_t channelCount, platform::HostC
       strips(channelCount),
       meterSnapshot(channelCount, 0.0),
       gainReductionSnapshot(channelCount, 0.0) {
-    // The first block brings one level more than there are strips, and must not allocate for it.
+    // The first block publishes one level more than there are strips, and must not allocate for it.
     meterSnapshot.reserve(channelCount + 1);
 }
 

@@ -26,7 +26,7 @@ namespace orvane::audio {
 /// The rings of one device, one per output channel.
 using RingBuffers = std::vector<std::unique_ptr<RingBuffer>>;
 
-/// What the meters show of the last block.
+/// The meter values of the last block.
 struct MeterReading {
     /// Linear RMS of each channel after all gains: one per strip until the first block has run, then one
     /// more, the reference noise's.
@@ -56,13 +56,14 @@ class MixerRealtimeState final {
 
     // Set by the control side before the devices start; fixed while they run.
 
-    /// Of the main device, in Hz.
+    /// The main device's, in Hz.
     double sampleRate = 48000.0;
     /// One ring per output channel of the main device.
     RingBuffers outputRingBuffers;
-    /// One ring per output channel of a separate master device; none if the master bus goes to the main
+    /// One ring per output channel of a separate master device; empty if the master bus goes to the main
     /// device.
     RingBuffers masterOutputRingBuffers;
+
     // Control thread, at any time.
 
     /// Replaces the routing; one entry per strip in each list.
@@ -74,8 +75,8 @@ class MixerRealtimeState final {
     /// Replaces the inserts.
     void updatePlugins(InsertTable inserts);
 
-    /// Frees the tables that `updateRouting` and `updatePlugins` replaced and no pass holds any more; true
-    /// when none is left, so that nothing withdrawn is in use.
+    /// Frees the tables that `updateRouting` and `updatePlugins` replaced and no pass holds any more. Returns
+    /// whether all are freed, so that no withdrawn insert is in use.
     bool freeRetired();
 
     /// Linear gain of the reference noise; 0 switches it off.
@@ -86,10 +87,10 @@ class MixerRealtimeState final {
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     [[nodiscard]] double cpuLoad() const noexcept;
 
-    /// The blocks that have been rendered. Any thread.
+    /// Blocks rendered so far. Any thread.
     [[nodiscard]] std::uint64_t blockCount() const noexcept { return blocks.load(std::memory_order_relaxed); }
 
-    /// An insert that a thread is within.
+    /// An insert that a thread is executing.
     struct RunningInsert {
         std::size_t strip = 0;
         /// Names strip, slot and effect.
@@ -98,32 +99,33 @@ class MixerRealtimeState final {
     /// The first insert that is being rendered now; absent if none is.
     [[nodiscard]] std::optional<RunningInsert> runningInsert() const;
 
-    /// Ends the use of all inserts after a thread that renders them has been abandoned, also by that thread.
+    /// Ends the use of all inserts, also by a thread that was abandoned while it rendered them.
     void abandonInserts();
 
     // Render thread.
 
-    /// Sizes the scratch for blocks of `frameCount` frames. Also to be called before the devices start, with
-    /// the longest block that they may bring.
+    /// Sizes the scratch for blocks of `frameCount` frames. Called once before the devices start, with the
+    /// longest block that they can deliver.
     void ensureScratch(std::size_t frameCount);
 
     [[nodiscard]] ORVANE_REALTIME double noiseGain() const noexcept;
 
-    /// Makes the processor's levels and the scratch's gain reduction what the meters show.
+    /// Publishes the processor's levels and the scratch's gain reduction to the meters.
     ORVANE_REALTIME void publishMeters(const dsp::AutomixProcessor& automix) noexcept;
 
-    /// Counts a block that has been rendered.
+    /// Counts a rendered block.
     ORVANE_REALTIME void countBlock() noexcept { blocks.fetch_add(1, std::memory_order_relaxed); }
 
-    /// Moves the load a step towards what a block of `frameCount` frames took that began at `startTicks`.
+    /// Moves the load a step towards that of a block of `frameCount` frames whose rendering began at
+    /// `startTicks`.
     ORVANE_REALTIME void publishLoad(std::uint64_t startTicks, std::size_t frameCount) noexcept;
 
     const platform::HostClock clock;
     RenderTable<RoutingTable> routing;
     RenderTable<InsertTable> inserts{[this] { return insertWorkers && insertWorkers->isLate(); }};
-    /// Who helps the I/O thread with inserts; nobody if absent, which a device whose clock is stepped needs:
-    /// what comes too late is left out. Set before the devices start. After `inserts`, so that it goes first:
-    /// a worker may still be at a table, and its end waits for that.
+    /// Helps the I/O thread with inserts; may be null. Must be null on a device whose clock is stepped,
+    /// because late results are dropped. Set before the devices start. Declared after `inserts`, so that it
+    /// is destroyed first and waits for workers that still use a table.
     std::unique_ptr<InsertWorkers> insertWorkers;
     dsp::PinkNoiseGenerator pinkNoise;
     RenderScratch scratch;

@@ -12,10 +12,10 @@ namespace {
 
 /// Scales the reference noise on top of its gain.
 constexpr double referenceNoiseScale = 0.6;
-/// The smallest gain whose reduction is shown, -120 dB.
+/// The smallest gain that the reduction meters show, -120 dB.
 constexpr double smallestShownGain = 1e-6;
 
-/// The working parts of one pass, in the order they run.
+/// The steps of one pass, in the order they run.
 class Pass final {
   public:
     Pass(

@@ -9,20 +9,20 @@
 
 namespace orvane::audio {
 
-/// The working memory of the render pass, which alone touches it.
+/// The working memory of the render pass. Render thread.
 class RenderScratch final {
   public:
-    /// `channelCount`: strips; the block and the mask entry after the last one are the reference noise's.
+    /// `channelCount`: strips; one more block and mask entry are for the reference noise.
     explicit RenderScratch(std::size_t channelCount);
 
-    /// Sizes all blocks for `frameCount` frames and the given numbers of device outputs, zero-filled, where
-    /// any of the three has changed. Allocates only when they outgrow all earlier ones.
+    /// Sizes all blocks for `frameCount` frames and the given numbers of device outputs and fills them with
+    /// zeros if any of the three has changed. Allocates only when they outgrow all earlier ones.
     void ensure(std::size_t frameCount, std::size_t outputCount, std::size_t masterOutputCount);
 
-    /// True where the strip's block holds audio this pass; channelCount + 1 entries.
+    /// Whether each strip's block holds audio in this pass; channelCount + 1 entries.
     [[nodiscard]] std::span<bool> routedMaskScratch() noexcept { return {routedMask.get(), maskSize}; }
 
-    /// What each channel captured, (channelCount + 1) x frameCount.
+    /// The input of each channel, (channelCount + 1) x frameCount.
     dsp::ChannelBlocks<double> inputBlocksScratch;
     /// The sum that each device output will play, in double and in single precision.
     dsp::ChannelBlocks<double> outputSumsScratch;

@@ -13,12 +13,12 @@
 namespace orvane::audio {
 
 /// A table that the control side replaces whole while the render pass reads it. The pass holds the table it
-/// began with until its end, neither copies nor counts references, and never frees: a replaced table comes
-/// back to the control side, which frees it once no pass can hold it. One control thread, one render thread.
+/// began with until its end, neither copies nor counts references, and never frees: the control side keeps a
+/// replaced table and frees it once no pass can hold it. One control thread, one render thread.
 template <class Table>
 class RenderTable final {
   public:
-    /// What a pass works on; ends the pass's hold when it goes out of scope. Render thread, real-time safe.
+    /// A pass's hold on a table, until it goes out of scope. Render thread, real-time safe.
     class Hold final {
       public:
         explicit Hold(RenderTable& from) noexcept : owner(from), table(from.acquire()) {}
@@ -34,13 +34,13 @@ class RenderTable final {
         const Table* table;
     };
 
-    /// Whether somebody is still at the table of a pass that has ended.
+    /// Whether another thread still uses the table of a pass that has ended.
     using IsBorrowed = std::function<bool()>;
 
     explicit RenderTable(IsBorrowed borrowed = [] { return false; })
         : isBorrowed(std::move(borrowed)), current(std::make_unique<const Table>()) {}
 
-    /// The next pass works on `next`. Control thread.
+    /// Makes the next pass use `next`. Control thread.
     void replace(std::unique_ptr<const Table> next) {
         retired.reserve(retired.size() + 1);
         {
@@ -51,7 +51,7 @@ class RenderTable final {
         freeRetired();
     }
 
-    /// Frees the replaced tables that no pass holds; true when none is left. Control thread.
+    /// Frees the replaced tables that no pass holds. Returns whether all are freed. Control thread.
     bool freeRetired() {
         const Table* inUse = nullptr;
         {
@@ -63,7 +63,7 @@ class RenderTable final {
         return retired.empty();
     }
 
-    /// Calls `look` with the current table and with every one that a pass may still hold. Control thread.
+    /// Calls `look` with the current table and with every table that a pass may still hold. Control thread.
     template <class Look>
     void visit(Look&& look) const {
         look(*current);

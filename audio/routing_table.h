@@ -12,7 +12,7 @@
 
 namespace orvane::audio {
 
-/// One device output that a signal goes to, with the linear gain it goes there at.
+/// A device output that a signal is sent to, and the linear gain of the send.
 struct Send {
     std::size_t channel;
     double gain;
@@ -23,7 +23,7 @@ struct Send {
 /// The sends of one signal, at most a pair.
 class Sends final {
   public:
-    /// A negative channel is no output of any device: it is left out.
+    /// Ignores negative channels.
     void add(std::int64_t channel, double gain) noexcept {
         if (channel >= 0) sends[count++] = {static_cast<std::size_t>(channel), gain};
     }
@@ -36,14 +36,14 @@ class Sends final {
     std::size_t count = 0;
 };
 
-/// Where a strip's signal goes; a stereo pair at constant power, from -1 all left to +1 all right.
+/// The sends of a strip; a stereo pair is panned at constant power, from -1 (left) to +1 (right).
 Sends sendsOf(const session::OutputRouting& routing) noexcept;
 
-/// Where the master bus goes; both sides of a pair get the same.
+/// The sends of the master bus; both sides of a pair get the same signal.
 Sends sendsOf(const session::MasterOutputRouting& routing) noexcept;
 
-/// What the render pass needs of the routing of the session, worked out on the control side so that a pass
-/// only looks things up. Never changed once it is built.
+/// The session's routing as the render pass needs it, computed on the control side so that a pass only looks
+/// it up. Never changed once it is built.
 struct RoutingTable {
     RoutingTable() = default;
     RoutingTable(
@@ -51,12 +51,12 @@ struct RoutingTable {
         const session::MasterOutputRouting& master
     );
 
-    /// Device input of each strip, where it has one that is not negative.
+    /// Device input of each strip; absent if it has none or a negative one.
     std::vector<std::optional<std::size_t>> routingInputs;
     std::vector<Sends> routingOutputs;
     Sends masterSends;
-    /// Device outputs that some strip, the master bus, or either of them names: ascending, each once. They
-    /// may lie beyond what the device has.
+    /// Device outputs that a strip, the master bus, or either of them uses: ascending, each once. The device
+    /// may have fewer outputs.
     std::vector<std::size_t> activeOutputChannels;
     std::vector<std::size_t> activeMasterOutputChannels;
     std::vector<std::size_t> activeChannelsWithMaster;

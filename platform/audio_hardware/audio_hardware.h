@@ -17,13 +17,13 @@
 
 namespace orvane::platform {
 
-/// A device of the hardware layer. Handed out once per device uid for the life of the process, so that a
-/// device that comes back has the id it had.
+/// A device of the hardware layer. Assigned once per device uid for the life of the process, so that a device
+/// that comes back has the same id.
 using AudioObjectID = std::uint32_t;
-/// The system itself, which no device shares its id with.
+/// The system itself; never the id of a device.
 inline constexpr AudioObjectID kAudioObjectSystemObject = 1;
 
-/// What a device captures or what it plays.
+/// A direction of a device's streams.
 enum class AudioScope { input, output };
 
 // Properties of the hardware layer, each a question about one device. Error messages name some of them by
@@ -87,8 +87,8 @@ struct CurrentDevice {
     AudioObjectID device = 0;
 };
 
-/// kAudioUnitProperty_StreamFormat: linear PCM of 32-bit floats, packed, one block a channel; what the unit
-/// hands to its input callback or takes from its render callback.
+/// kAudioUnitProperty_StreamFormat: the format that the unit captures or plays. Always linear PCM of 32-bit
+/// floats, packed, not interleaved.
 struct StreamFormat {
     AudioScope scope = AudioScope::input;
     /// In Hz.
@@ -122,8 +122,8 @@ struct SetRenderCallback {
 using AudioUnitProperty = std::variant<
     EnableIO, CurrentDevice, StreamFormat, MaximumFramesPerSlice, SetInputCallback, SetRenderCallback>;
 
-/// An instance of the hardware output unit, which captures from and plays to one device. Destroying it is
-/// AudioComponentInstanceDispose. Main thread but where said otherwise.
+/// An instance of the hardware output unit, which captures from and plays to one device. Its destructor is
+/// AudioComponentInstanceDispose. Main thread unless stated otherwise.
 class AudioUnit {
   public:
     virtual ~AudioUnit() = default;
@@ -146,18 +146,18 @@ class AudioUnit {
 
     /// Cycles that came late or lost samples since the last start.
     [[nodiscard]] virtual std::uint32_t xrunCount() const = 0;
-    /// The real-time priority of the I/O thread, 0 if it has none.
+    /// The real-time priority of the I/O thread; 0 if it has none.
     [[nodiscard]] virtual int realtimePriority() const = 0;
     /// Why the unit could not be initialised or started last, as one sentence for people; empty if only the
-    /// status says.
+    /// status is known.
     [[nodiscard]] virtual std::string failureReason() const = 0;
 };
 
-/// A component that instances can be made of; 0 is none.
+/// A component that instances can be made of; 0 if none was found.
 using AudioComponent = std::uint32_t;
 
 /// The audio hardware of the machine: devices with properties and listeners, and the unit that runs one.
-/// Main thread but where said otherwise. Outlives every unit and listener.
+/// Main thread unless stated otherwise. Must outlive every unit and listener.
 class AudioHardware {
   public:
     virtual ~AudioHardware() = default;
@@ -173,7 +173,7 @@ class AudioHardware {
     virtual Result<std::uint32_t, OSStatus> AudioObjectGetPropertyData(BufferFrameSize property) = 0;
     virtual Result<bool, OSStatus> AudioObjectGetPropertyData(DeviceIsAlive property) = 0;
 
-    /// `noErr` says that the request was taken, not that it was granted: read it back.
+    /// `noErr` means that the request was accepted, not that it was granted: read it back.
     virtual OSStatus AudioObjectSetPropertyData(BufferFrameSize property, std::uint32_t frameCount) = 0;
 
     /// Calls `block` on the hardware layer's notification thread at every such change of a device. Destroying
@@ -182,6 +182,7 @@ class AudioHardware {
         AudioObjectID device, AudioDeviceChange change, std::function<void()> block
     ) = 0;
 
+    /// Finds the output unit by its exact description.
     virtual AudioComponent AudioComponentFindNext(const AudioComponentDescription& description) = 0;
     virtual Result<std::unique_ptr<AudioUnit>, OSStatus> AudioComponentInstanceNew(AudioComponent component
     ) = 0;

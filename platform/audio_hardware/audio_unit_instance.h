@@ -17,7 +17,7 @@ namespace orvane::platform {
 
 /// The hardware output unit: takes properties, opens the device's stream, and turns the stream's cycles into
 /// the input and the render callback, one after the other. A cycle that is longer than the maximum slice is
-/// rendered in slices of at most that length. Main thread but for its cycles.
+/// rendered in slices of at most that length. Main thread except for its cycles.
 class AudioUnitInstance final : public AudioUnit, private AudioStreamClient {
   public:
     /// `deviceRegistry` must outlive the unit.
@@ -62,8 +62,8 @@ class AudioUnitInstance final : public AudioUnit, private AudioStreamClient {
 
     std::unique_ptr<AudioStream> stream;
     std::string reason;
-    /// What the render callback fills: the device's own blocks, then spare ones for channels that the device
-    /// does not have.
+    /// The blocks that the render callback fills: the device's own, then spare ones for channels that the
+    /// device does not have.
     std::vector<std::span<float>> outputBlocks;
     std::vector<std::vector<float>> spareOutputs;
 

@@ -12,11 +12,11 @@
 
 namespace orvane::platform {
 
-/// Where an object id leads.
+/// The device that an id stands for.
 struct RegisteredDevice {
     AudioDriver& driver;
     const std::string uid;
-    /// The device as it was listed last; nothing if it was not present. Main thread.
+    /// Its description from the last listing; absent if it was not present. Main thread.
     std::optional<AudioDriverDevice> listed;
 };
 

@@ -21,7 +21,7 @@ constexpr OSStatus fourCharStatus(const char (&characters)[5]) noexcept {
     return static_cast<OSStatus>(fourCharCode(characters));
 }
 
-// What calls on audio devices answer with when they fail.
+// Failures of calls on audio devices.
 inline constexpr OSStatus kAudioHardwareUnspecifiedError = fourCharStatus("what");
 inline constexpr OSStatus kAudioHardwareIllegalOperationError = fourCharStatus("nope");
 inline constexpr OSStatus kAudioHardwareBadObjectError = fourCharStatus("!obj");
@@ -30,7 +30,7 @@ inline constexpr OSStatus kAudioDeviceUnsupportedFormatError = fourCharStatus("!
 /// Another program has the device for itself.
 inline constexpr OSStatus kAudioDevicePermissionsError = fourCharStatus("!hog");
 
-// What calls on audio units answer with when they fail.
+// Failures of calls on audio units.
 /// A callback did not return in time; the unit must never be disposed of.
 inline constexpr OSStatus kAudioUnitErr_CallbackAbandoned = fourCharStatus("hung");
 inline constexpr OSStatus kAudioUnitErr_InvalidParameter = -10878;
