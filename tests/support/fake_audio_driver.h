@@ -15,7 +15,7 @@
 
 namespace orvane::test {
 
-/// A driver whose devices are what the test says and whose cycles the test makes.
+/// A driver whose devices and cycles the test determines.
 class FakeAudioDriver final : public platform::AudioDriver {
   public:
     explicit FakeAudioDriver(std::vector<platform::AudioDriverDevice> devices)

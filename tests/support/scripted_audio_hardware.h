@@ -55,7 +55,7 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
     /// The callback that a unit was given last.
     platform::SetInputCallback inputCallback;
 
-    /// What has been made and not been given back.
+    /// Objects that have been made and not been given back.
     int unitCount = 0;
     int listenerCount = 0;
 
@@ -128,28 +128,23 @@ class ScriptedAudioHardware final : public platform::AudioHardware {
                 hardware.inputCallback = *callback;
             return hardware.step(names[property.index()]);
         }
-        OSStatus AudioUnitInitialize() override {
-            isInitialized = true;
-            return hardware.step("AudioUnitInitialize");
-        }
+        OSStatus AudioUnitInitialize() override { return set(isInitialized, true, "AudioUnitInitialize"); }
         OSStatus AudioUnitUninitialize() override {
-            isInitialized = false;
-            return hardware.step("AudioUnitUninitialize");
+            return set(isInitialized, false, "AudioUnitUninitialize");
         }
-        OSStatus AudioOutputUnitStart() override {
-            isRunning = true;
-            return hardware.step("AudioOutputUnitStart");
-        }
-        OSStatus AudioOutputUnitStop() override {
-            isRunning = false;
-            return hardware.step("AudioOutputUnitStop");
-        }
+        OSStatus AudioOutputUnitStart() override { return set(isRunning, true, "AudioOutputUnitStart"); }
+        OSStatus AudioOutputUnitStop() override { return set(isRunning, false, "AudioOutputUnitStop"); }
         OSStatus AudioUnitRender(std::span<const std::span<float>>, std::uint32_t) noexcept override {
             return hardware.step("AudioUnitRender");
         }
         [[nodiscard]] std::uint32_t xrunCount() const override { return 0; }
         [[nodiscard]] int realtimePriority() const override { return 0; }
         [[nodiscard]] std::string failureReason() const override { return {}; }
+
+        [[nodiscard]] OSStatus set(bool& state, bool to, std::string_view name) const {
+            state = to;
+            return hardware.step(name);
+        }
 
         ScriptedAudioHardware& hardware;
         bool isInitialized = false;

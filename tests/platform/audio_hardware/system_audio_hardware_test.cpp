@@ -44,8 +44,8 @@ TEST_F(SystemAudioHardwareTest, DescribesDevicesUnderIdsThatStayTheirs) {
     const AudioDriverDevice card = driver.present[0];
     driver.present.erase(driver.present.begin());
     EXPECT_EQ(devices(), std::vector{ids[1]});
-    EXPECT_FALSE(get(DeviceIsAlive{ids[0]}).value());
     EXPECT_EQ(get(NominalSampleRate{ids[0]}).error(), kAudioHardwareBadDeviceError);
+    EXPECT_FALSE(get(DeviceIsAlive{ids[0]}).value());
     driver.present.push_back(card);
     EXPECT_EQ(devices(), (std::vector{ids[1], ids[0]}));
     EXPECT_TRUE(get(DeviceIsAlive{ids[0]}).value());
