@@ -1,6 +1,6 @@
 #include "app/command_line.h"
 
-#include "engine/show.h"
+#include "engine/buffer_sizes.h"
 #include "machine/process.h"
 
 #include <CLI/CLI.hpp>

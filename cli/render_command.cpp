@@ -4,7 +4,7 @@
 #include "cli/progress_bar.h"
 #include "cli/render.h"
 #include "cli/standard_input.h"
-#include "engine/show.h"
+#include "engine/buffer_sizes.h"
 #include "machine/forced_end.h"
 #include "machine/signals.h"
 

@@ -1,7 +1,7 @@
 #include "cli/command_line.h"
 
 #include "cli/live_run.h"
-#include "engine/show.h"
+#include "engine/buffer_sizes.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #include "engine/mixer_engine.h"
 
-#include "audio/audio_device_manager.h"
+#include "engine/buffer_sizes.h"
 #include "engine/routing_operations.h"
 
 #include <fmt/format.h>
@@ -17,8 +17,6 @@ namespace {
 using audio::AudioDeviceInfo;
 using platform::Uuid;
 using session::ChannelStrip;
-using session::MasterSettings;
-using Strips = std::vector<ChannelStrip>;
 
 constexpr const char* masterResetWarning =
     "Master Out was reset to \"None\" because its previously-selected channel(s) don't exist on the current "
@@ -51,13 +49,10 @@ rateWarning(const AudioDeviceInfo& main, const std::optional<AudioDeviceInfo>& m
 
 MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
     : services(std::move(platformServices)),
+      mix(channelCount, published, services.mainThread),
       meters(channelCount),
-      pluginOperations(
-          {.state = published,
-           .editStrip = [this](const Uuid& strip, const auto& edit) { editStrip(strip, edit); },
-           .realtimeState = [this] { return running ? running->realtimeState().get() : nullptr; }},
-          services
-      ),
+      rack(mix, published, services),
+      presets(services.applicationSupport, services.log),
       meterTimer(services.mainThread, meters),
       standstillWatch(
           services.mainThread, services.clock,
@@ -66,13 +61,7 @@ MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
       midiInput(services, published, [this](std::span<const midi::NoteMessage> notes) {
           handleMIDINotes(notes);
       }) {
-    published.channelStrips.set(session::makeDefaultStrips(channelCount));
     midiInput.start();
-}
-
-MixerEngine::~MixerEngine() {
-    running.reset();
-    pluginOperations.rack().runHasStopped();
 }
 
 void MixerEngine::start() {
@@ -95,44 +84,45 @@ void MixerEngine::startOrThrow() {
         return;
     }
     // While the mixer was stopped, it did not learn of other rates or channels.
-    describeChosenDevices();
-    const bool masterWasReset = validateMasterOutputRouting();
-    const std::vector<std::string> refusals = pluginOperations.rack().followSampleRate();
-    RunningAudio::Devices devices{.main = *published.selectedDevice.get(), .master = {}};
+    devices.describeChosen();
+    const bool masterWasReset = devices.validateMasterOutputRouting();
+    const std::vector<std::string> refusals = rack.followSampleRate();
+    RunningAudio::Setup setup{
+        .main = *published.selectedDevice.get(),
+        .bufferSize = published.bufferSize.get(),
+        .insertWorkers = services.insertWorkers};
     const std::optional<AudioDeviceInfo>& master = published.masterOutputDevice.get();
-    if (master && master->id != devices.main.id) devices.master = master;
+    if (master && master->id != setup.main.id) setup.master = master;
+    std::optional<std::string> rates = rateWarning(setup.main, setup.master);
 
-    auto started = RunningAudio::start(
-        services.audioHardware, services.clock, devices, show(),
-        {pluginOperations.insertTable(), services.insertWorkers}, makeObserver()
+    auto run = std::make_shared<RunningAudio>(
+        services.audioHardware, services.clock, std::move(setup), mix.values()
     );
-    if (!started) {
-        // What its devices have told by now is not to replace the reason.
-        runIsOn.reset();
+    if (const auto started = run->start(observerOf(run)); !started) {
+        // Its devices are free again, and can report nothing, before a subscriber learns the reason.
+        run.reset();
         published.lastError.set(started.error().description);
         return;
     }
-    running = std::move(started).value();
     std::string warnings;
-    append(warnings, running->mainWarning());
+    append(warnings, run->mainWarning());
     if (masterWasReset) append(warnings, masterResetWarning);
-    append(warnings, running->masterWarning());
-    append(warnings, rateWarning(devices.main, devices.master));
+    append(warnings, run->masterWarning());
+    append(warnings, rates);
     for (const std::string& refusal : refusals)
         append(warnings, refusal);
-    published.isRunning.set(true);
+    const std::weak_ptr<const audio::MixerRealtimeState> state = run->realtimeState();
+    mix.setRun(std::move(run));
     published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
-    meterTimer.start(running->realtimeState());
-    standstillWatch.start(running->realtimeState());
+    meterTimer.start(state);
+    standstillWatch.start(state);
 }
 
 void MixerEngine::stop() {
-    runIsOn.reset();
-    running.reset();
-    published.isRunning.set(false);
+    mix.setRun(nullptr);
     meterTimer.stop();
     standstillWatch.stop();
-    pluginOperations.rack().runHasStopped();
+    rack.runHasStopped();
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
@@ -147,145 +137,33 @@ bool MixerEngine::takeBufferSize(std::int64_t frameCount) {
     return true;
 }
 
-void MixerEngine::refreshDevices() {
-    auto devices = audio::AudioDeviceManager(services.audioHardware).allDevices();
-    if (!devices) {
-        published.lastError.set("Failed to enumerate audio devices: " + devices.error().description());
-        return;
-    }
-    std::erase_if(devices.value(), [](const AudioDeviceInfo& device) {
-        return device.inputChannelCount < 1 && device.outputChannelCount < 1;
-    });
-    published.availableDevices.set(std::move(devices).value());
-    published.deviceAdvice.set(services.deviceAdvice());
-    for (const AudioDeviceInfo& device : published.availableDevices.get())
-        updateChosenDevices(device);
-}
-
-void MixerEngine::describeChosenDevices() {
-    audio::AudioDeviceManager manager(services.audioHardware);
-    for (const auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice})
-        if (const auto& known = chosen->get())
-            if (const auto device = manager.device(known->id)) updateChosenDevices(device.value());
-}
-
-void MixerEngine::updateChosenDevices(const AudioDeviceInfo& device) {
-    for (auto* const chosen : {&published.selectedDevice, &published.masterOutputDevice}) {
-        const std::optional<AudioDeviceInfo>& known = chosen->get();
-        if (known && known->id == device.id && known->uid == device.uid && *known != device)
-            chosen->set(device);
-    }
-}
-
-void MixerEngine::selectDevice(const AudioDeviceInfo& device) {
-    published.selectedDevice.set(device);
-    editStrips([&device](Strips& strips) {
-        assignDefaultRouting(strips, device.inputChannelCount, device.outputChannelCount);
-    });
-    validateMasterOutputRouting();
-}
-
-void MixerEngine::selectMasterOutputDevice(const std::optional<AudioDeviceInfo>& device) {
-    published.masterOutputDevice.set(device);
-    validateMasterOutputRouting();
-}
-
-void MixerEngine::refreshMIDIDevices() {
-    midiInput.refreshDevices();
-}
-
-void MixerEngine::selectMIDIDevice(std::optional<std::int32_t> sourceID) {
-    midiInput.select(sourceID);
-}
-
-double MixerEngine::bufferLatencyMs() const {
-    const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
-    if (!device || !(device->sampleRate > 0.0)) return 0.0;
-    return static_cast<double>(published.bufferSize.get()) / device->sampleRate * 1000.0;
-}
-
-std::int64_t MixerEngine::ringBufferBytes() const {
-    constexpr std::int64_t bytesPerFrame = 32; // eight blocks of four bytes
-    const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
-    if (!device) return 0;
-    return std::max<std::int64_t>(device->outputChannelCount, 0) * published.bufferSize.get() * bytesPerFrame;
-}
-
-void MixerEngine::setName(const Uuid& strip, std::string name) {
-    editStrip(strip, [&name](ChannelStrip& edited) { edited.name = std::move(name); });
-}
-
-void MixerEngine::setInputChannel(const Uuid& strip, std::optional<std::int64_t> channel) {
-    editStrip(strip, [channel](ChannelStrip& edited) { edited.inputChannelIndex = channel; });
-}
-
 void MixerEngine::setOutputChannel(const Uuid& strip, std::optional<std::int64_t> channel) {
-    editStrip(strip, [channel](ChannelStrip& edited) {
+    mix.editStrip(strip, [channel](ChannelStrip& edited) {
         edited.outputRouting = session::output::None{};
         if (channel) edited.outputRouting = session::output::Mono{*channel};
     });
 }
 
 void MixerEngine::setStereo(const Uuid& strip, bool on) {
-    editStrip(strip, [on](ChannelStrip& edited) {
+    mix.editStrip(strip, [on](ChannelStrip& edited) {
         edited.outputRouting = on ? asStereo(edited.outputRouting) : asMono(edited.outputRouting);
     });
 }
 
 void MixerEngine::setStereoPair(const Uuid& strip, std::int64_t left) {
-    editStrip(strip, [left](ChannelStrip& edited) {
+    mix.editStrip(strip, [left](ChannelStrip& edited) {
         edited.outputRouting = withStereoPair(edited.outputRouting, left);
     });
 }
 
 void MixerEngine::setPan(const Uuid& strip, double pan) {
-    editStrip(strip, [pan](ChannelStrip& edited) {
+    mix.editStrip(strip, [pan](ChannelStrip& edited) {
         edited.outputRouting = withPan(edited.outputRouting, pan);
     });
 }
 
-void MixerEngine::setGenderMode(const Uuid& strip, dsp::GenderTriggerMode mode) {
-    editStrip(strip, [mode](ChannelStrip& edited) { edited.genderMode = mode; });
-}
-
-void MixerEngine::setVocalRole(const Uuid& strip, dsp::VocalRole role) {
-    editStrip(strip, [role](ChannelStrip& edited) { edited.vocalRole = role; });
-}
-
-void MixerEngine::setMuted(const Uuid& strip, bool muted) {
-    editStrip(strip, [muted](ChannelStrip& edited) { edited.muted = muted; });
-}
-
-void MixerEngine::setBypassed(const Uuid& strip, bool bypassed) {
-    editStrip(strip, [bypassed](ChannelStrip& edited) { edited.bypassed = bypassed; });
-}
-
-void MixerEngine::setTrim(const Uuid& strip, double trim) {
-    editStrip(strip, [trim](ChannelStrip& edited) { edited.trim = trim; });
-}
-
-void MixerEngine::setMasterTargetDB(double targetDB) {
-    editMaster([targetDB](MasterSettings& edited) { edited.levels.masterTargetDB = targetDB; });
-}
-
-void MixerEngine::setLeadGroupGainDB(double gainDB) {
-    editMaster([gainDB](MasterSettings& edited) { edited.levels.leadGroupGainDB = gainDB; });
-}
-
-void MixerEngine::setBackingGroupGainDB(double gainDB) {
-    editMaster([gainDB](MasterSettings& edited) { edited.levels.backingGroupGainDB = gainDB; });
-}
-
-void MixerEngine::setReferenceNoiseGain(double linearGain) {
-    editMaster([linearGain](MasterSettings& edited) { edited.referenceNoiseGain = linearGain; });
-}
-
-void MixerEngine::setDuckerReleaseMs(double releaseMs) {
-    editMaster([releaseMs](MasterSettings& edited) { edited.duckerReleaseMs = releaseMs; });
-}
-
 void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
-    editMaster([&routing](MasterSettings& edited) { edited.masterOutputRouting = routing; });
+    mix.editMaster([&routing](session::MasterSettings& edited) { edited.masterOutputRouting = routing; });
 }
 
 void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
@@ -296,96 +174,31 @@ void MixerEngine::setMasterOutputChannel(std::optional<std::int64_t> channel) {
 }
 
 void MixerEngine::setMasterStereo(bool on) {
-    const session::MasterOutputRouting& routing = published.master.get().masterOutputRouting;
+    const session::MasterOutputRouting& routing = mix.master().masterOutputRouting;
     setMasterOutputRouting(on ? asStereo(routing) : asMono(routing));
 }
 
 void MixerEngine::setMasterStereoPair(std::int64_t left) {
-    setMasterOutputRouting(withStereoPair(published.master.get().masterOutputRouting, left));
+    setMasterOutputRouting(withStereoPair(mix.master().masterOutputRouting, left));
 }
 
 void MixerEngine::resetRoutingOneToOne() {
     const std::optional<AudioDeviceInfo>& device = published.selectedDevice.get();
     if (!device) return;
-    editStrips([&device](Strips& strips) {
+    mix.editStrips([&device](Mix::Strips& strips) {
         engine::resetRoutingOneToOne(strips, device->inputChannelCount, device->outputChannelCount);
     });
 }
 
 void MixerEngine::allOutputsOff() {
-    editStrips([](Strips& strips) {
+    mix.editStrips([](Mix::Strips& strips) {
         for (ChannelStrip& strip : strips)
             strip.outputRouting = session::output::None{};
     });
 }
 
-void MixerEngine::editMaster(const std::function<void(MasterSettings&)>& edit) {
-    MasterSettings settings = published.master.get();
-    edit(settings);
-    setMaster(settings);
-}
-
-void MixerEngine::setMaster(const MasterSettings& settings) {
-    if (running) running->setMaster(settings);
-    if (settings.masterOutputRouting != published.master.get().masterOutputRouting)
-        pushRouting(settings.masterOutputRouting);
-    published.master.set(settings);
-}
-
-void MixerEngine::editStrip(const Uuid& strip, const std::function<void(ChannelStrip&)>& edit) {
-    const Strips& strips = published.channelStrips.get();
-    const auto found = std::ranges::find(strips, strip, &ChannelStrip::id);
-    if (found == strips.end()) return;
-    editStrips([&edit, index = found - strips.begin()](Strips& edited) {
-        edit(edited[static_cast<std::size_t>(index)]);
-    });
-}
-
-void MixerEngine::editStrips(const std::function<void(Strips&)>& edit) {
-    Strips strips = published.channelStrips.get();
-    edit(strips);
-    try {
-        published.channelStrips.set(std::move(strips));
-    } catch (...) {
-        // What is shown is heard, also where somebody who was told of it fails.
-        pushStrips();
-        throw;
-    }
-    pushStrips();
-}
-
-void MixerEngine::pushStrips() {
-    pushRouting(published.master.get().masterOutputRouting);
-    pluginOperations.pushInserts();
-    if (running) running->automix().setSettings(automixSettings(published.channelStrips.get()));
-}
-
-void MixerEngine::pushRouting(const session::MasterOutputRouting& master) {
-    if (running) engine::pushRouting(*running->realtimeState(), published.channelStrips.get(), master);
-}
-
-bool MixerEngine::validateMasterOutputRouting() {
-    if (exists(published.master.get().masterOutputRouting, masterCapacity())) return false;
-    setMasterOutputRouting(session::output::None{});
-    return true;
-}
-
-std::int64_t MixerEngine::masterCapacity() const {
-    if (const auto& master = published.masterOutputDevice.get()) return master->outputChannelCount;
-    if (const auto& main = published.selectedDevice.get()) return main->outputChannelCount;
-    return 0;
-}
-
-Show MixerEngine::show() const {
-    return {
-        .channelStrips = published.channelStrips.get(),
-        .master = published.master.get(),
-        .bufferSize = published.bufferSize.get()};
-}
-
-RunningAudio::Observer MixerEngine::makeObserver() {
-    runIsOn = std::make_shared<const bool>(true);
-    const auto onMainThread = [this, run = std::weak_ptr(runIsOn)](auto report) {
+RunningAudio::Observer MixerEngine::observerOf(const std::shared_ptr<RunningAudio>& observed) {
+    const auto onMainThread = [this, run = std::weak_ptr(observed)](auto report) {
         services.mainThread.post([run, report = std::move(report)] {
             if (!run.expired()) report();
         });
@@ -419,9 +232,9 @@ void MixerEngine::reportBufferSizeChange(
 
 void MixerEngine::followSampleRate(const AudioDeviceInfo& device) {
     refreshDevices();
-    const auto& devices = published.availableDevices.get();
-    const auto now = std::ranges::find(devices, device.id, &AudioDeviceInfo::id);
-    if (now == devices.end() || now->sampleRate == device.sampleRate) return;
+    const auto& listed = published.availableDevices.get();
+    const auto now = std::ranges::find(listed, device.id, &AudioDeviceInfo::id);
+    if (now == listed.end() || now->sampleRate == device.sampleRate) return;
     std::string report = fmt::format(
         "The audio device {} has changed from {:.0f} to {:.0f} Hz, so the mixer has started again at the new "
         "rate.",
@@ -454,13 +267,13 @@ void MixerEngine::reportStandstill(const audio::MixerRealtimeState& state, bool 
     published.lastError.set(fmt::format(
         "No sound has been mixed for {:.0f} seconds, because the plugin {} on the strip \"{}\" does not "
         "return from its processing; stop the mixer, and remove the plugin.",
-        StandstillWatch::longestStandstill, insert->name, published.channelStrips.get()[insert->strip].name
+        StandstillWatch::longestStandstill, insert->name, mix.strips()[insert->strip].name
     ));
 }
 
 void MixerEngine::reportDeath(RunningAudio::Role role, const AudioDeviceInfo& device) {
     if (role == RunningAudio::Role::master) {
-        running->dropMaster();
+        mix.run()->dropMaster();
         published.lastError.set(fmt::format(
             "The master output device {} is gone, so the mix goes on without it; connect it again or select "
             "another device, then stop and start the mixer.",

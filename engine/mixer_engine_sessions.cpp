@@ -7,10 +7,22 @@
 
 namespace orvane::engine {
 
+struct MixerEngine::Backup {
+    MixValues mix;
+    InsertRack::Loads loads;
+    std::int64_t bufferSize;
+    std::vector<session::Snapshot> snapshots;
+    std::optional<std::int64_t> currentSnapshotIndex;
+    std::vector<bool> pluginSlotRecallSafe;
+    bool isRunning;
+    /// The run of that moment; gone if it has ended since.
+    std::weak_ptr<const RunningAudio> run;
+};
+
 session::MixerDocumentData MixerEngine::makeDocumentData() const {
     return {
-        .channels = pluginOperations.rack().capturedChannels(),
-        .master = published.master.get(),
+        .channels = rack.capturedChannels(),
+        .master = mix.master(),
         .bufferSize = published.bufferSize.get(),
         .snapshots = published.snapshots.get(),
         .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get()};
@@ -22,25 +34,24 @@ void MixerEngine::applyDocument(const session::MixerDocumentData& document) {
 }
 
 platform::Result<platform::Done> MixerEngine::loadDocument(const session::MixerDocumentData& document) {
-    const auto take = [this, &document] { takeDocument(document); };
-    if (changeMix(Extent::mixAndSnapshots, take)) return platform::Done{};
+    if (changeMix([this, &document] { takeDocument(document); })) return platform::Done{};
     return platform::Error{"There is not enough memory to load the session; the mixer is as it was."};
 }
 
 void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
-    editStrips([&document](auto& strips) { session::applySettings(document.channels, strips); });
+    mix.editStrips([&document](auto& strips) { session::applySettings(document.channels, strips); });
     if (takeBufferSize(document.bufferSize)) startOrThrow();
     published.snapshots.set(document.snapshots);
     published.currentSnapshotIndex.set(std::nullopt);
-    setMaster(document.master);
+    mix.setMaster(document.master);
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
-    restorePluginsFromStrips(plugins::RecordsFrom::session);
+    rack.restoreFromStrips(RecordsFrom::session);
 }
 
-bool MixerEngine::changeMix(Extent extent, const std::function<void()>& change) {
-    std::optional<MixBackup> before;
+bool MixerEngine::changeMix(const std::function<void()>& change) {
+    std::optional<Backup> before;
     try {
-        before = backUp(extent);
+        before = backUp();
         change();
         return true;
     } catch (const std::bad_alloc&) {
@@ -49,29 +60,25 @@ bool MixerEngine::changeMix(Extent extent, const std::function<void()>& change) 
     }
 }
 
-MixBackup MixerEngine::backUp(Extent extent) {
-    const bool withSnapshots = extent == Extent::mixAndSnapshots;
+MixerEngine::Backup MixerEngine::backUp() {
     return {
-        .channelStrips = published.channelStrips.get(),
-        .master = published.master.get(),
+        .mix = mix.values(),
+        .loads = rack.loads(),
         .bufferSize = published.bufferSize.get(),
-        .snapshots = withSnapshots ? std::optional(published.snapshots.get()) : std::nullopt,
+        .snapshots = published.snapshots.get(),
         .currentSnapshotIndex = published.currentSnapshotIndex.get(),
         .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get(),
-        .isRunning = published.isRunning.get(),
-        .run = runIsOn,
-        .plugins = pluginOperations.rack().livePlugins()};
+        .isRunning = mix.run() != nullptr,
+        .run = mix.run()};
 }
 
-void MixerEngine::takeBack(MixBackup before) {
-    pluginOperations.rack().takeBack(std::move(before.plugins));
-    published.channelStrips.set(std::move(before.channelStrips));
+void MixerEngine::takeBack(Backup before) {
+    mix.take(std::move(before.mix));
+    rack.takeBack(std::move(before.loads));
     published.bufferSize.set(before.bufferSize);
-    if (before.snapshots) published.snapshots.set(*std::move(before.snapshots));
+    published.snapshots.set(std::move(before.snapshots));
     published.currentSnapshotIndex.set(before.currentSnapshotIndex);
     published.pluginSlotRecallSafe.set(std::move(before.pluginSlotRecallSafe));
-    setMaster(before.master);
-    pushStrips();
     if (!before.isRunning || !before.run.expired()) return;
     stop();
     start();

@@ -36,16 +36,16 @@ void MixerEngine::recallCurrentSnapshot() {
 }
 
 void MixerEngine::recall(const std::function<void()>& change) {
-    if (changeMix(Extent::mix, change)) return;
+    if (changeMix(change)) return;
     published.lastError.set("There is not enough memory to recall the scene; the mixer is as it was.");
 }
 
 void MixerEngine::recallSelected() {
     if (scenes.selected() == nullptr) return;
     const session::Snapshot scene = *scenes.selected();
-    editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });
-    editMaster([&scene](auto& master) { master.levels = scene.levels; });
-    restorePluginsFromStrips();
+    mix.editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });
+    mix.editMaster([&scene](auto& master) { master.levels = scene.levels; });
+    rack.restoreFromStrips(RecordsFrom::scene);
 }
 
 void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {
@@ -84,10 +84,10 @@ void MixerEngine::handleMIDINotes(std::span<const midi::NoteMessage> notes) {
 }
 
 session::Snapshot MixerEngine::captureMix() const {
-    session::Snapshot mix;
-    mix.channels = pluginOperations.rack().capturedChannels();
-    mix.levels = published.master.get().levels;
-    return mix;
+    session::Snapshot captured;
+    captured.channels = rack.capturedChannels();
+    captured.levels = mix.master().levels;
+    return captured;
 }
 
 } // namespace orvane::engine

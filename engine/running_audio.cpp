@@ -89,48 +89,41 @@ void pushRouting(
     state.updateRouting(inputs, outputs, master);
 }
 
-platform::Result<std::unique_ptr<RunningAudio>> RunningAudio::start(
-    platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices, const Show& show,
-    Inserts inserts, const Observer& observer
-) {
-    std::unique_ptr<RunningAudio> run(new RunningAudio(hardware, clock, devices, show, std::move(inserts)));
-    run->connect(devices, observer);
-    auto begun = run->mainIO->setup();
-    if (begun) {
-        run->allocateFor(devices, show.bufferSize);
-        begun = run->mainIO->start();
-    }
-    if (!begun) return platform::Error{"Failed to start audio engine: " + begun.error().description()};
-    if (run->masterIO) {
-        begun = run->masterIO->setup();
-        if (begun) begun = run->masterIO->start();
-        if (!begun)
-            return platform::Error{fmt::format(
-                "Failed to start master output device ({}): {}", devices.master->name,
-                begun.error().description()
-            )};
-    }
-    return run;
-}
-
 RunningAudio::RunningAudio(
-    platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-    const Show& show, Inserts inserts
+    platform::AudioHardware& audioHardware, platform::HostClock clock, Setup runSetup, const MixValues& mix
 )
     : hardware(audioHardware),
+      setup(std::move(runSetup)),
       processor(std::make_shared<dsp::AutomixProcessor>(
-          show.channelStrips.size() + 1, devices.main.sampleRate,
-          devices.main.sampleRate / static_cast<double>(show.bufferSize), show.master.levels.masterTargetDB
+          mix.channelStrips.size() + 1, setup.main.sampleRate,
+          setup.main.sampleRate / static_cast<double>(setup.bufferSize), mix.master.levels.masterTargetDB
       )),
-      state(std::make_shared<audio::MixerRealtimeState>(show.channelStrips.size(), clock)) {
-    mainIO = makeIO(hardware, devices.main, show.bufferSize, Role::main);
-    setMaster(show.master);
-    processor->setSettings(automixSettings(show.channelStrips));
-    state->sampleRate = devices.main.sampleRate;
-    if (devices.master) masterIO = makeIO(hardware, *devices.master, show.bufferSize, Role::master);
-    pushRouting(*state, show.channelStrips, show.master.masterOutputRouting);
-    state->insertWorkers = makeWorkers(inserts.workers, show.channelStrips.size(), clock);
-    state->updatePlugins(std::move(inserts.table));
+      state(std::make_shared<audio::MixerRealtimeState>(mix.channelStrips.size(), clock)) {
+    mainIO = makeIO(hardware, setup.main, setup.bufferSize, Role::main);
+    setMaster(mix.master);
+    processor->setSettings(automixSettings(mix.channelStrips));
+    state->sampleRate = setup.main.sampleRate;
+    if (setup.master) masterIO = makeIO(hardware, *setup.master, setup.bufferSize, Role::master);
+    pushRouting(*state, mix.channelStrips, mix.master.masterOutputRouting);
+    state->insertWorkers = makeWorkers(setup.insertWorkers, mix.channelStrips.size(), clock);
+    state->updatePlugins(insertTable(mix.channelStrips, mix.plugins));
+}
+
+platform::Result<platform::Done> RunningAudio::start(const Observer& observer) {
+    connect(observer);
+    auto begun = mainIO->setup();
+    if (begun) {
+        allocate();
+        begun = mainIO->start();
+    }
+    if (!begun) return platform::Error{"Failed to start audio engine: " + begun.error().description()};
+    if (!masterIO) return platform::Done{};
+    begun = masterIO->setup();
+    if (begun) begun = masterIO->start();
+    if (begun) return platform::Done{};
+    return platform::Error{fmt::format(
+        "Failed to start master output device ({}): {}", setup.master->name, begun.error().description()
+    )};
 }
 
 RunningAudio::~RunningAudio() {
@@ -145,42 +138,43 @@ RunningAudio::~RunningAudio() {
     platform::abandon(processor);
 }
 
-void RunningAudio::allocateFor(const Devices& devices, std::int64_t bufferSize) {
+void RunningAudio::allocate() {
     const std::uint32_t mainFrames = mainIO->maximumFrames();
-    state->outputRingBuffers = makeRings(devices.main, bufferSize, mainFrames);
-    if (devices.master) {
+    state->outputRingBuffers = makeRings(setup.main, setup.bufferSize, mainFrames);
+    if (setup.master) {
         // Its own set-up asks again, but only once the main device runs and fills these rings.
         const std::uint32_t masterFrames =
-            audio::negotiateBufferSize(hardware, devices.master->id, static_cast<std::uint32_t>(bufferSize))
+            audio::negotiateBufferSize(
+                hardware, setup.master->id, static_cast<std::uint32_t>(setup.bufferSize)
+            )
                 .frameCount;
         state->masterOutputRingBuffers =
-            makeRings(*devices.master, bufferSize, std::max(mainFrames, masterFrames));
+            makeRings(*setup.master, setup.bufferSize, std::max(mainFrames, masterFrames));
     }
     processor->ensureScratch(mainFrames);
     state->ensureScratch(mainFrames);
 }
 
-void RunningAudio::connect(const Devices& devices, const Observer& observer) {
+void RunningAudio::connect(const Observer& observer) {
     mainIO->inputHandler = [processor = processor, state = state](auto captured, std::size_t frameCount) {
         audio::renderPass(captured, frameCount, *processor, *state);
     };
     mainIO->outputProvider = [state = state](auto outputs, std::size_t frameCount) {
         audio::outputPull(state->outputRingBuffers, outputs, frameCount);
     };
-    mainIO->onDeviceBufferSizeChangedExternally = [observer,
-                                                   device = devices.main](std::uint32_t frameCount) {
+    mainIO->onDeviceBufferSizeChangedExternally = [observer, device = setup.main](std::uint32_t frameCount) {
         observer.bufferSizeChanged(Role::main, device, frameCount);
     };
-    mainListeners = watch(Role::main, devices.main, observer);
+    mainListeners = watch(Role::main, setup.main, observer);
     if (!masterIO) return;
     masterIO->outputProvider = [state = state](auto outputs, std::size_t frameCount) {
         audio::outputPull(state->masterOutputRingBuffers, outputs, frameCount);
     };
     masterIO->onDeviceBufferSizeChangedExternally = [observer,
-                                                     device = *devices.master](std::uint32_t frameCount) {
+                                                     device = *setup.master](std::uint32_t frameCount) {
         observer.bufferSizeChanged(Role::master, device, frameCount);
     };
-    masterListeners = watch(Role::master, *devices.master, observer);
+    masterListeners = watch(Role::master, *setup.master, observer);
 }
 
 RunningAudio::Listeners

@@ -2,12 +2,15 @@
 
 #include "audio/audio_device_info.h"
 #include "audio/core_audio_io_engine.h"
-#include "audio/insert_table.h"
 #include "audio/mixer_realtime_state.h"
 #include "dsp/automix_processor.h"
-#include "engine/show.h"
+#include "engine/mix_values.h"
+#include "engine/session/channel_strip.h"
+#include "engine/session/master_output_routing.h"
+#include "engine/session/master_settings.h"
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/audio_hardware.h"
+#include "platform/base/host_clock.h"
 #include "platform/base/result.h"
 
 #include <cstddef>
@@ -25,10 +28,14 @@ namespace orvane::engine {
 /// thread.
 class RunningAudio final {
   public:
-    struct Devices {
+    struct Setup {
         audio::AudioDeviceInfo main;
         /// Absent: the master bus goes to the main device.
-        std::optional<audio::AudioDeviceInfo> master;
+        std::optional<audio::AudioDeviceInfo> master = {};
+        /// In frames.
+        std::int64_t bufferSize = 0;
+        /// How many threads help with the inserts.
+        std::size_t insertWorkers = 0;
     };
 
     /// What a device is used for.
@@ -44,17 +51,10 @@ class RunningAudio final {
         std::function<void(Role role, const audio::AudioDeviceInfo& device)> deviceDied;
     };
 
-    /// What runs on the strips, and how many threads help with it.
-    struct Inserts {
-        audio::InsertTable table;
-        std::size_t workers = 0;
-    };
-
-    /// Builds the path with its inserts, connects it and starts the main and then the master device. The
-    /// error is the whole sentence for the user; nothing runs then.
-    static platform::Result<std::unique_ptr<RunningAudio>> start(
-        platform::AudioHardware& hardware, platform::HostClock clock, const Devices& devices,
-        const Show& show, Inserts inserts, const Observer& observer
+    /// Builds the path of `mix`. `audioHardware` outlives it.
+    RunningAudio(
+        platform::AudioHardware& audioHardware, platform::HostClock clock, Setup runSetup,
+        const MixValues& mix
     );
 
     /// Stops the devices. An insert that has not returned by `platform::stopPatience` is abandoned, together
@@ -62,6 +62,10 @@ class RunningAudio final {
     ~RunningAudio();
     RunningAudio(const RunningAudio&) = delete;
     RunningAudio& operator=(const RunningAudio&) = delete;
+
+    /// Connects the path and starts the main and then the master device. Once. The error is the whole
+    /// sentence for the user, after which this is only to be destroyed.
+    platform::Result<platform::Done> start(const Observer& observer);
 
     /// What the devices' set-up had to say, absent where nothing.
     [[nodiscard]] const std::optional<std::string>& mainWarning() const { return mainIO->setupWarning(); }
@@ -82,19 +86,15 @@ class RunningAudio final {
     [[nodiscard]] int realtimePriority() const { return mainIO->realtimePriority(); }
 
   private:
-    RunningAudio(
-        platform::AudioHardware& audioHardware, platform::HostClock clock, const Devices& devices,
-        const Show& show, Inserts inserts
-    );
-
     /// All that the first cycle needs, for the block lengths that the devices agree to.
-    void allocateFor(const Devices& devices, std::int64_t bufferSize);
-    void connect(const Devices& devices, const Observer& observer);
+    void allocate();
+    void connect(const Observer& observer);
 
     using Listeners = std::vector<std::unique_ptr<platform::AudioDeviceWatch>>;
     [[nodiscard]] Listeners watch(Role role, const audio::AudioDeviceInfo& device, const Observer& observer);
 
     platform::AudioHardware& hardware;
+    const Setup setup;
     std::shared_ptr<dsp::AutomixProcessor> processor;
     std::shared_ptr<audio::MixerRealtimeState> state;
     std::unique_ptr<audio::CoreAudioIOEngine> mainIO;

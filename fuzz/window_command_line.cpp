@@ -2,7 +2,7 @@
 
 #include "app/command_line.h"
 #include "arguments.h"
-#include "engine/show.h"
+#include "engine/buffer_sizes.h"
 #include "fuzzer.h"
 
 #include <variant>

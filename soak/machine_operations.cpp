@@ -1,5 +1,7 @@
 #include "soak/operation.h"
 
+#include "engine/buffer_sizes.h"
+
 #include <algorithm>
 #include <iterator>
 

@@ -1,5 +1,7 @@
 #include "soak/published_invariants.h"
 
+#include "engine/buffer_sizes.h"
+#include "engine/mix_values.h"
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -317,7 +317,7 @@ TEST(Render, UsesTheSessionsPluginsAndSkipsMissingOnes) {
         EXPECT_THAT(
             mix(name),
             ElementsAre("Couldn't find installed plugin \"MDA Dynamics\" for Mic, slot 1 -- it may "
-                        "not be installed on this Mac.")
+                        "not be installed on this computer.")
         );
     for (session::ChannelSettingsData& channel : document.data.channels)
         channel.pluginSlots[0] = session::PluginSlot::makeEmpty();

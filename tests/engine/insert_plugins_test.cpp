@@ -320,7 +320,7 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     EXPECT_EQ(record(4).component, slots[4].component);
     EXPECT_EQ(
         message(),
-        "Couldn't find installed plugin \"?\" for Alto, slot 5 -- it may not be installed on this Mac."
+        "Couldn't find installed plugin \"?\" for Alto, slot 5 -- it may not be installed on this computer."
     );
     EXPECT_EQ(audioUnitHost.report.living, 4);
     // What is captured without a state keeps the one on record, or loses one that cannot be written.

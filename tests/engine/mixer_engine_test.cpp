@@ -1,3 +1,4 @@
+#include "engine/buffer_sizes.h"
 #include "mixer_engine_fixture.h"
 
 #include "support/random_document.h"

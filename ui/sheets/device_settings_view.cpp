@@ -1,6 +1,6 @@
 #include "ui/sheets/device_settings_view.h"
 
-#include "engine/show.h"
+#include "engine/buffer_sizes.h"
 #include "ui/controls/console_button.h"
 #include "ui/controls/divider.h"
 #include "ui/controls/menu_picker.h"

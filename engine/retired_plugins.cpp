@@ -1,4 +1,4 @@
-#include "plugins/retired_plugins.h"
+#include "engine/retired_plugins.h"
 
 #include "platform/base/abandoned.h"
 
@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-namespace orvane::plugins {
+namespace orvane::engine {
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr auto retryInterval = 10ms;
 RetiredPlugins::RetiredPlugins(platform::MainThread& thread, std::function<bool()> noneInUse)
     : mainThread(thread), nothingIsInUse(std::move(noneInUse)) {}
 
-void RetiredPlugins::add(const std::shared_ptr<LoadedInsertPlugin>& plugin) {
+void RetiredPlugins::add(const std::shared_ptr<plugins::LoadedInsertPlugin>& plugin) {
     inTables.push_back(plugin);
 }
 
@@ -43,4 +43,4 @@ void RetiredPlugins::release() {
     withdrawn.clear();
 }
 
-} // namespace orvane::plugins
+} // namespace orvane::engine

@@ -1,63 +1,38 @@
-#include "plugins/insert_rack.h"
+#include "engine/insert_rack.h"
 
 #include "platform/base/abandoned.h"
-#include "platform/base/stop_patience.h"
-#include "plugins/format_negotiation.h"
 #include "plugins/insert_components.h"
-#include "plugins/plugin_state.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <semaphore>
 #include <string_view>
-#include <system_error>
-#include <thread>
 #include <utility>
 #include <variant>
 
-namespace orvane::plugins {
+namespace orvane::engine {
 
 namespace {
 
 using platform::AUAudioUnit;
 using platform::AVAudioUnitComponent;
 using platform::Error;
+using plugins::identityOf;
+using plugins::LoadedInsertPlugin;
+using plugins::PluginLoadStates;
+using plugins::PluginSlotKey;
 using session::ChannelStrip;
 using session::PluginSlot;
+namespace load_state = plugins::load_state;
 
 constexpr std::uint32_t editorWindowStyle =
     platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable
     | platform::NSWindowStyleMaskMiniaturizable | platform::NSWindowStyleMaskResizable;
 
-/// The first block of a plugin may take its time, and is rendered before anybody waits for it. On a thread
-/// of its own, which is abandoned with the plugin if it does not return.
-void warmUp(const LoadedInsertPlugin& plugin, std::int64_t frameCount) {
-    struct FirstBlock {
-        LoadedInsertPlugin plugin;
-        std::vector<double> samples;
-        std::binary_semaphore isRendered{0};
-    };
-    if (frameCount < 1 || frameCount > static_cast<std::int64_t>(InsertRenderContext::maximumFrames)) return;
-    const auto block =
-        std::make_shared<FirstBlock>(plugin, std::vector(static_cast<std::size_t>(frameCount), 0.0));
-    try {
-        std::thread thread([block] {
-            block->plugin.renderContext->process(
-                block->samples, static_cast<std::int64_t>(block->samples.size())
-            );
-            block->isRendered.release();
-        });
-        if (block->isRendered.try_acquire_for(platform::stopPatience())) return thread.join();
-        thread.detach();
-    } catch (const std::system_error&) {
-        return;
-    }
-    plugin.renderContext->abandon();
-    platform::abandon(block);
-}
+/// What plugins are set up for until a device is selected, in Hz.
+constexpr double sampleRateWithoutDevice = 48000.0;
 
 /// What an error says, to be followed by a full stop.
 std::string_view withoutFullStop(std::string_view sentence) {
@@ -72,23 +47,25 @@ std::size_t slotCount(const ChannelStrip& strip) {
 
 } // namespace
 
-InsertRack::InsertRack(InsertRackOwner& rackOwner, const Services& rackServices)
-    : owner(rackOwner),
-      services(rackServices),
-      retired(services.mainThread, [this] { return owner.freeRetired(); }) {}
+InsertRack::InsertRack(Mix& mixOfRack, EngineState& engineState, const Services& engineServices)
+    : mix(mixOfRack),
+      state(engineState),
+      services(engineServices),
+      sampleRateHeard(state.selectedDevice.subscribe([this](const auto&) {
+          services.audioUnitHost.expectSampleRate(sampleRate());
+      })) {}
 
 void InsertRack::load(
     const AVAudioUnitComponent& component, const PluginSlotKey& key, const PresetData& presetData
 ) {
-    const PluginSlot* const existing = record(key);
-    if (existing == nullptr) return;
-    PluginSlot replaced = *existing;
+    if (record(key) == nullptr) return;
     unload(key);
-    replaced.pluginName = component.name;
-    replaced.component = identityOf(component);
-    replaced.presetData = presetData;
-    replaced.bypassed = false;
-    owner.replaceSlot(key, std::move(replaced));
+    editRecord(key, [&](PluginSlot& slot) {
+        slot.pluginName = component.name;
+        slot.component = identityOf(component);
+        slot.presetData = presetData;
+        slot.bypassed = false;
+    });
     setLoadState(key, load_state::Loading{});
     instantiate(component, key, presetData);
 }
@@ -96,41 +73,36 @@ void InsertRack::load(
 void InsertRack::remove(const PluginSlotKey& key) {
     if (record(key) == nullptr) return;
     unload(key);
-    owner.replaceSlot(key, PluginSlot::makeEmpty());
+    editRecord(key, [](PluginSlot& slot) { slot = PluginSlot::makeEmpty(); });
 }
 
 void InsertRack::setBypassed(const PluginSlotKey& key, bool bypassed) {
-    const PluginSlot* const existing = record(key);
-    if (existing == nullptr) return;
-    PluginSlot replaced = *existing;
-    replaced.bypassed = bypassed;
-    owner.replaceSlot(key, std::move(replaced));
+    editRecord(key, [bypassed](PluginSlot& slot) { slot.bypassed = bypassed; });
 }
 
 void InsertRack::applyFactoryPreset(const platform::AUAudioUnitPreset& preset, const PluginSlotKey& key) {
-    const auto found = loadedPlugins.find(key);
-    if (found == loadedPlugins.end()) return;
+    const auto asked = mix.plugin(key);
+    if (!asked) return;
     services.audioUnitHost.readFactoryPreset(
         preset,
-        [this, key, wanted = std::weak_ptr(found->second),
-         hop = onMainThread()](platform::Result<platform::PropertyList::Dictionary> state) {
-            hop([this, key, wanted, state = std::move(state)] {
+        [this, key, wanted = std::weak_ptr(asked),
+         hop = onMainThread()](platform::Result<platform::PropertyList::Dictionary> setting) {
+            hop([this, key, wanted, setting = std::move(setting)] {
                 const auto live = wanted.lock();
-                if (!live || plugin(key) != live.get()) return;
-                if (!state) return owner.setLastError(state.error().description);
-                if (const auto taken = live->avAudioUnit->setFullState(state.value()); !taken)
-                    owner.setLastError(taken.error().description);
+                if (!live || mix.plugin(key) != live) return;
+                if (!setting) return state.lastError.set(setting.error().description);
+                if (const auto taken = live->avAudioUnit->setFullState(setting.value()); !taken)
+                    state.lastError.set(taken.error().description);
             });
         }
     );
 }
 
 void InsertRack::openEditor(const PluginSlotKey& key) {
-    const auto found = loadedPlugins.find(key);
-    if (found == loadedPlugins.end()) return;
-    const std::shared_ptr<LoadedInsertPlugin> plugin = found->second;
+    const auto plugin = mix.plugin(key);
+    if (!plugin) return;
     if (services.editorWindows == nullptr) {
-        owner.setLastError(
+        state.lastError.set(
             "This program has no windows to show the editor of " + plugin->component.name + " in."
         );
         return;
@@ -151,10 +123,9 @@ void InsertRack::takeEditor(
     std::shared_ptr<platform::AUViewController> editor
 ) {
     // The slot may have another plugin by now.
-    const auto found = loadedPlugins.find(key);
-    if (!plugin || found == loadedPlugins.end() || found->second != plugin) return;
+    if (!plugin || mix.plugin(key) != plugin) return;
     if (!editor) {
-        owner.setLastError(plugin->component.name + " doesn't have a custom editor UI.");
+        state.lastError.set(plugin->component.name + " doesn't have a custom editor UI.");
         return;
     }
     plugin->editorViewController = std::move(editor);
@@ -171,73 +142,74 @@ void InsertRack::openWindow(const LoadedInsertPlugin& plugin) {
     window.makeKeyAndOrderFront();
 }
 
-void InsertRack::restoreFromStrips(const std::vector<bool>& recallSafe, RecordsFrom source) {
+std::vector<PluginSlotKey> InsertRack::slots() const {
+    std::vector<PluginSlotKey> keys;
+    for (const ChannelStrip& strip : mix.strips())
+        for (std::size_t slot = 0; slot < slotCount(strip); ++slot)
+            keys.push_back({strip.id, slot});
+    return keys;
+}
+
+void InsertRack::restoreFromStrips(RecordsFrom source) {
     const auto isLeftAlone = [&](const PluginSlotKey& key) {
+        const std::vector<bool>& recallSafe = state.pluginSlotRecallSafe.get();
         return key.slot < recallSafe.size() && recallSafe[key.slot]
                && (source == RecordsFrom::scene || isLiveOrLoading(key));
     };
     // Not before it is needed: the first list may take seconds.
     std::optional<std::vector<AVAudioUnitComponent>> installed;
-    // A copy: who is told of a change may change the strips.
-    for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
-        for (std::size_t index = 0; index < slotCount(strip); ++index) {
-            const PluginSlotKey key{strip.id, index};
-            const PluginSlot& slot = strip.pluginSlots[index];
-            if (isLeftAlone(key)) continue;
-            if (!slot.component) {
-                unload(key);
-                continue;
-            }
-            if (isThere(key, *slot.component, slot.presetData)) continue;
-            if (!installed) installed = availableInsertComponents(services.audioUnitHost);
-            restoreSlot(key, slot, strip.name, *installed);
+    for (const PluginSlotKey& key : slots()) {
+        if (isLeftAlone(key)) continue;
+        const PluginSlot* const slot = record(key);
+        if (slot == nullptr || !slot->component) {
+            unload(key);
+            continue;
         }
-    unloadWhereNoSlotIs();
-    owner.pushInserts();
+        if (isThere(key, *slot->component, slot->presetData)) continue;
+        if (!installed) installed = plugins::availableInsertComponents(services.audioUnitHost);
+        restoreSlot(key, PluginSlot(*slot), *installed);
+    }
+    unloadWithoutSlot();
+    mix.pushInserts();
 }
 
 bool InsertRack::isLiveOrLoading(const PluginSlotKey& key) const {
-    const PluginLoadStates& states = owner.pluginLoadStates();
+    const PluginLoadStates& states = state.pluginLoadStates.get();
     const auto found = states.find(key);
-    return plugin(key) != nullptr
+    return mix.plugin(key) != nullptr
            || (found != states.end() && std::holds_alternative<load_state::Loading>(found->second));
 }
 
 bool InsertRack::isThere(
     const PluginSlotKey& key, const session::AUComponentIdentity& identity, const PresetData& presetData
 ) const {
-    const LoadedInsertPlugin* const live = plugin(key);
-    if (live != nullptr && identityOf(live->component) == identity) return true;
+    const auto live = mix.plugin(key);
+    if (live && identityOf(live->component) == identity) return true;
     const auto found = pendingLoads.find(key);
     const auto pending = found == pendingLoads.end() ? nullptr : found->second.lock();
     return pending && identityOf(pending->component) == identity && pending->presetData == presetData;
 }
 
-void InsertRack::rename(const PluginSlotKey& key, const AVAudioUnitComponent& component) {
-    const PluginSlot* const existing = record(key);
-    if (existing == nullptr) return;
-    PluginSlot renamed = *existing;
-    renamed.pluginName = component.name;
-    renamed.component = identityOf(component);
-    owner.replaceSlot(key, std::move(renamed));
-}
-
 void InsertRack::restoreSlot(
-    const PluginSlotKey& key, const PluginSlot& slot, const std::string& stripName,
-    const std::vector<AVAudioUnitComponent>& installed
+    const PluginSlotKey& key, const PluginSlot& slot, const std::vector<AVAudioUnitComponent>& installed
 ) {
-    const AVAudioUnitComponent* const found = componentFor(*slot.component, installed);
+    const AVAudioUnitComponent* const found = plugins::componentFor(*slot.component, installed);
     if (found == nullptr) {
+        std::string sentence = fmt::format(
+            "Couldn't find installed plugin \"{}\" for {}, slot {} -- it may not be installed on this "
+            "computer.",
+            slot.pluginName.value_or("?"), strip(key)->name, key.slot + 1
+        );
         unload(key);
-        owner.setLastError(fmt::format(
-            "Couldn't find installed plugin \"{}\" for {}, slot {} -- it may not be installed on this Mac.",
-            slot.pluginName.value_or("?"), stripName, key.slot + 1
-        ));
+        state.lastError.set(std::move(sentence));
         return;
     }
     const session::AUComponentIdentity identity = identityOf(*found);
     if (identity != *slot.component) {
-        rename(key, *found);
+        editRecord(key, [&](PluginSlot& renamed) {
+            renamed.pluginName = found->name;
+            renamed.component = identity;
+        });
         if (isThere(key, identity, slot.presetData)) return;
     }
     unload(key);
@@ -245,67 +217,51 @@ void InsertRack::restoreSlot(
     instantiate(*found, key, slot.presetData);
 }
 
-const LoadedInsertPlugin* InsertRack::plugin(const PluginSlotKey& key) const {
-    const auto found = loadedPlugins.find(key);
-    return found == loadedPlugins.end() ? nullptr : found->second.get();
-}
-
 std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
-    // A copy: what follows the message line may change the strips.
-    const std::vector<ChannelStrip> strips = owner.channelStrips();
-    std::vector<session::ChannelSettingsData> channels = session::settingsOf(strips);
-    for (std::size_t strip = 0; strip < strips.size(); ++strip) {
-        std::vector<PluginSlot>& slots = channels[strip].pluginSlots;
-        for (std::size_t slot = 0; slot < slots.size(); ++slot)
-            capture({strips[strip].id, slot}, slots[slot]);
-    }
-    return channels;
+    std::vector<ChannelStrip> strips = mix.strips();
+    for (ChannelStrip& strip : strips)
+        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
+            capture({strip.id, slot}, strip.pluginSlots[slot]);
+    return session::settingsOf(strips);
 }
 
 void InsertRack::capture(const PluginSlotKey& key, PluginSlot& into) const {
-    const LoadedInsertPlugin* const live = plugin(key);
-    if (live == nullptr) return;
-    if (const auto captured = captureInto(into, *live); !captured)
-        owner.setLastError(fmt::format(
+    const auto live = mix.plugin(key);
+    if (!live) return;
+    if (const auto captured = plugins::captureInto(into, *live); !captured)
+        state.lastError.set(fmt::format(
             "The settings of the plugin {} are not saved and have to be set again: {}",
             live->renderContext->name(), captured.error().description
         ));
 }
 
-InsertRack::LivePlugins InsertRack::livePlugins() {
+InsertRack::Loads InsertRack::loads() {
     auto laterLoads = std::make_shared<bool>(true);
-    LivePlugins now{loadedPlugins, owner.pluginLoadStates(), nullptr, pendingLoads};
-    now.loadsAreWanted = std::exchange(loadsAreWanted, std::move(laterLoads));
+    Loads now{state.pluginLoadStates.get(), nullptr, pendingLoads};
+    now.areWanted = std::exchange(loadsAreWanted, std::move(laterLoads));
     return now;
 }
 
-void InsertRack::takeBack(LivePlugins before) {
+void InsertRack::takeBack(Loads before) {
     *loadsAreWanted = false;
-    loadsAreWanted = std::move(before.loadsAreWanted);
-    loadedPlugins = std::move(before.plugins);
-    pendingLoads = std::move(before.pendingLoads);
-    owner.setPluginLoadStates(std::move(before.loadStates));
-}
-
-void InsertRack::insertsWerePushed() {
-    retired.wereWithdrawn();
-    retired.release();
+    loadsAreWanted = std::move(before.areWanted);
+    pendingLoads = std::move(before.pending);
+    state.pluginLoadStates.set(std::move(before.states));
 }
 
 void InsertRack::runHasStopped() {
-    for (const auto& [key, plugin] : std::unordered_map(loadedPlugins)) {
+    for (const auto& [key, plugin] : LivePlugins(mix.plugins())) {
         if (plugin->renderContext->isStuck())
-            owner.setLastError(giveUp(key, plugin));
+            state.lastError.set(giveUp(key, plugin));
         else if (plugin->renderContext->isAbandoned())
             // The next start sets it up anew, with the settings that it has.
             plugin->sampleRate = 0.0;
     }
-    retired.release();
 }
 
 std::string InsertRack::giveUp(const PluginSlotKey& key, const std::shared_ptr<LoadedInsertPlugin>& plugin) {
     platform::abandon(plugin);
-    loadedPlugins.erase(key);
+    mix.setPlugin(key, nullptr);
     setLoadState(key, load_state::Failed{"It does not return from its processing."});
     return fmt::format(
         "The plugin {} does not return from its processing and has been given up; remove it or load it "
@@ -314,32 +270,38 @@ std::string InsertRack::giveUp(const PluginSlotKey& key, const std::shared_ptr<L
     );
 }
 
-const PluginSlot* InsertRack::record(const PluginSlotKey& key) const {
-    const std::vector<ChannelStrip>& strips = owner.channelStrips();
-    const auto strip = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
-    if (strip == strips.end() || key.slot >= slotCount(*strip)) return nullptr;
-    return &strip->pluginSlots[key.slot];
+const ChannelStrip* InsertRack::strip(const PluginSlotKey& key) const {
+    const std::vector<ChannelStrip>& strips = mix.strips();
+    const auto found = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
+    return found == strips.end() ? nullptr : &*found;
 }
 
-void InsertRack::setLoadState(const PluginSlotKey& key, PluginLoadState loadState) {
-    PluginLoadStates states = owner.pluginLoadStates();
+const PluginSlot* InsertRack::record(const PluginSlotKey& key) const {
+    const ChannelStrip* const found = strip(key);
+    return found == nullptr || key.slot >= slotCount(*found) ? nullptr : &found->pluginSlots[key.slot];
+}
+
+void InsertRack::editRecord(const PluginSlotKey& key, const std::function<void(PluginSlot&)>& edit) {
+    if (record(key) == nullptr) return;
+    mix.editStrip(key.stripID, [&](ChannelStrip& edited) { edit(edited.pluginSlots[key.slot]); });
+}
+
+void InsertRack::setLoadState(const PluginSlotKey& key, plugins::PluginLoadState loadState) {
+    PluginLoadStates states = state.pluginLoadStates.get();
     states.insert_or_assign(key, std::move(loadState));
-    owner.setPluginLoadStates(std::move(states));
+    state.pluginLoadStates.set(std::move(states));
 }
 
 void InsertRack::unload(const PluginSlotKey& key) {
-    if (const auto found = loadedPlugins.find(key); found != loadedPlugins.end()) {
-        retired.add(found->second);
-        loadedPlugins.erase(found);
-    }
+    mix.setPlugin(key, nullptr);
     pendingLoads.erase(key);
-    PluginLoadStates states = owner.pluginLoadStates();
-    if (states.erase(key) > 0) owner.setPluginLoadStates(std::move(states));
+    PluginLoadStates states = state.pluginLoadStates.get();
+    if (states.erase(key) > 0) state.pluginLoadStates.set(std::move(states));
 }
 
-void InsertRack::unloadWhereNoSlotIs() {
+void InsertRack::unloadWithoutSlot() {
     std::vector<PluginSlotKey> orphans;
-    for (const auto& [key, plugin] : loadedPlugins)
+    for (const auto& [key, plugin] : mix.plugins())
         if (record(key) == nullptr) orphans.push_back(key);
     for (const PluginSlotKey& key : orphans)
         unload(key);
@@ -372,7 +334,7 @@ void InsertRack::fail(
     const AVAudioUnitComponent& component, const PluginSlotKey& key, const std::optional<Error>& error
 ) {
     setLoadState(key, load_state::Failed{error ? error->description : "Unknown error instantiating plugin."});
-    owner.setLastError(fmt::format(
+    state.lastError.set(fmt::format(
         "Failed to load {}: {}.", component.name,
         error ? withoutFullStop(error->description) : "unknown error"
     ));
@@ -385,32 +347,30 @@ void InsertRack::finishLoad(
     const auto plugin = std::make_shared<LoadedInsertPlugin>(LoadedInsertPlugin{
         .component = component, .avAudioUnit = std::move(unit)});
     if (!setUp(*plugin, key, presetData)) {
-        owner.setLastError(refuse(component, key));
+        state.lastError.set(refuse(component, key));
         return;
     }
     if (plugin->renderContext->isAbandoned()) {
-        owner.setLastError(giveUp(key, plugin));
+        state.lastError.set(giveUp(key, plugin));
         return;
     }
-    if (const auto replaced = loadedPlugins.find(key); replaced != loadedPlugins.end())
-        retired.add(replaced->second);
-    loadedPlugins.insert_or_assign(key, plugin);
+    mix.setPlugin(key, plugin);
     setLoadState(key, load_state::Loaded{});
-    owner.pushInserts();
+    mix.pushInserts();
 }
 
 bool InsertRack::setUp(LoadedInsertPlugin& plugin, const PluginSlotKey& key, const PresetData& presetData) {
-    const double sampleRate = owner.sampleRate();
-    const auto channelCount = negotiateFormat(*plugin.avAudioUnit, sampleRate);
+    const double rate = sampleRate();
+    const auto channelCount = plugins::negotiateFormat(*plugin.avAudioUnit, rate);
     if (!channelCount) return false;
-    plugin.renderContext = std::make_shared<InsertRenderContext>(
+    plugin.renderContext = std::make_shared<plugins::InsertRenderContext>(
         plugin.avAudioUnit->renderBlock(), *channelCount, labelOf(key, plugin.component.name), services.log
     );
     if (presetData)
-        if (const auto restored = restoreState(plugin, *presetData); !restored)
-            owner.setLastError(restored.error().description);
-    warmUp(plugin, owner.bufferSize());
-    plugin.sampleRate = sampleRate;
+        if (const auto restored = plugins::restoreState(plugin, *presetData); !restored)
+            state.lastError.set(restored.error().description);
+    plugins::warmUp(plugin, state.bufferSize.get());
+    plugin.sampleRate = rate;
     return true;
 }
 
@@ -424,17 +384,14 @@ std::string InsertRack::refuse(const AVAudioUnitComponent& component, const Plug
 
 std::vector<std::string> InsertRack::followSampleRate() {
     std::vector<std::string> refusals;
-    // A copy: who is told of a change may change the strips.
-    for (const ChannelStrip& strip : std::vector(owner.channelStrips()))
-        for (std::size_t slot = 0; slot < strip.pluginSlots.size(); ++slot)
-            if (auto refusal = followSampleRate({strip.id, slot})) refusals.push_back(*std::move(refusal));
+    for (const PluginSlotKey& key : slots())
+        if (auto refusal = followSampleRate(key)) refusals.push_back(*std::move(refusal));
     return refusals;
 }
 
 std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key) {
-    const auto found = loadedPlugins.find(key);
-    if (found == loadedPlugins.end() || found->second->sampleRate == owner.sampleRate()) return std::nullopt;
-    const std::shared_ptr<LoadedInsertPlugin> plugin = found->second;
+    const auto plugin = mix.plugin(key);
+    if (!plugin || plugin->sampleRate == sampleRate()) return std::nullopt;
     plugin->sampleRate = 0.0;
     plugin->avAudioUnit->deallocateRenderResources();
     if (setUp(*plugin, key)) {
@@ -446,17 +403,21 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     if (existing != nullptr && existing->component == identityOf(plugin->component)) {
         PluginSlot kept = *existing;
         capture(key, kept);
-        owner.replaceSlot(key, std::move(kept));
+        editRecord(key, [&kept](PluginSlot& slot) { slot = std::move(kept); });
     }
     unload(key);
     return refuse(plugin->component, key);
 }
 
 std::string InsertRack::labelOf(const PluginSlotKey& key, const std::string& pluginName) const {
-    const std::vector<ChannelStrip>& strips = owner.channelStrips();
-    const auto strip = std::ranges::find(strips, key.stripID, &ChannelStrip::id);
-    const std::string number = strip == strips.end() ? "?" : std::to_string(strip - strips.begin() + 1);
+    const ChannelStrip* const found = strip(key);
+    const std::string number = found == nullptr ? "?" : std::to_string(found - mix.strips().data() + 1);
     return fmt::format("Ch{} slot{}: {}", number, key.slot + 1, pluginName);
+}
+
+double InsertRack::sampleRate() const {
+    const auto& device = state.selectedDevice.get();
+    return device ? device->sampleRate : sampleRateWithoutDevice;
 }
 
 std::function<void(std::function<void()>)> InsertRack::onMainThread() {
@@ -467,4 +428,4 @@ std::function<void(std::function<void()>)> InsertRack::onMainThread() {
     };
 }
 
-} // namespace orvane::plugins
+} // namespace orvane::engine

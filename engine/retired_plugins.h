@@ -7,13 +7,12 @@
 #include <memory>
 #include <vector>
 
-namespace orvane::plugins {
+namespace orvane::engine {
 
 /// Plugins that were taken out of their slots, kept until no render pass can hold their contexts: first until
 /// the real-time tables are without them, then until the passes that began before have ended, which a timer
 /// asks about while there is anything to wait for. Then they are let go of, render resources and all: to
-/// bring a plugin to rest may take its time, which is its host's affair. Owned by the insert rack. Main
-/// thread.
+/// bring a plugin to rest may take its time, which is its host's affair. Owned by the mix. Main thread.
 class RetiredPlugins final {
   public:
     /// `noneInUse`: whether no pass holds a context that was withdrawn from the tables.
@@ -22,7 +21,7 @@ class RetiredPlugins final {
     RetiredPlugins& operator=(const RetiredPlugins&) = delete;
 
     /// Keeps a plugin whose context the tables may still have. Throws std::bad_alloc where it cannot.
-    void add(const std::shared_ptr<LoadedInsertPlugin>& plugin);
+    void add(const std::shared_ptr<plugins::LoadedInsertPlugin>& plugin);
 
     /// The tables are without all that were added.
     void wereWithdrawn();
@@ -33,9 +32,9 @@ class RetiredPlugins final {
   private:
     platform::MainThread& mainThread;
     std::function<bool()> nothingIsInUse;
-    std::vector<std::shared_ptr<LoadedInsertPlugin>> inTables;
-    std::vector<std::shared_ptr<LoadedInsertPlugin>> withdrawn;
+    std::vector<std::shared_ptr<plugins::LoadedInsertPlugin>> inTables;
+    std::vector<std::shared_ptr<plugins::LoadedInsertPlugin>> withdrawn;
     std::unique_ptr<platform::MainThreadTimer> retry;
 };
 
-} // namespace orvane::plugins
+} // namespace orvane::engine
