@@ -66,8 +66,7 @@ void InsertRack::load(
         slot.presetData = presetData;
         slot.bypassed = false;
     });
-    setLoadState(key, load_state::Loading{});
-    instantiate(component, key, presetData);
+    instantiate(key, {component, presetData});
 }
 
 void InsertRack::remove(const PluginSlotKey& key) {
@@ -101,16 +100,11 @@ void InsertRack::applyFactoryPreset(const platform::AUAudioUnitPreset& preset, c
 void InsertRack::openEditor(const PluginSlotKey& key) {
     const auto plugin = mix.plugin(key);
     if (!plugin) return;
-    if (services.editorWindows == nullptr) {
-        state.lastError.set(
+    if (services.editorWindows == nullptr)
+        return state.lastError.set(
             "This program has no windows to show the editor of " + plugin->component.name + " in."
         );
-        return;
-    }
-    if (plugin->editorViewController) {
-        openWindow(*plugin);
-        return;
-    }
+    if (plugin->editorViewController) return openWindow(*plugin);
     plugin->avAudioUnit->requestViewController([this, key, asked = std::weak_ptr(plugin),
                                                 hop = onMainThread(
                                                 )](std::shared_ptr<platform::AUViewController> editor) {
@@ -124,10 +118,7 @@ void InsertRack::takeEditor(
 ) {
     // The slot may have another plugin by now.
     if (!plugin || mix.plugin(key) != plugin) return;
-    if (!editor) {
-        state.lastError.set(plugin->component.name + " doesn't have a custom editor UI.");
-        return;
-    }
+    if (!editor) return state.lastError.set(plugin->component.name + " doesn't have a custom editor UI.");
     plugin->editorViewController = std::move(editor);
     openWindow(*plugin);
 }
@@ -213,8 +204,7 @@ void InsertRack::restoreSlot(
         if (isThere(key, identity, slot.presetData)) return;
     }
     unload(key);
-    setLoadState(key, load_state::Loading{});
-    instantiate(*found, key, slot.presetData);
+    instantiate(key, {*found, slot.presetData});
 }
 
 std::vector<session::ChannelSettingsData> InsertRack::capturedChannels() const {
@@ -307,13 +297,12 @@ void InsertRack::unloadWithoutSlot() {
         unload(key);
 }
 
-void InsertRack::instantiate(
-    const AVAudioUnitComponent& component, const PluginSlotKey& key, PresetData presetData
-) {
-    const auto load = std::make_shared<const Load>(Load{component, std::move(presetData)});
+void InsertRack::instantiate(const PluginSlotKey& key, Load begun) {
+    setLoadState(key, load_state::Loading{});
+    const auto load = std::make_shared<const Load>(std::move(begun));
     pendingLoads.insert_or_assign(key, load);
     services.audioUnitHost.instantiate(
-        component.audioComponentDescription, 0,
+        load->component.audioComponentDescription, 0,
         [this, load, key, isWanted = loadsAreWanted,
          hop = onMainThread()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
             hop([this, load, key, isWanted, unit = std::move(unit), error = std::move(error)] {
@@ -322,38 +311,27 @@ void InsertRack::instantiate(
                 if (pending != pendingLoads.end() && pending->second.lock() == load)
                     pendingLoads.erase(pending);
                 if (unit && !error)
-                    finishLoad(unit, load->component, key, load->presetData);
+                    finishLoad(key, *load, unit);
                 else
-                    fail(load->component, key, error);
+                    failLoad(key, *load, error);
             });
         }
     );
 }
 
-void InsertRack::fail(
-    const AVAudioUnitComponent& component, const PluginSlotKey& key, const std::optional<Error>& error
-) {
+void InsertRack::failLoad(const PluginSlotKey& key, const Load& load, const std::optional<Error>& error) {
     setLoadState(key, load_state::Failed{error ? error->description : "Unknown error instantiating plugin."});
     state.lastError.set(fmt::format(
-        "Failed to load {}: {}.", component.name,
+        "Failed to load {}: {}.", load.component.name,
         error ? withoutFullStop(error->description) : "unknown error"
     ));
 }
 
-void InsertRack::finishLoad(
-    std::shared_ptr<AUAudioUnit> unit, const AVAudioUnitComponent& component, const PluginSlotKey& key,
-    const PresetData& presetData
-) {
+void InsertRack::finishLoad(const PluginSlotKey& key, const Load& load, std::shared_ptr<AUAudioUnit> unit) {
     const auto plugin = std::make_shared<LoadedInsertPlugin>(LoadedInsertPlugin{
-        .component = component, .avAudioUnit = std::move(unit)});
-    if (!setUp(*plugin, key, presetData)) {
-        state.lastError.set(refuse(component, key));
-        return;
-    }
-    if (plugin->renderContext->isAbandoned()) {
-        state.lastError.set(giveUp(key, plugin));
-        return;
-    }
+        .component = load.component, .avAudioUnit = std::move(unit)});
+    if (!setUp(*plugin, key, load.presetData)) return state.lastError.set(refuse(load.component, key));
+    if (plugin->renderContext->isAbandoned()) return state.lastError.set(giveUp(key, plugin));
     mix.setPlugin(key, plugin);
     setLoadState(key, load_state::Loaded{});
     mix.pushInserts();

@@ -107,17 +107,9 @@ class InsertRack final {
     void setLoadState(const PluginSlotKey& key, plugins::PluginLoadState loadState);
     void unload(const PluginSlotKey& key);
     void unloadWithoutSlot();
-    void instantiate(
-        const platform::AVAudioUnitComponent& component, const PluginSlotKey& key, PresetData presetData
-    );
-    void fail(
-        const platform::AVAudioUnitComponent& component, const PluginSlotKey& key,
-        const std::optional<platform::Error>& error
-    );
-    void finishLoad(
-        std::shared_ptr<platform::AUAudioUnit> unit, const platform::AVAudioUnitComponent& component,
-        const PluginSlotKey& key, const PresetData& presetData
-    );
+    void instantiate(const PluginSlotKey& key, Load begun);
+    void finishLoad(const PluginSlotKey& key, const Load& load, std::shared_ptr<platform::AUAudioUnit> unit);
+    void failLoad(const PluginSlotKey& key, const Load& load, const std::optional<platform::Error>& error);
     /// Returns false if the plugin takes no format.
     bool
     setUp(plugins::LoadedInsertPlugin& plugin, const PluginSlotKey& key, const PresetData& presetData = {});

@@ -58,8 +58,8 @@ void Mix::editMaster(const std::function<void(MasterSettings&)>& edit) {
 
 void Mix::setMaster(const MasterSettings& settings) {
     if (running) running->setMaster(settings);
-    if (settings.masterOutputRouting != master().masterOutputRouting)
-        pushRouting(settings.masterOutputRouting);
+    if (running && settings.masterOutputRouting != master().masterOutputRouting)
+        running->setRouting(strips(), settings.masterOutputRouting);
     state.master.set(settings);
 }
 
@@ -99,13 +99,9 @@ void Mix::setRun(std::shared_ptr<RunningAudio> next) {
 }
 
 void Mix::pushStrips() {
-    pushRouting(master().masterOutputRouting);
+    if (running) running->setRouting(strips(), master().masterOutputRouting);
     pushInserts();
     if (running) running->automix().setSettings(automixSettings(strips()));
-}
-
-void Mix::pushRouting(const session::MasterOutputRouting& master) {
-    if (running) engine::pushRouting(*running->realtimeState(), strips(), master);
 }
 
 } // namespace orvane::engine

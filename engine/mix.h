@@ -65,7 +65,6 @@ class Mix final {
   private:
     void setStrips(Strips next);
     void pushStrips();
-    void pushRouting(const session::MasterOutputRouting& master);
 
     EngineState& state;
     LivePlugins livePlugins;

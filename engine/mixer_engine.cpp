@@ -66,12 +66,8 @@ MixerEngine::MixerEngine(std::size_t channelCount, Services platformServices)
 
 void MixerEngine::start() {
     if (published.isRunning.get()) return;
-    startWhole([this] { startOrThrow(); });
-}
-
-void MixerEngine::startWhole(const std::function<void()>& begin) {
     try {
-        begin();
+        startOrThrow();
     } catch (const std::bad_alloc&) {
         stop();
         published.lastError.set("Failed to start audio engine: there is not enough memory.");
@@ -126,7 +122,7 @@ void MixerEngine::stop() {
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
-    if (takeBufferSize(frameCount)) startWhole([this] { startOrThrow(); });
+    if (takeBufferSize(frameCount)) start();
 }
 
 bool MixerEngine::takeBufferSize(std::int64_t frameCount) {
@@ -198,24 +194,18 @@ void MixerEngine::allOutputsOff() {
 }
 
 RunningAudio::Observer MixerEngine::observerOf(const std::shared_ptr<RunningAudio>& observed) {
-    const auto onMainThread = [this, run = std::weak_ptr(observed)](auto report) {
-        services.mainThread.post([run, report = std::move(report)] {
-            if (!run.expired()) report();
-        });
+    const auto onMainThread = [this, run = std::weak_ptr(observed)](auto take) {
+        return [this, run, take](const auto&... facts) {
+            services.mainThread.post([this, run, take, facts...] {
+                if (!run.expired()) (this->*take)(facts...);
+            });
+        };
     };
     return {
-        .bufferSizeChanged =
-            [this,
-             onMainThread](RunningAudio::Role role, const AudioDeviceInfo& device, std::uint32_t frameCount) {
-                onMainThread([=, this] { reportBufferSizeChange(role, device, frameCount); });
-            },
-        .sampleRateChanged = [this, onMainThread](const AudioDeviceInfo& device
-                             ) { onMainThread([=, this] { followSampleRate(device); }); },
-        .channelsLost = [this, onMainThread](const AudioDeviceInfo& device
-                        ) { onMainThread([=, this] { reportLostChannels(device); }); },
-        .deviceDied = [this, onMainThread](
-                          RunningAudio::Role role, const AudioDeviceInfo& device
-                      ) { onMainThread([=, this] { reportDeath(role, device); }); }};
+        .bufferSizeChanged = onMainThread(&MixerEngine::reportBufferSizeChange),
+        .sampleRateChanged = onMainThread(&MixerEngine::followSampleRate),
+        .channelsLost = onMainThread(&MixerEngine::reportLostChannels),
+        .deviceDied = onMainThread(&MixerEngine::reportDeath)};
 }
 
 void MixerEngine::reportBufferSizeChange(

@@ -263,8 +263,6 @@ class MixerEngine final {
     [[nodiscard]] session::Snapshot captureMix() const;
     void takeDocument(const session::MixerDocumentData& document);
 
-    /// Makes `begin` start the audio path, or stops what has begun if memory runs out.
-    void startWhole(const std::function<void()>& begin);
     /// Starts on the chosen devices as they are now; throws std::bad_alloc, half started, if memory runs
     /// out. While stopped.
     void startOrThrow();

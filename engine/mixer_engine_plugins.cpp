@@ -92,8 +92,7 @@ std::optional<plugins::NewPreset> MixerEngine::presetOf(const std::string& name,
 }
 
 void MixerEngine::savePluginPreset(const std::string& name, std::size_t slot, const Uuid& strip) {
-    if (auto preset = presetOf(name, {strip, slot}))
-        presets.add(std::move(preset->name), std::move(preset->data), preset->identity);
+    if (auto preset = presetOf(name, {strip, slot})) presets.add({*std::move(preset)});
 }
 
 void MixerEngine::savePluginPresetOnAllChannels(const std::string& name, std::size_t slot) {

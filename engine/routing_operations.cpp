@@ -1,6 +1,8 @@
 #include "engine/routing_operations.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 #include <variant>
 
 namespace orvane::engine {
@@ -12,19 +14,19 @@ namespace master_output = session::master_output;
 using session::MasterOutputRouting;
 using session::OutputRouting;
 
-/// The channel that a change between mono and stereo starts from.
-struct BaseChannel {
-    std::int64_t operator()(const output::None&) const { return 0; }
-    std::int64_t operator()(const output::Mono& mono) const { return mono.channel; }
-    template <class Pair>
-    std::int64_t operator()(const Pair& pair) const {
-        return pair.left;
-    }
-};
+/// The channels that a routing goes to, left and right or twice the same; absent for none.
+template <class Routing>
+std::optional<std::pair<std::int64_t, std::int64_t>> channelsOf(const Routing& routing) {
+    if (const auto* mono = std::get_if<output::Mono>(&routing)) return {{mono->channel, mono->channel}};
+    using Stereo = std::variant_alternative_t<2, Routing>;
+    if (const auto* pair = std::get_if<Stereo>(&routing)) return {{pair->left, pair->right}};
+    return std::nullopt;
+}
 
 template <class Routing>
 std::int64_t baseChannel(const Routing& routing) {
-    return std::visit(BaseChannel{}, routing);
+    const auto channels = channelsOf(routing);
+    return channels ? channels->first : 0;
 }
 
 /// The remainder has the sign of the channel, so that a negative one goes up to the even channel above it.
@@ -34,19 +36,10 @@ std::int64_t evenBaseChannel(const Routing& routing) {
     return base - base % 2;
 }
 
-/// The highest channel that a routing names, below 0 where it names none.
-struct HighestChannel {
-    std::int64_t operator()(const output::None&) const { return -1; }
-    std::int64_t operator()(const output::Mono& mono) const { return mono.channel; }
-    template <class Pair>
-    std::int64_t operator()(const Pair& pair) const {
-        return std::max(pair.left, pair.right);
-    }
-};
-
 template <class Routing>
 std::uint64_t countUpToHighest(const Routing& routing) {
-    const std::int64_t highest = std::visit(HighestChannel{}, routing);
+    const auto channels = channelsOf(routing);
+    const std::int64_t highest = channels ? std::max(channels->first, channels->second) : -1;
     return highest < 0 ? 0 : static_cast<std::uint64_t>(highest) + 1;
 }
 
@@ -95,10 +88,8 @@ OutputRouting withPan(const OutputRouting& routing, double pan) {
 }
 
 bool exists(const MasterOutputRouting& routing, std::int64_t outputCount) {
-    if (const auto* mono = std::get_if<output::Mono>(&routing)) return isBelow(mono->channel, outputCount);
-    if (const auto* pair = std::get_if<master_output::Stereo>(&routing))
-        return isBelow(pair->left, outputCount) && isBelow(pair->right, outputCount);
-    return true;
+    const auto channels = channelsOf(routing);
+    return !channels || (isBelow(channels->first, outputCount) && isBelow(channels->second, outputCount));
 }
 
 std::uint64_t outputsNeeded(const OutputRouting& routing) {

@@ -76,19 +76,6 @@ bool letGo(std::unique_ptr<CoreAudioIOEngine>& io) {
 
 } // namespace
 
-void pushRouting(
-    audio::MixerRealtimeState& state, const std::vector<session::ChannelStrip>& strips,
-    const session::MasterOutputRouting& master
-) {
-    std::vector<std::optional<std::int64_t>> inputs;
-    std::vector<session::OutputRouting> outputs;
-    for (const session::ChannelStrip& strip : strips) {
-        inputs.push_back(strip.inputChannelIndex);
-        outputs.push_back(strip.outputRouting);
-    }
-    state.updateRouting(inputs, outputs, master);
-}
-
 RunningAudio::RunningAudio(
     platform::AudioHardware& audioHardware, platform::HostClock clock, Setup runSetup, const MixValues& mix
 )
@@ -104,7 +91,7 @@ RunningAudio::RunningAudio(
     processor->setSettings(automixSettings(mix.channelStrips));
     state->sampleRate = setup.main.sampleRate;
     if (setup.master) masterIO = makeIO(hardware, *setup.master, setup.bufferSize, Role::master);
-    pushRouting(*state, mix.channelStrips, mix.master.masterOutputRouting);
+    setRouting(mix.channelStrips, mix.master.masterOutputRouting);
     state->insertWorkers = makeWorkers(setup.insertWorkers, mix.channelStrips.size(), clock);
     state->updatePlugins(insertTable(mix.channelStrips, mix.plugins));
 }
@@ -197,6 +184,18 @@ void RunningAudio::setMaster(const session::MasterSettings& settings) {
     processor->setBackingGroupGainDB(settings.levels.backingGroupGainDB);
     processor->setReleaseMs(settings.duckerReleaseMs);
     state->setNoiseGain(settings.referenceNoiseGain);
+}
+
+void RunningAudio::setRouting(
+    const std::vector<session::ChannelStrip>& strips, const session::MasterOutputRouting& master
+) {
+    std::vector<std::optional<std::int64_t>> inputs;
+    std::vector<session::OutputRouting> outputs;
+    for (const session::ChannelStrip& strip : strips) {
+        inputs.push_back(strip.inputChannelIndex);
+        outputs.push_back(strip.outputRouting);
+    }
+    state->updateRouting(inputs, outputs, master);
 }
 
 void RunningAudio::dropMaster() {

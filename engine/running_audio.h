@@ -74,8 +74,11 @@ class RunningAudio final {
     [[nodiscard]] dsp::AutomixProcessor& automix() { return *processor; }
     [[nodiscard]] const std::shared_ptr<audio::MixerRealtimeState>& realtimeState() const { return state; }
 
-    /// Plays with other settings from the next block on, but for the routing, which `pushRouting` sets.
+    /// Plays with other settings from the next block on, but for the routing.
     void setMaster(const session::MasterSettings& settings);
+    /// Takes the input and output of every strip, and where the master bus goes.
+    void
+    setRouting(const std::vector<session::ChannelStrip>& strips, const session::MasterOutputRouting& master);
 
     /// Gives the master device back, which is gone; the main device runs on, and the master bus is not heard.
     void dropMaster();
@@ -106,11 +109,5 @@ class RunningAudio final {
     /// Whether a master device that was dropped no longer calls.
     bool masterHasEnded = true;
 };
-
-/// Hands the input and output of every strip, and where the master bus goes, to the real-time state.
-void pushRouting(
-    audio::MixerRealtimeState& state, const std::vector<session::ChannelStrip>& strips,
-    const session::MasterOutputRouting& master
-);
 
 } // namespace orvane::engine

@@ -119,12 +119,6 @@ std::vector<NamedPreset> PluginPresetStore::presets(const AUComponentIdentity& i
     return found == presetsByComponent.end() ? std::vector<NamedPreset>{} : found->second;
 }
 
-void PluginPresetStore::add(
-    std::string name, platform::PropertyList::Data data, const AUComponentIdentity& identity
-) {
-    add({{std::move(name), std::move(data), identity}});
-}
-
 void PluginPresetStore::add(std::vector<NewPreset> presets) {
     for (NewPreset& preset : presets)
         presetsByComponent[preset.identity].push_back(

@@ -50,8 +50,6 @@ class PluginPresetStore final {
     /// The presets of a component in the order they were added.
     [[nodiscard]] std::vector<NamedPreset> presets(const session::AUComponentIdentity& identity) const;
 
-    void
-    add(std::string name, platform::PropertyList::Data data, const session::AUComponentIdentity& identity);
     /// Adds them in order as one change.
     void add(std::vector<NewPreset> presets);
     /// Unknown ids change nothing.

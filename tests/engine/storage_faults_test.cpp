@@ -59,7 +59,7 @@ std::string readSession(const path& folder) {
 /// Version n has n presets.
 std::string writePreset(const path& folder, int /*version*/) {
     platform::SystemLog quiet([](const platform::LogLine&) {});
-    plugins::PluginPresetStore(folder, quiet).add("Hall", platform::PropertyList::Data(100'000), delay);
+    plugins::PluginPresetStore(folder, quiet).add({{"Hall", platform::PropertyList::Data(100'000), delay}});
     return "success";
 }
 

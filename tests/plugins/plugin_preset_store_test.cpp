@@ -55,9 +55,9 @@ TEST_F(PluginPresets, KeepsWhatIsAddedInOrderAcrossEngines) {
     const fs::path support = folder / "share";
     PluginPresetStore store(support, log);
     EXPECT_FALSE(fs::exists(support / file));
-    store.add("Hall", {0, 255, 7}, delay);
-    store.add("Hall", {}, delay);
-    store.add("Größe \xFF \"", {1}, gate);
+    store.add({{"Hall", {0, 255, 7}, delay}});
+    store.add({{"Hall", {}, delay}});
+    store.add({{"Größe \xFF \"", {1}, gate}});
     const PluginPresetStore second(support, log);
     EXPECT_EQ(second.presets(delay), store.presets(delay));
     EXPECT_THAT(names(second, gate), ElementsAre("Größe \xEF\xBF\xBD \""));
@@ -71,26 +71,26 @@ TEST_F(PluginPresets, KeepsWhatIsAddedInOrderAcrossEngines) {
     EXPECT_TRUE(namesStored(support).empty());
 
     PluginPresetStore inMemory(std::nullopt, log);
-    inMemory.add("Hall", {1}, delay);
+    inMemory.add({{"Hall", {1}, delay}});
     EXPECT_THAT(names(inMemory, delay), ElementsAre("Hall"));
 }
 
 TEST_F(PluginPresets, TakesOverAnEarlierFileOnce) {
     const TemporaryFolder folder;
     const TemporaryFolder other;
-    PluginPresetStore(other / "", log).add("Earlier", {1}, delay);
+    PluginPresetStore(other / "", log).add({{"Earlier", {1}, delay}});
     const std::string earlier = contentOf(other / file);
     fs::create_directory(folder / "Dravonel");
     folder.add("Dravonel/PluginPresets.json", earlier);
     PluginPresetStore store(folder / "", log);
-    store.add("Later", {1}, delay);
+    store.add({{"Later", {1}, delay}});
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Earlier", "Later"));
     EXPECT_EQ(contentOf(folder / "Dravonel/PluginPresets.json"), earlier);
 }
 
 TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
     const TemporaryFolder folder;
-    PluginPresetStore(folder / "", log).add("Hall", {1}, delay);
+    PluginPresetStore(folder / "", log).add({{"Hall", {1}, delay}});
     const std::string whole = contentOf(folder / file);
     const auto with = [&whole](const std::string& part, const std::string& other) {
         std::string changed = whole;
@@ -106,7 +106,7 @@ TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
         PluginPresetStore store(folder / "", log);
         EXPECT_TRUE(names(store, delay).empty()) << damaged.substr(0, 200);
         EXPECT_THAT(logged(), ElementsAre(HasSubstr("could not be read"))) << damaged.substr(0, 200);
-        store.add("New", {2}, delay);
+        store.add({{"New", {2}, delay}});
         EXPECT_THAT(namesStored(folder / ""), ElementsAre("New"));
     }
     // Of two entries of one component the later counts, and foreign keys are none of ours.
@@ -120,10 +120,10 @@ TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
 TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
     const TemporaryFolder folder;
     PluginPresetStore store(folder / "", log);
-    store.add("Hall", {1}, delay);
+    store.add({{"Hall", {1}, delay}});
     {
         const FileSizeLimit fullDisk(1000);
-        store.add("Large", platform::PropertyList::Data(5000), delay);
+        store.add({{"Large", platform::PropertyList::Data(5000), delay}});
     }
     EXPECT_THAT(logged(), ElementsAre(AllOf(HasSubstr("could not be saved"), HasSubstr("File too large"))));
     EXPECT_THAT(names(store, delay), ElementsAre("Hall", "Large"));
@@ -133,13 +133,13 @@ TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
     // The folder cannot be made where a file has its name.
     folder.add("blocked", "");
     PluginPresetStore blocked(folder / "blocked", log);
-    blocked.add("Hall", {1}, delay);
+    blocked.add({{"Hall", {1}, delay}});
     EXPECT_THAT(names(blocked, delay), ElementsAre("Hall"));
 }
 
 TEST_F(PluginPresets, SurvivesBeingKilledInMidWrite) {
     const TemporaryFolder folder;
-    PluginPresetStore(folder / "", log).add("Hall", {1}, delay);
+    PluginPresetStore(folder / "", log).add({{"Hall", {1}, delay}});
     for (int round = 0; round < 10; ++round) {
         int written[2];
         ASSERT_EQ(pipe(written), 0);
@@ -147,7 +147,7 @@ TEST_F(PluginPresets, SurvivesBeingKilledInMidWrite) {
         if (writer == 0) {
             PluginPresetStore store(folder / "", log);
             while (true) {
-                store.add("Large", platform::PropertyList::Data(100'000), gate);
+                store.add({{"Large", platform::PropertyList::Data(100'000), gate}});
                 if (write(written[1], "x", 1) != 1) _exit(1);
             }
         }
