@@ -39,10 +39,10 @@ struct EngineState {
     audio::Published<std::int64_t> bufferSize{512};
     audio::Published<std::vector<session::Snapshot>> snapshots;
     audio::Published<std::optional<std::int64_t>> currentSnapshotIndex;
-    /// Entry i is true where recalls leave what is live in slot i of every strip alone, and loads where there
-    /// is something.
+    /// Entry i is true if recalls keep what is live in slot i of every strip. Loads keep it too, except in
+    /// empty slots.
     audio::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};
-    /// The index of the scene that waits for the note that is to recall it; absent = none does.
+    /// The index of the scene whose recalling note is being learnt; absent = none.
     audio::Published<std::optional<std::int64_t>> midiLearnTargetIndex;
     audio::Published<std::vector<midi::MIDIDeviceInfo>> availableMIDIDevices;
     /// The one source that notes are taken from; absent = all sources.

@@ -18,7 +18,7 @@ MIDIInput::MIDIInput(const Services& services, EngineState& published, NotesHand
         });
     };
     manager.onNoteOn([this, onMainThread](const midi::NoteMessage& note) {
-        // The driver's thread goes on where there is no memory, and takes the next note.
+        // Without memory for it a note is lost; the driver's thread takes the next one.
         platform::runUnlessOutOfMemory([&] {
             const std::scoped_lock guard(waiting);
             if (waitingNotes.empty()) onMainThread([this] { handleWaitingNotes(); });

@@ -43,7 +43,7 @@ class MIDIInput final {
     std::mutex waiting;
     /// Those that the main thread has not taken yet. Under the lock.
     std::vector<midi::NoteMessage> waitingNotes;
-    /// Lets tasks on their way to the main thread find out that there is nobody left to do them for.
+    /// Lets tasks on their way to the main thread find out that the input is gone.
     std::shared_ptr<const bool> isAlive = std::make_shared<const bool>(true);
     /// Last, so that it has stopped before what its callbacks use goes.
     midi::MIDIManager manager;

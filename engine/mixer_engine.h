@@ -51,14 +51,14 @@ class MixerEngine final {
 
     // Lifecycle.
 
-    // An operation that starts, loads or recalls leaves everything as it was where there is not enough memory
-    // for it, and `lastError` says so. The others then throw std::bad_alloc.
+    // An operation that starts, loads or recalls leaves everything as it was if memory runs out, which
+    // `lastError` reports. The others then throw std::bad_alloc.
 
-    /// Lists the devices anew, builds the audio path and starts it; `lastError` says what failed, or what to
-    /// mind where it runs. Nothing where it runs already.
+    /// Asks for the chosen devices as they are now, builds the audio path and starts it; `lastError` has what
+    /// failed, or the warnings of a start that succeeded. Does nothing while running.
     void start();
     /// Returns within `platform::stopPatience`, also if a plugin does not return from its processing: that
-    /// one then leaves its slot, and `lastError` says so.
+    /// one then leaves its slot, which `lastError` reports.
     void stop();
 
     /// Takes one of the offered sizes, others not; starts a running engine again.

@@ -11,8 +11,8 @@ namespace orvane::engine {
 
 /// Plugins that were taken out of their slots, kept until no render pass can hold their contexts: first until
 /// the real-time tables are without them, then until the passes that began before have ended, which a timer
-/// asks about while there is anything to wait for. Then they are let go of, render resources and all: to
-/// bring a plugin to rest may take its time, which is its host's affair. Owned by the mix. Main thread.
+/// checks while any are kept. Then they are freed, render resources and all; their host brings them to rest,
+/// which may take its time. Owned by the mix. Main thread.
 class RetiredPlugins final {
   public:
     /// `noneInUse`: whether no pass holds a context that was withdrawn from the tables.
@@ -20,13 +20,13 @@ class RetiredPlugins final {
     RetiredPlugins(const RetiredPlugins&) = delete;
     RetiredPlugins& operator=(const RetiredPlugins&) = delete;
 
-    /// Keeps a plugin whose context the tables may still have. Throws std::bad_alloc where it cannot.
+    /// Keeps a plugin whose context the tables may still have. Throws std::bad_alloc if it cannot.
     void add(const std::shared_ptr<plugins::LoadedInsertPlugin>& plugin);
 
     /// The tables are without all that were added.
     void wereWithdrawn();
 
-    /// Frees what is withdrawn and not in use; a plugin that an abandoned thread is within is kept for ever.
+    /// Frees what is withdrawn and not in use; a plugin that an abandoned thread is within is kept forever.
     void release();
 
   private:

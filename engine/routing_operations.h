@@ -33,13 +33,13 @@ bool exists(const session::MasterOutputRouting& routing, std::int64_t outputCoun
 std::uint64_t outputsNeeded(const session::OutputRouting& routing);
 std::uint64_t outputsNeeded(const session::MasterOutputRouting& routing);
 
-/// Gives every strip without an input, or without an output, the device channel of its own number where the
+/// Gives every strip without an input, or without an output, the device channel of its own number if the
 /// device has it.
 void assignDefaultRouting(
     std::span<session::ChannelStrip> strips, std::int64_t inputCount, std::int64_t outputCount
 );
 
-/// Patches every strip to the input and the output of its own number, or to none where the device lacks them.
+/// Patches every strip to the input and the output of its own number, or to none if the device lacks them.
 void resetRoutingOneToOne(
     std::span<session::ChannelStrip> strips, std::int64_t inputCount, std::int64_t outputCount
 );

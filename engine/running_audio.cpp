@@ -25,7 +25,7 @@ std::int64_t atLeastOne(std::int64_t count) {
     return std::max<std::int64_t>(count, 1);
 }
 
-/// The rings of a device, where nobody has blocks longer than `longestBlock`.
+/// The rings of a device for blocks of up to `longestBlock` frames.
 audio::RingBuffers
 makeRings(const audio::AudioDeviceInfo& device, std::int64_t bufferSize, std::uint32_t longestBlock) {
     const std::int64_t capacity = std::max(ringBlocks * bufferSize, ringDeviceBlocks * longestBlock);
@@ -51,7 +51,7 @@ std::unique_ptr<CoreAudioIOEngine> makeIO(
     return std::make_unique<CoreAudioIOEngine>(hardware, configuration);
 }
 
-/// Nobody where none are wanted or the system has no threads left: the I/O thread does without.
+/// Null if none are wanted or the system has no threads left: the I/O thread does without.
 std::unique_ptr<audio::InsertWorkers>
 makeWorkers(std::size_t count, std::size_t stripCount, platform::HostClock clock) {
     if (count == 0) return nullptr;

@@ -23,11 +23,12 @@
 
 namespace orvane::engine {
 
-/// The audio path of one run: the processor, the real-time state, the I/O engine of the main device and,
-/// where the master bus goes to a device of its own, that one's. Built at a start, dropped at the stop. Main
-/// thread.
+/// The audio path of one run: the processor, the real-time state, the I/O engine of the main device and
+/// that of the master device, if the master bus has one of its own. Built at a start, dropped at the stop.
+/// Main thread.
 class RunningAudio final {
   public:
+    /// What a run is built for.
     struct Setup {
         audio::AudioDeviceInfo main;
         /// Absent: the master bus goes to the main device.
@@ -41,7 +42,7 @@ class RunningAudio final {
     /// What a device is used for.
     enum class Role { main, master };
 
-    /// What the hardware tells during a run, on its notification thread.
+    /// Called by the hardware during a run, on its notification thread.
     struct Observer {
         std::function<void(Role role, const audio::AudioDeviceInfo& device, std::uint32_t frameCount)>
             bufferSizeChanged;
@@ -67,7 +68,7 @@ class RunningAudio final {
     /// sentence for the user, after which this is only to be destroyed.
     platform::Result<platform::Done> start(const Observer& observer);
 
-    /// What the devices' set-up had to say, absent where nothing.
+    /// The warnings of the devices' set-up, if any.
     [[nodiscard]] const std::optional<std::string>& mainWarning() const { return mainIO->setupWarning(); }
     [[nodiscard]] std::optional<std::string> masterWarning() const;
 

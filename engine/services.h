@@ -29,7 +29,7 @@ struct Services {
     platform::EditorWindows* editorWindows = nullptr;
     platform::HostClock clock = platform::HostClock::system();
     /// Real-time threads that help a run with its inserts, `audio::InsertWorkers`, as far as they get that
-    /// priority; none where the device's clock is stepped, which they cannot keep up with by themselves.
+    /// priority; none if the device's clock is stepped, which they cannot keep up with by themselves.
     std::size_t insertWorkers = 0;
     /// Why devices that the machine has are not listed and what to do about it, as a sentence; nothing if
     /// there is no such reason. Asked whenever the devices are listed, on the main thread.

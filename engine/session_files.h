@@ -15,7 +15,7 @@ namespace orvane::engine {
 
 // Sessions from and to files. The errors are the whole sentence for the user.
 
-/// What the user is told where there is no memory to read or to write one.
+/// The errors if memory runs out.
 inline constexpr const char* noMemoryToRead =
     "Couldn't read that settings file: there is not enough memory for it.";
 inline constexpr const char* noMemoryToWrite =

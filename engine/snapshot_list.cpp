@@ -69,7 +69,7 @@ void SnapshotList::remove() {
 
 void SnapshotList::undo() {
     if (undoStack.empty()) return;
-    // Taken off first: who is told may throw.
+    // Taken off first: subscribers may throw.
     std::vector<Snapshot> earlier = std::move(undoStack.back());
     undoStack.pop_back();
     state.snapshots.set(std::move(earlier));

@@ -32,7 +32,7 @@ class SnapshotList final {
     void add(session::Snapshot captured, std::optional<std::string> name);
     /// Adds the mix before the selected scene, or at the front, and selects it.
     void insert(session::Snapshot captured);
-    /// Puts the mix into the selected scene, which keeps its id, name and trigger; adds it where none is
+    /// Puts the mix into the selected scene, which keeps its id, name and trigger; adds it if none is
     /// selected.
     void store(session::Snapshot captured);
     /// Adds a copy of the selected scene after it, without its trigger, and selects it.

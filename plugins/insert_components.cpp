@@ -17,7 +17,7 @@ namespace {
 
 using platform::AVAudioUnitComponent;
 
-/// The language that the user's environment names, or the plain one where it is not installed.
+/// The language that the user's environment names, or the plain one if that is not installed.
 std::locale userLocale() {
     try {
         return std::locale("");

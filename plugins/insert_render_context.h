@@ -51,7 +51,7 @@ class InsertRenderContext final {
     /// Names strip, slot and effect.
     [[nodiscard]] const std::string& name() const noexcept { return label; }
 
-    /// Frames rendered so far, the time that the effect is told.
+    /// Frames rendered so far, the time that the effect is given.
     [[nodiscard]] double sampleTime() const noexcept { return timeInSamples; }
 
   private:

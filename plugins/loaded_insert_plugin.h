@@ -14,8 +14,8 @@
 
 namespace orvane::plugins {
 
-/// A live plugin. The mix owns it; the real-time tables share its context, and must have let go of it before
-/// this goes. Main thread.
+/// A live plugin. The mix owns it; the real-time tables share its context, and must not hold it any more
+/// when this goes. Main thread.
 struct LoadedInsertPlugin {
     /// What it was made from.
     platform::AVAudioUnitComponent component;

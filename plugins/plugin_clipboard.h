@@ -13,7 +13,7 @@ struct CopiedPlugin {
     platform::AVAudioUnitComponent component;
     /// The component's, when it was copied.
     std::string name;
-    /// Absent where the plugin had none, or none that could be written.
+    /// Absent if the plugin had none, or none that could be written.
     std::optional<platform::PropertyList::Data> stateData;
 
     bool operator==(const CopiedPlugin&) const = default;

@@ -36,7 +36,7 @@ struct NewPreset {
 };
 
 /// The named settings of all plugins, independent of any session: in memory and, rewritten whole after every
-/// change, in a file. What fails with the file is told by a line of the log alone: the presets in memory
+/// change, in a file. A failure with the file is only logged: the presets in memory
 /// stay, and so does the file that was there. Owned by the engine. Main thread.
 class PluginPresetStore final {
   public:
