@@ -1,5 +1,6 @@
 #include "app/command_line.h"
 
+#include "audio/insert_workers.h"
 #include "engine/buffer_sizes.h"
 #include "machine/process.h"
 
@@ -37,6 +38,12 @@ void addOptions(CLI::App& program, CommandLine& line) {
         ));
     program.add_option("--rate", line.machine.sampleRate, "Sample rate in Hz; otherwise the device's")
         ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
+    program
+        .add_option(
+            "--insert-workers", line.insertWorkers,
+            "Real-time threads that share the work of the plugins; otherwise none"
+        )
+        ->check(CLI::Range(std::size_t{0}, audio::InsertWorkers::most));
     program.add_flag(
         "--start", line.launch.start, "Start audio, on the first usable device if none is named"
     );

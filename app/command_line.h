@@ -3,6 +3,7 @@
 #include "machine/audio_machine.h"
 #include "ui/windows/launch_options.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -14,6 +15,8 @@ namespace orvane::app {
 struct CommandLine {
     machine::AudioMachineOptions machine = {};
     std::optional<std::filesystem::path> session = {};
+    /// `engine::Services::insertWorkers`.
+    std::size_t insertWorkers = 0;
     /// Without the session, which is read later.
     ui::LaunchOptions launch = {};
 };

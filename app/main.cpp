@@ -2,7 +2,6 @@
 #include "app/desktop_services.h"
 #include "app/display.h"
 #include "app/managed_session.h"
-#include "audio/insert_workers.h"
 #include "engine/session_files.h"
 #include "machine/audio_machine.h"
 #include "machine/forced_end.h"
@@ -117,7 +116,7 @@ int run(
               .log = audioMachine.log,
               .applicationSupport = platform::applicationSupportDirectory(),
               .editorWindows = &editorWindows,
-              .insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency()),
+              .insertWorkers = line.insertWorkers,
               .deviceAdvice = [&audioMachine] { return audioMachine.deviceAdvice(); }},
          .preferences = preferences,
          .onMixer = [&desktop](const engine::EngineState* mixer) { desktop.follow(mixer); }},

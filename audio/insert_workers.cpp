@@ -13,21 +13,12 @@ namespace orvane::audio {
 
 namespace {
 
-constexpr unsigned fewestProcessors = 4;
-/// One processor is for the I/O thread, one for all other programs.
-constexpr unsigned sparedProcessors = 2;
-constexpr unsigned mostWorkers = 6;
-
 /// How much of the recent maximum remains after a block: effects that collect samples and process them in
 /// bursts reach it again soon.
 constexpr double remembered = 0.9995;
 constexpr double nanosecondsPerSecond = 1e9;
 
 } // namespace
-
-std::size_t InsertWorkers::countFor(unsigned processors) {
-    return processors < fewestProcessors ? 0 : std::min(processors - sparedProcessors, mostWorkers);
-}
 
 InsertWorkers::InsertWorkers(
     std::size_t workerCount, std::size_t stripCount, platform::HostClock hostClock, const Limits& given,

@@ -32,8 +32,8 @@ class InsertWorkers final {
         double waitedFor = 0.75;
     };
 
-    /// The number of workers for a machine with so many processors; 0 below four.
-    static std::size_t countFor(unsigned processors);
+    /// The most workers that a run may have.
+    static constexpr std::size_t most = 6;
 
     /// Gives the calling thread real-time priority. Returns the priority, 0 if it was refused.
     using TakePriority = int (*)() noexcept;

@@ -254,7 +254,7 @@ class LiveRun final {
 
     [[nodiscard]] engine::Services services(platform::MIDIServices& midi) {
         engine::Services all{machine.hardware(), midi, loop, machine.audioUnits(), machine.log};
-        all.insertWorkers = audio::InsertWorkers::countFor(std::thread::hardware_concurrency());
+        all.insertWorkers = options.insertWorkers;
         return all;
     }
 

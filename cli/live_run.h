@@ -23,6 +23,8 @@ struct LiveRunOptions {
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's, or else the device's current size, if absent.
     std::optional<std::int64_t> bufferSize = {};
+    /// `engine::Services::insertWorkers`.
+    std::size_t insertWorkers = 0;
     /// The id of the MIDI source to listen to; all of them if absent.
     std::optional<std::int32_t> midiSource = {};
     /// The number of the snapshot, from 1, that the next note is to recall from then on.

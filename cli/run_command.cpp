@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 
+#include "audio/insert_workers.h"
 #include "cli/live_run.h"
 #include "engine/buffer_sizes.h"
 
@@ -42,6 +43,12 @@ void addRunCommand(CLI::App& program, Action& action) {
         ));
     command->add_option("--rate", options->machine.sampleRate, "Sample rate in Hz; otherwise the device's")
         ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
+    command
+        ->add_option(
+            "--insert-workers", options->insertWorkers,
+            "Real-time threads that share the work of the plugins; otherwise none"
+        )
+        ->check(CLI::Range(std::size_t{0}, audio::InsertWorkers::most));
     command->add_option("--midi-source", options->midiSource, "Id of the MIDI source; otherwise all of them");
     command->add_option(
         "--learn", options->learn, "Number of the snapshot that the next note recalls from then on"

@@ -7,7 +7,7 @@ _orvane_cli_options() {
     plugins) echo "--help --json" ;;
     render) echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" ;;
     run)
-        echo "--help --session --channels --device --master-device --buffer-size --rate --midi-source --learn" \
+        echo "--help --session --channels --device --master-device --buffer-size --rate --insert-workers --midi-source --learn" \
             "--seconds --meters --virtual-input --record --force"
         ;;
     session) echo "--help --channels --new --force" ;;
@@ -42,6 +42,9 @@ _orvane_cli() {
         ;;
     --rate)
         COMPREPLY=($(compgen -W "44100 48000 88200 96000 176400 192000" -- "$cur"))
+        ;;
+    --insert-workers)
+        COMPREPLY=($(compgen -W "0 1 2 3 4 5 6" -- "$cur"))
         ;;
     --meters)
         COMPREPLY=($(compgen -W "text json none" -- "$cur"))

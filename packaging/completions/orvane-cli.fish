@@ -35,6 +35,7 @@ __orvane_cli_option 'render run' session 'Session that sets up the mix' -x -k -a
 __orvane_cli_option 'render run session' channels 'Number of strips' -x
 __orvane_cli_option 'render run' buffer-size 'Frames per block' -x -a '32 64 96 128 192 256 512 768 1024 2048'
 __orvane_cli_option run rate 'Sample rate in Hz' -x -a '44100 48000 88200 96000 176400 192000'
+__orvane_cli_option run insert-workers 'Threads that share the work of the plugins' -x -a '0 1 2 3 4 5 6'
 __orvane_cli_option run device 'Audio device' -x -a '(__orvane_cli_devices)'
 __orvane_cli_option run master-device 'Device for the master bus' -x -a '(__orvane_cli_devices)'
 __orvane_cli_option run midi-source 'MIDI source to listen to' -x -a '(__orvane_cli_sources)'

@@ -54,6 +54,7 @@ _orvane_cli() {
             '--device[audio device]:uid:_orvane_cli_devices' \
             '--master-device[device for the master bus]:uid:_orvane_cli_devices' \
             '--rate[sample rate in Hz]:rate:(44100 48000 88200 96000 176400 192000)' \
+            '--insert-workers[threads that share the work of the plugins]:threads:(0 1 2 3 4 5 6)' \
             '--midi-source[MIDI source to listen to]:id:_orvane_cli_sources' \
             '--learn[snapshot that the next note recalls]:snapshot:' \
             '--seconds[how long to run]:seconds:' \

@@ -24,6 +24,9 @@ _orvane() {
     --rate)
         COMPREPLY=($(compgen -W "44100 48000 88200 96000 176400 192000" -- "$cur"))
         ;;
+    --insert-workers)
+        COMPREPLY=($(compgen -W "0 1 2 3 4 5 6" -- "$cur"))
+        ;;
     --channels)
         COMPREPLY=($(compgen -W "2 4 8 12 16 24 32 48" -- "$cur"))
         ;;
@@ -34,7 +37,7 @@ _orvane() {
         case $cur in
         -*)
             COMPREPLY=($(compgen -W "--help --version --channels --device --master-device --buffer-size
-                --rate --start --virtual-input --record" -- "$cur"))
+                --rate --insert-workers --start --virtual-input --record" -- "$cur"))
             ;;
         *)
             _filedir orvane

@@ -13,6 +13,7 @@ _arguments \
     '--master-device[device for the master bus]:uid:_orvane_devices' \
     '--buffer-size[frames per block]:frames:(32 64 96 128 192 256 512 768 1024 2048)' \
     '--rate[sample rate in Hz]:rate:(44100 48000 88200 96000 176400 192000)' \
+    '--insert-workers[threads that share the work of the plugins]:threads:(0 1 2 3 4 5 6)' \
     '--start[start audio]' \
     '--virtual-input[sound file that a virtual device plays]:sound file:_files' \
     '--record[sound file for the outputs of a virtual device]:sound file:_files' \

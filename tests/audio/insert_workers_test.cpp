@@ -79,11 +79,6 @@ struct TwoStrips {
     audio::MixerRealtimeState state{2};
 };
 
-TEST(InsertWorkers, AreNoneOnSmallMachines) {
-    for (const auto& [processors, workers] : {std::pair(0U, 0U), {2U, 0U}, {3U, 0U}, {4U, 2U}, {64U, 6U}})
-        EXPECT_EQ(InsertWorkers::countFor(processors), workers) << processors;
-}
-
 TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilItLetsGo) {
     TwoStrips strips;
     std::atomic<bool> isEntered = false;
