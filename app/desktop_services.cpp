@@ -22,8 +22,8 @@ void DesktopServices::runningChanged(const engine::EngineState& mixer, bool isRu
     sleepInhibitor.setHeld(isRunning);
     if (!std::exchange(hasRun, isRunning) || isRunning) return;
     // If the audio stopped by itself, the engine sets the reason before it returns to the main thread's loop.
-    mainThread.post([this, &mixer, before = mixer.lastError.get(), followed = std::weak_ptr(following)] {
-        if (followed.expired() || mixer.isRunning.get()) return;
+    platform::MainThread::Poster(mainThread, following)([this, &mixer, before = mixer.lastError.get()] {
+        if (mixer.isRunning.get()) return;
         const auto& reason = mixer.lastError.get();
         if (reason && reason != before) notifier.show("The mixer has stopped", *reason);
     });

@@ -85,8 +85,8 @@ void InsertRack::applyFactoryPreset(const platform::AUAudioUnitPreset& preset, c
     services.audioUnitHost.readFactoryPreset(
         preset,
         [this, key, wanted = std::weak_ptr(asked),
-         hop = onMainThread()](platform::Result<platform::PropertyList::Dictionary> setting) {
-            hop([this, key, wanted, setting = std::move(setting)] {
+         post = poster()](platform::Result<platform::PropertyList::Dictionary> setting) {
+            post([this, key, wanted, setting = std::move(setting)] {
                 const auto live = wanted.lock();
                 if (!live || mix.plugin(key) != live) return;
                 if (!setting) return state.lastError.set(setting.error().description);
@@ -105,10 +105,10 @@ void InsertRack::openEditor(const PluginSlotKey& key) {
             "This program has no windows to show the editor of " + plugin->component.name + " in."
         );
     if (plugin->editorViewController) return openWindow(*plugin);
-    plugin->avAudioUnit->requestViewController([this, key, asked = std::weak_ptr(plugin),
-                                                hop = onMainThread(
-                                                )](std::shared_ptr<platform::AUViewController> editor) {
-        hop([this, key, asked, editor = std::move(editor)] { takeEditor(key, asked.lock(), editor); });
+    plugin->avAudioUnit->requestViewController([this, key, asked = std::weak_ptr(plugin), post = poster()](
+                                                   std::shared_ptr<platform::AUViewController> editor
+                                               ) {
+        post([this, key, asked, editor = std::move(editor)] { takeEditor(key, asked.lock(), editor); });
     });
 }
 
@@ -304,8 +304,8 @@ void InsertRack::instantiate(const PluginSlotKey& key, Load begun) {
     services.audioUnitHost.instantiate(
         load->component.audioComponentDescription, 0,
         [this, load, key, isWanted = loadsAreWanted,
-         hop = onMainThread()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
-            hop([this, load, key, isWanted, unit = std::move(unit), error = std::move(error)] {
+         post = poster()](std::shared_ptr<AUAudioUnit> unit, std::optional<Error> error) {
+            post([this, load, key, isWanted, unit = std::move(unit), error = std::move(error)] {
                 if (!*isWanted) return;
                 const auto pending = pendingLoads.find(key);
                 if (pending != pendingLoads.end() && pending->second.lock() == load)
@@ -396,14 +396,6 @@ std::string InsertRack::labelOf(const PluginSlotKey& key, const std::string& plu
 double InsertRack::sampleRate() const {
     const auto& device = state.selectedDevice.get();
     return device ? device->sampleRate : sampleRateWithoutDevice;
-}
-
-std::function<void(std::function<void()>)> InsertRack::onMainThread() {
-    return [&mainThread = services.mainThread, rack = std::weak_ptr(isHere)](std::function<void()> task) {
-        mainThread.post([rack, task = std::move(task)] {
-            if (!rack.expired()) task();
-        });
-    };
 }
 
 } // namespace orvane::engine

@@ -136,8 +136,8 @@ class InsertRack final {
     void openWindow(const plugins::LoadedInsertPlugin& plugin);
     /// The rate that plugins are to work at, in Hz.
     [[nodiscard]] double sampleRate() const;
-    /// Runs `task` on the main thread if the rack is there then. Any thread.
-    [[nodiscard]] std::function<void(std::function<void()>)> onMainThread();
+    /// For what arrives on other threads, perhaps after the rack is gone.
+    [[nodiscard]] platform::MainThread::Poster poster() { return {services.mainThread, isHere}; }
 
     Mix& mix;
     EngineState& state;

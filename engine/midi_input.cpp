@@ -8,25 +8,18 @@
 namespace orvane::engine {
 
 MIDIInput::MIDIInput(const Services& services, EngineState& published, NotesHandler handler)
-    : mainThread(services.mainThread),
-      state(published),
-      handleNotes(std::move(handler)),
-      manager(services.midiServices) {
-    const auto onMainThread = [&thread = mainThread, alive = std::weak_ptr(isAlive)](auto task) {
-        thread.post([alive, task = std::move(task)] {
-            if (!alive.expired()) task();
-        });
-    };
-    manager.onNoteOn([this, onMainThread](const midi::NoteMessage& note) {
+    : state(published), handleNotes(std::move(handler)), manager(services.midiServices) {
+    const platform::MainThread::Poster post(services.mainThread, isAlive);
+    manager.onNoteOn([this, post](const midi::NoteMessage& note) {
         // Without memory for it a note is lost; the driver's thread takes the next one.
         platform::runUnlessOutOfMemory([&] {
             const std::scoped_lock guard(waiting);
-            if (waitingNotes.empty()) onMainThread([this] { handleWaitingNotes(); });
+            if (waitingNotes.empty()) post([this] { handleWaitingNotes(); });
             waitingNotes.push_back(note);
         });
     });
-    manager.onSourcesChanged([this, onMainThread] {
-        platform::runUnlessOutOfMemory([&] { onMainThread([this] { refreshDevices(); }); });
+    manager.onSourcesChanged([this, post] {
+        platform::runUnlessOutOfMemory([&] { post([this] { refreshDevices(); }); });
     });
 }
 

@@ -36,7 +36,6 @@ class MIDIInput final {
   private:
     void handleWaitingNotes();
 
-    platform::MainThread& mainThread;
     EngineState& state;
     std::string nameOfSelected;
     NotesHandler handleNotes;

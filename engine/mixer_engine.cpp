@@ -194,13 +194,12 @@ void MixerEngine::allOutputsOff() {
 }
 
 RunningAudio::Observer MixerEngine::observerOf(const std::shared_ptr<RunningAudio>& observed) {
-    const auto onMainThread = [this, run = std::weak_ptr(observed)](auto take) {
-        return [this, run, take](const auto&... facts) {
-            services.mainThread.post([this, run, take, facts...] {
-                if (!run.expired()) (this->*take)(facts...);
-            });
+    const auto onMainThread =
+        [this, post = platform::MainThread::Poster(services.mainThread, observed)](auto take) {
+            return [this, post, take](const auto&... facts) {
+                post([this, take, facts...] { (this->*take)(facts...); });
+            };
         };
-    };
     return {
         .bufferSizeChanged = onMainThread(&MixerEngine::reportBufferSizeChange),
         .sampleRateChanged = onMainThread(&MixerEngine::followSampleRate),

@@ -1,36 +1,23 @@
 #include "platform/audio_hardware/device_watches.h"
 
+#include "platform/base/cancellable_call.h"
+
 #include <algorithm>
 
 namespace orvane::platform {
 
-/// A listener until it is cancelled. Calls and the cancellation exclude each other.
-class DeviceWatches::Subscription final {
-  public:
+struct DeviceWatches::Subscription {
     Subscription(std::string_view deviceUID, AudioDriver::Listener callee)
         : uid(deviceUID), listener(std::move(callee)) {}
 
-    void notify(AudioDeviceChange change) {
-        const std::scoped_lock lock(mutex);
-        if (listener) listener(change);
-    }
-
-    void cancel() {
-        const std::scoped_lock lock(mutex);
-        listener = nullptr;
-    }
-
     const std::string uid;
-
-  private:
-    std::mutex mutex;
-    AudioDriver::Listener listener;
+    CancellableCall<AudioDeviceChange> listener;
 };
 
 class DeviceWatches::Watch final : public AudioDeviceWatch {
   public:
     explicit Watch(std::shared_ptr<Subscription> watched) : subscription(std::move(watched)) {}
-    ~Watch() override { subscription->cancel(); }
+    ~Watch() override { subscription->listener.cancel(); }
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
@@ -52,7 +39,7 @@ bool DeviceWatches::contains(std::string_view uid) {
 
 void DeviceWatches::notify(std::string_view uid, AudioDeviceChange change) {
     for (const auto& subscription : of(uid))
-        subscription->notify(change);
+        subscription->listener(change);
 }
 
 std::vector<std::shared_ptr<DeviceWatches::Subscription>> DeviceWatches::of(std::string_view uid) {

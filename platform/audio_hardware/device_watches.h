@@ -27,7 +27,7 @@ class DeviceWatches final {
     void notify(std::string_view uid, AudioDeviceChange change);
 
   private:
-    class Subscription;
+    struct Subscription;
     class Watch;
 
     [[nodiscard]] std::vector<std::shared_ptr<Subscription>> of(std::string_view uid);

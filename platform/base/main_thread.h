@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace orvane::platform {
 
@@ -17,6 +18,8 @@ class MainThreadTimer {
 /// outlives whoever posts to it. Tasks throw nothing but std::bad_alloc, which ends the task and is reported.
 class MainThread {
   public:
+    class Poster;
+
     virtual ~MainThread() = default;
 
     /// Runs `task` on the main thread, soon and in the order of posting, never from within this call. Once
@@ -27,6 +30,25 @@ class MainThread {
     /// interaction. Ticks that were missed are not made up for. Main thread.
     [[nodiscard]] virtual std::unique_ptr<MainThreadTimer>
     repeat(std::chrono::nanoseconds interval, std::function<void()> task) = 0;
+};
+
+/// Posts tasks that are dropped if their owner is gone when their turn comes. Copies may outlive the owner.
+/// Any thread, not real-time safe.
+class MainThread::Poster final {
+  public:
+    /// `taskOwner` expires when its tasks must not run any more, on the main thread.
+    Poster(MainThread& postedTo, std::weak_ptr<const void> taskOwner)
+        : mainThread(postedTo), owner(std::move(taskOwner)) {}
+
+    void operator()(std::function<void()> task) const {
+        mainThread.post([owner = owner, task = std::move(task)] {
+            if (!owner.expired()) task();
+        });
+    }
+
+  private:
+    MainThread& mainThread;
+    std::weak_ptr<const void> owner;
 };
 
 } // namespace orvane::platform

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/midi_services/cancellable_call.h"
+#include "platform/base/cancellable_call.h"
 #include "platform/midi_services/midi_driver.h"
 #include "platform/midi_services/midi_services.h"
 #include "platform/midi_services/midi_source_registry.h"
