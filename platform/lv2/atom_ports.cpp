@@ -48,7 +48,7 @@ void AtomPorts::send(EditorMessages& messages) noexcept {
             sendEvents(i, messages);
 }
 
-/// The sizes are the plugin's, and may be anything.
+/// The plugin wrote the sizes; they may be wrong.
 void AtomPorts::sendEvents(std::size_t port, EditorMessages& messages) noexcept {
     const std::size_t end = sizeof(LV2_Atom) + sequence(port).atom.size;
     if (end > capacity(port)) return;

@@ -13,20 +13,20 @@
 
 namespace orvane::platform::lv2 {
 
-/// The buffers of a plugin's atom ports, which outlives them. Render thread, but for the constructor and
-/// `buffer`.
+/// The buffers of a plugin's atom ports; must outlive the plugin's instance. Render thread, except the
+/// constructor and `buffer`.
 class AtomPorts final {
   public:
     AtomPorts(const PluginDescription& description, UridMap& urids);
 
-    /// What the port is connected to, by port index; null where it is of another kind.
+    /// The buffer to connect to a port; null if the port is of another kind.
     [[nodiscard]] void* buffer(std::size_t port) { return buffers[port].data(); }
 
-    /// Makes ready for a run: inputs are empty sequences, outputs have room.
+    /// Prepares for a run: empties the inputs and offers the outputs their whole capacity.
     ORVANE_REALTIME void clear() noexcept;
-    /// Puts what editors have sent into the inputs, at the first frame; what finds no room is dropped.
+    /// Adds the editors' messages to the inputs, at the first frame; drops those that do not fit.
     ORVANE_REALTIME void receive(EditorMessages& messages) noexcept;
-    /// Sends what the run has put into the outputs to editors.
+    /// Sends the outputs of the last run to the editors.
     ORVANE_REALTIME void send(EditorMessages& messages) noexcept;
 
   private:
@@ -41,7 +41,7 @@ class AtomPorts final {
     }
 
     const PluginDescription& description;
-    /// By port index; empty where the port is of another kind.
+    /// By port index; empty for ports of another kind.
     std::vector<std::vector<std::max_align_t>> buffers;
     LV2_URID sequenceType;
     LV2_URID chunkType;

@@ -69,7 +69,7 @@ std::optional<InstalledPreset> presetOf(const PropertyList& value, const std::fi
     return InstalledPreset{*std::move(uri), *std::move(name), *std::move(bank), *std::move(plugin), folder};
 }
 
-/// What `read` makes of each entry; absent if it makes nothing of one of them, or if `entries` is null.
+/// Applies `read` to each entry; absent if `read` fails for any of them or `entries` is null.
 template <class T, class Read>
 std::optional<std::vector<T>> eachOf(const PropertyList::Array* entries, const Read& read) {
     if (entries == nullptr) return std::nullopt;

@@ -10,9 +10,9 @@
 
 namespace orvane::platform::lv2 {
 
-// What the program that reads bundles writes for the one that asked, and what of it is kept. Any thread.
+// The reports of the program that reads bundles, also used as cache entries. Any thread.
 
-/// A bundle folder, and a number that changes when one of its descriptions is written, added or removed.
+/// A bundle folder and a stamp, which changes when a description in it is written, added or removed.
 struct BundleStamp {
     std::filesystem::path folder;
     std::int64_t stamp = 0;
@@ -21,8 +21,7 @@ struct BundleStamp {
 };
 
 PropertyList::Dictionary dictionaryOf(const BundleContents& contents);
-/// Absent if the dictionary is not a description of a bundle's contents, or goes beyond all that a bundle
-/// has.
+/// Absent if the dictionary does not describe the contents of a bundle or exceeds the size limits.
 std::optional<BundleContents>
 contentsOf(const PropertyList::Dictionary& dictionary, const std::filesystem::path& folder);
 
@@ -30,9 +29,9 @@ PropertyList::Dictionary dictionaryOf(const std::vector<BundleStamp>& bundles);
 /// Absent if the dictionary is not a list of bundles.
 std::optional<std::vector<BundleStamp>> bundlesOf(const PropertyList::Dictionary& dictionary);
 
-/// A text of any bytes as a value of a dictionary.
+/// Stores a text, which may hold any bytes, as a value of a dictionary.
 PropertyList valueOf(const std::string& text);
-/// The text of such a value; absent if it is another one or too long.
+/// Returns a text stored with `valueOf`; absent if the value is of another type or too long.
 std::optional<std::string> textAt(const PropertyList::Dictionary& dictionary, const std::string& key);
 
 } // namespace orvane::platform::lv2

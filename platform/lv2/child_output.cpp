@@ -24,12 +24,12 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-/// How often a wait looks whether it is to end.
+/// How often a wait checks its end conditions.
 constexpr auto interval = 20ms;
-/// How long a killed child may take to end before it is left alone: one that waits for a dead disk cannot.
+/// How long to wait for a killed child before giving it up: a process that waits for a dead disk cannot end.
 constexpr auto longestEnding = 500ms;
 
-/// A running child, killed and reaped at the end.
+/// A running child; the destructor kills and reaps it.
 class Child final {
   public:
     Child(pid_t startedProcess, FileDescriptor readEnd)
@@ -44,13 +44,13 @@ class Child final {
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    /// The wait status, once it has ended.
+    /// Returns the wait status once the child has ended.
     std::optional<int> reap() {
         int status = 0;
         const pid_t reaped = ::waitpid(process, &status, WNOHANG);
         if (reaped == 0 || (reaped < 0 && errno == EINTR)) return std::nullopt;
         isReaped = true;
-        // Where the program ignores the ends of its children there is no status; what was written decides.
+        // If the program ignores SIGCHLD there is no status, and the output alone decides.
         return reaped == process ? status : 0;
     }
 
@@ -62,7 +62,7 @@ class Child final {
     bool isReaped = false;
 };
 
-/// The child's end of the pipe is its standard output; it has no other open file than /dev/null.
+/// The child's standard output is its end of the pipe; its only other open file is /dev/null.
 std::optional<pid_t>
 spawn(const std::filesystem::path& program, const std::vector<std::string>& arguments, int writeEnd) {
     posix_spawn_file_actions_t actions;
@@ -93,7 +93,7 @@ spawn(const std::filesystem::path& program, const std::vector<std::string>& argu
     return error == 0 ? std::optional(process) : std::nullopt;
 }
 
-/// Appends what can be read now; false at the end of the output.
+/// Appends what can be read now. Returns false at the end of the output.
 bool readSome(int descriptor, std::vector<std::uint8_t>& output) {
     std::array<std::uint8_t, 65536> chunk{};
     const ssize_t count = ::read(descriptor, chunk.data(), chunk.size());

@@ -12,24 +12,23 @@
 
 namespace orvane::platform::lv2 {
 
-/// What a child process may take before it is killed.
+/// The limits beyond which a child process is killed.
 struct ChildLimits {
     std::chrono::milliseconds time{60'000};
     std::size_t outputBytes = 4U << 20U;
 };
 
-/// Why a child gave no output.
+/// Why a child returned no output.
 struct ChildFailure {
-    /// Ends a sentence that names what the child worked on.
+    /// The end of a sentence whose subject is the child's input.
     std::string why;
-    /// Whether the child itself failed, and so would again.
+    /// Whether the child itself failed and would fail again.
     bool isItsOwn = false;
 };
 
-/// Runs a program with these arguments, in a process that shares nothing with this one but its environment,
-/// and returns what it wrote to its standard output. Fails if it cannot be started, does not end with the
-/// exit code 0, exceeds a limit, or `stop` is requested. Never waits for a child that cannot be killed. Any
-/// thread but the audio ones.
+/// Runs a program in a process that shares only its environment with this one, and returns its standard
+/// output. Fails if it cannot be started, does not exit with code 0, exceeds a limit, or `stop` is requested.
+/// Does not wait for a child that cannot be killed. Any thread except audio threads.
 Result<std::vector<std::uint8_t>, ChildFailure> outputOfChild(
     const std::filesystem::path& program, const std::vector<std::string>& arguments,
     const ChildLimits& limits, const std::stop_token& stop

@@ -44,7 +44,7 @@ int CommonFeatures::vprint(
     auto& self = *static_cast<CommonFeatures*>(features);
     if (type == self.logTrace) return 0;
     std::array<char, SystemLog::longestLine> text{};
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the plugin has begun it.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the plugin has started it.
     const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
     std::string_view line(text.data());
     while (line.ends_with('\n'))

@@ -14,11 +14,11 @@
 
 namespace orvane::platform::lv2 {
 
-/// What plugins and their editors alike are offered: the numbers of URIs, and the log. Stays where it is, for
-/// they keep pointers into it.
+/// The features for both plugins and editors: URID mapping and the log. Not movable: plugins keep pointers
+/// into it.
 class CommonFeatures final {
   public:
-    /// `pluginName`: what the lines in the log begin with.
+    /// `pluginName`: the prefix of each log line.
     CommonFeatures(HostServices& hostServices, std::string pluginName);
     CommonFeatures(const CommonFeatures&) = delete;
     CommonFeatures& operator=(const CommonFeatures&) = delete;
@@ -37,17 +37,17 @@ class CommonFeatures final {
     LV2_URID logError;
 };
 
-/// The first that is required and not supported; null where there is none.
+/// Returns the first required feature that is not supported; null if all are.
 const std::string*
 firstUnsupported(const std::vector<std::string>& required, std::span<const std::string_view> supported);
 
-/// An option of an instance, with a value that outlives it.
+/// An option of an instance. `value` must outlive the option.
 template <class Value>
 LV2_Options_Option makeOption(UridMap& urids, const char* uri, const char* type, const Value& value) {
     return {LV2_OPTIONS_INSTANCE, 0, urids.map(uri), sizeof value, urids.map(type), &value};
 }
 
-/// What a list of options ends with.
+/// Terminates a list of options.
 inline constexpr LV2_Options_Option noMoreOptions{LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr};
 
 } // namespace orvane::platform::lv2

@@ -17,7 +17,7 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// Why the library of a plugin cannot be loaded, as the end of a sentence; absent if it may be.
+/// Why the library of a plugin cannot be loaded, as the end of a sentence; absent if it can.
 std::optional<std::string> libraryProblem(const std::filesystem::path& library) {
     std::error_code ignored;
     if (library.empty()) return "it names no library";

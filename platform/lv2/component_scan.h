@@ -16,17 +16,17 @@ struct InstalledPlugin {
     AVAudioUnitComponent component;
     std::string uri;
     std::filesystem::path bundle;
-    /// The minor and the micro version, the major being the URI.
+    /// Minor and micro version; the URI stands for the major version.
     std::pair<int, int> version;
 
     bool operator==(const InstalledPlugin&) const = default;
 };
 
-/// A setting of a plugin that a bundle declares, whatever bundle the plugin is in. A plain value.
+/// A preset that a bundle declares; its plugin may be in another bundle. A plain value.
 struct InstalledPreset {
     std::string uri;
     std::string name;
-    /// Names the presets that it belongs with; empty for none.
+    /// The URI of the bank that the preset belongs to; empty if none.
     std::string bank;
     std::string pluginUri;
     std::filesystem::path bundle;
@@ -38,24 +38,24 @@ struct InstalledPreset {
 struct BundleContents {
     std::vector<InstalledPlugin> effects;
     std::vector<InstalledPreset> presets = {};
-    /// A sentence for each plugin, or for the bundle, that cannot be used.
+    /// One sentence for each plugin, or for the bundle, that cannot be used.
     std::vector<std::string> leftOut;
 
     bool operator==(const BundleContents&) const = default;
 };
 
-/// Finds the presets and the effects of one bundle: plugins with one or two audio inputs and outputs that
-/// need nothing the host lacks and whose library is there. Reads descriptions only. The libraries that do so
-/// may crash or hang on hostile data: only for a process that may. Any thread.
+/// Finds the presets and the effects of one bundle. Effects have one or two audio inputs and outputs, require
+/// only features that the host supports, and their library exists. Reads descriptions only. The libraries
+/// that parse them may crash or hang on hostile data: call it only in a process that may. Any thread.
 BundleContents readBundle(const std::filesystem::path& folder);
 
-/// The sentence for a bundle or plugin that is left out.
+/// The log line for a bundle or plugin that is left out.
 std::string leftOutSentence(std::string_view what, std::string_view why);
 
-/// What sessions name an effect by.
+/// The description by which sessions identify an effect.
 AudioComponentDescription effectDescription(std::string_view uri, std::string_view maker);
 
-/// The 32-bit FNV-1a hash by which sessions name plugins and makers.
+/// The 32-bit FNV-1a hash by which sessions identify plugins and makers.
 std::uint32_t stableCode(std::string_view text);
 
 } // namespace orvane::platform::lv2

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* labelUri = "http://www.w3.org/2000/01/rdf-schema#label";
 
-/// How the units that LV2 defines are written.
+/// The usual symbols of the units that LV2 defines.
 constexpr std::pair<std::string_view, std::string_view> unitSymbols[] = {
     {LV2_UNITS__bar, "bars"},      {LV2_UNITS__beat, "beats"}, {LV2_UNITS__bpm, "BPM"},
     {LV2_UNITS__cent, "ct"},       {LV2_UNITS__cm, "cm"},      {LV2_UNITS__coef, ""},

@@ -7,17 +7,17 @@
 
 namespace orvane::platform::lv2 {
 
-/// The value at which a port is held, where it is one that the host and not the user decides on.
+/// The value at which the host holds a port; absent if the port is the user's to set.
 std::optional<float> heldValue(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
 
-/// Whether a port takes if blocks are rendered offline.
+/// Whether the port switches the plugin to offline rendering.
 bool isFreeWheeling(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
 
-/// Whether a plugin reports its latency, in frames, through the port.
+/// Whether the plugin reports its latency, in frames, through the port.
 bool reportsLatency(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
 
-/// Reads the description of a control port. What is missing or makes no sense in it is made good, so that the
-/// range is finite and the default within it.
+/// Reads the description of a control port. Missing or invalid values are corrected: the range is finite and
+/// contains the default.
 ControlPort describeControl(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port);
 
 } // namespace orvane::platform::lv2

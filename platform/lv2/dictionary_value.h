@@ -7,7 +7,7 @@
 
 namespace orvane::platform::lv2 {
 
-/// What a dictionary has under a key, where that is a T; null otherwise.
+/// The value under a key; null if it is missing or not a T.
 template <class T>
 const T* valueAt(const PropertyList::Dictionary& dictionary, const std::string& key) {
     const auto found = dictionary.find(key);

@@ -16,7 +16,7 @@ bool contains(const std::vector<std::string>& uris, const char* uri) {
     return std::ranges::find(uris, uri) != uris.end();
 }
 
-/// Older descriptions name the library in the interface's own terms.
+/// Older descriptions use ui:binary.
 std::string libraryOf(PluginBundle& bundle, const LilvNode* editor) {
     for (const char* predicate : {LV2_CORE__binary, LV2_UI__binary})
         for (const std::string& uri : bundle.uris(editor, predicate))

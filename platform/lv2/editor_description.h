@@ -8,18 +8,18 @@
 
 namespace orvane::platform::lv2 {
 
-/// The editor for X11 that a plugin brings along. A plain value.
+/// A plugin's own editor for X11. A plain value.
 struct EditorDescription {
     std::string uri;
     std::string bundlePath;
     std::string libraryPath;
     std::vector<std::string> requiredFeatures;
     std::vector<std::string> requiredOptions;
-    /// The user cannot choose its size.
+    /// The user cannot resize it.
     bool hasFixedSize = false;
 };
 
-/// Reads the description of the first such editor; nothing where the plugin has none.
+/// Reads the description of the plugin's first X11 editor; absent if it has none.
 std::optional<EditorDescription> describeEditor(PluginBundle& bundle, const LilvPlugin* plugin);
 
 } // namespace orvane::platform::lv2

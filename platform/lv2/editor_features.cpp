@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view editorFeatures[] = {
     LV2_URID__map, LV2_URID__unmap, LV2_LOG__log, LV2_OPTIONS__options, LV2_UI__parent, LV2_UI__resize,
     LV2_UI__portMap, LV2_UI__idleInterface, LV2_UI__noUserResize, LV2_UI__fixedSize,
-    // What follows asks for nothing but what is done anyway.
+    // These ask only for what the host does anyway.
     LV2_UI_PREFIX "makeResident", LV2_UI_PREFIX "makeSONameResident"};
 
 constexpr std::string_view editorOptions[] = {
@@ -42,7 +42,7 @@ EditorFeatures::EditorFeatures(
 )
     : common(hostServices, description.name),
       resize{&parent, resizeParent},
-      // The interface takes handles as pointers to what could be written to; this one is only read.
+      // The interface takes handles as pointers to non-const; this one is only read.
       portMap{const_cast<PluginDescription*>(&description), portIndex},
       sampleRate(static_cast<float>(hostServices.sampleRate.load())),
       updateRate(NativeEditor::idleRate),
@@ -56,7 +56,7 @@ EditorFeatures::EditorFeatures(
     features = {
         LV2_Feature{LV2_URID__map, &common.map}, LV2_Feature{LV2_URID__unmap, &common.unmap},
         LV2_Feature{LV2_LOG__log, &common.log}, LV2_Feature{LV2_OPTIONS__options, options.data()},
-        // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes the window's number this way.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes the window id as a pointer.
         LV2_Feature{LV2_UI__parent, reinterpret_cast<void*>(parent.nativeWindow())},
         LV2_Feature{LV2_UI__resize, &resize}, LV2_Feature{LV2_UI__portMap, &portMap},
         LV2_Feature{LV2_UI__idleInterface, nullptr}, LV2_Feature{LV2_UI__noUserResize, nullptr},

@@ -16,21 +16,22 @@
 
 namespace orvane::platform::lv2 {
 
-/// The features that a plugin's own editor is offered. Lives as long as the editor; stays where it is, for
-/// the editor keeps pointers into it. Nothing of the running plugin is offered. Main thread.
+/// The features offered to a plugin's own editor; none of them gives access to the running plugin. Must
+/// outlive the editor, which keeps pointers into it; not movable. Main thread.
 class EditorFeatures final {
   public:
-    /// All outlive the features.
+    /// All arguments must outlive the features.
     EditorFeatures(
         HostServices& hostServices, const PluginDescription& description, NativeEditorParent& parent
     );
     EditorFeatures(const EditorFeatures&) = delete;
     EditorFeatures& operator=(const EditorFeatures&) = delete;
 
-    /// As editors take them: pointers, the last one null.
+    /// The null-terminated list that editors expect.
     [[nodiscard]] const LV2_Feature* const* list() const { return pointers.data(); }
 
-    /// Why an editor that must have something else cannot be opened, as the end of a sentence.
+    /// Why an editor cannot be opened, as the end of a sentence; absent if all its requirements are
+    /// supported.
     static std::optional<std::string> whyUnsupported(const EditorDescription& description);
 
   private:

@@ -8,7 +8,7 @@
 namespace orvane::platform::lv2 {
 
 void EditorMessages::add(Listener& listener) {
-    // What was sent to those that are gone is nothing to a new one.
+    // Messages for editors that were closed must not reach a new one.
     if (listeners.empty()) distribute();
     listeners.push_back(&listener);
     isHeard.store(true);

@@ -14,39 +14,38 @@
 
 namespace orvane::platform::lv2 {
 
-/// The atoms that a plugin on the render thread and its open editors send each other. On their way they are
-/// events whose time is the index of the port that they are of. Owned by the unit. What finds no room is
-/// dropped, either way. Main thread, but for what says otherwise.
+/// Carries atoms between a plugin on the render thread and its open editors. An atom travels as an event
+/// whose time field holds the port index. Messages that do not fit are dropped, in both directions. Owned by
+/// the unit. Main thread, unless noted.
 class EditorMessages final {
   public:
     /// An open editor.
     class Listener {
       public:
         virtual ~Listener() = default;
-        /// The plugin has sent it.
+        /// Called for each atom that the plugin sends.
         virtual void messageArrived(std::uint32_t port, const LV2_Atom& atom) = 0;
     };
 
-    /// From now on the listener is told of what the plugin sends; it removes itself before it goes, and not
-    /// while it is being told.
+    /// Registers a listener, which must be removed before it is destroyed, and not from `messageArrived`.
     void add(Listener& listener);
     void remove(Listener& listener);
-    /// Tells all listeners of what has arrived.
+    /// Passes all pending messages to the listeners.
     void distribute();
 
-    /// `port` is an atom input. The atom is followed by its body. Any thread but the render thread: editors
-    /// have threads of their own.
+    /// `port` must be an atom input; the atom's body follows it in memory. Any thread except the render
+    /// thread: editors may have threads of their own.
     void sendToPlugin(std::uint32_t port, const LV2_Atom& atom);
 
-    /// Render thread, real-time safe, as what follows.
+    /// The functions from here on: render thread, real-time safe.
     ORVANE_REALTIME [[nodiscard]] bool hasListeners() const noexcept {
         return isHeard.load(std::memory_order_relaxed);
     }
-    /// An event, whole.
+    /// `event`: header and body.
     ORVANE_REALTIME void sendToEditors(std::span<const std::byte> event) noexcept {
         static_cast<void>(toEditors.write(event));
     }
-    /// Valid until the next call; null where there is no more.
+    /// Valid until the next call; null if no message is left.
     ORVANE_REALTIME const LV2_Atom_Event* nextForPlugin() noexcept { return take(toPlugin, forPlugin); }
 
   private:
@@ -55,7 +54,7 @@ class EditorMessages final {
         return ring.take(message) ? reinterpret_cast<const LV2_Atom_Event*>(message.bytes.data()) : nullptr;
     }
 
-    /// Its writer has the mutex.
+    /// `sending` guards the write end.
     MessageRing toPlugin;
     std::mutex sending;
     MessageRing::Message outgoing;

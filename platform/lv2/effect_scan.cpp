@@ -31,7 +31,7 @@ class Scan final {
             if (!options.stop.stop_requested()) read(bundle);
     }
 
-    /// What has been found, and kept for the next scan.
+    /// Returns the results and stores the cache for the next scan.
     InstalledEffects finish() {
         if (!options.stop.stop_requested()) cache.store();
         return std::move(found);
@@ -78,7 +78,7 @@ class Scan final {
     InstalledEffects found;
 };
 
-/// The newest of each plugin; of equal versions the one that was found first.
+/// Keeps the newest version of each plugin; of equal versions the first one found.
 void keepNewest(std::vector<InstalledPlugin>& plugins) {
     std::ranges::stable_sort(plugins, [](const InstalledPlugin& a, const InstalledPlugin& b) {
         return std::tie(a.uri, b.version) < std::tie(b.uri, a.version);
@@ -87,7 +87,7 @@ void keepNewest(std::vector<InstalledPlugin>& plugins) {
     plugins.erase(repeated.begin(), repeated.end());
 }
 
-/// The first of each preset of each plugin.
+/// Keeps the first of equal presets of a plugin.
 void keepFirst(std::vector<InstalledPreset>& presets) {
     const auto identity = [](const InstalledPreset& preset) {
         return std::tie(preset.pluginUri, preset.uri);

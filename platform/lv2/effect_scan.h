@@ -14,26 +14,25 @@ namespace orvane::platform::lv2 {
 
 /// How a search path is scanned.
 struct ScanOptions {
-    /// Where what was found is kept for the next scan; nowhere if absent.
+    /// Where the results are cached for the next scan; not cached if absent.
     std::optional<std::filesystem::path> cacheFile = {};
-    /// Per bundle, and per folder of bundles.
+    /// For each bundle, and for each folder of bundles.
     ChildLimits limits = {};
-    /// Ends the scan with what has been found so far.
+    /// Ends the scan early, with what has been found until then.
     std::stop_token stop = {};
 };
 
 /// What is installed. A plain value.
 struct InstalledEffects {
-    /// By maker, name and URI.
+    /// Sorted by maker, name and URI.
     std::vector<InstalledPlugin> plugins;
-    /// By plugin, bank, name and URI.
+    /// Sorted by plugin, bank, name and URI.
     std::vector<InstalledPreset> presets;
 };
 
-/// Finds the effects of all bundles on the search path, and the presets of all plugins. Of a plugin that is
-/// installed twice the newer one counts, or the first on the path; of a preset the first. Bundles are read by
-/// child processes, one each: one that cannot be read, or does not come to an end, is left out with a line in
-/// the log. Any thread, takes its time.
+/// Finds the effects and presets of all bundles on the search path. If a plugin is installed twice, the newer
+/// version wins, then the first on the path; of equal presets, the first. Each bundle is read by a child
+/// process: one that cannot be read or takes too long is left out, with a line in the log. Any thread; slow.
 InstalledEffects scanForEffects(std::string_view searchPath, SystemLog& log, const ScanOptions& options = {});
 
 } // namespace orvane::platform::lv2

@@ -27,7 +27,7 @@ constexpr const char* labelUri = LILV_NS_RDFS "label";
 
 using StateHandle = std::unique_ptr<LilvState, LilvFree<lilv_state_free>>;
 
-/// What has been read of a preset.
+/// What `takeProperties` collects from a preset.
 struct Reading {
     std::filesystem::path folder;
     UridMap urids = {};
@@ -64,7 +64,7 @@ void takeControl(
     if (const auto number = numberOf(value, size, typeUri)) reading.controls[symbol].value = *number;
 }
 
-/// A path of a preset as states have it. It may be relative to the preset's bundle.
+/// Makes a path absolute; a preset's paths may be relative to its bundle.
 std::vector<std::byte> absolutePath(const std::filesystem::path& folder, std::span<const std::byte> body) {
     const auto* const text = reinterpret_cast<const char*>(body.data());
     const std::string path = folder / std::string(text, ::strnlen(text, body.size()));
@@ -72,8 +72,8 @@ std::vector<std::byte> absolutePath(const std::filesystem::path& folder, std::sp
     return {bytes.begin(), bytes.end()};
 }
 
-/// Stands in for a plugin's restore. A state cannot be asked for its keys, but they are among the URIs that
-/// were mapped when it was made.
+/// Stands in for a plugin's restore(). A state cannot list its keys, but they are among the URIs that were
+/// mapped while it was created.
 LV2_State_Status
 takeProperties(LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handle state, std::uint32_t, const LV2_Feature* const*) {
     auto& reading = *static_cast<Reading*>(handle);

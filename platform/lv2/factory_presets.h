@@ -11,14 +11,15 @@
 
 namespace orvane::platform::lv2 {
 
-// Both read descriptions with libraries that may crash or hang on hostile data: only for a process that may.
+// Both parse descriptions with libraries that may crash or hang on hostile data: call them only in a process
+// that may.
 
-/// Returns the presets that a bundle declares, one for each plugin that a preset is for, in no order. Those
-/// without a name are left out.
+/// Returns the presets that a bundle declares, one for each plugin of a preset, unsorted. Presets without a
+/// name are left out.
 std::vector<InstalledPreset> presetsIn(PluginBundle& bundle, const std::filesystem::path& folder);
 
-/// Returns the full state of a plugin that a preset of the bundle stands for, without the controls and values
-/// that the preset does not mention; absent if the bundle does not declare the preset.
+/// Returns the full state for a preset of the bundle, with only the controls and values that the preset sets;
+/// absent if the bundle does not declare the preset.
 std::optional<PropertyList::Dictionary>
 readPreset(const std::filesystem::path& folder, const std::string& presetUri, const std::string& pluginUri);
 

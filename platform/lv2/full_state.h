@@ -9,25 +9,25 @@
 
 namespace orvane::platform::lv2 {
 
-// The full state of a unit: its plugin's "uri", its "controls" by symbol, and the "state" that the plugin's
-// own interface saves. Control thread.
+// The full state of a unit: the plugin's "uri", its "controls" by symbol, and the "state" that the plugin's
+// state interface saves. Control thread.
 
 using ParameterList = std::span<const std::unique_ptr<Lv2Parameter>>;
 
-/// The numbers of the parameters that are settings.
+/// The values of all parameters that are settings.
 PropertyList::Dictionary controlsOf(ParameterList parameters);
 
 PropertyList::Dictionary makeFullState(
     const std::string& pluginUri, PropertyList::Dictionary controls, PropertyList::Dictionary pluginState
 );
 
-/// Whether it is a state of that plugin.
+/// Whether the state was saved from this plugin.
 bool isStateOf(const std::string& pluginUri, const PropertyList::Dictionary& fullState);
 
-/// Sets the parameters that the state has a number for.
+/// Sets the parameters that the state has a value for.
 void restoreControls(const PropertyList::Dictionary& fullState, ParameterList parameters);
 
-/// What the plugin's interface saved; null where it saved nothing.
+/// The part that the plugin's state interface saved; null if it saved nothing.
 const PropertyList::Dictionary* pluginStateIn(const PropertyList::Dictionary& fullState);
 
 } // namespace orvane::platform::lv2

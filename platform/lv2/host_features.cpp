@@ -16,12 +16,12 @@ namespace {
 constexpr std::string_view supportedFeatures[] = {
     LV2_URID__map, LV2_URID__unmap, LV2_LOG__log, LV2_OPTIONS__options, LV2_WORKER__schedule,
     LV2_STATE__threadSafeRestore, LV2_STATE__mapPath, LV2_STATE__freePath,
-    // What follows asks for nothing but what is done anyway.
+    // These ask only for what the host does anyway.
     LV2_BUF_SIZE__boundedBlockLength, LV2_CORE__hardRTCapable, LV2_CORE__inPlaceBroken, LV2_CORE__isLive};
 
-/// What a plugin is told blocks usually have, in frames.
+/// The nominal block length reported to plugins, in frames.
 constexpr std::int32_t usualBlockLength = 256;
-/// The size of the buffers of atom ports that ask for none, in bytes.
+/// The default size of atom port buffers, in bytes.
 constexpr std::int32_t sequenceSize = 8192;
 
 constexpr std::string_view supportedOptions[] = {

@@ -17,12 +17,11 @@
 
 namespace orvane::platform::lv2 {
 
-/// The features that an instance of a plugin is offered. Lives as long as the instance; stays where it is,
-/// for the plugin keeps pointers into it.
+/// The features offered to an instance of a plugin. Must outlive the instance, which keeps pointers into it;
+/// not movable.
 class HostFeatures final {
   public:
-    /// `schedule`: of the instance's worker. `paths`: the instance's. `sampleRate` in Hz, `maximumFrames` per
-    /// block.
+    /// `schedule` and `paths` belong to the same instance. `sampleRate` in Hz, `maximumFrames` per block.
     HostFeatures(
         HostServices& hostServices, const std::string& pluginName, LV2_Worker_Schedule* schedule,
         StatePaths& paths, double sampleRate, std::uint32_t maximumFrames
@@ -30,10 +29,10 @@ class HostFeatures final {
     HostFeatures(const HostFeatures&) = delete;
     HostFeatures& operator=(const HostFeatures&) = delete;
 
-    /// As plugins take them: pointers, the last one null.
+    /// The null-terminated list that plugins expect.
     [[nodiscard]] const LV2_Feature* const* list() const { return pointers.data(); }
 
-    /// Why a plugin that must have something else cannot be hosted.
+    /// Why a plugin cannot be hosted; absent if all its requirements are supported.
     static std::optional<Error> whyUnsupported(const PluginDescription& description);
 
   private:

@@ -10,15 +10,15 @@
 
 namespace orvane::platform::lv2 {
 
-/// What one host and all units it made share; lives as long as any of them. The log outlives it.
+/// Shared by a host and all its units, and lives as long as any of them. The log must outlive it.
 struct HostServices {
     SystemLog& log;
     RenderMode renderMode = RenderMode::live;
     UridMap urids = {};
-    /// At which plugins are expected to run, in Hz; each is instantiated for it.
+    /// The expected sample rate in Hz, for which plugins are instantiated.
     std::atomic<double> sampleRate = 48000.0;
-    /// Held while a plugin is instantiated, activated, deactivated or cleaned up. Not all plugins' libraries
-    /// can do any of it twice at a time. Never taken on an audio thread, nor for work that plugins hand on.
+    /// Held while a plugin is instantiated, activated, deactivated or cleaned up: not all plugin libraries
+    /// allow two such calls at a time. Never taken on an audio thread or around a plugin's deferred work.
     std::mutex settingUp = {};
     LateEnds lateEnds = {};
 };

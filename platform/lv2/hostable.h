@@ -7,10 +7,10 @@
 
 namespace orvane::platform::lv2 {
 
-/// Why a plugin cannot be instantiated, by its description alone; empty if it can.
+/// Why a plugin cannot be instantiated, judged by its description; absent if it can.
 std::optional<Error> whyNotInstantiable(const PluginDescription& description);
 
-/// Whether a plugin can be instantiated and fits a format, by its description alone.
+/// Whether a plugin can be instantiated and supports a format, judged by its description.
 bool isHostable(const PluginDescription& description);
 
 } // namespace orvane::platform::lv2

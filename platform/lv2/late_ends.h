@@ -6,24 +6,24 @@
 
 namespace orvane::platform::lv2 {
 
-/// Counts the plugin instances that end later than they are let go of, because their plugins are still at
-/// work that they had handed on. Any thread.
+/// Counts the plugin instances whose destruction is delayed because their plugin is still working on a
+/// scheduled task. Any thread.
 class LateEnds final {
   public:
-    /// Counts an end that will come with `run`.
+    /// Announces a later call of `run`.
     void expect() {
         const std::scoped_lock lock(mutex);
         ++expected;
     }
 
-    /// Takes an `expect` back.
+    /// Withdraws an `expect`.
     void forget() {
         const std::scoped_lock lock(mutex);
         --expected;
         changed.notify_all();
     }
 
-    /// Runs `end`, which was expected; does nothing after `close`.
+    /// Runs an announced `end`; does nothing after `close`.
     template <class End>
     void run(const End& end) {
         {
@@ -34,7 +34,7 @@ class LateEnds final {
         forget();
     }
 
-    /// Waits for the ends that are expected, but no longer than `patience`: the others never come.
+    /// Waits for all announced ends, for at most `patience`; later ones do not run.
     void close(std::chrono::milliseconds patience) {
         std::unique_lock lock(mutex);
         changed.wait_for(lock, patience, [this] { return expected == 0; });

@@ -6,7 +6,7 @@
 
 namespace orvane::platform::lv2 {
 
-/// Gives back what lilv handed out.
+/// Frees an object that lilv returned.
 template <auto give>
 struct LilvFree {
     template <class T>

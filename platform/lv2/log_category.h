@@ -4,7 +4,7 @@
 
 namespace orvane::platform::lv2 {
 
-/// What the log files the lines of LV2 plugins, and about them, under.
+/// The log category for LV2 plugins.
 inline constexpr std::string_view logCategory = "LV2";
 
 } // namespace orvane::platform::lv2

@@ -81,7 +81,7 @@ bool Lv2Editor::idle() {
     return false;
 }
 
-/// What an editor has written itself is shown where the parameter has not taken it as it was.
+/// Also corrects an editor whose own value the parameter did not accept unchanged.
 void Lv2Editor::showControls() {
     if (descriptor.port_event == nullptr) return;
     for (std::uint32_t port = 0; port < shown.size(); ++port) {

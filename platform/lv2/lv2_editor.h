@@ -19,17 +19,17 @@
 
 namespace orvane::platform::lv2 {
 
-/// What an editor edits. The unit keeps the rest.
+/// What an editor needs from its unit, which `unit` keeps alive.
 struct EditedUnit {
     std::shared_ptr<AUAudioUnit> unit;
-    /// With an editor.
+    /// Must have an editor.
     const PluginDescription& description;
     HostServices& services;
     std::span<const std::unique_ptr<Lv2Parameter>> parameters;
     EditorMessages& messages;
 };
 
-/// An open editor of a plugin's own. Main thread.
+/// An open editor that the plugin provides. Main thread.
 class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
   public:
     /// The error is the end of a sentence.
@@ -47,12 +47,12 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
   private:
     Lv2Editor(EditedUnit unit, const LV2UI_Descriptor& found, NativeEditorParent& parent);
 
-    /// Calls into the editor, unless it has failed before.
+    /// Calls into the editor, unless an earlier call failed.
     template <class Call>
     void callEditor(const Call& call);
     void instantiate();
     void showControls();
-    /// What the editor sends. Any thread: it may have one of its own.
+    /// Called by the editor. Any thread: editors may have threads of their own.
     static void write(
         LV2UI_Controller editor, std::uint32_t port, std::uint32_t size, std::uint32_t protocol,
         const void* buffer
@@ -64,14 +64,14 @@ class Lv2Editor final : public NativeEditor, private EditorMessages::Listener {
     const LV2UI_Descriptor& descriptor;
     EditorFeatures features;
     LV2_URID eventTransfer;
-    /// By port index; null where the port is no parameter.
+    /// By port index; null for ports that are not parameters.
     std::vector<Lv2Parameter*> parameterAt;
-    /// By port index: the bits of the value that the editor shows; nothing where it does not know any yet.
+    /// By port index: the bits of the value that the editor shows; absent before the first.
     std::vector<std::atomic<std::optional<std::uint32_t>>> shown;
     LV2UI_Handle handle = nullptr;
     LV2UI_Widget widget = nullptr;
     const LV2UI_Idle_Interface* idleInterface = nullptr;
-    /// An exception has come out of it: it is only closed.
+    /// The editor has thrown: it may only be closed.
     bool hasFailed = false;
 };
 

@@ -9,10 +9,10 @@
 
 namespace orvane::platform::lv2 {
 
-/// The value of one control port, between editors and the render thread. Owned by its unit.
+/// The value of a control port, shared by editors and the render thread. Owned by its unit.
 class Lv2Parameter final : public AUParameter {
   public:
-    /// `sampleRate`: in Hz, what a range that scales with it is of.
+    /// `sampleRate` in Hz scales the range if the port asks for it.
     Lv2Parameter(const ControlPort& controlPort, double sampleRate);
 
     [[nodiscard]] const AUParameterInfo& info() const override { return scaled; }
@@ -20,13 +20,13 @@ class Lv2Parameter final : public AUParameter {
     void setValue(float value) noexcept override;
 
     [[nodiscard]] std::uint32_t port() const noexcept { return described.index; }
-    /// Part of the plugin's state: can be set, and stays.
+    /// Whether it can be set and is part of the plugin's state.
     [[nodiscard]] bool isSetting() const { return !described.info.isReadOnly && !described.isTrigger; }
 
-    /// What the plugin shows. Render thread, real-time safe.
+    /// Sets the value of an output. Render thread, real-time safe.
     ORVANE_REALTIME void setOutput(float value) noexcept { current.store(value, std::memory_order_relaxed); }
 
-    /// Scales the range anew where it is one that scales. Main thread.
+    /// Rescales the range if the port asks for it. Main thread.
     void setSampleRate(double sampleRate);
 
   private:

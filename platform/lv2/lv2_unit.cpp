@@ -20,10 +20,10 @@ constexpr std::uint32_t byteSize(std::uint32_t frameCount) noexcept {
     return frameCount * static_cast<std::uint32_t>(sizeof(float));
 }
 
-/// The largest sample that counts as sound (+36 dBFS): what is beyond it is a filter that blows up.
+/// The largest valid sample (+36 dBFS); anything louder comes from an unstable filter.
 constexpr float loudestOutput = 64.0F;
 
-/// Whether every sample is sound.
+/// Whether every sample is finite and within range.
 ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noexcept {
     bool isWithin = true;
     for (std::uint32_t i = 0; i < frameCount; ++i)
@@ -31,15 +31,15 @@ ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noe
     return isWithin;
 }
 
-/// The longest latency that is believed, in frames: 87 s at 48 kHz.
+/// The longest plausible latency, in frames: 87 s at 48 kHz.
 constexpr float longestLatency = 4194304.0F;
 
-/// The latency that a plugin reports as a number; 0 for one that cannot be.
+/// Converts a reported latency to frames; 0 if it is implausible.
 ORVANE_REALTIME std::uint32_t frameCountOf(float reported) noexcept {
     return reported >= 0.0F && reported <= longestLatency ? static_cast<std::uint32_t>(reported) : 0;
 }
 
-/// The count that a bus takes; one that no format has if the plugin cannot be hosted.
+/// The channel count of a bus; one that no format has if the plugin cannot be hosted.
 std::uint32_t channelsOfBus(const MainAudioPorts& audio, const std::vector<std::uint32_t>& ports) {
     return audio.channelCount().value_or(static_cast<std::uint32_t>(ports.size()));
 }
@@ -160,8 +160,8 @@ OSStatus Lv2Unit::pullInput(
     return noErr;
 }
 
-/// Where the list has no buffer for an output, or an input's, it is given one of the unit's own: a plugin
-/// need not be able to work in place.
+/// Gives an output that has no buffer in the list, or an input's, a buffer of the unit's: plugins need not
+/// support in-place processing.
 bool Lv2Unit::takeOutputs(AudioBufferList& list, std::uint32_t frameCount) noexcept {
     if (list.mBuffers.size() != outputs.size()) return false;
     for (std::size_t c = 0; c < outputs.size(); ++c) {
@@ -179,7 +179,7 @@ void Lv2Unit::passThrough(std::uint32_t frameCount) noexcept {
         std::copy_n(inputs[c], frameCount, outputs[c]);
 }
 
-/// Gives every channel of the format the output of a plugin that has one only.
+/// Copies the output of a plugin with a single output to every channel of the format.
 void Lv2Unit::spreadOutput(std::uint32_t frameCount) noexcept {
     for (std::size_t c = description->audio.outputs.size(); c < outputs.size(); ++c)
         std::copy_n(outputs[0], frameCount, outputs[c]);

@@ -21,12 +21,12 @@
 
 namespace orvane::platform::lv2 {
 
-/// A hosted LV2 plugin. Its instance is there from the start; another one takes its place where render
-/// resources are asked for at another rate or for longer blocks, and takes its settings over. A plugin that
-/// has neither one nor two audio ports on each side has no instance, and its busses refuse every format.
+/// A hosted LV2 plugin. It has an instance from the start; allocating render resources for another rate or
+/// for longer blocks replaces the instance, and its settings are carried over. A plugin without one or two
+/// audio ports on each side has no instance, and its busses refuse every format.
 class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv2Unit> {
   public:
-    /// `pluginInstance`: made with `settings`; null if the plugin cannot be hosted in any format.
+    /// `pluginInstance`: made with `settings`; null if the plugin supports no format.
     Lv2Unit(
         std::shared_ptr<const PluginDescription> pluginDescription,
         std::shared_ptr<HostServices> hostServices, const InstanceSettings& settings,
@@ -78,13 +78,14 @@ class Lv2Unit final : public AUAudioUnit, public std::enable_shared_from_this<Lv
     std::vector<std::unique_ptr<Lv2Parameter>> ownParameters;
     std::vector<AUParameter*> parameterList;
 
-    /// Made when the first editor is opened; `messages` is where the render thread finds it.
+    /// Created when the first editor opens; the render thread reads `messages`.
     std::unique_ptr<EditorMessages> editorMessages;
     std::atomic<EditorMessages*> messages = nullptr;
 
     std::atomic<std::uint32_t> latency = 0;
     RenderGate gate;
-    /// One per channel of the format. Sized with the render resources; the render thread's.
+    /// One block per channel of the format, allocated with the render resources. Used by the render thread
+    /// only.
     dsp::ChannelBlocks<float> inputBlocks;
     dsp::ChannelBlocks<float> outputBlocks;
     std::vector<AudioBuffer> inputBuffers;

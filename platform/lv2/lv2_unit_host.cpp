@@ -32,10 +32,10 @@ bool matches(const AudioComponentDescription& component, const AudioComponentDes
            && (component.componentFlags & mask) == (wanted.componentFlags & mask);
 }
 
-/// How long the program waits at its end for plugins that are still at work.
+/// How long the destructor waits for plugins that are still working.
 constexpr std::chrono::milliseconds patienceAtEnd{5000};
 
-/// What reading a preset may take.
+/// The limits for the process that reads a preset.
 constexpr ChildLimits presetLimits{.time = std::chrono::seconds(5)};
 
 Result<PluginDescription> readDescription(const InstalledPlugin& installed) {
@@ -154,7 +154,7 @@ const InstalledEffects& Lv2UnitHost::effects() {
     return installed;
 }
 
-/// Where there is no loading thread any more, the unit goes here and now.
+/// Leaves the unit to the loading thread; destroys it on the calling thread if that thread has ended.
 void Lv2UnitHost::discard(std::unique_ptr<AUAudioUnit> unit, const std::weak_ptr<Work>& loader) {
     const auto work = loader.lock();
     if (!work) return;
@@ -213,7 +213,7 @@ Result<std::shared_ptr<AUAudioUnit>> Lv2UnitHost::makeUnit(const AudioComponentD
     auto shared = std::make_shared<const PluginDescription>(std::move(described).value());
     const InstanceSettings settings{.sampleRate = services->sampleRate.load()};
     PluginInstance::Owner instance;
-    // The description decides on formats, so that no code of a plugin runs that cannot be used.
+    // The description decides on formats, so that an unusable plugin's code never runs.
     if (shared->audio.channelCount()) {
         auto made = PluginInstance::make(shared, services, settings);
         if (!made) return made.error();

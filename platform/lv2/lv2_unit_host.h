@@ -22,16 +22,16 @@ namespace orvane::platform::lv2 {
 
 struct HostServices;
 
-/// Hosts the LV2 plugins of this machine. Plugins are loaded on a thread of the host's own, one after the
-/// other; completions come from there, and there a unit is destroyed once nobody has it, so that who lets go
-/// of it does not wait for a plugin that is being loaded. A request that is still open when the host is
-/// destroyed is answered with an error by the destructor, which waits for the plugin that is being loaded,
-/// and for at most five seconds for plugins that were let go of while they were at work. Its units may
-/// outlive it; one that is let go of later while its plugin is at work is not cleaned up.
+/// Hosts the LV2 plugins of this computer. The host's loading thread loads plugins one after the other and
+/// calls the completions. It also destroys units after their last reference is dropped, so that the owner
+/// does not wait for a plugin that is being loaded. The destructor answers open requests with an error; it
+/// waits for the plugin that is being loaded, and for at most five seconds for released plugins that are
+/// still working. Units may outlive the host; one that is released later while its plugin is working is not
+/// cleaned up.
 class Lv2UnitHost final : public AudioUnitHost {
   public:
-    /// `searchPath`: the folders of bundles, separated by colons. `systemLog` outlives host and units.
-    /// `effectCache`: the file that keeps what a scan found for the next start; none if absent.
+    /// `searchPath`: the folders of bundles, separated by colons. `systemLog` must outlive host and units.
+    /// `effectCache`: the file that caches the results of a scan; not cached if absent.
     explicit Lv2UnitHost(
         SystemLog& systemLog, std::string searchPath = environmentSearchPath(),
         std::optional<std::filesystem::path> effectCache = std::nullopt,
@@ -41,12 +41,12 @@ class Lv2UnitHost final : public AudioUnitHost {
     Lv2UnitHost(const Lv2UnitHost&) = delete;
     Lv2UnitHost& operator=(const Lv2UnitHost&) = delete;
 
-    /// The first call, or the first instantiation, scans the search path; what is installed later is not
-    /// seen. Any thread.
+    /// The first call, or the first instantiation, scans the search path; plugins that are installed later
+    /// are not found. Any thread.
     std::vector<AVAudioUnitComponent>
     componentsMatchingDescription(const AudioComponentDescription& description) override;
 
-    /// Ends a scan that is under way, and all later ones, so that the program can end at once. Any thread.
+    /// Ends the current scan and all later ones, so that the program can end at once. Any thread.
     void cancelScan() { scanStop.request_stop(); }
 
     void expectSampleRate(double sampleRate) override;
@@ -56,17 +56,17 @@ class Lv2UnitHost final : public AudioUnitHost {
     ) override;
 
     std::vector<AUAudioUnitPreset> factoryPresets(const AudioComponentDescription& description) override;
-    /// A process of its own reads the preset, and has five seconds for it.
+    /// A child process reads the preset; it has five seconds.
     void readFactoryPreset(const AUAudioUnitPreset& preset, const PresetCompletion& completion) override;
 
   private:
-    /// Something that is asked for, to be given on the loading thread or refused.
+    /// A request that the loading thread serves or refuses.
     struct Request {
         std::function<void()> serve;
         std::function<void(Error)> refuse;
     };
 
-    /// What the loading thread has to do. Units look for it when they go.
+    /// The queue of the loading thread. Units use it in their deleters.
     struct Work {
         std::mutex mutex;
         std::condition_variable changed;
@@ -79,7 +79,7 @@ class Lv2UnitHost final : public AudioUnitHost {
     const InstalledEffects& effects();
     Result<PropertyList::Dictionary> stateOf(const AUAudioUnitPreset& preset);
     Result<std::shared_ptr<AUAudioUnit>> makeUnit(const AudioComponentDescription& description);
-    /// Whatever it throws ends here: the program goes on without the effect.
+    /// Catches all exceptions: the program continues without the effect.
     Result<std::shared_ptr<AUAudioUnit>> makeUnitSafely(const AudioComponentDescription& description);
     static void discard(std::unique_ptr<AUAudioUnit> unit, const std::weak_ptr<Work>& loader);
     void serveRequests();

@@ -11,17 +11,17 @@
 
 namespace orvane::platform::lv2 {
 
-/// Messages of any size from one thread to another, in order, whole or not at all. Both sides are wait-free
-/// and real-time safe.
+/// Transfers messages of any size from one thread to another, in order, each whole or not at all. Both sides
+/// are wait-free and real-time safe.
 class MessageRing final {
   public:
     static constexpr std::size_t capacity = 32768;
-    /// Holds any message, aligned for whatever it may be.
+    /// Storage for one message, aligned for any type.
     struct alignas(std::max_align_t) Message {
         std::array<std::byte, capacity> bytes;
     };
 
-    /// False where there is no room. One thread.
+    /// Returns false if the message does not fit. Only safely called on the producer thread.
     ORVANE_REALTIME bool write(std::span<const std::byte> message) noexcept {
         const std::size_t room = indices.writable();
         if (message.size() > room || room - message.size() < sizeof(Size)) return false;
@@ -34,7 +34,8 @@ class MessageRing final {
         return true;
     }
 
-    /// The size of the next message, which is put into `message`; nothing where there is none. One thread.
+    /// Copies the next message to `message` and returns its size; absent if the ring is empty. Only safely
+    /// called on the consumer thread.
     ORVANE_REALTIME std::optional<std::size_t> take(Message& message) noexcept {
         if (indices.readable() == 0) return std::nullopt;
         Size size = 0;

@@ -16,10 +16,10 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// lilv names what has no name with the help of a buffer that all its worlds share.
+/// All lilv worlds share a buffer for the names of blank nodes.
 std::mutex turns;
 
-/// Keeps the first of the reader's complaints.
+/// Keeps the reader's first error.
 SerdStatus keepComplaint(void* kept, const SerdError* error) {
     auto& complaint = *static_cast<std::string*>(kept);
     if (!complaint.empty()) return SERD_SUCCESS;
@@ -34,7 +34,7 @@ SerdStatus keepComplaint(void* kept, const SerdError* error) {
 } // namespace
 
 PluginBundle::PluginBundle(const std::filesystem::path& folder) : turn(turns), world(lilv_world_new()) {
-    // A dynamic manifest would be code of the plugin.
+    // A dynamic manifest would run the plugin's code.
     const NodeHandle no(lilv_new_bool(world.get(), false));
     lilv_world_set_option(world.get(), LILV_OPTION_DYN_MANIFEST, no.get());
     const NodeHandle uri(lilv_new_file_uri(world.get(), nullptr, (folder / "").c_str()));

@@ -12,27 +12,27 @@
 
 namespace orvane::platform::lv2 {
 
-/// The descriptions in one bundle, in a world of their own, of which nothing stays in memory. No code of a
-/// plugin is loaded. Any thread; there is one at a time in the whole process, and a second one waits for it.
+/// The descriptions in one bundle, in a lilv world of their own, which is freed with it. Loads no plugin
+/// code. Any thread; only one exists at a time in the process, and a second one waits for it.
 class PluginBundle final {
   public:
     explicit PluginBundle(const std::filesystem::path& folder);
 
-    /// The plugins that the bundle declares, in an order that is the same on every call; they live as long as
-    /// the bundle.
+    /// Returns the plugins that the bundle declares, in the same order on every call; valid as long as the
+    /// bundle.
     [[nodiscard]] std::vector<const LilvPlugin*> plugins() const;
-    /// Null where the bundle does not declare it.
+    /// Null if the bundle does not declare it.
     [[nodiscard]] const LilvPlugin* plugin(const std::string& uri) const;
 
     [[nodiscard]] LilvWorld* lilvWorld() const { return world.get(); }
-    /// The node of a URI that is named in code, made once.
+    /// Returns the node of a URI; each is created once.
     [[nodiscard]] const LilvNode* node(std::string_view uri);
 
-    /// What `subject` has as `predicate`, as text; empty where there is none.
+    /// The object of `subject` and `predicate` as text; empty if there is none.
     [[nodiscard]] std::string text(const LilvNode* subject, std::string_view predicate);
-    /// The URIs of `subject`'s `predicate`.
+    /// The objects of `subject` and `predicate` that are URIs.
     [[nodiscard]] std::vector<std::string> uris(const LilvNode* subject, std::string_view predicate);
-    /// A number that `subject` has as `predicate`.
+    /// The object of `subject` and `predicate` as a number.
     [[nodiscard]] std::optional<int> integer(const LilvNode* subject, std::string_view predicate);
 
   private:
@@ -41,13 +41,13 @@ class PluginBundle final {
     std::map<std::string, NodeHandle, std::less<>> nodes;
 };
 
-/// What a node says as text; empty for none.
+/// A node as text; empty if `node` is null.
 std::string textOf(const LilvNode* node);
 
-/// The path of the file that a node is the URI of; empty for anything else.
+/// The path of a file URI; empty for any other node.
 std::string pathOf(const LilvNode* uri);
 
-/// Why the bundle's manifest cannot be read, where that is so.
+/// Why the bundle's manifest cannot be read; absent if it can.
 std::optional<std::string> manifestProblem(const std::filesystem::path& folder);
 
 } // namespace orvane::platform::lv2

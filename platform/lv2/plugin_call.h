@@ -4,8 +4,8 @@
 
 namespace orvane::platform::lv2 {
 
-/// Calls into a plugin. Its code is not ours, and an exception that comes out of it ends here; false where
-/// one did. Any thread, real-time safe where the call is.
+/// Calls into a plugin. Returns false if the call throws: exceptions must not leave a plugin's code. Any
+/// thread, real-time safe if the call is.
 template <class Call>
 ORVANE_REALTIME bool callPlugin(const Call& call) noexcept {
     try {

@@ -18,12 +18,12 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// What an atom port gets where its plugin does not ask for more, in bytes.
+/// The buffer size of an atom port whose plugin asks for less, in bytes.
 constexpr std::size_t smallestAtomBuffer = 8192;
-/// No plugin gets more, whatever its description says.
+/// The limit for atom port buffers, whatever the description asks for.
 constexpr std::size_t largestAtomBuffer = std::size_t{16} << 20;
 
-/// Adds what only audio ports have.
+/// Adds the properties of audio ports.
 void describeAudio(PluginBundle& bundle, const LilvPlugin* plugin, const LilvPort* port, PortRole& role) {
     const NodeHandle group(lilv_port_get(plugin, port, bundle.node(LV2_PORT_GROUPS__group)));
     role.group = textOf(group.get());

@@ -15,42 +15,42 @@ namespace orvane::platform::lv2 {
 
 enum class PortKind { audio, control, cv, atom, unknown };
 
-/// What a port is to whoever connects it. A plain value.
+/// What a port is for. A plain value.
 struct PortRole {
     PortKind kind = PortKind::unknown;
     bool isInput = false;
-    /// It may be left unconnected.
+    /// Whether it may be left unconnected.
     bool isOptional = false;
-    /// An audio input beside the signal that is processed.
+    /// An audio input beside the processed signal.
     bool isSideChain = false;
-    /// Names the group that an audio port belongs to; empty for none.
+    /// The group of an audio port; empty if none.
     std::string group = {};
-    /// The plugin's own short name of it, unique within the plugin.
+    /// A short name, unique within the plugin.
     std::string symbol = {};
 };
 
-/// The ports that carry the signal: those audio ports, but side chains, that must be connected, and those
-/// that are in a group with one of them. All, of a direction where none must be connected.
+/// The ports that carry the signal: the audio ports that must be connected, except side chains, and those in
+/// a group with one of them. If none must be connected in a direction: all of them.
 struct MainAudioPorts {
     std::vector<std::uint32_t> inputs;
     std::vector<std::uint32_t> outputs;
 
-    /// The channels of the format in which the plugin can be hosted, 1 or 2; empty if there is none. A plugin
-    /// with one port on one side and two on the other is hosted in stereo.
+    /// The channels of the format in which the plugin can be hosted, 1 or 2; absent if there is none. A
+    /// plugin with one port on one side and two on the other is hosted in stereo.
     [[nodiscard]] std::optional<std::uint32_t> channelCount() const;
 };
 
 /// A control port that is a parameter of the unit. A plain value.
 struct ControlPort {
     std::uint32_t index = 0;
-    /// The range and the default are factors of the sample rate where `scalesWithSampleRate`.
+    /// If `scalesWithSampleRate`, range and default are multiples of the sample rate.
     AUParameterInfo info;
     bool scalesWithSampleRate = false;
-    /// Set for a moment, to make something happen; not part of the sound.
+    /// Set for a moment to trigger an action; not part of the plugin's settings.
     bool isTrigger = false;
 };
 
-/// All that hosting a plugin takes to know about it. A plain value.
+/// The complete description that hosting a plugin needs. A plain value.
 struct PluginDescription {
     std::string uri;
     std::string name;
@@ -58,27 +58,28 @@ struct PluginDescription {
     std::string libraryPath;
     std::vector<std::string> requiredFeatures;
     std::vector<std::string> requiredOptions;
-    /// Its state can be restored while it runs.
+    /// Whether its state can be restored while it runs.
     bool restoresWhileRunning = false;
 
-    /// By port index, all three.
+    /// By port index, as are the next two.
     std::vector<PortRole> roles;
-    /// How large the buffer of an atom port is at least, in bytes.
+    /// The minimum size of an atom port's buffer, in bytes.
     std::vector<std::size_t> bufferSizes;
-    /// What a control port that is no parameter is held at while blocks are rendered live.
+    /// The value at which a control port that is not a parameter is held during live rendering.
     std::vector<float> heldValues;
-    /// The control inputs that are 1 while blocks are rendered offline, by index.
+    /// The indices of the control inputs that are set to 1 for offline rendering.
     std::vector<std::uint32_t> freeWheelingPorts;
 
     MainAudioPorts audio;
     std::vector<ControlPort> controls;
-    /// The control output that reports the latency in frames; absent if the plugin has none.
+    /// The control output that reports the latency in frames; absent if there is none.
     std::optional<std::uint32_t> latencyPort;
-    /// Nothing where the plugin brings no editor for X11 along.
+    /// Absent if the plugin has no editor for X11.
     std::optional<EditorDescription> editor;
 };
 
-/// The roles of the plugin's ports by index, or why it cannot be connected, as the end of a sentence.
+/// Returns the roles of the plugin's ports by index. Fails, with the end of a sentence, if it cannot be
+/// connected.
 Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* plugin);
 
 MainAudioPorts mainAudioPorts(const std::vector<PortRole>& roles);

@@ -16,7 +16,7 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// The interface that a plugin has under a URI; null where it has none.
+/// The plugin's extension interface for a URI; null if it has none.
 template <class Interface>
 const Interface* extension(const LV2_Descriptor& descriptor, const char* uri) {
     if (descriptor.extension_data == nullptr) return nullptr;
@@ -88,7 +88,7 @@ void PluginInstance::End::operator()(PluginInstance* instance) const {
 PluginInstance::~PluginInstance() {
     if (handle == nullptr) return;
     const std::scoped_lock lock(services->settingUp);
-    // Many plugins clean up what only activate() has made.
+    // Many plugins' cleanup() relies on what activate() allocates.
     if (!isActive) activate();
     deactivate();
     if (library.descriptor().cleanup == nullptr) return;
@@ -155,7 +155,7 @@ bool PluginInstance::run(
     if (messages != nullptr) atomPorts.receive(*messages);
     const Worker::RenderCall call(worker);
     isBroken = !callPlugin([&] {
-        // The interface takes inputs as pointers to what could be written to; plugins do not.
+        // The interface takes inputs as pointers to non-const; plugins do not write to them.
         for (std::size_t c = 0; c < inputs.size(); ++c)
             descriptor.connect_port(handle, description->audio.inputs[c], const_cast<float*>(inputs[c]));
         for (std::size_t c = 0; c < outputs.size(); ++c)

@@ -25,7 +25,7 @@
 
 namespace orvane::platform::lv2 {
 
-/// How an instance is to run.
+/// How an instance is run.
 struct InstanceSettings {
     /// In Hz.
     double sampleRate = 48000.0;
@@ -33,24 +33,24 @@ struct InstanceSettings {
     std::uint32_t maximumFrames = 4096;
 };
 
-/// An active plugin with every port but those of the main signal connected: controls to values, event
-/// inputs to sequences of what editors send, what is beside the signal to silence. Owned by its unit. Control
-/// thread, but for what says otherwise.
+/// An active plugin with all ports connected except those of the main signal: controls to values, event
+/// inputs to the editors' messages, and ports beside the signal to silence. Owned by its unit. Control
+/// thread, unless noted.
 class PluginInstance final {
   public:
-    /// Ends an instance without waiting for work that its plugin is at: it then ends after that work, on the
-    /// thread of that work.
+    /// Destroys an instance without waiting for its plugin's current work: destruction then follows that
+    /// work, on the worker's thread.
     struct End {
         void operator()(PluginInstance* instance) const;
     };
     using Owner = std::unique_ptr<PluginInstance, End>;
 
-    /// Loads, instantiates and activates the plugin, or says why not. Any thread; takes its time.
+    /// Loads, instantiates and activates the plugin. Any thread; slow.
     static Result<Owner> make(
         const std::shared_ptr<const PluginDescription>& description, std::shared_ptr<HostServices> services,
         const InstanceSettings& settings
     );
-    /// Deactivates the plugin and cleans it up. Any thread; takes its time.
+    /// Deactivates the plugin and cleans it up. Any thread; slow.
     ~PluginInstance();
     PluginInstance(const PluginInstance&) = delete;
     PluginInstance& operator=(const PluginInstance&) = delete;
@@ -60,19 +60,20 @@ class PluginInstance final {
     /// The value of each control port, by port index. Render thread.
     [[nodiscard]] std::span<float> controlValues() noexcept { return controls; }
 
-    /// Runs the plugin from the inputs into the outputs, one buffer of `frameCount` samples for each main
-    /// audio port; `messages`: with the plugin's open editors, null where there were none yet. False where
-    /// the plugin throws, which is logged, and ever after. Render thread, real-time safe where the plugin is.
+    /// Runs the plugin for a block: one buffer of `frameCount` samples for each main audio port. `messages`
+    /// connects the plugin to its open editors; null before the first was opened. Returns false if the plugin
+    /// throws, which is logged, and on every later call. Render thread, real-time safe if the plugin is.
     ORVANE_REALTIME bool
     run(std::span<const float* const> inputs, std::span<float* const> outputs, std::uint32_t frameCount,
         EditorMessages* messages) noexcept;
 
-    /// What the plugin's state interface saves. Also while it runs.
+    /// The state that the plugin's state interface saves. May be called while the plugin runs.
     [[nodiscard]] PropertyList::Dictionary state() const;
-    /// Lets the plugin take a state, once it has done the work that it is at. `gate`: of the unit that runs
-    /// it, to be paused meanwhile unless the plugin's description says otherwise; null while it is not run.
-    /// A plugin that does not finish its work does not get the state, which is logged. Fails if the plugin
-    /// was not given a file that the state names; it takes the rest of the state then.
+    /// Restores a state once the plugin has finished its current work. `gate` belongs to the unit that runs
+    /// the plugin and is paused meanwhile, unless the description allows restoring while running; null if
+    /// nothing runs it. If the plugin does not finish its work in time, the state is not restored, which is
+    /// logged. Fails if the plugin may not open a file that the state names; the rest of the state is
+    /// restored then.
     Result<Done> restore(const PropertyList::Dictionary& state, RenderGate* gate = nullptr);
 
   private:
@@ -93,19 +94,19 @@ class PluginInstance final {
     PluginLibrary library;
     InstanceSettings madeFor;
     Worker worker;
-    /// Also for `state`, which changes nothing.
+    /// Mutable for `state`, which does not change it.
     mutable StatePaths paths;
     HostFeatures features;
     LV2_Handle handle = nullptr;
     const LV2_State_Interface* stateInterface = nullptr;
     bool isActive = false;
-    /// It has thrown where it runs.
+    /// run() has thrown.
     bool isBroken = false;
 
     /// By port index.
     std::vector<float> controls;
     AtomPorts atomPorts;
-    /// One block for each audio and CV port beside the signal.
+    /// One block for each audio and CV port beside the main signal.
     dsp::ChannelBlocks<float> sideBlocks;
 };
 

@@ -10,10 +10,10 @@
 
 namespace orvane::platform::lv2 {
 
-/// A plugin in its shared library, whose code stays in memory to the end of the process.
+/// A plugin in its shared library. The library stays loaded until the process ends.
 class PluginLibrary final {
   public:
-    /// Loads the library and finds the plugin in it. Any thread.
+    /// Loads the library and looks up the plugin. Any thread.
     static Result<PluginLibrary> load(const PluginDescription& description);
 
     [[nodiscard]] const LV2_Descriptor& descriptor() const { return *found; }
@@ -25,7 +25,7 @@ class PluginLibrary final {
         : found(descriptor), libraryDescriptor(std::move(library)) {}
 
     const LV2_Descriptor* found;
-    /// Where the library has one; the descriptor lives as long.
+    /// Null if the library has none; otherwise the plugin's descriptor lives as long as it.
     LibraryDescriptor libraryDescriptor;
 };
 

@@ -25,7 +25,7 @@ struct Restoring {
     const PropertyList::Dictionary& state;
     StatePaths& paths;
     LV2_URID pathType = urids.map(LV2_ATOM__Path);
-    /// What the plugin was given, for as long as it restores.
+    /// The values passed to the plugin, valid until its restore() returns.
     std::vector<StateValue> given = {};
 };
 
@@ -54,7 +54,7 @@ const void* retrieve(
     if (uri == nullptr) return nullptr;
     const auto found = restoring.state.find(uri);
     if (found == restoring.state.end()) return nullptr;
-    // Only what is asked for is taken in: a made-up session cannot use up the URIDs.
+    // Decodes only what the plugin asks for: a forged session cannot exhaust the URIDs.
     auto decoded = decode(found->second, restoring.urids);
     if (!decoded) return nullptr;
     if (decoded->type == restoring.pathType

@@ -8,29 +8,29 @@
 
 namespace orvane::platform::lv2 {
 
-/// Keeps the render thread out of a plugin while the control side needs it for itself, without ever letting
-/// the render thread wait.
+/// Keeps the render thread out of a plugin while the control side uses it, without making the render thread
+/// wait.
 class RenderGate final {
   public:
     enum class State {
-        /// There is nothing to render with.
+        /// There are no render resources.
         closed,
-        /// The plugin is not to be run for the moment.
+        /// The plugin must not run for the moment.
         paused,
         open
     };
 
-    /// What the render thread may do until it leaves. Render thread, real-time safe.
+    /// Returns what the render thread may do until it calls `leave`. Render thread, real-time safe.
     ORVANE_REALTIME State enter() noexcept {
         isInside.store(true);
         return state.load();
     }
     ORVANE_REALTIME void leave() noexcept { isInside.store(false); }
 
-    /// Control thread, as what follows.
+    /// Control thread, as is `shut`.
     [[nodiscard]] State current() const noexcept { return state.load(); }
     void open() noexcept { state.store(State::open); }
-    /// Returns once no block runs that has begun under an earlier state.
+    /// Returns when no block is running that began under an earlier state.
     void shut(State to) {
         state.store(to);
         while (isInside.load())

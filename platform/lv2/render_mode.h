@@ -2,12 +2,12 @@
 
 namespace orvane::platform::lv2 {
 
-/// What the blocks of a host's plugins are rendered for.
+/// What a host renders blocks for.
 enum class RenderMode {
-    /// For a device that does not wait: work that plugins hand on is done by other threads meanwhile.
+    /// For a device that does not wait: other threads do the plugins' deferred work meanwhile.
     live,
-    /// For a file that can wait: such work is done at once, so that every render of it is the same. Plugins
-    /// that ask are told so.
+    /// For a file: deferred work is done at once, so that every rendering is the same, and plugins are
+    /// notified through their free-wheeling ports.
     offline
 };
 

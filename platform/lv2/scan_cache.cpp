@@ -14,7 +14,7 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// Raised with every change of what is read from bundles or of how it is written.
+/// Raised with every change of what a scan reads or of the file's format.
 constexpr std::int64_t formatVersion = 3;
 
 constexpr const char* versionKey = "version";

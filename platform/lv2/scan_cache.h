@@ -9,21 +9,21 @@
 
 namespace orvane::platform::lv2 {
 
-/// What was found in bundles the last time, so that only those that have changed are read again. Used by one
-/// scan, on its thread.
+/// The results of the last scan, so that only bundles that have changed are read again. Used by one scan, on
+/// its thread.
 class ScanCache final {
   public:
-    /// Empty if the file is missing, damaged, of another version of the format, or not named at all.
+    /// Starts empty if no file is given, or if it is missing, damaged or of another version.
     explicit ScanCache(std::optional<std::filesystem::path> cacheFile);
 
-    /// What the bundle had when it had this stamp; null if that is not known.
+    /// The contents of the bundle at this stamp; null if unknown.
     [[nodiscard]] const BundleContents* find(const BundleStamp& bundle) const;
 
-    /// Remembers a bundle for the next start.
+    /// Keeps a bundle for the next start.
     void keep(const BundleStamp& bundle, BundleContents contents);
 
-    /// Replaces the file by what has been kept, if that differs from what was read. A file that cannot be
-    /// written costs the next start its time.
+    /// Writes what has been kept, if it differs from what was read. If that fails, the next start scans
+    /// again.
     void store() const;
 
   private:

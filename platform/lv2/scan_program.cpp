@@ -38,12 +38,12 @@ void limitProcess() {
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, 0);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    // The sanitizers reserve far more than they use.
+    // Sanitizers reserve far more address space than they use.
     limit(RLIMIT_AS, mostMemoryBytes);
 #endif
 }
 
-/// Lest a pipe or a device be waited for.
+/// Rejects files such as pipes and devices, on which reading could block.
 std::string irregularFile(const std::filesystem::path& bundle) {
     std::error_code error;
     for (auto i = std::filesystem::directory_iterator(bundle, error);
@@ -60,7 +60,7 @@ BundleContents contentsOfBundle(const std::filesystem::path& bundle) {
         .effects = {}, .leftOut = {leftOutSentence(bundle.native(), "its " + irregular + " is not a file")}};
 }
 
-/// What the arguments ask for; absent if they ask for nothing.
+/// The report that the arguments ask for; absent if they are invalid.
 std::optional<PropertyList::Dictionary> reportOn(std::span<const char* const> arguments) {
     constexpr std::size_t forFolder = 3;
     constexpr std::size_t forPreset = 5;
@@ -71,7 +71,7 @@ std::optional<PropertyList::Dictionary> reportOn(std::span<const char* const> ar
     if (what == bundleArgument) return dictionaryOf(contentsOfBundle(folder));
     if (what != presetArgument || arguments.size() != forPreset || !irregularFile(folder).empty())
         return std::nullopt;
-    // An empty dictionary stands for a preset that is not there.
+    // An empty dictionary stands for a preset that does not exist.
     return readPreset(folder, arguments[3], arguments[4]).value_or(PropertyList::Dictionary{});
 }
 

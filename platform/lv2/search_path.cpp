@@ -27,7 +27,7 @@ std::int64_t timeOf(const std::filesystem::path& path) {
     return failure ? 0 : std::int64_t{time.time_since_epoch().count()};
 }
 
-/// The time of the last change of the bundle's folder or of a description in it.
+/// The time of the last change to the bundle's folder or to a description in it.
 std::int64_t lastChange(const std::filesystem::path& bundle) {
     std::int64_t latest = timeOf(bundle);
     std::error_code error;

@@ -10,17 +10,16 @@
 
 namespace orvane::platform::lv2 {
 
-/// The folders in a list that colons separate, "~" standing for the home folder.
+/// Splits a colon-separated list of folders; "~" stands for the home folder.
 std::vector<std::filesystem::path> searchFolders(std::string_view searchPath);
 
-/// Every bundle in a folder, by name; none if the folder cannot be read. Waits for the disk.
+/// Returns the bundles in a folder, sorted by name; empty if the folder cannot be read. Blocks on the disk.
 std::vector<BundleStamp> bundlesIn(const std::filesystem::path& searchFolder);
 
-/// Where the user's environment says that bundles are, or where they are by custom.
+/// The search path from the environment, or the customary one.
 std::string environmentSearchPath();
 
-/// The file of the user's in which a program keeps what it found in bundles; absent if the user has no folder
-/// for it.
+/// The user's cache file for scan results; absent if the user has no cache folder.
 std::optional<std::filesystem::path> effectCacheFile();
 
 } // namespace orvane::platform::lv2

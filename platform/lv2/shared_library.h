@@ -8,14 +8,14 @@
 
 namespace orvane::platform::lv2 {
 
-/// A library with code of plugins, which stays in memory to the end of the process: libraries leave threads
-/// and destructors behind that a removed one would take us down with.
+/// A library with plugin code. It is never unloaded: libraries leave threads and destructors behind that
+/// would crash the process.
 class SharedLibrary final {
   public:
-    /// The error is the end of a sentence. Any thread; takes its time.
+    /// The error is the end of a sentence. Any thread; slow.
     static Result<SharedLibrary> open(const std::string& path);
 
-    /// The function that the library exports under a name; null where it has none.
+    /// The function that the library exports under a name; null if it has none.
     template <class Function>
     [[nodiscard]] Function function(const char* name) const {
         return reinterpret_cast<Function>(find(name));
@@ -28,7 +28,7 @@ class SharedLibrary final {
     void* library;
 };
 
-/// The descriptor with the URI among those that `at` gives by index; null where it is not there.
+/// Returns the descriptor with the URI, with `at` returning descriptors by index; null if there is none.
 template <class At>
 auto findDescriptor(std::string_view uri, At at) {
     for (std::uint32_t i = 0;; ++i) {

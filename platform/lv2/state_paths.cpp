@@ -14,7 +14,7 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// Why a plugin may not have the file, as the end of a sentence; null if it may.
+/// Why a plugin may not open the file, as the end of a sentence; null if it may.
 const char* whyRefused(const std::string& path) {
     if (!path.starts_with('/')) return "is not an absolute path";
     struct stat file = {};

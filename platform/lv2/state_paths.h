@@ -12,10 +12,10 @@
 
 namespace orvane::platform::lv2 {
 
-/// The paths in the state of one plugin, and the features by which it turns them into files: state:mapPath
-/// and state:freePath. States keep absolute paths. A state may come from anybody, so a plugin gets a path of
-/// it only if that is an existing regular file that the user may read; any other path becomes an empty one.
-/// Owned by the plugin's instance. Any thread but the audio ones.
+/// The paths in the state of one plugin, and the state:mapPath and state:freePath features that turn them
+/// into files. States keep absolute paths. A state may come from anywhere, so a plugin gets only paths of
+/// existing regular files that the user may read; any other path becomes empty. Owned by the plugin's
+/// instance. Any thread except audio threads.
 class StatePaths final {
   public:
     explicit StatePaths(std::string pluginName);
@@ -25,8 +25,7 @@ class StatePaths final {
     /// Valid as long as this object.
     std::array<LV2_Feature, 2> features();
 
-    /// Returns whether the plugin may have a path; an empty one is no file and may be had. Keeps the first
-    /// refusal.
+    /// Returns whether the plugin may have a path; the empty path is permitted. Keeps the first refusal.
     bool permits(const std::string& path);
 
     /// Returns the first refusal since the last call, as a sentence for the user.

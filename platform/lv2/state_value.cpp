@@ -22,7 +22,7 @@ constexpr const char* flagsKey = "flags";
 constexpr const char* valueKey = "value";
 constexpr const char* elementTypeKey = "elementType";
 
-/// The types whose body is a number of that many bytes.
+/// The types whose body is a number, with its size in bytes.
 constexpr std::pair<std::string_view, std::size_t> numberTypes[] = {
     {LV2_ATOM__Int, 4},
     {LV2_ATOM__Bool, 4},
@@ -30,7 +30,7 @@ constexpr std::pair<std::string_view, std::size_t> numberTypes[] = {
     {LV2_ATOM__Long, 8},
     {LV2_ATOM__Double, 8}};
 
-/// The types whose body says nothing outside this process.
+/// The types whose body is meaningless outside this process.
 constexpr std::string_view localTypes[] = {LV2_ATOM__Literal,  LV2_ATOM__Object,  LV2_ATOM__Blank,
                                            LV2_ATOM__Resource, LV2_ATOM__Tuple,   LV2_ATOM__Property,
                                            LV2_ATOM__Event,    LV2_ATOM__Sequence};
@@ -65,7 +65,7 @@ PropertyList::Data dataOf(std::span<const std::byte> bytes) {
     return data;
 }
 
-/// Adds a vector of numbers: the elements' type by name, then the elements.
+/// Adds a vector of numbers: the name of the element type, then the elements.
 bool encodeVector(std::span<const std::byte> body, const UridMap& urids, PropertyList::Dictionary& encoded) {
     const auto head = read<LV2_Atom_Vector_Body>(body);
     const char* const elementType = head ? urids.unmap(head->child_type) : nullptr;
@@ -87,7 +87,7 @@ decodeVector(std::vector<std::byte> elements, const PropertyList::Dictionary& en
 
 bool canHaveBody(std::string_view type, std::span<const std::byte> body) {
     if (const std::size_t size = numberSize(type); size != 0) return body.size() == size;
-    // Plugins read texts up to the zero that ends them.
+    // Plugins read texts up to the terminating zero.
     if (type == LV2_ATOM__String || type == LV2_ATOM__URI || type == LV2_ATOM__Path)
         return !body.empty() && body.back() == std::byte{0};
     return !isLocal(type);

@@ -11,19 +11,19 @@
 
 namespace orvane::platform::lv2 {
 
-/// A value of a plugin's state as the plugin takes it. A plain value.
+/// A value of a plugin's state, as the plugin reads it. A plain value.
 struct StateValue {
     LV2_URID type = 0;
     std::uint32_t flags = 0;
-    /// The body of the atom. Aligned for any type.
+    /// The body of the atom, aligned for any type.
     std::vector<std::byte> body = {};
 };
 
-/// The value as a dictionary. Nothing where it would mean something else in another process: where it
-/// refers to URIDs from within.
+/// Encodes the value as a dictionary; absent if it refers to URIDs and so would mean something else in
+/// another process.
 std::optional<PropertyList::Dictionary> encode(const StateValue& value, const UridMap& urids);
 
-/// What `encode` gave. Nothing for anything else, such as a body that its type cannot have.
+/// Decodes what `encode` returned; absent for anything else, such as a body of the wrong size.
 std::optional<StateValue> decode(const PropertyList& encoded, UridMap& urids);
 
 } // namespace orvane::platform::lv2

@@ -8,7 +8,7 @@ namespace orvane::platform::lv2 {
 
 namespace {
 
-/// Where the function of each precision is: some distributions build it into the library itself.
+/// Where to find the function of each precision: some distributions build it into the library itself.
 constexpr struct {
     const char* function;
     const char* libraries[2];

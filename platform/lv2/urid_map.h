@@ -14,8 +14,8 @@
 
 namespace orvane::platform::lv2 {
 
-/// The numbers that stand for URIs between us and the plugins of one host. Entries are only ever added, so a
-/// look-up needs no lock. Any thread.
+/// Maps URIs to numbers for us and the plugins of one host. Entries are never removed, so look-ups need no
+/// lock. Any thread.
 class UridMap final {
   public:
     UridMap() = default;
@@ -23,11 +23,11 @@ class UridMap final {
     UridMap(const UridMap&) = delete;
     UridMap& operator=(const UridMap&) = delete;
 
-    /// The number of a URI, given to it the first time it is asked for; 0 where no number or memory is left.
-    /// Real-time safe for URIs that have one.
+    /// Returns the number of a URI and assigns one on the first call; 0 if numbers or memory run out.
+    /// Real-time safe for URIs that have a number.
     LV2_URID map(std::string_view uri) noexcept;
 
-    /// The URI that has the number; null where none has. Real-time safe.
+    /// Returns the URI for a number; null if it is not assigned. Real-time safe.
     ORVANE_REALTIME [[nodiscard]] const char* unmap(LV2_URID urid) const noexcept;
 
   private:
@@ -43,7 +43,7 @@ class UridMap final {
     static constexpr std::size_t capacity = 16384;
 
     std::array<Bucket, 1024> buckets{};
-    /// By number, from 1.
+    /// By number, starting at 1.
     std::array<std::atomic<Entry*>, capacity + 1> entries{};
     UnfairLock adding;
     LV2_URID last = 0;

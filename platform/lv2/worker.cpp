@@ -80,7 +80,7 @@ void Worker::deliverResponses() {
 LV2_Worker_Status
 Worker::scheduleWork(LV2_Worker_Schedule_Handle worker, std::uint32_t size, const void* data) {
     auto& self = *static_cast<Worker*>(worker);
-    // Each ring takes what one thread writes.
+    // Each ring has a single producer thread.
     const bool isControl = self.controlThread.load() == std::this_thread::get_id();
     if (!isControl && self.renderThread.load() != std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
     if (self.isOffline && self.interface != nullptr && !self.isDelivering)
@@ -105,7 +105,7 @@ void Worker::run() {
         workOff(renderRequests);
         if (!isStopping.load()) wakeUps.wait(seen);
     }
-    // Nothing of the worker may be left after this.
+    // The worker may be destroyed by this call.
     if (const auto end = std::move(afterwards)) end();
 }
 
@@ -134,7 +134,7 @@ void Worker::endPiece() {
     turnEnded.notify_all();
 }
 
-/// Refuses what the plugin schedules within its work, as on a thread of its own.
+/// Refuses work that is scheduled from within work, as the worker thread does.
 LV2_Worker_Status Worker::workAtOnce(std::span<const std::byte> data) {
     if (workThread.load() == std::this_thread::get_id()) return LV2_WORKER_ERR_UNKNOWN;
     work(data);

@@ -19,35 +19,35 @@
 
 namespace orvane::platform::lv2 {
 
-/// Does a plugin's work that must not be done on the audio thread, on a thread of its own, and carries the
-/// responses back. If blocks are rendered offline, there is no such thread, and work is done when it is
-/// scheduled. Owned by the plugin's instance, which starts it once the plugin is there.
+/// Does a plugin's non-real-time work on a thread of its own and carries the responses back. When rendering
+/// offline, it has no thread, and work is done when it is scheduled. Owned by the plugin's instance, which
+/// starts it after instantiating the plugin.
 class Worker final {
   public:
     explicit Worker(RenderMode renderMode);
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 
-    /// What the plugin schedules work with: from its run(), and within a `ControlCall`.
+    /// The feature through which the plugin schedules work: in run() and within a `ControlCall`.
     LV2_Worker_Schedule* schedule() { return &feature; }
 
-    /// Work that was scheduled before is done first. `reportFailure` is called on the thread that works, the
-    /// first time that the plugin throws at its work. Control thread.
+    /// Work that was scheduled earlier is done first. `reportFailure` is called on the worker thread the
+    /// first time that the plugin throws while working. Control thread.
     void start(
         LV2_Handle pluginHandle, const LV2_Worker_Interface& pluginInterface,
         std::function<void()> reportFailure
     );
-    /// Ends the thread; what waits for it is dropped. Returns false if the plugin is at work: the thread then
-    /// calls `whenDone`, which may destroy this worker, once the plugin has done that work. Once, after a
-    /// start, before it is destroyed. Control thread, waits for nothing of the plugin's.
+    /// Ends the thread and drops pending work. Returns false if the plugin is working: the thread then calls
+    /// `whenDone`, which may destroy this worker, after that work. Must be called once after a start, before
+    /// destruction. Control thread; does not wait for the plugin.
     bool stop(std::function<void()> whenDone);
 
-    /// Hands the plugin what its work has answered and ends the run; after each run(), within its
-    /// `RenderCall`. Throws what the plugin does. Render thread, real-time safe where the plugin is.
+    /// Delivers the responses to the plugin and ends the run; called after each run(), within its
+    /// `RenderCall`. Passes on the plugin's exceptions. Render thread, real-time safe if the plugin is.
     ORVANE_REALTIME void deliverResponses();
 
-    /// While it lives, the calling thread is the one that renders: what it schedules goes to the worker. Work
-    /// that another thread schedules, and responses to none, are refused. Real-time safe.
+    /// Marks the calling thread as the render thread while it lives: what the thread schedules goes to the
+    /// worker. Refused are work from other threads and responses outside of work. Real-time safe.
     class RenderCall final {
       public:
         explicit RenderCall(Worker& called) noexcept : worker(called) {
@@ -61,9 +61,9 @@ class Worker final {
         Worker& worker;
     };
 
-    /// While it lives, what the calling thread schedules comes from the control side, whose way to the
-    /// worker is another one than the render thread's. No work is done meanwhile; it waits for the piece that
-    /// is being done, and for no other, unless that takes too long.
+    /// Marks the calling thread as the control thread while it lives; its requests have a ring of their own.
+    /// The constructor waits for the current piece of work, but not too long, and no other piece begins
+    /// meanwhile.
     class ControlCall final {
       public:
         explicit ControlCall(Worker& called);
@@ -71,7 +71,7 @@ class Worker final {
         ControlCall(const ControlCall&) = delete;
         ControlCall& operator=(const ControlCall&) = delete;
 
-        /// Whether the piece was done in time. If not, the plugin must not be called.
+        /// Whether the piece ended in time. If not, the plugin must not be called.
         [[nodiscard]] bool isAlone() const { return isInTime; }
 
       private:
@@ -94,7 +94,7 @@ class Worker final {
     void work(std::span<const std::byte> data);
 
     const bool isOffline;
-    /// A response or the end of a run is handed over; offline, work that it schedules waits for its end.
+    /// A response or the end of a run is being delivered; offline, work that it schedules waits for its end.
     bool isDelivering = false;
     LV2_Worker_Schedule feature;
     LV2_Handle handle = nullptr;
@@ -108,25 +108,25 @@ class Worker final {
 
     std::atomic<std::thread::id> controlThread;
     std::atomic<std::thread::id> renderThread;
-    /// While it works.
+    /// Set while the plugin works.
     std::atomic<std::thread::id> workThread;
-    /// Until it has been called.
+    /// Cleared by the first call.
     std::function<void()> failureReport;
-    /// What the thread waits for a change of.
+    /// The thread waits for this to change.
     std::atomic<std::uint32_t> wakeUps = 0;
     std::atomic<bool> isStopping = false;
     std::thread thread;
 
-    /// Guards what follows, for moments only. Never taken by a render thread that a device waits for.
+    /// Guards the members below, for short moments. In live mode the render thread never takes it.
     std::mutex turns;
     std::condition_variable turnEnded;
     /// The plugin is at a piece of work.
     bool isAtWork = false;
     /// A `ControlCall` lives; no piece begins meanwhile.
     bool isControlCalling = false;
-    /// How long a `ControlCall` waits: not at all after one has waited in vain, until the piece is done.
+    /// How long a `ControlCall` waits. Zero after one has timed out, until that piece is done.
     std::chrono::milliseconds patience = usualPatience;
-    /// Called after the piece that is being done.
+    /// Called after the current piece of work.
     std::function<void()> afterwards;
 };
 
