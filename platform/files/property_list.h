@@ -23,6 +23,13 @@ struct PropertyList {
     bool operator==(const PropertyList&) const = default;
 };
 
+/// The value under a key; null if it is missing or not a T.
+template <class T>
+const T* valueAt(const PropertyList::Dictionary& dictionary, const std::string& key) {
+    const auto found = dictionary.find(key);
+    return found == dictionary.end() ? nullptr : std::get_if<T>(&found->second.value);
+}
+
 /// The largest binary property list, in bytes, and the most bytes of text and data that it may unfold to.
 inline constexpr std::size_t maximumPropertyListSize = 32U << 20U;
 

@@ -1,6 +1,6 @@
 #include "platform/lv2/bundle_report.h"
 
-#include "platform/lv2/dictionary_value.h"
+#include "platform/files/property_list.h"
 
 #include <cstddef>
 #include <limits>

@@ -23,7 +23,7 @@ struct ChildFailure {
     /// The end of a sentence whose subject is the child's input.
     std::string why;
     /// Whether the child itself failed and would fail again.
-    bool isItsOwn = false;
+    bool isPermanent = false;
 };
 
 /// Runs a program in a process that shares only its environment with this one, and returns its standard

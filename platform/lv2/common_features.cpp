@@ -1,6 +1,6 @@
 #include "platform/lv2/common_features.h"
 
-#include "platform/lv2/log_category.h"
+#include "platform/lv2/host_services.h"
 
 #include <algorithm>
 #include <array>

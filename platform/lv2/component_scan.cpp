@@ -1,7 +1,7 @@
 #include "platform/lv2/component_scan.h"
 
 #include "platform/lv2/factory_presets.h"
-#include "platform/lv2/hostable.h"
+#include "platform/lv2/host_features.h"
 #include "platform/lv2/plugin_bundle.h"
 #include "platform/lv2/plugin_description.h"
 

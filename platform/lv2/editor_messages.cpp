@@ -11,12 +11,12 @@ void EditorMessages::add(Listener& listener) {
     // Messages for editors that were closed must not reach a new one.
     if (listeners.empty()) distribute();
     listeners.push_back(&listener);
-    isHeard.store(true);
+    hasAnyListener.store(true);
 }
 
 void EditorMessages::remove(Listener& listener) {
     std::erase(listeners, &listener);
-    isHeard.store(!listeners.empty());
+    hasAnyListener.store(!listeners.empty());
 }
 
 void EditorMessages::distribute() {

@@ -39,7 +39,7 @@ class EditorMessages final {
 
     /// The functions from here on: render thread, real-time safe.
     ORVANE_REALTIME [[nodiscard]] bool hasListeners() const noexcept {
-        return isHeard.load(std::memory_order_relaxed);
+        return hasAnyListener.load(std::memory_order_relaxed);
     }
     /// `event`: header and body.
     ORVANE_REALTIME void sendToEditors(std::span<const std::byte> event) noexcept {
@@ -62,7 +62,7 @@ class EditorMessages final {
     MessageRing::Message forPlugin;
     MessageRing::Message forEditors;
     std::vector<Listener*> listeners;
-    std::atomic<bool> isHeard = false;
+    std::atomic<bool> hasAnyListener = false;
 };
 
 } // namespace orvane::platform::lv2

@@ -1,7 +1,7 @@
 #include "platform/lv2/effect_scan.h"
 
 #include "platform/lv2/bundle_report.h"
-#include "platform/lv2/log_category.h"
+#include "platform/lv2/host_services.h"
 #include "platform/lv2/scan_cache.h"
 #include "platform/lv2/scan_program.h"
 #include "platform/lv2/search_path.h"
@@ -42,10 +42,10 @@ class Scan final {
         const BundleContents* const known = cache.find(bundle);
         if (known != nullptr) return take(bundle, *known);
         const auto report = ask(bundleArgument, bundle.folder);
-        if (!report && !report.error().isItsOwn) return leaveOut(bundle.folder, report.error().why);
+        if (!report && !report.error().isPermanent) return leaveOut(bundle.folder, report.error().why);
         auto contents = report ? contentsOf(report.value(), bundle.folder) : std::nullopt;
         if (contents) return take(bundle, *std::move(contents));
-        const std::string why = report ? "it describes more than a bundle has" : report.error().why;
+        const std::string why = report ? "it describes more than a bundle may contain" : report.error().why;
         take(bundle, {.effects = {}, .leftOut = {leftOutSentence(bundle.folder.native(), why)}});
     }
 
@@ -68,7 +68,7 @@ class Scan final {
             outputOfChild(scanProgram(), {argument, folder.native()}, options.limits, options.stop);
         if (!bytes) return bytes.error();
         auto report = propertyListWithData(bytes.value());
-        if (!report) return ChildFailure{"what describes it is damaged", true};
+        if (!report) return ChildFailure{"its description is damaged", true};
         return std::move(report).value();
     }
 

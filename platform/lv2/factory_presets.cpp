@@ -1,7 +1,7 @@
 #include "platform/lv2/factory_presets.h"
 
 #include "platform/lv2/full_state.h"
-#include "platform/lv2/lilv_handles.h"
+#include "platform/lv2/plugin_bundle.h"
 #include "platform/lv2/state_value.h"
 #include "platform/lv2/urid_map.h"
 

@@ -1,6 +1,6 @@
 #include "platform/lv2/full_state.h"
 
-#include "platform/lv2/dictionary_value.h"
+#include "platform/files/property_list.h"
 
 #include <cmath>
 #include <cstdint>

@@ -7,6 +7,7 @@
 #include <lv2/state/state.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 namespace orvane::platform::lv2 {
@@ -27,6 +28,23 @@ constexpr std::int32_t sequenceSize = 8192;
 constexpr std::string_view supportedOptions[] = {
     LV2_BUF_SIZE__minBlockLength, LV2_BUF_SIZE__maxBlockLength, LV2_BUF_SIZE__nominalBlockLength,
     LV2_BUF_SIZE__sequenceSize, LV2_PARAMETERS__sampleRate};
+
+std::optional<Error> whyUnsupported(const PluginDescription& description) {
+    for (const std::string& feature : description.requiredFeatures)
+        if (feature == LV2_BUF_SIZE__fixedBlockLength || feature == LV2_BUF_SIZE__powerOf2BlockLength)
+            return Error{fmt::format(
+                "\"{}\" needs blocks of a fixed length, which a live mix does not have.", description.name
+            )};
+    if (const auto* const feature = firstUnsupported(description.requiredFeatures, supportedFeatures))
+        return Error{fmt::format(
+            "\"{}\" needs the LV2 feature {}, which is not supported.", description.name, *feature
+        )};
+    if (const auto* const option = firstUnsupported(description.requiredOptions, supportedOptions))
+        return Error{fmt::format(
+            "\"{}\" needs the LV2 option {}, which is not supported.", description.name, *option
+        )};
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -63,21 +81,19 @@ HostFeatures::HostFeatures(
     pointers.back() = nullptr;
 }
 
-std::optional<Error> HostFeatures::whyUnsupported(const PluginDescription& description) {
-    for (const std::string& feature : description.requiredFeatures)
-        if (feature == LV2_BUF_SIZE__fixedBlockLength || feature == LV2_BUF_SIZE__powerOf2BlockLength)
+std::optional<Error> whyNotInstantiable(const PluginDescription& description) {
+    if (auto error = whyUnsupported(description)) return error;
+    for (std::size_t i = 0; i < description.roles.size(); ++i)
+        if (description.roles[i].kind == PortKind::unknown && !description.roles[i].isOptional)
             return Error{fmt::format(
-                "\"{}\" needs blocks of a certain length, and a live mix has blocks of any.", description.name
+                "\"{}\" cannot be used: its port number {} is of a kind that is not supported.",
+                description.name, i
             )};
-    if (const auto* const feature = firstUnsupported(description.requiredFeatures, supportedFeatures))
-        return Error{fmt::format(
-            "\"{}\" needs the LV2 feature {}, which is not supported.", description.name, *feature
-        )};
-    if (const auto* const option = firstUnsupported(description.requiredOptions, supportedOptions))
-        return Error{fmt::format(
-            "\"{}\" needs the LV2 option {}, which is not supported.", description.name, *option
-        )};
     return std::nullopt;
+}
+
+bool isHostable(const PluginDescription& description) {
+    return description.audio.channelCount() && !whyNotInstantiable(description);
 }
 
 } // namespace orvane::platform::lv2

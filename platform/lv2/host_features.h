@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/result.h"
 #include "platform/lv2/common_features.h"
 #include "platform/lv2/host_services.h"
 #include "platform/lv2/plugin_description.h"
@@ -32,9 +33,6 @@ class HostFeatures final {
     /// The null-terminated list that plugins expect.
     [[nodiscard]] const LV2_Feature* const* list() const { return pointers.data(); }
 
-    /// Why a plugin cannot be hosted; absent if all its requirements are supported.
-    static std::optional<Error> whyUnsupported(const PluginDescription& description);
-
   private:
     static constexpr std::size_t featureCount = 9;
 
@@ -45,5 +43,11 @@ class HostFeatures final {
     std::array<LV2_Feature, featureCount> features;
     std::array<const LV2_Feature*, featureCount + 1> pointers;
 };
+
+/// Why a plugin cannot be instantiated, judged by its description; absent if it can.
+std::optional<Error> whyNotInstantiable(const PluginDescription& description);
+
+/// Whether a plugin can be instantiated and supports a format, judged by its description.
+bool isHostable(const PluginDescription& description);
 
 } // namespace orvane::platform::lv2

@@ -1,7 +1,6 @@
 #include "platform/lv2/lv2_editor.h"
 
-#include "platform/lv2/log_category.h"
-#include "platform/lv2/plugin_call.h"
+#include "platform/lv2/host_services.h"
 #include "platform/lv2/shared_library.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #include "platform/lv2/lv2_unit.h"
 
 #include "platform/lv2/full_state.h"
-#include "platform/lv2/log_category.h"
+#include "platform/lv2/host_services.h"
 #include "platform/lv2/lv2_editor.h"
 
 #include <fmt/format.h>
@@ -24,7 +24,7 @@ constexpr std::uint32_t byteSize(std::uint32_t frameCount) noexcept {
 constexpr float loudestOutput = 64.0F;
 
 /// Whether every sample is finite and within range.
-ORVANE_REALTIME bool isSound(const float* samples, std::uint32_t frameCount) noexcept {
+ORVANE_REALTIME bool isValid(const float* samples, std::uint32_t frameCount) noexcept {
     bool isWithin = true;
     for (std::uint32_t i = 0; i < frameCount; ++i)
         isWithin &= std::abs(samples[i]) <= loudestOutput;
@@ -81,7 +81,7 @@ Result<Done> Lv2Unit::allocateRenderResources() {
         return Error{fmt::format("\"{}\" can be used neither in mono nor in stereo.", description->name)};
     const double sampleRate = input.format().sampleRate;
     if (sampleRate != output.format().sampleRate)
-        return Error{fmt::format("\"{}\" cannot run at two sample rates at a time.", description->name)};
+        return Error{fmt::format("\"{}\" cannot run at two sample rates at once.", description->name)};
     if (instance->settings().sampleRate != sampleRate || instance->settings().maximumFrames < maximumFrames)
         if (auto made = makeInstanceFor(sampleRate); !made) return made;
 
@@ -108,7 +108,7 @@ Result<Done> Lv2Unit::makeInstanceFor(double sampleRate) try {
     throw;
 } catch (...) {
     return Error{
-        fmt::format("\"{}\" failed while it was made for {:.0f} Hz.", description->name, sampleRate)};
+        fmt::format("\"{}\" failed while it was being set up for {:.0f} Hz.", description->name, sampleRate)};
 }
 
 void Lv2Unit::deallocateRenderResources() {
@@ -196,7 +196,7 @@ OSStatus Lv2Unit::runPlugin(std::uint32_t frameCount) noexcept {
     spreadOutput(frameCount);
     takeControlOutputs(controls);
     const bool isAllSound =
-        std::ranges::all_of(outputs, [&](const float* samples) { return isSound(samples, frameCount); });
+        std::ranges::all_of(outputs, [&](const float* samples) { return isValid(samples, frameCount); });
     return isAllSound ? noErr : kAudioUnitErr_CannotDoInCurrentContext;
 }
 

@@ -130,7 +130,7 @@ Result<PropertyList::Dictionary> Lv2UnitHost::stateOf(const AUAudioUnitPreset& p
     );
     if (!bytes) return failure(bytes.error().why);
     auto state = propertyListWithData(bytes.value());
-    if (!state) return failure("what describes it is damaged");
+    if (!state) return failure("its description is damaged");
     if (state.value().empty()) return failure("it is no longer installed");
     return state;
 } catch (const std::bad_alloc&) {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "platform/lv2/lilv_handles.h"
+#include <lilv/lilv.h>
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -11,6 +12,21 @@
 #include <vector>
 
 namespace orvane::platform::lv2 {
+
+/// Frees an object that lilv returned.
+template <auto release>
+struct LilvFree {
+    template <class T>
+    void operator()(T* object) const noexcept {
+        release(object);
+    }
+};
+
+using WorldHandle = std::unique_ptr<LilvWorld, LilvFree<lilv_world_free>>;
+using NodeHandle = std::unique_ptr<LilvNode, LilvFree<lilv_node_free>>;
+using NodesHandle = std::unique_ptr<LilvNodes, LilvFree<lilv_nodes_free>>;
+using ScalePointsHandle = std::unique_ptr<LilvScalePoints, LilvFree<lilv_scale_points_free>>;
+using TextHandle = std::unique_ptr<char, LilvFree<lilv_free>>;
 
 /// The descriptions in one bundle, in a lilv world of their own, which is freed with it. Loads no plugin
 /// code. Any thread; only one exists at a time in the process, and a second one waits for it.

@@ -67,7 +67,7 @@ Result<std::vector<PortRole>> portRoles(PluginBundle& bundle, const LilvPlugin* 
         if (port == nullptr) return Error{fmt::format("it has no port number {}", i)};
         const bool isInput = lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__InputPort));
         if (isInput == lilv_port_is_a(plugin, port, bundle.node(LV2_CORE__OutputPort)))
-            return Error{fmt::format("its port number {} is not either an input or an output", i)};
+            return Error{fmt::format("its port number {} is neither an input nor an output", i)};
         roles[i].symbol = textOf(lilv_port_get_symbol(plugin, port));
         roles[i].isInput = isInput;
         roles[i].kind = kindOf(bundle, plugin, port);

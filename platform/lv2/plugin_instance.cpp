@@ -1,9 +1,9 @@
 #include "platform/lv2/plugin_instance.h"
 
-#include "platform/lv2/hostable.h"
-#include "platform/lv2/log_category.h"
-#include "platform/lv2/plugin_call.h"
+#include "platform/lv2/host_features.h"
+#include "platform/lv2/host_services.h"
 #include "platform/lv2/plugin_state.h"
+#include "platform/lv2/shared_library.h"
 
 #include <fmt/format.h>
 
@@ -92,7 +92,8 @@ PluginInstance::~PluginInstance() {
     if (!isActive) activate();
     deactivate();
     if (library.descriptor().cleanup == nullptr) return;
-    if (!callPlugin([this] { library.descriptor().cleanup(handle); })) report("failed at its end.");
+    if (!callPlugin([this] { library.descriptor().cleanup(handle); }))
+        report("failed while it was being closed.");
 }
 
 bool PluginInstance::begin() {
@@ -111,7 +112,7 @@ bool PluginInstance::begin() {
     }
     stateInterface = extension<LV2_State_Interface>(descriptor, LV2_STATE__interface);
     if (const auto* const work = extension<LV2_Worker_Interface>(descriptor, LV2_WORKER__interface))
-        worker.start(handle, *work, [this] { report("failed at work that it had handed on."); });
+        worker.start(handle, *work, [this] { report("failed in its background work."); });
     return true;
 }
 
@@ -137,12 +138,12 @@ void PluginInstance::activate() {
     isActive = true;
     if (library.descriptor().activate == nullptr) return;
     isBroken = !callPlugin([this] { library.descriptor().activate(handle); });
-    if (isBroken) report("failed to get ready, so it is not run.");
+    if (isBroken) report("failed to activate, so it does not run.");
 }
 
 void PluginInstance::deactivate() {
     if (library.descriptor().deactivate == nullptr) return;
-    if (!callPlugin([this] { library.descriptor().deactivate(handle); })) report("failed to come to rest.");
+    if (!callPlugin([this] { library.descriptor().deactivate(handle); })) report("failed to deactivate.");
 }
 
 bool PluginInstance::run(
@@ -163,7 +164,7 @@ bool PluginInstance::run(
         descriptor.run(handle, frameCount);
         worker.deliverResponses();
     });
-    if (isBroken) report("failed in the middle of a block, so it is no longer run.");
+    if (isBroken) report("failed in the middle of a block, so it no longer runs.");
     if (messages != nullptr) atomPorts.send(*messages);
     return !isBroken;
 }
@@ -173,7 +174,7 @@ PropertyList::Dictionary PluginInstance::state() const {
     const auto pathFeatures = paths.features();
     const LV2_Feature* const offered[] = {&pathFeatures[0], &pathFeatures[1], nullptr};
     SavedState saved = savePluginState(*stateInterface, handle, services->urids, offered);
-    if (!saved.isWhole) report("could not give all of its state.");
+    if (!saved.isWhole) report("could not save all of its state.");
     return std::move(saved.state);
 }
 
@@ -181,7 +182,7 @@ Result<Done> PluginInstance::restore(const PropertyList::Dictionary& state, Rend
     if (stateInterface == nullptr) return Done{};
     const Worker::ControlCall call(worker);
     if (!call.isAlone()) {
-        report("did not take the state that it was given: work that it had handed on does not end.");
+        report("did not restore its state because its background work does not end.");
         return Done{};
     }
     const LV2_Feature schedule{LV2_WORKER__schedule, worker.schedule()};
@@ -190,7 +191,7 @@ Result<Done> PluginInstance::restore(const PropertyList::Dictionary& state, Rend
     paths.takeRefusal();
     if (gate != nullptr) gate->shut(RenderGate::State::paused);
     if (!restorePluginState(*stateInterface, handle, services->urids, offered, state, paths))
-        report("could not take all of the state that it was given.");
+        report("could not restore all of its state.");
     if (gate != nullptr) gate->open();
     if (auto refusal = paths.takeRefusal()) return *std::move(refusal);
     return Done{};

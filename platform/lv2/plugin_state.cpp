@@ -1,6 +1,6 @@
 #include "platform/lv2/plugin_state.h"
 
-#include "platform/lv2/plugin_call.h"
+#include "platform/lv2/shared_library.h"
 #include "platform/lv2/state_value.h"
 
 #include <lv2/atom/atom.h>

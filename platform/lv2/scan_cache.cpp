@@ -3,7 +3,6 @@
 #include "platform/files/atomic_file.h"
 #include "platform/files/property_list.h"
 #include "platform/files/read_file.h"
-#include "platform/lv2/dictionary_value.h"
 
 #include <span>
 #include <system_error>

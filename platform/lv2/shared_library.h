@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dsp/realtime.h"
 #include "platform/base/result.h"
 
 #include <cstdint>
@@ -34,6 +35,18 @@ auto findDescriptor(std::string_view uri, At at) {
     for (std::uint32_t i = 0;; ++i) {
         const auto* const descriptor = at(i);
         if (descriptor == nullptr || descriptor->URI == uri) return descriptor;
+    }
+}
+
+/// Calls into a plugin. Returns false if the call throws: exceptions must not leave a plugin's code. Any
+/// thread, real-time safe if the call is.
+template <class Call>
+ORVANE_REALTIME bool callPlugin(const Call& call) noexcept {
+    try {
+        call();
+        return true;
+    } catch (...) {
+        return false;
     }
 }
 

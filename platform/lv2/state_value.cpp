@@ -1,6 +1,6 @@
 #include "platform/lv2/state_value.h"
 
-#include "platform/lv2/dictionary_value.h"
+#include "platform/files/property_list.h"
 
 #include <lv2/atom/atom.h>
 

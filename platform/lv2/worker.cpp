@@ -1,7 +1,7 @@
 #include "platform/lv2/worker.h"
 
 #include "platform/base/audio_thread_scope.h"
-#include "platform/lv2/plugin_call.h"
+#include "platform/lv2/shared_library.h"
 
 #include <utility>
 

@@ -46,8 +46,8 @@ TEST_F(FullState, KeepsWhatAPluginSavedThatSaysItFailed) {
     log.flush();
     EXPECT_THAT(
         lines, testing::ElementsAre(
-                   "plain: the plugin could not give all of its state.",
-                   "plain: the plugin could not take all of the state that it was given."
+                   "plain: the plugin could not save all of its state.",
+                   "plain: the plugin could not restore all of its state."
                )
     );
 }

@@ -51,7 +51,7 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature <urn:feature> ;"),
          "\"X\" needs the LV2 feature urn:feature, which is not supported."},
         {Lv2Bundles::plugin("urn:x", "X", "lv2:requiredFeature bufsz:powerOf2BlockLength ;"),
-         "\"X\" needs blocks of a certain length, and a live mix has blocks of any."},
+         "\"X\" needs blocks of a fixed length, which a live mix does not have."},
         {Lv2Bundles::plugin("urn:x", "X", "opts:requiredOption <urn:option> ;"),
          "\"X\" needs the LV2 option urn:option, which is not supported."},
         {Lv2Bundles::plugin(
@@ -183,14 +183,14 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
         const char* logged;
         OSStatus rendered;
     } cases[] = {
-        {Throw::run, "plain: the plugin failed in the middle of a block, so it is no longer run.",
+        {Throw::run, "plain: the plugin failed in the middle of a block, so it no longer runs.",
          kAudioUnitErr_CannotDoInCurrentContext},
-        {Throw::workResponse, "plain: the plugin failed in the middle of a block, so it is no longer run.",
+        {Throw::workResponse, "plain: the plugin failed in the middle of a block, so it no longer runs.",
          kAudioUnitErr_CannotDoInCurrentContext},
-        {Throw::work, "plain: the plugin failed at work that it had handed on.", noErr},
-        {Throw::save, "plain: the plugin could not give all of its state.", noErr},
-        {Throw::restore, "plain: the plugin could not take all of the state that it was given.", noErr},
-        {Throw::cleanup, "plain: the plugin failed at its end.", noErr}};
+        {Throw::work, "plain: the plugin failed in its background work.", noErr},
+        {Throw::save, "plain: the plugin could not save all of its state.", noErr},
+        {Throw::restore, "plain: the plugin could not restore all of its state.", noErr},
+        {Throw::cleanup, "plain: the plugin failed while it was being closed.", noErr}};
     for (const auto& [place, logged, rendered] : cases) {
         SCOPED_TRACE(logged);
         lines.clear();
@@ -223,7 +223,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
     {
         const auto unit = make("plain");
         probe().throwsIn.store(Throw::extensionData);
-        EXPECT_EQ(setUp(*unit, 1, 96000.0), "\"plain\" failed while it was made for 96000 Hz.");
+        EXPECT_EQ(setUp(*unit, 1, 96000.0), "\"plain\" failed while it was being set up for 96000 Hz.");
         probe().throwsIn.store(Throw::nowhere);
         EXPECT_EQ(setUp(*unit, 1, 96000.0), "");
     }

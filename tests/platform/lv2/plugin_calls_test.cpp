@@ -157,8 +157,8 @@ TEST_F(PluginCalls, WorkThatDoesNotEndCostsAStateAndNoMore) {
     EXPECT_EQ(UnitRenderer(*busy, 1).renderBlock(ones), noErr);
     EXPECT_EQ((busy->deallocateRenderResources(), setUp(*busy, 1, 96000.0)), "");
     log.flush();
-    const char* const line = "plain: the plugin did not take the state that it was given: work that it had "
-                             "handed on does not end.";
+    const char* const line =
+        "plain: the plugin did not restore its state because its background work does not end.";
     EXPECT_THAT(lines, ElementsAre(line, line));
     probe().holdsWork.store(false);
 }
