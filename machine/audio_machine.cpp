@@ -3,7 +3,7 @@
 #include "machine/pipewire_socket.h"
 #include "platform/alsa/alsa_audio_driver.h"
 #include "platform/alsa/alsa_midi_driver.h"
-#include "platform/files/program_data.h"
+#include "platform/files/user_folders.h"
 #include "platform/jack/jack_midi_driver.h"
 #include "platform/virtual/output_recorder.h"
 #include "platform/virtual/virtual_audio_driver.h"

@@ -27,7 +27,7 @@ std::filesystem::path folderOf(const std::filesystem::path& file) {
     return folder.empty() ? "." : folder;
 }
 
-/// Whether another user put the link into a folder that is open to all, such as /tmp, where it may be a trap.
+/// Whether another user put the link into a world-writable folder, such as /tmp, where it may be a trap.
 bool isForeign(const std::filesystem::path& link) {
     struct stat status {};
     struct stat folder {};
@@ -35,7 +35,7 @@ bool isForeign(const std::filesystem::path& link) {
            && (folder.st_mode & S_ISVTX) != 0 && status.st_uid != ::geteuid();
 }
 
-/// Follows links by hand, because the usual functions give up on a link to a file that is yet to be made.
+/// Resolves links by hand, because the usual functions fail on a link to a file that does not exist yet.
 Result<std::filesystem::path> linkTarget(const std::filesystem::path& path) {
     std::filesystem::path target = path;
     for (int step = 0; step < longestLinkChain; ++step) {
@@ -49,7 +49,7 @@ Result<std::filesystem::path> linkTarget(const std::filesystem::path& path) {
     return fileError(path, cannotWrite, ELOOP);
 }
 
-/// The permissions of the file that is to be replaced; nothing where there is none.
+/// The permissions of the file to be replaced; absent if there is none.
 Result<std::optional<mode_t>> permissionsOf(const std::filesystem::path& target) {
     struct stat status {};
     if (::stat(target.c_str(), &status) != 0) {
@@ -60,12 +60,12 @@ Result<std::optional<mode_t>> permissionsOf(const std::filesystem::path& target)
     return std::optional(status.st_mode & permissionBits);
 }
 
-/// The name of an open file that has no other.
+/// A path to an open file that has no name.
 std::string namelessPath(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
-/// A file without a name, which the system removes if it gets none; not open where that is not possible.
+/// Opens a file without a name, which the system removes unless it is named; not open if that is impossible.
 FileDescriptor openNameless(const std::filesystem::path& folder, mode_t mode) {
     FileDescriptor opened(::open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, mode));
     if (opened.isOpen() && ::access(namelessPath(opened.number()).c_str(), F_OK) == 0) return opened;
@@ -76,7 +76,7 @@ std::filesystem::path hiddenNameIn(const std::filesystem::path& folder) {
     return folder / (".orvane-" + Uuid::random().toString());
 }
 
-/// Failures are not reported: the new file has its name by then, and some file systems cannot do this.
+/// Does not report failures: the new file already has its name, and some file systems do not support this.
 void makeNamesDurable(const std::filesystem::path& folder) {
     const FileDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened.isOpen()) ::fsync(opened.number());
@@ -91,7 +91,7 @@ Result<AtomicFile> AtomicFile::open(const std::filesystem::path& target) {
     if (!permissions) return permissions.error();
 
     const std::filesystem::path folder = folderOf(resolved.value());
-    // The content of a file that others may not read must not be readable while it is written either.
+    // A file that others may not read must not be readable while it is being written either.
     const mode_t mode = permissions.value() ? ownerOnlyMode : newFileMode;
     FileDescriptor nameless = openNameless(folder, mode);
     auto temporary = nameless.isOpen() ? std::filesystem::path() : hiddenNameIn(folder);
@@ -101,7 +101,7 @@ Result<AtomicFile> AtomicFile::open(const std::filesystem::path& target) {
             : FileDescriptor(::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (!opened.isOpen()) return fileError(resolved.value(), cannotWrite, errno);
 
-    // Nothing that needs memory stands between the file and what removes it again.
+    // No allocation may come between creating the file and the object that removes it.
     AtomicFile file(std::move(opened), std::move(temporary), std::move(resolved).value());
     if (permissions.value() && ::fchmod(file.descriptor(), *permissions.value()) != 0)
         return fileError(file.target, cannotWrite, errno);
@@ -136,7 +136,7 @@ Result<Done> AtomicFile::commit() {
     if (::fsync(file.number()) != 0) return fileError(target, cannotWrite, errno);
     const std::filesystem::path folder = folderOf(target);
     if (temporary.empty()) {
-        // Only a rename replaces what has the name.
+        // Only a rename can replace an existing file.
         auto hidden = hiddenNameIn(folder);
         const std::string nameless = namelessPath(file.number());
         if (::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, hidden.c_str(), AT_SYMLINK_FOLLOW) != 0)

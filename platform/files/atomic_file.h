@@ -9,15 +9,15 @@
 
 namespace orvane::platform {
 
-/// A file in the making that takes its final name only once it is whole: until `commit`, and for good if it
-/// is never called or fails, a file that had the name before stays as it was. Belongs to whoever writes the
-/// content, one thread at a time.
+/// A new file that takes its final name only when it is complete. Until `commit`, and for good if that fails
+/// or is never called, a file of that name stays as it was. Owned by the writer of the content, one thread at
+/// a time.
 class AtomicFile final {
   public:
-    /// Begins an empty file in the target's folder, without a name where the file system can do that, or else
-    /// with a hidden one. A target that is a symbolic link stands for what it leads to. Fails if the target
-    /// exists and is not a regular file, if the folder cannot be written, or if a link on the way belongs to
-    /// another user and stands in a folder such as /tmp, where anybody may have put it.
+    /// Creates an empty file in the target's folder, without a name if the file system supports that,
+    /// otherwise with a hidden one. A symbolic link as target is followed. Fails if the target exists and is
+    /// not a regular file, if the folder is not writable, or if a link on the way belongs to another user and
+    /// is in a world-writable folder such as /tmp.
     static Result<AtomicFile> open(const std::filesystem::path& target);
 
     /// Removes the file unless it was committed.
@@ -29,11 +29,11 @@ class AtomicFile final {
     /// Appends to the content.
     Result<Done> write(std::span<const std::byte> bytes);
 
-    /// Where the content goes: open for reading and writing until this object goes.
+    /// The descriptor of the content: open for reading and writing while this object lives.
     [[nodiscard]] int descriptor() const noexcept { return file.number(); }
 
     /// Makes the content durable and gives it the target's name, with the permissions of the file it replaces
-    /// or, without one, those of any new file. At most once.
+    /// or those of any new file. Must be called at most once.
     Result<Done> commit();
 
   private:
@@ -42,12 +42,12 @@ class AtomicFile final {
     );
 
     FileDescriptor file;
-    /// Its hidden name; empty if it has none or has its final one.
+    /// The hidden name; empty if the file has none or its final one.
     std::filesystem::path temporary;
     std::filesystem::path target;
 };
 
-/// Replaces or makes a file with this content through an `AtomicFile`. Any thread but the audio ones.
+/// Creates or replaces a file through an `AtomicFile`. Any thread except audio threads.
 Result<Done> writeFileAtomically(const std::filesystem::path& path, std::span<const std::byte> bytes);
 
 } // namespace orvane::platform

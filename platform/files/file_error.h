@@ -9,20 +9,20 @@
 
 namespace orvane::platform {
 
-/// What went wrong with a file, as a sentence: `failure` says what could not be done ("could not be read"),
-/// `reason` why, without a full stop.
+/// A sentence about a failure with a file. `failure` is the predicate ("could not be read"), `reason` the
+/// cause, without a full stop.
 inline Error fileError(const std::filesystem::path& path, std::string_view failure, std::string_view reason) {
     std::string sentence = "The file \"" + path.string() + "\" ";
     sentence.append(failure).append(": ").append(reason).append(".");
     return {sentence};
 }
 
-/// The same with the system's words for an error number (errno).
+/// As above, with the system's text for an errno value.
 inline Error fileError(const std::filesystem::path& path, std::string_view failure, int errorNumber) {
     return fileError(path, failure, std::generic_category().message(errorNumber));
 }
 
-/// Why a folder, device or pipe is refused where a file's content is asked for.
+/// The reason for refusing a folder, device or pipe.
 inline constexpr std::string_view notARegularFile = "it is not a regular file";
 
 } // namespace orvane::platform

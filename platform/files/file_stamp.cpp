@@ -26,7 +26,7 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
 bool isWriteProtected(const std::filesystem::path& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return false;
-    // Root may write everything, but takes the hint of its owner all the same.
+    // Root may write to any file, but respects the owner's setting.
     return (status.st_mode & S_IWUSR) == 0 || (::access(path.c_str(), W_OK) != 0 && errno != ENOENT);
 }
 

@@ -60,7 +60,7 @@ std::optional<std::string> FilePreferences::value(std::string_view key) const {
 }
 
 Result<Done> FilePreferences::setValue(std::string_view key, std::string_view value) {
-    if (!file) return Error{"There is no folder of the user to keep preferences in."};
+    if (!file) return Error{"The user has no folder for preferences."};
     PreferenceValues values = read();
     values.insert_or_assign(std::string(key), value);
     std::string content;

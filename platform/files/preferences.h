@@ -12,25 +12,25 @@
 
 namespace orvane::platform {
 
-/// What the program remembers from one launch to the next: values of one line under keys without "=". Made by
-/// the composition root. Main thread.
+/// What the program remembers between launches: single-line values under keys without "=". Made by the
+/// composition root. Main thread.
 class Preferences {
   public:
     virtual ~Preferences() = default;
 
-    /// Nothing where none is stored.
+    /// Absent if nothing is stored.
     [[nodiscard]] virtual std::optional<std::string> value(std::string_view key) const = 0;
-    /// Fails where the value could not be kept.
+    /// Fails if the value could not be stored.
     virtual Result<Done> setValue(std::string_view key, std::string_view value) = 0;
 
-    /// The whole number under a key; 0 where there is none.
+    /// The integer under a key; 0 if there is none.
     [[nodiscard]] std::int64_t integer(std::string_view key) const;
 };
 
 /// Values by key, in the order in which they are written.
 using PreferenceValues = std::map<std::string, std::string, std::less<>>;
 
-/// Preferences that end with the program.
+/// Preferences that last until the program ends.
 class InMemoryPreferences final : public Preferences {
   public:
     [[nodiscard]] std::optional<std::string> value(std::string_view key) const override;
@@ -40,11 +40,11 @@ class InMemoryPreferences final : public Preferences {
     PreferenceValues values;
 };
 
-/// Preferences in a file, a line "key=value" each. Read and written afresh at every call, so that several
-/// programs can share it.
+/// Preferences in a file of "key=value" lines. Read and written on every call, so that several programs can
+/// share it.
 class FilePreferences final : public Preferences {
   public:
-    /// The file and its folder need not be there. Without a path nothing is found, and nothing can be kept.
+    /// The file and its folder need not exist. Without a path, no value is found and none can be stored.
     explicit FilePreferences(std::optional<std::filesystem::path> path) : file(std::move(path)) {}
 
     [[nodiscard]] std::optional<std::string> value(std::string_view key) const override;

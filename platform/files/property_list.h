@@ -12,7 +12,7 @@
 
 namespace orvane::platform {
 
-/// A tree of the values that property lists know. A plain value.
+/// A tree of the value types of property lists. A plain value.
 struct PropertyList {
     using Data = std::vector<std::uint8_t>;
     using Array = std::vector<PropertyList>;

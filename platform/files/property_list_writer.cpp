@@ -38,11 +38,11 @@ std::size_t widthOf(std::uint64_t number) {
     return std::max<std::size_t>((static_cast<std::size_t>(std::bit_width(number)) + 7) / 8, 1);
 }
 
-/// Writes the objects in the order of their numbers: the children of a container follow each other, behind
-/// whatever was numbered before.
+/// Writes the objects in the order of their numbers. The children of a container are consecutive and come
+/// after all objects numbered before.
 class Writer final {
   public:
-    /// Nothing where a text cannot be written.
+    /// Absent if a text cannot be written.
     std::optional<Data> write(const Dictionary& top) {
         append("bplist00");
         numberObjects(top);
@@ -59,7 +59,7 @@ class Writer final {
   private:
     void numberObjects(const Dictionary& top) {
         objects.emplace_back(&top);
-        // The list grows on the way.
+        // The list grows during the loop.
         for (std::size_t index = 0; index < objects.size(); ++index) {
             if (const auto* const array = std::get_if<const Array*>(&objects[index])) {
                 for (const PropertyList& value : **array)
@@ -81,7 +81,7 @@ class Writer final {
     void writeObject(bool value) { data.push_back(value ? 0x09 : 0x08); }
 
     void writeObject(std::int64_t value) {
-        // Only numbers of eight bytes have a sign.
+        // Only eight-byte numbers are signed.
         std::size_t exponent = 3;
         if (value >= 0 && value <= std::numeric_limits<std::uint32_t>::max())
             exponent = value <= 0xFF ? 0 : value <= 0xFFFF ? 1 : 2;

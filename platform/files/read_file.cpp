@@ -24,7 +24,7 @@ Result<std::string> readFile(const std::filesystem::path& path, std::size_t maxi
     if (::fstat(file.number(), &status) != 0) return fileError(path, cannotRead, errno);
     if (!S_ISREG(status.st_mode)) return fileError(path, cannotRead, notARegularFile);
 
-    // What the file says of its size is a guess only: it may grow, and kernel files say 0.
+    // The size is a hint only: the file may grow, and kernel files report 0.
     std::string content;
     content.reserve(std::min(static_cast<std::size_t>(status.st_size), maximumSize) + chunkSize);
     while (content.size() <= maximumSize) {

@@ -8,8 +8,8 @@
 
 namespace orvane::platform {
 
-/// The whole content of a regular file. Fails for anything else, without waiting for a pipe or device to have
-/// something to say, and for more than `maximumSize` bytes. Any thread but the audio ones.
+/// Returns the content of a regular file. Fails for anything else, without waiting for a pipe or device, and
+/// for more than `maximumSize` bytes. Any thread except audio threads.
 Result<std::string> readFile(const std::filesystem::path& path, std::size_t maximumSize);
 
 } // namespace orvane::platform

@@ -7,14 +7,14 @@
 
 namespace orvane::platform {
 
-/// A kind of sound file that is written. All hold 32-bit float samples but FLAC, which holds 24-bit integers.
+/// The sound file formats that can be written. FLAC holds 24-bit integers, all others 32-bit float samples.
 enum class SoundFileFormat : std::uint8_t { wav, w64, rf64, flac, aiff };
 
-/// The format that the ending of a file's name asks for, in upper or lower case; a device such as /dev/null
-/// is a WAV. Fails, listing the endings, if no format has this one. Control threads.
+/// The format for a file name's extension, in upper or lower case; WAV for a device such as /dev/null. Fails,
+/// listing the extensions, if it is unknown. Control threads.
 Result<SoundFileFormat> soundFileFormat(const std::filesystem::path& path);
 
-/// The same for a recording, which must be readable whenever the program is ended: a WAV, W64 or RF64.
+/// The format for a recording, which must be readable whenever the program ends: WAV, W64 or RF64.
 Result<SoundFileFormat> recordingFormat(const std::filesystem::path& path);
 
 } // namespace orvane::platform

@@ -12,12 +12,12 @@ struct SoundFileCloser {
     void operator()(SNDFILE* file) const noexcept { sf_close(file); }
 };
 
-/// A file that libsndfile has open. Only for the sources of the sound file reader and writer: their headers
-/// do not show the library.
+/// An open libsndfile file. Only for the sources of the sound file reader and writer: their headers hide the
+/// library.
 using SoundFileHandle = std::unique_ptr<SNDFILE, SoundFileCloser>;
 
-/// What went wrong last with `file`, as words for the end of a sentence, without a full stop. A null `file`
-/// asks why the last opening failed.
+/// The last failure of `file` as the end of a sentence, without a full stop. A null `file` gives the reason
+/// of the last failed open.
 std::string soundFileProblem(SNDFILE* file);
 
 } // namespace orvane::platform

@@ -21,7 +21,7 @@ namespace {
 constexpr std::string_view cannotReadSound = "could not be read";
 constexpr std::string_view empty = "it is empty";
 constexpr std::size_t framesPerTransfer = 4096;
-/// Frames whose channels are taken apart together: few enough to stay in the nearest cache.
+/// Frames that are deinterleaved at once: few enough for the L1 cache.
 constexpr std::size_t framesPerTile = 64;
 
 std::int64_t countFrames(SNDFILE* file, std::size_t channelCount) {
@@ -46,7 +46,7 @@ struct SoundFileReader::Source {
         begin();
     }
 
-    /// Opens the sound from the start of the file on.
+    /// Opens the sound at the start of the file.
     void begin() {
         ::lseek(descriptor.number(), 0, SEEK_SET);
         info = {};
@@ -56,7 +56,7 @@ struct SoundFileReader::Source {
     [[nodiscard]] bool isLengthStated() const { return info.frames != SF_COUNT_MAX; }
     [[nodiscard]] std::size_t channelCount() const { return static_cast<std::size_t>(info.channels); }
 
-    /// Reads one buffer's worth and returns the frames it could get.
+    /// Reads one buffer and returns the number of frames read.
     std::size_t transfer(std::span<const std::span<float>> blocks, std::size_t at, std::size_t wanted) {
         const auto count = static_cast<std::size_t>(
             sf_readf_float(handle.get(), interleaved.data(), static_cast<sf_count_t>(wanted))

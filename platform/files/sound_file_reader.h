@@ -11,16 +11,16 @@
 
 namespace orvane::platform {
 
-/// A sound file that is read once from its start to its end, in blocks of separate channels: any format that
-/// libsndfile reads, integer samples scaled to -1...1, floating-point samples as they are. Whoever opened it
-/// owns it; one thread at a time, never an audio thread.
+/// Reads a sound file once, from start to end, in blocks of separate channels. Any format that libsndfile
+/// reads: integer samples are scaled to -1...1, floating-point samples are unchanged. One thread at a time,
+/// never an audio thread.
 class SoundFileReader final {
   public:
-    /// Opens the file at `path`, never waiting for a pipe. Fails if that is not a regular file with readable
+    /// Opens the file at `path`; does not wait for a pipe. Fails if it is not a regular file with readable
     /// sound, or holds no samples. A file that does not state its length is read through once to find it.
     static Result<SoundFileReader> open(const std::filesystem::path& path);
 
-    /// The same for a regular file that is open for reading; `name` is what errors call it.
+    /// Opens a regular file from a descriptor that is open for reading; errors refer to it as `name`.
     static Result<SoundFileReader> open(FileDescriptor file, const std::filesystem::path& name);
 
     ~SoundFileReader();
@@ -33,12 +33,12 @@ class SoundFileReader final {
     /// In Hz.
     [[nodiscard]] double sampleRate() const noexcept;
 
-    /// The length of the whole file, at least 1.
+    /// The length of the file in frames, at least 1.
     [[nodiscard]] std::int64_t frameCount() const noexcept;
 
-    /// Fills the start of `blocks` (channelCount x any number of frames) with the next frames of the file and
-    /// returns how many there were: fewer than asked for only at the end of the file, then 0. What lies after
-    /// them stays as it was. Fails where the file cannot be read on or breaks off before its stated length.
+    /// Fills the start of `blocks` (channelCount x any number of frames) with the next frames and returns
+    /// their number: less than asked for only at the end of the file, then 0. The rest of `blocks` is
+    /// unchanged. Fails if the file cannot be read or ends before its stated length.
     Result<std::size_t> read(std::span<const std::span<float>> blocks);
 
   private:

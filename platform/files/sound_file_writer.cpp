@@ -31,7 +31,7 @@ constexpr std::string_view cannotWriteSound = "could not be written";
 constexpr std::size_t framesPerTransfer = 4096;
 constexpr std::size_t mostChannels = 1024;
 constexpr std::size_t mostFlacChannels = 8;
-/// The sizes in an AIFF have a sign.
+/// AIFF sizes are signed.
 constexpr std::uint64_t mostAiffBytes = std::numeric_limits<std::int32_t>::max() - 4096;
 constexpr mode_t newFileMode = 0666;
 
@@ -104,12 +104,12 @@ SoundFileHandle openHandle(
     info.format = libraryFormat(format);
     SoundFileHandle handle(sf_open_fd(descriptorOf(destination), SFM_WRITE, &info, SF_FALSE));
     if (!handle) return handle;
-    // WAV and W64 get a PEAK chunk with its time stamp only if it is asked for, and even asking for none
-    // makes some versions of the library add one.
+    // WAV and W64 get a PEAK chunk with a time stamp only on request, and even a request to omit it makes
+    // some versions of the library add one.
     if (format == SoundFileFormat::wav) sf_command(handle.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
     if (format == SoundFileFormat::aiff) {
         sf_command(handle.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
-        // The samples follow the header that is shorter now.
+        // The header has become shorter; the samples must follow it.
         sf_count_t none = 0;
         sf_command(handle.get(), SFC_FILE_TRUNCATE, &none, sizeof none);
     }
@@ -117,7 +117,7 @@ SoundFileHandle openHandle(
     return handle;
 }
 
-/// Whether a complete FLAC holds so many frames: its library does not report what it could not write.
+/// Whether a complete FLAC holds this many frames: the library does not report failed writes.
 bool holds(int descriptor, std::int64_t frames, std::size_t channelCount) {
     if (::lseek(descriptor, 0, SEEK_SET) != 0) return false;
     SF_INFO info{};
@@ -153,7 +153,7 @@ struct SoundFileWriter::Target {
         return fail(fileError(path, cannotWriteSound, soundFileProblem(handle.get())));
     }
 
-    /// Ends a recording behind its last whole frame; nothing can be done about what fails now.
+    /// Ends a recording after its last complete frame. Failures are ignored: nothing can be done about them.
     void close() {
         sf_count_t frames = framesWritten;
         sf_command(handle.get(), SFC_FILE_TRUNCATE, &frames, sizeof frames);
@@ -167,7 +167,7 @@ struct SoundFileWriter::Target {
             && (static_cast<std::uint64_t>(framesWritten) + frameCount) * channelCount * sizeof(float)
                    > mostAiffBytes)
             return fail(
-                fileError(path, cannotWriteSound, "an AIFF file ends at 2 GB; .wav and .w64 have no end")
+                fileError(path, cannotWriteSound, "an AIFF file cannot exceed 2 GB; .wav and .w64 can")
             );
         const auto wanted = static_cast<sf_count_t>(frameCount);
         const sf_count_t written = sf_writef_float(handle.get(), interleaved.data(), wanted);
@@ -182,7 +182,7 @@ struct SoundFileWriter::Target {
         return Done{};
     }
 
-    /// Closing would write the final header too, but would not report whether that failed.
+    /// Closing would also write the final header, but would not report failures.
     Result<Done> writeHeader() {
         sf_command(handle.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
         if (sf_error(handle.get()) != SF_ERR_NO_ERROR) return failWithTheLibrary();
@@ -196,7 +196,7 @@ struct SoundFileWriter::Target {
         handle.reset();
         if (format == SoundFileFormat::flac && !isDevice(path)
             && !holds(descriptorOf(destination), framesWritten, channelCount))
-            return fail(fileError(path, cannotWriteSound, "the disk did not take all of it"));
+            return fail(fileError(path, cannotWriteSound, "not all of it could be written"));
         if (auto* file = std::get_if<AtomicFile>(&destination)) return file->commit();
         if (isRecording) ::fsync(descriptorOf(destination));
         return Done{};

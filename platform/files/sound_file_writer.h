@@ -11,25 +11,25 @@
 
 namespace orvane::platform {
 
-/// A sound file in the making, of blocks of separate channels: what the ending of its name says
-/// (`soundFileFormat`), a WAV being an RF64 once it outgrows 4 GB. 32-bit float samples are kept bit for bit;
-/// a FLAC has 24-bit integers and clips. The bytes depend on the samples alone. A device such as /dev/null is
-/// written directly. Whoever made it owns it; one thread at a time, never an audio thread.
+/// Writes a sound file from blocks of separate channels. The name's extension selects the format
+/// (`soundFileFormat`); a WAV becomes an RF64 beyond 4 GB. 32-bit float samples are kept bit for bit; FLAC
+/// has 24-bit integers and clips. The bytes depend on the samples alone. A device such as /dev/null is
+/// written directly. One thread at a time, never an audio thread.
 class SoundFileWriter final {
   public:
-    /// Begins an empty file for `path` with 1 to 1024 channels, a FLAC 1 to 8, and a rate of a whole number
-    /// of Hz. It takes its name only when committed: until then, and for good if it never is, a file that had
-    /// the name before stays as it was. Fails if neither a file nor a device can be written there.
+    /// Creates an empty file for `path` with 1 to 1024 channels (FLAC: 1 to 8) and a sample rate of a whole
+    /// number of Hz. It takes its name only when committed: until then, and for good if it never is, a file
+    /// of that name stays as it was. Fails if neither a file nor a device can be written there.
     static Result<SoundFileWriter>
     create(const std::filesystem::path& path, std::size_t channelCount, double sampleRate);
 
-    /// Begins a recording that has its name from the start and keeps what was written whatever happens. Fails
-    /// also if a file of that name exists.
+    /// Creates a recording, which has its name from the start and keeps what was written in any case. Also
+    /// fails if a file of that name exists.
     static Result<SoundFileWriter>
     record(const std::filesystem::path& path, std::size_t channelCount, double sampleRate);
 
-    /// Begins a WAV on standard output, whose header gives the greatest length that a WAV can have. Writing
-    /// fails once `isCancelled`, which is called on the writing thread.
+    /// Starts a WAV on standard output, whose header states the maximum length of a WAV. Writing fails once
+    /// `isCancelled`, which is called on the writing thread.
     static Result<SoundFileWriter>
     toStandardOutput(std::size_t channelCount, double sampleRate, std::function<bool()> isCancelled);
 
@@ -37,14 +37,14 @@ class SoundFileWriter final {
     SoundFileWriter(SoundFileWriter&&) noexcept;
     SoundFileWriter& operator=(SoundFileWriter&&) noexcept;
 
-    /// Appends `blocks` (channelCount x any number of frames). Fails if the disk is full or breaks; from then
-    /// on so does everything else. A recording is cut to whole frames and closed then.
+    /// Appends `blocks` (channelCount x any number of frames). Fails if the disk is full or fails; after that
+    /// every call fails. A recording is then cut to complete frames and closed.
     Result<Done> write(std::span<const std::span<const float>> blocks);
 
-    /// Brings a recording's header up to date, so that all that was written can be read.
+    /// Updates a recording's header, so that everything written so far can be read.
     Result<Done> updateHeader();
 
-    /// Completes the file, makes it durable and gives it its name. The last call, at most once.
+    /// Completes the file, makes it durable and gives it its name. Must be the last call, at most once.
     Result<Done> commit();
 
   private:

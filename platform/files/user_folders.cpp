@@ -7,14 +7,14 @@ namespace orvane::platform {
 
 namespace {
 
-/// The absolute path that a variable of the environment holds; relative ones are to be ignored.
+/// The absolute path in an environment variable; relative paths must be ignored.
 std::optional<std::filesystem::path> pathInEnvironment(const char* name) {
     const char* const value = std::getenv(name);
     if (value == nullptr || !std::filesystem::path(value).is_absolute()) return std::nullopt;
     return value;
 }
 
-/// The folder that a variable names, or else the one below the user's home.
+/// The folder in a variable, or else the one below the user's home.
 std::optional<std::filesystem::path> userFolder(const char* variable, const char* belowHome) {
     if (auto configured = pathInEnvironment(variable)) return configured;
     if (const auto home = pathInEnvironment("HOME")) return *home / belowHome;
@@ -38,6 +38,12 @@ std::optional<std::filesystem::path> configurationDirectory() {
 
 std::optional<std::filesystem::path> cacheDirectory() {
     return userFolder("XDG_CACHE_HOME", ".cache");
+}
+
+std::filesystem::path programDataDirectory() {
+    std::error_code ignored;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return (program.parent_path() / ORVANE_DATA_FROM_PROGRAMS).lexically_normal();
 }
 
 } // namespace orvane::platform

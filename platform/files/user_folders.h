@@ -5,16 +5,20 @@
 
 namespace orvane::platform {
 
-/// Where the current user's applications keep their data: $XDG_DATA_HOME, or .local/share in the user's home.
-/// Made where it is missing; nothing where there is none and none can be made. Main thread.
+/// The folder for application data: $XDG_DATA_HOME, or .local/share in the user's home. Created if it is
+/// missing; absent if that fails. Main thread.
 std::optional<std::filesystem::path> applicationSupportDirectory();
 
-/// Where the current user's applications keep their configuration: $XDG_CONFIG_HOME, or .config in the user's
-/// home; nothing without either. It need not be there yet. Main thread.
+/// The folder for configuration: $XDG_CONFIG_HOME, or .config in the user's home; absent without either. It
+/// need not exist. Main thread.
 std::optional<std::filesystem::path> configurationDirectory();
 
-/// Where the current user's applications keep what they can make again: $XDG_CACHE_HOME, or .cache in the
-/// user's home; nothing without either. It need not be there yet. Main thread.
+/// The folder for caches: $XDG_CACHE_HOME, or .cache in the user's home; absent without either. It need not
+/// exist. Main thread.
 std::optional<std::filesystem::path> cacheDirectory();
+
+/// The folder of the files that come with the program, relative to the program's own location, so that an
+/// installed tree can be moved as a whole. Any thread except audio threads.
+std::filesystem::path programDataDirectory();
 
 } // namespace orvane::platform

@@ -19,9 +19,9 @@ constexpr std::uint32_t formatChunkSize = 40;
 constexpr std::uint32_t extensibleFormat = 0xFFFE;
 constexpr std::uint32_t extensionSize = 22;
 constexpr std::uint32_t sampleBits = 32;
-/// The identifier of float samples, from its second byte on.
+/// The GUID of float samples, from its second byte on.
 constexpr std::string_view floatSamples("\x03\0\0\0\0\0\x10\0\x80\0\0\xAA\0\x38\x9B\x71", 16);
-/// How long a stalled reader can delay the look at `isCancelled`, in milliseconds.
+/// How long a stalled reader can delay the check of `isCancelled`, in milliseconds.
 constexpr int longestStreamWait = 100;
 
 void appendNumber(std::string& text, std::uint32_t number, int byteCount) {

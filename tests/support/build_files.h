@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/files/program_data.h"
+#include "platform/files/user_folders.h"
 
 #include <filesystem>
 #include <string>
