@@ -15,24 +15,24 @@ inline constexpr std::uint32_t NSWindowStyleMaskClosable = 2;
 inline constexpr std::uint32_t NSWindowStyleMaskMiniaturizable = 4;
 inline constexpr std::uint32_t NSWindowStyleMaskResizable = 8;
 
-/// A window and what keeps it: closes it when destroyed. Main thread.
+/// Owns a window, and closes it when destroyed. Main thread.
 class NSWindowController {
   public:
     virtual ~NSWindowController() = default;
 
     virtual void showWindow() = 0;
-    /// In front of all others, with the keyboard.
+    /// Brings the window to the front and gives it the keyboard focus.
     virtual void makeKeyAndOrderFront() = 0;
-    /// The user has closed the window; it does not come back.
+    /// Whether the user has closed the window; it does not reopen.
     [[nodiscard]] virtual bool isClosed() const = 0;
 };
 
-/// Makes windows for editors. Of a program that has windows. Main thread.
+/// Makes windows for editors. Main thread.
 class EditorWindows {
   public:
     virtual ~EditorWindows() = default;
 
-    /// A window, not yet shown, whose content is the editor; the content lives as long as the window.
+    /// Returns a hidden window with the editor as its content, which lives as long as the window.
     virtual std::unique_ptr<NSWindowController> windowWithContentViewController(
         std::shared_ptr<AUViewController> content, const std::string& title, std::uint32_t styleMask
     ) = 0;
