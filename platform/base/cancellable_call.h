@@ -6,7 +6,7 @@
 
 namespace orvane::platform {
 
-/// A callback until it is cancelled; calls and the cancellation exclude each other. Any thread, but not
+/// A callback that can be cancelled; calls and cancellation exclude each other. Any thread, but must not be
 /// cancelled from within its own call.
 template <class... Arguments>
 class CancellableCall final {
@@ -18,7 +18,7 @@ class CancellableCall final {
         if (callee) callee(arguments...);
     }
 
-    /// Waits for a call that is under way; none comes after.
+    /// Waits for a call in progress; none follows.
     void cancel() {
         const std::scoped_lock lock(mutex);
         callee = nullptr;

@@ -12,19 +12,19 @@
 
 namespace orvane::platform {
 
-/// An object of the MIDI services; 0 is none.
+/// An object of the MIDI services; 0 means none.
 using MIDIObjectRef = std::uint32_t;
 using MIDIClientRef = MIDIObjectRef;
 using MIDIPortRef = MIDIObjectRef;
-/// A source. The same one for a source that goes and comes back, for the life of the services.
+/// A source. A source that returns keeps its reference for the life of the services.
 using MIDIEndpointRef = MIDIObjectRef;
 
-/// Of a source: a signed 32-bit number, the same after a reconnection or a reboot.
+/// A source's id: a signed 32-bit number, stable across reconnections and reboots.
 inline constexpr std::string_view kMIDIPropertyUniqueID = "uniqueID";
-/// Of a source: its name for people.
+/// A source's display name.
 inline constexpr std::string_view kMIDIPropertyDisplayName = "displayName";
 
-// What calls answer with when they fail.
+// Status codes of failed calls.
 inline constexpr OSStatus kMIDIInvalidClient = -10830;
 inline constexpr OSStatus kMIDIInvalidPort = -10831;
 inline constexpr OSStatus kMIDINoConnection = -10833;
@@ -33,28 +33,28 @@ inline constexpr OSStatus kMIDIUnknownProperty = -10835;
 inline constexpr OSStatus kMIDIServerStartErr = -10839;
 inline constexpr OSStatus kMIDIObjectNotFound = -10842;
 
-/// What came from a source at one moment: a message with its status byte, or a piece of a long one. A view.
+/// One piece of received data: a message with its status byte, or a part of a long one. A view.
 struct MIDIPacket {
     std::span<const std::uint8_t> data = {};
 };
 
-/// Packets in the order in which they came; valid during the call that it is given to.
+/// Packets in the order of arrival; valid during the call that receives them.
 using MIDIPacketList = std::span<const MIDIPacket>;
 
-/// Called at every change of the sources there are, on a thread of the services.
+/// Called on every change of the list of sources, on a thread of the services.
 using MIDINotifyBlock = std::function<void()>;
 
-/// Called with what the connected sources of a port sent, on a thread of the services that is not an audio
+/// Called with packets from a port's connected sources, on a thread of the services that is not an audio
 /// thread.
 using MIDIReadBlock = std::function<void(MIDIPacketList)>;
 
-/// The MIDI input of the machine: its sources, and ports that receive what they send. Any thread, from within
-/// a notification or a read too, but where said otherwise; outlives every client.
+/// The MIDI input of the computer: its sources, and ports that receive from them. Any thread, also from
+/// within a notification or a read unless noted; must outlive every client.
 class MIDIServices {
   public:
     virtual ~MIDIServices() = default;
 
-    /// A client or a port, or why there is none.
+    /// A client or a port, or the status of the failure.
     struct NewObject {
         OSStatus status = noErr;
         MIDIObjectRef object = 0;
@@ -63,9 +63,9 @@ class MIDIServices {
     virtual NewObject
     MIDIInputPortCreateWithBlock(MIDIClientRef client, std::string_view name, MIDIReadBlock read) = 0;
 
-    /// The number of sources that there are now, which `MIDIGetSource` counts from 0.
+    /// The number of current sources; `MIDIGetSource` indexes them from 0.
     virtual std::size_t MIDIGetNumberOfSources() = 0;
-    /// 0 where there is no source of that index.
+    /// Returns 0 if the index is out of range.
     virtual MIDIEndpointRef MIDIGetSource(std::size_t index) = 0;
 
     struct IntegerProperty {
@@ -80,13 +80,13 @@ class MIDIServices {
     };
     virtual StringProperty MIDIObjectGetStringProperty(MIDIObjectRef object, std::string_view property) = 0;
 
-    /// Begins to deliver what the source sends to the port.
+    /// Starts delivering from the source to the port.
     virtual OSStatus MIDIPortConnectSource(MIDIPortRef port, MIDIEndpointRef source) = 0;
-    /// Ends it; what has already come in may still be delivered.
+    /// Stops delivering; packets that have already arrived may still be delivered.
     virtual OSStatus MIDIPortDisconnectSource(MIDIPortRef port, MIDIEndpointRef source) = 0;
 
-    /// Waits for a read or a notification that is under way; none comes after. Not to be called from within
-    /// one, nor while holding what one may wait for.
+    /// Waits for a read or notification in progress; none follows. Must not be called from within one, nor
+    /// while holding a lock that one may take.
     virtual OSStatus MIDIPortDispose(MIDIPortRef port) = 0;
     virtual OSStatus MIDIClientDispose(MIDIClientRef client) = 0;
 };

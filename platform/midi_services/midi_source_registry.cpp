@@ -9,7 +9,7 @@ namespace orvane::platform {
 
 namespace {
 
-/// FNV-1a, which is the same on every machine.
+/// FNV-1a: the same on every computer.
 std::int32_t hashOf(std::string_view text) {
     constexpr std::uint32_t offsetBasis = 2166136261U;
     constexpr std::uint32_t prime = 16777619U;

@@ -15,9 +15,9 @@ namespace orvane::platform {
 struct MIDISource {
     MIDIEndpointRef endpoint = 0;
     std::int32_t uniqueID = 0;
-    /// For people.
+    /// The display name.
     std::string name = {};
-    /// Which driver's it is, in their order, and where that finds it.
+    /// The driver's index, and the driver's address for the source.
     std::size_t driver = 0;
     std::string address = {};
     std::string identity = {};
@@ -25,20 +25,20 @@ struct MIDISource {
     bool operator==(const MIDISource&) const = default;
 };
 
-/// Sees the sources of all drivers as one list, without those that only pass on what an earlier driver lists
-/// itself, and gives each a unique id: the hash of its identity, and for further sources of the same identity
-/// that of the identity with a number, in the order of the lists. A source keeps its id as long as it stays
-/// where it is. One thread at a time.
+/// Merges the sources of all drivers into one list, without those that only pass on what an earlier driver
+/// lists itself, and gives each a unique id: the hash of its identity. Further sources of the same identity
+/// hash it with a number, in list order. A source keeps its id while it stays at its address. One thread at a
+/// time.
 class MIDISourceRegistry final {
   public:
-    /// Takes what each driver lists now.
+    /// Updates the sources from each driver's current list.
     void update(const std::vector<std::vector<MIDIDriverSource>>& listed);
 
     [[nodiscard]] const std::vector<MIDISource>& present() const { return sources; }
 
-    /// A source that is or was there, as it was last; null where there never was one.
+    /// The last state of a current or former source; null if it never existed.
     [[nodiscard]] const MIDISource* find(MIDIEndpointRef endpoint) const;
-    /// Null also where it is gone.
+    /// Also null if the source has gone.
     [[nodiscard]] const MIDISource* findPresent(MIDIEndpointRef endpoint) const;
 
   private:

@@ -12,12 +12,12 @@
 
 namespace orvane::platform {
 
-/// The MIDI services of this machine, over the drivers it is given. Other programs see ports under their
+/// The MIDI services of this computer, built on the given drivers. Other programs see ports under their own
 /// names, but clients under the name of the program.
 class SystemMIDIServices final : public MIDIServices {
   public:
     /// Sources are listed in the order of the drivers. A keyboard that several drivers reach is listed once:
-    /// a later driver's source that is only a bridge to an earlier one's is left out.
+    /// a later driver's bridge to an earlier driver's source is left out.
     explicit SystemMIDIServices(std::vector<std::unique_ptr<MIDIDriver>> midiDrivers);
     ~SystemMIDIServices() override;
 
@@ -56,7 +56,7 @@ class SystemMIDIServices final : public MIDIServices {
     MIDISourceRegistry registry;
     std::map<MIDIClientRef, Client> clients;
     std::map<MIDIPortRef, Port> ports;
-    /// Last, so that their threads have ended before what they notify goes.
+    /// The last member, so that the drivers' threads end before the objects they notify.
     std::vector<std::unique_ptr<MIDIDriver>> drivers;
 };
 
