@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 constexpr auto stepInterval = 20ms;
 constexpr auto patience = 10s;
-/// More than a call takes, and few enough that nobody can hold up the main thread.
+/// More than a call needs, and few enough to keep the main thread responsive.
 constexpr int mostMessagesAStep = 16;
 
 } // namespace

@@ -13,7 +13,7 @@ namespace orvane::platform::desktop {
 
 enum class MessageBus { system, session };
 
-/// What is called, as its service names it. Literals.
+/// A method, in the terms of its service. String literals.
 struct BusMethod {
     MessageBus bus;
     const char* service;
@@ -22,23 +22,23 @@ struct BusMethod {
     const char* member;
 };
 
-/// Why a call has not been answered.
+/// Why a call has failed.
 struct BusFailure {
-    /// False where there is nobody to ask, as on a machine without a desktop.
+    /// False if the service does not exist, as on a computer without a desktop.
     bool hasService;
-    /// Continues a sentence: "the system bus cannot be reached".
+    /// The end of a sentence, such as "the system bus cannot be reached".
     std::string reason;
 };
 
-/// One call of a service over a message bus. Nothing of it ever waits: a timer goes on with it from the
-/// connection to the answer, or until it has taken too long. It has a connection of its own, which lasts as
-/// long as it does; ending it sooner gives the answer to nobody. Main thread.
+/// An asynchronous call of a service over a message bus. It never blocks: a timer drives it from connecting
+/// to the answer or the timeout. Each call has a connection of its own; destroying it cancels the call
+/// without an answer. Main thread.
 class BusCall final {
   public:
-    /// Gets the answer, which is gone afterwards, or why there is none. May end the call.
+    /// Receives the answer, valid during the call, or the failure. May destroy the `BusCall`.
     using OnAnswer = std::function<void(const Result<sd_bus_message*, BusFailure>&)>;
 
-    /// Begins the call; `types` and `arguments` are those of sd_bus_message_append. `answer` is called once,
+    /// Starts the call; `types` and `arguments` are those of sd_bus_message_append. `answer` is called once,
     /// later.
     template <class... Arguments>
     BusCall(
@@ -73,9 +73,9 @@ class BusCall final {
     const BusMethod method;
     OnAnswer onAnswer;
     std::unique_ptr<sd_bus, CloseConnection> connection;
-    /// Null until it has come.
+    /// Null until the answer arrives.
     std::unique_ptr<sd_bus_message, DropMessage> reply;
-    /// What the last step gave: a negative errno where it failed.
+    /// The result of the last step: a negative errno value if it failed.
     int status = 0;
     int stepsLeft;
     /// Null once the call has been answered.

@@ -9,14 +9,14 @@
 
 namespace orvane::platform::desktop {
 
-/// Ends a use of a message.
+/// Releases a reference to a message.
 struct DropBusMessage {
     void operator()(sd_bus_message* read) const { sd_bus_message_unref(read); }
 };
 using BusMessage = std::unique_ptr<sd_bus_message, DropBusMessage>;
 
-/// A connection whose calls are waited for, within a bound, for threads that cannot go on without the answer.
-/// Used by one thread at a time, never an audio thread.
+/// A connection with blocking calls of bounded duration, for threads that cannot continue without the answer.
+/// One thread at a time, never an audio thread.
 class BusConnection final {
   public:
     /// Connects without waiting for the bus.
@@ -26,7 +26,7 @@ class BusConnection final {
     [[nodiscard]] sd_bus* get() const { return connection.get(); }
 
     /// Calls the method and waits for the answer; `types` and `arguments` are those of sd_bus_message_append.
-    /// Null if the service refuses, is not there or does not answer within `patience`.
+    /// Null if the service refuses, does not exist or does not answer within `patience`.
     template <class... Arguments>
     BusMessage call(
         const BusMethod& method, std::chrono::milliseconds patience, const char* types, Arguments... arguments

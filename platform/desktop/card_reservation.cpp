@@ -22,14 +22,14 @@ constexpr BusMethod requestNameMethod{
     MessageBus::session, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
     "RequestName"};
 
-/// More than the sound servers of desktops have, and as much as JACK servers.
+/// Higher than desktop sound servers, and the same as JACK servers.
 constexpr std::int32_t ownPriority = 10;
 constexpr const char* applicationName = "ORVANE";
 constexpr auto busPatience = 2s;
-/// Who is asked has to close the card first.
+/// The owner must close the card before it answers.
 constexpr auto ownerPatience = 5s;
 
-// Flags and answers of RequestName.
+// Flags and results of RequestName.
 constexpr std::uint32_t allowReplacement = 1;
 constexpr std::uint32_t replaceExisting = 2;
 constexpr std::uint32_t doNotQueue = 4;
@@ -72,13 +72,13 @@ CardReservation::Outcome CardReservation::acquire() {
         MessageBus::session, name.c_str(), path.c_str(), interface, "RequestRelease"};
     if (const auto reply = bus.call(requestRelease, ownerPatience, "i", ownPriority))
         sd_bus_message_read(reply.get(), "b", &isReleased);
-    // An owner that has gone meanwhile need not be replaced.
+    // No need to replace an owner that has gone in the meantime.
     const std::uint32_t flags = isReleased != 0 ? replaceExisting : 0;
     return requestName(allowReplacement | doNotQueue | flags) == isOwner ? Outcome::reserved
                                                                          : Outcome::refused;
 }
 
-/// 0 if there is no bus that answers.
+/// Returns 0 if no bus answers.
 std::uint32_t CardReservation::requestName(std::uint32_t flags) {
     std::uint32_t answer = 0;
     if (const auto reply = bus.call(requestNameMethod, busPatience, "su", name.c_str(), flags))
@@ -88,7 +88,7 @@ std::uint32_t CardReservation::requestName(std::uint32_t flags) {
 
 CardReservations::Lease CardReservation::lease(std::function<void()> onRequest) {
     const std::scoped_lock lock(mutex);
-    if (isAskedFor || isEnding) return nullptr;
+    if (isRequested || isEnding) return nullptr;
     const int id = ++lastLease;
     leases.emplace(id, std::move(onRequest));
     return {&leases, [id, reservation = shared_from_this()](const void*) { reservation->endLease(id); }};
@@ -135,7 +135,7 @@ int CardReservation::answerRequest(sd_bus_message* call) {
 
 void CardReservation::askForLeases() {
     const std::scoped_lock lock(mutex);
-    isAskedFor = true;
+    isRequested = true;
     for (const auto& [id, onRequest] : leases)
         if (onRequest) onRequest();
 }
@@ -175,16 +175,16 @@ void CardReservation::run() {
     sd_bus_close(bus.get());
 }
 
-/// Whether the name is to be given up; no further lease is granted then.
+/// Whether the name must be given up; no further lease is granted then.
 bool CardReservation::isOver() {
     const std::scoped_lock lock(mutex);
     const bool hasBeenUsed = lastLease > 0;
     isEnding =
-        isEnding || (hasBeenUsed && leases.empty() && (isAskedFor || Clock::now() >= idleSince + keepFor));
+        isEnding || (hasBeenUsed && leases.empty() && (isRequested || Clock::now() >= idleSince + keepFor));
     return isEnding;
 }
 
-/// Waits for the bus, the end of a lease, or the end of the time that the name is kept for.
+/// Waits for the bus, the end of a lease, or the time until which the name is kept.
 void CardReservation::wait(bool isConnected) {
     int timeoutMs = -1;
     {

@@ -17,8 +17,8 @@
 
 namespace orvane::platform::desktop {
 
-/// The name of one sound card on the session bus, with a thread that answers those who ask for the card.
-/// Owned by `DeviceReservations` and its leases. Any thread but an audio thread.
+/// Holds the name of one sound card on the session bus, with a thread that answers requests for the card.
+/// Owned by `DeviceReservations` and its leases. Any thread except audio threads.
 class CardReservation final : public std::enable_shared_from_this<CardReservation> {
   public:
     enum class Outcome { reserved, refused, noBus };
@@ -31,7 +31,7 @@ class CardReservation final : public std::enable_shared_from_this<CardReservatio
 
     [[nodiscard]] Outcome outcome() const { return result; }
 
-    /// One more use of the card; null if the name has been given up, or is about to be.
+    /// Another use of the card; null if the name has been given up or is about to be.
     CardReservations::Lease lease(std::function<void()> onRequest);
 
   private:
@@ -65,10 +65,10 @@ class CardReservation final : public std::enable_shared_from_this<CardReservatio
     std::map<int, std::function<void()>> leases;
     int lastLease = 0;
     Clock::time_point idleSince = Clock::now();
-    /// Whether the card is to be given up.
-    bool isAskedFor = false;
+    /// Whether another program has requested the card.
+    bool isRequested = false;
     bool isEnding = false;
-    /// Of who waits for the card.
+    /// The pending request of another program.
     BusMessage request;
     std::thread thread;
 };

@@ -18,7 +18,7 @@ constexpr int twoHints = 2;
 constexpr int critical = 2;
 constexpr int untilTheDesktopThinksFit = -1;
 
-/// Plain text as the body of a notification, which may be markup.
+/// Escapes plain text for the body of a notification, which may be markup.
 std::string escaped(std::string_view text) {
     std::string markup;
     for (const char character : text)

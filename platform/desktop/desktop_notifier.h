@@ -11,23 +11,23 @@ namespace orvane::platform::desktop {
 
 class BusCall;
 
-/// Tells the operator through the desktop what cannot wait until the program's window is looked at. Never
-/// waits for the desktop. Main thread.
+/// Shows desktop notifications to the operator, for what cannot wait until the program's window is looked at.
+/// Never blocks. Main thread.
 class DesktopNotifier final {
   public:
-    /// Both outlive it.
+    /// Both arguments must outlive the notifier.
     DesktopNotifier(MainThread& thread, SystemLog& systemLog);
     ~DesktopNotifier();
     DesktopNotifier(const DesktopNotifier&) = delete;
     DesktopNotifier& operator=(const DesktopNotifier&) = delete;
 
-    /// Shows a critical notification of plain text; the log says why where that is not possible.
+    /// Shows a critical notification of plain text; logs the reason if that fails.
     void show(const std::string& title, std::string_view text);
 
   private:
     MainThread& mainThread;
     SystemLog& log;
-    /// The last one: some desktops withdraw a notification once its sender has left the bus.
+    /// Kept: some desktops withdraw a notification when its sender leaves the bus.
     std::unique_ptr<BusCall> last;
 };
 

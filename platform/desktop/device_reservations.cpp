@@ -15,7 +15,7 @@ CardReservations::Lease DeviceReservations::reserve(int card, std::function<void
     std::shared_ptr<CardReservation>& held = reservations[card];
     if (held)
         if (auto lease = held->lease(onRequest)) return lease;
-    // Before the next, so that there are never two.
+    // Destroys the old one first: two must never coexist.
     held.reset();
     held = std::make_shared<CardReservation>(card, keepFor);
     switch (held->outcome()) {

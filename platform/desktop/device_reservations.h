@@ -12,11 +12,11 @@ namespace orvane::platform::desktop {
 class CardReservation;
 
 /// Reserves sound cards over the session bus, by names such as org.freedesktop.ReserveDevice1.Audio0, as
-/// sound servers do. Without a bus, cards count as reserved. Any thread but an audio thread.
+/// sound servers do. Without a bus, cards count as reserved. Any thread except audio threads.
 class DeviceReservations final : public CardReservations {
   public:
-    /// A name is kept for `afterwards` once its last lease is gone, so that no sound server opens the card
-    /// while a device is described, set up and opened one after the other, or restarted.
+    /// A name is kept for `afterwards` after its last lease, so that no sound server opens the card between
+    /// the steps of describing, setting up, opening or restarting a device.
     explicit DeviceReservations(std::chrono::milliseconds afterwards = std::chrono::seconds(2));
     ~DeviceReservations() override;
     DeviceReservations(const DeviceReservations&) = delete;

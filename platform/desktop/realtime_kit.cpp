@@ -25,7 +25,7 @@ constexpr BusMethod makeRealtime{MessageBus::system, service, path, service, "Ma
 /// The service may have to be started first.
 constexpr auto patience = 1s;
 
-/// A property of the service; 0 if it cannot be read.
+/// Reads a property of the service; 0 if that fails.
 template <class Number>
 Number property(BusConnection& bus, const char* name, const char* type) {
     Number value = 0;
@@ -38,12 +38,12 @@ int highestPriority(BusConnection& bus) {
     return std::max(property<std::int32_t>(bus, "MaxRealtimePriority", "i"), std::int32_t{0});
 }
 
-/// The soft limit that is in force, in microseconds, for the handler.
+/// The current soft limit in microseconds, for the signal handler.
 std::atomic<rlim_t> computingTime = 0;
 static_assert(std::atomic<rlim_t>::is_always_lock_free);
 
-/// Runs on the thread that has computed for too long. The kernel has raised the limit, which the next one is
-/// to have as well.
+/// Runs on the thread that has computed for too long. The kernel has raised the limit; the next one must
+/// follow it.
 void giveUpPriority(int /*signal*/) {
     const int error = errno;
     const sched_param ordinary{};
@@ -56,8 +56,8 @@ void giveUpPriority(int /*signal*/) {
     errno = error;
 }
 
-/// Bounds the computing time of real-time threads as the service demands, with a warning before the bound,
-/// which the kernel enforces by ending the program.
+/// Bounds the computing time of real-time threads as the service demands: a signal warns before the hard
+/// limit, at which the kernel ends the program.
 bool boundComputingTime(std::int64_t most) {
     rlimit limit{};
     if (most <= 0 || getrlimit(RLIMIT_RTTIME, &limit) != 0) return false;

@@ -4,10 +4,10 @@
 
 namespace orvane::platform::desktop {
 
-/// Real-time priority from RealtimeKit, the service that gives it to the programs of a desktop's user. It
-/// demands a bound on the time that a real-time thread may compute without a pause: a thread that goes beyond
-/// loses its priority, and the program goes on. Any thread but an audio thread; waits for the service for
-/// three seconds at most.
+/// Gets real-time priority from RealtimeKit, a service for the programs of a desktop's user. The service
+/// demands a limit on how long a real-time thread computes without a pause: a thread that exceeds it loses
+/// its priority, and the program continues. Any thread except audio threads; waits for the service for at
+/// most three seconds.
 class RealtimeKit final : public PriorityLender {
   public:
     int lend(pid_t thread) override;

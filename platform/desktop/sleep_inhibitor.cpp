@@ -14,13 +14,13 @@ constexpr BusMethod inhibit{
     MessageBus::system, "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
     "Inhibit"};
 
-/// What the answer holds, which the answer closes, as one that stays open.
+/// Duplicates the lock's descriptor, because the answer closes its own.
 Result<FileDescriptor, BusFailure> lockIn(const Result<sd_bus_message*, BusFailure>& answer) {
     if (!answer) return answer.error();
     int lent = -1;
     if (sd_bus_message_read(answer.value(), "h", &lent) >= 0)
         if (FileDescriptor lock(::fcntl(lent, F_DUPFD_CLOEXEC, 0)); lock.isOpen()) return lock;
-    return BusFailure{true, "the login manager's answer has no lock"};
+    return BusFailure{true, "the login manager's answer contains no lock"};
 }
 
 } // namespace
@@ -45,7 +45,7 @@ void SleepInhibitor::ask() {
         if (taken)
             lock.emplace(std::move(taken).value());
         else if (!std::exchange(hasComplained, true))
-            // A machine without a login manager has nobody who would put it to sleep.
+            // A computer without a login manager does not go to sleep on its own.
             log.post(
                 taken.error().hasService ? LogLevel::error : LogLevel::standard, "Desktop",
                 {"The machine may go to sleep while the mixer runs, because ", taken.error().reason, "."}

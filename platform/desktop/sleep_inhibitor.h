@@ -11,18 +11,18 @@ namespace orvane::platform::desktop {
 
 class BusCall;
 
-/// Keeps the machine from going to sleep, by itself or at a menu's word, as long as that is wanted: holds a
-/// lock of the login manager. Never waits for it. Main thread.
+/// Keeps the computer from going to sleep, automatically or on request, by holding a lock of the login
+/// manager. Never blocks. Main thread.
 class SleepInhibitor final {
   public:
-    /// Where sleep cannot be inhibited, the log says so once. Both outlive it.
+    /// If sleep cannot be inhibited, the log reports it once. Both arguments must outlive the inhibitor.
     SleepInhibitor(MainThread& thread, SystemLog& systemLog);
-    /// Ends the lock.
+    /// Releases the lock.
     ~SleepInhibitor();
     SleepInhibitor(const SleepInhibitor&) = delete;
     SleepInhibitor& operator=(const SleepInhibitor&) = delete;
 
-    /// Asks for the lock, unless it is held or asked for already, or ends it.
+    /// Requests the lock, unless it is held or requested already, or releases it.
     void setHeld(bool isWanted);
 
   private:
@@ -30,9 +30,9 @@ class SleepInhibitor final {
 
     MainThread& mainThread;
     SystemLog& log;
-    /// While the lock is asked for.
+    /// Exists while the lock is being requested.
     std::unique_ptr<BusCall> request;
-    /// It lasts as long as this is open.
+    /// The lock is held as long as this is open.
     std::optional<FileDescriptor> lock;
     bool hasComplained = false;
 };
