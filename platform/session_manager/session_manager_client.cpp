@@ -24,9 +24,9 @@ constexpr const char* openPath = "/nsm/client/open";
 constexpr const char* savePath = "/nsm/client/save";
 constexpr int protocolMajor = 1;
 constexpr int protocolMinor = 2;
-/// More than a manager sends at once, and few enough that nobody can hold up the main thread.
+/// More than a manager sends at once, and few enough to keep the main thread responsive.
 constexpr int mostMessagesAPoll = 16;
-/// The one transport that managers use.
+/// The only transport that managers use.
 constexpr std::string_view urlBeginning = "osc.udp://";
 
 struct FreeAddress {
@@ -38,11 +38,11 @@ struct FreeServer {
 using Address = std::unique_ptr<std::remove_pointer_t<lo_address>, FreeAddress>;
 using Server = std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer>;
 
-/// What liblo would print is told by the answers that do not come.
-void keepQuiet(int /*number*/, const char* /*message*/, const char* /*path*/) {}
+/// Suppresses liblo's output: missing answers report the same failures.
+void suppressOutput(int /*number*/, const char* /*message*/, const char* /*path*/) {}
 
-/// Where the kernel takes messages from for a manager at `host`: a manager anywhere on loopback answers from
-/// its first address.
+/// The source address of messages from a manager at `host`: a manager anywhere on loopback answers from its
+/// first address.
 std::optional<sockaddr_storage> peerAddress(const char* host, const char* port, int family) {
     addrinfo wanted{};
     wanted.ai_family = family;
@@ -59,9 +59,9 @@ std::optional<sockaddr_storage> peerAddress(const char* host, const char* port, 
     return peer;
 }
 
-/// Makes the port take nothing from any other address than the manager's, and stand on loopback if the
-/// manager does; false if that address is not known.
-bool hearOnly(lo_address manager, int port) {
+/// Connects the port to the manager's address, so that it receives from no other, and binds it to loopback if
+/// the manager is there. Returns false if that address is unknown.
+bool receiveOnlyFrom(lo_address manager, int port) {
     sockaddr_storage own{};
     socklen_t size = sizeof own;
     if (::getsockname(port, reinterpret_cast<sockaddr*>(&own), &size) != 0) return false;
@@ -70,14 +70,14 @@ bool hearOnly(lo_address manager, int port) {
     return peer && ::connect(port, reinterpret_cast<const sockaddr*>(&*peer), size) == 0;
 }
 
-/// Of a string. Arguments stand at multiples of four bytes, which is less than the union asks for.
+/// The text of a string argument. Arguments are aligned to four bytes, which is less than the union requires.
 const char* text(const lo_arg* argument) {
     return reinterpret_cast<const char*>(argument);
 }
 
 } // namespace
 
-/// The OSC port and what has been agreed on; methods stay at the place that liblo knows.
+/// The OSC port and the state of the protocol. Not movable: liblo keeps pointers to it.
 class SessionManagerClient::Connection final {
   public:
     Connection(Address address, Server port) : manager(std::move(address)), server(std::move(port)) {
@@ -94,7 +94,7 @@ class SessionManagerClient::Connection final {
         );
     }
 
-    /// Serves messages until there is a session or a refusal, or the time is over.
+    /// Serves messages until a session is opened or refused, or the time is over.
     void waitForOpen(const ManagerPatience& patience) {
         const auto isDecided = [this] { return session || refusal; };
         serveUntil([&] { return isAnnounced || isDecided(); }, patience.answer);
@@ -193,13 +193,13 @@ class SessionManagerClient::Connection final {
 Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
     const std::string& url, const std::string& executable, const ManagerPatience& patience
 ) {
-    // liblo would print what it does not understand.
+    // liblo would print a complaint about any other address.
     Address manager(url.starts_with(urlBeginning) ? lo_address_new_from_url(url.c_str()) : nullptr);
     if (!manager) return Error{fmt::format("NSM_URL \"{}\" is not the address of a session manager.", url)};
-    Server server(lo_server_new_with_proto(nullptr, LO_UDP, keepQuiet));
-    if (!server) return Error{"There is no network port on which to hear the session manager."};
-    if (!hearOnly(manager.get(), lo_server_get_socket_fd(server.get())))
-        return Error{fmt::format("The host of the session manager at {} is not known.", url)};
+    Server server(lo_server_new_with_proto(nullptr, LO_UDP, suppressOutput));
+    if (!server) return Error{"No network port is available for the session manager."};
+    if (!receiveOnlyFrom(manager.get(), lo_server_get_socket_fd(server.get())))
+        return Error{fmt::format("The host of the session manager at {} is unknown.", url)};
     auto connection = std::make_unique<Connection>(std::move(manager), std::move(server));
     connection->announce(executable);
     connection->waitForOpen(patience);
@@ -208,7 +208,7 @@ Result<std::unique_ptr<SessionManagerClient>> SessionManagerClient::connect(
     if (!connection->session)
         return Error{fmt::format(
             "The session manager at {} {}.", url,
-            connection->isAnnounced ? "has not said what to open" : "does not answer"
+            connection->isAnnounced ? "has not asked to open a session" : "does not answer"
         )};
     return std::unique_ptr<SessionManagerClient>(new SessionManagerClient(std::move(connection)));
 }

@@ -10,34 +10,34 @@
 
 namespace orvane::platform::session_manager {
 
-/// What a session manager asks a program to open.
+/// A request of a session manager to open a session.
 struct SessionPlace {
-    /// The session's place in the manager's folder, to which the program adds its suffix.
+    /// The session's path in the manager's folder, to which the program adds its suffix.
     std::filesystem::path path;
-    /// The name that the program's audio clients are to have.
+    /// The name for the program's audio clients.
     std::string clientID;
 };
 
-/// Why a program does not do what the manager asks, as the protocol numbers it.
+/// Why the program rejects a request; the numbers are the protocol's.
 enum class ManagerRefusal : int { general = -1, noSessionOpen = -6, notNow = -8, badSession = -9 };
 
-/// How long a session manager is waited for.
+/// How long to wait for a session manager.
 struct ManagerPatience {
-    /// For its answer to the announcement, which managers give at once.
+    /// For the answer to the announcement, which managers send at once.
     std::chrono::milliseconds answer;
-    /// For what is to be opened, from the answer on; it may be starting a whole show.
+    /// For the request to open, counted from that answer; the manager may be starting a whole show.
     std::chrono::milliseconds open;
 };
 
-/// The program's side of the NSM protocol, which session managers speak to open, save and close the programs
-/// of a show together. Messages of other addresses than the manager's are dropped, and a manager on this
-/// machine's loopback is heard there only. Made by the composition root before any audio client. Main thread;
-/// only `connect` waits.
+/// The program's side of the NSM protocol, by which session managers open, save and close the programs of a
+/// show together. Messages from other addresses than the manager's are dropped; if the manager is on
+/// loopback, the port is bound there. Made by the composition root before any audio client. Main thread; only
+/// `connect` blocks.
 class SessionManagerClient final {
   public:
-    /// Announces the program to the manager at `url` (NSM_URL's value), under the name it was called by, and
-    /// waits until it is told what to open. Fails where the manager refuses, does not answer or says nothing
-    /// to open within `patience`.
+    /// Announces the program to the manager at `url` (the value of NSM_URL), with its executable's name, and
+    /// waits for the request to open. Fails if the manager refuses, does not answer or sends no such request
+    /// within `patience`.
     static Result<std::unique_ptr<SessionManagerClient>>
     connect(const std::string& url, const std::string& executable, const ManagerPatience& patience);
 
@@ -45,23 +45,23 @@ class SessionManagerClient final {
     SessionManagerClient(const SessionManagerClient&) = delete;
     SessionManagerClient& operator=(const SessionManagerClient&) = delete;
 
-    /// What is to be opened.
+    /// The session to open.
     [[nodiscard]] const SessionPlace& session() const;
 
     /// Answers that the session is open.
     void confirmOpen();
-    /// Answers that the session cannot be opened; requests to save are refused from then on.
+    /// Answers that the session cannot be opened; later requests to save are refused.
     void refuseOpen(ManagerRefusal why, const std::string& sentence);
 
-    /// Called when the manager asks to save the session that is open; `answerSave` is owed then.
+    /// Sets the handler for requests to save the open session; each requires an `answerSave`.
     void setOnSave(std::function<void()> save);
-    /// Answers the request to save, once the session is in its file or could not be written.
+    /// Answers the request to save, after the session was written or failed to be.
     void answerSave(const Result<Done>& saved);
 
-    /// Tells the manager whether there are changes to save, where that is not what it knows already.
+    /// Reports to the manager whether there are unsaved changes, if that has changed.
     void setDirty(bool isDirty);
 
-    /// Serves what the manager has sent meanwhile; never waits.
+    /// Processes pending messages of the manager; never blocks.
     void poll();
 
   private:

@@ -152,7 +152,7 @@ TEST(SessionManagerClient, TellsWhyItHasNoManager) {
     SessionManagerPeer idle;
     Connecting idling(idle.url(), {.answer = 60s, .open = 1ms});
     ASSERT_TRUE(idle.welcomes());
-    EXPECT_THAT(idling.failure(), HasSubstr("has not said what to open"));
+    EXPECT_THAT(idling.failure(), HasSubstr("has not asked to open a session"));
 
     const SessionManagerPeer silent;
     for (const auto& [url, says] :
