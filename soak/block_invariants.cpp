@@ -14,19 +14,19 @@ namespace orvane::soak {
 
 namespace {
 
-// The automix of the mixer.
+// The mixer's automix parameters.
 constexpr double gainFloorDB = -26.0;
 constexpr double gainAttackSeconds = 0.015;
 constexpr double lowestMasterGainDB = -24.0;
 constexpr double highestMasterGainDB = 20.0;
 
-/// How much the order of a sum may change it, relative to the sum of what is in it.
+/// The relative error that the order of a summation may cause.
 constexpr double rounding = 1e-9;
 constexpr double singleRounding = 1e-6;
-/// Numbers below this may have been flushed to 0.
+/// Smaller numbers may have been flushed to 0.
 constexpr double negligible = 1e-36;
 
-/// Beyond these a show cannot be kept in the range of numbers.
+/// Beyond these a show may exceed the range of numbers.
 constexpr double largestSaneFactor = 1e6;
 constexpr double largestSaneDB = 120.0;
 
@@ -77,7 +77,7 @@ void BlockInvariants::heard(const StageDevice& device, Outputs outputs) {
     ++blockCount;
     const std::size_t frameCount =
         device.voices->lastBlocks().empty() ? outputs.front().size() : device.voices->lastBlocks()[0].size();
-    // A cycle that is longer than the device was set up for is not rendered.
+    // Cycles longer than the device was set up for are not rendered.
     if (automix.channelOutputs().frameCount() != frameCount) return;
     ++run->blocks;
     checkGains(automix);
@@ -88,19 +88,21 @@ void BlockInvariants::heard(const StageDevice& device, Outputs outputs) {
 
 void BlockInvariants::checkFinite(const StageDevice& device, Outputs outputs) {
     for (std::size_t output = 0; output < outputs.size(); ++output) {
-        // Anything that is not finite leaves no sum finite.
+        // A value that is not finite makes the sum not finite.
         const float sum = std::transform_reduce(
             outputs[output].begin(), outputs[output].end(), 0.0F, std::plus<>(),
             [](float x) { return x * 0.0F; }
         );
-        fault.require(sum == 0.0F, "Output {} of {} plays what is no number", output + 1, device.uid);
+        fault.require(
+            sum == 0.0F, "Output {} of {} plays samples that are not finite", output + 1, device.uid
+        );
     }
 }
 
 void BlockInvariants::checkGains(const dsp::AutomixProcessor& automix) {
     const double floor = dsp::dbToLinear(gainFloorDB);
     run->lowestGain += (1.0 - run->attackCoef) * (std::max(floor, run->lowestGain) - run->lowestGain);
-    // The largest that a share over the sum of all squared shares can be.
+    // The maximum of a share divided by the sum of all squared shares.
     const double highest = (1.0 + std::sqrt(static_cast<double>(automix.channelCount()))) / 2.0;
     const std::span<const double> gains = automix.currentGains();
     for (std::size_t i = 0; i < gains.size(); ++i)
@@ -184,14 +186,14 @@ void BlockInvariants::checkSums(const dsp::AutomixProcessor& automix, Outputs ou
         "The master bus is at {}, but the leveled sum of the strips at {}", automix.currentMasterLevel(),
         level
     );
-    // More than the rings hold is cut off.
+    // The rings drop what exceeds their capacity.
     const std::size_t played = std::min(frameCount, 8 * run->bufferSize);
     for (std::size_t output = 0; output < outputs.size() && !fault.first(); ++output)
         for (std::size_t at = 0; at < played; ++at) {
             const double sample = static_cast<double>(outputs[output][at]);
             if (isClose(sample, sums[output][at], weights[output] * singleRounding)) continue;
             fault.require(
-                false, "Output {} plays {} at frame {} of {}, not {}, which is the sum of what is sent to it",
+                false, "Output {} plays {} at frame {} of {}, not {}, the sum of the signals routed to it",
                 output + 1, sample, at, frameCount, sums[output][at]
             );
             break;
@@ -203,7 +205,7 @@ void BlockInvariants::checkMeters() {
     const double load = meters.cpuLoad.get();
     fault.require(load >= 0.0 && load <= 1.0, "The load is {}", load);
     if (!run) {
-        fault.require(load == 0.0, "The load is {}, though nothing runs", load);
+        fault.require(load == 0.0, "The load is {} while the mixer is stopped", load);
         return;
     }
     if (run->blocks == 0) return;
@@ -216,15 +218,15 @@ void BlockInvariants::checkMeters() {
         const double shown = meters.channelGainReductionDB.get()[i];
         const double expected = std::max(0.0, -dsp::linearToDB(automix.currentGains()[i]));
         fault.require(
-            isClose(shown, expected, rounding), "Strip {} is shown {} dB down and is {} dB down", i + 1,
-            shown, expected
+            isClose(shown, expected, rounding), "Strip {} is shown reduced by {} dB, but is reduced by {} dB",
+            i + 1, shown, expected
         );
     }
     if (!isSane()) return;
     fault.require(
         std::ranges::equal(meters.channelMeters.get(), automix.currentOutputLevels())
             && meters.masterMeter.get() == automix.currentMasterLevel(),
-        "The meters show other levels than the automix has measured"
+        "The meters show levels other than those measured"
     );
     for (const double level : meters.channelMeters.get())
         fault.require(std::isfinite(level) && level >= 0.0, "A meter shows {}", level);

@@ -13,34 +13,34 @@
 
 namespace orvane::soak {
 
-/// Watches a stepped stage for what must hold of every block whatever is done: of the automix gains, the
-/// leveler's gain, what each output plays, and of the meters. Main thread, on which the stage is stepped too.
+/// Checks the invariants of every block of a stepped stage: the automix gains, the leveler's gain, each
+/// output's signal and the meters. Main thread, which also steps the stage.
 class BlockInvariants final {
   public:
-    /// `fullCheckInterval`: every that many blocks each sample of each channel is compared with what it is
-    /// made of, which takes about as long as the block. What it is given outlives it.
+    /// Every `fullCheckInterval` blocks, each sample of each channel is recomputed, which takes about as long
+    /// as rendering the block. The arguments must outlive this object.
     BlockInvariants(Stage& watched, Fault& found, std::size_t fullCheckInterval);
     ~BlockInvariants();
     BlockInvariants(const BlockInvariants&) = delete;
     BlockInvariants& operator=(const BlockInvariants&) = delete;
 
-    /// To be called after a tick of the meters that no block has followed.
+    /// Must be called after a tick of the meters with no block after it.
     void checkMeters();
 
-    /// How many blocks of main devices were seen.
+    /// The number of main device blocks seen.
     [[nodiscard]] std::uint64_t blocks() const { return blockCount; }
 
   private:
     using Outputs = std::span<const std::span<const float>>;
 
-    /// What a run was started with.
+    /// The settings at the start of a run.
     struct Run {
         audio::AudioDeviceInfo device;
         bool hasMasterDevice = false;
         std::size_t bufferSize = 0;
-        /// The lowest that a gain can be by now: gains start below the floor and rise to it.
+        /// The lowest possible gain at this time: gains start below the floor and rise to it.
         double lowestGain = 0.0;
-        /// One step of a rising gain.
+        /// The coefficient of a rising gain.
         double attackCoef = 0.0;
         std::uint64_t blocks = 0;
     };

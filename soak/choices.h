@@ -8,28 +8,28 @@
 
 namespace orvane::soak {
 
-/// Where random decisions come from: a generator that its seed makes repeat itself, or bytes that somebody
-/// hands in, all decisions being the first ones once they are used up. One thread.
+/// A source of random decisions: a seeded generator, or given bytes (as from a fuzzer), after which every
+/// decision is the first option. One thread.
 class Choices final {
   public:
     explicit Choices(std::uint64_t seed) : generator(seed) {}
     explicit Choices(std::span<const std::uint8_t> bytes) : rest(bytes) {}
 
-    /// Whether bytes were handed in and are used up.
+    /// Whether the given bytes are used up.
     [[nodiscard]] bool areOver() const { return !generator && rest.empty(); }
 
-    /// A number below `count`, which is 1 to 65536.
+    /// Returns a number below `count`, which must be 1 to 65536.
     std::size_t below(std::size_t count) { return (count <= 256 ? byte() : twoBytes()) % count; }
 
-    /// True once in `times` on average, 1 to 65536; never once the bytes are used up.
+    /// Returns true once in `times` on average (1 to 65536); false when the bytes are used up.
     bool oneIn(std::size_t times) { return below(times) == times - 1 && !areOver(); }
 
-    /// A number from `low` to `high`, both included.
+    /// Returns a number from `low` to `high`, both included.
     double between(double low, double high) {
         return low + (high - low) * static_cast<double>(twoBytes()) / 65535.0;
     }
 
-    /// An item of a list that is not empty.
+    /// Returns an item of a list, which must not be empty.
     template <class List>
     auto& of(List& list) {
         return list[below(std::size(list))];

@@ -7,10 +7,10 @@
 
 namespace orvane::soak {
 
-/// The first thing that did not hold; what comes after it may only follow from it. One thread.
+/// Keeps the first violated condition; later ones may only be its consequences. One thread.
 class Fault final {
   public:
-    /// Keeps the sentence, formatted with the values, where `holds` is false and nothing has failed before.
+    /// Keeps the formatted sentence if `holds` is false and it is the first failure.
     template <class... Values>
     void require(bool holds, fmt::format_string<const Values&...> sentence, const Values&... values) {
         if (!holds && !sentenceOfFirst) sentenceOfFirst = fmt::format(sentence, values...) + ".";

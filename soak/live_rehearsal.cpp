@@ -8,15 +8,15 @@ namespace orvane::soak {
 
 namespace {
 
-/// How often what is posted to the main thread is looked for.
+/// The interval at which the main thread's tasks run.
 constexpr std::chrono::milliseconds housekeepingInterval{5};
-/// The automix turns nobody down further than by 26 dB; this much is left to rounding.
+/// The automix reduces a channel by at most 26 dB, plus rounding.
 constexpr double mostReductionDB = 26.0 + 1e-6;
-/// Gains begin below the floor that they rise to.
+/// Gains start below the floor and rise to it.
 constexpr std::uint64_t blocksUntilSettled = 10'000;
 
 bool isFinite(std::span<const float> samples) noexcept {
-    // Zero times anything that is not finite is not zero.
+    // Zero times a value that is not finite is not zero.
     float sum = 0.0F;
     for (const float sample : samples)
         sum += sample * 0.0F;
@@ -65,10 +65,10 @@ void LiveRehearsal::clearDesk() {
 
 void LiveRehearsal::check() {
     firstFault.require(
-        stage.engine.state().isRunning.get(), "It has stopped by itself: {}",
+        stage.engine.state().isRunning.get(), "The mixer has stopped by itself: {}",
         stage.engine.state().lastError.get().value_or("")
     );
-    firstFault.require(badBlocks == 0, "{} blocks held what is no number", badBlocks.load());
+    firstFault.require(badBlocks == 0, "{} blocks held samples that are not finite", badBlocks.load());
     const audio::MeterModel& meters = stage.engine.meterModel();
     const double load = meters.cpuLoad.get();
     firstFault.require(load >= 0.0 && load <= 1.0, "The load is {}", load);
@@ -76,12 +76,12 @@ void LiveRehearsal::check() {
     firstFault.require(
         std::ranges::all_of(meters.channelMeters.get(), isLevel) && isLevel(meters.masterMeter.get())
             && isLevel(meters.pinkNoiseLevel.get()),
-        "A meter shows what is no level"
+        "A meter shows an invalid level"
     );
     if (blocks() < blocksUntilSettled) return;
     for (const double reduction : meters.channelGainReductionDB.get())
         firstFault.require(
-            reduction >= 0.0 && reduction <= mostReductionDB, "A strip is shown {} dB down", reduction
+            reduction >= 0.0 && reduction <= mostReductionDB, "A strip is shown reduced by {} dB", reduction
         );
 }
 

@@ -15,23 +15,22 @@
 
 namespace orvane::soak {
 
-/// A show in real time: a mixer that runs on a device of its own clock, with somebody careful at it. Main
-/// thread.
+/// A show in real time: a mixer on a device with its own clock, and a careful operator. Main thread.
 class LiveRehearsal final {
   public:
-    /// `decisions` outlive it. `stage`: of live pacing.
+    /// `decisions` must outlive it. `shape` must ask for live pacing.
     LiveRehearsal(const Stage::Shape& shape, Choices& decisions);
     ~LiveRehearsal();
     LiveRehearsal(const LiveRehearsal&) = delete;
     LiveRehearsal& operator=(const LiveRehearsal&) = delete;
 
-    /// Does one operation and works on until up to `longestPause` have passed.
+    /// Performs one operation and serves the main loop for up to `longestPause`.
     void step(std::chrono::nanoseconds longestPause);
 
-    /// Empties all lists and slots while the audio goes on.
+    /// Empties all lists and slots while audio continues.
     void clearDesk();
 
-    /// What did not hold first, absent while all does.
+    /// The first violated condition; absent if there is none.
     [[nodiscard]] const std::optional<std::string>& fault() const { return firstFault.first(); }
 
     [[nodiscard]] std::size_t operations() const { return person.operations(); }
@@ -49,7 +48,7 @@ class LiveRehearsal final {
     Fault firstFault;
     PublishedInvariants publishedInvariants{stage.engine, firstFault};
     RandomOperator person{stage, choices, RandomOperator::Manner::careful};
-    /// Of the I/O thread.
+    /// Used on the I/O thread.
     std::atomic<std::uint64_t> blockCount = 0;
     std::atomic<std::uint64_t> badBlocks = 0;
     std::string_view last;

@@ -13,13 +13,13 @@ platform::virtual_devices::VirtualDeviceControl someDevice(const Hands& h) {
     return *h.stage.driver->control(h.choices.of(h.stage.devices).uid);
 }
 
-/// A device that was listed at some time, there or not.
+/// A device that was listed at some time; it may be gone.
 std::optional<audio::AudioDeviceInfo> someListedDevice(const Hands& h) {
     const auto& listed = h.state().availableDevices.get();
     return listed.empty() ? std::nullopt : std::optional(h.choices.of(listed));
 }
 
-/// Large ones more often: small ones cost the most.
+/// Prefers large sizes: small ones take longest to simulate.
 std::int64_t someBufferSize(const Hands& h) {
     std::size_t chosen = 0;
     for (int i = 0; i < 3; ++i)
@@ -36,7 +36,7 @@ void plugAndUnplug(Hands& h) {
     h.engine().refreshDevices();
 }
 
-/// Another program takes a device for a while, in which somebody may want it.
+/// Another program takes a device for a while.
 void occupy(Hands& h) {
     platform::virtual_devices::VirtualDeviceControl device = someDevice(h);
     device.occupy();
@@ -72,13 +72,13 @@ constexpr Operation operations[] = {
     {"change a device's buffer size", 1, true,
      [](Hands& h) { someDevice(h).changeBufferSize(static_cast<std::uint32_t>(someBufferSize(h))); }},
     {"let a device misbehave", 1, true, misbehave},
-    {"make trouble with the inputs", 3, false,
+    {"disturb the inputs", 3, false,
      [](Hands& h) {
          using enum Voices::Trouble;
          constexpr Voices::Trouble troubles[] = {none, none, none, silence, overload, denormal, notNumbers};
          h.choices.of(h.stage.devices).voices->set(h.choices.of(troubles));
      }},
-    {"end all trouble", 3, false,
+    {"end all disturbances", 3, false,
      [](Hands& h) {
          for (const StageDevice& device : h.stage.devices)
              device.voices->set(Voices::Trouble::none);

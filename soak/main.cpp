@@ -28,15 +28,15 @@ struct Options {
 };
 
 constexpr auto longestShow = std::chrono::nanoseconds(1h);
-/// How long until everything is emptied, after which no more memory may be in use than the last time.
+/// The interval at which everything is emptied; memory use must then be no higher than the last time.
 constexpr auto clearingInterval = std::chrono::nanoseconds(3min);
 /// Between two operations.
 constexpr auto longestPause = std::chrono::nanoseconds(500ms);
 constexpr std::size_t fullCheckInterval = 8;
-/// What is left of shows that are over may be this much after the last of them, beyond the first.
+/// How far the memory use after the last show may exceed that after the first.
 constexpr std::size_t leftOverNoise = std::size_t{4} << 20U;
 
-/// The numbers of strips that are offered, one after the other from seed to seed.
+/// The strip counts used for consecutive seeds.
 constexpr std::array<std::size_t, 8> stripCounts = {48, 8, 24, 2, 32, 12, 16, 4};
 
 std::size_t stripsOf(std::uint32_t seed) {
@@ -52,7 +52,7 @@ void print(const std::string& line) {
     std::fflush(stdout);
 }
 
-/// One show of a length; whether all that must hold did.
+/// Runs one show; returns whether all conditions held.
 bool rehearse(std::uint32_t seed, std::chrono::nanoseconds length) {
     const Clock::time_point start = Clock::now();
     soak::Choices choices{std::uint64_t{seed}};
@@ -67,8 +67,9 @@ bool rehearse(std::uint32_t seed, std::chrono::nanoseconds length) {
     }
     const double hours = Hours(show.time()).count();
     print(fmt::format(
-        "seed {}, {} strips: {:.2f} h, {} operations, {} blocks in {:.1f} s, {:.1f} MiB at first, {:.1f} MiB "
-        "at last",
+        "seed {}, {} strips: {:.2f} h, {} operations, {} blocks in {:.1f} s, {:.1f} MiB at the start, {:.1f} "
+        "MiB "
+        "at the end",
         seed, stripsOf(seed), hours, show.operations(), show.blocks(), Seconds(Clock::now() - start).count(),
         mebibytes(memory.first()), mebibytes(memory.last())
     ));
@@ -100,12 +101,12 @@ bool rehearseAll(const Options& options) {
         if (leftOver == 0) leftOver = now;
         if (now <= leftOver + leftOverNoise) continue;
         print(fmt::format(
-            "FAILED: {:.1f} MiB are left after the show of seed {}, {:.1f} MiB after the first.",
+            "FAILED: {:.1f} MiB in use after the show of seed {}, {:.1f} MiB after the first.",
             mebibytes(now), seed, mebibytes(leftOver)
         ));
         return false;
     }
-    print(fmt::format("{:.2f} h of shows, all that must hold held.", options.hours));
+    print(fmt::format("{:.2f} h of shows: all conditions held.", options.hours));
     return true;
 }
 
@@ -150,7 +151,7 @@ bool rehearseLive(const Options& options) {
         print(fmt::format("FAILED: memory grows, by {:.1f} MiB.", mebibytes(*growth)));
         return false;
     }
-    print("All that must hold held.");
+    print("All conditions held.");
     return true;
 }
 
@@ -158,24 +159,25 @@ bool rehearseLive(const Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App program(
-        "Random shows on the mixer, in which everything that must hold is checked", "orvane-soak"
-    );
+    CLI::App program("Runs random shows on the mixer and checks its invariants", "orvane-soak");
     program.footer(
-        "Shows are an hour long, of numbers of strips that follow from their seeds: the first one's is "
-        "--seed, that of each other is one more. A failure tells how to have just its show again."
+        "A show is an hour long. Its seed selects its number of strips; the first has --seed, and each "
+        "further one has the next number. A failure reports how to repeat its show."
     );
-    program.add_option("--seed", options.seed, "Of the first show; the same seed gives the same show")
+    program
+        .add_option("--seed", options.seed, "The seed of the first show; the same seed gives the same show")
         ->capture_default_str();
     program
-        .add_option("--hours", options.hours, "How long all shows are together, as fast as the machine is")
+        .add_option(
+            "--hours", options.hours, "The total duration of the shows, which run as fast as possible"
+        )
         ->check(CLI::PositiveNumber)
         ->capture_default_str();
     program
         .add_option(
             "--live", options.liveSeconds,
-            "Instead, seconds in real time on a device of 64 frames, with the operations that do not "
-            "interrupt audio"
+            "Instead, run for this many seconds in real time on a device of 64 frames, with operations "
+            "that do not interrupt audio"
         )
         ->check(CLI::PositiveNumber);
     CLI11_PARSE(program, argc, argv);

@@ -12,7 +12,7 @@ namespace orvane::soak {
 namespace {
 
 constexpr std::size_t fewestReadings = 16;
-/// What the allocator may keep for itself.
+/// What the allocator may keep.
 constexpr std::size_t noise = std::size_t{1} << 20U;
 
 } // namespace

@@ -7,22 +7,22 @@
 
 namespace orvane::soak {
 
-/// How much memory this program has resident, in bytes, having given back to the system what it does not use.
+/// The resident memory of this program in bytes, after returning unused memory to the system.
 std::size_t residentMemory();
 
-/// Readings of the resident memory at equal intervals, in which what only grows is found. One thread.
+/// Readings of the resident memory at equal intervals, to detect continuous growth. One thread.
 class MemoryTrend final {
   public:
     void read() { readings.push_back(residentMemory()); }
 
     [[nodiscard]] std::size_t count() const { return readings.size(); }
-    /// Of the readings, where there is one.
+    /// The first reading; there must be one.
     [[nodiscard]] std::size_t first() const { return readings.front(); }
     [[nodiscard]] std::size_t last() const { return readings.back(); }
 
-    /// By how many bytes more the last quarter of the readings peaks than the second does: what is made at
-    /// its first use is there by then. Nothing where it is not more than noise, or there are too few readings
-    /// to say.
+    /// By how many bytes the peak of the last quarter of the readings exceeds that of the second quarter,
+    /// when everything that is created at first use exists. Absent if that is within the noise or there are
+    /// too few readings.
     [[nodiscard]] std::optional<std::size_t> growth() const;
 
   private:

@@ -14,31 +14,31 @@
 
 namespace orvane::soak {
 
-/// What an operation works with and what it leaves for the next. Main thread.
+/// What operations work on, and what they leave for later ones. Main thread.
 struct Hands final {
     Stage& stage;
     Choices& choices;
-    /// Sessions that were exported, as the content of their files.
+    /// Exported sessions, as file contents.
     std::vector<std::string> sessions = {};
-    /// The show as it was before something wild was loaded; to be brought back.
+    /// The show before an extreme session was imported, to be restored.
     std::optional<session::MixerDocumentData> before = {};
 
     [[nodiscard]] engine::MixerEngine& engine() const { return stage.engine; }
     [[nodiscard]] const engine::EngineState& state() const { return stage.engine.state(); }
 
-    /// Some strip; now and then one that is not there.
+    /// A random strip; sometimes one that does not exist.
     [[nodiscard]] platform::Uuid strip() const;
-    /// Some insert slot; now and then one that is not there.
+    /// A random insert slot; sometimes one that does not exist.
     [[nodiscard]] std::size_t slot() const { return choices.below(session::pluginSlotsPerChannel + 1); }
-    /// A channel of a device or a little beyond what it has, below 0 included.
+    /// A random channel number, sometimes out of a device's range, including below 0.
     [[nodiscard]] std::int64_t channel() const { return static_cast<std::int64_t>(choices.below(52)) - 2; }
-    /// Of a list or a little beyond.
+    /// A random index, sometimes out of a list's range.
     [[nodiscard]] std::int64_t index(std::size_t count) const {
         return static_cast<std::int64_t>(choices.below(count + 2)) - 1;
     }
     [[nodiscard]] bool flag() const { return choices.below(2) == 1; }
     [[nodiscard]] std::string text() const;
-    /// Some installed effect.
+    /// A random installed effect.
     [[nodiscard]] session::AUComponentIdentity component() const;
 };
 
@@ -46,14 +46,14 @@ struct Hands final {
 struct Operation {
     /// For reports.
     std::string_view name;
-    /// How often it is done, compared with the others.
+    /// How often it is chosen, relative to the others.
     std::size_t weight;
-    /// Whether it may stop the audio, start it or change its buffer size.
+    /// Whether it may stop or start the audio or change its buffer size.
     bool interrupts;
     void (*run)(Hands& hands);
 };
 
-// All operations, by what they are done to.
+// All operations, grouped by what they affect.
 
 std::span<const Operation> stripOperations();
 std::span<const Operation> masterOperations();

@@ -15,7 +15,7 @@ void load(Hands& h) {
     h.engine().loadPlugin(h.choices.of(installed), h.slot(), h.strip(), preset);
 }
 
-/// Instances come at once, or when they are delivered, or not at all.
+/// Instances are delivered at once, on request, or never.
 void changeDelivery(Hands& h) {
     using Delivery = test::ScriptedAudioUnitHost::Delivery;
     h.stage.effects.delivery = h.flag() ? Delivery::byHand : Delivery::atOnce;
@@ -28,7 +28,7 @@ void deliver(Hands& h) {
         h.stage.effects.deliver(h.choices.below(count));
 }
 
-/// Somebody turns the only knob of a plugin.
+/// Turns the only knob of a plugin.
 void turnKnob(Hands& h) {
     if (const auto unit = h.stage.effects.lastUnitIfThere())
         unit->gain = static_cast<float>(h.choices.between(0.0, 2.0));
@@ -39,7 +39,7 @@ void giveEditor(Hands& h) {
     if (const auto unit = h.stage.effects.lastUnitIfThere()) unit->giveEditor(unit);
 }
 
-/// Where there are too many presets, all of them go instead.
+/// Deletes all presets instead if there are too many.
 template <class Save>
 void save(Hands& h, Save savePresets) {
     const session::AUComponentIdentity identity = h.component();

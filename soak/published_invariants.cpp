@@ -18,7 +18,7 @@ PublishedInvariants::PublishedInvariants(const engine::MixerEngine& watched, Fau
 void PublishedInvariants::check() {
     const engine::EngineState& state = engine.state();
     fault.require(
-        state.isRunning.get() == (engine.automix() != nullptr), "It is shown to run: {}, which is wrong",
+        state.isRunning.get() == (engine.automix() != nullptr), "It is wrongly shown as running: {}",
         state.isRunning.get()
     );
     fault.require(
@@ -43,11 +43,11 @@ void PublishedInvariants::checkAutomix(const dsp::AutomixProcessor& automix) {
         automix.leadGroupGainDB() == master.levels.leadGroupGainDB
             && automix.backingGroupGainDB() == master.levels.backingGroupGainDB
             && automix.releaseMs() == master.duckerReleaseMs,
-        "The automix has other settings than those shown"
+        "The automix settings differ from those shown"
     );
     fault.require(
         std::ranges::equal(automix.settings(), engine::automixSettings(state.channelStrips.get())),
-        "The automix has other settings for the strips than those shown"
+        "The automix settings of the strips differ from those shown"
     );
 }
 
@@ -57,7 +57,7 @@ void PublishedInvariants::checkStrips() {
         published.size() == strips.size(), "There are {} strips, not {}", published.size(), strips.size()
     );
     for (std::size_t i = 0; i < std::min(published.size(), strips.size()); ++i) {
-        fault.require(published[i].id == strips[i], "Strip {} is another one", i + 1);
+        fault.require(published[i].id == strips[i], "Strip {} has another identity", i + 1);
         fault.require(
             published[i].pluginSlots.size() >= session::pluginSlotsPerChannel, "Strip {} has {} insert slots",
             i + 1, published[i].pluginSlots.size()
@@ -65,8 +65,8 @@ void PublishedInvariants::checkStrips() {
     }
     for (const auto& [key, loadState] : engine.state().pluginLoadStates.get())
         fault.require(
-            std::ranges::find(strips, key.stripID) != strips.end(), "Slot {} of no strip has a plugin",
-            key.slot + 1
+            std::ranges::find(strips, key.stripID) != strips.end(),
+            "Slot {} of a strip that does not exist has a plugin", key.slot + 1
         );
 }
 
@@ -78,7 +78,7 @@ void PublishedInvariants::checkScenes() {
         !selected || (*selected >= 0 && static_cast<std::size_t>(*selected) < count),
         "Scene {} of {} is selected", selected.value_or(-1), count
     );
-    // It may have been deleted since.
+    // It may have been deleted in the meantime.
     const std::optional<std::int64_t>& learning = state.midiLearnTargetIndex.get();
     fault.require(!learning || *learning >= 0, "Scene {} is learning", learning.value_or(-1));
 }

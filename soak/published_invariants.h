@@ -7,14 +7,13 @@
 
 namespace orvane::soak {
 
-/// What must hold of an engine's published values between any two operations, whether it runs or not. Main
-/// thread.
+/// The invariants of an engine's published values between two operations, running or stopped. Main thread.
 class PublishedInvariants final {
   public:
-    /// Both outlive it.
+    /// Both arguments must outlive it.
     PublishedInvariants(const engine::MixerEngine& watched, Fault& found);
 
-    /// To be called between operations.
+    /// Must be called between operations.
     void check();
 
   private:

@@ -9,29 +9,29 @@
 
 namespace orvane::soak {
 
-/// Somebody at a mixer who does anything that can be done with it, one operation after the other, as the
-/// choices decide. The same choices on the same stepped stage do the same. Main thread.
+/// Performs random operations on a mixer, as the choices decide. The same choices on the same stepped stage
+/// give the same result. Main thread.
 class RandomOperator final {
   public:
-    /// What an operator does to the audio that runs.
+    /// What an operator may do to running audio.
     enum class Manner {
         /// Anything.
         careless,
-        /// Nothing that interrupts it or changes its buffer size.
+        /// Nothing that interrupts audio or changes the buffer size.
         careful,
     };
 
-    /// Both outlive the operator.
+    /// The stage and the decisions must outlive the operator.
     RandomOperator(Stage& workedOn, Choices& decisions, Manner mannerOfWork = Manner::careless);
 
-    /// Does the next operation and returns its name.
+    /// Performs the next operation and returns its name.
     std::string_view act();
 
-    /// Ends the show: empties all lists and slots, so that no more memory is in use than after any other
-    /// show. A careless operator also leaves a fresh mixer, running where it can.
+    /// Ends the show: empties all lists and slots, so that memory use is the same after every show. A
+    /// careless operator also leaves a fresh mixer, running if possible.
     void clearDesk();
 
-    /// How many there have been.
+    /// The number of operations so far.
     [[nodiscard]] std::size_t operations() const { return done; }
 
   private:

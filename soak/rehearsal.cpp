@@ -8,7 +8,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// The meters tick at least once in it.
+/// Long enough for at least one tick of the meters.
 constexpr auto longerThanATick = 34ms;
 
 } // namespace

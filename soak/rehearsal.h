@@ -15,20 +15,20 @@
 
 namespace orvane::soak {
 
-/// A show on a stepped stage, one random operation after the other while time passes, in which everything
-/// that must hold is checked. The same choices give the same show. Main thread.
+/// A show on a stepped stage: random operations while time passes, with all conditions checked. The same
+/// choices give the same show. Main thread.
 class Rehearsal final {
   public:
-    /// `decisions` outlive it. `fullCheckInterval`: as of `BlockInvariants`.
+    /// `decisions` must outlive it. `fullCheckInterval`: see `BlockInvariants`.
     Rehearsal(const Stage::Shape& shape, Choices& decisions, std::size_t fullCheckInterval);
 
-    /// Does one operation and lets up to `longestPause` pass.
+    /// Performs one operation and advances time by up to `longestPause`.
     void step(std::chrono::nanoseconds longestPause);
 
-    /// As of the operator.
+    /// See `RandomOperator::clearDesk`.
     void clearDesk();
 
-    /// What did not hold first, absent while all does.
+    /// The first violated condition; absent if there is none.
     [[nodiscard]] const std::optional<std::string>& fault() const { return firstFault.first(); }
 
     [[nodiscard]] std::chrono::nanoseconds time() const { return now; }

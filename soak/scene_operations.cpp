@@ -20,7 +20,7 @@ session::MIDITrigger someNote(const Hands& h) {
     return {static_cast<std::int64_t>(h.choices.below(2)), static_cast<std::int64_t>(h.choices.below(8))};
 }
 
-/// Adds a scene where there is room for one, removes one where not.
+/// Adds a scene, or removes one if the list is full.
 template <class Add>
 void addScene(Hands& h, Add add) {
     if (h.state().snapshots.get().size() < mostScenes) return add();
@@ -41,7 +41,7 @@ void importSession(Hands& h) {
     if (document) h.engine().applyDocument(document.value());
 }
 
-/// Whatever a file can hold, extremes included.
+/// Imports anything that a file can hold, including extreme values.
 void importAnything(Hands& h) {
     h.before = h.engine().makeDocumentData();
     h.engine().applyDocument(test::randomDocument(h.choices.below(1U << 16U)));
@@ -55,7 +55,7 @@ void sendNote(Hands& h, std::uint8_t velocity) {
     if (h.stage.midi.read) h.stage.midi.read(packets);
 }
 
-/// A source comes, or one goes.
+/// Adds or removes a source.
 void changeSources(Hands& h) {
     auto& sources = h.stage.midi.sources;
     if (sources.size() > 3)

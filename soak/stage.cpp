@@ -8,10 +8,10 @@ namespace orvane::soak {
 
 namespace {
 
-/// A device that nobody can use, whose changes are told after those of all others.
+/// An unusable device, whose notifications arrive after those of all others.
 constexpr const char* bellUID = "virtual:bell";
 
-/// A device that has its own mind about buffer sizes.
+/// Simulates a device that restricts buffer sizes.
 platform::Result<std::uint32_t, platform::OSStatus> grantWithinLimits(std::uint32_t requested) {
     constexpr std::uint32_t refused = 96;
     if (requested == refused) return platform::kAudioHardwareIllegalOperationError;
@@ -56,7 +56,7 @@ Stage::Stage(const Shape& stageShape)
     midi.sources = {{1, 100, "Keys"}, {2, 200, "Pads"}};
     bellWatch = driver->watch(bellUID, [this](platform::AudioDeviceChange) {
         const std::scoped_lock lock(bell.mutex);
-        ++bell.heard;
+        ++bell.count;
         bell.changed.notify_one();
     });
     engine.setBufferSize(shape.bufferSize);
@@ -93,7 +93,7 @@ void Stage::settle() {
     driver->control(bellUID)->changeBufferSize(bellSizes[rings % 2]);
     {
         std::unique_lock lock(bell.mutex);
-        bell.changed.wait(lock, [this] { return bell.heard == rings; });
+        bell.changed.wait(lock, [this] { return bell.count == rings; });
     }
     mainThread.runPosted();
     log.flush();

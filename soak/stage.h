@@ -24,12 +24,12 @@
 
 namespace orvane::soak {
 
-/// A device of the stage and what plays into it. Its driver owns the device.
+/// A device of the stage and its input signal. Its driver owns the device.
 struct StageDevice {
-    /// What each block of the outputs is given to, on the thread of the cycle.
+    /// Receives each block of the outputs on the thread of the cycle.
     using Listener = std::function<void(std::span<const std::span<const float>> outputs)>;
 
-    /// Calls whoever listens.
+    /// Passes blocks to the listener.
     struct Output final : platform::virtual_devices::VirtualOutput {
         void take(std::span<const std::span<const float>> blocks) noexcept override {
             if (listener) listener(blocks);
@@ -42,16 +42,16 @@ struct StageDevice {
     std::shared_ptr<Output> output = std::make_shared<Output>();
 };
 
-/// A mixer and all that it works with, where everything can be made to happen: virtual devices of several
-/// kinds with people talking into them, MIDI sources, effects, editor windows, a folder for presets. Stopped
-/// at first, with the first device selected. Main thread.
+/// A mixer with all its dependencies, in which everything can be made to happen: several kinds of virtual
+/// devices with voices on their inputs, MIDI sources, effects, editor windows and a preset folder. Stopped at
+/// first, with the first device selected. Main thread.
 struct Stage final {
     struct Shape {
         std::size_t strips = 8;
         platform::virtual_devices::VirtualPacing pacing = platform::virtual_devices::VirtualPacing::stepped;
-        /// Of what is played into the devices.
+        /// The seed of the input signals.
         std::uint32_t seed = 1;
-        /// In frames, at first.
+        /// The initial buffer size in frames.
         std::int64_t bufferSize = 512;
         /// `engine::Services::insertWorkers`.
         std::size_t insertWorkers = 0;
@@ -62,15 +62,15 @@ struct Stage final {
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
 
-    /// Lets what the devices have told of arrive, and what is posted run, so that a step of a stepped stage
-    /// does not depend on other threads.
+    /// Waits for the devices' notifications and runs posted tasks, so that a step of a stepped stage does not
+    /// depend on other threads.
     void settle();
 
     const Shape shape;
     std::vector<StageDevice> devices;
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
-    /// The hardware layer's; lives as long as that.
+    /// Owned by the hardware layer; lives as long as it.
     platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::SystemAudioHardware hardware;
     test::ScriptedAudioUnitHost effects;
@@ -82,11 +82,11 @@ struct Stage final {
   private:
     std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers();
 
-    /// Rung behind everything that devices have told of.
+    /// Rung after all other notifications of the devices.
     struct Bell {
         std::mutex mutex;
         std::condition_variable changed;
-        std::size_t heard = 0;
+        std::size_t count = 0;
     };
     Bell bell;
     std::size_t rings = 0;

@@ -66,7 +66,7 @@ void Voices::speak(Voice& voice, std::span<float> block) noexcept {
     }
 }
 
-/// A linear congruential generator; only its high bits are good.
+/// A linear congruential generator; only its high bits are random enough.
 std::uint32_t Voices::draw() noexcept {
     state = state * 1664525U + 1013904223U;
     return state;

@@ -10,19 +10,19 @@
 
 namespace orvane::soak {
 
-/// People who talk and fall silent into the inputs of a device, each at a level and for a time of their own,
-/// and what can go wrong with them. The same seed gives the same sound.
+/// Voices on the inputs of a device, which talk and fall silent, each at its own level and for its own time;
+/// with faults to inject. The same seed gives the same signal.
 class Voices final : public platform::virtual_devices::VirtualInput {
   public:
     enum class Trouble {
         none,
-        /// Every input is dead.
+        /// Every input is silent.
         silence,
         /// Far beyond full scale.
         overload,
-        /// So quiet that the numbers are denormal.
+        /// Quiet enough for denormal numbers.
         denormal,
-        /// Infinities and what is not a number among the samples, as broken programs send.
+        /// Infinities and NaNs among the samples, as faulty programs send them.
         notNumbers,
     };
 
@@ -33,7 +33,7 @@ class Voices final : public platform::virtual_devices::VirtualInput {
     /// Any thread.
     void set(Trouble next) noexcept { trouble.store(next); }
 
-    /// What was last played; holds until the stream stops. Stepping thread.
+    /// The last blocks played; valid until the stream stops. Stepping thread.
     [[nodiscard]] std::span<const std::span<float>> lastBlocks() const noexcept { return played; }
 
   private:
