@@ -9,7 +9,7 @@
 
 namespace orvane::fuzz {
 
-/// The arguments of a program, from bytes that a 0 separates.
+/// Program arguments from bytes separated by zeros.
 class Arguments final {
   public:
     Arguments(const std::uint8_t* data, std::size_t size) {
@@ -33,7 +33,7 @@ class Arguments final {
     std::vector<const char*> pointers;
 };
 
-/// Keeps what the program would print from the terminal while it lives.
+/// Suppresses the program's output while it lives.
 class Muted final {
   public:
     Muted() : output(stdout), errors(stderr), nowhere(std::fopen("/dev/null", "w")) {

@@ -1,5 +1,4 @@
-// Arguments of orvane-cli ask for something that can be done, or end the program with an exit code of its
-// own.
+// Arguments of orvane-cli result in a valid request or end the program with one of its exit codes.
 
 #include "cli/command_line.h"
 #include "arguments.h"

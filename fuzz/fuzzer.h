@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <cstdlib>
 
-/// What a fuzzer calls with every input; anything but a return of 0 is a finding.
+/// Called by a fuzzer with every input; any result but 0 is a finding.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace orvane::fuzz {
 
-/// Ends the program where what must hold does not.
+/// Ends the program if a condition is violated.
 inline void require(bool holds) {
     if (!holds) std::abort();
 }

@@ -1,4 +1,4 @@
-// Of any packets the manager gives the note-ons that packets begin with, in order, and nothing else.
+// From any packets, the manager takes the note-ons that packets begin with, in order, and nothing else.
 
 #include "fuzzer.h"
 #include "midi/midi_manager.h"
@@ -11,7 +11,8 @@ using namespace orvane;
 
 namespace {
 
-/// Packets as a length below 16 and so many bytes; each in memory of its own, so that reading on is seen.
+/// Splits bytes into packets, each a length below 16 and its data. Each is allocated separately, so that
+/// sanitizers detect overruns.
 std::vector<std::vector<std::uint8_t>> packetsIn(std::span<const std::uint8_t> bytes) {
     std::vector<std::vector<std::uint8_t>> packets;
     while (!bytes.empty()) {

@@ -1,4 +1,4 @@
-// Whatever is done with a mixer while blocks run, all that must hold does.
+// All invariants hold, whatever is done with a mixer while blocks run.
 
 #include "fuzzer.h"
 #include "soak/rehearsal.h"

@@ -1,4 +1,4 @@
-// Whatever the preset file holds, the store starts, and what it has read it writes so that it reads it again.
+// The store starts with any preset file, and reads back what it wrote.
 
 #include "fuzzer.h"
 #include "plugins/plugin_preset_store.h"
@@ -11,7 +11,7 @@ using plugins::PluginPresetStore;
 
 namespace {
 
-/// The components whose presets are looked at; of the seeds.
+/// The components that the seeds' presets belong to.
 constexpr session::AUComponentIdentity components[] = {
     {0x61756678, 1, 1}, {0x61756678, 4294967295, 1}, {0, 0, 0}};
 

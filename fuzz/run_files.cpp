@@ -1,4 +1,4 @@
-// Runs a fuzzer on every file of the folders it is given.
+// Runs a fuzzer on every file of the given folders.
 
 #include "fuzzer.h"
 

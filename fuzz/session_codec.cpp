@@ -1,4 +1,4 @@
-// A session file either gives an error or a session that is written and read back as it was.
+// A session file results in an error, or in a session that survives a round trip unchanged.
 
 #include "engine/session/mixer_document_decoder.h"
 #include "engine/session/mixer_document_encoder.h"

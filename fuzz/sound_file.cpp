@@ -1,4 +1,4 @@
-// A sound file gives an error or is rendered, to as many frames as it states.
+// A sound file results in an error or is rendered, up to the number of frames it states.
 
 #include "cli/render.h"
 #include "fuzzer.h"
@@ -11,7 +11,7 @@ using namespace orvane;
 
 namespace {
 
-/// A few bytes of a compressed file can stand for hours.
+/// A few bytes of a compressed file can stand for hours of sound.
 constexpr int mostBlocks = 64;
 
 } // namespace

@@ -1,4 +1,4 @@
-// A plugin's state bytes either give an error or a dictionary that is written and read back as it was.
+// A plugin's state bytes result in an error, or in a dictionary that survives a round trip unchanged.
 
 #include "fuzzer.h"
 #include "platform/files/property_list.h"
@@ -12,7 +12,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::require(written.hasValue());
     const auto again = platform::propertyListWithData(written.value());
     fuzz::require(again.hasValue());
-    // Numbers that are not equal to themselves may be in it; equal dictionaries have equal bytes.
+    // Compares bytes, because a NaN does not equal itself.
     const auto writtenAgain = platform::dataWithPropertyList(again.value());
     fuzz::require(writtenAgain && writtenAgain.value() == written.value());
     return 0;

@@ -1,4 +1,4 @@
-// Arguments of orvane give options within their limits, or end the program with an exit code of its own.
+// Arguments of orvane result in options within their limits or end the program with one of its exit codes.
 
 #include "app/command_line.h"
 #include "arguments.h"
