@@ -23,7 +23,7 @@ std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platfor
     return drivers;
 }
 
-/// A stretch of noise that every input plays from another place on.
+/// A stretch of noise, played by every input from a different position.
 class Noise final : public platform::virtual_devices::VirtualInput {
   public:
     Noise() : samples(length) {

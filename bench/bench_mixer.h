@@ -14,22 +14,22 @@
 
 namespace orvane::bench {
 
-/// A whole mixer and the platform under it. Main thread.
+/// A complete mixer on a real platform. Main thread.
 class BenchMixer final {
   public:
     using MakeDriver = std::function<std::unique_ptr<platform::AudioDriver>(platform::SystemLog&)>;
 
-    /// With the devices of one driver, of which the first is selected. `insertWorkers` help with inserts.
+    /// Uses the devices of one driver and selects the first. `insertWorkers`: threads that help with inserts.
     BenchMixer(std::size_t strips, const MakeDriver& makeDriver, std::size_t insertWorkers = 0);
 
-    /// Loads an installed plugin into the first slot of every strip and waits until all are live; throws
-    /// where there is none of that name.
+    /// Loads an installed plugin into the first slot of every strip and waits until all are live. Throws if
+    /// no plugin has this name.
     void loadOnEveryStrip(std::string_view pluginName);
 
-    /// Runs the main thread until no plugin is on its way.
+    /// Runs the main thread until no plugin is loading.
     void awaitPlugins();
 
-    /// Starts; throws where the engine says why not.
+    /// Starts the mixer; throws, with the engine's reason, if that fails.
     void start();
 
   private:
@@ -45,7 +45,7 @@ class BenchMixer final {
     engine::MixerEngine engine;
 };
 
-/// A live virtual device of 48 inputs with noise and 48 outputs that nobody hears.
+/// A live virtual device with 48 inputs of noise and 48 outputs.
 std::unique_ptr<platform::AudioDriver> noisyDevice(platform::SystemLog& log);
 
 } // namespace orvane::bench

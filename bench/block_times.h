@@ -7,7 +7,7 @@
 
 namespace orvane::bench {
 
-/// How long each block of a run took.
+/// The time of each block of a run.
 class BlockTimes final {
   public:
     /// Runs and times `block` once.
@@ -19,8 +19,7 @@ class BlockTimes final {
         seconds.push_back(took.count());
     }
 
-    /// The time, in seconds, that the given share of the blocks stayed within: 0.5 is the median, 1 the
-    /// worst.
+    /// The time in seconds that the given share of the blocks did not exceed: 0.5 is the median, 1 the worst.
     [[nodiscard]] double within(double share) {
         std::ranges::sort(seconds);
         const auto rank = static_cast<std::size_t>(share * static_cast<double>(seconds.size() - 1));

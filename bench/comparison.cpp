@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 constexpr auto duration = 400ms;
 constexpr int blocksPerTurn = 8;
 
-/// Runs fast and plain blocks in turns, so that whatever else the machine does befalls both.
+/// Runs fast and plain blocks alternately, so that disturbances affect both.
 template <class Fast, class Plain>
 Comparison compare(ReferenceConditions& show, Fast fast, Plain plain) {
     BlockTimes fastTimes;

@@ -9,7 +9,7 @@ namespace orvane::bench {
 
 namespace {
 
-/// Lets the grid follow a device whose beginnings have moved to later, a little every block.
+/// The grid drifts later by this factor each block, to follow a device whose cycles do.
 constexpr double slack = 1.0005;
 
 double microseconds(clockid_t clock) noexcept {
@@ -32,7 +32,7 @@ void CycleTimes::add(const Moment& begun, const Moment& ended, std::size_t frame
     const double period = static_cast<double>(frameCount) / rate * 1e6;
     const double lateness = hasBegun ? begun.wall - due : 0.0;
     late.add(std::max(lateness, 0.0));
-    // The earliest beginnings tell where the device's grid of time lies; after a gap it lies anew.
+    // The earliest starts define the device's time grid; after a gap it is set anew.
     if (!hasBegun || lateness < 0.0 || lateness > period) due = begun.wall;
     hasBegun = true;
     const double tookInside = ended.wall - begun.wall;

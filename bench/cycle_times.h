@@ -9,28 +9,28 @@
 
 namespace orvane::bench {
 
-/// When every cycle of a device began and ended, and whose fault it was where one came too late. Fed by the
-/// I/O thread, read when that has ended.
+/// The start and end of every cycle of a device, and the causes of late ones. Filled by the I/O thread, read
+/// after it has ended.
 class CycleTimes final {
   public:
-    /// Why a cycle ended after the next one was due. Of several causes the first of this list.
+    /// Cycles that ended after the next was due, by cause; if there are several, the first in this list.
     struct Misses {
-        /// We computed for longer than the period.
+        /// Our code computed for longer than the period.
         std::uint64_t computed = 0;
-        /// We gave the processor up within the cycle, as a thread does that waits for a lock.
+        /// Our code yielded the processor during the cycle, as a thread does that waits for a lock.
         std::uint64_t waited = 0;
-        /// Another thread was given the processor within the cycle, or the machine stood still.
+        /// Another thread ran during the cycle, or the computer stalled.
         std::uint64_t preempted = 0;
-        /// The machine began the cycle too late.
+        /// The system started the cycle too late.
         std::uint64_t wokenLate = 0;
     };
 
-    /// The I/O thread's time at one moment.
+    /// The I/O thread's times at one moment.
     struct Moment {
         /// In microseconds.
         double wall = 0.0;
         double processor = 0.0;
-        /// Times that the thread gave the processor up, and that it was taken away.
+        /// Context switches: voluntary and involuntary ones.
         long voluntarySwitches = 0;
         long involuntarySwitches = 0;
 
@@ -39,13 +39,13 @@ class CycleTimes final {
 
     explicit CycleTimes(double sampleRate) : rate(sampleRate) {}
 
-    /// A cycle of `frameCount` frames.
+    /// Adds a cycle of `frameCount` frames.
     ORVANE_REALTIME void add(const Moment& begun, const Moment& ended, std::size_t frameCount) noexcept;
 
-    /// From the beginning of a cycle to its end: by the clock, and what the processor worked on it.
+    /// From the start of a cycle to its end: wall-clock time and processor time.
     Histogram inside;
     Histogram worked;
-    /// From the moment a cycle was due to its beginning.
+    /// From the time a cycle was due to its start.
     Histogram late;
     Misses misses;
 

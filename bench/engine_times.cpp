@@ -25,12 +25,12 @@ namespace orvane::bench {
 namespace {
 
 constexpr std::size_t mostStrips = 48;
-/// One that computes little, and one to change to.
+/// A plugin that computes little, and another to exchange it with.
 constexpr const char* plugin = "MDA Limiter";
 constexpr const char* otherPlugin = "MDA Dynamics";
 constexpr std::size_t installedPlugins = 500;
 
-/// A folder that goes when it is left.
+/// A folder that the destructor removes.
 class Folder final {
   public:
     Folder() : path(std::filesystem::temp_directory_path() / fmt::format("orvane_bench_{}", ::getpid())) {
@@ -63,7 +63,7 @@ void measureStartAndStop(BenchMixer& mixer, const char* starting, const char* st
     row(stopping, stops);
 }
 
-/// Recalls two scenes that differ in every strip in turns while the mixer runs.
+/// Alternates between two scenes that differ in every strip while the mixer runs.
 BlockTimes recalls(BenchMixer& mixer, int count) {
     BlockTimes times;
     mixer.start();
@@ -85,7 +85,7 @@ void captureScene(BenchMixer& mixer, double trim) {
 void measureLifecycle() {
     BenchMixer plain(mostStrips, noisyDevice);
     plain.engine.setBufferSize(64);
-    // The first to ask for plugins scans for them; that is measured by itself.
+    // The first request scans for plugins, which is measured separately.
     (void)plain.engine.availableInsertComponents();
     measureStartAndStop(plain, "start, 48 strips", "stop");
     captureScene(plain, 0.5);
@@ -109,7 +109,7 @@ void measureLifecycle() {
     row("recall, 48 strips, 48 other plugins, until all are live", withOthers);
 }
 
-/// A large session: scenes whose plugins keep much.
+/// A large session: scenes with large plugin states.
 void measureSession(const Folder& folder) {
     BenchMixer mixer(mostStrips, noisyDevice);
     session::MixerDocumentData document = mixer.engine.makeDocumentData();

@@ -18,10 +18,10 @@ namespace {
 
 constexpr double micro = 1e6;
 constexpr int rounds = 2000;
-/// Steps that take a few nanoseconds are repeated between two looks at the clock.
+/// Repetitions of steps that take a few nanoseconds, between two readings of the clock.
 constexpr int repeats = 50;
 
-/// The time of one call of `step` that nothing else on the machine disturbs, in microseconds.
+/// The undisturbed time of one call of `step`, in microseconds.
 template <class Step>
 double timeOf(Step step) {
     BlockTimes times;
@@ -33,7 +33,7 @@ double timeOf(Step step) {
     return times.within(0.1) / repeats * micro;
 }
 
-/// What is left of a block of no frames.
+/// What remains of a block without frames.
 struct EmptyBlock {
     const platform::FlushDenormals flushDenormals;
     ReferenceConditions show{{.frames = 0}};

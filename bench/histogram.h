@@ -8,8 +8,8 @@
 
 namespace orvane::bench {
 
-/// How often durations of each size came, in steps of 3 per cent from 0.1 microseconds on. Filled by one
-/// thread without allocating, read when that has ended.
+/// Counts durations in bins of 3 per cent from 0.1 microseconds on. Filled by one thread without allocating,
+/// read after it has ended.
 class Histogram final {
   public:
     static constexpr std::size_t size = 600;
@@ -23,7 +23,7 @@ class Histogram final {
         return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0});
     }
 
-    /// The microseconds that the given share of the durations stayed within.
+    /// The duration in microseconds that the given share did not exceed.
     [[nodiscard]] double within(double share) const {
         const double wanted = share * static_cast<double>(total());
         double seen = 0.0;

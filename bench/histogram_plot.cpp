@@ -19,11 +19,11 @@ constexpr double top = 50.0;
 constexpr double right = 40.0;
 constexpr double bottom = 50.0;
 
-// What the axes show, as powers of ten.
+// The range of the axes, as powers of ten.
 constexpr double firstDecade = 0.0;
 constexpr double lastDecade = 5.0;
 constexpr double mostDecade = 6.0;
-/// Where no block lies, below a single one.
+/// The position of an empty bin: below that of a single block.
 constexpr double noneDecade = -0.5;
 
 double x(double microseconds) {

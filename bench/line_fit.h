@@ -5,20 +5,20 @@
 
 namespace orvane::bench {
 
-/// One measurement: the cost `y` of the amount `x`.
+/// One measurement: the cost `y` for the amount `x`.
 struct Point {
     double x = 0.0;
     double y = 0.0;
 };
 
-/// The straight line that lies closest to some points (least squares).
+/// A straight line fitted to points by least squares.
 struct Line {
     double intercept = 0.0;
     double slope = 0.0;
-    /// The share of the points' scatter that the line explains; 1 for points on it.
+    /// The share of the points' variance that the line explains; 1 if all points are on it.
     double rSquared = 0.0;
 
-    /// Of at least two points with different `x`.
+    /// Requires at least two points with different `x`.
     static Line through(std::span<const Point> points) {
         double meanX = 0.0;
         double meanY = 0.0;

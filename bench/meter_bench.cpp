@@ -1,5 +1,5 @@
-// What the meters of a window of 48 strips cost: the model is driven as its timer would drive it, 30 times
-// for each second of meters, and everything that changes is painted in software, without a display.
+// Measures the meters of a window with 48 strips: drives the model as its timer would, 30 times for each
+// second, and paints every change in software, without a display.
 
 #include "machine/audio_machine.h"
 #include "platform/files/user_folders.h"
@@ -30,7 +30,7 @@ constexpr int ticksPerSecond = 30;
 constexpr int secondsOfMeters = 20;
 constexpr double longestGainReductionDB = 26.0;
 
-/// Levels as of people who talk in turns: syllables while they do, room noise while they do not.
+/// Levels of people who talk in turns: syllables while they talk, room noise otherwise.
 class Talk final {
   public:
     explicit Talk(std::size_t speakers) : phases(speakers) {
@@ -77,7 +77,7 @@ double processorSeconds() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-/// Processor time per second of meters with everything painted.
+/// The processor time per second of meters, with every change painted.
 double measure(ui::MixerRootView& root, const QSize& size, const std::string& layout) {
     root.resize(size);
     const auto buttons = root.findChildren<QAbstractButton*>();

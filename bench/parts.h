@@ -2,19 +2,19 @@
 
 namespace orvane::bench {
 
-/// The parts of the benchmark program. Each measures, prints its tables to standard output and throws
-/// where something measured did not give the bits that it must.
+/// The parts of the benchmark program. Each measures, prints tables to standard output, and throws if a
+/// measured result differs from its reference in any bit.
 
-/// Processor and render pass against the plain mixer, for every block length and number of strips.
+/// Automix and render pass against the plain mixer, for every block length and strip count.
 void printBlocks();
 
-/// The render pass on each instruction set that the processor has.
+/// The render pass on each instruction set of this processor.
 void printInstructionSets();
 
-/// What a block costs however short it is, and what that is made of.
+/// The fixed cost of a block, and its components.
 void printFixedCost();
 
-/// How the render pass grows with strips and with frames.
+/// How the time of the render pass grows with strips and frames.
 void printScaling();
 
 /// Start, stop, recall, load, scan and memory of the whole engine.

@@ -1,5 +1,5 @@
-// How long a scene takes from the note that recalls it to the first sample that plays it: 48 strips on a live
-// virtual device, the note sent by a MIDI source of the program's own.
+// Measures the time from a note that recalls a scene to the first sample of the scene: 48 strips on a live
+// virtual device, the note sent by a MIDI source of this program.
 
 #include "engine/mixer_engine.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
@@ -30,7 +30,7 @@ constexpr std::size_t stripCount = 48;
 constexpr int recalls = 400;
 constexpr std::uint8_t firstNote = 60;
 
-/// Every sample of every input is the same.
+/// Every input plays the same constant.
 struct ConstantInput final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (const std::span<float>& block : blocks)
@@ -38,7 +38,7 @@ struct ConstantInput final : platform::virtual_devices::VirtualInput {
     }
 };
 
-/// Counts blocks and remembers the level of the last one.
+/// Counts blocks and keeps the level of the last one.
 struct Listener final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         level.store(blocks[0][0]);
@@ -56,7 +56,7 @@ std::vector<std::unique_ptr<Driver>> only(std::unique_ptr<Driver> driver) {
     return drivers;
 }
 
-/// The blocks from each note to the first that plays its scene: 1 is the next block there is.
+/// The number of blocks from each note to the first that plays its scene: 1 is the next block.
 std::vector<std::int64_t> measure(std::int64_t bufferSize) {
     platform::SystemLog log([](const platform::LogLine&) {});
     const auto listener = std::make_shared<Listener>();
@@ -100,7 +100,7 @@ std::vector<std::int64_t> measure(std::int64_t bufferSize) {
             0x90, static_cast<std::uint8_t>(firstNote + (awaited == 0.5F ? 1 : 0)), 100});
     };
     send();
-    // Looks more often than blocks come; a look that is late counts as blocks more.
+    // Polls more often than blocks arrive; a late poll counts as additional blocks.
     const auto timer = loop.repeat(50us, [&] {
         const std::int64_t now = listener->count.load();
         if (listener->level.load() != awaited) return;

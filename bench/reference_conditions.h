@@ -11,14 +11,14 @@
 
 namespace orvane::bench {
 
-/// The show that everything is measured on: strips and the reference noise at 48 kHz, noise on every
-/// microphone, every strip panned to a pair of as many outputs, the master bus on the first pair, trigger
-/// filters on half the strips. The fast mixer and the plain one are set up alike.
+/// The show used for all measurements: strips and the reference noise at 48 kHz, noise on every microphone,
+/// every strip panned to a pair of as many outputs, the master bus on the first pair, trigger filters on half
+/// of the strips. The fast mixer and the plain one have the same settings.
 class ReferenceConditions final {
   public:
     static constexpr double sampleRate = 48000.0;
 
-    /// What varies: 48 strips and the fastest kernels unless said otherwise.
+    /// What varies; by default 48 strips and the fastest kernels.
     struct Shape {
         std::size_t frames = 64;
         std::size_t strips = 48;
@@ -27,26 +27,26 @@ class ReferenceConditions final {
 
     explicit ReferenceConditions(const Shape& wanted);
 
-    /// One block through the fast mixer, and its outputs played.
+    /// Runs one block through the fast mixer and plays its outputs.
     void runFast();
 
-    /// One block through the plain mixer, and its outputs played.
+    /// Runs one block through the plain mixer and plays its outputs.
     void runPlain();
 
-    /// One block of double precision through the fast and the plain automix alone.
+    /// Both run one block of double precision, through the fast and the plain automix alone.
     void processFast() { automix.process(blocks, {}); }
     void processPlain() { plain.automix.process(plainBlocks, allActive); }
 
-    /// The samples that a block brings in and gives out, copied and nothing else.
+    /// Copies the input and output samples of a block, and nothing else.
     void copyBlock();
 
-    /// The time that a block lasts, in seconds.
+    /// The duration of a block in seconds.
     [[nodiscard]] double blockSeconds() const { return static_cast<double>(shape.frames) / sampleRate; }
 
-    /// Whether both mixers gave the same bits for the block that each ran last.
+    /// Whether the last blocks of both mixers are equal in every bit.
     [[nodiscard]] bool playedTheSame() const { return fastPlayed == plainPlayed; }
 
-    /// The parts of the fast mixer, to be measured one by one.
+    /// The parts of the fast mixer, for separate measurements.
     [[nodiscard]] dsp::AutomixProcessor& fastAutomix() { return automix; }
     [[nodiscard]] audio::MixerRealtimeState& fastState() { return state; }
 

@@ -8,12 +8,11 @@
 
 namespace orvane::bench {
 
-/// Somebody at the mixer who never rests: edits a random control of a random strip every millisecond, recalls
-/// a scene ten times a second, and takes a plugin out of its strip and puts it back now and then. Works while
-/// the mixer's loop runs. Main thread.
+/// Edits a random control of a random strip every millisecond, recalls a scene ten times a second, and now
+/// and then removes a plugin from its strip and restores it. Works while the mixer's loop runs. Main thread.
 class RestlessOperator final {
   public:
-    /// `plugin`: the one on every strip.
+    /// `plugin`: the plugin on every strip.
     RestlessOperator(BenchMixer& benchMixer, std::string_view plugin);
 
     [[nodiscard]] std::size_t edits() const { return editCount; }

@@ -1,5 +1,5 @@
-// Runs the mixer live while somebody edits everything and something else keeps the machine busy, and tells
-// how long every block took, how late it came, and whose fault it was where one was missed.
+// Runs the mixer live under constant edits while another process keeps the computer busy, and reports the
+// duration and lateness of every block and the cause of each missed one.
 
 #include "bench_mixer.h"
 #include "cycle_times.h"
@@ -48,7 +48,7 @@ struct Options {
     bool isAlone = false;
 };
 
-/// Another process that computes and moves memory without a rest, until this one ends.
+/// A process that computes and moves memory until this one ends.
 class BusyNeighbour final {
   public:
     BusyNeighbour() : process(::fork()) {
@@ -108,7 +108,7 @@ double periodOf(const Options& options) {
     return static_cast<double>(options.frames) / sampleRate * 1e6;
 }
 
-/// Runs the loop for so long, or while `goesOn`.
+/// Runs the loop for so many seconds, or while `goesOn`.
 template <class GoesOn>
 void showProgress(platform::RunLoop& loop, double seconds, GoesOn goesOn) {
     orvane::cli::ProgressBar bar;
@@ -121,8 +121,8 @@ void showProgress(platform::RunLoop& loop, double seconds, GoesOn goesOn) {
     loop.run();
 }
 
-/// Computes as long as the mixer does, but touches no memory and takes no lock: what happens to it, the
-/// machine does.
+/// Computes for as long as the mixer does, but touches no memory and takes no lock: any delay is the
+/// system's.
 struct Probe final : platform::AudioStreamClient {
     void cycle(
         std::span<const std::span<const float>>, std::span<const std::span<float>> outputs, std::size_t
@@ -231,7 +231,7 @@ int main(int argc, char** argv) {
     program.add_flag("--alone", options.isAlone, "Without the process that keeps a processor busy");
     CLI11_PARSE(program, argc, argv);
     try {
-        // Before there are threads, of which a child would have none.
+        // Forks before any thread is started: a child has only one.
         std::optional<BusyNeighbour> neighbour;
         if (!options.isAlone) neighbour.emplace();
         options.driver == "probe" ? probe(options) : run(options);

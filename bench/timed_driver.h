@@ -8,7 +8,7 @@
 
 namespace orvane::bench {
 
-/// The devices of another driver, with every cycle of theirs timed. `times` outlives it.
+/// Wraps another driver's devices and times every cycle. `times` must outlive it.
 std::unique_ptr<platform::AudioDriver>
 timed(std::unique_ptr<platform::AudioDriver> driver, CycleTimes& times);
 

@@ -7,8 +7,8 @@
 
 namespace orvane::baseline {
 
-/// The automix read off its definition, one plain loop after another: what the fast one is compared with, for
-/// its results by the tests and for its time by the benchmarks. Fields may be changed between blocks.
+/// The automix as plain loops, written after its definition: the reference for the fast one's results in
+/// tests and for its time in benchmarks. Fields may be changed between blocks.
 class PlainAutomix final {
   public:
     using Block = std::vector<double>;
@@ -59,7 +59,7 @@ class PlainAutomix final {
     Block weighted;
 };
 
-/// The root of the mean of the squares of a block; 0 for an empty one.
+/// The RMS of a block; 0 if it is empty.
 double plainRMS(const std::vector<double>& block);
 
 } // namespace orvane::baseline

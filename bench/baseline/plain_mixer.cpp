@@ -16,9 +16,9 @@ using session::OutputRouting;
 namespace output = session::output;
 namespace master_output = session::master_output;
 
-/// Whether `channel` is one of `count` outputs.
 constexpr std::int64_t noChannel = -1;
 
+/// Whether `channel` is one of `count` outputs.
 bool exists(std::int64_t channel, std::size_t count) {
     return channel >= 0 && static_cast<std::size_t>(channel) < count;
 }

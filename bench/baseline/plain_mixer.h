@@ -16,7 +16,7 @@
 
 namespace orvane::baseline {
 
-/// A queue of samples with one index step a sample.
+/// A sample queue that advances its index sample by sample.
 class PlainRing final {
   public:
     explicit PlainRing(std::size_t capacity);
@@ -31,8 +31,8 @@ class PlainRing final {
     std::size_t count = 0;
 };
 
-/// The render pass and the output pull read off their definition, one plain loop after another: the yardstick
-/// of tests and benchmarks. Fields may be changed between blocks.
+/// The render pass and the output pull as plain loops, written after their definition: the reference for
+/// tests and benchmarks. Fields may be changed between blocks.
 class PlainMixer final {
   public:
     struct Shape {
@@ -40,7 +40,7 @@ class PlainMixer final {
         double sampleRate;
         std::size_t bufferSize;
         std::size_t outputs;
-        /// 0: the master bus goes to the main device.
+        /// 0: the master bus plays on the main device.
         std::size_t masterOutputs;
     };
 
