@@ -1,7 +1,7 @@
 #include "engine/session/au_component_identity.h"
 
 namespace {
-// 2^64 divided by the golden ratio spreads neighbouring codes over the whole range.
+// 2^64 divided by the golden ratio: spreads similar codes over the whole range.
 constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
 } // namespace
 

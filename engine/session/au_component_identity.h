@@ -6,8 +6,8 @@
 
 namespace orvane::session {
 
-/// The three codes by which the same installed plugin is found again, and the key of its presets. Each is a
-/// four-character code read as a big-endian number. A plain value.
+/// The three codes that identify an installed plugin and key its presets. Each is a four-character code, read
+/// as a big-endian number. A plain value.
 struct AUComponentIdentity {
     std::uint32_t componentType = 0;
     std::uint32_t componentSubType = 0;

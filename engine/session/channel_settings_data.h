@@ -12,23 +12,22 @@
 
 namespace orvane::session {
 
-/// The settings of one input channel, as session files and snapshots keep them. A plain value.
+/// The settings of one input channel, as kept in session files and snapshots. A plain value.
 struct ChannelSettingsData {
-    /// What the user reads.
+    /// The display name.
     std::string name;
-    /// The device's input channel that feeds the strip, counted from 0; absent gives silence.
+    /// The index of the device's input channel that feeds the strip, from 0; silent if absent.
     std::optional<std::int64_t> inputChannelIndex;
     /// Where the processed signal goes.
     OutputRouting outputRouting;
     /// Weighting of the detection copy.
     dsp::GenderTriggerMode genderMode = dsp::GenderTriggerMode::neutral;
-    /// Silenced.
     bool muted = false;
-    /// Left out of gain sharing; passes at its trim.
+    /// Excluded from gain sharing; passes at its trim.
     bool bypassed = false;
     /// Linear factor applied after the automix gain; 1.0 is unity.
     double trim = 1.0;
-    /// The group fader that the channel is under.
+    /// The group fader that controls the channel.
     dsp::VocalRole vocalRole = dsp::VocalRole::none;
     /// The inserts, in processing order.
     std::vector<PluginSlot> pluginSlots;

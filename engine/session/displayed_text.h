@@ -5,7 +5,8 @@
 
 namespace orvane::session {
 
-/// A word of a file as an error can show it: on one line and not too long, whatever the file holds.
+/// Formats a word of a file for an error message: on one line and of limited length, whatever the file
+/// contains.
 std::string displayed(std::string_view text);
 
 } // namespace orvane::session

@@ -43,7 +43,7 @@ inline constexpr std::string_view stereo = "stereo";
 inline constexpr std::string_view trim = "trim";
 inline constexpr std::string_view vocalRole = "vocalRole";
 
-/// Every word above, in ascending order.
+/// All keys above, in ascending order.
 inline constexpr std::array all = {
     backingGroupGainDB,
     bufferSize,
@@ -82,7 +82,7 @@ inline constexpr std::array all = {
     vocalRole};
 static_assert(std::ranges::is_sorted(all));
 
-/// Whether a session file gives a meaning to this key anywhere.
+/// Whether session files use this key anywhere.
 constexpr bool isKnown(std::string_view word) {
     return std::ranges::binary_search(all, word);
 }

@@ -7,19 +7,19 @@
 
 namespace orvane::session {
 
-/// Objects and arrays inside each other that are kept; a session has eight.
+/// The maximum nesting of objects and arrays that are kept; a session has eight levels.
 inline constexpr std::size_t maximumNesting = 64;
 
-/// What keeps a hostile file from exhausting the machine. Files are written within the same limits, so that
-/// whatever was exported can be read back. A plain value.
+/// Limits that keep a hostile file from exhausting the computer. Files are written within the same limits, so
+/// that everything exported can be read back. A plain value.
 struct DocumentLimits {
-    /// Bytes of a file.
+    /// The size of a file in bytes.
     std::size_t size = 512U << 20U;
-    /// Values that are kept while a file is read, the outermost aside, and keys without a meaning beside
-    /// them. They take up to two hundred bytes each; a scene of 48 strips has two thousand.
+    /// The number of values kept while a file is read, except the outermost, plus unknown keys beside them.
+    /// Each takes up to two hundred bytes; a scene of 48 strips has two thousand.
     std::size_t valueCount = 5'000'000;
 
-    /// What is wrong with a content that has so many of both; nothing where it is within.
+    /// The limit that a content exceeds, as an error; absent if it is within all limits.
     [[nodiscard]] std::optional<platform::Error> excess(std::size_t bytes, std::size_t values) const;
 };
 

@@ -17,33 +17,32 @@
 
 namespace orvane::session {
 
-/// One value of a document tree on its way into a session, and the way to it. The first fault that any node
-/// of a tree meets is noted, all later ones are its consequences; from then on nodes read as empty values, so
-/// that readers need no checks and the caller asks once at the end. A node must not outlive the one it came
-/// from.
+/// A value of a document tree that is being read into a session, and its path. Keeps the first fault of the
+/// tree; later faults are consequences of it. After a fault, nodes read as empty values, so that readers need
+/// no checks and the caller checks once at the end. A node must not outlive its parent.
 class DocumentNode final {
   public:
-    /// The root of a tree; `noted` keeps the first fault.
+    /// The root of a tree; `noted` receives the first fault.
     DocumentNode(const nlohmann::json& tree, std::optional<platform::Error>& noted)
         : value(&tree), fault(noted) {}
     DocumentNode(const DocumentNode&) = delete;
     DocumentNode& operator=(const DocumentNode&) = delete;
 
-    /// The text of a string. Lives as long as the tree.
+    /// The text of a string; valid as long as the tree.
     [[nodiscard]] std::string_view text() const;
     [[nodiscard]] bool boolean() const;
-    /// A number of either form.
+    /// A number, with or without a fraction.
     [[nodiscard]] double number() const;
-    /// A number without fraction and exponent within the bounds.
+    /// A number without fraction and exponent, within the bounds.
     [[nodiscard]] std::int64_t integer(
         std::int64_t lowest = std::numeric_limits<std::int64_t>::min(),
         std::int64_t highest = std::numeric_limits<std::int64_t>::max()
     ) const;
 
-    /// The member that an object must have.
+    /// A member that an object must have.
     [[nodiscard]] DocumentNode required(std::string_view key) const;
 
-    /// What `read` makes of the member of an object; nothing where it is absent or null.
+    /// Applies `read` to a member of an object; absent if the member is missing or null.
     template <class Read>
     [[nodiscard]] auto optional(std::string_view key, Read read) const
         -> std::optional<std::invoke_result_t<Read, const DocumentNode&>> {
@@ -52,7 +51,7 @@ class DocumentNode final {
         return std::invoke(read, node);
     }
 
-    /// What `read` makes of every element of an array.
+    /// Applies `read` to every element of an array.
     template <class Read>
     [[nodiscard]] auto list(Read read) const -> std::vector<std::invoke_result_t<Read, const DocumentNode&>> {
         std::vector<std::invoke_result_t<Read, const DocumentNode&>> items;
@@ -81,7 +80,7 @@ class DocumentNode final {
     [[nodiscard]] std::size_t elementCount() const;
     [[nodiscard]] std::string path() const;
 
-    /// Null where there is nothing, which was noted.
+    /// Null if there is no value; the fault was noted.
     const nlohmann::json* value;
     const DocumentNode* parent = nullptr;
     Step step;

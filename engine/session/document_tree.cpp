@@ -18,7 +18,7 @@ namespace {
 using nlohmann::json;
 using platform::Error;
 
-/// `offset` is that of the byte at which the text stopped making sense.
+/// `offset` is that of the first byte that is not valid JSON.
 Error syntaxError(std::string_view text, std::size_t offset) {
     const std::string_view before = text.substr(0, offset);
     const auto line = std::ranges::count(before, '\n') + 1;
@@ -29,17 +29,17 @@ Error syntaxError(std::string_view text, std::size_t offset) {
     return {"The text is not valid JSON at " + where};
 }
 
-/// An object or array that is kept, and where in it the parser is.
+/// An object or array that is kept, and the parser's position in it.
 struct Level {
     json* node = nullptr;
-    /// The key of an object whose value is being read.
+    /// The key whose value is being read, in an object.
     std::string key;
-    /// The index of the element of an array that is being read.
+    /// The index of the element that is being read, in an array.
     std::size_t elementIndex = 0;
 };
 
-/// Takes the parser's events, checks them and keeps what a session can be made of. The parser stops at the
-/// first event that is answered with false; `failure` says why.
+/// Receives the parser's events, checks them and keeps the known parts. The parser stops at the first event
+/// answered with false; `failure` holds the reason.
 class TreeBuilder final {
   public:
     TreeBuilder(std::string_view parsedText, IsKnownKey knownKeys, const DocumentLimits& documentLimits)
@@ -59,9 +59,9 @@ class TreeBuilder final {
     bool end_object() { return leave(); }
     bool parse_error(std::size_t position, const std::string& token, const json::exception& exception);
 
-    /// Whether the parser is in a value that is not kept.
+    /// Whether the parser is inside a value that is not kept.
     [[nodiscard]] bool isSkipping() const;
-    /// A byte before the parser's position was left out.
+    /// Counts a byte before the parser's position that was left out.
     void noteLeftOut() { ++leftOutCount; }
 
     DocumentTree tree;
@@ -80,7 +80,7 @@ class TreeBuilder final {
     IsKnownKey isKnown;
     const DocumentLimits& limits;
     std::vector<Level> levels;
-    /// Objects and arrays that the parser is in and that are not kept.
+    /// The depth of skipped objects and arrays around the parser's position.
     std::size_t skippedLevels = 0;
     std::size_t keptCount = 0;
     std::size_t leftOutCount = 0;
@@ -98,7 +98,7 @@ bool TreeBuilder::key(std::string& word) {
 bool TreeBuilder::parse_error(std::size_t position, const std::string&, const json::exception& exception) {
     constexpr int numberOverflow = 406;
     if (exception.id == numberOverflow) return fail(path() + " is a number beyond the range of a double.");
-    // The position counts the bytes read, the offending one included.
+    // The position counts the bytes read, including the offending one.
     failure = syntaxError(text, position > 0 ? position - 1 + leftOutCount : 0);
     return false;
 }
@@ -173,8 +173,8 @@ std::string TreeBuilder::path() const {
     return way.empty() ? "The document" : way;
 }
 
-/// The text as the parser reads it: in values that are skipped, a number has at most two digits in a row, so
-/// that none is beyond the range of a double.
+/// Passes the text to the parser. In skipped values it shortens runs of digits to two, so that no number
+/// exceeds the range of a double.
 class TextIterator final {
   public:
     using iterator_category = std::input_iterator_tag;
@@ -221,7 +221,7 @@ void TextIterator::pass(char byte) {
     digitsInRow = !isInString && isDigit(byte) ? digitsInRow + 1 : 0;
 }
 
-/// Empties every container below, from the innermost on.
+/// Empties all containers below a node, the innermost first.
 void dissolve(json& node) noexcept {
     if (!node.is_structured()) return;
     for (json& member : node)
@@ -238,7 +238,7 @@ DocumentTree::~DocumentTree() {
 platform::Result<DocumentTree>
 parseDocumentTree(std::string_view text, IsKnownKey isKnown, const DocumentLimits& limits) {
     if (const auto excess = limits.excess(text.size(), 0)) return *excess;
-    // The parser would take a zero byte for the end of the text and leave the rest unread.
+    // The parser would stop at a zero byte and ignore the rest.
     if (const auto zero = text.find('\0'); zero != std::string_view::npos) return syntaxError(text, zero);
 
     TreeBuilder builder(text, isKnown, limits);

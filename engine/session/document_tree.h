@@ -10,25 +10,25 @@
 
 namespace orvane::session {
 
-/// The values of a JSON text that something can be made of. A key without a meaning stands with null for
-/// whatever it held, so that the tree of a large file of something else stays small.
+/// The known parts of a JSON text. Unknown keys are kept with the value null, so that the tree of a large
+/// unrelated file stays small.
 struct DocumentTree {
     DocumentTree() = default;
     DocumentTree(DocumentTree&&) noexcept = default;
     DocumentTree& operator=(DocumentTree&&) = delete;
-    /// Needs no memory, which the library would take as much of again as the tree has, and end the program
-    /// where there is none.
+    /// Allocates nothing, whereas the library's own destructor would need as much memory as the tree and end
+    /// the program without it.
     ~DocumentTree();
 
     nlohmann::json root;
 };
 
-/// Whether a kind of file gives a meaning to a key anywhere.
+/// Whether a kind of file uses a key anywhere.
 using IsKnownKey = bool (*)(std::string_view key);
 
-/// Reads a JSON text, a session's unless other keys are known. Fails, naming the place, for anything but one
-/// well-formed text within the limits, for a known key that an object has twice and for a number that no
-/// double can hold. Parts without a meaning may repeat keys and nest as they like.
+/// Parses a JSON text, a session unless `isKnown` is given. Fails, with the position, if the text is not a
+/// single well-formed value within the limits, an object repeats a known key, or a number exceeds the range
+/// of a double. Unknown parts may repeat keys and nest without limit.
 platform::Result<DocumentTree> parseDocumentTree(
     std::string_view text, IsKnownKey isKnown = key::isKnown, const DocumentLimits& limits = {}
 );

@@ -8,13 +8,13 @@
 #include <cstdint>
 #include <vector>
 
-/// The values that all of the application's JSON files write alike. The readers note a fault of the node for
+/// Value types that all JSON files of the application share. The readers note a fault of the node for
 /// anything else.
 namespace orvane::session {
 
 platform::Uuid readUuid(const DocumentNode& node);
 
-/// From base64 text.
+/// Decodes base64 text.
 std::vector<std::uint8_t> readBytes(const DocumentNode& node);
 
 AUComponentIdentity readComponent(const DocumentNode& node);

@@ -9,13 +9,13 @@
 
 namespace orvane::session {
 
-/// Writes JSON text value by value, so that a large document never stands in memory twice. The caller gives
-/// the keys of an object in the order in which they are to stand, a key before each value of an object, and
-/// ends what it begins. Not for audio threads.
+/// Writes JSON text value by value, so that a large document is in memory only once. The caller gives an
+/// object's keys in their final order, each before its value, and ends every object and array it begins. Not
+/// for audio threads.
 class JSONWriter final {
   public:
-    /// Every value on a line of its own, `indent` more spaces in at each level; all on one line where it is
-    /// 0.
+    /// Writes each value on its own line, indented by `indent` spaces per level; everything on one line if it
+    /// is 0.
     explicit JSONWriter(std::size_t indent) : indentWidth(indent) {}
 
     void beginObject() { begin('{', false); }
@@ -23,16 +23,16 @@ class JSONWriter final {
     void beginArray() { begin('[', true); }
     void endArray() { end(']'); }
 
-    /// `word` is a literal.
+    /// `word` must be a literal.
     void key(std::string_view word);
 
-    /// A byte that is not UTF-8 becomes the replacement character.
+    /// Bytes that are not UTF-8 become the replacement character.
     void value(std::string_view text);
-    /// Text that holds neither quotes nor backslashes nor control characters.
+    /// The text must not contain quotes, backslashes or control characters.
     void plainText(std::string_view text);
     void value(bool truth);
     void value(std::int64_t number);
-    /// JSON has no form for a number that is not finite; `nonFinite` tells of it.
+    /// A number that is not finite cannot be written; see `nonFinite`.
     void value(double number);
 
     template <class Value>
@@ -41,27 +41,28 @@ class JSONWriter final {
         value(given);
     }
 
-    /// The way to the first number that was not finite, as in "channels[3].trim"; nothing where all were.
+    /// The path of the first number that was not finite, such as "channels[3].trim"; absent if all were
+    /// finite.
     [[nodiscard]] const std::optional<std::string>& nonFinite() const { return nonFinitePath; }
 
-    /// How many values have been written, the outermost aside.
+    /// The number of values written, except the outermost.
     [[nodiscard]] std::size_t valueCount() const { return writtenCount; }
 
-    /// What has been written.
+    /// The text written so far.
     [[nodiscard]] std::string& text() { return written; }
 
   private:
     struct Level {
         bool isArray;
-        /// Of the values in it so far.
+        /// The number of values in it so far.
         std::size_t count = 0;
-        /// Of the last one.
+        /// The last key.
         std::string_view key = {};
     };
 
     void begin(char bracket, bool isArray);
     void end(char bracket);
-    /// What stands before a value or, in an object, before its key.
+    /// Writes what precedes a value or, in an object, its key.
     void separate();
     void startValue();
     void breakLine();

@@ -22,8 +22,8 @@ struct Stereo {
 
 } // namespace master_output
 
-/// Where the master bus goes: on the master output device, or on the main device where none is chosen. A
-/// plain value.
+/// Where the master bus goes: on the master output device, or on the main device if none is selected. A plain
+/// value.
 using MasterOutputRouting = std::variant<master_output::None, master_output::Mono, master_output::Stereo>;
 
 } // namespace orvane::session

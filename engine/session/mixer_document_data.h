@@ -9,16 +9,15 @@
 
 namespace orvane::session {
 
-/// A whole session as one file keeps it. The defaults are what a file that lacks the setting means. A plain
-/// value.
+/// A whole session, as kept in a file. The defaults apply to settings that a file lacks. A plain value.
 struct MixerDocumentData {
     /// Entry i belongs to strip i.
     std::vector<ChannelSettingsData> channels = {};
     MasterSettings master = {};
-    /// In frames; any number, the engine takes only those it offers.
+    /// In frames. Any number; the engine accepts only those it offers.
     std::int64_t bufferSize = 0;
     std::vector<Snapshot> snapshots = {};
-    /// Entry i is true where slot i of every channel keeps its plugin through recalls and loads.
+    /// Whether slot i of every channel keeps its plugin through recalls and loads.
     std::vector<bool> pluginSlotRecallSafe = std::vector<bool>(3, false);
 
     bool operator==(const MixerDocumentData&) const = default;

@@ -43,7 +43,7 @@ dsp::VocalRole readVocalRole(const DocumentNode& node) {
     return readWord(node, dsp::vocalRoleFromRawValue);
 }
 
-/// `readStereo` makes a routing of the members of the one case that differs between the routings.
+/// `readStereo` reads the members of the stereo case, which differs between the routings.
 template <class Routing>
 Routing readRouting(const DocumentNode& node, Routing (*readStereo)(const DocumentNode& members)) {
     const std::string_view word = node.onlyKey();

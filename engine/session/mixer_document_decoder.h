@@ -8,10 +8,9 @@
 
 namespace orvane::session {
 
-/// The session that a file's content describes, all or nothing. Keys that older files lack take their
-/// defaults, keys without a meaning are ignored. Any content, hostile or not, gives a session or an error
-/// that says what is wrong and where, by key path (`channels[3].trim`) or by line and column. Any thread but
-/// the audio ones.
+/// Decodes the content of a session file, completely or not at all. Missing keys of older files take their
+/// defaults, and unknown keys are ignored. Any content, hostile or not, results in a session or an error with
+/// its position: a key path (`channels[3].trim`), or line and column. Any thread except audio threads.
 platform::Result<MixerDocumentData>
 decodeMixerDocument(std::string_view text, const DocumentLimits& limits = {});
 

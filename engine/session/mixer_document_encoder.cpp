@@ -13,7 +13,7 @@ namespace orvane::session {
 
 namespace {
 
-/// Spaces that a line is indented by for each level.
+/// Spaces per level of indentation.
 constexpr std::size_t indentWidth = 4;
 
 void write(JSONWriter& to, const PluginSlot& slot);

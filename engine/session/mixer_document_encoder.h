@@ -8,10 +8,10 @@
 
 namespace orvane::session {
 
-/// A session as the content of a file: indented JSON with the keys of every object in ascending order, absent
-/// settings left out; a byte of a name that is not UTF-8 becomes the replacement character. Fails for a
-/// number that is not finite, telling which, and for more than a file may hold; what it gives always decodes.
-/// Any thread but the audio ones.
+/// Encodes a session as the content of a file: indented JSON with the keys of every object in ascending order
+/// and without absent settings. Bytes of a name that are not UTF-8 become the replacement character. Fails,
+/// with the path, if a number is not finite, and if the content exceeds the limits; the result can always be
+/// decoded. Any thread except audio threads.
 platform::Result<std::string>
 encodeMixerDocument(const MixerDocumentData& data, const DocumentLimits& limits = {});
 

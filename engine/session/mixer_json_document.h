@@ -7,18 +7,17 @@
 
 namespace orvane::session {
 
-/// A session file as open and save panels handle it. Any thread but the audio ones, one at a time.
+/// A session file, for open and save panels. Any thread except audio threads, one at a time.
 struct MixerJSONDocument {
     MixerDocumentData data;
 
     bool operator==(const MixerJSONDocument&) const = default;
 
-    /// Fails, naming the file, where it cannot be read or is not a regular file, and as `decodeMixerDocument`
-    /// does.
+    /// Fails, naming the file, if it is not a readable regular file, or as `decodeMixerDocument` does.
     static platform::Result<MixerJSONDocument> read(const std::filesystem::path& path);
 
-    /// Replaces or makes the file as a whole: where it fails, naming the file or as `encodeMixerDocument`
-    /// does, a file that was there stays as it was.
+    /// Creates or replaces the file as a whole. Fails, naming the file, or as `encodeMixerDocument` does; an
+    /// existing file then stays as it was.
     [[nodiscard]] platform::Result<platform::Done> write(const std::filesystem::path& path) const;
 };
 

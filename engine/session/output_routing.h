@@ -7,7 +7,7 @@ namespace orvane::session {
 
 namespace output {
 
-/// Not output at all.
+/// Not routed.
 struct None {
     bool operator==(const None&) const = default;
 };
@@ -30,8 +30,8 @@ struct Stereo {
 
 } // namespace output
 
-/// Where a channel's processed signal goes on the main device. Indices are not bounded here: the device they
-/// are meant for may not be there. A plain value.
+/// Where a channel's processed signal goes on the main device. Indices are not bounded here: their device may
+/// be absent. A plain value.
 using OutputRouting = std::variant<output::None, output::Mono, output::Stereo>;
 
 } // namespace orvane::session

@@ -12,31 +12,31 @@
 
 namespace orvane::session {
 
-/// How many insert slots a channel has; a list that came from a file may be longer.
+/// The number of insert slots of a channel; a list from a file may be longer.
 inline constexpr std::size_t pluginSlotsPerChannel = 5;
 
 /// One insert slot of a channel. A plain value.
 struct PluginSlot {
-    /// Made fresh with the slot.
+    /// Created with the slot.
     platform::Uuid id;
-    /// Display name of the loaded plugin; absent when the slot is empty.
+    /// The display name of the loaded plugin; absent if the slot is empty.
     std::optional<std::string> pluginName;
-    /// Which plugin is loaded; absent when the slot is empty.
+    /// The loaded plugin; absent if the slot is empty.
     std::optional<AUComponentIdentity> component;
-    /// The plugin's saved state, which may be large; absent when none was captured.
+    /// The plugin's saved state, which may be large; absent if none was captured.
     std::optional<SharedList<std::uint8_t>> presetData;
-    /// The insert is skipped in processing.
+    /// Processing skips the insert.
     bool bypassed = false;
 
     bool operator==(const PluginSlot&) const = default;
 
-    /// An empty slot with a new id.
+    /// Makes an empty slot with a new id.
     static PluginSlot makeEmpty();
 
     [[nodiscard]] bool isEmpty() const { return !component; }
 };
 
-/// The list with fresh empty slots added at its end until a channel has all it must have.
+/// Appends new empty slots until the list has the number of a channel.
 std::vector<PluginSlot> paddedWithEmptySlots(std::vector<PluginSlot> slots);
 
 } // namespace orvane::session

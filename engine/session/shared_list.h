@@ -8,13 +8,13 @@
 
 namespace orvane::session {
 
-/// A list whose copies share its items, so that to copy it, and to compare it with a copy, takes the same
-/// short time whatever it holds. A plain value: the items of a list never change, it is replaced as a whole.
-/// The last copy frees them; not for audio threads, any other may have copies.
+/// A list whose copies share its items: copying it, and comparing it with a copy, takes the same short time
+/// at any length. A plain value: the items never change, a list is only replaced as a whole. The last copy
+/// frees the items. Any thread except audio threads.
 template <class Item>
 class SharedList final {
   public:
-    /// Holds nothing.
+    /// An empty list.
     SharedList() = default;
     SharedList(std::vector<Item> list) : items(std::make_shared<const std::vector<Item>>(std::move(list))) {}
 

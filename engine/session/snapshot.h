@@ -11,15 +11,15 @@
 
 namespace orvane::session {
 
-/// A stored scene. A plain value, cheap to copy: lists of scenes are copied at every edit and kept for undo.
+/// A stored scene. A plain value, cheap to copy: lists of scenes are copied on every edit and kept for undo.
 struct Snapshot {
     platform::Uuid id;
-    /// What the user reads.
+    /// The display name.
     std::string name;
     /// Entry i belongs to strip i.
     SharedList<ChannelSettingsData> channels;
     MasterLevels levels = {};
-    /// The note that recalls the scene; absent where none does.
+    /// The note that recalls the scene; absent if there is none.
     std::optional<MIDITrigger> midiTrigger;
 
     bool operator==(const Snapshot&) const = default;

@@ -17,7 +17,7 @@ using orvane::platform::Uuid;
 using orvane::test::descriptionOf;
 using orvane::test::randomDocument;
 
-/// What a text decodes to; a test failure and an empty session where it does not.
+/// Decodes a text; if that fails, reports a test failure and returns an empty session.
 MixerDocumentData decoded(std::string_view text) {
     const auto data = decodeMixerDocument(text);
     EXPECT_EQ(descriptionOf(data), "success") << text;
@@ -75,7 +75,7 @@ TEST(MixerDocumentCodec, WritesTheAgreedFormWithKeysInOrder) {
     EXPECT_EQ(decoded(expected.dump()).channels.at(0).vocalRole, backing);
 }
 
-/// A text with other text in the place of some of its keys.
+/// Replaces some keys of a text.
 template <class Instead>
 std::string rewritten(std::string text, const std::vector<std::string>& keys, const Instead& instead) {
     for (const std::string& word : keys) {
@@ -95,7 +95,7 @@ std::string nullAndLost(const std::string& key) {
     return key + "null," + lost(key);
 }
 
-/// What is left of channels without the settings that older files lack.
+/// Resets the settings that older files lack.
 void resetOptional(std::vector<ChannelSettingsData>& channels) {
     for (ChannelSettingsData& channel : channels) {
         channel.inputChannelIndex.reset();
@@ -154,7 +154,7 @@ TEST(MixerDocumentCodec, IgnoresKeysWithoutAMeaningWhateverTheyHold) {
     };
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const MixerDocumentData data = randomDocument(seed);
-        // One key of every kind of object.
+        // One key of each kind of object.
         const std::string text = rewritten(
             encoded(data), {"bufferSize", "trim", "left", "note", "componentType", "id"}, withForeign
         );

@@ -43,7 +43,7 @@ json validDocument() {
                        "masterTargetDB": 0, "midiTrigger": {"channel": 1, "note": 60}}]})");
 }
 
-/// "/channels/1/name" of "channels[1].name".
+/// Turns "channels[1].name" into "/channels/1/name".
 json::json_pointer pointerTo(std::string path) {
     std::erase(path, ']');
     std::ranges::replace(path, '[', '/');
@@ -51,7 +51,7 @@ json::json_pointer pointerTo(std::string path) {
     return json::json_pointer('/' + path);
 }
 
-/// The valid document with any text in the place of one value, which need not have been there.
+/// The valid document with any text in place of one value, which may be new.
 std::string documentWith(const std::string& path, std::string_view replacement) {
     json document = validDocument();
     document[pointerTo(path)] = "@";
@@ -59,7 +59,7 @@ std::string documentWith(const std::string& path, std::string_view replacement) 
     return text.replace(text.find("\"@\""), 3, replacement);
 }
 
-/// What the reader says of a text.
+/// The reader's error for a text.
 std::string descriptionOf(std::string_view text, const DocumentLimits& limits = {}) {
     return orvane::test::descriptionOf(decodeMixerDocument(text, limits));
 }
