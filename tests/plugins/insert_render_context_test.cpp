@@ -17,7 +17,7 @@ using test::UnitAct;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// A context around a scripted effect, and the lines it has logged.
+/// A context around a scripted effect, and the log lines.
 struct Insert {
     Insert(std::deque<UnitAct> script, std::size_t channels)
         : unit(std::move(script)), context(unit.renderBlock(), channels, "Ch3 slot2: Gain", log) {}

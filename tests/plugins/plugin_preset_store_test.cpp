@@ -40,7 +40,7 @@ class PluginPresets : public testing::Test {
         return names(PluginPresetStore(folder, log), delay);
     }
 
-    /// What has been logged since.
+    /// Returns the lines logged since the last call.
     std::vector<std::string> logged() {
         log.flush();
         return std::exchange(lines, {});
@@ -109,7 +109,7 @@ TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
         store.add({{"New", {2}, delay}});
         EXPECT_THAT(namesStored(folder / ""), ElementsAre("New"));
     }
-    // Of two entries of one component the later counts, and foreign keys are none of ours.
+    // Of two entries for one component the later wins; unknown keys are ignored.
     const std::string entry = whole.substr(12, whole.size() - 14);
     std::string second = entry;
     second.replace(second.find("Hall"), 4, "Room");
@@ -130,7 +130,7 @@ TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Hall"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "ORVANE"), {}), 1);
 
-    // The folder cannot be made where a file has its name.
+    // A folder cannot be created if a file has its name.
     folder.add("blocked", "");
     PluginPresetStore blocked(folder / "blocked", log);
     blocked.add({{"Hall", {1}, delay}});
@@ -151,7 +151,7 @@ TEST_F(PluginPresets, SurvivesBeingKilledInMidWrite) {
                 if (write(written[1], "x", 1) != 1) _exit(1);
             }
         }
-        // One change is whole by then, the next is on its way.
+        // At this point one change is complete and the next is under way.
         char byte = 0;
         EXPECT_EQ(read(written[0], &byte, 1), 1);
         kill(writer, SIGKILL);
