@@ -20,12 +20,12 @@ void refuseOnAudioThread(const char* call) noexcept {
     std::abort();
 }
 
-/// How many allocations it is to the one that fails; 0 where none does.
+/// Counts down to the allocation that fails; 0 if none does.
 thread_local std::size_t untilFailure = 0;
-/// The smallest of those that are counted.
+/// The smallest size that counts.
 thread_local std::size_t smallestCounted = 0;
 
-/// Whether this one is it.
+/// Whether this allocation must fail.
 bool isTheFailingOne(std::size_t size) noexcept {
     return untilFailure > 0 && size >= smallestCounted && --untilFailure == 0;
 }
@@ -84,7 +84,7 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
     ::operator delete(memory);
 }
 
-// A sanitizer stands in for malloc itself; what C++ code allocates is still seen above.
+// A sanitizer replaces malloc; allocations by C++ code are still seen above.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 extern "C" {

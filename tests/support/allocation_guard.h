@@ -4,9 +4,9 @@
 
 namespace orvane::test {
 
-/// While it lives, the calling thread counts as an audio thread. In every program that links
-/// orvane_test_support, or the guard alone, any allocation or free on an audio thread, those of the I/O
-/// cycles included, ends the program with a message. The guard watches malloc and its kin.
+/// Marks the calling thread as an audio thread while it lives. In every program that links
+/// orvane_test_support or the guard alone, any allocation or free on an audio thread, including I/O cycles,
+/// ends the program with a message. The guard covers malloc and its relatives.
 using AllocationGuard = platform::AudioThreadScope;
 
 } // namespace orvane::test

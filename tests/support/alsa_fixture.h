@@ -23,11 +23,11 @@
 
 namespace orvane::test {
 
-/// A driver over PCMs that a test defines, in a folder of the test's own. "scripted" is a PCM type, see
+/// A driver over PCMs that a test defines, in a folder of its own. "scripted" is a PCM type, see
 /// scripted_pcm.cpp.
 class AlsaFixture final {
   public:
-    /// `definitions` in the language of the library's configuration files, with FOLDER for the folder's path.
+    /// `definitions` is an alsa-lib configuration, with FOLDER for the folder's path.
     explicit AlsaFixture(
         std::string definitions, std::vector<std::string> pcmNames = {"device"},
         std::optional<unsigned> sampleRate = {}, platform::PriorityLender* lender = nullptr,
@@ -47,7 +47,7 @@ class AlsaFixture final {
             .priorityLender = lender});
     }
 
-    /// Has the kernel show a file of the card of that number, such as "pcm0p/sub0/hw_params".
+    /// Creates a kernel file of the card with this number, such as "pcm0p/sub0/hw_params".
     void showCard(int number, const std::string& id, const std::string& file, const std::string& content) {
         const std::string card = "card" + std::to_string(number);
         const std::filesystem::path shown = folder / "cards" / card / file;
@@ -58,7 +58,7 @@ class AlsaFixture final {
     }
 
     platform::alsa::AlsaAudioDriver* operator->() { return driver.get(); }
-    /// Hands the driver over.
+    /// Transfers ownership of the driver.
     std::unique_ptr<platform::alsa::AlsaAudioDriver> take() { return std::move(driver); }
 
     const TemporaryFolder folder;
@@ -67,8 +67,8 @@ class AlsaFixture final {
     std::unique_ptr<platform::alsa::AlsaAudioDriver> driver;
 };
 
-/// Counts cycles, each of which does what the test says. Devices without a clock of their own run free, so
-/// the thread gives its real-time priority up when the cycles that the test waits for have come.
+/// Runs a test's function in each cycle and counts cycles. Devices without a clock run free, so the thread
+/// drops its real-time priority when the awaited cycles have run.
 class AlsaClient final : public platform::AudioStreamClient {
   public:
     using Inputs = std::span<const std::span<const float>>;

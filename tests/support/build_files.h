@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-// Files of the build a test runs in. They are found from the test program itself: no path of the tree is
-// compiled in, so that a compiler cache serves every clone of it.
+// Files of the build that a test runs in, found from the test program itself: no path is compiled in, so that
+// all clones of the tree share a compiler cache.
 
 namespace orvane::test {
 
@@ -16,13 +16,13 @@ inline std::string builtProgram(std::string_view name) {
     return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / name).string();
 }
 
-/// The library `name` of this build, which a test loads by its path.
+/// The library `name` of this build, to be loaded by path.
 inline std::string builtModule(std::string_view name) {
     const auto programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     return (programs.parent_path() / "lib" / name).string() + ".so";
 }
 
-/// The recording that the demo panel plays: eight channels at 48 kHz.
+/// The demo panel's recording: eight channels at 48 kHz.
 inline std::filesystem::path panelRecording() {
     return platform::programDataDirectory() / "demo/panel-8ch.flac";
 }

@@ -4,11 +4,10 @@
 
 namespace orvane::test {
 
-/// What is neither a bus nor an invitation to start one.
+/// An address that neither is a bus nor starts one.
 inline constexpr const char* noBus = "disabled:";
 
-/// Where this process and the programs it starts find both message buses from now on, the system's and the
-/// session's.
+/// Sets the address of the system and the session bus for this process and the programs it starts.
 inline void setBusAddress(const char* address) {
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);

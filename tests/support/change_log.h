@@ -8,7 +8,7 @@
 
 namespace orvane::test {
 
-/// Keeps what a watch tells, and lets the test wait for it. Outlives the watch.
+/// Collects a watch's notifications. Must outlive the watch.
 class ChangeLog final {
   public:
     [[nodiscard]] platform::AudioDriver::Listener listener() {
@@ -26,7 +26,7 @@ class ChangeLog final {
         return changes.empty();
     }
 
-    /// Waits until there are `count` changes and gives all there are.
+    /// Waits for at least `count` changes and returns all.
     std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
         std::unique_lock lock(mutex);
         hasChanged.wait(lock, [this, count] { return changes.size() >= count; });

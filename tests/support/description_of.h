@@ -6,7 +6,7 @@
 
 namespace orvane::test {
 
-/// What a result says of its failure; "success" where there was none.
+/// The error message of a result; "success" if it has none.
 template <class Value>
 std::string descriptionOf(const platform::Result<Value>& result) {
     return result ? "success" : result.error().description;

@@ -25,12 +25,12 @@
 
 namespace orvane::test {
 
-/// A desktop on a message bus of its own, which is both buses of this process and of what it starts: a login
-/// manager, a server of notifications and RealtimeKit, which do what a test has them do. Used by one thread.
+/// A desktop on a message bus of its own, which serves as both buses of this process and its children: a
+/// login manager, a notification server and RealtimeKit, with scripted behaviour. One thread.
 class DesktopPeer final {
   public:
     enum class Manner { grants, refuses, isSilent };
-    /// What RealtimeKit gives at most, and the computing time in microseconds that it allows.
+    /// RealtimeKit's highest priority and the computing time that it allows, in microseconds.
     static constexpr int highestPriority = 20;
     static constexpr std::int64_t longestComputingTime = 200000;
 
@@ -51,13 +51,13 @@ class DesktopPeer final {
     DesktopPeer(const DesktopPeer&) = delete;
     DesktopPeer& operator=(const DesktopPeer&) = delete;
 
-    /// How locks are asked for from now on.
+    /// How requests for locks are answered from now on.
     Manner manner = Manner::grants;
-    /// What has been asked for, such as "Inhibit sleep:idle Who Why block" and
-    /// "Notify Who 0 icon | Title | Text | urgency".
+    /// The calls received, such as "Inhibit sleep:idle Who Why block" and "Notify Who 0 icon | Title | Text |
+    /// urgency".
     std::vector<std::string> calls;
 
-    /// Serves what has come once the bus has seen to everybody.
+    /// Processes pending calls after the bus has served all its clients.
     void serve() {
         if (isFrozen) return;
         sd_bus_call_method(
@@ -68,13 +68,13 @@ class DesktopPeer final {
         }
     }
 
-    /// Grants what it was silent about.
+    /// Grants the unanswered requests.
     void grantLate() {
         for (const auto& call : std::exchange(unanswered, {}))
             grant(call.get());
     }
 
-    /// How many locks somebody holds.
+    /// The number of locks that are held.
     [[nodiscard]] std::size_t locks() const {
         return static_cast<std::size_t>(std::ranges::count_if(ends, [](const auto& end) {
             pollfd state{end.number(), 0, 0};
@@ -82,7 +82,7 @@ class DesktopPeer final {
         }));
     }
 
-    /// Whether who made the last call is on the bus still.
+    /// Whether the sender of the last call is still on the bus.
     [[nodiscard]] bool hasCaller() const {
         sd_bus_creds* credentials = nullptr;
         const int status = sd_bus_get_name_creds(bus.get(), caller.c_str(), 0, &credentials);
@@ -90,13 +90,13 @@ class DesktopPeer final {
         return status >= 0;
     }
 
-    /// Leaves the bus without a desktop.
+    /// Removes the desktop from the bus.
     void close() {
         for (const char* const service : services)
             sd_bus_release_name(bus.get(), service);
     }
 
-    /// Stops the bus, so that it takes connections and does nothing with them.
+    /// Stops the bus process: it accepts connections and does nothing with them.
     void freeze() {
         isFrozen = true;
         ::kill(daemon, SIGSTOP);
@@ -178,7 +178,7 @@ class DesktopPeer final {
         sd_bus_reply_method_return(call, "u", 1U);
     }
 
-    /// Of RealtimeKit.
+    /// A property of RealtimeKit.
     static void giveProperty(sd_bus_message* call) {
         const char* interface = nullptr;
         const char* name = nullptr;
@@ -221,7 +221,7 @@ class DesktopPeer final {
     bool isFrozen = false;
     std::unique_ptr<sd_bus, CloseConnection> bus;
     std::vector<std::unique_ptr<sd_bus_message, DropMessage>> unanswered;
-    /// Of the locks' pipes; one whose lock is held by nobody has hung up.
+    /// Our ends of the locks' pipes; a released lock hangs up.
     std::vector<platform::FileDescriptor> ends;
     std::string caller;
 };

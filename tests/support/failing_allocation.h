@@ -4,9 +4,9 @@
 
 namespace orvane::test {
 
-/// While it lives, one allocation of the calling thread fails: the `nth` operator new of at least `smallest`
-/// bytes from now on, counted from 1, throws. Whoever asks without an exception gets what he asks for, and is
-/// not counted. In every program that links orvane_allocation_guard; one at a time a thread.
+/// Makes one allocation of the calling thread fail while it lives: the `nth` operator new of at least
+/// `smallest` bytes from now on, counted from 1, throws. The non-throwing forms succeed and do not count.
+/// Available in every program that links orvane_allocation_guard; one at a time per thread.
 class FailingAllocation final {
   public:
     explicit FailingAllocation(std::size_t nth, std::size_t smallest = 0);
@@ -14,7 +14,7 @@ class FailingAllocation final {
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-    /// Whether there were that many.
+    /// Whether that allocation was reached.
     [[nodiscard]] bool hasHappened() const;
 };
 

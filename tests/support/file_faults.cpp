@@ -23,7 +23,7 @@ struct Plan {
 thread_local std::optional<Plan> plan;
 thread_local std::optional<std::vector<std::string>> callNames;
 
-/// Whether this is a call that goes wrong.
+/// Whether this call must fail.
 bool isFaulty(const char* name) {
     if (callNames) callNames->emplace_back(name);
     if (!plan || plan->faultsLeft == 0) return false;
@@ -36,7 +36,7 @@ bool isFaulty(const char* name) {
     return true;
 }
 
-/// Ends the process or gives what the call is to return.
+/// Kills the process or returns the result of the failed call.
 int goWrong() {
     if (plan->outcome == orvane::test::FileFault::kill) ::raise(SIGKILL);
     errno = plan->outcome;
@@ -78,7 +78,7 @@ std::vector<std::string> FileCalls::names() const {
 
 } // namespace orvane::test
 
-// These stand before the C library's own, for the program and for the libraries it uses.
+// Override the C library's functions for the program and its libraries.
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -97,7 +97,7 @@ int mkdir(const char* path, mode_t mode) noexcept {
 
 ssize_t write(int file, const void* bytes, size_t count) {
     if (!isFaulty("write")) return ::syscall(SYS_write, file, bytes, count);
-    // A process that is killed may have written a part.
+    // A killed process may have written a part.
     if (plan->outcome == orvane::test::FileFault::kill) ::syscall(SYS_write, file, bytes, count / 2);
     return goWrong();
 }

@@ -6,12 +6,12 @@
 
 namespace orvane::test {
 
-/// While one stands, this thread's calls that change files are counted, and the one of that number (the first
-/// is 0) goes wrong, and so do those that follow it if more than one is to. Such calls are open for writing,
-/// mkdir, write, fsync, fchmod, ftruncate, linkat and rename. One at a time.
+/// While it lives, counts this thread's calls that change files and makes number `call` (the first is 0)
+/// and the next `howMany` - 1 calls fail. Counted are open for writing, mkdir, write, fsync,
+/// fchmod, ftruncate, linkat and rename. One at a time.
 class FileFault final {
   public:
-    /// What becomes of the call: an error number, or `kill`, which ends the process in its middle.
+    /// The outcome of the call: an errno value, or `kill`, which ends the process during the call.
     static constexpr int kill = -1;
 
     FileFault(std::size_t call, int outcome, std::size_t howMany = 1);
@@ -23,8 +23,8 @@ class FileFault final {
     [[nodiscard]] bool hasHappened() const noexcept;
 };
 
-/// While one stands, this thread's calls that change files are kept by name, those of fsync as "fsync file"
-/// or "fsync folder". One at a time.
+/// While it lives, records the names of this thread's calls that change files; fsync as "fsync file" or
+/// "fsync folder". One at a time.
 class FileCalls final {
   public:
     FileCalls();

@@ -6,7 +6,7 @@
 
 namespace orvane::test {
 
-/// No file of this process grows beyond `bytes` while one stands, as if the disk were full.
+/// Limits files of this process to `bytes` while it lives, as if the disk were full.
 class FileSizeLimit final {
   public:
     explicit FileSizeLimit(rlim_t bytes) : handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {

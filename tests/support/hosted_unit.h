@@ -17,7 +17,7 @@
 
 namespace orvane::test {
 
-/// A unit, or why there is none.
+/// A unit, or why it could not be made.
 struct InstantiatedUnit {
     std::shared_ptr<platform::AUAudioUnit> unit;
     std::optional<platform::Error> error;
@@ -33,14 +33,14 @@ instantiate(platform::AudioUnitHost& host, const platform::AudioComponentDescrip
     return answer.get_future().get();
 }
 
-/// Makes an instance of the effect that has the name; nothing where there is none.
+/// Makes an instance of the effect with this name; null if there is none.
 inline InstantiatedUnit instantiate(platform::AudioUnitHost& host, std::string_view name) {
     for (const auto& component : host.componentsMatchingDescription({}))
         if (component.name == name) return instantiate(host, component.audioComponentDescription);
     return {};
 }
 
-/// Sets a unit up as the mixer does. Why not, where it cannot be.
+/// Sets up a unit as the mixer does. Returns the error message; empty if it succeeds.
 inline std::string setUp(
     platform::AUAudioUnit& unit, std::uint32_t channels, double sampleRate = 48000.0,
     std::uint32_t maximumFrames = 4096
@@ -59,7 +59,7 @@ inline platform::AUParameter& parameter(platform::AUAudioUnit& unit, std::string
     });
 }
 
-/// Renders a unit block by block, on its calling thread, as an audio thread would.
+/// Renders a unit block by block on the calling thread, as an audio thread would.
 class UnitRenderer final {
   public:
     UnitRenderer(platform::AUAudioUnit& unit, std::size_t channels)
@@ -72,12 +72,12 @@ class UnitRenderer final {
               return platform::noErr;
           }) {}
 
-    /// The next block of input, one per channel; all of one length.
+    /// The next input block, one per channel, all of the same length.
     std::vector<std::vector<float>> inputs;
-    /// What came of it.
+    /// The output of the last block.
     std::vector<std::vector<float>> outputs;
 
-    /// `isGuarded`: whether the unit may not allocate.
+    /// `isGuarded`: whether the unit must not allocate.
     platform::OSStatus renderBlock(bool isGuarded = true) {
         std::vector<platform::AudioBuffer> buffers(outputs.size());
         const auto frames = static_cast<std::uint32_t>(inputs.front().size());
@@ -93,7 +93,7 @@ class UnitRenderer final {
         return render(flags, {}, frames, 0, list, pull);
     }
 
-    /// The same with this input in every channel.
+    /// Renders with the same input in every channel.
     platform::OSStatus renderBlock(const std::vector<float>& block, bool isGuarded = true) {
         std::ranges::fill(inputs, block);
         return renderBlock(isGuarded);

@@ -26,18 +26,18 @@ class JackMIDIPeer final {
     JackMIDIPeer(const JackMIDIPeer&) = delete;
     JackMIDIPeer& operator=(const JackMIDIPeer&) = delete;
 
-    /// In full, as others see it.
+    /// The full name, as other clients see it.
     [[nodiscard]] std::string portName(std::size_t port) const;
 
-    /// How many inputs get what the port sends, as of the current cycle.
+    /// The number of inputs connected to the port as of the current cycle.
     [[nodiscard]] int listenerCount(std::size_t port) const;
 
-    /// Sends the events in one cycle, each one frame after the one before as long as the cycle has frames;
-    /// returns when the cycle has run, and whether it has.
+    /// Sends the events in one cycle, each one frame after the last while the cycle has frames. Waits for the
+    /// cycle; returns whether it ran.
     bool play(const std::vector<Event>& events);
 
   private:
-    /// What orders it and the test is the server, which ThreadSanitizer does not see.
+    /// Ordered with the test by the server, which ThreadSanitizer does not see.
     [[gnu::no_sanitize("thread")]] static int process(jack_nframes_t frameCount, void* self) noexcept;
 
     jack_client_t* client;

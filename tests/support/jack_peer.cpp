@@ -10,8 +10,8 @@ namespace orvane::test {
 
 namespace {
 
-/// What orders a client's access to a port's buffer after the other's is the server, which ThreadSanitizer
-/// does not see. (noipa, or the compiler does the access where these are called.)
+/// The server orders the clients' accesses to a port's buffer, which ThreadSanitizer does not see. (noipa
+/// keeps the compiler from moving the access into the callers.)
 [[gnu::no_sanitize("thread"), gnu::noipa]] float load(const float* sample) {
     return *sample;
 }

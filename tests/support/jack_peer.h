@@ -11,12 +11,12 @@
 
 namespace orvane::test {
 
-/// A name for a JACK client that no other process has: libjack opens no two of the same name at the same
-/// time, not even on different servers.
+/// A JACK client name that no other process uses: libjack never opens two clients of the same name at once,
+/// not even on different servers.
 std::string uniqueJackName(std::string_view name);
 
-/// Another JACK client beside the one under test: it plays a known signal into `channelCount` ports of a
-/// client and records what comes out of as many.
+/// Another JACK client beside the one under test: plays a known signal into `channelCount` ports of a client
+/// and records as many of its outputs.
 class JackPeer final {
   public:
     /// `clientName` is made unique. `portFlags` are added to those of all ports.
@@ -30,16 +30,16 @@ class JackPeer final {
     /// The sample that is played; never 0.
     static float signal(std::size_t channel, std::size_t frame);
 
-    /// Connects to the ports CLIENT:in_1, CLIENT:out_1 and so on; whether they were all there.
+    /// Connects to the ports CLIENT:in_1, CLIENT:out_1 and so on; returns whether all of them exist.
     bool connectTo(const std::string& client);
 
-    /// Plays the signal from its start and returns what came back for the first `frameCount` frames of it, a
-    /// vector per channel; less if nothing came back.
+    /// Plays the signal from its start and returns what was received for its first `frameCount` frames, one
+    /// vector per channel; fewer frames if the signal did not return.
     std::vector<std::vector<float>> exchange(std::size_t frameCount);
 
     bool setBufferSize(std::uint32_t frameCount);
 
-    /// How many missed cycles the server has reported.
+    /// The number of missed cycles that the server has reported.
     [[nodiscard]] std::uint32_t xrunCount() const { return xruns.load(); }
 
   private:
@@ -47,7 +47,7 @@ class JackPeer final {
     static int countXrun(void* self) noexcept;
 
     std::string uniqueName;
-    /// Stands before the client, whose threads begin with it.
+    /// Declared before the client, whose threads start with it.
     std::atomic<std::uint32_t> xruns = 0;
     jack_client_t* client;
     std::vector<jack_port_t*> outputs;

@@ -28,8 +28,8 @@ std::string socketPath(const std::string& serverName) {
     return "/dev/shm/jack_" + serverName + "_" + std::to_string(::getuid()) + "_0";
 }
 
-/// As libjack finds out whether a server runs, but without opening a client: clients that close as soon as
-/// they have opened can hang libjack.
+/// Checks for a server as libjack does, but without opening a client: clients that close right after opening
+/// can hang libjack.
 bool canConnect(const std::string& path) {
     const platform::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_un address{};
@@ -38,7 +38,7 @@ bool canConnect(const std::string& path) {
     return ::connect(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
 }
 
-/// Servers that are killed leave their files behind, and so do their clients.
+/// Killed servers leave their files behind, and so do their clients.
 void removeFilesOf(const std::string& serverName) {
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ignored))
@@ -63,8 +63,8 @@ JackTestServer::JackTestServer(Format serverFormat, std::uint32_t portCount)
 }
 
 JackTestServer::~JackTestServer() {
-    // A machine has room for eight servers. One that was killed takes up its place until another of its name
-    // ends in order.
+    // A computer has room for eight servers. A killed one occupies its place until another of its name ends
+    // regularly.
     if (process < 0) launch();
     if (waitUntilReady()) end(SIGTERM);
     removeFilesOf(name.text());
@@ -76,7 +76,7 @@ void JackTestServer::send(int signal) const {
 
 void JackTestServer::restart(std::optional<std::uint32_t> sampleRate) {
     format.sampleRate = sampleRate.value_or(format.sampleRate);
-    // Servers that start at the same moment can trip over the registry that they share.
+    // Servers that start simultaneously can conflict over their shared registry.
     for (int attempt = 0; attempt < 3; ++attempt) {
         launch();
         if (waitUntilReady()) return;

@@ -9,8 +9,7 @@
 
 namespace orvane::test {
 
-/// Names the process's JACK server for libjack as one that does not exist, other than that of any other
-/// process, until it ends.
+/// Until it ends, selects for libjack a server that does not exist, with a name unique to this process.
 class JackServerName final {
   public:
     JackServerName();
@@ -24,8 +23,8 @@ class JackServerName final {
     std::string name;
 };
 
-/// A JACK server of a test's own, without hardware and without real-time priority. It waits for late clients
-/// as long as it can, so that no sample is lost on a busy machine. Made before the test opens JACK clients.
+/// A JACK server for one test, without hardware and real-time priority. It waits for late clients as long as
+/// it can, so that no sample is lost on a busy computer. Must be made before the test opens JACK clients.
 class JackTestServer final {
   public:
     struct Format {
@@ -35,25 +34,25 @@ class JackTestServer final {
         std::uint32_t channelCount = 2;
         bool waitsForClients = true;
 
-        /// As part of the name of a test.
+        /// For the names of tests.
         friend std::ostream& operator<<(std::ostream& out, const Format& format) {
             return out << format.sampleRate << "_Hz_" << format.period << "_frames_" << format.channelCount
                        << "_channels";
         }
     };
 
-    /// Starts it and returns when clients can open; throws where it cannot be started. `portCount`: ports
-    /// that the server and all of its clients can have together.
+    /// Starts the server and waits until clients can open; throws if that fails. `portCount`: the maximum
+    /// number of ports of the server and all its clients.
     explicit JackTestServer(Format serverFormat, std::uint32_t portCount = 2048);
     ~JackTestServer();
     JackTestServer(const JackTestServer&) = delete;
     JackTestServer& operator=(const JackTestServer&) = delete;
 
-    /// Ends the server's process with `signal` and returns when it has ended.
+    /// Ends the server's process with `signal` and waits for it.
     void end(int signal);
-    /// Sends its process a signal that it does not end by.
+    /// Sends its process a signal that does not end it.
     void send(int signal) const;
-    /// Starts it again, as another one under the same name, at that rate where one is given.
+    /// Starts another server of the same name, at the given rate if any.
     void restart(std::optional<std::uint32_t> sampleRate = {});
 
   private:

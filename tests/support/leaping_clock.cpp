@@ -5,8 +5,8 @@
 #include <atomic>
 #include <ctime>
 
-// The wall clock of the programs that this is linked into: at every second reading it is a day later, as
-// where somebody sets it to and fro all the time. The monotonic clock goes on as ever.
+// Replaces the wall clock in the programs that link it: every second reading is a day later, as if a user set
+// the clock back and forth. The monotonic clock is unaffected.
 
 namespace {
 

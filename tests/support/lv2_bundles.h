@@ -15,14 +15,14 @@ class Lv2Bundles final {
   public:
     [[nodiscard]] std::string searchPath() const { return (folder / "").string(); }
 
-    /// Makes or replaces a bundle with that manifest.
+    /// Creates or replaces a bundle with this manifest.
     void add(std::string_view name, std::string_view manifest) const {
         std::filesystem::create_directory(folder / name);
         folder.add(fmt::format("{}/plugin.so", name), "");
         folder.add(fmt::format("{}/manifest.ttl", name), fmt::format("{}{}", prefixes, manifest));
     }
 
-    /// A plugin with a mono input and output. `more`: what else the description says, each ending with ";".
+    /// A plugin with a mono input and output. `more`: additional statements, each ending with ";".
     static std::string plugin(std::string_view uri, std::string_view name, std::string_view more) {
         return fmt::format(
             "<{}> a lv2:Plugin ; {} doap:name \"{}\" ; lv2:binary <plugin.so> ; lv2:port [ {} ] , [ {} ] "

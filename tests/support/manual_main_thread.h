@@ -12,8 +12,7 @@
 
 namespace orvane::test {
 
-/// A main thread whose tasks run when a test says so and whose time passes by hand. The test's own thread is
-/// the main thread.
+/// A main thread whose tasks and time a test controls. The test's own thread is the main thread.
 class ManualMainThread final : public platform::MainThread {
   public:
     void post(std::function<void()> task) override {
@@ -26,13 +25,13 @@ class ManualMainThread final : public platform::MainThread {
         return timers.add(now, interval, std::move(task));
     }
 
-    /// Runs what is posted, and what that posts, until nothing is left.
+    /// Runs all posted tasks, and those that they post.
     void runPosted() {
         while (const auto task = next())
             task();
     }
 
-    /// Lets time pass: every timer that falls due runs at its moment, what it posts right after it.
+    /// Advances time: each timer runs when it is due, followed by the tasks it posts.
     void advance(std::chrono::nanoseconds duration) {
         const auto end = now + duration;
         for (auto due = timers.nextDue(); due && *due <= end; due = timers.nextDue()) {

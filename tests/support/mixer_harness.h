@@ -20,7 +20,7 @@ namespace orvane::test {
 /// Blocks of a device, one vector per channel.
 using DeviceBlocks = std::vector<std::vector<float>>;
 
-/// Views of the blocks as the render pass and the output pull take them.
+/// Views of the blocks for the render pass and the output pull.
 inline std::vector<std::span<const float>> readable(const DeviceBlocks& blocks) {
     return {blocks.begin(), blocks.end()};
 }
@@ -36,8 +36,7 @@ inline audio::RingBuffers makeRings(std::size_t count, std::size_t bufferSize) {
     return rings;
 }
 
-/// Starts workers that take part on any machine, whatever priority they may have there, and waits until all
-/// do.
+/// Starts workers that take part regardless of their priority on this computer, and waits until all do.
 inline std::unique_ptr<audio::InsertWorkers> startWorkers(
     std::size_t count, std::size_t strips, platform::HostClock clock,
     const audio::InsertWorkers::Limits& limits
@@ -48,7 +47,7 @@ inline std::unique_ptr<audio::InsertWorkers> startWorkers(
     return workers;
 }
 
-/// A running mixer without devices: whoever holds it is the device. Passes and pulls run under the allocation
+/// A running mixer without devices; the test acts as the device. Passes and pulls run under the allocation
 /// guard once the scratch is sized.
 struct MixerHarness {
     struct Shape {
@@ -56,10 +55,10 @@ struct MixerHarness {
         double sampleRate = 48000.0;
         std::size_t bufferSize = 256;
         std::size_t outputs = 2;
-        /// 0: the master bus goes to the main device.
+        /// 0: the master bus plays on the main device.
         std::size_t masterOutputs = 0;
         const dsp::LaneKernels* kernels = &dsp::fastestLaneKernels();
-        /// Threads that share the inserts of every block.
+        /// Threads that help with the inserts of every block.
         std::size_t insertWorkers = 0;
     };
 
@@ -82,7 +81,7 @@ struct MixerHarness {
         state.insertWorkers = startWorkers(shape.insertWorkers, shape.strips, clock, limits);
     }
 
-    /// One cycle of the main device: `frameCount` frames captured, as many played.
+    /// One cycle of the main device: captures and plays `frameCount` frames.
     DeviceBlocks cycle(const DeviceBlocks& captured, std::size_t frameCount) {
         pass(captured, frameCount);
         return pull(state.outputRingBuffers, state.outputRingBuffers.size(), frameCount);
@@ -96,7 +95,7 @@ struct MixerHarness {
         audio::renderPass(views, frameCount, automix, state);
     }
 
-    /// What a device with `outputs` channels plays from the rings; what is not written stays at 99.
+    /// What a device with `outputs` channels plays from the rings; unwritten samples stay at 99.
     static DeviceBlocks pull(const audio::RingBuffers& rings, std::size_t outputs, std::size_t frameCount) {
         DeviceBlocks played(outputs, std::vector<float>(frameCount, 99.0F));
         const std::vector<std::span<float>> views = writable(played);

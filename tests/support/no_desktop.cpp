@@ -2,7 +2,7 @@
 
 namespace {
 
-/// No test is to notify whoever works at the machine, or to keep it awake.
+/// No test may notify the user of the computer or keep it awake.
 [[maybe_unused]] const bool isOffTheBuses = [] {
     orvane::test::setBusAddress(orvane::test::noBus);
     return true;

@@ -5,7 +5,7 @@
 
 namespace orvane::test {
 
-/// Samples that are no sound: what broken converters, drivers and effects leave in a block.
+/// Invalid samples, as faulty converters, drivers and effects produce them.
 inline constexpr std::array noSound = {
     std::numeric_limits<float>::quiet_NaN(),
     std::numeric_limits<float>::infinity(),

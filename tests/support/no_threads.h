@@ -6,7 +6,7 @@
 
 namespace orvane::test {
 
-/// While it lives no thread can be started in the process, for want of an address space for its stack.
+/// While it lives, the process cannot start threads, because there is no address space for their stacks.
 class NoThreads final {
   public:
     NoThreads() {

@@ -9,7 +9,7 @@
 
 namespace orvane::test {
 
-/// Runs a command as a shell takes it and keeps what it printed as "stdout" and "stderr" in the folder.
+/// Runs a shell command and stores its output as "stdout" and "stderr" in the folder.
 inline int exitCodeOfShell(const TemporaryFolder& folder, const std::string& command) {
     const std::string redirected = "{ " + command + "; } >'" + (folder / "stdout").string() + "' 2>'"
                                    + (folder / "stderr").string() + "'";

@@ -7,25 +7,25 @@
 
 namespace orvane::test {
 
-/// The generator of every random test: equal seeds give equal tests.
+/// The generator of all random tests: equal seeds give equal tests.
 using Random = std::mt19937_64;
 
-/// A number from `low` to `high`.
+/// Returns a number from `low` to `high`.
 inline double numberBetween(Random& random, double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(random);
 }
 
-/// A whole number from `low` to `high`, both included.
+/// Returns a whole number from `low` to `high`, both included.
 inline long wholeBetween(Random& random, long low, long high) {
     return std::uniform_int_distribution<long>(low, high)(random);
 }
 
-/// True once in `times` on average.
+/// Returns true once in `times` on average.
 inline bool oneIn(Random& random, long times) {
     return wholeBetween(random, 1, times) == 1;
 }
 
-/// Noise at a random level, now and then silence.
+/// Noise at a random level, sometimes silence.
 template <class Sample>
 void fillWithSignal(Random& random, std::span<Sample> block) {
     const double level = oneIn(random, 5) ? 0.0 : numberBetween(random, 1e-4, 1.0);
@@ -33,7 +33,7 @@ void fillWithSignal(Random& random, std::span<Sample> block) {
         sample = static_cast<Sample>(numberBetween(random, -level, level));
 }
 
-/// Settings of any kind, trims beyond unity and 0 included.
+/// Random settings, including a trim of 0 or above unity.
 inline dsp::ChannelAutomixSettings randomSettings(Random& random) {
     return {
         .genderMode = dsp::allGenderTriggerModes[static_cast<std::size_t>(wholeBetween(random, 0, 2))],

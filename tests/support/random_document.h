@@ -6,8 +6,8 @@
 
 namespace orvane::test {
 
-/// A session whose every field is drawn at random from all that a file can hold, extremes included; the same
-/// for the same seed, but for the ids.
+/// A session with random values in every field, from the whole range that a file can hold; equal seeds give
+/// equal sessions, except for the ids.
 session::MixerDocumentData randomDocument(std::uint64_t seed);
 
 } // namespace orvane::test

@@ -10,7 +10,7 @@
 
 namespace orvane::test {
 
-/// Keeps the packets that come, whatever thread they come on. Outlives who gives them.
+/// Collects packets from any thread. Must outlive the sender.
 class ReceivedMIDI final {
   public:
     using Packets = std::vector<std::vector<std::uint8_t>>;
@@ -28,7 +28,7 @@ class ReceivedMIDI final {
         return packets;
     }
 
-    /// Waits until there are `count` packets and gives all there are.
+    /// Waits for at least `count` packets and returns all.
     [[nodiscard]] Packets waitFor(std::size_t count) const {
         test::waitFor([&] { return get().size() >= count; });
         return get();

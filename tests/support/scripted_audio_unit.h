@@ -18,7 +18,7 @@
 
 namespace orvane::test {
 
-/// How the instances of a scripted component behave.
+/// The behaviour of a scripted component's instances.
 struct AudioUnitScript {
     std::set<std::uint32_t> inputChannels = {1, 2};
     std::set<std::uint32_t> outputChannels = {1, 2};
@@ -27,24 +27,24 @@ struct AudioUnitScript {
     double lowestMonoRate = 0.0;
     bool allocates = true;
     bool hasState = true;
-    /// The state holds a text that no property list can.
+    /// Whether the state contains a text that a property list cannot hold.
     bool hasUnwritableState = false;
     bool hasEditor = true;
     bool hasBusses = true;
 };
 
-/// An effect that multiplies by its only setting, "gain", and keeps a record of what is done to it. A render
-/// without render resources gives silence and is counted.
+/// An effect that multiplies by its only setting, "gain", and records calls. Rendering without render
+/// resources outputs silence and is counted.
 class ScriptedAudioUnit final : public platform::AUAudioUnit {
   public:
-    /// What all instances tell; outlives them.
+    /// Shared by all instances; must outlive them.
     struct Report {
         std::atomic<int> living = 0;
         std::atomic<int> ready = 0;
         std::atomic<int> rendersWithoutResources = 0;
         /// Called once, in the next render.
         std::function<void()> onRender;
-        /// How many of the next renders hang, for 5 ms and for as long as they are held.
+        /// How many of the next renders block: for 5 ms, and while `isHeld`.
         std::atomic<int> hangs = 0;
         std::atomic<bool> isHeld = false;
         std::atomic<bool> isHanging = false;
@@ -92,7 +92,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         if (script.hasUnwritableState) return {{{"gain", {std::string("\xFF")}}}};
         return {{{"gain", {static_cast<double>(gain)}}}};
     }
-    /// A "file" is one that the unit cannot be given.
+    /// A "file" stands for a file that the unit may not open.
     platform::Result<platform::Done> setFullState(const platform::PropertyList::Dictionary& state) override {
         if (const auto found = state.find("gain"); found != state.end())
             if (const auto* value = std::get_if<double>(&found->second.value))
@@ -108,7 +108,7 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
         ++editorRequests;
         editorCompletion = std::move(completion);
     }
-    /// Answers the last request, if any, with an editor of `self` where the script has one.
+    /// Answers the last request, if any, with an editor of `self` if the script has one.
     void giveEditor(const std::shared_ptr<AUAudioUnit>& self) const {
         if (!editorCompletion) return;
         editorCompletion(script.hasEditor ? std::make_shared<platform::AUViewController>(self) : nullptr);
@@ -170,15 +170,15 @@ class ScriptedAudioUnit final : public platform::AUAudioUnit {
     std::function<void(std::shared_ptr<platform::AUViewController>)> editorCompletion;
 };
 
-/// Effects as a test describes them. Completions arrive from within `instantiate`, when the test delivers
-/// them, or from a thread of the host's own.
+/// Scripted effects. Completions are called from within `instantiate`, when the test delivers them, or from a
+/// thread of the host.
 class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
   public:
     enum class Delivery { atOnce, byHand, fromAnotherThread };
 
     ~ScriptedAudioUnitHost() override { joinThreads(); }
 
-    /// A component whose sub-type is its number, counted from 1.
+    /// Adds a component whose subtype is its number, from 1.
     platform::AVAudioUnitComponent add(std::string name, AudioUnitScript script = {}) {
         const auto number = static_cast<std::uint32_t>(components.size() + 1);
         components.push_back({{platform::kAudioUnitType_Effect, number, 1}, std::move(name), "Maker"});
@@ -225,14 +225,14 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
         complete([state = presetState, completion] { completion(state); });
     }
 
-    /// Completes the request that has waited longest, or the one after `index` others.
+    /// Completes the oldest request, or the one after `index` others.
     void deliver(std::size_t index = 0) {
         const auto deliverOne = std::move(pending.at(index));
         pending.erase(pending.begin() + static_cast<std::ptrdiff_t>(index));
         deliverOne();
     }
 
-    /// How many requests wait to be delivered.
+    /// The number of undelivered requests.
     [[nodiscard]] std::size_t pendingCount() const { return pending.size(); }
 
     void deliverAll() {
@@ -245,19 +245,19 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
             thread.join();
     }
 
-    /// The instance made last; throws where it is gone.
+    /// The newest instance; throws if it is gone.
     [[nodiscard]] std::shared_ptr<ScriptedAudioUnit> lastUnit() const {
         const std::scoped_lock guard(mutex);
         return std::shared_ptr(last);
     }
-    /// The same; null where it is gone.
+    /// The newest instance; null if it is gone.
     [[nodiscard]] std::shared_ptr<ScriptedAudioUnit> lastUnitIfThere() const {
         const std::scoped_lock guard(mutex);
         return last.lock();
     }
 
     Delivery delivery = Delivery::atOnce;
-    /// What every instantiation gives; an empty text stands for no error at all.
+    /// The result of every instantiation; an empty text stands for a null error.
     std::optional<platform::Error> failure;
     int instantiations = 0;
     double expectedSampleRate = 0.0;
@@ -265,9 +265,9 @@ class ScriptedAudioUnitHost final : public platform::AudioUnitHost {
     ScriptedAudioUnit::Report report;
     std::vector<platform::AVAudioUnitComponent> components;
 
-    /// Of every component.
+    /// The presets of every component.
     std::vector<platform::AUAudioUnitPreset> presets;
-    /// What every preset is read as.
+    /// The content of every preset.
     platform::Result<platform::PropertyList::Dictionary> presetState = platform::PropertyList::Dictionary{};
 
   private:

@@ -20,10 +20,10 @@
 #include <string>
 #include <thread>
 
-// An LV2 plugin that multiplies its input by its control "gain", has its worker multiply the gain by ten and
-// shows that as "answer"; the answer is -1 where the host has not connected its other ports as it should. Its
-// state is one value of each kind that there is, and the path of a file as a path and as a text. Atoms that
-// it is sent it sends back; those of an integer below 0 with a size that is not theirs.
+// An LV2 plugin that multiplies its input by its control "gain". Its worker multiplies the gain by ten, which
+// it outputs as "answer"; the answer is -1 if the host has not connected the other ports correctly. Its state
+// has one value of every type, and a file's path as a path and as a text. It returns the atoms it receives;
+// those with a negative integer with a wrong size.
 
 namespace {
 
@@ -35,7 +35,7 @@ struct Plugin {
     LV2_URID_Map* map = nullptr;
     LV2_Worker_Schedule* schedule = nullptr;
     LV2_Log_Log* log = nullptr;
-    /// Of the last work.
+    /// Set by the last work.
     std::atomic<LV2_Worker_Respond_Function> respond = nullptr;
     std::atomic<LV2_Worker_Respond_Handle> respondHandle = nullptr;
     std::array<void*, 12> ports{};
@@ -60,7 +60,7 @@ struct Plugin {
     }
 };
 
-/// While it lives, a plugin is set up or ended.
+/// Marks a call that sets up or ends a plugin.
 class SetUp final {
   public:
     SetUp() {
@@ -177,7 +177,7 @@ LV2_Worker_Status work(
     auto& plugin = *static_cast<Plugin*>(instance);
     plugin.respondHandle = handle;
     plugin.respond = respond;
-    // As most work does, this allocates.
+    // Allocates, as most work does.
     const auto answer = std::make_unique<float>(*static_cast<const float*>(data) * 10.0F);
     const LV2_Worker_Status status = respond(handle, sizeof *answer, answer.get());
     probe.worksDone.fetch_add(1);
@@ -198,7 +198,7 @@ LV2_Worker_Status endRun(LV2_Handle) {
     return LV2_WORKER_SUCCESS;
 }
 
-/// What a path is to the state or, `isRestored`, to the plugin.
+/// Maps a path to its form in the state or, if `isRestored`, in the plugin.
 std::string mapped(const std::string& path, bool isRestored, const LV2_Feature* const* features) {
     const LV2_State_Map_Path* map = nullptr;
     const LV2_State_Free_Path* free = nullptr;
@@ -302,7 +302,7 @@ void cleanup(LV2_Handle handle) {
     throwIf(ScriptedLv2Probe::Throw::cleanup);
 }
 
-/// Multiplies its input by ten times its third port, once its worker has worked that out.
+/// Multiplies its input by ten times its third port, which its worker computes.
 void amplifyByWork(LV2_Handle handle, std::uint32_t frameCount) {
     const auto& plugin = *static_cast<Plugin*>(handle);
     for (std::uint32_t i = 0; i < frameCount; ++i)
@@ -310,7 +310,7 @@ void amplifyByWork(LV2_Handle handle, std::uint32_t frameCount) {
     plugin.schedule->schedule_work(plugin.schedule->handle, sizeof(float), plugin.ports[2]);
 }
 
-/// One input goes to one output and, three times as loud, to another.
+/// Copies one input to one output and, three times as loud, to another.
 void split(LV2_Handle handle, std::uint32_t frameCount) {
     const auto& plugin = *static_cast<Plugin*>(handle);
     for (std::uint32_t i = 0; i < frameCount; ++i) {
@@ -319,7 +319,7 @@ void split(LV2_Handle handle, std::uint32_t frameCount) {
     }
 }
 
-/// One input and, three times as loud, another go to one output.
+/// Adds one input and, three times as loud, another.
 void join(LV2_Handle handle, std::uint32_t frameCount) {
     const auto& plugin = *static_cast<Plugin*>(handle);
     for (std::uint32_t i = 0; i < frameCount; ++i)

@@ -12,66 +12,66 @@
 
 namespace orvane::test {
 
-/// What a test and the scripted plugin's editor know of each other. One thread.
+/// Shared by a test and the scripted plugin's editor. One thread.
 struct ScriptedEditorProbe {
-    // What the next one does.
+    // The behaviour of the next editor.
     bool refuses = false;
-    /// Asked for while it is opened, where it is not 0.
+    /// Requested while opening, if it is not 0.
     int width = 0;
     bool wantsToClose = false;
-    /// Where it throws.
+    /// The call that throws.
     enum class Throw { nowhere, instantiate, extensionData, portEvent, idle, cleanup };
     Throw throwsIn = Throw::nowhere;
 
-    // Of the one that was opened last.
+    // Set by the last editor that was opened.
     LV2UI_Write_Function write = nullptr;
     LV2UI_Controller controller = nullptr;
     const LV2UI_Resize* resize = nullptr;
     std::map<std::string, void*> features;
     std::uint32_t gainPort = 0;
 
-    // Of all since the last reset.
-    /// Control values by port, in the order in which they came.
+    // Of all editors since the last reset.
+    /// Control values by port, in order of arrival.
     std::vector<std::pair<std::uint32_t, float>> values;
-    /// Atoms of integers.
+    /// The integers in received atoms, by port.
     std::vector<std::pair<std::uint32_t, std::int32_t>> messages;
     int idleCalls = 0;
     int openCount = 0;
-    /// How many plugins were there when an editor was closed.
+    /// The number of plugins each time an editor was closed.
     std::vector<int> pluginsAtClose;
 };
 
-/// What a test and the scripted LV2 plugin, which is a library of its own, know of each other.
+/// Shared by a test and the scripted LV2 plugin, which is a separate library.
 struct ScriptedLv2Probe {
-    /// Where the plugin throws.
+    /// The call that throws.
     enum class Throw { nowhere, instantiate, extensionData, run, work, workResponse, save, restore, cleanup };
 
     std::atomic<Throw> throwsIn = Throw::nowhere;
-    /// save() and restore() do what they do and say that they failed.
+    /// save() and restore() work, but report failure.
     std::atomic<bool> deniesState = false;
-    /// What run() puts into every sample, where it is not 0.
+    /// Every output sample of run(), if it is not 0.
     std::atomic<float> plays = 0.0F;
-    /// Schedules work, answers work, maps a URI and logs, on the calling thread, for the plugin made last;
-    /// the number of calls that the host took.
+    /// Schedules work, responds, maps a URI and logs, on the calling thread, for the newest plugin. Returns
+    /// the number of calls that the host accepted.
     std::function<int()> callHost;
-    /// instantiate() does not return while this is set.
+    /// instantiate() blocks while this is set.
     std::atomic<bool> holdsInstantiate = false;
     std::atomic<bool> isInstantiating = false;
-    /// work() does not return while this is set.
+    /// work() blocks while this is set.
     std::atomic<bool> holdsWork = false;
     std::atomic<bool> isWorking = false;
     std::atomic<int> worksDone = 0;
     /// work_response() schedules work.
     std::atomic<bool> goesOnWorking = false;
-    /// restore() does not return while this is set.
+    /// restore() blocks while this is set.
     std::atomic<bool> holdsRestore = false;
     std::atomic<bool> isRestoring = false;
     std::atomic<int> runsDuringRestore = 0;
     std::atomic<int> runsEnded = 0;
     std::atomic<int> pluginCount = 0;
-    /// Plugins cleaned up that were still active, or had never been.
+    /// Plugins cleaned up while active or before being activated.
     std::atomic<int> untimelyCleanups = 0;
-    /// Calls of instantiate(), activate(), deactivate() and cleanup() that came within another one.
+    /// Calls of instantiate(), activate(), deactivate() and cleanup() that overlapped another one.
     std::atomic<int> overlappingSetUps = 0;
     ScriptedEditorProbe editor;
 };

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <stdexcept>
 
-// The editor of the scripted plugin. It has no window; it writes down what it is told, and a test writes in
-// its name.
+// The scripted plugin's editor. It has no window: it records calls, and a test writes control values through
+// it.
 
 namespace {
 

@@ -13,8 +13,7 @@
 
 namespace orvane::test {
 
-/// MIDI services whose sources and failures a test sets, and which write down what they are asked to do. One
-/// thread.
+/// MIDI services with scripted sources and failures, which record calls. One thread.
 class ScriptedMIDIServices final : public platform::MIDIServices {
   public:
     struct Source {
@@ -82,14 +81,14 @@ class ScriptedMIDIServices final : public platform::MIDIServices {
         return platform::noErr;
     }
 
-    /// What was asked for since the last time.
+    /// Returns the calls since the last time.
     std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }
 
     std::vector<Source> sources;
     platform::OSStatus clientStatus = platform::noErr;
     platform::OSStatus portStatus = platform::noErr;
     platform::OSStatus stringStatus = platform::noErr;
-    /// Kept after they were disposed of, as services may call late.
+    /// Kept after their disposal, because services may call late.
     platform::MIDINotifyBlock notify;
     platform::MIDIReadBlock read;
 

@@ -1,5 +1,5 @@
-// A PCM type for the tests' own configurations: "hardware" with exactly the abilities that its definition
-// states, that is always a period ahead and fails as it is told to.
+// A PCM type for the tests' configurations: "hardware" with exactly the abilities in its definition, always
+// one period ahead, with scripted failures.
 
 #include <alsa/asoundlib.h>
 #include <alsa/pcm_external.h>
@@ -19,7 +19,7 @@
 
 namespace {
 
-/// How many are open in each direction.
+/// The number of open PCMs in each direction.
 std::atomic<int> openCounts[SND_PCM_STREAM_LAST + 1];
 
 struct ScriptedPcm {
@@ -34,35 +34,35 @@ struct ScriptedPcm {
     snd_pcm_ioplug_t io{};
     std::atomic<int>& openCount;
 
-    // Of the definition.
+    // Set by the definition.
     long channels = 2;
     long rate = 48000;
-    /// Another rate that it offers, or 0.
+    /// An additional sample rate, or 0.
     long secondRate = 0;
     long format = SND_PCM_FORMAT_S32_LE;
     long period = 64;
     long access = SND_PCM_ACCESS_RW_INTERLEAVED;
-    /// Errors, as positive numbers, that opening and that moving samples ends with.
+    /// Positive errno values with which opening and transfers fail.
     long openError = 0;
     long error = 0;
-    /// How many transfers go well before the first that fails, and how many do fail.
+    /// The number of transfers before the first failure, and the number of failures.
     long errorAfter = 0;
     long errorCount = 1;
-    /// How many transfers there are from one that fails to the next.
+    /// The interval between failing transfers.
     long errorEvery = 1;
-    /// How long the first period takes after a start, in milliseconds.
+    /// The delay of the first period after a start, in milliseconds.
     long startDelay = 0;
-    /// The most periods that the buffer can hold.
+    /// The maximum number of periods in the buffer.
     long periods = 2;
-    /// How many transfers go well before the device falls silent.
+    /// The number of transfers before the device falls silent.
     long silentAfter = -1;
-    /// How long a transfer takes, in microseconds.
+    /// The duration of a transfer in microseconds.
     long pause = 0;
-    /// While there is a file of that name, the device is unplugged.
+    /// The device is unplugged while this file exists.
     std::string gone;
-    /// A file that is made whenever the device is opened.
+    /// Created whenever the device is opened.
     std::string opened;
-    /// Whether a direction can only be opened once at a time.
+    /// Whether each direction can be opened only once at a time.
     long exclusive = 0;
 
     long transferCount = 0;
@@ -198,6 +198,6 @@ int _snd_pcm_scripted_open(
     return 0;
 }
 
-// The library looks for it to know which version of its interface the type was made for.
+// Tells the library which version of its interface the type was made for.
 extern const char __snd_pcm_scripted_open_dlsym_pcm_001 = 0;
 }

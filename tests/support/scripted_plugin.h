@@ -32,7 +32,7 @@ inline std::string scripted(const std::string& variant, const std::string& more 
     );
 }
 
-/// A description of a scripted plugin that has three audio ports and nothing else.
+/// A description of a scripted plugin with three audio ports only.
 inline std::string
 scriptedPorts(const std::string& variant, const char* first, const char* second, const char* third) {
     return fmt::format(
@@ -43,7 +43,7 @@ scriptedPorts(const std::string& variant, const char* first, const char* second,
     );
 }
 
-/// A description of the scripted amplifier, which is silent unless blocks are rendered offline.
+/// A description of the scripted amplifier, which is silent except in offline rendering.
 inline std::string scriptedAmplifier() {
     return fmt::format(
         R"(<urn:orvane:test:amplifier> a lv2:Plugin ; doap:name "amplifier" ; lv2:binary <file://{}> ; lv2:port
@@ -53,7 +53,7 @@ inline std::string scriptedAmplifier() {
     );
 }
 
-/// What the scripted plugin and its editor tell.
+/// The probe that the scripted plugin and its editor share with the test.
 inline ScriptedLv2Probe& probe() {
     void* const library = ::dlopen(scriptedLv2Library.c_str(), RTLD_NOW | RTLD_LOCAL);
     return *reinterpret_cast<decltype(&orvaneScriptedLv2Probe)>(::dlsym(library, "orvaneScriptedLv2Probe"))();

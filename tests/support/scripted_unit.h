@@ -10,7 +10,7 @@
 
 namespace orvane::test {
 
-/// What one call of a scripted effect does.
+/// The behaviour of one call of a scripted effect.
 enum class UnitAct {
     /// Doubles its input.
     doubles,
@@ -18,17 +18,17 @@ enum class UnitAct {
     leftOnly,
     /// Returns an error and leaves rubbish in its outputs.
     fails,
-    /// Succeeds with no buffer for its last output.
+    /// Succeeds with a null buffer for its last output.
     losesPointer,
-    /// Puts buffers of its own, full of 0.25, into the list.
+    /// Replaces the buffers in the list with its own, full of 0.25.
     replacesPointers,
-    /// Succeeds with one output fewer than it was asked for.
+    /// Succeeds with one output too few.
     dropsOutput,
-    /// Leaves what is no sound in its outputs, another kind every sample.
+    /// Outputs invalid samples, another kind each.
     blowsUp,
 };
 
-/// An effect that does as it is told, one act a call, the last one for ever, and keeps what it was given.
+/// A scripted effect: one act per call, the last one forever. Records its arguments.
 class ScriptedUnit final {
   public:
     explicit ScriptedUnit(std::deque<UnitAct> script) : acts(std::move(script)), own(4096, 0.25F) {}
@@ -45,7 +45,7 @@ class ScriptedUnit final {
 
     int calls = 0;
     platform::AudioTimeStamp lastTime;
-    /// The output pointers that the last call was handed.
+    /// The output pointers of the last call.
     std::vector<const void*> handed = std::vector<const void*>(2, nullptr);
 
   private:

@@ -10,7 +10,7 @@
 
 namespace orvane::test {
 
-/// Windows that tell what was done with them.
+/// Windows that record calls.
 struct ScriptedWindows final : platform::EditorWindows {
     struct Window final : platform::NSWindowController {
         explicit Window(ScriptedWindows& madeBy) : windows(madeBy) {}

@@ -11,7 +11,7 @@
 
 namespace orvane::test {
 
-/// Starts a program that lives no longer than the test, without standard streams; gives its process.
+/// Starts a program without standard streams that ends with the test; returns its process id.
 inline pid_t startServer(std::vector<std::string> words) {
     std::vector<char*> arguments;
     for (std::string& word : words)

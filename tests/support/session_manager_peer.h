@@ -15,7 +15,7 @@
 
 namespace orvane::test {
 
-/// A session manager on a loopback port, which says what a test has it say. Used by one thread.
+/// A scripted session manager on a loopback port. One thread.
 class SessionManagerPeer final {
   public:
     SessionManagerPeer() { lo_server_add_method(server.get(), nullptr, nullptr, keep, this); }
@@ -29,13 +29,12 @@ class SessionManagerPeer final {
         return address;
     }
 
-    /// Waits for a message whose path and arguments begin like this, and takes all up to it from those that
-    /// came.
+    /// Waits for a message whose path and arguments start like this; discards it and earlier ones.
     bool hears(const std::string& beginning) {
         return hearsWhile(beginning, [] {});
     }
 
-    /// The same for a client that has to be called again and again meanwhile.
+    /// As above, calling `clientsTask` repeatedly meanwhile.
     template <class Task>
     bool hearsWhile(const std::string& beginning, Task clientsTask) {
         return waitFor([&] {
@@ -52,17 +51,17 @@ class SessionManagerPeer final {
         });
     }
 
-    /// What was heard last.
+    /// The last message that was awaited.
     [[nodiscard]] const std::string& message() const { return last; }
 
-    /// Says something to the client that was heard last.
+    /// Sends a message to the client that sent the last one.
     template <class... Arguments>
     void say(const char* path, const char* types, Arguments... arguments) {
         constexpr lo_timetag immediately{0, 1};
         lo_send_from(client, server.get(), immediately, path, types, arguments...);
     }
 
-    /// Speaks to the client of another peer from now on.
+    /// From now on sends to the client of another peer.
     void speakToClientOf(const SessionManagerPeer& other) {
         lo_address_free(client);
         client = lo_address_new(lo_address_get_hostname(other.client), lo_address_get_port(other.client));
@@ -82,7 +81,7 @@ class SessionManagerPeer final {
         std::string text = path;
         for (int index = 0; index < count; ++index) {
             text += ' ';
-            // They stand at multiples of four bytes, which is less than the union asks for.
+            // Arguments are aligned to four bytes, which is less than the union requires.
             std::int32_t number = 0;
             std::memcpy(&number, values[index], sizeof number);
             text +=

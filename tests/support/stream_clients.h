@@ -14,7 +14,7 @@
 
 namespace orvane::test {
 
-/// Keeps what it hears and plays numbers that name their channel and frame.
+/// Records its input and plays numbers that identify channel and frame.
 class KeepingClient final : public platform::AudioStreamClient {
   public:
     void cycle(
@@ -34,14 +34,14 @@ class KeepingClient final : public platform::AudioStreamClient {
         lengths.push_back(frameCount);
     }
 
-    /// Channels x frames, since it was made.
+    /// Channels x frames since construction.
     std::vector<std::vector<float>> heard;
     std::vector<std::vector<float>> played;
     /// Frames of each cycle.
     std::vector<std::size_t> lengths;
 };
 
-/// Plays silence, counts its cycles and lets other threads wait for them. No cycle may allocate.
+/// Plays silence and counts its cycles, which must not allocate; other threads can wait for them.
 class CountingClient final : public platform::AudioStreamClient {
   public:
     /// `inCycle` is called in every cycle, with its frame count.

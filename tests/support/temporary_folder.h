@@ -13,13 +13,13 @@
 
 namespace orvane::test {
 
-/// Where files are kept in memory; where there is no such place, that of all temporary files.
+/// A folder in memory if there is one, otherwise the folder of temporary files.
 inline std::filesystem::path memoryFolder() {
     const std::filesystem::path sharedMemory = "/dev/shm";
     return ::access(sharedMemory.c_str(), W_OK) == 0 ? sharedMemory : std::filesystem::temp_directory_path();
 }
 
-/// A folder of a test's own, removed with all that is in it.
+/// A folder for a test, removed with all its content.
 class TemporaryFolder final {
   public:
     explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
@@ -36,13 +36,13 @@ class TemporaryFolder final {
 
     std::filesystem::path operator/(std::string_view name) const { return path / name; }
 
-    /// Makes or overwrites a file and gives its path.
+    /// Creates or overwrites a file and returns its path.
     std::filesystem::path add(std::string_view name, std::string_view content) const {
         std::ofstream(path / name, std::ios::binary) << content;
         return path / name;
     }
 
-    /// The names of everything in it.
+    /// The names of all entries.
     [[nodiscard]] std::set<std::string> names() const {
         std::set<std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(path))
@@ -54,7 +54,7 @@ class TemporaryFolder final {
     std::filesystem::path path;
 };
 
-/// What a file holds.
+/// The content of a file.
 inline std::string contentOf(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

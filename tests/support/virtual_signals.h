@@ -12,7 +12,7 @@ namespace orvane::test {
 
 inline constexpr double steadyLevel = 0.25;
 
-/// An input whose every channel is a steady square wave.
+/// An input with a steady square wave on every channel.
 struct SteadyInput final : platform::virtual_devices::VirtualInput {
     void fill(std::span<const std::span<float>> blocks) noexcept override {
         for (const std::span<float>& block : blocks)
@@ -21,7 +21,7 @@ struct SteadyInput final : platform::virtual_devices::VirtualInput {
     }
 };
 
-/// Keeps the first and the last sample that each output played in its last cycle.
+/// Records the first and the last sample of each output in its last cycle.
 struct KeptOutput final : platform::virtual_devices::VirtualOutput {
     void take(std::span<const std::span<const float>> blocks) noexcept override {
         for (std::size_t channel = 0; channel < std::min(blocks.size(), played.size()); ++channel) {

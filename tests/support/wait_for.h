@@ -5,8 +5,8 @@
 
 namespace orvane::test {
 
-/// Waits until `condition` holds and returns true, or false if it never did for as long as even a busy
-/// machine under a sanitizer may take.
+/// Waits until `condition` holds. Returns false if it does not within a time that suffices for a busy
+/// computer and a sanitizer.
 template <class Condition>
 bool waitFor(Condition condition) {
     using namespace std::chrono_literals;
