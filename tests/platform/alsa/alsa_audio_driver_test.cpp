@@ -51,7 +51,7 @@ TEST(AlsaAudioDriver, ListsWhatIsConfiguredWithTheSoundServersLast) {
     EXPECT_EQ(driver->devices(), listed);
 }
 
-/// A card named as the machine's are.
+/// A card with the same name as the computer's.
 std::string cardDefinition(const std::string& playback, const std::string& capture) {
     return "pcm.hw { @args [ CARD DEV ] @args.CARD.type string @args.DEV.type string type asym playback.pcm "
            "{ "

@@ -34,14 +34,14 @@ using testing::ElementsAre;
 
 constexpr std::string_view scriptedUID = "alsa:device";
 
-/// Runs the device for as many cycles as the client awaits.
+/// Runs the device for the cycles that the client awaits.
 void run(AudioStream& stream, AlsaClient& client) {
     ASSERT_EQ(stream.start(), noErr);
     client.waitForCycles();
     stream.stop();
 }
 
-/// Samples that every format can carry, in the bytes of the format.
+/// Samples that every format can represent, in the format's bytes.
 std::string anySamples(const std::string& format, std::size_t count) {
     std::mt19937 random(7);
     std::string bytes;
@@ -59,7 +59,7 @@ std::string anySamples(const std::string& format, std::size_t count) {
     return bytes;
 }
 
-/// What a device is given to play whose client passes on what it hears.
+/// The bytes a device plays if its client passes its input through.
 std::string bytesPlayed(const std::string& hardware, const std::string& bytesHeard, std::size_t cycles) {
     AlsaFixture driver(
         "pcm.device.type asym\n"
@@ -153,7 +153,7 @@ TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
 }
 
 TEST(AlsaStream, TakesCyclesThatAreAlwaysLateForNoDeathOfTheDevice) {
-    // After two periods of silence each period comes too late.
+    // After two periods of silence, each period is late.
     AlsaFixture driver(R"(
         pcm.device {
             type asym
@@ -211,7 +211,7 @@ struct Lender final : PriorityLender {
         return 20;
     }
     int obtainable() override { return 20; }
-    /// The thread that is helped, and the one that asks.
+    /// The thread that is given priority, and the thread that asks.
     std::vector<std::pair<pid_t, pid_t>> calls;
 };
 
@@ -222,7 +222,7 @@ TEST(AlsaStream, BorrowsThePriorityThatItsThreadMayNotTake) {
     getrlimit(RLIMIT_RTPRIO, &before);
     const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
     setrlimit(RLIMIT_RTPRIO, &none);
-    // A thread of its own gives up the privileges that the I/O thread inherits.
+    // The privileges are dropped on a thread of its own; the I/O thread inherits that.
     std::thread([&] {
         __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
         __user_cap_data_struct noCapabilities[_LINUX_CAPABILITY_U32S_3] = {};

@@ -38,7 +38,7 @@ std::vector<std::byte> toBytes(const std::vector<int>& numbers) {
     return bytes;
 }
 
-/// Both ways.
+/// Exact in both directions.
 const FormatCase exactOnes[] = {
     {int16LE, 1.0F - step16, {0xFF, 0x7F}},
     {int16LE, -1.0F, {0x00, 0x80}},

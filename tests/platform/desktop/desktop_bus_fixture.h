@@ -17,7 +17,7 @@ using test::waitFor;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Returns the answer to `question`, which waits for `peer`; that serves it meanwhile.
+/// Serves `peer` while another thread runs the blocking `question`; returns the answer.
 template <class Peer, class Question>
 auto answerOf(Peer& peer, Question question) {
     auto answer = std::async(std::launch::async, std::move(question));

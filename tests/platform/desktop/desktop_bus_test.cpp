@@ -14,12 +14,12 @@ namespace {
 
 constexpr const char* request = "Inhibit sleep:idle ORVANE The mixer is running block";
 
-/// More than a call takes from its connection to its answer.
+/// More steps than a call needs from connecting to its answer.
 constexpr int stepsOfACall = 20;
 
 class DesktopBus : public testing::Test {
   protected:
-    /// Steps of the calls under way, each of which the desktop sees to.
+    /// Steps the pending calls and serves the desktop after each step.
     void step(int count = 1) {
         for (int i = 0; i < count; ++i) {
             mainThread.advance(20ms);
@@ -122,7 +122,7 @@ TEST_F(DesktopBus, TheLogSaysOnceWhySleepIsNotInhibited) {
             EXPECT_THAT(logged(), ElementsAre(one.says));
             refused.setHeld(false);
         }
-        // Who ends while a call is under way waits for nobody.
+        // Destroying the inhibitor during a call does not block.
         refused.setHeld(true);
         mainThread.advance(20ms);
     }

@@ -16,7 +16,7 @@ constexpr const char* path = "/org/freedesktop/ReserveDevice1/Audio3";
 constexpr const char* interface = "org.freedesktop.ReserveDevice1";
 constexpr auto forEver = 24h;
 
-/// Another program, which speaks to the bus without our code.
+/// Another program, which uses the bus without our code.
 class Program final {
   public:
     Program() {
@@ -26,7 +26,8 @@ class Program final {
         sd_bus_add_filter(opened, nullptr, serveRequest, this);
     }
 
-    /// Whether it owns the card's name afterwards, which others may take from it as the protocol demands.
+    /// Takes the card's name, and allows others to replace it as the protocol requires; returns whether it
+    /// owns it.
     bool take() { return sd_bus_request_name(bus.get(), card, SD_BUS_NAME_ALLOW_REPLACEMENT) >= 0; }
 
     void serve() {
@@ -34,7 +35,7 @@ class Program final {
         }
     }
 
-    /// Asks for the card; the answer comes when it is served.
+    /// Requests the card; the answer arrives when it is served.
     void ask(std::int32_t priority) {
         answer.reset();
         sd_bus_call_method_async(
@@ -68,7 +69,7 @@ class Program final {
         return text;
     }
 
-    /// What it says to who asks for the card, and with what priorities that was done.
+    /// The answer to requests for the card, and the priorities of those requests.
     bool lets = false;
     std::vector<std::int32_t> requests;
     std::optional<bool> answer;

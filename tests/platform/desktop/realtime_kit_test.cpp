@@ -44,7 +44,7 @@ TEST(RealtimeKit, TakesThePriorityFromAThreadThatComputesForTooLong) {
         const sched_param high{.sched_priority = 5};
         if (pthread_setschedparam(pthread_self(), SCHED_FIFO, &high) != 0)
             GTEST_SKIP() << "No real-time priority is to be had here.";
-        // What the kernel sends the thread then.
+        // The kernel sends this signal at the limit.
         raise(SIGXCPU);
         EXPECT_EQ(sched_getscheduler(0) & ~SCHED_RESET_ON_FORK, SCHED_OTHER);
     }).join();

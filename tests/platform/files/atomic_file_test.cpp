@@ -15,7 +15,7 @@ using namespace orvane::test;
 using std::filesystem::path;
 using testing::ElementsAre;
 
-/// What writing a text says.
+/// Writes a text; returns the error message.
 std::string write(const path& target, std::string_view text) {
     return descriptionOf(writeFileAtomically(target, std::as_bytes(std::span(text))));
 }

@@ -83,7 +83,7 @@ std::string bigEndian(std::uint64_t number, std::size_t width) {
     return text;
 }
 
-/// A binary property list of hand-made objects, references of one byte, the first object at the top.
+/// A binary property list of hand-made objects, with one-byte references and the first object at the top.
 Bytes listOf(const std::vector<std::string>& objects) {
     std::string bytes = "bplist00";
     std::string table;
@@ -157,7 +157,7 @@ TEST(PropertyList, SurvivesWhateverBecomesOfItsBytes) {
             bytes[index] = static_cast<std::uint8_t>(wholeBetween(random, 0, 255));
         }
         const auto read = propertyListWithData(bytes);
-        // What is read can be written and read again.
+        // Whatever can be read survives a round trip.
         if (!read) continue;
         ++readable;
         EXPECT_TRUE(dataWithPropertyList(read.value())) << "round " << round;

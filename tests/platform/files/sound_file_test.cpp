@@ -26,7 +26,7 @@ using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-/// Where the low 32 bits of a FLAC file's length stand, in frames.
+/// The offset of the low 32 bits of a FLAC file's length in frames.
 constexpr std::size_t flacLengthField = 22;
 
 using Channels = std::vector<std::vector<float>>;
@@ -38,8 +38,8 @@ std::vector<std::span<const float>> part(const Channels& channels, std::size_t s
     return blocks;
 }
 
-/// Any bit pattern but those of signalling NaNs, which a processor may quieten on the way; the values that
-/// careless writers change come first.
+/// Any bit pattern except signalling NaNs, which a processor may make quiet; starts with the values that
+/// careless writers change.
 Channels anyFloats(std::size_t channelCount, std::size_t frameCount) {
     using Limits = std::numeric_limits<float>;
     constexpr float notable[] = {
@@ -66,7 +66,7 @@ std::string interleavedBytes(const Channels& channels) {
     return bytes;
 }
 
-/// Writes a file at 44.1 kHz in blocks of no pattern, below and above what goes to the library at once.
+/// Writes a file at 44.1 kHz in irregular blocks, below and above the size of the writer's buffer.
 void writeFile(const path& file, const Channels& channels) {
     auto writer = SoundFileWriter::create(file, channels.size(), 44100.0);
     ASSERT_EQ(descriptionOf(writer), "success");
@@ -79,8 +79,8 @@ void writeFile(const path& file, const Channels& channels) {
     ASSERT_EQ(descriptionOf(writer.value().commit()), "success");
 }
 
-/// Writes full-scale random integers of 16, 24 or 32 bits at 96 kHz with the library itself and returns the
-/// samples that a reader should find.
+/// Writes full-scale random integers of 16, 24 or 32 bits at 96 kHz with the library itself, and returns the
+/// samples that a reader must find.
 Channels writeIntegers(const path& file, int container, int bits, std::size_t channelCount, int frameCount) {
     const int format = container | (SF_FORMAT_PCM_16 + (bits - 16) / 8);
     SF_INFO info{0, 96000, static_cast<int>(channelCount), format, 0, 0};
@@ -101,7 +101,7 @@ Channels writeIntegers(const path& file, int container, int bits, std::size_t ch
     return channels;
 }
 
-/// Reads a file whole and compares it bit by bit.
+/// Reads a whole file and compares it bit by bit.
 void expectFile(const path& file, const Channels& expected, double sampleRate) {
     auto reader = SoundFileReader::open(file);
     ASSERT_EQ(descriptionOf(reader), "success");

@@ -12,7 +12,7 @@ using orvane::platform::applicationSupportDirectory;
 using orvane::platform::configurationDirectory;
 using std::filesystem::path;
 
-/// A variable of the environment for as long as it lives; absent for no value.
+/// Sets an environment variable, or removes it if there is no value, until destroyed.
 class Variable final {
   public:
     Variable(const char* changed, const std::optional<std::string>& value) : name(changed) {

@@ -7,8 +7,8 @@
 #include <deque>
 #include <mutex>
 
-// Stands before libjack's function of the same name in this program, so that every process callback runs
-// under the allocation guard.
+// Overrides libjack's function of the same name in this program, so that every process callback runs under
+// the allocation guard.
 
 namespace {
 
@@ -17,7 +17,7 @@ struct Callback {
     void* argument;
 };
 
-/// The server lets one client's callback follow another's, which ThreadSanitizer does not see.
+/// The server orders the clients' callbacks, which ThreadSanitizer does not see.
 std::atomic<unsigned> order = 0;
 
 int runGuarded(jack_nframes_t frameCount, void* callback) {
@@ -29,10 +29,10 @@ int runGuarded(jack_nframes_t frameCount, void* callback) {
     return result;
 }
 
-/// libjack calls what it was given until its client has closed, which nobody here hears of: they are kept.
+/// Never freed: libjack uses it until its client has closed, which is not visible here.
 void* keep(const Callback& callback) {
     static std::mutex mutex;
-    // Never destroyed: callbacks may still come while the program ends.
+    // Never destroyed: callbacks may still run while the program ends.
     static auto* const kept = new std::deque<Callback>;
     const std::scoped_lock lock(mutex);
     return &kept->emplace_back(callback);

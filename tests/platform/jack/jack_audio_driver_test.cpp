@@ -48,7 +48,7 @@ struct SilentClient final : AudioStreamClient {
     }
 };
 
-/// What a watch was told, with the buffer size that the listener read then.
+/// Records a watch's notifications, with the buffer size that the listener read.
 class WatchLog final {
   public:
     WatchLog(AudioDriver& driver, const std::string& uid)
@@ -257,7 +257,7 @@ TEST(JackAudioDriver, SurvivesItsServerAndFindsTheNextOne) {
         EXPECT_THAT(driver.jack.devices(), IsEmpty());
 
         server.restart();
-        // The server answers before it takes clients.
+        // The server answers before it accepts clients.
         EXPECT_TRUE(waitFor([&] { return driver.jack.devices().size() == 1; })) << "signal " << signal;
         EXPECT_EQ(kept.value()->start(), kAudioHardwareBadDeviceError);
         EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 512), noErr);

@@ -35,7 +35,7 @@ std::set<int> descriptors() {
     return open;
 }
 
-/// What `open` gives, with the means to let the server lose sight of the clients opened in it alone.
+/// The result of `open`, and a way to make the server lose sight of only the clients opened in it.
 template <class Opened>
 class ShutOut final {
   public:
@@ -66,7 +66,7 @@ class JackClientsTest : public testing::Test {
         return std::move(driver.open("jack:system", true, client)).value();
     }
 
-    /// Who waits for clients waits for one that is shut out.
+    /// A server that waits for its clients would wait for one that is shut out.
     JackTestServer server{{.waitsForClients = false}};
     JackClients clients{uniqueJackName("ORVANE")};
     JackAudioDriver driver{clients};

@@ -48,13 +48,13 @@ struct Driver {
     }
 };
 
-/// Plays until something comes through: a connection counts from one of the next cycles on.
+/// Plays until a message arrives: a connection takes effect in one of the next cycles.
 bool awaitMessages(JackMIDIPeer& peer, std::size_t port, const ReceivedMIDI& received) {
     const std::size_t before = received.get().size();
     return waitFor([&] { return peer.play({{port, {0xFE}}}) && received.get().size() > before; });
 }
 
-/// What came but for the active sensing with which `awaitMessages` looks whether anything does.
+/// Removes the active sensing messages with which `awaitMessages` probes the connection.
 ReceivedMIDI::Packets withoutSensing(ReceivedMIDI::Packets packets) {
     std::erase(packets, Message{0xFE});
     return packets;
@@ -98,8 +98,8 @@ TEST(JackMIDIDriver, HandsOnWhatItsSourcesSendInTheOrderOfTheirFrames) {
     );
 }
 
-// In bursts as large as JACK itself can carry in a cycle, with a receiver that does not keep up, and in a
-// larger one.
+// In bursts as large as JACK can carry in one cycle, with a receiver that does not keep up; and in a larger
+// one.
 TEST(JackMIDIDriver, DeliversOrCountsEveryMessageOfAStorm) {
     const JackTestServer server({.period = 1024});
     std::vector<std::string> lines;
@@ -189,7 +189,7 @@ TEST(JackMIDIDriver, HasNoSourcesAndNothingToSayWhereNoServerRuns) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-/// A manager over a JACK server, with what it was told.
+/// A manager over a JACK server, with its notifications.
 struct Listening {
     explicit Listening(JackClients& clients)
         : services([&clients] {
@@ -244,7 +244,7 @@ TEST(JackMIDIDriver, KeepsASelectionWhileSourcesComeAndGo) {
     EXPECT_EQ(listening.changes.load(), changesBefore) << "connections are no changes";
 }
 
-/// The server answers before it takes clients.
+/// The server answers before it accepts clients.
 std::unique_ptr<MIDIOwnSource> waitForSource(MIDIDriver& driver, const char* name) {
     std::unique_ptr<MIDIOwnSource> source;
     waitFor([&] {

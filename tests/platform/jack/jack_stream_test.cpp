@@ -33,17 +33,17 @@ using orvane::test::waitFor;
 
 constexpr const char* uid = "jack:system";
 
-/// What makes a jackd behave as another server would.
+/// Makes a jackd behave like another server.
 struct {
-    /// It calls itself PipeWire, and need not report missed cycles.
+    /// Calls itself PipeWire, and need not report missed cycles.
     bool isPipeWire = false;
-    /// Something else makes each connection just before a stream does.
+    /// Makes each connection just before a stream does.
     bool connectsFirst = false;
 } disguise;
 
-/// Gives every input to the output before it with its sign changed, or the peer's signal if the stream has no
-/// inputs. From its second cycle on until `mayAllocate` is set, nothing on the I/O thread may allocate,
-/// within its cycles or between.
+/// Negates each input into the output of the same index, or the peer's signal if the stream has no inputs.
+/// From its second cycle on, nothing on the I/O thread may allocate, within its cycles or between, until
+/// `mayAllocate` is set.
 struct InvertingClient final : AudioStreamClient {
     std::atomic<std::size_t> cycleCount = 0;
     std::atomic<std::size_t> lastFrameCount = 0;
@@ -209,7 +209,7 @@ TEST(JackStream, HasNoRealTimePriorityOnAServerThatHasNone) {
     EXPECT_EQ(stream.value()->realtimePriority(), 0);
 }
 
-/// Returns from some of its cycles, once it has settled, only when the server has reported each as late.
+/// Once settled, returns from some of its cycles only when the server has reported each as late.
 struct LateClient final : AudioStreamClient {
     explicit LateClient(const JackPeer& reported) : witness(reported) {}
     const JackPeer& witness;
@@ -240,7 +240,7 @@ TEST(JackStream, CountsEachMissedCycleOnceAlsoOnServersThatReportNone) {
         EXPECT_EQ(stream.value()->xrunCount(), 0U);
         const std::uint32_t before = witness.xrunCount();
         ASSERT_EQ(stream.value()->start(), noErr);
-        // One may have been on its way when the stream started.
+        // One may have been pending when the stream started.
         EXPECT_TRUE(waitFor([&] {
             const std::int64_t counted = stream.value()->xrunCount();
             const std::int64_t reported = witness.xrunCount() - before;
@@ -266,14 +266,14 @@ TEST(JackStream, TakesConnectionsThatExistAlready) {
 
 } // namespace
 
-// These stand before libjack's functions of the same names in this program.
+// Override libjack's functions of the same names in this program.
 extern "C" {
 
 const char* jack_get_version_string() {
     return disguise.isPipeWire ? "3 (using PipeWire)" : "1";
 }
 
-/// jackd's store of properties is not for tests: see JackClient::setPrettyName.
+/// Tests must not write to jackd's property store: see JackClient::setPrettyName.
 int jack_set_property(jack_client_t*, jack_uuid_t, const char*, const char*, const char*) {
     return 0;
 }

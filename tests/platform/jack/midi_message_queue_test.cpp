@@ -33,7 +33,7 @@ TEST(MIDIMessageQueue, TakesALongMessageWholeOrNotAtAll) {
         taken.insert(taken.end(), piece.data().begin(), piece.data().end());
         return true;
     };
-    // There is room for three pieces of the four.
+    // The queue has room for three of the four pieces.
     for (int i = 0; i < 3; ++i)
         ASSERT_TRUE(take());
     EXPECT_FALSE(pushed(exclusive));

@@ -200,7 +200,7 @@ TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
     ASSERT_EQ(first.lines.size(), 1U);
     const std::string kept = test::contentOf(folder / "cache/effects");
 
-    // The description is still the old one, but the bundle says that it was written.
+    // The description is unchanged, but its stamp says that it was written.
     const std::string description = bundles.searchPath() + "a.lv2/manifest.ttl";
     const auto written = std::filesystem::last_write_time(description);
     bundles.add("a.lv2", Lv2Bundles::plugin("urn:a", "Changed", ""));

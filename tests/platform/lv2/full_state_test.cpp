@@ -67,13 +67,13 @@ TEST_F(FullState, StateIsWhatMeansTheSameInAnotherProcess) {
     EXPECT_EQ(state, std::get<Dictionary>(list.value));
     EXPECT_EQ(std::get<Dictionary>(state.at("state").value).size(), 6U) << "no pointer, no object";
 
-    // Other numbers stand for the URIs there.
+    // Another host has other numbers for the URIs.
     Lv2UnitHost otherHost(log, bundles.searchPath());
     test::instantiate(otherHost, "safe");
     const auto second = test::instantiate(otherHost, "plain").unit;
     EXPECT_TRUE(second->setFullState(state));
     EXPECT_EQ(second->fullState(), state);
-    // The state goes over to the instance that another rate needs.
+    // The state carries over to the instance for another rate.
     ASSERT_EQ(setUp(*second, 1, 96000.0), "");
     EXPECT_EQ(second->fullState(), state);
 }

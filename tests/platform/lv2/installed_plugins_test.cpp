@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// The distribution's own plugins, as users have them.
+// Tests with the distribution's own plugins, as users have them.
 
 namespace orvane::platform::lv2 {
 namespace {
@@ -52,7 +52,7 @@ std::vector<float> sine(double frequency, double sampleRate, std::size_t frames)
 /// The gain at a frequency in dB, measured once the unit has settled.
 double gainDB(AUAudioUnit& unit, std::size_t channels, double frequency, double sampleRate) {
     UnitRenderer renderer(unit, channels);
-    // A second in blocks of a whole number of waves, which join without a step.
+    // One second, in blocks of a whole number of periods, which join seamlessly.
     const auto wave = sine(frequency, sampleRate, static_cast<std::size_t>(sampleRate) / 50);
     for (int block = 0; block < 50; ++block)
         EXPECT_EQ(renderer.renderBlock(wave), noErr);
@@ -65,7 +65,7 @@ double gainDB(AUAudioUnit& unit, std::size_t channels, double frequency, double 
     return 10.0 * std::log10(power(renderer.outputs.back()) / power(wave));
 }
 
-/// Plugins that a sanitizer ends the program for: they read beyond memory of their own.
+/// Plugins that a sanitizer ends the program for: they read outside their memory.
 bool isLeftToItself(const std::string& name) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return name.starts_with("Phaserotate");
@@ -75,9 +75,9 @@ bool isLeftToItself(const std::string& name) {
 #endif
 }
 
-/// Whether blocks of noise of all lengths come out as numbers.
+/// Checks that blocks of noise of all lengths give finite outputs.
 void renderNoise(AUAudioUnit& unit, std::size_t channels, const std::string& name) {
-    // Its first blocks set up a transform, on the audio thread.
+    // Its first blocks set up a transform on the audio thread.
     const bool isGuarded = !name.starts_with("x42 Instrument Tuner");
     UnitRenderer renderer(unit, channels);
     for (const std::size_t frames : {1, 64, 4096, 37, 4095, 1024, 1}) {
@@ -172,7 +172,7 @@ TEST_F(InstalledPlugins, AnEditorIsThereWhereThereIsSomethingToEdit) {
         make(name)->requestViewController([&](auto made) { editor = std::move(made); });
         return editor;
     };
-    // It is what keeps the unit alive here.
+    // The editor alone keeps the unit alive here.
     const auto editor = editorOf("Stereo Balance Control");
     ASSERT_TRUE(editor);
     EXPECT_EQ(parameter(editor->unit(), "trim").info().unitName, "dB");

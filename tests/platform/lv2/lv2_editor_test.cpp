@@ -78,7 +78,7 @@ class Lv2EditorTest : public testing::Test {
         const auto* const map = static_cast<const LV2_URID_Map*>(probe().editor.features.at(LV2_URID__map));
         return map->map(map->handle, uri);
     }
-    /// `claimed`: the size that the atom says it has.
+    /// `claimed`: the size in the atom's header.
     static void send(std::uint32_t port, std::int32_t number, std::uint32_t claimed = 4) {
         const std::array<std::uint32_t, 3> atom{
             claimed, urid(LV2_ATOM__Int), static_cast<std::uint32_t>(number)};
@@ -101,7 +101,7 @@ TEST_F(Lv2EditorTest, OpensWhereTheEditorIsOneForX11AndNeedsNothingUnknown) {
     const struct {
         std::string editor;
         bool opens = false;
-        /// What the line in the log ends with; empty where there is none.
+        /// The end of the line in the log; empty if there is none.
         std::string reason = {};
     } cases[] = {
         {usualEditor, true},
@@ -251,8 +251,8 @@ TEST_F(Lv2EditorTest, CarriesMessagesBothWaysWithTheBlocks) {
     editor->idle();
     EXPECT_THAT(messages, ElementsAre(Pair(outputPort, 21))) << "what follows a wrong size cannot be found";
 
-    // Another instance takes the place of this one. All editors are told, whoever asked; one that is opened
-    // later is told nothing of what went before.
+    // Another instance replaces this one. All open editors receive every message; an editor opened later
+    // receives none of the earlier ones.
     messages.clear();
     auto second = open();
     unit->deallocateRenderResources();
@@ -319,7 +319,7 @@ TEST_F(Lv2EditorTest, SendsFromThreadsOfItsOwn) {
     isOver = true;
     for (std::thread& thread : threads)
         thread.join();
-    // Some find no room; of each thread the others arrive whole and in order.
+    // Some do not fit; the others arrive whole, and in order for each thread.
     std::ranges::stable_partition(messages, [](const auto& message) { return message.second < secondFrom; });
     EXPECT_TRUE(std::ranges::is_sorted(messages));
     EXPECT_EQ(std::ranges::adjacent_find(messages), messages.end());

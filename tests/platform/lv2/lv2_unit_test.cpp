@@ -64,7 +64,7 @@ TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
         broken.add("x.lv2", each.manifest);
         const auto listed = Lv2UnitHost(log, broken.searchPath()).componentsMatchingDescription({});
         EXPECT_EQ(listed.size(), each.isListed ? 1U : 0U) << each.sentence;
-        // What is not listed may still become what it is while the program runs.
+        // A listed plugin may also become unusable while the program runs.
         if (!each.isListed) broken.add("x.lv2", plain);
         Lv2UnitHost brokenHost(log, broken.searchPath());
         const auto components = brokenHost.componentsMatchingDescription({});
@@ -203,7 +203,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
             const auto state = unit->fullState();
             EXPECT_TRUE(state && state->contains("controls"));
             EXPECT_TRUE(unit->setFullState(*state));
-            // What throws allocates.
+            // Throwing allocates.
             const auto isOver = [&, expected = rendered] {
                 return renderer.renderBlock(ones, false) == expected
                        && (log.flush(), place == Throw::cleanup || !lines.empty());
@@ -242,7 +242,7 @@ TEST_F(Lv2UnitTest, TakesCallsOfStrangeThreadsOrRefusesThem) {
     std::atomic<int> calling = 3;
     for (int i = 0; i < 3; ++i)
         strangers.emplace_back([&] {
-            // To map and to log is anybody's, to schedule and to answer is not.
+            // Any thread may map and log; other threads may not schedule or respond.
             for (int call = 0; call < 300; ++call)
                 EXPECT_EQ(probe().callHost(), 2);
             --calling;

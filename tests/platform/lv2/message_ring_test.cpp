@@ -15,7 +15,7 @@ TEST(MessageRing, CarriesMessagesOfAnySizeInOrderBetweenTwoThreads) {
     const auto ring = std::make_unique<MessageRing>();
     const auto message = std::make_unique<MessageRing::Message>();
     constexpr std::size_t count = 20000;
-    // Sizes that put every message's end elsewhere in the ring, none among them.
+    // Sizes that put the end of each message at another place of the ring, including empty ones.
     const auto sizeOf = [](std::size_t i) { return i * 37 % 3000; };
 
     std::thread writer([&] {

@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-// When the code of a plugin is called, by which threads, and who waits for it.
+// When and on which threads plugin code is called, and what waits for it.
 
 namespace orvane::platform::lv2 {
 namespace {
@@ -31,7 +31,7 @@ using testing::HasSubstr;
 
 class PluginCalls : public test::ScriptedHostTest {
   protected:
-    /// A unit whose plugin is at work until `probe().holdsWork` ends.
+    /// A unit whose plugin is working until `probe().holdsWork` is cleared.
     std::shared_ptr<AUAudioUnit> makeBusy() {
         auto unit = make("plain");
         EXPECT_EQ(setUp(*unit, 1), "");
@@ -69,7 +69,7 @@ TEST_F(PluginCalls, APluginIsActivatedAndComesToRestBeforeItEnds) {
     make("plain").reset();
     EXPECT_TRUE(waitFor(areAllGone));
     auto unit = make("plain");
-    // The instance for 48 kHz ends without having been used.
+    // The instance for 48 kHz ends unused.
     ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
     unit->deallocateRenderResources();
     ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
@@ -106,7 +106,7 @@ TEST_F(PluginCalls, SettingUpExcludesEveryOtherInTheProcess) {
         while (!isDone.load())
             EXPECT_TRUE(make("safe"));
     });
-    // Each of them makes and ends an instance on this thread.
+    // Each call makes and ends an instance on this thread.
     for (int i = 0; i < 40; ++i) {
         ASSERT_EQ(setUp(*unit, 1, i % 2 == 0 ? 96000.0 : 48000.0), "");
         unit->deallocateRenderResources();
@@ -174,7 +174,7 @@ TEST_F(PluginCalls, OfflineWorkIsDoneAtOnceAndThePluginKnowsThatItIsOffline) {
     probe().goesOnWorking.store(true);
     ASSERT_EQ(renderer.renderBlock(ones), noErr);
     EXPECT_THAT(renderer.outputs[0], testing::Each(10.0F));
-    // The answer to itself, a hundred, came before that to the block.
+    // Its own response, a hundred, came before that to the block.
     probe().goesOnWorking.store(false);
     ASSERT_EQ(renderer.renderBlock(ones), noErr);
     EXPECT_THAT(renderer.outputs[0], testing::Each(10.0F));

@@ -12,7 +12,7 @@
 
 namespace orvane::test {
 
-/// A host of the scripted plugin, whose restore needs a pause as "plain" and none as "safe".
+/// A host with the scripted plugin: "plain" must be paused for a restore, "safe" need not.
 class ScriptedHostTest : public testing::Test {
   protected:
     ScriptedHostTest() {

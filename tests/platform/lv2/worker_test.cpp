@@ -31,7 +31,7 @@ TEST(Worker, HandsAllAnswersThatAreThereToOneRun) {
         renderWithGain(gain);
     probe.holdsWork = false;
     EXPECT_TRUE(test::waitFor([&] { return probe.worksDone == doneBefore + 3; }));
-    // The answers come after the run, so that the next one shows the last of them.
+    // Responses arrive after the run; the next run shows the last of them.
     renderWithGain(1.0F);
     renderWithGain(1.0F);
     EXPECT_EQ(test::parameter(*unit, "answer").value(), 10.0F);

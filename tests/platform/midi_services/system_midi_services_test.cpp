@@ -28,7 +28,7 @@ std::vector<std::pair<std::string, std::int32_t>> namesAndIDs(const MIDISourceRe
 }
 
 TEST(MIDISourceRegistry, GivesASourceTheSameIDInEveryProcessAndAtEveryPlace) {
-    // FNV-1a of "alsa:Keys:0", worked out elsewhere.
+    // FNV-1a of "alsa:Keys:0", computed independently.
     constexpr auto idOfKeys = static_cast<std::int32_t>(0xE403D4C0U);
     MIDISourceRegistry registry;
     registry.update({{{"20:0", "alsa:Keys:0", "Keys"}}});
@@ -85,7 +85,7 @@ TEST(MIDISourceRegistry, ListsAKeyboardOnceThatComesDirectlyAndOverABridge) {
     EXPECT_EQ(registry.present().at(0).uniqueID, id) << "the same keyboard over another way";
 }
 
-/// Services over two drivers of virtual sources.
+/// Services over two drivers with virtual sources.
 class SystemMIDIServicesTest : public testing::Test {
   protected:
     std::vector<std::unique_ptr<MIDIDriver>> makeDrivers() {

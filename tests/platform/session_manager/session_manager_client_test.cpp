@@ -53,7 +53,7 @@ class ManagedClient : public testing::Test {
         EXPECT_EQ(
             manager.message(), "/nsm/server/announce ORVANE :dirty: orvane 1 2 " + std::to_string(::getpid())
         );
-        // None of these is one of the protocol's messages.
+        // None of these is a message of the protocol.
         manager.say("/nsm/client/open", "");
         manager.say("/nsm/client/open", "iii", 1, 2, 3);
         manager.say("/nsm/client/open", "sss", "", "Show", "");
@@ -159,7 +159,7 @@ TEST(SessionManagerClient, TellsWhyItHasNoManager) {
          {std::pair(silent.url(), "does not answer"),
           {"nonsense", "\"nonsense\" is not the address"},
           {"osc.tcp://127.0.0.1:9/", "is not the address"}}) {
-        // The time for what is to be opened does not count yet.
+        // The time for opening does not count yet.
         Connecting connection(url, {.answer = 1ms, .open = 24h});
         EXPECT_THAT(connection.failure(), HasSubstr(says));
     }

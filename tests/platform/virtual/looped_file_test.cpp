@@ -36,7 +36,7 @@ void writeLoop(const std::filesystem::path& path, std::size_t frameCount) {
     ASSERT_TRUE(writer.value().commit());
 }
 
-/// Fills `total` frames in blocks of random lengths and compares them with a file of `frameCount`.
+/// Reads `total` frames in blocks of random lengths and compares them with a file of `frameCount` frames.
 void expectLoop(LoopedFile& loop, std::size_t frameCount, std::size_t total) {
     orvane::test::Random random(3);
     PlanarBlocks blocks(3, 4096);
@@ -87,7 +87,7 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
     struct Case {
         const char* loss;
         std::function<void()> lose;
-        /// Frames that are sure to be played before the silence.
+        /// Frames that are certain to be played before the silence.
         std::size_t atLeast;
         const char* said;
     };

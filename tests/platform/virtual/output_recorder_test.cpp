@@ -40,7 +40,7 @@ Channels contentOf(const std::filesystem::path& path) {
     return samples;
 }
 
-/// Hands the recorder noise in blocks of random lengths and returns it all.
+/// Passes noise to the recorder in blocks of random lengths and returns it.
 Channels recordNoise(OutputRecorder& recorder, std::size_t blockCount) {
     orvane::test::Random random(blockCount);
     Channels given(2);
@@ -79,7 +79,7 @@ TEST_F(OutputRecorderTest, KeepsEachTakeBitForBit) {
     EXPECT_FALSE(recorder.takeProblem());
 }
 
-/// Whether it is the beginning of what was given, of at least so many frames.
+/// Checks that `found` is the beginning of `given`, with at least `leastFrames` frames.
 void expectBeginning(const Channels& found, const Channels& given, std::size_t leastFrames) {
     ASSERT_EQ(found.size(), given.size());
     EXPECT_GE(found[0].size(), leastFrames);
@@ -99,7 +99,7 @@ TEST_F(OutputRecorderTest, CanBeReadUpToItsLastSecondAtAnyInstant) {
             const Channels more = recordNoise(recorder, blockCount);
             for (std::size_t channel = 0; channel < 2; ++channel)
                 given[channel].insert(given[channel].end(), more[channel].begin(), more[channel].end());
-            // Just what a kill would leave now.
+            // Exactly what a kill would leave now.
             const std::size_t recorded = given[0].size();
             expectBeginning(contentOf(folder / name), given, recorded > rate ? recorded - rate : 1);
         }
@@ -131,7 +131,7 @@ TEST_F(OutputRecorderTest, IsCompletedByAnExit) {
         OutputRecorder recorder(folder / "mix.wav", 2, 48000.0);
         if (!recorder.start(VirtualPacing::live)) ::_exit(2);
         recordNoise(recorder, 20);
-        // As libraries of windows do it when they lose their display.
+        // Windowing libraries do this when they lose their display.
         std::exit(0);
     }
     int status = -1;
