@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 declare -A left_out=(
     [dsp]=Elementary.AgreesWithExtendedPrecisionToTheLastBitAlmostAlways
-    [session]=MixerDocumentFaults.ATextBeyondTheSizeLimitIsNeitherReadNorWritten:MixerDocumentFaults.ATextThatThereIsNoMemoryForIsGivenUp
+    [session]=MixerDocumentFaults.ATextBeyondTheLimitsIsNeitherReadNorWritten:MixerDocumentFaults.ATextThatExceedsTheMemoryFails
 )
 
 scripts/setup.sh build tests lint

@@ -39,7 +39,7 @@ struct Insert {
 
 constexpr double tenth = 0.1F;
 
-TEST(InsertRenderContext, BringsBackWhatTheEffectMadeOrTheInputUntouched) {
+TEST(InsertRenderContext, ReturnsTheEffectsOutputOrTheUnchangedInput) {
     const std::tuple<const char*, UnitAct, std::size_t, double> cases[] = {
         {"mono", UnitAct::doubles, 1, 2.0 * tenth},
         {"stereo of equal sides", UnitAct::doubles, 2, 2.0 * tenth},
@@ -58,7 +58,7 @@ TEST(InsertRenderContext, BringsBackWhatTheEffectMadeOrTheInputUntouched) {
     }
 }
 
-TEST(InsertRenderContext, SilencesWhatIsNoNumber) {
+TEST(InsertRenderContext, SilencesInvalidSamples) {
     for (const std::size_t channels : {1U, 2U}) {
         Insert insert({UnitAct::doubles}, channels);
         EXPECT_EQ(insert.process({3e38, tenth}, 2), (std::vector<double>{0.0, 2.0 * tenth})) << channels;
@@ -87,7 +87,7 @@ TEST(InsertRenderContext, RendersOnlyBlocksThatFit) {
     EXPECT_EQ(withoutChannels.unit.calls, 0);
 }
 
-TEST(InsertRenderContext, HandsItsOwnBuffersOutAgainAfterTheyWereReplaced) {
+TEST(InsertRenderContext, PassesItsOwnBuffersAgainAfterTheyWereReplaced) {
     Insert insert({UnitAct::doubles, UnitAct::replacesPointers, UnitAct::losesPointer, UnitAct::doubles}, 2);
     insert.process({tenth}, 1);
     const std::vector<const void*> first = insert.unit.handed;

@@ -75,7 +75,7 @@ TEST_F(PluginPresets, KeepsWhatIsAddedInOrderAcrossEngines) {
     EXPECT_THAT(names(inMemory, delay), ElementsAre("Hall"));
 }
 
-TEST_F(PluginPresets, TakesOverAnEarlierFileOnce) {
+TEST_F(PluginPresets, ImportsAnEarlierFileOnce) {
     const TemporaryFolder folder;
     const TemporaryFolder other;
     PluginPresetStore(other / "", log).add({{"Earlier", {1}, delay}});
@@ -117,7 +117,7 @@ TEST_F(PluginPresets, StartsEmptyWithADamagedFileAndOverwritesIt) {
     EXPECT_THAT(namesStored(folder / ""), ElementsAre("Room"));
 }
 
-TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
+TEST_F(PluginPresets, KeepsTheFileIfWritingFails) {
     const TemporaryFolder folder;
     PluginPresetStore store(folder / "", log);
     store.add({{"Hall", {1}, delay}});
@@ -137,7 +137,7 @@ TEST_F(PluginPresets, LeavesTheFileWholeWhenItCannotBeWritten) {
     EXPECT_THAT(names(blocked, delay), ElementsAre("Hall"));
 }
 
-TEST_F(PluginPresets, SurvivesBeingKilledInMidWrite) {
+TEST_F(PluginPresets, SurvivesAKillDuringAWrite) {
     const TemporaryFolder folder;
     PluginPresetStore(folder / "", log).add({{"Hall", {1}, delay}});
     for (int round = 0; round < 10; ++round) {

@@ -9,7 +9,7 @@ namespace {
 using namespace orvane::session;
 using orvane::platform::Uuid;
 
-TEST(ChannelStrip, DefaultSetHasNamesInOrderAndIdsOfTheirOwn) {
+TEST(ChannelStrip, DefaultStripsAreNumberedAndHaveUniqueIds) {
     std::set<Uuid> ids;
     int number = 0;
     for (const ChannelStrip& strip : makeDefaultStrips(12)) {
@@ -25,7 +25,7 @@ TEST(ChannelStrip, DefaultSetHasNamesInOrderAndIdsOfTheirOwn) {
     EXPECT_EQ(ids.size(), 12U * (1U + 5U));
 }
 
-TEST(ChannelStrip, ListsOfSettingsApplyWholeOverTheShorterLengthAndLeaveIds) {
+TEST(ChannelStrip, SettingsApplyUpToTheShorterLengthAndKeepIds) {
     for (const std::size_t count : {0U, 4U, 8U, 10U}) {
         auto strips = makeDefaultStrips(8);
         const auto before = strips;

@@ -28,7 +28,7 @@ std::string encoded(const MixerDocumentData& data) {
     return encodeMixerDocument(data).value();
 }
 
-TEST(MixerDocumentCodec, BringsEverySessionBack) {
+TEST(MixerDocumentCodec, DecodesEveryEncodedSession) {
     for (std::uint64_t seed = 1; seed <= 300; ++seed) {
         const MixerDocumentData data = randomDocument(seed);
         const std::string text = encoded(data);
@@ -105,7 +105,7 @@ void resetOptional(std::vector<ChannelSettingsData>& channels) {
     }
 }
 
-TEST(MixerDocumentCodec, GivesOlderFilesTheDefaultsOfWhatTheyLackOrHoldAsNull) {
+TEST(MixerDocumentCodec, MissingAndNullSettingsTakeTheirDefaults) {
     const std::vector<std::string> keys = {"masterOutputRouting",  "leadGroupGainDB",    "backingGroupGainDB",
                                            "pluginSlotRecallSafe", "referenceNoiseGain", "duckerReleaseMs",
                                            "midiTrigger",          "inputChannelIndex",  "vocalRole",
@@ -126,7 +126,7 @@ TEST(MixerDocumentCodec, GivesOlderFilesTheDefaultsOfWhatTheyLackOrHoldAsNull) {
     }
 }
 
-TEST(MixerDocumentCodec, FillsEveryChannelToFiveSlotsAndKeepsLongerLists) {
+TEST(MixerDocumentCodec, PadsEveryChannelToFiveSlotsAndKeepsLongerLists) {
     MixerDocumentData data;
     data.channels.resize(1);
     for (const auto instead : {lost, nullAndLost}) {
@@ -148,7 +148,7 @@ TEST(MixerDocumentCodec, FillsEveryChannelToFiveSlotsAndKeepsLongerLists) {
     }
 }
 
-TEST(MixerDocumentCodec, IgnoresKeysWithoutAMeaningWhateverTheyHold) {
+TEST(MixerDocumentCodec, IgnoresUnknownKeysWithAnyValue) {
     const auto withForeign = [](const std::string& key) {
         return R"("future": {"name": 7, "list": [1, "two", null, {"Id": []}]}, "Name": 1, "": 2,)" + key;
     };
@@ -162,7 +162,7 @@ TEST(MixerDocumentCodec, IgnoresKeysWithoutAMeaningWhateverTheyHold) {
     }
 }
 
-TEST(MixerDocumentCodec, NamesTheNumberThatHasNoForm) {
+TEST(MixerDocumentCodec, NamesTheNumberThatIsNotFinite) {
     using Limits = std::numeric_limits<double>;
     for (const double value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity()}) {
         MixerDocumentData data;
@@ -177,7 +177,7 @@ TEST(MixerDocumentCodec, NamesTheNumberThatHasNoForm) {
     }
 }
 
-TEST(MixerDocumentCodec, SavesASessionWhoseNamesAreNotUTF8) {
+TEST(MixerDocumentCodec, EncodesASessionWhoseNamesAreNotUTF8) {
     MixerDocumentData data;
     data.snapshots.resize(1);
     data.snapshots[0].name = "Caf\xE9";

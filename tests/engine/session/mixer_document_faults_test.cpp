@@ -135,7 +135,7 @@ TEST(MixerDocumentFaults, ABadValueIsNamed) {
     EXPECT_EQ(descriptionOf(R"({"x": [1e400, "\\\"1"], "bufferSize": 1e400})"), "bufferSize " + beyond + '.');
 }
 
-TEST(MixerDocumentFaults, BrokenTextIsPlacedByLineAndColumn) {
+TEST(MixerDocumentFaults, AnInvalidTextIsReportedByLineAndColumn) {
     using namespace std::string_view_literals;
     const std::pair<std::string_view, const char*> descriptionByText[] = {
         {"{\n\"a\": 1\n  \"b\": 2}", "The text is not valid JSON at line 3, column 5."},
@@ -154,14 +154,14 @@ TEST(MixerDocumentFaults, BrokenTextIsPlacedByLineAndColumn) {
         EXPECT_EQ(descriptionOf(text), description) << text;
 }
 
-TEST(MixerDocumentFaults, TextCutOffAnywhereIsRefused) {
+TEST(MixerDocumentFaults, ATruncatedTextIsRefused) {
     const std::string text = documentWith("channels[0].name", R"("話\"\ud83c\udfa4é")");
     ASSERT_EQ(descriptionOf(text), "success");
     for (std::size_t length = 0; length < text.size(); ++length)
         ASSERT_NE(descriptionOf(text.substr(0, length)), "success") << length << " bytes of\n" << text;
 }
 
-TEST(MixerDocumentFaults, DamagedBytesGiveASessionOrAnErrorAndNothingElse) {
+TEST(MixerDocumentFaults, DamagedBytesResultInASessionOrAnError) {
     for (std::uint64_t seed = 1; seed <= 1000; ++seed) {
         std::mt19937_64 draw(seed);
         std::string text = encodeMixerDocument(randomDocument(seed % 10)).value();
@@ -184,7 +184,7 @@ std::string repeated(std::string_view piece, std::size_t count) {
     return text;
 }
 
-TEST(MixerDocumentFaults, ATextThatThereIsNoMemoryForIsGivenUp) {
+TEST(MixerDocumentFaults, ATextThatExceedsTheMemoryFails) {
     const std::string text = validDocument().dump();
     std::size_t nth = 0;
     for (bool isOver = false; !isOver;) {
@@ -199,7 +199,7 @@ TEST(MixerDocumentFaults, ATextThatThereIsNoMemoryForIsGivenUp) {
     EXPECT_GT(nth, 100U);
 }
 
-TEST(MixerDocumentFaults, DeepNestingIsRefusedWhereItIsKept) {
+TEST(MixerDocumentFaults, DeepNestingIsRefusedInKnownValues) {
     const auto nested = [](const char* key, std::size_t depth) {
         return nearlyWhole + ", \"" + key + "\": " + std::string(depth - 1, '[') + std::string(depth - 1, ']')
                + "}";
@@ -211,7 +211,7 @@ TEST(MixerDocumentFaults, DeepNestingIsRefusedWhereItIsKept) {
     EXPECT_EQ(descriptionOf(nested("x", 1U << 20U)), "success");
 }
 
-TEST(MixerDocumentFaults, KeysWithoutAMeaningRefuseNothing) {
+TEST(MixerDocumentFaults, UnknownKeysCauseNoError) {
     for (const char* unknown :
          {R"("x": 1, "x": [2])", R"("x": {"muted": 1, "muted": 2, "a": 1, "a": [{}, {"b": 1, "b": 2}]})",
           R"("x": {"channels": 5}, "later": null, "": {"": "", "": 0})",
@@ -242,7 +242,7 @@ TEST(MixerDocumentFaults, ATextBeyondTheLimitsIsNeitherReadNorWritten) {
     }
 }
 
-TEST(MixerDocumentFaults, ManyValuesAreSkippedWhereTheyMeanNothingAndRefusedWhereTheyTakeMemory) {
+TEST(MixerDocumentFaults, ManyValuesAreRefusedIfTheyAreKeptAndSkippedOtherwise) {
     const std::string zeros = '[' + repeated("0,", 1000) + "0]";
     const DocumentLimits limits{.valueCount = 1000};
     std::string others;

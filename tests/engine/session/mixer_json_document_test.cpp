@@ -14,7 +14,7 @@ using namespace orvane::session;
 using namespace orvane::test;
 using testing::HasSubstr;
 
-TEST(MixerJSONDocument, ReadsBackWhatItWroteAndLeavesItWhenTheNextCannotBeEncoded) {
+TEST(MixerJSONDocument, ReadsWhatItWroteAndKeepsTheFileIfEncodingFails) {
     const TemporaryFolder folder;
     MixerJSONDocument document{randomDocument(1)};
     ASSERT_EQ(descriptionOf(document.write(folder / "Settings.orvane")), "success");
@@ -29,7 +29,7 @@ TEST(MixerJSONDocument, ReadsBackWhatItWroteAndLeavesItWhenTheNextCannotBeEncode
     EXPECT_EQ(contentOf(folder / "Settings.orvane"), before);
 }
 
-TEST(MixerJSONDocument, SaysWhichFileCannotBeReadOrWrittenAndWhatIsWrongInOne) {
+TEST(MixerJSONDocument, NamesTheFileThatCannotBeReadOrWritten) {
     const TemporaryFolder folder;
     const auto missing = folder / "missing" / "Settings.orvane";
     EXPECT_THAT(descriptionOf(MixerJSONDocument::read(missing)), HasSubstr(missing.string()));

@@ -25,7 +25,7 @@ using testing::ElementsAre;
 
 constexpr std::string_view uid = "alsa:device";
 
-TEST(AlsaAudioDriver, ListsWhatIsConfiguredWithTheSoundServersLast) {
+TEST(AlsaAudioDriver, ListsConfiguredDevicesWithSoundServersLast) {
     AlsaFixture driver(
         R"(
         pcm.default { type null }
@@ -61,7 +61,7 @@ std::string cardDefinition(const std::string& playback, const std::string& captu
 constexpr const char* cardName = "hw:CARD=X32,DEV=1";
 constexpr std::string_view cardUID = "alsa:hw:CARD=X32,DEV=1";
 
-TEST(AlsaAudioDriver, DescribesACardInUseByWhatTheKernelShowsOfIt) {
+TEST(AlsaAudioDriver, DescribesACardInUseFromItsKernelFiles) {
     std::string parentName;
     std::getline(std::ifstream("/proc/" + std::to_string(getppid()) + "/comm"), parentName);
     AlsaFixture driver(cardDefinition("type scripted openError 16", "type scripted channels 6"), {cardName});
@@ -96,7 +96,7 @@ TEST(AlsaAudioDriver, DescribesOneDeviceWithoutOpeningOthers) {
     EXPECT_TRUE(std::filesystem::exists(driver.folder / "opened")) << "so the file shows what was opened";
 }
 
-TEST(AlsaAudioDriver, RunsAtTheRateAskedForThenTheCardsThenTheUsualOne) {
+TEST(AlsaAudioDriver, PrefersTheRequestedRateThenTheCardsThenTheDefault) {
     struct Case {
         const char* what;
         std::optional<unsigned> wanted;
@@ -129,7 +129,7 @@ struct Reservations final : CardReservations {
     std::function<void()> request;
 };
 
-TEST(AlsaAudioDriver, HoldsACardWhileItIsOpenAndNotToListIt) {
+TEST(AlsaAudioDriver, ReservesACardWhileItIsOpenButNotForListing) {
     Reservations reservations;
     const std::string side = "type scripted";
     AlsaFixture driver(cardDefinition(side, side), {cardName}, {}, nullptr, &reservations);
@@ -152,7 +152,7 @@ TEST(AlsaAudioDriver, HoldsACardWhileItIsOpenAndNotToListIt) {
     EXPECT_THAT(reservations.held, ElementsAre());
 }
 
-TEST(AlsaAudioDriver, SaysWhyADeviceCannotBeOpened) {
+TEST(AlsaAudioDriver, ReportsWhyADeviceCannotBeOpened) {
     AlsaFixture driver(R"(
         pcm.busy { type scripted openError 16 }
         pcm.forbidden { type scripted openError 13 }
@@ -183,7 +183,7 @@ TEST(AlsaAudioDriver, SaysWhyADeviceCannotBeOpened) {
     EXPECT_FALSE(driver->open("alsa:microphones", false, client));
 }
 
-TEST(AlsaAudioDriver, GivesADeviceToOneStreamAtATime) {
+TEST(AlsaAudioDriver, OpensADeviceForOneStreamAtATime) {
     AlsaFixture driver("pcm.device { type scripted exclusive 1 channels 8 }");
     const auto listed = driver->devices();
     ASSERT_EQ(listed.size(), 1);

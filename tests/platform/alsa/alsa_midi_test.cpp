@@ -49,7 +49,7 @@ snd_seq_event_t control(snd_seq_event_type_t type, std::uint8_t channel, unsigne
     });
 }
 
-TEST(AlsaEventBytes, GiveEveryMessageWithItsStatusByte) {
+TEST(AlsaEventBytes, ConvertEveryEventToAMessageWithItsStatusByte) {
     Bytes exclusive(600, 0x11);
     exclusive.front() = 0xF0;
     exclusive.back() = 0xF7;
@@ -88,7 +88,7 @@ TEST(AlsaEventBytes, GiveEveryMessageWithItsStatusByte) {
     }
 }
 
-TEST(AlsaEventBytes, MakeTheEventThatGivesTheMessage) {
+TEST(AlsaEventBytes, ConvertAMessageToTheEventThatConvertsBack) {
     EventBytes translator;
     for (const Bytes& message : {Bytes{0x90, 60, 100}, Bytes{0x8F, 1, 0}, Bytes{0xC3, 5}, Bytes{0xF8}}) {
         snd_seq_event_t event{};
@@ -111,7 +111,7 @@ TEST(AlsaSequencer, ReadsOnlyItsOwnAddresses) {
         EXPECT_FALSE(parseAddress(text)) << text;
 }
 
-TEST(AlsaMIDIDriver, HasNoSourcesAndNothingToSayWhereTheKernelHasNoSequencer) {
+TEST(AlsaMIDIDriver, HasNoSourcesAndLogsNothingWithoutAKernelSequencer) {
     if (openSequencer("probe") != nullptr) GTEST_SKIP() << "This kernel has an ALSA sequencer.";
     testing::internal::CaptureStderr();
     {
@@ -126,7 +126,7 @@ TEST(AlsaMIDIDriver, HasNoSourcesAndNothingToSayWhereTheKernelHasNoSequencer) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(AlsaMIDIDriver, HearsASourceThatComesAndGoesOnTheKernelsSequencer) {
+TEST(AlsaMIDIDriver, FollowsASourceThatComesAndGoesOnTheKernelsSequencer) {
     if (openSequencer("probe") == nullptr)
         GTEST_SKIP() << "This kernel has no ALSA sequencer, so nothing of it was tested live.";
     AlsaMIDIDriver driver("ORVANE-test");

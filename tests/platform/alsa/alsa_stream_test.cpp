@@ -136,7 +136,7 @@ TEST(AlsaStream, NeitherAllocatesNorFreesWhileItRuns) {
     EXPECT_GE(stream.value()->xrunCount(), 1);
 }
 
-TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
+TEST(AlsaStream, ContinuesAfterErrorsThatADeviceRecoversFrom) {
     const std::pair<std::string, std::string> cases[] = {
         {"lost samples on input",
          "playback.pcm { type scripted } capture.pcm { type scripted error 32 errorAfter 5 }"},
@@ -152,7 +152,7 @@ TEST(AlsaStream, GoesOnAfterWhatADeviceRecoversFrom) {
     }
 }
 
-TEST(AlsaStream, TakesCyclesThatAreAlwaysLateForNoDeathOfTheDevice) {
+TEST(AlsaStream, KeepsRunningADeviceWhoseCyclesAreAlwaysLate) {
     // After two periods of silence, each period is late.
     AlsaFixture driver(R"(
         pcm.device {
@@ -215,7 +215,7 @@ struct Lender final : PriorityLender {
     std::vector<std::pair<pid_t, pid_t>> calls;
 };
 
-TEST(AlsaStream, BorrowsThePriorityThatItsThreadMayNotTake) {
+TEST(AlsaStream, BorrowsPriorityIfItsThreadMayNotRaiseIt) {
     Lender lender;
     AlsaFixture driver("pcm.device { type scripted }", {"device"}, {}, &lender);
     rlimit before{};
@@ -240,7 +240,7 @@ TEST(AlsaStream, BorrowsThePriorityThatItsThreadMayNotTake) {
     setrlimit(RLIMIT_RTPRIO, &before);
 }
 
-TEST(AlsaStream, TellsOfADeviceThatDies) {
+TEST(AlsaStream, ReportsADeviceThatDies) {
     const std::pair<std::string, std::string> cases[] = {
         {"unplugged", "type scripted error 19 errorAfter 8"},
         {"failing for good", "type scripted error 5 errorAfter 8 errorCount 1000"},
@@ -263,7 +263,7 @@ TEST(AlsaStream, TellsOfADeviceThatDies) {
     }
 }
 
-TEST(AlsaStream, StartsStopsAndClosesAgainAndAgain) {
+TEST(AlsaStream, StartsStopsAndClosesRepeatedly) {
     AlsaFixture driver("pcm.device { type scripted exclusive 1 }");
     for (int round = 0; round < 20; ++round) {
         AlsaClient client(3);

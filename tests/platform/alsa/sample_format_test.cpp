@@ -68,7 +68,7 @@ TEST(SampleFormat, ReadsAndWritesExactSamples) {
     }
 }
 
-TEST(SampleFormat, RoundsAndClipsWhatIsWritten) {
+TEST(SampleFormat, RoundsAndClipsOnWriting) {
     const FormatCase cases[] = {
         {int16LE, step16 * 1.51F, {0x02, 0x00}},
         {int16LE, step16 * -0.51F, {0xFF, 0xFF}},
@@ -89,7 +89,7 @@ TEST(SampleFormat, RoundsAndClipsWhatIsWritten) {
     }
 }
 
-TEST(SampleFormat, IgnoresWhatStandsAboveTheSampleInItsContainer) {
+TEST(SampleFormat, IgnoresTheUnusedBitsOfAContainer) {
     float read = 0.0F;
     decode(int24LE, toBytes({0x00, 0x00, 0x40, 0x80}).data(), 4, {&read, 1});
     EXPECT_EQ(read, 0.5F);

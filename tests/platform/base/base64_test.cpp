@@ -11,7 +11,7 @@ namespace {
 using orvane::platform::decodeBase64;
 using orvane::platform::encodeBase64;
 
-TEST(Base64, GivesAndReadsTheTextsOfTheStandard) {
+TEST(Base64, EncodesAndDecodesTheStandardsExamples) {
     const std::pair<std::string_view, const char*> textByContent[] = {
         {"", ""},        {"f", "Zg=="},        {"fo", "Zm8="},
         {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xFB\xFF\xBF", "+/+/"}};
@@ -22,7 +22,7 @@ TEST(Base64, GivesAndReadsTheTextsOfTheStandard) {
     }
 }
 
-TEST(Base64, RefusesWhatIsNotStrictlyItsForm) {
+TEST(Base64, RefusesAnyOtherForm) {
     for (const char* text :
          {"Z", "Zg", "Zg=", "Zm9vY", "====", "Z===", "=Zg=", "Zg==Zg==", "Zm9v\nYmFy", "Zm-_", "Zm9\xC3",
           "Zh==", "Zm9="})

@@ -10,7 +10,7 @@
 namespace orvane::platform {
 namespace {
 
-TEST(CycleGate, ClosesBehindTheCycleUnderWayAndLetsNoneIn) {
+TEST(CycleGate, ClosingWaitsForTheRunningCycleAndAdmitsNoOther) {
     CycleGate gate;
     std::atomic<bool> isIn = false;
     std::atomic<bool> mayReturn = false;

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(FlushDenormals, TakesTinyNumbersAsZeroAndRestoresTheMode) {
+TEST(FlushDenormals, TreatsDenormalsAsZeroAndRestoresTheMode) {
     volatile double smallest = std::numeric_limits<double>::min();
     volatile double denormal = smallest / 4.0;
     EXPECT_GT(denormal, 0.0);

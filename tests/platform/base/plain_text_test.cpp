@@ -9,7 +9,7 @@ namespace {
 
 using orvane::platform::plainText;
 
-TEST(PlainText, KeepsWhatCanBeReadAndNothingThatCommandsATerminal) {
+TEST(PlainText, KeepsReadableTextAndReplacesTerminalCommands) {
     const std::pair<std::string, std::string> plainByText[] = {
         {"Größe 話🎤", "Größe 話🎤"},
         {"a\x1b[2Jb\x07\r\n\x7f", "a?[2Jb????"},

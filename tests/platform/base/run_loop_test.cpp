@@ -19,7 +19,7 @@ using orvane::platform::MainThreadTimer;
 using orvane::platform::RunLoop;
 using orvane::platform::TimerList;
 
-TEST(TimerList, LeavesOutTheTicksThatItMissed) {
+TEST(TimerList, SkipsMissedTicks) {
     const TimerList::Time start{};
     TimerList timers;
     int ticks = 0;
@@ -68,7 +68,7 @@ TEST(RunLoop, WakesUpForTasksFromOtherThreads) {
         poster.join();
 }
 
-TEST(RunLoop, QuitsFromAnotherThreadWhileItWaits) {
+TEST(RunLoop, CanBeQuitFromAnotherThreadWhileItWaits) {
     RunLoop loop;
     std::thread quitter([&loop] { loop.quit(); });
     loop.run();
@@ -99,7 +99,7 @@ TEST(RunLoop, RepeatsTimersBetweenTasksUntilTheyEndAlsoFromWithin) {
     EXPECT_GT(tasks, 0);
 }
 
-TEST(RunLoop, GoesOnWhereATaskOrATimerFindsNoMemory) {
+TEST(RunLoop, ContinuesIfATaskOrTimerRunsOutOfMemory) {
     RunLoop loop;
     int ticks = 0;
     loop.post([] { throw std::bad_alloc(); });

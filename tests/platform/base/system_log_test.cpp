@@ -50,7 +50,7 @@ TEST(SystemLog, CutsLongLinesAndCountsWhatDidNotFit) {
     EXPECT_EQ(kept.lines.back(), "Test: room again");
 }
 
-TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
+TEST(SystemLog, LosesNoLineBetweenThreadsWhileThereIsRoom) {
     constexpr int linesPerThread = 2000;
     KeptLog kept;
     const auto chatter = [&kept](const char* name) {
@@ -71,7 +71,7 @@ TEST(SystemLog, LosesNothingBetweenThreadsWhileThereIsRoom) {
     EXPECT_EQ(found, 3U * linesPerThread);
 }
 
-TEST(SystemLog, CanKeepQuietAboutEachThingUntilItFails) {
+TEST(SystemLog, CanStaySilentAboutEachSubjectUntilItFails) {
     std::string written;
     SystemLog log(orvane::platform::quietUntilAnError([&written](const LogLine& line) {
         written += line.text;

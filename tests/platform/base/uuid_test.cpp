@@ -15,7 +15,7 @@ TEST(Uuid, IsReadInEitherCaseAndWrittenInUpperCase) {
     EXPECT_EQ(expected.toString(), "01234567-89AB-CDEF-FEDC-BA98000100FF");
 }
 
-TEST(Uuid, SaysThatItIsRandom) {
+TEST(Uuid, IsMarkedAsRandom) {
     for (int i = 0; i < 100; ++i) {
         const std::string text = Uuid::random().toString();
         EXPECT_EQ(text[14], '4') << text;
@@ -23,7 +23,7 @@ TEST(Uuid, SaysThatItIsRandom) {
     }
 }
 
-TEST(Uuid, IsReadFromNoOtherForm) {
+TEST(Uuid, RefusesAnyOtherForm) {
     for (const char* text :
          {"", "0123456789ABCDEFFEDCBA98000100FF", "{01234567-89AB-CDEF-FEDC-BA98000100FF}",
           "01234567-89AB-CDEF-FEDC-BA98000100F", "01234567-89AB-CDEF-FEDC-BA98000100FFF",

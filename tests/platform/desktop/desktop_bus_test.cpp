@@ -49,7 +49,7 @@ class DesktopBus : public testing::Test {
     SleepInhibitor inhibitor{mainThread, log};
 };
 
-TEST_F(DesktopBus, SleepIsInhibitedAsLongAsThatIsWanted) {
+TEST_F(DesktopBus, SleepIsInhibitedWhileRequested) {
     inhibitor.setHeld(true);
     EXPECT_TRUE(comesTo([&] { return desktop.locks() == 1; }));
     step(stepsOfACall);
@@ -69,7 +69,7 @@ TEST_F(DesktopBus, SleepIsInhibitedAsLongAsThatIsWanted) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(DesktopBus, TheStateOfSleepThatIsWantedLastWins) {
+TEST_F(DesktopBus, TheLastRequestedStateOfSleepWins) {
     for (int stepsBetween = 0; stepsBetween < stepsOfACall; ++stepsBetween)
         for (const bool last : {false, true}) {
             for (const bool isWanted : {true, false, true, last}) {
@@ -90,7 +90,7 @@ TEST_F(DesktopBus, TheStateOfSleepThatIsWantedLastWins) {
     EXPECT_TRUE(comesTo([&] { return desktop.locks() == 0; })) << "granted to who has gone";
 }
 
-TEST_F(DesktopBus, TheLogSaysOnceWhySleepIsNotInhibited) {
+TEST_F(DesktopBus, TheLogReportsOnceWhySleepIsNotInhibited) {
     const std::string sentence = "The machine may go to sleep while the mixer runs, because ";
     struct Case {
         std::function<void()> arrange;

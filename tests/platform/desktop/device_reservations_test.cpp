@@ -96,7 +96,7 @@ class Program final {
     std::unique_ptr<sd_bus, Close> bus;
 };
 
-TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
+TEST(DeviceReservations, KeepACardUntilAProgramOfHigherPriorityAsks) {
     const DesktopPeer desktop;
     DeviceReservations reservations(forEver);
     std::atomic<int> requests = 0;
@@ -126,7 +126,7 @@ TEST(DeviceReservations, KeepACardUntilAMoreImportantProgramAsks) {
     EXPECT_TRUE(waitFor([&] { return other.take(); }));
 }
 
-TEST(DeviceReservations, AskTheOwnerOfACardToLetGoOfIt) {
+TEST(DeviceReservations, AskTheOwnerOfACardToReleaseIt) {
     const DesktopPeer desktop;
     Program owner;
     DeviceReservations reservations(0ms);
@@ -138,7 +138,7 @@ TEST(DeviceReservations, AskTheOwnerOfACardToLetGoOfIt) {
     EXPECT_THAT(owner.requests, ElementsAre(10, 10));
 }
 
-TEST(DeviceReservations, GiveTheNameUpSomeTimeAfterTheLastLease) {
+TEST(DeviceReservations, ReleaseTheNameSomeTimeAfterTheLastLease) {
     const DesktopPeer desktop;
     Program other;
     {
@@ -153,7 +153,7 @@ TEST(DeviceReservations, GiveTheNameUpSomeTimeAfterTheLastLease) {
     EXPECT_TRUE(waitFor([&] { return other.take(); }));
 }
 
-TEST(DeviceReservations, AreNotNeededWhereThereIsNoBus) {
+TEST(DeviceReservations, SucceedWithoutABus) {
     DeviceReservations reservations(0ms);
     EXPECT_TRUE(reservations.reserve(3, {}));
     DesktopPeer desktop;

@@ -27,13 +27,13 @@ TEST(RealtimeKit, LendsPriorityToOneThreadOnceItsComputingTimeIsBounded) {
     EXPECT_EQ(answerOf(desktop, [&] { return kit.obtainable(); }), 0);
 }
 
-TEST(RealtimeKit, HasNothingToLendOnAMachineWithoutABus) {
+TEST(RealtimeKit, LendsNothingWithoutABus) {
     RealtimeKit kit;
     EXPECT_EQ(kit.obtainable(), 0);
     EXPECT_EQ(kit.lend(4711), 0);
 }
 
-TEST(RealtimeKit, TakesThePriorityFromAThreadThatComputesForTooLong) {
+TEST(RealtimeKit, RevokesThePriorityOfAThreadThatComputesForTooLong) {
     DesktopPeer desktop;
     RealtimeKit kit;
     ASSERT_GT(answerOf(desktop, [&] { return kit.lend(4711); }), 0);

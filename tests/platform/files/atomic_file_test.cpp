@@ -30,7 +30,7 @@ mode_t permissionsOf(const path& file) {
     return status.st_mode & 07777U;
 }
 
-TEST(AtomicFile, MakesANewFileLikeAnyOtherAndKeepsThePermissionsOfOneItReplaces) {
+TEST(AtomicFile, UsesDefaultPermissionsOrThoseOfTheReplacedFile) {
     const TemporaryFolder folder;
     const path target = folder / "target";
     const mode_t ordinary = permissionsOf(folder.add("ordinary", ""));
@@ -46,7 +46,7 @@ TEST(AtomicFile, MakesANewFileLikeAnyOtherAndKeepsThePermissionsOfOneItReplaces)
     }
 }
 
-TEST(AtomicFile, LeavesTheOldFileWholeWhenWritingFails) {
+TEST(AtomicFile, KeepsTheOldFileIfWritingFails) {
     const TemporaryFolder folder;
     const path target = folder.add("target", "old");
     std::string description;
@@ -59,7 +59,7 @@ TEST(AtomicFile, LeavesTheOldFileWholeWhenWritingFails) {
     EXPECT_THAT(folder.names(), ElementsAre("target"));
 }
 
-TEST(AtomicFile, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
+TEST(AtomicFile, ReplacesTheTargetOfALinkAndKeepsTheLink) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "inner");
     std::filesystem::create_symlink(folder / "inner/yet-to-be-made", folder / "second-link");
@@ -72,7 +72,7 @@ TEST(AtomicFile, ReplacesWhatALinkLeadsToAndKeepsTheLink) {
     }
 }
 
-TEST(AtomicFile, HasNoNameBeforeItIsWhole) {
+TEST(AtomicFile, HasNoNameBeforeItIsComplete) {
     const TemporaryFolder folder(memoryFolder());
     auto file = AtomicFile::open(folder / "target");
     ASSERT_EQ(descriptionOf(file), "success");
@@ -97,7 +97,7 @@ TEST(AtomicFile, FollowsNoLinkOfAnotherUserInASharedFolder) {
     EXPECT_EQ(write(folder / "link", "new"), "success") << "nobody else can put links here";
 }
 
-TEST(AtomicFile, RefusesATargetThatCannotBecomeAFile) {
+TEST(AtomicFile, RefusesATargetThatCannotBeAFile) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder");
     std::filesystem::create_symlink("loop", folder / "loop");

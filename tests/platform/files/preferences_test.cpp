@@ -11,7 +11,7 @@ using namespace orvane::platform;
 using orvane::test::contentOf;
 using orvane::test::TemporaryFolder;
 
-TEST(Preferences, AreKeptInAFileBesideThoseOfOthers) {
+TEST(Preferences, ShareAFileWithOtherPrograms) {
     const TemporaryFolder folder;
     const auto file = folder / "config/orvane/preferences";
     FilePreferences preferences(file);
@@ -26,7 +26,7 @@ TEST(Preferences, AreKeptInAFileBesideThoseOfOthers) {
     EXPECT_EQ(other.integer("count"), 8);
 }
 
-TEST(Preferences, ReadWhatTheyCanAndSayWhatTheyCannotKeep) {
+TEST(Preferences, ReadValidLinesAndReportWhatCannotBeStored) {
     const TemporaryFolder folder;
     const FilePreferences damaged(folder.add("damaged", "no value\n=x\ncount=12\r\nsize=007\nlast=3"));
     for (const auto& [key, number] :

@@ -42,7 +42,7 @@ Dictionary everyKind() {
         {"inner", {Dictionary{{"empty", {Dictionary{}}}, {"none", {PropertyList::Array{}}}}}}};
 }
 
-TEST(PropertyList, ComesBackAsItWasAndAlwaysAsTheSameBytes) {
+TEST(PropertyList, SurvivesARoundTripAndEqualListsHaveEqualBytes) {
     const auto data = dataWithPropertyList(everyKind());
     ASSERT_TRUE(data) << data.error().description;
     EXPECT_EQ(dataWithPropertyList(everyKind()).value(), data.value());
@@ -141,7 +141,7 @@ TEST(PropertyList, RefusesHostileBytes) {
         EXPECT_THAT(descriptionOf(propertyListWithData(bytes)), HasSubstr(reason)) << what;
 }
 
-TEST(PropertyList, SurvivesWhateverBecomesOfItsBytes) {
+TEST(PropertyList, HandlesAnyDamageToItsBytes) {
     Random random(11);
     Dictionary dictionary = everyKind();
     dictionary.erase("many");

@@ -10,7 +10,7 @@ namespace {
 using namespace orvane::test;
 using orvane::platform::readFile;
 
-TEST(ReadFile, RefusesWhatItCannotReadWithASentenceThatNamesIt) {
+TEST(ReadFile, NamesTheFileThatItCannotRead) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder");
     ::mkfifo((folder / "pipe").c_str(), 0666);

@@ -133,7 +133,7 @@ TEST(SoundFileWriter, KeepsEverySampleBitForBit) {
     }
 }
 
-TEST(SoundFileWriter, MakesWhatTheNameSaysWithoutTheTimeOfWriting) {
+TEST(SoundFileWriter, SelectsTheFormatByExtensionAndWritesNoTimeStamp) {
     const TemporaryFolder folder;
     const std::tuple<const char*, int, const char*> formats[] = {
         {"mix.wav", SF_FORMAT_WAVEX, "RIFF"},
@@ -154,7 +154,7 @@ TEST(SoundFileWriter, MakesWhatTheNameSaysWithoutTheTimeOfWriting) {
         }
 }
 
-TEST(SoundFileWriter, WritesAFLACThatClipsAndIsWhole) {
+TEST(SoundFileWriter, WritesACompleteFLACAndClips) {
     const TemporaryFolder folder;
     Channels samples(8, std::vector<float>(9'001, -0.25F));
     samples[3][5] = 2.0F;
@@ -181,7 +181,7 @@ TEST(SoundFileWriter, WritesADeviceInPlace) {
     );
 }
 
-TEST(SoundFileWriter, SaysWhatItCannotWrite) {
+TEST(SoundFileWriter, ReportsWhyAFileCannotBeWritten) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder.wav");
     const std::tuple<std::string, std::size_t, double, std::string> cases[] = {
@@ -199,7 +199,7 @@ TEST(SoundFileWriter, SaysWhatItCannotWrite) {
     EXPECT_THAT(folder.names(), testing::ElementsAre("folder.wav"));
 }
 
-TEST(SoundFileWriter, EndsWithASentenceAndNoFileWhereTheDiskIsFull) {
+TEST(SoundFileWriter, FailsWithoutLeavingAFileIfTheDiskIsFull) {
     const TemporaryFolder folder;
     const Channels samples = anyFloats(2, 100'000);
     for (const std::string name : {"mix.wav", "mix.w64"}) {
@@ -232,7 +232,7 @@ TEST(SoundFileReader, ReadsEveryFormatOfTheLibrary) {
     }
 }
 
-TEST(SoundFileReader, FailsWhereTheFileBreaksOff) {
+TEST(SoundFileReader, FailsIfTheFileIsTruncated) {
     const TemporaryFolder folder;
     const path cut = folder / "cut.flac";
     writeIntegers(cut, SF_FORMAT_FLAC, 16, 2, 20'000);
@@ -250,7 +250,7 @@ TEST(SoundFileReader, FailsWhereTheFileBreaksOff) {
     }
 }
 
-TEST(SoundFileReader, SaysWhatItCannotRead) {
+TEST(SoundFileReader, ReportsWhyAFileCannotBeRead) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "folder");
     folder.add("notes.wav", "These are notes about a recording, not a recording.");

@@ -35,7 +35,7 @@ class Variable final {
     std::optional<std::string> before;
 };
 
-TEST(UserFolders, AreMadeWhereTheEnvironmentSays) {
+TEST(UserFolders, AreCreatedAtThePathInTheEnvironment) {
     const orvane::test::TemporaryFolder folder;
     folder.add("file", "");
     const std::string home = (folder / "home").string();
@@ -54,7 +54,7 @@ TEST(UserFolders, AreMadeWhereTheEnvironmentSays) {
     }
 }
 
-TEST(UserFolders, OfConfigurationsAreOnlyNamed) {
+TEST(UserFolders, ForConfigurationAreNotCreated) {
     const orvane::test::TemporaryFolder folder;
     const Variable home("HOME", (folder / "home").string());
     for (const auto& [configured, expected] :

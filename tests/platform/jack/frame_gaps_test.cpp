@@ -6,7 +6,7 @@ namespace {
 
 using orvane::platform::jack::FrameGaps;
 
-TEST(FrameGaps, AreWhereACycleBeginsAfterTheEndOfTheOneBefore) {
+TEST(FrameGaps, AreDetectedIfACycleStartsAfterTheEndOfTheLast) {
     struct Cycle {
         std::uint32_t time;
         std::uint32_t frameCount;

@@ -101,7 +101,7 @@ TEST_P(JackServerFormats, ShowTheServersHardwareAsADevice) {
     EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), period);
 }
 
-TEST(JackAudioDriver, HasNoDevicesAndNothingToSayWhereNoServerRuns) {
+TEST(JackAudioDriver, HasNoDevicesAndLogsNothingWithoutAServer) {
     const JackServerName nobody;
     testing::internal::CaptureStderr();
     {
@@ -118,7 +118,7 @@ TEST(JackAudioDriver, HasNoDevicesAndNothingToSayWhereNoServerRuns) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(JackAudioDriver, KnowsNoDeviceByAnotherUid) {
+TEST(JackAudioDriver, RejectsUnknownUids) {
     const JackTestServer server({});
     Driver driver;
     SilentClient client;
@@ -164,7 +164,7 @@ struct CardSide {
     jack_port_t* port;
 };
 
-TEST(JackAudioDriver, TellsWhenPortsAreGoneThatAStreamIsConnectedTo) {
+TEST(JackAudioDriver, NotifiesAStreamWhosePortsHaveGone) {
     const JackTestServer server({});
     const std::string name = uniqueJackName("card");
     for (const bool isUnplugged : {true, false}) {
@@ -197,7 +197,7 @@ TEST(JackAudioDriver, TellsWhenPortsAreGoneThatAStreamIsConnectedTo) {
     }
 }
 
-TEST(JackAudioDriver, TellsOfEveryChangeOfTheBufferSizeOnce) {
+TEST(JackAudioDriver, NotifiesEveryChangeOfTheBufferSizeOnce) {
     const JackTestServer server({});
     Driver driver;
     JackPeer other("other", 1);
@@ -213,7 +213,7 @@ TEST(JackAudioDriver, TellsOfEveryChangeOfTheBufferSizeOnce) {
     EXPECT_THAT(log.told(), ElementsAre("512", "128", "8192"));
 }
 
-TEST(JackAudioDriver, PassesOnThatTheServerRefusesABufferSize) {
+TEST(JackAudioDriver, ReportsABufferSizeThatTheServerRefuses) {
     const JackTestServer server({});
     Driver driver;
     for (const std::uint32_t frameCount : {0U, 8193U, 1U << 31U}) {
@@ -224,7 +224,7 @@ TEST(JackAudioDriver, PassesOnThatTheServerRefusesABufferSize) {
     }
 }
 
-TEST(JackAudioDriver, TellsNothingToAWatchThatHasEnded) {
+TEST(JackAudioDriver, DoesNotNotifyAWatchThatHasEnded) {
     const JackTestServer server({});
     Driver driver;
     JackPeer other("other", 1);

@@ -75,7 +75,7 @@ class JackClientsTest : public testing::Test {
     JackEvents events;
 };
 
-TEST_F(JackClientsTest, AStreamPlaysOnWhereAnotherClientIsShutOut) {
+TEST_F(JackClientsTest, AStreamContinuesIfAnotherClientIsShutOut) {
     const auto watch = driver.watch("jack:system", changes.listener());
     const std::unique_ptr<AudioStream> stream = open();
     ASSERT_EQ(stream->start(), noErr);
@@ -94,7 +94,7 @@ TEST_F(JackClientsTest, AStreamPlaysOnWhereAnotherClientIsShutOut) {
     EXPECT_EQ(client.cycles(), cycles);
 }
 
-TEST_F(JackClientsTest, AStreamEndsAlsoWhereTheServerStandsStill) {
+TEST_F(JackClientsTest, AStreamEndsEvenIfTheServerHangs) {
     std::unique_ptr<AudioStream> stream = open();
     ASSERT_EQ(stream->start(), noErr);
     client.waitFor(1);
@@ -110,7 +110,7 @@ TEST_F(JackClientsTest, AStreamEndsAlsoWhereTheServerStandsStill) {
     client.waitFor(1);
 }
 
-TEST_F(JackClientsTest, TheNextStreamIsWatchedWhereOnlyTheOneBeforeWasShutOut) {
+TEST_F(JackClientsTest, TheNextStreamIsWatchedIfOnlyTheLastWasShutOut) {
     {
         ChangeLog ofFirst;
         const auto watch = driver.watch("jack:system", ofFirst.listener());

@@ -60,7 +60,7 @@ ReceivedMIDI::Packets withoutSensing(ReceivedMIDI::Packets packets) {
     return packets;
 }
 
-TEST(JackMIDIDriver, HandsOnWhatItsSourcesSendInTheOrderOfTheirFrames) {
+TEST(JackMIDIDriver, DeliversMessagesInTheOrderOfTheirFrames) {
     const JackTestServer server({});
     Driver driver;
     JackMIDIPeer peer("keyboard", 2);
@@ -145,7 +145,7 @@ TEST(JackMIDIDriver, DeliversOrCountsEveryMessageOfAStorm) {
     ASSERT_TRUE(awaitMessages(peer, 0, received)) << "it hears again";
 }
 
-TEST(JackMIDIDriver, HearsOnlyTheSourcesThatItIsConnectedTo) {
+TEST(JackMIDIDriver, ReceivesOnlyFromConnectedSources) {
     const JackTestServer server({});
     Driver driver;
     JackMIDIPeer peer("keyboard", 2);
@@ -175,7 +175,7 @@ TEST(JackMIDIDriver, HearsOnlyTheSourcesThatItIsConnectedTo) {
     EXPECT_THAT(withoutSensing(ofBoth.get()), ElementsAre(note));
 }
 
-TEST(JackMIDIDriver, HasNoSourcesAndNothingToSayWhereNoServerRuns) {
+TEST(JackMIDIDriver, HasNoSourcesAndLogsNothingWithoutAServer) {
     const JackServerName nobody;
     testing::internal::CaptureStderr();
     {

@@ -13,7 +13,7 @@ using orvane::platform::sequencerIdentity;
 using orvane::platform::jack::jackMIDISources;
 using orvane::platform::jack::JackPort;
 
-TEST(JackMIDISources, KnowWhichPortsAreBridgesAndWhoseTheyAre) {
+TEST(JackMIDISources, IdentifyBridgesAndTheirClients) {
     const std::string keys = sequencerIdentity("Keys 49/B", 0);
     struct Case {
         JackPort port;

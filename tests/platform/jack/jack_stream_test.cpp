@@ -118,7 +118,7 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
     EXPECT_TRUE(client.endGuard());
 }
 
-TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
+TEST(JackStream, HasNoInputsIfInputIsDisabled) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
@@ -130,7 +130,7 @@ TEST(JackStream, HasNoInputsWhereInputIsNotEnabled) {
     EXPECT_TRUE(client.endGuard());
 }
 
-TEST(JackStream, GoesOnWhenTheBufferSizeChanges) {
+TEST(JackStream, ContinuesWhenTheBufferSizeChanges) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
@@ -198,7 +198,7 @@ TEST(JackStream, RunsBesideAnotherOne) {
         EXPECT_TRUE(client.waitForCycles(3) && client.endGuard());
 }
 
-TEST(JackStream, HasNoRealTimePriorityOnAServerThatHasNone) {
+TEST(JackStream, HasNoRealTimePriorityIfTheServerHasNone) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
@@ -252,7 +252,7 @@ TEST(JackStream, CountsEachMissedCycleOnceAlsoOnServersThatReportNone) {
     }
 }
 
-TEST(JackStream, TakesConnectionsThatExistAlready) {
+TEST(JackStream, AcceptsExistingConnections) {
     const JackTestServer server({});
     disguise.connectsFirst = true;
     StreamDriver driver;

@@ -9,7 +9,7 @@ namespace {
 
 using orvane::platform::jack::MIDIMessageQueue;
 
-TEST(MIDIMessageQueue, TakesALongMessageWholeOrNotAtAll) {
+TEST(MIDIMessageQueue, AcceptsALongMessageWholeOrNotAtAll) {
     constexpr std::size_t longestPiece = 31;
     MIDIMessageQueue queue;
     std::vector<std::uint8_t> exclusive(4 * longestPiece);

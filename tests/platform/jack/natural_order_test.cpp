@@ -17,7 +17,7 @@ TEST(NaturalOrder, ReadsDigitsAsNumbers) {
                 << '"' << ascending[left] << "\" and \"" << ascending[right] << '"';
 }
 
-TEST(NaturalOrder, TakesLeadingZerosForNothing) {
+TEST(NaturalOrder, IgnoresLeadingZeros) {
     EXPECT_FALSE(comesNaturallyBefore("in 01", "in 1"));
     EXPECT_FALSE(comesNaturallyBefore("in 1", "in 01"));
     EXPECT_TRUE(comesNaturallyBefore("in 0", "in 1"));

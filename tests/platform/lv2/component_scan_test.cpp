@@ -89,7 +89,7 @@ TEST(ComponentScan, ListsTheInstalledEffectsInOrderWithoutLoadingAny) {
     EXPECT_THAT(host.componentsMatchingDescription({.componentType = kAudioUnitType_MusicEffect}), IsEmpty());
 }
 
-TEST(ComponentScan, LeavesOutWhatItCannotUseAndSaysWhy) {
+TEST(ComponentScan, LeavesOutUnusablePluginsAndLogsWhy) {
     const Lv2Bundles bundles;
     bundles.add("good.lv2", Lv2Bundles::plugin("urn:good", "Good", ""));
     bundles.add("broken.lv2", "<urn:broken> a lv2:Plugin ; doap:name \"unfinished");
@@ -120,7 +120,7 @@ TEST(ComponentScan, LeavesOutWhatItCannotUseAndSaysWhy) {
     );
 }
 
-TEST(ComponentScan, OfAPluginThatIsInstalledTwiceTheNewerCountsOrElseTheFirstOnThePath) {
+TEST(ComponentScan, OfAPluginInstalledTwiceTheNewerWinsThenTheFirstOnThePath) {
     const Lv2Bundles mine;
     const Lv2Bundles systems;
     const auto version = [](int minor) { return "lv2:minorVersion " + std::to_string(minor) + " ;"; };
@@ -135,7 +135,7 @@ TEST(ComponentScan, OfAPluginThatIsInstalledTwiceTheNewerCountsOrElseTheFirstOnT
     EXPECT_EQ(result.effects[1].component.name, "New");
 }
 
-TEST(ComponentScan, HostileBundlesCostOnlyThemselvesAndOneLine) {
+TEST(ComponentScan, AHostileBundleIsLeftOutWithOneLogLine) {
     const Lv2Bundles bundles;
     bundles.add("a-good.lv2", Lv2Bundles::plugin("urn:a", "A", ""));
     bundles.add(
@@ -164,7 +164,7 @@ TEST(ComponentScan, HostileBundlesCostOnlyThemselvesAndOneLine) {
     );
 }
 
-TEST(ComponentScan, AChildBeyondALimitOrNoLongerWantedIsLeft) {
+TEST(ComponentScan, AChildBeyondALimitOrAfterAStopRequestIsGivenUp) {
     const std::string forever = "while :; do :; done";
     const std::string endless = "while :; do echo aaaaaaaaaaaaaaaa; done";
     const auto outcome = [](const std::string& script, const ChildLimits& limits, bool stops = false) {
@@ -183,7 +183,7 @@ TEST(ComponentScan, AChildBeyondALimitOrNoLongerWantedIsLeft) {
     EXPECT_EQ(outcome(forever, {}, true), "the program is closing");
 }
 
-TEST(ComponentScan, WhatWasFoundIsKeptUntilABundleChangesOrTheFileIsDamaged) {
+TEST(ComponentScan, ResultsAreCachedUntilABundleChangesOrTheCacheIsDamaged) {
     const Lv2Bundles bundles;
     const test::TemporaryFolder folder;
     const ScanOptions options{.cacheFile = folder / "cache/effects"};

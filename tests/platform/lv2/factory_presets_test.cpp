@@ -53,7 +53,7 @@ std::string preset(std::string_view uri, std::string_view name, std::string_view
 
 class FactoryPresets : public test::ScriptedHostTest {};
 
-TEST_F(FactoryPresets, AreListedByBankAndNameForEveryPluginThatTheyAreFor) {
+TEST_F(FactoryPresets, AreListedByBankAndNameForEachOfTheirPlugins) {
     bundles.add(
         "a.lv2", preset("urn:1", "Soft", "lv2:appliesTo <urn:orvane:test:safe> ;")
                      + preset("urn:2", "Hall", "pset:bank <urn:rooms> ;") + preset("urn:3", "Loud", "")
@@ -68,7 +68,7 @@ TEST_F(FactoryPresets, AreListedByBankAndNameForEveryPluginThatTheyAreFor) {
     EXPECT_EQ(std::get<std::string>(read(*host, plain[1]).value().at("uri").value), "urn:orvane:test:plain");
 }
 
-TEST_F(FactoryPresets, SetTheControlsAndTheStateThatTheyMention) {
+TEST_F(FactoryPresets, SetOnlyTheControlsAndStateThatTheyContain) {
     bundles.add(
         "a.lv2", preset(
                      "urn:1", "Warm",
@@ -99,7 +99,7 @@ TEST_F(FactoryPresets, SetTheControlsAndTheStateThatTheyMention) {
     EXPECT_EQ(PropertyList{*unit->fullState()}, expected);
 }
 
-TEST_F(FactoryPresets, OfAnInstalledPluginAreThoseOfItsFiles) {
+TEST_F(FactoryPresets, OfAnInstalledPluginMatchItsFiles) {
     Lv2UnitHost installed(log);
     const auto unit = test::instantiate(installed, "MDA Leslie").unit;
     const auto presets = installed.factoryPresets(describedAs(installed, "MDA Leslie"));
@@ -110,7 +110,7 @@ TEST_F(FactoryPresets, OfAnInstalledPluginAreThoseOfItsFiles) {
     EXPECT_EQ(test::parameter(*unit, "hi_throb").value(), 0.57F);
 }
 
-TEST_F(FactoryPresets, ThatCannotBeReadSayWhy) {
+TEST_F(FactoryPresets, ThatCannotBeReadReportWhy) {
     const std::string warm = preset("urn:1", "Warm", "");
     bundles.add("a.lv2", warm);
     const auto presets = host->factoryPresets(describedAs(*host, "plain"));

@@ -36,7 +36,7 @@ Dictionary& inside(PropertyList& list, const std::string& key) {
     return std::get<Dictionary>(std::get<Dictionary>(list.value)[key].value);
 }
 
-TEST_F(FullState, KeepsWhatAPluginSavedThatSaysItFailed) {
+TEST_F(FullState, KeepsTheStateOfAPluginThatReportsAFailure) {
     const auto unit = make("plain");
     const auto whole = unit->fullState();
     probe().deniesState.store(true);
@@ -52,7 +52,7 @@ TEST_F(FullState, KeepsWhatAPluginSavedThatSaysItFailed) {
     );
 }
 
-TEST_F(FullState, StateIsWhatMeansTheSameInAnotherProcess) {
+TEST_F(FullState, KeepsOnlyValuesThatAreValidInAnotherProcess) {
     const auto first = make("plain");
     PropertyList list{*first->fullState()};
     inside(list, "state")["urn:orvane:test:number"].value = value(LV2_ATOM__Int, {42, 0, 0, 0});
@@ -78,7 +78,7 @@ TEST_F(FullState, StateIsWhatMeansTheSameInAnotherProcess) {
     EXPECT_EQ(second->fullState(), state);
 }
 
-TEST_F(FullState, AStateLeadsToNothingButARegularFileThatIsThere) {
+TEST_F(FullState, AStateGivesAccessOnlyToExistingRegularFiles) {
     const test::TemporaryFolder folder;
     folder.add("room.wav", "");
     const std::string file = (folder / "room.wav").string();
@@ -120,7 +120,7 @@ TEST_F(FullState, AStateLeadsToNothingButARegularFileThatIsThere) {
     }
 }
 
-TEST_F(FullState, WhatCannotBeUnderstoodInAStateChangesNothing) {
+TEST_F(FullState, InvalidPartsOfAStateChangeNothing) {
     const auto unit = make("plain");
     const Dictionary before = *unit->fullState();
     const auto tryState = [&](const std::string& what, const auto& spoil) {

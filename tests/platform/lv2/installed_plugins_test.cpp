@@ -107,7 +107,7 @@ TEST_F(InstalledPlugins, EveryEffectRendersBlocksOfAnyLengthAtAnyRate) {
     EXPECT_GE(rendered, 3 * 85);
 }
 
-TEST_F(InstalledPlugins, TakeTheChannelsTheyHavePortsForAndNoOthers) {
+TEST_F(InstalledPlugins, AcceptOnlyTheChannelsTheyHavePortsFor) {
     const auto stereo = make("Stereo Balance Control");
     EXPECT_EQ(setUp(*stereo, 1), "The input of \"Stereo Balance Control\" is for 2 channels, not 1.");
     EXPECT_EQ(setUp(*stereo, 2), "");
@@ -118,7 +118,7 @@ TEST_F(InstalledPlugins, TakeTheChannelsTheyHavePortsForAndNoOthers) {
     EXPECT_EQ(setUp(*mono, 1), "");
 }
 
-TEST_F(InstalledPlugins, GainIsWhatItsParameterSays) {
+TEST_F(InstalledPlugins, AGainAppliesItsParameter) {
     const auto unit = make("Stereo Balance Control");
     ASSERT_EQ(setUp(*unit, 2), "");
     for (const float gain : {0.0F, -6.0F, 12.0F}) {
@@ -166,7 +166,7 @@ TEST_F(InstalledPlugins, AStateGivesASecondInstanceTheSameSound) {
     }
 }
 
-TEST_F(InstalledPlugins, AnEditorIsThereWhereThereIsSomethingToEdit) {
+TEST_F(InstalledPlugins, HaveAnEditorIfTheyHaveParameters) {
     const auto editorOf = [&](const char* name) {
         std::shared_ptr<AUViewController> editor;
         make(name)->requestViewController([&](auto made) { editor = std::move(made); });

@@ -96,7 +96,7 @@ class Lv2EditorTest : public testing::Test {
     const std::vector<float> ones = std::vector<float>(64, 1.0F);
 };
 
-TEST_F(Lv2EditorTest, OpensWhereTheEditorIsOneForX11AndNeedsNothingUnknown) {
+TEST_F(Lv2EditorTest, OpensIfTheEditorIsForX11AndItsRequirementsAreSupported) {
     const std::string binary = " <file://" + scriptedLv2Library + "> ";
     const struct {
         std::string editor;
@@ -134,7 +134,7 @@ TEST_F(Lv2EditorTest, OpensWhereTheEditorIsOneForX11AndNeedsNothingUnknown) {
     EXPECT_THAT(probe().editor.pluginsAtClose, ElementsAre(1, 1)) << "those that were opened";
 }
 
-TEST_F(Lv2EditorTest, IsToldOfItsWindowAndTellsOfItself) {
+TEST_F(Lv2EditorTest, ExchangesWindowAndSizeWithItsParent) {
     load(usualEditor);
     probe().editor.width = 300;
     const auto editor = open();
@@ -154,7 +154,7 @@ TEST_F(Lv2EditorTest, IsToldOfItsWindowAndTellsOfItself) {
     EXPECT_FALSE(editor->idle());
 }
 
-TEST_F(Lv2EditorTest, IsClosedWithALineInTheLogWhereItThrows) {
+TEST_F(Lv2EditorTest, IsClosedWithALogLineIfItThrows) {
     using Throw = test::ScriptedEditorProbe::Throw;
     load(usualEditor);
     for (const Throw place : {Throw::instantiate, Throw::extensionData, Throw::portEvent}) {
@@ -179,7 +179,7 @@ TEST_F(Lv2EditorTest, IsClosedWithALineInTheLogWhereItThrows) {
     }
 }
 
-TEST_F(Lv2EditorTest, ShowsWhatChangesElsewhereAndSetsWhatItsUserChanges) {
+TEST_F(Lv2EditorTest, ShowsOutsideChangesAndSetsItsOwn) {
     load(usualEditor);
     auto& values = probe().editor.values;
     const auto editor = open();
@@ -271,7 +271,7 @@ TEST_F(Lv2EditorTest, CarriesMessagesBothWaysWithTheBlocks) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(Lv2EditorTest, DropsWhatFindsNoRoomAndGoesOn) {
+TEST_F(Lv2EditorTest, DropsMessagesThatDoNotFitAndContinues) {
     load(usualEditor);
     ASSERT_EQ(setUp(*unit, 1), "");
     const auto editor = open();
@@ -350,7 +350,7 @@ TEST_F(Lv2EditorTest, WorksWhileBlocksAreRendered) {
     audio.join();
 }
 
-TEST_F(Lv2EditorTest, IsClosedBeforeItsPluginGoesWhicheverIsDroppedFirst) {
+TEST_F(Lv2EditorTest, IsClosedBeforeItsPluginInEitherOrderOfRelease) {
     load(usualEditor);
     ASSERT_EQ(setUp(*unit, 1), "");
     auto editor = open();

@@ -34,7 +34,7 @@ using testing::HasSubstr;
 
 class Lv2UnitTest : public test::ScriptedHostTest {};
 
-TEST_F(Lv2UnitTest, SaysWhyAPluginCannotBeHosted) {
+TEST_F(Lv2UnitTest, ReportsWhyAPluginCannotBeHosted) {
     const std::string plain = Lv2Bundles::plugin("urn:x", "X", "");
     const struct {
         std::string manifest;
@@ -98,7 +98,7 @@ TEST_F(Lv2UnitTest, APluginWithTwoPortsOnOneSideOnlyIsAStereoEffect) {
     }
 }
 
-TEST_F(Lv2UnitTest, EveryRequestIsAnsweredOnceEvenWhereTheHostGoesFirst) {
+TEST_F(Lv2UnitTest, EveryRequestIsAnsweredOnceEvenIfTheHostIsDestroyed) {
     constexpr int count = 20;
     std::atomic<int> answers = 0;
     std::vector<std::shared_ptr<AUAudioUnit>> units(count);
@@ -118,7 +118,7 @@ TEST_F(Lv2UnitTest, EveryRequestIsAnsweredOnceEvenWhereTheHostGoesFirst) {
     }
 }
 
-TEST_F(Lv2UnitTest, RendersWithItsResourcesOnlyAndNoMoreThanItWasSetUpFor) {
+TEST_F(Lv2UnitTest, RendersOnlyWithResourcesAndUpToTheMaximumBlock) {
     const auto unit = make("plain");
     UnitRenderer renderer(*unit, 1);
     EXPECT_EQ(renderer.renderBlock(ones), kAudioUnitErr_Uninitialized);
@@ -135,7 +135,7 @@ TEST_F(Lv2UnitTest, RendersWithItsResourcesOnlyAndNoMoreThanItWasSetUpFor) {
     EXPECT_EQ(renderer.renderBlock(std::vector<float>(8192)), noErr);
 }
 
-TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsIsGivenTheUnitsOwn) {
+TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsGetsTheUnitsOwn) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     std::vector<float> input = ones;
@@ -156,7 +156,7 @@ TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsIsGivenTheUnitsOwn) {
     }
 }
 
-TEST_F(Lv2UnitTest, OutputThatIsNoSoundIsAnErrorForAsLongAsItLasts) {
+TEST_F(Lv2UnitTest, InvalidOutputIsAnErrorWhileItLasts) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     UnitRenderer renderer(*unit, 1);
@@ -230,7 +230,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
     EXPECT_TRUE(waitFor([&] { return probe().pluginCount.load() == pluginsBefore; }));
 }
 
-TEST_F(Lv2UnitTest, TakesCallsOfStrangeThreadsOrRefusesThem) {
+TEST_F(Lv2UnitTest, AcceptsOrRefusesCallsFromOtherThreads) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     UnitRenderer renderer(*unit, 1);
@@ -256,7 +256,7 @@ TEST_F(Lv2UnitTest, TakesCallsOfStrangeThreadsOrRefusesThem) {
     EXPECT_EQ(parameter(*unit, "answer").value(), 5.0F);
 }
 
-TEST_F(Lv2UnitTest, WorkIsDoneElsewhereAndItsResponseArrivesWithALaterBlock) {
+TEST_F(Lv2UnitTest, WorkRunsOnAnotherThreadAndItsResponseArrivesWithALaterBlock) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     UnitRenderer renderer(*unit, 1);
@@ -277,7 +277,7 @@ TEST_F(Lv2UnitTest, WorkIsDoneElsewhereAndItsResponseArrivesWithALaterBlock) {
     EXPECT_EQ(parameter(*unit, "answer").value(), 2.5F) << "it is the plugin's to set";
 }
 
-TEST_F(Lv2UnitTest, ARestoreNeverHoldsUpRendering) {
+TEST_F(Lv2UnitTest, ARestoreNeverBlocksRendering) {
     for (const bool isSafe : {false, true}) {
         const auto unit = make(isSafe ? "safe" : "plain");
         ASSERT_EQ(setUp(*unit, 1), "");
@@ -299,7 +299,7 @@ TEST_F(Lv2UnitTest, ARestoreNeverHoldsUpRendering) {
     }
 }
 
-TEST_F(Lv2UnitTest, IsHeardWhileARestoreWaitsForItsWork) {
+TEST_F(Lv2UnitTest, RendersWhileARestoreWaitsForWork) {
     const auto unit = make("plain");
     ASSERT_EQ(setUp(*unit, 1), "");
     const auto state = *unit->fullState();
@@ -340,7 +340,7 @@ TEST_F(Lv2UnitTest, RestoresAndEditsWhileItRenders) {
     audio.join();
 }
 
-TEST_F(Lv2UnitTest, GivesTheLatencyThatItsPluginReportedInTheLastBlock) {
+TEST_F(Lv2UnitTest, ReportsTheLatencyOfTheLastBlock) {
     std::string manifest = scripted("plain");
     const auto replace = [&](const std::string& old, const std::string& by) {
         manifest.replace(manifest.find(old), old.size(), by);
@@ -365,7 +365,7 @@ TEST_F(Lv2UnitTest, GivesTheLatencyThatItsPluginReportedInTheLastBlock) {
     }
 }
 
-TEST_F(Lv2UnitTest, ParametersTakeWhatTheirKindAllows) {
+TEST_F(Lv2UnitTest, ParametersAcceptWhatTheirKindAllows) {
     const Lv2Bundles more;
     const auto port = [](int index, const std::string& name, const std::string& rest) {
         return fmt::format(

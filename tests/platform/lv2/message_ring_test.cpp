@@ -38,7 +38,7 @@ TEST(MessageRing, CarriesMessagesOfAnySizeInOrderBetweenTwoThreads) {
     EXPECT_TRUE(isIntact);
 }
 
-TEST(MessageRing, TakesAMessageWholeOrNotAtAll) {
+TEST(MessageRing, AcceptsAMessageWholeOrNotAtAll) {
     const auto ring = std::make_unique<MessageRing>();
     const auto message = std::make_unique<MessageRing::Message>();
     const std::vector<std::byte> tooLarge(MessageRing::capacity);

@@ -45,7 +45,7 @@ class PluginCalls : public test::ScriptedHostTest {
     const std::function<bool()> areAllGone = [this] { return probe().pluginCount.load() == pluginsBefore; };
 };
 
-TEST_F(PluginCalls, NoCodeOfAPluginRunsThatNoFormatFits) {
+TEST_F(PluginCalls, NoCodeRunsOfAPluginThatSupportsNoFormat) {
     const Lv2Bundles wide;
     const std::string fits = scriptedPorts("split", "Input", "Output", "Output");
     wide.add("wide.lv2", fits);
@@ -64,7 +64,7 @@ TEST_F(PluginCalls, NoCodeOfAPluginRunsThatNoFormatFits) {
     EXPECT_EQ(probe().pluginCount.load(), pluginsBefore);
 }
 
-TEST_F(PluginCalls, APluginIsActivatedAndComesToRestBeforeItEnds) {
+TEST_F(PluginCalls, APluginIsActivatedAndDeactivatedBeforeCleanup) {
     const int untimelyBefore = probe().untimelyCleanups.load();
     make("plain").reset();
     EXPECT_TRUE(waitFor(areAllGone));
@@ -78,7 +78,7 @@ TEST_F(PluginCalls, APluginIsActivatedAndComesToRestBeforeItEnds) {
     EXPECT_EQ(probe().untimelyCleanups.load(), untimelyBefore);
 }
 
-TEST_F(PluginCalls, SettingUpAndLettingGoOfAUnitWaitForNoOtherThatIsMade) {
+TEST_F(PluginCalls, SettingUpAndReleasingAUnitDoNotWaitForLoading) {
     host->expectSampleRate(96000.0);
     host->expectSampleRate(0.0);
     auto unit = make("plain");
@@ -98,7 +98,7 @@ TEST_F(PluginCalls, SettingUpAndLettingGoOfAUnitWaitForNoOtherThatIsMade) {
     EXPECT_TRUE(waitFor(areAllGone));
 }
 
-TEST_F(PluginCalls, SettingUpExcludesEveryOtherInTheProcess) {
+TEST_F(PluginCalls, OnlyOnePluginIsSetUpAtATime) {
     const int overlapsBefore = probe().overlappingSetUps.load();
     const auto unit = make("plain");
     std::atomic<bool> isDone = false;
@@ -116,7 +116,7 @@ TEST_F(PluginCalls, SettingUpExcludesEveryOtherInTheProcess) {
     EXPECT_EQ(probe().overlappingSetUps.load(), overlapsBefore);
 }
 
-TEST_F(PluginCalls, ThePlannerThatPluginsShareIsThreadSafe) {
+TEST_F(PluginCalls, TheSharedTransformPlannerIsThreadSafe) {
     make("plain");
     void* const library = ::dlopen("libfftw3f.so.3", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(library, nullptr) << "the distribution's plugins bring it along";
@@ -138,7 +138,7 @@ TEST_F(PluginCalls, ThePlannerThatPluginsShareIsThreadSafe) {
         each.join();
 }
 
-TEST_F(PluginCalls, WorkThatDoesNotEndHoldsUpNothingButItsOwnPlugin) {
+TEST_F(PluginCalls, WorkThatDoesNotEndBlocksOnlyItsPlugin) {
     auto busy = makeBusy();
     busy.reset();
     auto other = make("plain");
@@ -149,7 +149,7 @@ TEST_F(PluginCalls, WorkThatDoesNotEndHoldsUpNothingButItsOwnPlugin) {
     EXPECT_TRUE(waitFor(areAllGone)) << "it is cleaned up once its work is done";
 }
 
-TEST_F(PluginCalls, WorkThatDoesNotEndCostsAStateAndNoMore) {
+TEST_F(PluginCalls, WorkThatDoesNotEndOnlyPreventsARestore) {
     const auto busy = makeBusy();
     const auto state = *busy->fullState();
     for (int time = 0; time < 2; ++time)
@@ -163,7 +163,7 @@ TEST_F(PluginCalls, WorkThatDoesNotEndCostsAStateAndNoMore) {
     probe().holdsWork.store(false);
 }
 
-TEST_F(PluginCalls, OfflineWorkIsDoneAtOnceAndThePluginKnowsThatItIsOffline) {
+TEST_F(PluginCalls, OfflineWorkIsDoneAtOnceAndThePluginIsNotified) {
     bundles.add("amplifier.lv2", test::scriptedAmplifier());
     Lv2UnitHost offline(log, bundles.searchPath(), std::nullopt, RenderMode::offline);
     const auto unit = test::instantiate(offline, "amplifier").unit;
@@ -180,7 +180,7 @@ TEST_F(PluginCalls, OfflineWorkIsDoneAtOnceAndThePluginKnowsThatItIsOffline) {
     EXPECT_THAT(renderer.outputs[0], testing::Each(10.0F));
 }
 
-TEST_F(PluginCalls, TheHostWaitsAtItsEndForPluginsThatAreStillAtWork) {
+TEST_F(PluginCalls, TheHostsDestructorWaitsForPluginsAtWork) {
     makeBusy();
     std::thread release([] { probe().holdsWork.store(false); });
     host.reset();

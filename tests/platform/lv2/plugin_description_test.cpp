@@ -30,7 +30,7 @@ ControlPort control(const std::string& more) {
         .controls.at(0);
 }
 
-TEST(PluginDescription, MainPortsAreThoseThatTheSignalNeeds) {
+TEST(PluginDescription, MainPortsAreThoseThatCarryTheSignal) {
     const PortRole input{PortKind::audio, true, false, false, ""};
     const PortRole output{PortKind::audio, false, false, false, ""};
     const auto sideChain = [](PortRole role) { return role.isSideChain = true, role; };
@@ -59,7 +59,7 @@ TEST(PluginDescription, MainPortsAreThoseThatTheSignalNeeds) {
     }
 }
 
-TEST(PluginDescription, SideChainsAreToldByPropertyOrByGroup) {
+TEST(PluginDescription, SideChainsAreDetectedByPropertyOrByGroup) {
     const auto described = description(
         "lv2:port [ lv2:portProperty lv2:isSideChain ; " + Lv2Bundles::audioPort(2, "Input")
         + "] , [ pg:group <urn:group> ; " + Lv2Bundles::audioPort(3, "Input")
@@ -68,7 +68,7 @@ TEST(PluginDescription, SideChainsAreToldByPropertyOrByGroup) {
     EXPECT_THAT(described.audio.inputs, ElementsAre(0));
 }
 
-TEST(PluginDescription, ReadsWhatAnEditorNeedsToKnowOfAControl) {
+TEST(PluginDescription, ReadsWhatAnEditorNeedsOfAControl) {
     const ControlPort full =
         control("lv2:minimum 20 ; lv2:maximum 20000.0 ; lv2:default 1000 ; units:unit units:hz ; "
                 "lv2:portProperty pprops:logarithmic, pprops:notOnGUI ; pprops:rangeSteps 11 ; "
@@ -100,7 +100,7 @@ TEST(PluginDescription, ReadsWhatAnEditorNeedsToKnowOfAControl) {
     EXPECT_TRUE(control("lv2:portProperty lv2:sampleRate").scalesWithSampleRate);
 }
 
-TEST(PluginDescription, MakesGoodWhatMakesNoSenseInAControl) {
+TEST(PluginDescription, CorrectsInvalidValuesOfAControl) {
     const struct {
         const char* range;
         float minValue;
@@ -121,7 +121,7 @@ TEST(PluginDescription, MakesGoodWhatMakesNoSenseInAControl) {
     }
 }
 
-TEST(PluginDescription, WhatTheHostDecidesOnIsNoParameter) {
+TEST(PluginDescription, PortsThatTheHostControlsAreNotParameters) {
     for (const auto& [designation, held] : {std::pair("lv2:enabled", 1.0F), {"lv2:freeWheeling", 0.0F}}) {
         const auto described = description(
             "lv2:port [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; lv2:name \"C\" ; "

@@ -12,7 +12,7 @@
 namespace orvane::platform::lv2 {
 namespace {
 
-TEST(Worker, HandsAllAnswersThatAreThereToOneRun) {
+TEST(Worker, DeliversAllPendingResponsesInOneRun) {
     const test::Lv2Bundles bundles;
     bundles.add("scripted.lv2", test::scripted("plain"));
     SystemLog log([](const LogLine&) {});

@@ -27,7 +27,7 @@ std::vector<std::pair<std::string, std::int32_t>> namesAndIDs(const MIDISourceRe
     return found;
 }
 
-TEST(MIDISourceRegistry, GivesASourceTheSameIDInEveryProcessAndAtEveryPlace) {
+TEST(MIDISourceRegistry, GivesASourceTheSameIDInEveryProcessAndAtEveryAddress) {
     // FNV-1a of "alsa:Keys:0", computed independently.
     constexpr auto idOfKeys = static_cast<std::int32_t>(0xE403D4C0U);
     MIDISourceRegistry registry;
@@ -43,7 +43,7 @@ TEST(MIDISourceRegistry, GivesASourceTheSameIDInEveryProcessAndAtEveryPlace) {
     EXPECT_EQ(registry.find(endpoint)->address, "28:0");
 }
 
-TEST(MIDISourceRegistry, TellsSourcesOfTheSameNameApartByTheirPlace) {
+TEST(MIDISourceRegistry, DistinguishesSourcesOfTheSameNameByAddress) {
     const MIDIDriverSource first{"20:0", "alsa:Keys:0", "first"};
     const MIDIDriverSource second{"24:0", "alsa:Keys:0", "second"};
     MIDISourceRegistry registry;
@@ -59,7 +59,7 @@ TEST(MIDISourceRegistry, TellsSourcesOfTheSameNameApartByTheirPlace) {
     EXPECT_EQ(namesAndIDs(ofAnotherProcess), both);
 }
 
-TEST(MIDISourceRegistry, ListsAKeyboardOnceThatComesDirectlyAndOverABridge) {
+TEST(MIDISourceRegistry, ListsAKeyboardOnceThatIsReachedDirectlyAndOverABridge) {
     const MIDIDriverSource direct{"20:0", "alsa:Keys:0", "Keys"};
     const MIDIDriverSource bridge{"Midi-Bridge:Keys", "alsa:Keys:0", "bridged Keys", true};
     const MIDIDriverSource program{"Synth:out", "jack:Synth:out", "Synth"};
@@ -106,7 +106,7 @@ class SystemMIDIServicesTest : public testing::Test {
     SystemMIDIServices services{makeDrivers()};
 };
 
-TEST_F(SystemMIDIServicesTest, DeliverToEachPortWhatItIsConnectedTo) {
+TEST_F(SystemMIDIServicesTest, DeliverToEachPortFromItsConnectedSources) {
     const auto keys = makeSource(0, "Keys");
     const auto pads = makeSource(1, "Pads");
     ReceivedMIDI ofOne;

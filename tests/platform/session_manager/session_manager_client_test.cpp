@@ -68,7 +68,7 @@ class ManagedClient : public testing::Test {
     Client client;
 };
 
-TEST_F(ManagedClient, AnswersWhatItIsAskedOnceItIsDone) {
+TEST_F(ManagedClient, AnswersARequestOnceItIsDone) {
     EXPECT_EQ(client->session().path, "/shows/one/ORVANE.nABC");
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
     client->confirmOpen();
@@ -104,7 +104,7 @@ TEST_F(ManagedClient, AnswersWhatItIsAskedOnceItIsDone) {
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
 }
 
-TEST_F(ManagedClient, TakesMessagesFromItsManagerOnly) {
+TEST_F(ManagedClient, AcceptsMessagesFromItsManagerOnly) {
     client->confirmOpen();
     EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
     SessionManagerPeer stranger;
@@ -123,7 +123,7 @@ TEST_F(ManagedClient, TakesMessagesFromItsManagerOnly) {
     EXPECT_TRUE(manager.hears("/reply /nsm/client/save "));
 }
 
-TEST(SessionManagerClient, HearsAManagerByAnyNameOfThisMachine) {
+TEST(SessionManagerClient, ReachesAManagerByAnyNameOfThisComputer) {
     SessionManagerPeer manager;
     const std::string port = manager.url().substr(manager.url().rfind(':'));
     for (const std::string host : {"localhost", "127.0.1.1", "127.0.0.1"}) {
@@ -134,7 +134,7 @@ TEST(SessionManagerClient, HearsAManagerByAnyNameOfThisMachine) {
     }
 }
 
-TEST_F(ManagedClient, SavesNothingOverASessionThatItCouldNotOpen) {
+TEST_F(ManagedClient, DoesNotOverwriteASessionThatItCouldNotOpen) {
     client->setOnSave([] { FAIL() << "the session's file would be lost"; });
     client->refuseOpen(ManagerRefusal::badSession, "The file is damaged.");
     EXPECT_TRUE(manager.hears("/error /nsm/client/open -9 The file is damaged."));
@@ -142,7 +142,7 @@ TEST_F(ManagedClient, SavesNothingOverASessionThatItCouldNotOpen) {
     EXPECT_TRUE(manager.hearsWhile("/error /nsm/client/save -6 ", [&] { client->poll(); }));
 }
 
-TEST(SessionManagerClient, TellsWhyItHasNoManager) {
+TEST(SessionManagerClient, ReportsWhyItCannotConnect) {
     SessionManagerPeer refusing;
     Connecting refused(refusing.url());
     ASSERT_TRUE(refusing.hears("/nsm/server/announce "));

@@ -53,7 +53,7 @@ TEST_F(LiveStreamTest, FlushesDenormals) {
     EXPECT_EQ(halved, 0.0F);
 }
 
-TEST_F(LiveStreamTest, RunsNoCycleOutsideStartAndStopHoweverOftenThoseAreCalled) {
+TEST_F(LiveStreamTest, RunsCyclesOnlyBetweenStartAndStop) {
     std::atomic<bool> mayRun = false;
     std::atomic<int> strayCycles = 0;
     CountingClient client([&](std::size_t) { strayCycles += mayRun ? 0 : 1; });
@@ -73,7 +73,7 @@ TEST_F(LiveStreamTest, RunsNoCycleOutsideStartAndStopHoweverOftenThoseAreCalled)
     EXPECT_EQ(strayCycles, 0);
 }
 
-TEST_F(LiveStreamTest, ChangesItsCyclesToTheNewSizeAndTellsTheWatch) {
+TEST_F(LiveStreamTest, ChangesItsCyclesToTheNewSizeAndNotifiesTheWatch) {
     std::atomic<std::size_t> lastLength = 0;
     CountingClient client([&lastLength](std::size_t length) { lastLength = length; });
     ChangeLog changes;

@@ -58,7 +58,7 @@ class LoopedFileTest : public orvane::test::LoggingTest {
     const TemporaryFolder folder;
 };
 
-TEST_F(LoopedFileTest, RepeatsWithoutASeamAndBeginsAnewAtEachStart) {
+TEST_F(LoopedFileTest, RepeatsSeamlesslyAndRestartsWithTheStream) {
     for (const std::size_t frameCount : {4'096, 30'001}) {
         writeLoop(folder / "loop.wav", frameCount);
         LoopedFile loop(folder / "loop.wav", 3, log);
@@ -80,7 +80,7 @@ TEST_F(LoopedFileTest, IsReadAheadOfALiveStream) {
     EXPECT_THAT(logged(), testing::IsEmpty());
 }
 
-TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
+TEST_F(LoopedFileTest, PlaysSilenceAndLogsItOnceIfTheFileIsLost) {
     namespace fs = std::filesystem;
     constexpr std::size_t length = 50'000;
     const fs::path path = folder / "loop.wav";
@@ -116,7 +116,7 @@ TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoOnceWhereTheFileIsLostInMidRun) {
     }
 }
 
-TEST_F(LoopedFileTest, PlaysSilenceAndSaysSoWhereTheReaderCannotFollow) {
+TEST_F(LoopedFileTest, PlaysSilenceAndLogsItIfReadingIsTooSlow) {
     writeLoop(folder / "loop.wav", 100);
     LoopedFile loop(folder / "loop.wav", 3, log);
     ASSERT_TRUE(loop.start(VirtualPacing::live));

@@ -89,7 +89,7 @@ void expectBeginning(const Channels& found, const Channels& given, std::size_t l
         )) << channel;
 }
 
-TEST_F(OutputRecorderTest, CanBeReadUpToItsLastSecondAtAnyInstant) {
+TEST_F(OutputRecorderTest, IsReadableUpToTheLastSecondAtAnyTime) {
     constexpr std::size_t rate = 8000;
     for (const char* name : {"mix.wav", "mix.w64", "mix.rf64"}) {
         OutputRecorder recorder(folder / name, 2, rate);
@@ -106,7 +106,7 @@ TEST_F(OutputRecorderTest, CanBeReadUpToItsLastSecondAtAnyInstant) {
     }
 }
 
-TEST_F(OutputRecorderTest, KeepsAWholeFileAndSaysSoIfTheDiskIsFull) {
+TEST_F(OutputRecorderTest, KeepsACompleteFileAndLogsItIfTheDiskIsFull) {
     for (const std::string name : {"mix.wav", "mix.w64"}) {
         OutputRecorder recorder(folder / name, 2, 48000.0);
         ASSERT_TRUE(recorder.start(VirtualPacing::live));
@@ -125,7 +125,7 @@ TEST_F(OutputRecorderTest, KeepsAWholeFileAndSaysSoIfTheDiskIsFull) {
     }
 }
 
-TEST_F(OutputRecorderTest, IsCompletedByAnExit) {
+TEST_F(OutputRecorderTest, IsCompletedOnExit) {
     const pid_t child = ::fork();
     if (child == 0) {
         OutputRecorder recorder(folder / "mix.wav", 2, 48000.0);
@@ -142,7 +142,7 @@ TEST_F(OutputRecorderTest, IsCompletedByAnExit) {
     EXPECT_EQ(contentOf(folder / "mix.wav"), recordNoise(recorder, 20));
 }
 
-TEST_F(OutputRecorderTest, CountsTheFramesThatTheDiskWasTooSlowFor) {
+TEST_F(OutputRecorderTest, CountsTheFramesLostToASlowDisk) {
     OutputRecorder recorder(folder / "mix.wav", 1, 1000.0);
     constexpr std::size_t moreThanTheQueueHolds = 10'000;
     PlanarBlocks blocks(1, moreThanTheQueueHolds);

@@ -51,7 +51,7 @@ TEST_F(VirtualAudioDriverTest, RunsAtEverySizeFrom16To4096AndKeepsItPerDevice) {
     EXPECT_EQ(driver.bufferSize(panel).value(), 512U);
 }
 
-TEST_F(VirtualAudioDriverTest, AWatchIsNotToldAfterItsEnd) {
+TEST_F(VirtualAudioDriverTest, AWatchIsNotNotifiedAfterItsEnd) {
     ChangeLog last;
     const auto lastWatch = driver.watch(monitor, last.listener());
     for (std::uint32_t i = 0; i < 200; ++i) {
@@ -82,7 +82,7 @@ TEST_F(VirtualAudioDriverTest, EachDeviceKeepsToItsOwnClock) {
     }
 }
 
-TEST_F(VirtualAudioDriverTest, RunsCyclesOfAnotherLengthBeforeItSaysSo) {
+TEST_F(VirtualAudioDriverTest, RunsCyclesOfAnotherLengthBeforeNotifying) {
     KeepingClient client;
     ChangeLog changes;
     const auto watch = driver.watch(panel, changes.listener());
@@ -99,7 +99,7 @@ TEST_F(VirtualAudioDriverTest, RunsCyclesOfAnotherLengthBeforeItSaysSo) {
     EXPECT_THAT(client.lengths, ElementsAre(512, 333, 333, 334));
 }
 
-TEST_F(VirtualAudioDriverTest, ADeviceIsOpenedOnceAtATimeAndNotWhereSomebodyElseHasIt) {
+TEST_F(VirtualAudioDriverTest, ADeviceOpensOnceAtATimeAndNotIfAnotherProgramHasIt) {
     CountingClient client;
     {
         const auto stream = open(panel, client);

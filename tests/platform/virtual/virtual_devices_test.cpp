@@ -82,7 +82,7 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
     EXPECT_FALSE(fileDevice("/nowhere/missing.wav", log));
 }
 
-TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
+TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndReportsWhy) {
     VirtualAudioDriver bare(builtInDevices("/nowhere/panel.flac", log), VirtualPacing::stepped, log);
     CountingClient client;
     const auto stream = std::move(bare.open(panel, true, client)).value();
@@ -91,7 +91,7 @@ TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndSaysWhy) {
     EXPECT_THAT(logged(), ElementsAre(testing::HasSubstr("/nowhere/panel.flac")));
 }
 
-TEST_F(VirtualDevicesTest, DoNotStartWhereTheSystemHasNoThreadsLeft) {
+TEST_F(VirtualDevicesTest, DoNotStartIfNoThreadCanBeCreated) {
     const TemporaryFolder folder;
     for (const bool records : {false, true}) {
         VirtualDevice device = fileDevice(panelRecording(), log).value();
