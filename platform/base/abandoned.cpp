@@ -7,7 +7,7 @@ namespace orvane::platform {
 
 namespace {
 
-/// Never destroyed, not even with the process's other static objects.
+/// Never destroyed, not even with the process's static objects.
 std::vector<std::shared_ptr<void>>& abandonedObjects() {
     static auto* const objects = new std::vector<std::shared_ptr<void>>;
     return *objects;

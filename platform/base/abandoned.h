@@ -4,12 +4,12 @@
 
 namespace orvane::platform {
 
-/// Keeps an object to the end of the process, because a thread that does not come back from foreign code may
-/// still touch it. Main thread.
+/// Keeps an object until the process ends, because a thread that does not return from foreign code may still
+/// use it. Main thread.
 void abandon(std::shared_ptr<void> object);
 
-/// Whether something has been abandoned, so that the process must end without destroying what the program
-/// consists of. Main thread.
+/// Whether an object has been abandoned, so that the process must end without destroying its objects. Main
+/// thread.
 [[nodiscard]] bool isAnythingAbandoned() noexcept;
 
 } // namespace orvane::platform

@@ -4,7 +4,7 @@
 
 namespace orvane::platform {
 
-/// Describes a component to look for; zero fields match any.
+/// Identifies a component to look up; zero fields match any.
 struct AudioComponentDescription {
     std::uint32_t componentType = 0;
     std::uint32_t componentSubType = 0;

@@ -4,8 +4,8 @@
 
 namespace orvane::platform {
 
-/// While it lives, the calling thread is an audio thread. It changes nothing about the thread; programs that
-/// watch their allocations refuse them there. Real-time safe.
+/// Marks the calling thread as an audio thread while it lives. It does not change the thread; programs with
+/// the allocation guard refuse allocations there. Real-time safe.
 class AudioThreadScope final {
   public:
     AudioThreadScope() noexcept { ++depth; }
@@ -13,7 +13,7 @@ class AudioThreadScope final {
     AudioThreadScope(const AudioThreadScope&) = delete;
     AudioThreadScope& operator=(const AudioThreadScope&) = delete;
 
-    /// Whether one lives on the calling thread. Real-time safe.
+    /// Whether a scope is open on the calling thread. Real-time safe.
     [[nodiscard]] static bool isOpen() noexcept { return depth > 0; }
 
   private:
@@ -21,8 +21,7 @@ class AudioThreadScope final {
     static inline thread_local int depth = 0;
 };
 
-/// While it lives, the calling thread is not an audio thread, whatever scopes are open: for what a cycle does
-/// that no device waits for.
+/// Suspends all open scopes of the calling thread: for work within a cycle that no device waits for.
 class AudioThreadPause final {
   public:
     AudioThreadPause() noexcept : kept(std::exchange(AudioThreadScope::depth, 0)) {}

@@ -9,11 +9,11 @@
 
 namespace orvane::platform {
 
-/// Bytes as text of the standard alphabet, padded, without line breaks.
+/// Encodes bytes with the standard alphabet, padded, without line breaks.
 std::string encodeBase64(std::span<const std::uint8_t> bytes);
 
-/// The bytes of such a text. Strict, so that every byte sequence has exactly one text: nothing for a foreign
-/// character, a line break, missing or surplus padding, or unused bits that are not zero.
+/// Decodes such a text. Strict, so that every byte sequence has exactly one text: absent if the text has a
+/// foreign character, a line break, missing or surplus padding, or unused bits that are not zero.
 std::optional<std::vector<std::uint8_t>> decodeBase64(std::string_view text);
 
 } // namespace orvane::platform

@@ -8,12 +8,12 @@
 
 namespace orvane::platform {
 
-/// What the cycles of a stream pass through on their way to its client, so that a stop can end them without
-/// waiting for ever for one that does not come back. Owned by the stream, one I/O thread.
+/// Guards the entry of a stream's cycles to its client, so that a stop can end them without waiting
+/// indefinitely for a cycle that does not return. Owned by the stream; one I/O thread.
 class CycleGate final {
   public:
-    /// Calls `cycle` unless the gate is closed. Returns whether the stream goes on: if false, the I/O thread
-    /// must end and touch nothing but the stream. I/O thread, real-time safe.
+    /// Calls `cycle` unless the gate is closed. If it returns false, the stream is over: the I/O thread must
+    /// end and use nothing but the stream. I/O thread, real-time safe.
     template <class Cycle>
     ORVANE_REALTIME bool pass(Cycle&& cycle) noexcept {
         std::uint32_t idle = 0;
@@ -22,12 +22,12 @@ class CycleGate final {
         return (state.fetch_and(~inCycle, std::memory_order_release) & abandoned) == 0;
     }
 
-    /// Lets cycles pass, from now on. While no I/O thread runs.
+    /// Admits cycles from now on. Must not be called while an I/O thread runs.
     void open() noexcept { state.store(0); }
 
-    /// Lets no further cycle pass and waits for the one under way, `stopPatience` at most. Returns false if
-    /// that one has been abandoned: then the client, the stream and all that they use must never be freed.
-    /// The thread that owns the stream.
+    /// Admits no further cycle and waits for the running one, for at most `stopPatience`. Returns false if
+    /// that cycle has been abandoned: the client, the stream and everything they use must then never be
+    /// freed. Called on the thread that owns the stream.
     bool close() {
         state.fetch_or(closed);
         if (waitPatiently([this] { return (state.load() & inCycle) == 0; })) return true;

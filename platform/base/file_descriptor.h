@@ -6,10 +6,10 @@
 
 namespace orvane::platform {
 
-/// Owns an open file of the system and closes it. Movable, one thread at a time.
+/// Owns a file descriptor and closes it. Movable; one thread at a time.
 class FileDescriptor final {
   public:
-    /// Takes over what open() and its kin returned; a negative number owns nothing.
+    /// Takes ownership of a descriptor that open() or a similar call returned; a negative one is ignored.
     explicit FileDescriptor(int openedNumber) noexcept : descriptor(openedNumber) {}
     ~FileDescriptor() {
         if (isOpen()) ::close(descriptor);
@@ -20,7 +20,7 @@ class FileDescriptor final {
 
     [[nodiscard]] bool isOpen() const noexcept { return descriptor >= 0; }
 
-    /// The number to hand to system calls; negative where nothing is open.
+    /// The descriptor for system calls; negative if none is open.
     [[nodiscard]] int number() const noexcept { return descriptor; }
 
   private:

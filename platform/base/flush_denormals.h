@@ -8,9 +8,8 @@
 
 namespace orvane::platform {
 
-/// While it lives, the calling thread computes with denormal numbers taken as zero, so that a filter or a
-/// plugin fading into silence costs no more than one at work. Restores the thread's mode at its end.
-/// Real-time safe.
+/// Treats denormal numbers as zero on the calling thread while it lives, so that a filter or a plugin that
+/// fades into silence does not slow down. The destructor restores the thread's mode. Real-time safe.
 class FlushDenormals final {
   public:
     FlushDenormals() noexcept : before(mode()) { setMode(before | flushBits); }

@@ -4,7 +4,7 @@
 
 namespace orvane::platform {
 
-/// Turns host clock ticks into nanoseconds: ticks * numer / denom.
+/// Converts host clock ticks to nanoseconds: ticks * numer / denom.
 struct TimebaseInfo {
     std::uint32_t numer = 1;
     std::uint32_t denom = 1;
@@ -12,14 +12,13 @@ struct TimebaseInfo {
     bool operator==(const TimebaseInfo&) const = default;
 };
 
-/// The monotonic clock that durations on audio threads are measured with. A value; tests hand in a scripted
-/// one.
+/// The monotonic clock for durations on audio threads. A value; tests pass a scripted one.
 struct HostClock {
-    /// The time in ticks since some fixed moment. Any thread, real-time safe.
+    /// The time in ticks since a fixed moment. Any thread, real-time safe.
     std::uint64_t (*absoluteTime)() noexcept;
     TimebaseInfo timebaseInfo;
 
-    /// The machine's monotonic clock, in nanoseconds.
+    /// The computer's monotonic clock, in nanoseconds.
     static HostClock system() noexcept;
 };
 

@@ -7,27 +7,28 @@
 
 namespace orvane::platform {
 
-/// A repeating timer; destroying it ends it, from within its own task too. May outlive the main thread's
+/// A repeating timer. Destroying it stops it, even from within its own task. May outlive the main thread's
 /// loop. Main thread.
 class MainThreadTimer {
   public:
     virtual ~MainThreadTimer() = default;
 };
 
-/// The thread that models and views live on, as a queue of tasks and timers. Made by the composition root;
-/// outlives whoever posts to it. Tasks throw nothing but std::bad_alloc, which ends the task and is reported.
+/// The queue of tasks and timers of the main thread, which models and views live on. Made by the composition
+/// root; must outlive all that post to it. Tasks throw only std::bad_alloc, which ends the task and is
+/// reported.
 class MainThread {
   public:
     class Poster;
 
     virtual ~MainThread() = default;
 
-    /// Runs `task` on the main thread, soon and in the order of posting, never from within this call. Once
-    /// the loop has ended the task is not run. Any thread, not real-time safe.
+    /// Runs `task` on the main thread, soon, in the order of posting and never within this call. After the
+    /// loop has ended, tasks are discarded. Any thread, not real-time safe.
     virtual void post(std::function<void()> task) = 0;
 
-    /// Runs `task` every `interval`, more than 0, the first time one interval from now, also during user
-    /// interaction. Ticks that were missed are not made up for. Main thread.
+    /// Runs `task` every `interval`, which must be positive, for the first time after one interval, also
+    /// during user interaction. Missed ticks are skipped. Main thread.
     [[nodiscard]] virtual std::unique_ptr<MainThreadTimer>
     repeat(std::chrono::nanoseconds interval, std::function<void()> task) = 0;
 };

@@ -4,11 +4,10 @@
 
 namespace orvane::platform {
 
-/// Says in a line on standard error that a task found no memory and was given up. Any thread; needs no memory
-/// itself.
+/// Reports on standard error that a task was given up because memory ran out. Any thread; allocates nothing.
 void reportMemoryShortage() noexcept;
 
-/// Runs a task of a thread that is to go on where the task finds no memory: what was to be done is left out
+/// Runs a task of a thread that must survive a lack of memory: if the task runs out of memory, it is given up
 /// and reported. Any thread.
 template <class Task>
 void runUnlessOutOfMemory(const Task& task) {

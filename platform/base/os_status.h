@@ -4,11 +4,11 @@
 
 namespace orvane::platform {
 
-/// Result of a platform call; 0 is success.
+/// The result of a platform call; 0 is success.
 using OSStatus = std::int32_t;
 inline constexpr OSStatus noErr = 0;
 
-/// A code that is written as four characters, the first one in the highest byte.
+/// A code written as four characters, the first one in the highest byte.
 constexpr std::uint32_t fourCharCode(const char (&characters)[5]) noexcept {
     std::uint32_t code = 0;
     for (int i = 0; i < 4; ++i)
@@ -16,7 +16,7 @@ constexpr std::uint32_t fourCharCode(const char (&characters)[5]) noexcept {
     return code;
 }
 
-/// A status that is written as four characters.
+/// A status written as four characters.
 constexpr OSStatus fourCharStatus(const char (&characters)[5]) noexcept {
     return static_cast<OSStatus>(fourCharCode(characters));
 }
@@ -41,7 +41,7 @@ inline constexpr OSStatus kAudioUnitErr_FormatNotSupported = -10868;
 inline constexpr OSStatus kAudioUnitErr_Uninitialized = -10867;
 inline constexpr OSStatus kAudioUnitErr_CannotDoInCurrentContext = -10863;
 inline constexpr OSStatus kAudioUnitErr_Initialized = -10849;
-/// A parameter that no call takes, such as a unit that is not there.
+/// An invalid argument, such as a unit that does not exist.
 inline constexpr OSStatus kAudio_ParamError = -50;
 
 } // namespace orvane::platform

@@ -9,7 +9,7 @@ namespace {
 
 constexpr char plainReplacement = '?';
 constexpr unsigned char deleteCharacter = 0x7F;
-/// The first byte of the control characters beyond ASCII, whose second is below the limit.
+/// The first byte of the control characters beyond ASCII; their second byte is below the limit.
 constexpr unsigned char controlLead = 0xC2;
 constexpr unsigned char controlLimit = 0xA0;
 
@@ -17,7 +17,7 @@ bool continues(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-/// How many bytes the character that begins with `lead` has; 0 if none begins so.
+/// The length in bytes of a character that starts with `lead`; 0 if none does.
 std::size_t lengthFrom(unsigned char lead) {
     if (lead < 0x80) return 1;
     if (lead < controlLead || lead > 0xF4) return 0;

@@ -4,25 +4,23 @@
 
 namespace orvane::platform {
 
-/// The real-time priority that audio threads want.
+/// The real-time priority for audio threads.
 inline constexpr int wantedRealtimePriority = 70;
 
-/// Puts the calling thread before all ordinary ones, at the priority that audio threads want or else the
-/// highest one that its user may have; returns that priority, 0 where there is none to be had. For an audio
-/// thread's beginning.
+/// Gives the calling thread real-time priority: `wantedRealtimePriority` or else the highest that its user
+/// may have. Returns that priority; 0 if none is available. Called at the start of an audio thread.
 int takeRealtimePriority() noexcept;
 
-/// The priority that an audio thread would get now. Any thread but the audio ones.
+/// The priority that an audio thread would get now. Any thread except audio threads.
 int obtainableRealtimePriority();
 
-/// Gives real-time priority to threads that may not take it themselves. Any thread but an audio thread; may
-/// wait for a service, but not longer than a few seconds.
+/// Gives real-time priority to threads that may not take it themselves. Any thread except audio threads; may
+/// wait for a service for a few seconds.
 class PriorityLender {
   public:
     virtual ~PriorityLender() = default;
 
-    /// Returns the priority that the thread of this process, by its kernel id, has from now on; 0 if it is
-    /// refused.
+    /// Gives priority to a thread of this process, by its kernel id, and returns it; 0 if it is refused.
     virtual int lend(pid_t thread) = 0;
 
     /// The priority that `lend` would give; 0 if none.

@@ -6,14 +6,14 @@
 
 namespace orvane::platform {
 
-/// Why something failed, as one complete sentence for the person at the screen.
+/// A failure, as one complete sentence for the user.
 struct Error {
     std::string description;
 
     bool operator==(const Error&) const = default;
 };
 
-/// The value of an operation that can fail, or why it failed. Any thread.
+/// The value of an operation, or the reason of its failure. Any thread.
 template <class T, class E = Error>
 class [[nodiscard]] Result final {
   public:
@@ -23,19 +23,19 @@ class [[nodiscard]] Result final {
     [[nodiscard]] bool hasValue() const { return state.index() == 0; }
     explicit operator bool() const { return hasValue(); }
 
-    /// Only where `hasValue()`; anything else throws std::bad_variant_access.
+    /// Requires `hasValue()`; throws std::bad_variant_access otherwise.
     [[nodiscard]] T& value() & { return std::get<0>(state); }
     [[nodiscard]] const T& value() const& { return std::get<0>(state); }
     [[nodiscard]] T&& value() && { return std::get<0>(std::move(state)); }
 
-    /// Only where not `hasValue()`; anything else throws std::bad_variant_access.
+    /// Requires that `hasValue()` is false; throws std::bad_variant_access otherwise.
     [[nodiscard]] const E& error() const { return std::get<1>(state); }
 
   private:
     std::variant<T, E> state;
 };
 
-/// The value of an operation that gives nothing but success.
+/// The value of an operation that only succeeds or fails.
 struct Done {
     bool operator==(const Done&) const = default;
 };

@@ -27,7 +27,7 @@ void RunLoop::run() {
 
 void RunLoop::runWhile(const std::function<bool()>& goesOn) {
     while (!hasQuit() && goesOn()) {
-        // One of each in turn, so that neither many tasks nor slow timers keep the others waiting for ever.
+        // Alternates, so that neither many tasks nor slow timers starve the others.
         const bool ranTask = runNextTask();
         const bool ranTimer = !hasQuit() && timers.runNextDue(Clock::now());
         if (!ranTask && !ranTimer) waitForWork();
@@ -37,7 +37,7 @@ void RunLoop::runWhile(const std::function<bool()>& goesOn) {
 void RunLoop::quit() {
     const std::scoped_lock guard(mutex);
     isQuitting = true;
-    // Under the lock: once it is free the main thread may return from the loop and destroy it.
+    // Under the lock: once it is released, the main thread may leave the loop and destroy it.
     changed.notify_one();
 }
 

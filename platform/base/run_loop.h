@@ -11,8 +11,7 @@
 
 namespace orvane::platform {
 
-/// The main thread of a program without a window. The thread that makes it is the main thread, and the one to
-/// run it.
+/// The main thread of a program without windows. It must run on the thread that made it.
 class RunLoop final : public MainThread {
   public:
     void post(std::function<void()> task) override;
@@ -20,13 +19,13 @@ class RunLoop final : public MainThread {
     [[nodiscard]] std::unique_ptr<MainThreadTimer>
     repeat(std::chrono::nanoseconds interval, std::function<void()> task) override;
 
-    /// Runs tasks and timers until somebody quits; returns at once where somebody has. Main thread.
+    /// Runs tasks and timers until `quit`; returns at once if that was called before. Main thread.
     void run();
 
-    /// The same, but only for as long as `goesOn` is true, which is asked after every task and timer.
+    /// Runs until `quit`, or until `goesOn`, which is called after every task and timer, returns false.
     void runWhile(const std::function<bool()>& goesOn);
 
-    /// Ends the loop after the task under way; what is still queued never runs. Any thread.
+    /// Ends the loop after the current task; tasks still queued never run. Any thread.
     void quit();
 
   private:

@@ -14,10 +14,10 @@ namespace orvane::platform {
 namespace {
 
 constexpr int patienceMs = 100;
-/// What a pipe that is writable takes without waiting.
+/// The size that a writable pipe accepts without blocking.
 constexpr std::size_t longestWrite = PIPE_BUF;
 
-/// Waits for somebody who has stopped reading once, not at each line.
+/// Waits for a stuck reader once, not for every line.
 bool isTaken() noexcept {
     static std::atomic<bool> isStuck = false;
     pollfd standardError{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};

@@ -4,8 +4,8 @@
 
 namespace orvane::platform {
 
-/// Writes to standard error what can be written there. What fails, or finds nobody who reads it for a tenth
-/// of a second, is left out: there is nobody else to tell, and nothing else waits for it. Control threads.
+/// Writes to standard error, as far as possible. Text is dropped if writing fails or the reader is stuck for
+/// a tenth of a second, because an error could not be reported anywhere. Control threads.
 void writeToStandardError(std::string_view text) noexcept;
 
 } // namespace orvane::platform

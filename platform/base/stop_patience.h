@@ -4,20 +4,20 @@
 
 namespace orvane::platform {
 
-/// How long a stop waits for a thread or a server that is in foreign code, unless it is told otherwise.
+/// How long a stop waits by default for a thread or a server in foreign code.
 inline constexpr std::chrono::seconds usualStopPatience{5};
 
-/// How long every stop of the process waits at most before it abandons what does not end. Any thread.
+/// How long every stop of the process waits before it abandons what does not end. Any thread.
 [[nodiscard]] std::chrono::nanoseconds stopPatience() noexcept;
 
-/// Replaces the bound, also for stops that are waiting; zero ends them at once. Any thread, signal handlers
-/// included.
+/// Sets that limit, also for stops that are waiting; zero ends them at once. Any thread, also in signal
+/// handlers.
 void setStopPatience(std::chrono::nanoseconds patience) noexcept;
 
-/// Sleeps between two looks of `waitPatiently`.
+/// Sleeps between two checks of `waitPatiently`.
 void pauseWhileWaiting() noexcept;
 
-/// Waits until `isOver` returns true, `stopPatience` at most; returns whether it did. Any thread that may
+/// Waits until `isOver` returns true, for at most `stopPatience`; returns whether it did. Any thread that may
 /// sleep.
 template <class Condition>
 bool waitPatiently(Condition&& isOver) {

@@ -17,38 +17,37 @@ enum class LogLevel : std::uint8_t { standard, error };
 /// The application's identifier in logs.
 inline constexpr std::string_view logSubsystem = "app.orvane.mixer";
 
-/// One line as a sink gets it.
+/// A line as passed to a sink.
 struct LogLine {
     LogLevel level;
-    /// Which part of the application speaks; a literal.
+    /// The part of the application that logs; a string literal.
     std::string_view category;
     std::string_view text;
-    /// What the text begins with if it was posted in several parts: the thing that it is about.
+    /// The first part of the text, which names its subject, if it was posted in parts.
     std::string_view subject = {};
 };
 
-/// The log. Control threads write at once; audio threads post into a queue of fixed size that the control
-/// side writes out at its next `flush`. Whoever makes it decides where lines go; it outlives everything that
-/// logs.
+/// The log. Control threads write at once; audio threads post to a queue of fixed size that the control side
+/// writes at its next `flush`. The sink decides where lines go. Must outlive everything that logs.
 class SystemLog final {
   public:
     using Sink = std::function<void(const LogLine&)>;
 
     explicit SystemLog(Sink lineSink);
 
-    /// Posts the joined parts, cut to `longestLine` bytes; `category` is a literal. A line that finds the
-    /// queue full is counted and dropped. Any thread, real-time safe.
+    /// Posts the joined parts, cut to `longestLine` bytes; `category` must be a literal. If the queue is
+    /// full, the line is dropped and counted. Any thread, real-time safe.
     ORVANE_REALTIME void
     post(LogLevel level, std::string_view category, std::initializer_list<std::string_view> parts) noexcept;
 
-    /// Writes out what has been posted, in order, and how many lines were dropped. One control thread.
+    /// Writes all posted lines in order, and the number of dropped lines. One control thread.
     void flush();
 
     static constexpr std::size_t longestLine = 512;
 
   private:
-    /// A bounded queue for many producers and one consumer: a slot's turn tells whether it is free for the
-    /// position that a producer claimed, or holds what the consumer waits for.
+    /// A bounded queue with many producers and one consumer: a slot's turn shows whether it is free for a
+    /// producer's position or filled for the consumer's.
     struct Slot {
         std::atomic<std::size_t> turn;
         LogLevel level;
@@ -69,11 +68,11 @@ class SystemLog final {
     std::atomic<std::size_t> dropped = 0;
 };
 
-/// Writes lines to standard error, with the priorities that the journal reads when it is what listens there.
+/// Writes lines to standard error, with priorities for the journal if it is the reader.
 SystemLog::Sink standardErrorSink();
 
-/// Passes errors on to `sink`, and other lines only from the first error about the same subject on: that all
-/// is well is worth a line only where it was not.
+/// Passes errors on to `sink`, and other lines only after an error about the same subject: success is worth a
+/// line only after a failure.
 SystemLog::Sink quietUntilAnError(SystemLog::Sink sink);
 
 } // namespace orvane::platform

@@ -37,7 +37,7 @@ std::optional<TimerList::Time> TimerList::nextDue() const {
 }
 
 bool TimerList::runNextDue(Time now) {
-    // Keeps the task alive while it runs, though it may end its own timer.
+    // Keeps the task alive while it runs, although it may end its own timer.
     const auto entry = earliest();
     if (!entry || entry->due > now) return false;
     entry->due += entry->interval * ((now - entry->due) / entry->interval + 1);

@@ -5,8 +5,8 @@
 namespace orvane::platform {
 
 /// A short, non-recursive lock between control and audio threads. It inherits priority: an audio thread that
-/// has to wait lends its priority to the holder, so a preempted control thread cannot stall it. Hold it only
-/// to copy values or swap references; never allocate, compute or call out under it. Uncontended it makes no
+/// waits lends its priority to the holder, so a preempted control thread cannot stall it. Hold it only to
+/// copy values or swap references; never allocate, compute or call out under it. Uncontended, it makes no
 /// system call. Satisfies BasicLockable for std::scoped_lock.
 class UnfairLock final {
   public:
@@ -18,7 +18,7 @@ class UnfairLock final {
     /// Waits until the lock is free and takes it. Any thread, real-time safe.
     void lock() noexcept { pthread_mutex_lock(&mutex); }
 
-    /// Gives the lock up; only the thread that took it may. Any thread, real-time safe.
+    /// Releases the lock; only the thread that took it may. Any thread, real-time safe.
     void unlock() noexcept { pthread_mutex_unlock(&mutex); }
 
   private:

@@ -21,7 +21,7 @@ std::optional<std::u32string> decodeUTF8(std::string_view text) {
     );
     if (outcome != Codec::ok || read != bytes.data() + bytes.size()) return std::nullopt;
     characters.resize(static_cast<std::size_t>(written - characters.data()));
-    // The codec lets halves of a surrogate pair through.
+    // The codec accepts halves of surrogate pairs.
     const auto isSurrogate = [](char32_t character) { return character >= 0xD800 && character <= 0xDFFF; };
     if (std::ranges::any_of(characters, isSurrogate)) return std::nullopt;
     return characters;

@@ -11,19 +11,19 @@
 
 namespace orvane::platform {
 
-/// The identity of a strip, an insert slot, a snapshot or a preset: 16 bytes in network order, all zero
-/// unless made. A plain value.
+/// The identity of a strip, an insert slot, a snapshot or a preset: 16 bytes in network order, all zero by
+/// default. A plain value.
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
     auto operator<=>(const Uuid&) const = default; // NOLINT(modernize-use-nullptr): misread by the checker
 
-    /// A new identity (version 4) from the system's random source. Any thread but the audio ones; throws
-    /// std::system_error on a machine that has no such source.
+    /// Makes an identity (version 4) from the system's random source. Any thread except audio threads; throws
+    /// std::system_error on a computer without such a source.
     static Uuid random();
 
-    /// The identity that a text of the canonical form names, 36 characters with hyphens and hexadecimal
-    /// digits in either case; nothing for any other text.
+    /// Parses the canonical form, 36 characters with hyphens and hexadecimal digits in either case; absent
+    /// for any other text.
     static std::optional<Uuid> parse(std::string_view text);
 
     /// The canonical form, in upper case.
