@@ -8,8 +8,8 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// When the cycles of a stream are due: each as long after the start as all frames before it take at the
-/// device's rate, so that nothing adds up however long the stream runs. One thread, real-time safe.
+/// The due times of a stream's cycles. Each follows from the start and the number of frames before it at the
+/// device's rate, so that errors do not accumulate however long the stream runs. One thread, real-time safe.
 class CycleSchedule final {
   public:
     /// `framesPerSecond`: the rate of the device's clock. The first cycle is due at `startTime`.
@@ -23,10 +23,10 @@ class CycleSchedule final {
     ORVANE_REALTIME [[nodiscard]] bool
     isLate(std::size_t frameCount, std::chrono::nanoseconds now) const noexcept;
 
-    /// Goes on to the cycle after one of `frameCount` frames.
+    /// Moves on to the cycle after one of `frameCount` frames.
     ORVANE_REALTIME void advance(std::size_t frameCount) noexcept { framesDone += frameCount; }
 
-    /// Begins anew with a next cycle that is due at `now`.
+    /// Restarts with a next cycle that is due at `now`.
     ORVANE_REALTIME void restart(std::chrono::nanoseconds now) noexcept;
 
   private:

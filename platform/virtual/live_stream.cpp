@@ -15,7 +15,7 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-/// Bounds how long `stop` waits for an I/O thread whose next cycle is far away.
+/// Limits how long `stop` waits for an I/O thread whose next cycle is far off.
 constexpr nanoseconds longestWait{20'000'000};
 
 nanoseconds now() noexcept {

@@ -11,7 +11,7 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// A stream in real time: an I/O thread of its own runs each cycle at its deadline.
+/// A stream in real time: its own I/O thread runs each cycle at its deadline.
 class LiveStream final : public AudioStream {
   public:
     LiveStream(

@@ -4,7 +4,7 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// What the log files the lines of virtual devices under.
+/// The log category for virtual devices.
 inline constexpr std::string_view virtualAudioLogCategory = "VirtualAudio";
 
 } // namespace orvane::platform::virtual_devices

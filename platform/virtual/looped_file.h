@@ -14,12 +14,12 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Plays a sound file over and over without a seam, read some seconds ahead: live on a thread of its own,
-/// stepped as the steps need it. Frames that are not read in time are silent; if the file cannot be read on,
-/// all later ones are. The log reports both.
+/// Loops a sound file seamlessly and reads some seconds ahead: live on a thread of its own, stepped as the
+/// steps need it. Frames that are not read in time are silent; if reading fails, the rest is silent. The log
+/// reports both.
 class LoopedFile final : public VirtualInput {
   public:
-    /// `channelCount`: how many channels the file has; one with another number does not start.
+    /// `channelCount`: the file's channels; a file with another number does not start.
     LoopedFile(std::filesystem::path file, std::size_t channelCount, SystemLog& systemLog);
 
     Result<Done> start(VirtualPacing pacing) override;

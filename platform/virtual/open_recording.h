@@ -8,8 +8,7 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Opens a sound file that is to have `channelCount` channels; fails where it is none or has another number.
-/// Control threads.
+/// Opens a sound file; fails if it cannot be read or does not have `channelCount` channels. Control threads.
 Result<SoundFileReader> openRecording(const std::filesystem::path& path, std::size_t channelCount);
 
 } // namespace orvane::platform::virtual_devices

@@ -16,15 +16,14 @@ constexpr double queueSeconds = 2.0;
 constexpr std::chrono::milliseconds writingInterval{50};
 constexpr std::size_t framesPerWrite = 4096;
 
-/// The recorders that are under way, for an exit that unwinds nothing, as when the display is lost. Main
-/// thread.
+/// The active recorders, for an exit without unwinding, as when the display is lost. Main thread.
 std::set<OutputRecorder*>& recordersUnderWay() {
     static std::set<OutputRecorder*> recorders;
     return recorders;
 }
 
 void completeAtExit(OutputRecorder* recorder) {
-    // The set is made first, so that it still stands when it is needed.
+    // Creates the set first, so that it is destroyed after the handler has run.
     recordersUnderWay().insert(recorder);
     [[maybe_unused]] static const int isRegistered = std::atexit(OutputRecorder::completeAll);
 }
@@ -51,8 +50,8 @@ void OutputRecorder::completeAll() {
 
 Result<Done> OutputRecorder::start(VirtualPacing pacing) {
     queue.emplace(chunk.channelCount(), framesPerWrite + static_cast<std::size_t>(queueSeconds * rate));
-    // Before the file, which would be left behind if the system had no thread left. It finds nothing to write
-    // yet.
+    // Started before the file is created, which would be left behind if no thread could be started. It finds
+    // nothing to write yet.
     if (pacing == VirtualPacing::live) writerThread.emplace(writingInterval, [this] { writeOut(); });
     auto free = nextFreePath();
     auto begun = SoundFileWriter::record(free, chunk.channelCount(), rate);
@@ -113,7 +112,7 @@ void OutputRecorder::writeOut() {
     }
 }
 
-/// Brings the header up to date with the first frames and then once a second.
+/// Updates the header with the first frames and then once a second.
 void OutputRecorder::keepReadable(std::size_t newFrames) {
     framesWritten += newFrames;
     if (framesInHeader > 0 && framesWritten < framesInHeader + static_cast<std::uint64_t>(rate)) return;

@@ -15,10 +15,10 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Records what a device's outputs are given into a sound file, bit for bit from a stream's start to its
-/// stop: live by way of a queue of some seconds that a thread of its own writes out, stepped at once. Every
-/// start records a take of its own under the next name that is free: "mix.wav", then "mix-2.wav". However the
-/// program ends, the file can be read up to its last second; std::exit completes it.
+/// Records a device's outputs into a sound file, bit for bit from a stream's start to its stop. Live
+/// recording goes through a queue of some seconds that a thread writes out; stepped recording writes at once.
+/// Every start records a take under the next free name: "mix.wav", then "mix-2.wav". However the program
+/// ends, the file is readable up to its last second; std::exit completes it.
 class OutputRecorder final : public VirtualOutput {
   public:
     /// `sampleRate` in Hz, a whole number; `channelCount`: the device's outputs, 1 to 1024.
@@ -27,19 +27,19 @@ class OutputRecorder final : public VirtualOutput {
     OutputRecorder(const OutputRecorder&) = delete;
     OutputRecorder& operator=(const OutputRecorder&) = delete;
 
-    /// Completes all recordings that are under way, for an end of the process that unwinds nothing. Main
-    /// thread, or another if that one never returns.
+    /// Completes all active recordings when the process ends without unwinding. Main thread, or another if
+    /// that one never returns.
     static void completeAll();
 
     Result<Done> start(VirtualPacing pacing) override;
     ORVANE_REALTIME void take(std::span<const std::span<const float>> blocks) noexcept override;
     void stop() override;
 
-    /// The file of the last take; that of the first before there is one. Main thread.
+    /// The file of the last take; of the first if there is none yet. Main thread.
     [[nodiscard]] const std::filesystem::path& file() const { return takePath; }
 
-    /// What went wrong with a recording since this was last asked, as a sentence. Any thread but the audio
-    /// ones.
+    /// Returns a failure of the recording since the last call, as a sentence. Any thread except audio
+    /// threads.
     std::optional<std::string> takeProblem();
 
   private:

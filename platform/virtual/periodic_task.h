@@ -8,8 +8,8 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Does a piece of work every so often on a thread of its own, for work that an audio thread must not wake.
-/// After its destruction, which waits for work that is under way, the work is not done again. Main thread.
+/// Repeats a task at an interval on a thread of its own, for work that an audio thread must not trigger. The
+/// destructor waits for the running task; none follows. Main thread.
 class PeriodicTask final {
   public:
     PeriodicTask(std::chrono::milliseconds interval, std::function<void()> work);

@@ -11,7 +11,7 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// A stream whose cycles a `VirtualClock` runs. What the main thread does excludes a cycle that is under way.
+/// A stream whose cycles a `VirtualClock` runs. The main thread's calls exclude a running cycle.
 class SteppedStream final : public AudioStream {
   public:
     SteppedStream(
@@ -26,18 +26,18 @@ class SteppedStream final : public AudioStream {
     [[nodiscard]] std::uint32_t xrunCount() const noexcept override { return 0; }
     [[nodiscard]] int realtimePriority() const noexcept override { return 0; }
 
-    /// When the next cycle is due if the time is `now`, nothing where the device has died. The first question
-    /// after a start fixes its place in time. Stepping thread, `stepping` held.
+    /// When the next cycle is due, with `now` as the current time; absent if the device has died. The first
+    /// call after a start fixes its place in time. Stepping thread, `stepping` held.
     ORVANE_REALTIME std::optional<std::chrono::nanoseconds> due(std::chrono::nanoseconds now) noexcept;
 
-    /// Runs the next cycle; false where the device has died. Stepping thread, `stepping` held.
+    /// Runs the next cycle; returns false if the device has died. Stepping thread, `stepping` held.
     ORVANE_REALTIME bool step() noexcept;
 
   private:
     VirtualDeviceState& device;
     StreamCycles cycles;
     bool isRunning = false;
-    /// From the start on.
+    /// Counted from the start.
     CycleSchedule schedule;
     std::optional<std::chrono::nanoseconds> startTime;
 };

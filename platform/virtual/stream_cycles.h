@@ -12,8 +12,9 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// The cycles of an open device, whatever paces them: its input source, its client and its output sink in
-/// turn. A stream owns it, and while it exists the device is open. Main thread, but for what a cycle needs.
+/// The cycles of an open device, independent of their pacing: each runs the input source, the client and the
+/// output sink in turn. Owned by a stream; the device is open while it exists. Main thread, except what a
+/// cycle calls.
 class StreamCycles final {
   public:
     StreamCycles(
@@ -24,30 +25,30 @@ class StreamCycles final {
     StreamCycles(const StreamCycles&) = delete;
     StreamCycles& operator=(const StreamCycles&) = delete;
 
-    /// Gets source and sink ready. Fails where one of them cannot start, which the log then tells.
+    /// Starts source and sink. Fails if one of them cannot start, which the log reports.
     OSStatus begin(VirtualPacing pacing);
 
-    /// Lets no further cycle run and waits for the one under way; false if that one has been abandoned.
+    /// Admits no further cycle and waits for the running one; returns false if that one has been abandoned.
     [[nodiscard]] bool close() { return gate.close(); }
 
-    /// Lets go of source and sink, what is recorded finished, after `close`.
+    /// Stops source and sink and completes recordings. Called after `close`.
     void end();
 
-    /// Lets another stream open the device, after the last cycle has been abandoned.
+    /// Lets another stream open the device after the last cycle has been abandoned.
     void giveDeviceBack() { device.isOpen = false; }
 
-    /// Whether the device has lived on since it was opened. Any thread, real-time safe.
+    /// Whether the device has been alive since it was opened. Any thread, real-time safe.
     ORVANE_REALTIME [[nodiscard]] bool isDeviceAlive() const noexcept {
         return device.deaths.load(std::memory_order_acquire) == deathsBefore;
     }
 
-    /// The frames of the cycle that comes next. Cycle thread, real-time safe.
+    /// The length of the next cycle in frames. Cycle thread, real-time safe.
     ORVANE_REALTIME [[nodiscard]] std::size_t nextLength() const noexcept {
         return device.cycleLength.load(std::memory_order_relaxed);
     }
 
-    /// One cycle of `frameCount` frames, up to `longestVirtualBuffer`. Returns false if the cycles are over:
-    /// then the thread must not use the device again. Cycle thread, real-time safe.
+    /// Runs a cycle of `frameCount` frames, up to `longestVirtualBuffer`. Returns false if the stream is
+    /// over: the thread must then not use the device again. Cycle thread, real-time safe.
     [[nodiscard]] ORVANE_REALTIME bool run(std::size_t frameCount) noexcept;
 
   private:

@@ -16,11 +16,11 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Audio devices without hardware, for machines that have none, for rendering files and for tests. A device
-/// takes one stream at a time.
+/// Audio devices without hardware: for computers without any, for rendering files and for tests. A device has
+/// one stream at a time.
 class VirtualAudioDriver final : public AudioDriver {
   public:
-    /// `describedDevices`: with one uid each. `systemLog` outlives the driver.
+    /// `describedDevices` must have unique uids. `systemLog` must outlive the driver.
     VirtualAudioDriver(
         std::vector<VirtualDevice> describedDevices, VirtualPacing streamPacing, SystemLog& systemLog
     );
@@ -36,7 +36,7 @@ class VirtualAudioDriver final : public AudioDriver {
     /// The clock that runs the cycles of a stepped driver.
     [[nodiscard]] VirtualClock& clock() noexcept { return stepper; }
 
-    /// Makes a device misbehave; nothing where there is none of that uid. Main thread.
+    /// Controls a device's faults; absent if no device has this uid. Main thread.
     std::optional<VirtualDeviceControl> control(std::string_view uid);
 
   private:

@@ -15,24 +15,23 @@ namespace orvane::platform::virtual_devices {
 inline constexpr std::uint32_t shortestVirtualBuffer = 16;
 inline constexpr std::uint32_t longestVirtualBuffer = 4096;
 
-/// What a virtual driver needs to know about one of its devices.
+/// The description of a device for a virtual driver.
 struct VirtualDevice {
-    /// The buffer size that the device runs at after it was asked for another one, up to
-    /// `longestVirtualBuffer`, or the status that it refuses with.
+    /// Returns the buffer size that the device chooses for a requested one, up to `longestVirtualBuffer`, or
+    /// the status with which it refuses.
     using BufferSizeAnswer = std::function<Result<std::uint32_t, OSStatus>(std::uint32_t requested)>;
 
     /// As the driver lists it.
     AudioDriverDevice description;
-    /// How much faster its clock runs than the rate it states, in parts per million.
+    /// How much faster its clock runs than its nominal rate, in parts per million.
     double clockOffsetPpm = 0.0;
-    /// In frames, from the shortest to the longest, until another one is asked for.
+    /// The initial buffer size in frames, within the limits above.
     std::uint32_t bufferSize = 512;
-    /// Silence where there is none.
+    /// Silent if null.
     std::shared_ptr<VirtualInput> input = {};
-    /// Nobody listens where there is none.
+    /// Outputs are discarded if null.
     std::shared_ptr<VirtualOutput> output = {};
-    /// Stands in for the device's own answer, which grants every size from the shortest to the longest and
-    /// refuses others.
+    /// Replaces the default, which grants every size within the limits above and refuses others.
     BufferSizeAnswer answerBufferSize = {};
 };
 

@@ -15,7 +15,7 @@ struct Connections {
 
 struct VirtualMIDIDriver::State {
     std::mutex mutex;
-    /// By the number that is their address.
+    /// By the number that is the source's address.
     std::map<std::uint64_t, std::string> names;
     std::uint64_t lastNumber = 0;
     std::set<Connections*> inputs;

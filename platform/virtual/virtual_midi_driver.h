@@ -13,9 +13,9 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// Sources that are only there within the program: each is one of our own, there from its creation to its
-/// destruction. What it sends reaches the inputs before `send` returns, and the listener hears of it on the
-/// thread that creates or destroys it.
+/// MIDI sources that exist only within the program, each from its creation to its destruction. Messages reach
+/// the inputs before `send` returns, and the listener is notified on the thread that creates or destroys a
+/// source.
 class VirtualMIDIDriver final : public MIDIDriver {
   public:
     VirtualMIDIDriver();
@@ -32,7 +32,7 @@ class VirtualMIDIDriver final : public MIDIDriver {
     class Source;
     struct State;
 
-    /// Also held by what it gave out, so that tests may end things in any order.
+    /// Shared with its sources and inputs, so that tests may destroy them in any order.
     std::shared_ptr<State> state;
 };
 

@@ -2,11 +2,11 @@
 
 namespace orvane::platform::virtual_devices {
 
-/// What the cycles of a virtual driver's streams wait for.
+/// The pacing of a virtual driver's streams.
 enum class VirtualPacing {
-    /// The machine's clock: one I/O thread per stream.
+    /// By the computer's clock: one I/O thread per stream.
     live,
-    /// Whoever steps the driver's `VirtualClock`: cycles run on the stepping thread, as fast as it likes.
+    /// By calls of the driver's `VirtualClock`: cycles run on the calling thread, as fast as possible.
     stepped,
 };
 
