@@ -37,7 +37,7 @@ struct AlsaAudioDriver::State {
         return lease != leases.end() && !lease->second.expired();
     }
 
-    /// Reserves the card that has the PCM; holds nothing if no card is known to have it.
+    /// Reserves the card of a PCM; the lease is empty if no card is known to have it.
     [[nodiscard]] Result<CardReservations::Lease, ErrorNumber>
     reserve(const std::string& pcmName, std::function<void()> onRequest = {}) const {
         const auto card = lookup.cards.cardNumber(pcmName);
@@ -47,13 +47,13 @@ struct AlsaAudioDriver::State {
         return lease;
     }
 
-    /// The size that the device would choose, which is not held afterwards.
+    /// The size that the device would choose; it does not stay configured.
     [[nodiscard]] Result<std::uint32_t, ErrorNumber>
     negotiate(const std::string& pcmName, std::uint32_t wanted) const {
         return DeviceOffer::ask(lookup, pcmName).settle(wanted);
     }
 
-    /// The remembered size, learnt now where there is none.
+    /// The remembered size; asks the device if there is none.
     Result<std::uint32_t, ErrorNumber> bufferSize(const std::string& pcmName) {
         if (const auto known = bufferSizes.find(pcmName); known != bufferSizes.end()) return known->second;
         const auto learnt = negotiate(pcmName, defaultBufferSize);
@@ -66,11 +66,11 @@ struct AlsaAudioDriver::State {
         notifier.announce(std::string(uidPrefix) + pcmName, AudioDeviceChange::bufferSize);
     }
 
-    /// Held over everything that asks a device, which answers only one at a time.
+    /// Held during all queries of devices, which allow only one at a time.
     std::mutex mutex;
     PcmLookup lookup;
     DeviceList list;
-    /// By PCM name, like the leases.
+    /// By PCM name, as are the leases.
     std::map<std::string, std::uint32_t> bufferSizes;
     /// Each is held by the stream that has the device.
     std::map<std::string, std::weak_ptr<const void>> leases;
@@ -118,7 +118,7 @@ OSStatus AlsaAudioDriver::requestBufferSize(std::string_view uid, std::uint32_t 
     if (state->isLeased(*pcmName)) return kAudioHardwareIllegalOperationError;
     const auto reservation = state->reserve(*pcmName);
     if (!reservation) return statusOf(reservation.error());
-    // Known before, so that watches hear of the difference.
+    // Remembers the old size, so that watches are notified of a difference.
     if (const auto before = state->bufferSize(*pcmName); !before) return statusOf(before.error());
     const auto granted = state->negotiate(*pcmName, frameCount);
     if (!granted) return statusOf(granted.error());

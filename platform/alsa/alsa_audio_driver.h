@@ -14,25 +14,25 @@
 
 namespace orvane::platform::alsa {
 
-/// Audio hardware through alsa-lib: sound cards by their ids ("alsa:hw:CARD=X32,DEV=0"), the PCMs that the
-/// user has configured ("alsa:NAME") and, last, what leads to a sound server. Made and owned by the
-/// composition root; silences alsa-lib's own messages.
+/// Audio hardware through alsa-lib: sound cards by their ids ("alsa:hw:CARD=X32,DEV=0"), the PCMs in the
+/// user's configuration ("alsa:NAME") and, last, PCMs of sound servers. Made and owned by the composition
+/// root; silences alsa-lib's own messages.
 class AlsaAudioDriver final : public AudioDriver {
   public:
-    /// What to use instead of the machine's own.
+    /// Replacements for the computer's defaults.
     struct Setup {
         /// The configuration that defines the PCMs; empty for the system's and the user's.
         std::filesystem::path configurationFile = {};
-        /// The PCMs to list; empty for the machine's hardware and the configured ones.
+        /// The PCMs to list; empty for the computer's hardware and the configured ones.
         std::vector<std::string> pcmNames = {};
-        /// Where the kernel publishes the state of sound cards.
+        /// The folder in which the kernel publishes the state of sound cards.
         std::filesystem::path cardStatusFolder = "/proc/asound";
-        /// The rate for all devices that offer it, in Hz; the one that the card runs at, or else 48000, if
-        /// absent.
+        /// The rate for all devices that offer it, in Hz; if absent, the one that the card runs at, or else
+        /// 48000.
         std::optional<unsigned> sampleRate = {};
-        /// Agrees with other programs on who has a card; outlives the driver. May be null.
+        /// Negotiates the use of cards with other programs; must outlive the driver. May be null.
         CardReservations* reservations = nullptr;
-        /// Helps I/O threads that may not take real-time priority themselves; outlives the driver. May be
+        /// Helps I/O threads that may not take real-time priority themselves; must outlive the driver. May be
         /// null.
         PriorityLender* priorityLender = nullptr;
     };
@@ -45,15 +45,15 @@ class AlsaAudioDriver final : public AudioDriver {
 
     [[nodiscard]] std::string_view name() const override { return "alsa"; }
 
-    /// A device in use by another program comes last, and its name says so. It is described by what is known
-    /// from before or what the kernel shows of it.
+    /// Devices in use by other programs come last, and their names say so. They are described by what is
+    /// remembered or what the kernel publishes.
     std::vector<AudioDriverDevice> devices() override;
 
-    /// Opens no other device. Another program that has the card is asked to let go of it, as it is where a
-    /// device is set up and opened.
+    /// Opens no other device. Asks another program that has the card to release it, as do setting up and
+    /// opening a device.
     std::optional<AudioDriverDevice> device(std::string_view uid) override;
 
-    /// The size that the device chose for the one asked for; asks the device once and remembers the answer.
+    /// The size that the device chose for the requested one; asks the device once and remembers the answer.
     Result<std::uint32_t, OSStatus> bufferSize(std::string_view uid) override;
 
     /// Refused with `kAudioHardwareIllegalOperationError` while a stream has the device: its size is fixed.

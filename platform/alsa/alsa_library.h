@@ -7,9 +7,9 @@
 
 namespace orvane::platform::alsa {
 
-// What alsa-lib hands out, owned. Only sources and the headers that only they include see this file.
+// Owning handles for alsa-lib. Include this file only in sources and in headers that only sources include.
 
-/// Gives a resource back with the library's own function.
+/// Releases a resource with the library's own function.
 template <auto release>
 struct Release {
     template <class Resource>
@@ -23,7 +23,7 @@ using ControlHandle = std::unique_ptr<snd_ctl_t, Release<snd_ctl_close>>;
 using PcmHandle = std::unique_ptr<snd_pcm_t, Release<snd_pcm_close>>;
 using HardwareParameters = std::unique_ptr<snd_pcm_hw_params_t, Release<snd_pcm_hw_params_free>>;
 
-/// Keeps alsa-lib from reporting on standard error what its callers learn from its answers. Control threads.
+/// Keeps alsa-lib from printing to standard error what its return values report. Control threads.
 void silenceMessages();
 
 /// Makes one of the library's records, whose size only the library knows.

@@ -37,7 +37,7 @@ struct AlsaMIDIDriver::State {
         thread.join();
     }
 
-    /// Whether the sequencer can be used. Under the mutex.
+    /// Opens the sequencer if necessary; returns whether it is usable. Requires the mutex.
     bool open() {
         if (sequencer != nullptr) return true;
         sequencer = openSequencer(name.c_str());
@@ -72,13 +72,13 @@ struct AlsaMIDIDriver::State {
         }
     }
 
-    /// Takes all events that have come.
+    /// Receives all pending events.
     void receive() {
         bool hasChanged = false;
         while (true) {
             snd_seq_event_t* event = nullptr;
             const int status = snd_seq_event_input(sequencer.get(), &event);
-            // Events were lost, so that anything may have changed.
+            // Events were lost, so any change is possible.
             if (status == -ENOSPC) hasChanged = true;
             if (status < 0 && status != -ENOSPC) break;
             if (event == nullptr) continue;
@@ -114,7 +114,7 @@ struct AlsaMIDIDriver::State {
     /// By the number of the port that receives for them.
     std::map<int, std::shared_ptr<const Receiver>> receivers;
     SourcesListener listener;
-    /// The thread's.
+    /// Used by the thread only.
     EventBytes translator;
     FileDescriptor ending{::eventfd(0, EFD_CLOEXEC)};
     std::thread thread;
@@ -153,7 +153,7 @@ class AlsaMIDIDriver::Input final : public MIDIDriverInput {
     }
 
   private:
-    /// Whether there is a port to receive with. Under the mutex.
+    /// Creates the receiving port if necessary; returns whether it exists. Requires the mutex.
     bool open() {
         if (port >= 0) return true;
         if (!state.open()) return false;

@@ -10,12 +10,11 @@
 namespace orvane::platform::alsa {
 
 /// The MIDI sources of the ALSA sequencer: hardware and other programs' ports. One client, with a port for
-/// each input and one that the system announces changes to; a thread of the driver receives for all of them.
-/// Where the kernel has no sequencer, or we may not use it, there are no sources; every call that needs it
-/// tries anew.
+/// each input and one for the system's announcements; a thread of the driver receives for all of them. If the
+/// kernel has no sequencer or denies access, there are no sources; every call that needs it tries again.
 class AlsaMIDIDriver final : public MIDIDriver {
   public:
-    /// What others see as the name of its clients.
+    /// `programName`: the name of its clients, as other programs see it.
     explicit AlsaMIDIDriver(std::string programName = "ORVANE");
     ~AlsaMIDIDriver() override;
 

@@ -11,7 +11,7 @@
 
 namespace orvane::platform::alsa {
 
-/// A port that others can listen to, of a client of its own.
+/// A port that other programs can connect to, of a client of its own.
 class OwnSource final : public MIDIOwnSource {
   public:
     /// See MIDIDriver::createSource.

@@ -12,9 +12,9 @@ namespace orvane::platform::alsa {
 
 namespace {
 
-/// How often in a row the device may fail before it counts as dead.
+/// How many consecutive failures make the device count as dead.
 constexpr int mostFailuresInARow = 10;
-/// A device that stays silent for as long as it is given after a restart fails like five at once.
+/// A device that stays silent for its whole patience after a restart counts as five failures.
 constexpr int failuresOfASilence = 5;
 constexpr int pauseAfterFailedRestartMs = 100;
 
@@ -93,7 +93,7 @@ void AlsaStream::run() noexcept {
     if (dead) tellDeath();
 }
 
-/// False where the device died.
+/// Returns false if the device has died.
 bool AlsaStream::turnUntilStopped() noexcept {
     const FlushDenormals flush;
     ErrorNumber error = device.start();
@@ -114,11 +114,11 @@ ErrorNumber AlsaStream::turn() noexcept {
     if (const ErrorNumber error = device.read(inputs.writable)) return error;
     const bool goesOn =
         gate.pass([this] { client.cycle(inputs.readable, outputs.writable, device.periodFrames()); });
-    // The stream is stopping, or has been abandoned.
+    // The stream is stopping or has been abandoned.
     if (!goesOn) return 0;
     const ErrorNumber error = device.write(outputs.writable);
-    // The device delivered a moment ago: it is the cycle that took too long, and however often that happens,
-    // the device is not the one that failed.
+    // The device delivered a moment ago, so the cycle took too long: however often that happens, it is not a
+    // failure of the device.
     return error == -EPIPE ? restart() : error;
 }
 
@@ -126,7 +126,7 @@ ErrorNumber AlsaStream::restart() noexcept {
     xruns.fetch_add(1, std::memory_order_relaxed);
     ErrorNumber error = device.prepare();
     if (error == 0) error = device.start();
-    // A device that wakes up from suspension needs a while, a broken one must not keep this thread busy.
+    // A suspended device needs time to wake up, and a broken one must not keep this thread busy.
     if (error != 0) poll(nullptr, 0, pauseAfterFailedRestartMs);
     return error;
 }

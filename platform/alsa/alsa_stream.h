@@ -18,14 +18,14 @@
 
 namespace orvane::platform::alsa {
 
-/// A stream over an open device, with an I/O thread for as long as it runs: each turn hears a period, has the
-/// client make the next one and plays it. What fails is restarted, unless it fails time and again or the
-/// device has gone: then the thread ends. Owned by the driver's user; main thread.
+/// A stream on an open device, with an I/O thread while it runs: each turn captures a period, has the client
+/// render the next one and plays it. The thread restarts a device that fails; it ends if the device fails
+/// repeatedly or has gone. Owned by the driver's user; main thread.
 class AlsaStream final : public AudioStream {
   public:
-    /// `died` is called on the I/O thread, as its last act, where the device gives up; `deviceLease` is held
-    /// for as long as the stream lives. `priorityLender` helps an I/O thread that may not take real-time
-    /// priority itself; null if there is none.
+    /// `died` is called on the I/O thread, as its last act, if the device gives up. `deviceLease` is held as
+    /// long as the stream lives. `priorityLender` helps an I/O thread that may not take real-time priority
+    /// itself; may be null.
     AlsaStream(
         Duplex openDevice, AudioStreamClient& streamClient, std::function<void()> died,
         std::shared_ptr<const void> deviceLease, PriorityLender* priorityLender
@@ -41,7 +41,7 @@ class AlsaStream final : public AudioStream {
     [[nodiscard]] int realtimePriority() const noexcept override;
 
   private:
-    /// One channel after the other, in a block of its own, and the views that a cycle is handed.
+    /// One block per channel, and the views that are passed to a cycle.
     struct Blocks {
         Blocks(std::size_t channelCount, std::size_t frameCount);
 
@@ -66,9 +66,9 @@ class AlsaStream final : public AudioStream {
     std::atomic<bool> stopping = false;
     std::atomic<bool> dead = false;
     std::atomic<std::uint32_t> xruns = 0;
-    /// Of the I/O thread that ran last.
+    /// The priority of the last I/O thread.
     std::atomic<int> priority = 0;
-    /// The kernel's id of the I/O thread, once it has taken the priority that it may.
+    /// The kernel's id of the I/O thread, set once the thread has taken its priority.
     std::atomic<pid_t> threadId = 0;
     std::thread thread;
 };

@@ -37,7 +37,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-/// The lines "key : value" of a file of the kernel's.
+/// The "key : value" lines of a kernel file.
 std::map<std::string, std::string> readFields(const fs::path& file) {
     std::map<std::string, std::string> fields;
     std::ifstream lines(file);
@@ -50,7 +50,7 @@ std::map<std::string, std::string> readFields(const fs::path& file) {
     return fields;
 }
 
-/// The number that a text begins with; 0 without one.
+/// The number that a text starts with; 0 if there is none.
 unsigned numberIn(std::string_view text) {
     unsigned number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
@@ -62,7 +62,7 @@ unsigned numberAt(const std::map<std::string, std::string>& fields, const char* 
     return field == fields.end() ? 0 : numberIn(field->second);
 }
 
-/// The folders within `folder` whose names begin with `prefix`.
+/// The subfolders of `folder` whose names start with `prefix`.
 std::vector<fs::path> foldersIn(const fs::path& folder, std::string_view prefix) {
     std::vector<fs::path> found;
     std::error_code error;
@@ -95,7 +95,7 @@ std::optional<int> CardStatus::cardNumber(const std::string& pcmName) const {
     constexpr std::string_view prefix = "card";
     const std::string id = cardId(pcmName);
     if (id.empty()) return std::nullopt;
-    // A card's id is a link to the folder of its number.
+    // A card's id is a link to the folder with its number.
     std::error_code error;
     const std::string folder = fs::read_symlink(root / id, error).filename().string();
     if (error || !folder.starts_with(prefix)) return std::nullopt;

@@ -11,18 +11,18 @@ namespace orvane::platform::alsa {
 
 enum class Direction { playback, capture };
 
-/// Where PCM names are looked up. Owned by the driver; one thread at a time.
+/// The configuration in which PCM names are looked up. Owned by the driver; one thread at a time.
 class Configuration final {
   public:
-    /// The system's and the user's own files; with a path, that file alone, which defines nothing where it
-    /// cannot be read.
+    /// Reads the system's and the user's own files, or only `file` if it is not empty; an unreadable file
+    /// defines nothing.
     explicit Configuration(const std::filesystem::path& file);
 
-    /// Opens one direction of the PCM without waiting for it to be free.
+    /// Opens one direction of the PCM without waiting for it to become free.
     [[nodiscard]] Result<PcmHandle, ErrorNumber> open(const std::string& pcmName, Direction direction) const;
 
   private:
-    /// Empty for the system's.
+    /// Empty for the system's configuration.
     ConfigHandle root;
 };
 

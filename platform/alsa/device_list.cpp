@@ -12,7 +12,7 @@ namespace orvane::platform::alsa {
 
 namespace {
 
-/// What every output has, and what is listed of a device in use that shows no more of itself.
+/// The channels of every output, and of a device in use that publishes nothing.
 constexpr std::size_t stereo = 2;
 constexpr unsigned usualRate = 48000;
 
@@ -37,7 +37,7 @@ std::vector<AudioDriverDevice> DeviceList::devices() {
         for (const PcmListing& listing : candidates) {
             if (kindOf(listing.pcmName) != kind) continue;
             auto device = describe(listing);
-            // Only the name of a device in use has more than the title.
+            // Only the name of a device in use differs from its title.
             if (device) (device->name == listing.title ? free : inUse).push_back(*std::move(device));
         }
     std::ranges::move(inUse, std::back_inserter(free));

@@ -14,25 +14,25 @@
 
 namespace orvane::platform::alsa {
 
-/// A device's uid is this and its PCM's name.
+/// A device's uid is this prefix and its PCM's name.
 inline constexpr std::string_view uidPrefix = "alsa:";
 
-/// Finds out which devices there are and remembers what it has learnt, for the times when a device is busy.
-/// Owned by the driver; one thread at a time, never an audio thread.
+/// Lists the devices, and remembers their descriptions for the times when they are busy. Owned by the driver;
+/// one thread at a time, never an audio thread.
 class DeviceList final {
   public:
-    /// Whether a stream of this driver has the PCM of that name.
+    /// Whether a stream of this driver has the PCM with this name.
     using IsOurs = std::function<bool(const std::string& pcmName)>;
 
-    /// Lists the machine's hardware and the user's PCMs or, if there are any, the `names`. `pcmLookup`
-    /// outlives it.
+    /// Lists `names` or, if they are empty, the computer's hardware and the user's PCMs. `pcmLookup` must
+    /// outlive it.
     DeviceList(const PcmLookup& pcmLookup, std::vector<std::string> names, IsOurs isOurs);
 
-    /// Asks every device; hardware first, by card and device, then sound servers, then what other programs
-    /// use: their names say so.
+    /// Asks every device. Hardware comes first, by card and device, then sound servers, then devices that
+    /// other programs use, whose names say so.
     [[nodiscard]] std::vector<AudioDriverDevice> devices();
 
-    /// Asks one device only; nothing if it is not there.
+    /// Asks a single device; absent if it does not exist.
     [[nodiscard]] std::optional<AudioDriverDevice> device(std::string_view pcmName);
 
   private:

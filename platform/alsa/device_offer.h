@@ -9,8 +9,8 @@
 
 namespace orvane::platform::alsa {
 
-/// Both directions of a device, each as it could be opened or why it could not. Keeps the device open for as
-/// long as it lives. One thread at a time, never an audio thread.
+/// Both directions of a device, each opened or with the reason why not. Keeps the device open as long as it
+/// lives. One thread at a time, never an audio thread.
 struct DeviceOffer {
     static DeviceOffer ask(const PcmLookup& lookup, const std::string& pcmName);
 
@@ -18,16 +18,16 @@ struct DeviceOffer {
     Result<PcmOffer, ErrorNumber> capture;
     /// In Hz, the best first.
     std::vector<unsigned> preferredRates;
-    /// The periods that the device's buffer is to hold, if it can.
+    /// The preferred number of periods in the device's buffer.
     unsigned preferredPeriods = 2;
 
-    /// Settles the rate of all directions that were opened: the first of the preferred ones that all can,
-    /// else the nearest to 48000; 0 if they have none in common.
+    /// Settles the rate of all opened directions: the first of the preferred ones that all support, otherwise
+    /// the nearest to 48000; 0 if they have none in common.
     unsigned settleRate();
 
-    /// Settles all that a stream has to: rate, layout and, as near to `wantedFrames` as the device can, the
-    /// period, which is the same in both directions. Fails where there is no direction to play or hear in,
-    /// or nothing that both can do. A capture direction that is busy stands back.
+    /// Settles everything that a stream needs: rate, layout and the period, which is the same in both
+    /// directions and as near to `wantedFrames` as possible. Fails if no direction can be used or they have
+    /// nothing in common. A busy capture direction is left out.
     Result<std::uint32_t, ErrorNumber> settle(std::uint32_t wantedFrames);
 };
 

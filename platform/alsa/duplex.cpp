@@ -6,7 +6,7 @@ namespace orvane::platform::alsa {
 
 namespace {
 
-/// Nothing where the device does not have that direction.
+/// Absent if the device does not have the direction.
 Result<std::optional<Pcm>, ErrorNumber> configure(Result<PcmOffer, ErrorNumber> offer) {
     if (!offer && isAbsent(offer.error())) return std::optional<Pcm>();
     if (!offer) return offer.error();
@@ -59,7 +59,7 @@ void Duplex::drop() noexcept {
 
 ErrorNumber Duplex::prepare() noexcept {
     drop();
-    // Preparing one side of a linked pair empties the other, so silence comes after both.
+    // Preparing one side of a linked pair empties the other, so silence is queued after both.
     if (playback)
         if (const ErrorNumber error = playback->prepare()) return error;
     if (capture)

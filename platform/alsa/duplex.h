@@ -13,11 +13,12 @@
 namespace orvane::platform::alsa {
 
 /// An open device: a playback and a capture PCM that run together at one rate and period, or one of them.
-/// Owned by a stream and used by one thread at a time; real-time safety as that of `Pcm`.
+/// Owned by a stream; one thread at a time; real-time safe as far as `Pcm` is.
 class Duplex final {
   public:
-    /// Opens the device with a period as near to `wantedFrames` as it can. Without `enableInput` the capture
-    /// side has its say about rate and period, so that they do not depend on it, and is closed again.
+    /// Opens the device with a period as near to `wantedFrames` as possible. Without `enableInput` the
+    /// capture side takes part in the choice of rate and period, so that they do not depend on it, and is
+    /// then closed.
     static Result<Duplex, ErrorNumber>
     open(const PcmLookup& lookup, const std::string& pcmName, bool enableInput, std::uint32_t wantedFrames);
 
@@ -25,19 +26,19 @@ class Duplex final {
     [[nodiscard]] std::size_t outputChannelCount() const noexcept;
     [[nodiscard]] std::size_t periodFrames() const noexcept;
 
-    /// Drops what is queued; nothing runs afterwards.
+    /// Drops all queued samples and stops.
     ORVANE_REALTIME void drop() noexcept;
 
-    /// Makes both sides ready to start from whatever state they are in, with silence to play.
+    /// Makes both sides ready to start, from any state, with silence to play.
     ORVANE_REALTIME ErrorNumber prepare() noexcept;
 
-    /// Starts both sides, at the same instant where the device can.
+    /// Starts both sides, simultaneously if the device can.
     ORVANE_REALTIME ErrorNumber start() noexcept;
 
-    /// Waits for the next period: fills `inputs`, where there are any, else waits for room to play.
+    /// Waits for the next period and fills `inputs`; without inputs, waits for room to play.
     ORVANE_REALTIME ErrorNumber read(std::span<const std::span<float>> inputs) noexcept;
 
-    /// Plays a period, where there is something to play it.
+    /// Plays a period, if there is a playback side.
     ORVANE_REALTIME ErrorNumber write(std::span<const std::span<float>> outputs) noexcept;
 
   private:

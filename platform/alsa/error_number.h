@@ -6,21 +6,21 @@
 
 namespace orvane::platform::alsa {
 
-/// A failure as alsa-lib reports it: a negative errno value; 0 is success. Our own use of two: `-ENOTSUP`
-/// where a device has no format in common with us, `-ETIMEDOUT` where it has stopped delivering.
+/// A failure as alsa-lib reports it: a negative errno value; 0 is success. We use two of our own: `-ENOTSUP`
+/// if a device has no format in common with us, `-ETIMEDOUT` if it has stopped delivering.
 using ErrorNumber = int;
 
-/// Somebody else has the device.
+/// Another program has the device.
 constexpr bool isBusy(ErrorNumber error) noexcept {
     return error == -EBUSY || error == -EAGAIN;
 }
 
-/// What opening says of a direction that the device does not have.
+/// The result of opening a direction that the device does not have.
 constexpr bool isAbsent(ErrorNumber error) noexcept {
     return error == -ENOENT || error == -ENODEV || error == -ENXIO || error == -EINVAL;
 }
 
-/// The driver's answer for a failure. Any thread.
+/// The driver's status for a failure. Any thread.
 constexpr OSStatus statusOf(ErrorNumber error) noexcept {
     if (error == 0) return noErr;
     if (isBusy(error) || error == -EACCES || error == -EPERM) return kAudioDevicePermissionsError;

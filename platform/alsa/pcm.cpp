@@ -11,7 +11,7 @@ namespace {
 
 constexpr int leastPatienceMs = 100;
 constexpr std::size_t patienceInPeriods = 4;
-/// Some interfaces lock their clock before the first period comes.
+/// Some interfaces lock their clock before they deliver the first period.
 constexpr int patienceAfterStartMs = 1000;
 
 int patienceFor(const PcmLayout& layout) {
@@ -99,7 +99,7 @@ ErrorNumber Pcm::movePeriod() noexcept {
             continue;
         }
         if (moved < 0 && moved != -EAGAIN) return static_cast<ErrorNumber>(moved);
-        // A device that claims to be ready and is not must not turn this thread into a busy one.
+        // A device that wrongly reports to be ready must not keep this thread busy.
         if (++idleMs > patienceMs()) return -ETIMEDOUT;
         poll(nullptr, 0, 1);
     }

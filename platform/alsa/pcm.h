@@ -12,7 +12,7 @@
 
 namespace orvane::platform::alsa {
 
-/// What a PCM was configured to. A plain value.
+/// The settings of a configured PCM. A plain value.
 struct PcmLayout {
     snd_pcm_access_t access = SND_PCM_ACCESS_RW_INTERLEAVED;
     SampleFormat format = SampleFormat::float32LE;
@@ -21,27 +21,27 @@ struct PcmLayout {
     std::size_t channelCount = 0;
     /// In frames.
     std::size_t periodFrames = 0;
-    /// The periods that the device's buffer holds.
+    /// The number of periods in the device's buffer.
     std::size_t periodCount = 0;
 };
 
-/// One direction of a device, configured. Moves whole periods between the device and blocks of floats
-/// (`channelCount` x `periodFrames`) and never waits for a silent device longer than a fraction of a second,
-/// a second after a start. Owned by a stream and used by one thread at a time. Whatever returns an error
-/// number is real-time safe but for the system calls by which alsa-lib reaches the device.
+/// One configured direction of a device. Moves whole periods between the device and blocks of floats
+/// (`channelCount` x `periodFrames`). Waits for a silent device for at most a fraction of a second, or a
+/// second after a start. Owned by a stream; one thread at a time. Functions that return an error number are
+/// real-time safe, except for the system calls by which alsa-lib accesses the device.
 class Pcm final {
   public:
     Pcm(PcmHandle configured, Direction streamDirection, const PcmLayout& configuredLayout);
 
     [[nodiscard]] const PcmLayout& layout() const noexcept { return shape; }
 
-    /// Has the two start at the same instant, where the device can.
+    /// Makes both start simultaneously, if the device can.
     void link(Pcm& other);
 
-    /// Drops what is queued, from whatever state the device is in.
+    /// Drops all queued samples, in any state of the device.
     ORVANE_REALTIME void drop() noexcept;
 
-    /// Makes a dropped PCM ready to start, with nothing queued.
+    /// Makes a dropped PCM ready to start, with an empty queue.
     ORVANE_REALTIME ErrorNumber prepare() noexcept;
 
     /// Fills the buffer of a prepared playback PCM.
@@ -50,7 +50,7 @@ class Pcm final {
     /// Starts a prepared PCM; one that is linked to a started one runs already.
     ORVANE_REALTIME ErrorNumber start() noexcept;
 
-    /// Waits until the device has a period to give or room for one.
+    /// Waits until the device has a captured period or room for one.
     ORVANE_REALTIME ErrorNumber wait() noexcept;
 
     /// Waits for a period of a running capture PCM.
@@ -69,17 +69,17 @@ class Pcm final {
     PcmHandle pcm;
     Direction direction;
     PcmLayout shape;
-    /// Bytes from a sample to the same channel's next one.
+    /// The distance in bytes to the same channel's next sample.
     std::size_t frameStep;
-    /// Bytes from a sample to the next channel's of the same frame.
+    /// The distance in bytes to the next channel's sample of the same frame.
     std::size_t channelStep;
     /// How long a running device may take for a period before it counts as silent.
     int usualPatienceMs;
-    /// Whether it has moved a period since it was started.
+    /// Whether it has moved a period since the start.
     bool hasDelivered = false;
     /// One period in the device's format.
     std::vector<std::byte> samples;
-    /// Scratch of `move`: where each channel's samples are.
+    /// Scratch of `move`: the position of each channel's samples.
     std::vector<void*> channels;
 };
 

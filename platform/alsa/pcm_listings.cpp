@@ -17,7 +17,7 @@ using CardInfo = std::unique_ptr<snd_ctl_card_info_t, Release<snd_ctl_card_info_
 using PcmInfo = std::unique_ptr<snd_pcm_info_t, Release<snd_pcm_info_free>>;
 using Text = std::unique_ptr<char, Release<std::free>>;
 
-/// What the card calls one of its devices, which may have one direction only; empty where it has none.
+/// The card's name for one of its devices, which may have only one direction; empty if it has none.
 std::string pcmTitle(snd_ctl_t* control, int device) {
     const PcmInfo info = makeRecord<snd_pcm_info_malloc, snd_pcm_info_free, snd_pcm_info_t>();
     for (const auto stream : {SND_PCM_STREAM_PLAYBACK, SND_PCM_STREAM_CAPTURE}) {
@@ -53,7 +53,7 @@ std::string hintText(const void* hint, const char* key) {
 
 PcmListing listingOf(const void* hint) {
     PcmListing listing{.pcmName = hintText(hint, "NAME"), .title = hintText(hint, "DESC")};
-    // Further lines tell how the PCM is made.
+    // Further lines describe how the PCM is built.
     listing.title.resize(std::min(listing.title.size(), listing.title.find('\n')));
     if (listing.title.empty()) listing.title = listing.pcmName;
     return listing;
@@ -74,7 +74,7 @@ std::vector<PcmListing> configuredPcms() {
     std::vector<PcmListing> listings;
     for (void** hint = hints; *hint != nullptr; ++hint) {
         PcmListing listing = listingOf(*hint);
-        // One with arguments is a way to a card, whose hardware is listed by itself.
+        // A name with arguments leads to a card, whose hardware is listed separately.
         if (listing.pcmName.find(':') == std::string::npos) listings.push_back(std::move(listing));
     }
     snd_device_name_free_hint(hints);

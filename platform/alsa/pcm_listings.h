@@ -8,15 +8,15 @@ namespace orvane::platform::alsa {
 /// A PCM that may be a device. A plain value.
 struct PcmListing {
     std::string pcmName;
-    /// For people.
+    /// The display name.
     std::string title;
 };
 
-/// Every PCM of the machine's sound cards, by card and device, named by the card's id: the number of a card
-/// changes with the order in which cards were found. Never an audio thread, like what follows.
+/// All PCMs of the computer's sound cards, by card and device. Their names contain the card's id, because its
+/// number depends on the order of detection. Never an audio thread, as below.
 [[nodiscard]] std::vector<PcmListing> hardwarePcms();
 
-/// Every PCM that the system's and the user's configuration define by name.
+/// All PCMs that the system's and the user's configuration define by name.
 [[nodiscard]] std::vector<PcmListing> configuredPcms();
 
 } // namespace orvane::platform::alsa

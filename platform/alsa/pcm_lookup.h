@@ -7,11 +7,11 @@
 
 namespace orvane::platform::alsa {
 
-/// Where PCMs are found and what they are asked for. Owned by the driver; one thread at a time.
+/// The configuration and the rate for looking up PCMs. Owned by the driver; one thread at a time.
 struct PcmLookup {
     Configuration configuration;
     CardStatus cards;
-    /// In Hz; what runs already or is usual if absent or not offered.
+    /// In Hz; the running or usual rate if absent or not offered.
     std::optional<unsigned> wantedRate;
 };
 

@@ -12,7 +12,7 @@ using namespace std::string_view_literals;
 
 constexpr std::array soundServers{"default"sv, "sysdefault"sv, "pipewire"sv, "pulse"sv};
 
-/// Asking after JACK's could start a server, and its channels are had without a detour.
+/// Querying JACK's could start a server, and its channels are available directly.
 constexpr std::array notDevices{
     "a52"sv,        "center_lfe"sv, "dmix"sv,       "dsnoop"sv,     "front"sv,      "hdmi"sv,
     "hw"sv,         "iec958"sv,     "jack"sv,       "lavrate"sv,    "modem"sv,      "null"sv,

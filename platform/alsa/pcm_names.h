@@ -4,13 +4,13 @@
 
 namespace orvane::platform::alsa {
 
-/// What a PCM's name tells of it.
+/// What a PCM's name reveals about it.
 enum class PcmKind {
-    /// Hardware, or something that the user has put together.
+    /// Hardware, or a PCM that the user has composed.
     device,
-    /// Another way to what a sound server plays and hears.
+    /// Another way to a sound server.
     soundServer,
-    /// A converter, an alias of hardware, or what another driver serves.
+    /// A converter, an alias of hardware, or a PCM that another driver serves.
     notADevice,
 };
 

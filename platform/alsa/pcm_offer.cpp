@@ -10,9 +10,9 @@ namespace orvane::platform::alsa {
 
 namespace {
 
-/// More than any device has: a PCM that offers this many converts to whatever lies behind it.
+/// More than any device has: a PCM that offers this many converts to what is behind it.
 constexpr std::size_t beyondAnyDevice = 512;
-/// What every output has, whoever converts to it.
+/// Supported by every output, with conversion if necessary.
 constexpr std::size_t stereo = 2;
 
 constexpr std::array accessesByPreference{
@@ -49,7 +49,7 @@ HardwareParameters makeHardwareParameters() {
     return makeRecord<snd_pcm_hw_params_malloc, snd_pcm_hw_params_free, snd_pcm_hw_params_t>();
 }
 
-/// The device is to wake us for whole periods and to start when we say so, not when its buffer fills.
+/// The device must wake us for whole periods, and start on command instead of when its buffer is full.
 ErrorNumber setSoftwareParameters(snd_pcm_t* pcm, snd_pcm_uframes_t periodFrames) {
     const auto parameters =
         makeRecord<snd_pcm_sw_params_malloc, snd_pcm_sw_params_free, snd_pcm_sw_params_t>();

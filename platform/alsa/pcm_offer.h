@@ -10,27 +10,27 @@
 
 namespace orvane::platform::alsa {
 
-/// What one direction of a device can be configured to, narrowed step by step: rate, layout, period, then
-/// `settle`. Keeps the device open for as long as it lives. One thread at a time, never an audio thread.
+/// The possible configurations of one direction of a device, narrowed step by step: rate, layout, period,
+/// then `settle`. Keeps the device open as long as it lives. One thread at a time, never an audio thread.
 class PcmOffer final {
   public:
-    /// Opens the PCM. It is not to resample: its rates are the hardware's.
+    /// Opens the PCM without resampling: its rates are the hardware's.
     static Result<PcmOffer, ErrorNumber> ask(const Configuration&, const std::string& pcmName, Direction);
 
     [[nodiscard]] bool takesRate(unsigned rate) const;
     [[nodiscard]] unsigned rateNear(unsigned rate) const;
-    /// Only where `takesRate`.
+    /// Requires `takesRate`.
     void settleRate(unsigned rate);
 
-    /// All the channels that there are at the settled rate, or two where the PCM takes any number.
+    /// All channels available at the settled rate, or two if the PCM takes any number.
     [[nodiscard]] std::size_t channelCount() const;
 
-    /// Settles for `channelCount` and the best format that comes with them; false where there is none.
+    /// Settles `channelCount` and the best format for it; returns false if there is none.
     [[nodiscard]] bool settleLayout();
 
     [[nodiscard]] std::uint32_t periodNear(std::uint32_t frameCount) const;
-    /// Settles the period and a buffer of `periodCount` of them, or as few more as the device can; false if
-    /// the device does not take that period.
+    /// Settles the period and a buffer of `periodCount` periods, or as few more as the device supports.
+    /// Returns false if the device does not support the period.
     [[nodiscard]] bool settlePeriod(std::uint32_t frameCount, unsigned periodCount);
 
     /// Configures the device.

@@ -9,13 +9,13 @@ namespace orvane::platform::alsa {
 
 namespace {
 
-/// The steps from silence to full scale, which is 1.0.
+/// The number of steps from silence to full scale, which is 1.0.
 constexpr double fullScale(unsigned bits) {
     return static_cast<double>(std::uint32_t{1} << (bits - 1));
 }
 
-/// A number of this size has no room for a fraction: adding it and taking it away rounds to a whole number,
-/// on every processor without a call.
+/// Numbers of this size have no fraction: adding and subtracting it rounds to an integer, on every processor
+/// and without a call.
 constexpr double wholeNumbersOnly = 0x1.8p52;
 
 constexpr std::size_t byteIndex(std::size_t significance, std::size_t byteCount, std::endian order) {
@@ -41,7 +41,7 @@ struct Integer {
     static constexpr std::size_t size = byteCount;
 
     static float load(const std::byte* from) noexcept {
-        // What a wider container holds above the sample is not part of it: shifted out at the top.
+        // The unused bits of a wider container are shifted out at the top.
         const std::uint32_t atTheTop = loadBits<byteCount, order>(from) << (32 - bits);
         return static_cast<float>(static_cast<std::int32_t>(atTheTop))
                * static_cast<float>(1.0 / fullScale(32));

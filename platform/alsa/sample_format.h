@@ -9,8 +9,8 @@
 
 namespace orvane::platform::alsa {
 
-/// How a device lays out a sample, the formats that lose least first. `int24` is the low three bytes of
-/// four, `int24Packed` three bytes of their own.
+/// The layout of a sample, the most precise formats first. `int24` is the low three bytes of four,
+/// `int24Packed` has three bytes.
 enum class SampleFormat : std::uint8_t {
     float32LE,
     float32BE,
@@ -34,14 +34,14 @@ inline constexpr std::array allSampleFormats{
 /// The size of one sample of one channel.
 [[nodiscard]] std::size_t bytesPerSample(SampleFormat format) noexcept;
 
-/// Fills `samples` from the device's, of which the first begins at `first` and each next one `step` bytes
-/// later. -1 is the most negative integer, so the most positive one stays one step below 1. Floating-point
-/// samples pass as they are. Real-time safe.
+/// Fills `samples` from the device's; the first begins at `first`, each next one `step` bytes later. -1 is
+/// the most negative integer, so the most positive one stays one step below 1. Floating-point samples are
+/// unchanged. Real-time safe.
 ORVANE_REALTIME void
 decode(SampleFormat format, const std::byte* first, std::size_t step, std::span<float> samples) noexcept;
 
-/// Writes `samples` as the device's, laid out as in `decode`: rounded to the nearest step and clipped at full
-/// scale, what is not a number as silence. Real-time safe.
+/// Writes `samples` in the device's format, laid out as in `decode`: rounded to the nearest step and clipped
+/// at full scale; NaN becomes silence. Real-time safe.
 ORVANE_REALTIME void
 encode(SampleFormat format, std::span<const float> samples, std::byte* first, std::size_t step) noexcept;
 

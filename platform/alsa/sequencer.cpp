@@ -14,7 +14,7 @@ bool isSource(const snd_seq_port_info_t* port) {
     return (capabilities & needed) == needed && (capabilities & SND_SEQ_PORT_CAP_NO_EXPORT) == 0;
 }
 
-/// Hardware ports begin with the name of their client, others often only have a number.
+/// Hardware ports start with the name of their client; others often only have a number.
 std::string displayName(const std::string& client, const std::string& port) {
     return port.starts_with(client) ? port : client + " " + port;
 }
