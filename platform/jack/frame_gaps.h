@@ -6,15 +6,15 @@
 
 namespace orvane::platform::jack {
 
-/// Finds the cycles that a client has missed in the times of those that it got. Process thread.
+/// Detects missed cycles from the times of those that a client received. Process thread.
 class FrameGaps final {
   public:
-    /// How many cycles are not judged after a reset. PipeWire's time jumps while a client joins the graph.
+    /// The cycles ignored after a reset: PipeWire's time jumps while a client joins the graph.
     static constexpr unsigned cyclesUntilSettled = 16;
 
-    /// Returns whether cycles are missing before the one that begins at `time`, in frames that wrap around,
-    /// and lasts `frameCount`. Not judged either is a cycle of another length than the one before, at which
-    /// PipeWire's time jumps too. Real-time safe.
+    /// Returns whether cycles are missing before the one that starts at `time`, in frames that wrap around,
+    /// and lasts `frameCount`. A change of the length is ignored too: PipeWire's time jumps there. Real-time
+    /// safe.
     ORVANE_REALTIME bool isBefore(std::uint32_t time, std::uint32_t frameCount) noexcept {
         const bool isJudged = cyclesLeft == 0 && frameCount == lastFrameCount;
         const bool isLate = static_cast<std::int32_t>(time - expectedTime) > 0;

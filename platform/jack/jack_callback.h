@@ -4,10 +4,10 @@
 
 namespace orvane::platform::jack {
 
-/// `function` as a callback for libjack, which cancels its threads wherever they are when a client closes
-/// after its server has gone: the thread is only cancelled outside of `function`. That unwinds this frame, so
-/// that it has nothing to clean up and, other than `function`, is not noexcept. Real-time safe where
-/// `function` is.
+/// Wraps `function` as a callback for libjack, which cancels its threads anywhere when a client closes after
+/// its server has gone: the thread can only be cancelled outside of `function`. Cancellation unwinds this
+/// frame, so it has nothing to clean up and, unlike `function`, is not noexcept. Real-time safe if `function`
+/// is.
 template <class Result, auto function, class... Arguments>
 Result jackCallback(Arguments... arguments) {
     static_assert(noexcept(function(arguments...)));

@@ -12,16 +12,15 @@
 
 namespace orvane::platform::jack {
 
-/// One client of a JACK server, closed at its destruction. Only for the sources of what is made with a
-/// JackClients: other headers do not show libjack. Any thread but libjack's own.
+/// A client of a JACK server; the destructor closes it. Only for the sources of classes made with a
+/// JackClients: other headers hide libjack. Any thread except libjack's own.
 class JackClient final {
   public:
     ~JackClient();
     JackClient(const JackClient&) = delete;
     JackClient& operator=(const JackClient&) = delete;
 
-    /// Gives libjack's handle to `call`, in which libjack may be called, or returns false where the server is
-    /// gone.
+    /// Passes libjack's handle to `call`, which may call libjack; returns false if the server is gone.
     template <class Call>
     bool use(Call&& call) {
         const JackLibraryCall libraryCall(clients.libraryMutex);
@@ -31,27 +30,27 @@ class JackClient final {
         return !isGone();
     }
 
-    /// Gives the client or one of its ports the name that connection programs show instead of its own, until
-    /// the client closes. Only where the server is PipeWire: jackd keeps these names in one store for all
-    /// servers and clients of a user, which they lock, and a program that was killed in there, or closed with
-    /// many names set, leaves the server waiting for good. Only within a call of `use`.
+    /// Sets the name that connection programs show for the client or one of its ports, until the client
+    /// closes. Does nothing unless the server is PipeWire: jackd keeps these names in one store, locked by
+    /// all servers and clients of a user, and a program that is killed while it holds the lock, or closes
+    /// with many names set, blocks the server permanently. Only within a call of `use`.
     void setPrettyName(jack_uuid_t subject, const std::string& prettyName);
 
     /// Whether libjack is PipeWire's. Any thread.
     [[nodiscard]] static bool isPipeWire();
 
-    /// Ends the client's part in the server's cycles, also where the server is gone: no process callback is
-    /// running when it returns and none comes after.
+    /// Removes the client from the server's cycles, even if the server is gone: no process callback is
+    /// running when it returns, and none follows.
     void deactivate();
 
-    /// Leaves the client to a process callback that does not return: nothing calls libjack with it any more,
-    /// and it must never be freed.
+    /// Leaves the client to a process callback that does not return: libjack is no longer called with it, and
+    /// it must never be freed.
     void abandon();
 
-    /// Whether somebody hears it, so that it is not to end for the sake of another client.
+    /// Marks the client as audible, so that it is not closed for the sake of another client.
     void setPlaying(bool playing) { isPlaying.store(playing); }
 
-    /// Whether the server has shut down, has shut the client out or has not answered it; it stays so.
+    /// Whether the server has shut down, has shut the client out or has not answered it; remains true.
     [[nodiscard]] bool isGone() const noexcept { return gone.load(); }
 
   private:

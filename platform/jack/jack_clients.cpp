@@ -17,12 +17,12 @@ namespace orvane::platform::jack {
 
 namespace {
 
-/// How long a server that no longer answers may take until its clients know that it is gone.
+/// How long it may take until all clients know that a server is gone.
 constexpr std::chrono::milliseconds longestEnding{500};
 constexpr std::chrono::milliseconds pause{1};
 
-/// Sees to it that libjack's notification thread of the client is at rest, because closing the client cancels
-/// that thread wherever it is, and for each notification it takes a lock that all clients share.
+/// Waits until the client's notification thread in libjack is idle: closing the client cancels that thread
+/// anywhere, and for each notification the thread takes a lock that all clients share.
 void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     jack_deactivate(handle);
     jack_set_process_callback(handle, nullptr, nullptr);
@@ -31,7 +31,7 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
     jack_set_sample_rate_callback(handle, nullptr, nullptr);
     jack_set_port_registration_callback(handle, nullptr, nullptr);
     jack_set_client_registration_callback(handle, nullptr, nullptr);
-    // The server answers once the thread has seen this and all that came before it.
+    // The server answers once the thread has processed this and everything before it.
     if (jack_activate(handle) == 0) {
         jack_deactivate(handle);
         return;
@@ -40,7 +40,7 @@ void settle(jack_client_t* handle, const std::atomic<bool>& isGone) {
         std::this_thread::sleep_for(pause);
 }
 
-/// Nothing where the server gives clients none.
+/// Absent if the server does not assign any.
 std::optional<jack_uuid_t> uuidOf(jack_client_t* handle) {
     const std::unique_ptr<char, decltype(&jack_free)> text(jack_client_get_uuid(handle), jack_free);
     jack_uuid_t uuid = JACK_UUID_EMPTY_INITIALIZER;
@@ -57,7 +57,7 @@ JackClients::JackClients(std::string programName) : name(std::move(programName))
 }
 
 std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents& events) {
-    // It is there, whole, before libjack starts the thread that will call it.
+    // Complete before libjack starts the thread that calls it.
     std::unique_ptr<JackClient> client(new JackClient(*this, events));
     const JackLibraryCall libraryCall(libraryMutex);
     if (isServerGone.load()) {
@@ -73,9 +73,9 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     const std::string clientName = name + std::string(role);
     client->handle = jack_client_open(clientName.c_str(), JackNoStartServer, nullptr);
     if (client->handle == nullptr) return nullptr;
-    // PipeWire does not call what is set with jack_on_info_shutdown.
+    // PipeWire does not call a function set with jack_on_info_shutdown.
     jack_on_shutdown(client->handle, JackClient::markGone, client.get());
-    // cppcheck-suppress danglingLifetime ; it takes itself out at its destruction
+    // cppcheck-suppress danglingLifetime ; the destructor removes it
     opened.push_back(client.get());
     if (const auto uuid = uuidOf(client->handle)) client->setPrettyName(*uuid, clientName);
     return client;
@@ -133,7 +133,8 @@ void JackClient::abandon() {
 }
 
 void JackClient::markGone(void* self) {
-    // The server may still have things to say, for which this thread takes the lock. It ends by itself after.
+    // The server may still send notifications, for which this thread takes the lock. It ends by itself
+    // afterwards.
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     static_cast<JackClient*>(self)->loseServer();
 }

@@ -12,27 +12,27 @@ namespace orvane::platform::jack {
 class JackClient;
 class JackEvents;
 
-/// Opens the process's JACK clients. libjack is shared by all of them: it takes one call at a time, and when
-/// the first client is opened after a server has shut down it frees those of the old server, whoever still
-/// holds them. So there is one of these, which closes the old ones first; everything that talks to a JACK
-/// server is made with it and does not outlive it.
+/// Opens the process's JACK clients. All of them share libjack, which takes one call at a time and, when the
+/// first client is opened after a server has shut down, frees the old server's clients even if they are in
+/// use. So there is a single JackClients, which closes the old clients first; every user of a JACK server is
+/// made with it and must not outlive it.
 class JackClients final {
   public:
-    /// `programName` is what others see as the name of its clients; libjack opens no two of the same name at
-    /// the same time on one machine, not even on different servers. Silences libjack, which reports on
-    /// standard error otherwise.
+    /// `programName`: the name of its clients, as other programs see it; libjack never opens two of the same
+    /// name at once on a computer, not even on different servers. Silences libjack, which otherwise prints to
+    /// standard error.
     explicit JackClients(std::string programName = "ORVANE");
     JackClients(const JackClients&) = delete;
     JackClients& operator=(const JackClients&) = delete;
 
-    /// A client of the running server, null where none runs; never starts one. `role` is added to the
-    /// program's name, and a number where that is taken. Posts to `events`, which outlive the client, when
-    /// the server has shut down or has shut the client out. Any thread but libjack's own.
-    /// After the server has shut out one client only, opening another ends the rest, who are told: it fails
-    /// as long as one of them plays.
+    /// Opens a client of the running server; null if none runs; never starts one. The client's name is the
+    /// program's with `role` and, if it is taken, a number. Posts to `events`, which must outlive the client,
+    /// when the server has shut down or has shut the client out. Any thread except libjack's own. After the
+    /// server has shut out a single client, opening another closes and notifies the rest; it fails as long as
+    /// one of them plays.
     std::unique_ptr<JackClient> open(std::string_view role, JackEvents& events);
 
-    /// Whether the next `open` ends the clients that there are. Any thread but libjack's own.
+    /// Whether the next `open` closes the existing clients. Any thread except libjack's own.
     [[nodiscard]] bool areOutdated();
 
   private:

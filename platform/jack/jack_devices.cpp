@@ -21,10 +21,10 @@ constexpr std::string_view directionWords[] = {"in",  "input",  "inputs",  "capt
                                                "out", "output", "outputs", "playback"};
 constexpr std::string_view wordSeparators = " _-.";
 
-/// A client with hardware ports, or two that are one card.
+/// A client with hardware ports, or two that are the same card.
 struct Card {
     std::string name;
-    /// What the aliases say about whose ports they are; empty where they do not.
+    /// The card that the ports' aliases name; empty if they do not.
     std::string alsaCard;
     std::vector<std::string> captures;
     std::vector<std::string> playbacks;
@@ -47,7 +47,7 @@ bool isPhysicalPlayback(const JackPort* port) {
     return port->isPhysical && !port->isOutput;
 }
 
-/// PipeWire's virtual sources mark the ports that feed them as hardware and those that they offer not.
+/// PipeWire's virtual sources mark the ports that feed them as hardware, but not those that they offer.
 bool isVirtualCapture(const JackPort* port) {
     return port->isOutput && port->name.starts_with(clientOf(*port) + ":capture_");
 }
@@ -57,7 +57,7 @@ std::vector<std::string> namesInOrder(const Ports& ports, Condition condition) {
     std::vector<std::string> names;
     for (const JackPort* port : ports)
         if (condition(port)) names.push_back(port->name);
-    // Ports that are named by speaker come in the server's order, which is that of the channels.
+    // Ports named after speakers come in the server's order, which is that of the channels.
     const bool areNumbered = std::ranges::all_of(names, [](const std::string& name) {
         return std::isdigit(static_cast<unsigned char>(name.back())) != 0;
     });
@@ -65,7 +65,7 @@ std::vector<std::string> namesInOrder(const Ports& ports, Condition condition) {
     return names;
 }
 
-/// The beginning of an alias such as "alsa:pcm:X32:hw:X32,0:capture:capture_0" up to the card.
+/// The part of an alias such as "alsa:pcm:X32:hw:X32,0:capture:capture_0" up to the card.
 std::string alsaCardOf(const Ports& ports) {
     constexpr std::size_t partCount = 3;
     for (const JackPort* port : ports) {
@@ -90,7 +90,7 @@ Card makeCard(const std::string& client, const Ports& ports) {
     return card;
 }
 
-/// The name without the word that says which side of a card it is.
+/// The name without the word for the side of the card.
 std::string nameOfBothSides(const Card& card) {
     const std::size_t wordStart = card.name.find_last_of(wordSeparators) + 1;
     std::string word = card.name.substr(wordStart);
@@ -111,8 +111,7 @@ void takeInCaptures(Card& playing, const Card& capturing) {
     playing.captures = capturing.captures;
 }
 
-/// Joins every card that only captures with the one that only plays, where these are the only two to which
-/// `key` gives that text.
+/// Joins each capture-only card with the playback-only card of the same `key`, if no other card has this key.
 void joinSides(std::vector<Card>& cards, std::string (*key)(const Card&)) {
     for (std::size_t i = 0; i < cards.size();) {
         const std::string sought = cards[i].onlyCaptures() ? key(cards[i]) : std::string();

@@ -6,19 +6,19 @@
 
 namespace orvane::platform::jack {
 
-/// One audio port of another client, as the server lists it. A plain value.
+/// An audio port of another client, as the server lists it. A plain value.
 struct JackPort {
-    /// In full: "client:port".
+    /// The full name, "client:port".
     std::string name;
     std::vector<std::string> aliases;
-    /// Whether the port gives samples to others, as the capture ports of hardware do.
+    /// Whether the port sends samples to others, as the capture ports of hardware do.
     bool isOutput = false;
-    /// Whether the server says that it belongs to hardware.
+    /// Whether the server marks it as hardware.
     bool isPhysical = false;
 };
 
-/// What we take as one audio device: the full names of the ports that a stream is connected to, in the order
-/// of its channels. A plain value.
+/// A set of ports that we treat as one audio device: the full names of the ports that a stream connects to,
+/// in channel order. A plain value.
 struct JackDevice {
     std::string uid;
     std::string name;
@@ -28,10 +28,10 @@ struct JackDevice {
     bool operator==(const JackDevice&) const = default;
 };
 
-/// Sees the devices in the ports that a server lists: each client with hardware ports is one, and two clients
-/// of which one only captures and the other only plays are one together where their names differ in nothing
-/// but a last word such as "In" and "Out", or their aliases name the same card. Sorted by name; where there
-/// is more than one, a last device has all their ports in that order.
+/// Derives the devices from the ports that a server lists. Each client with hardware ports is a device; a
+/// capture-only and a playback-only client are one together if their names differ only in a last word such as
+/// "In" and "Out", or their aliases name the same card. Sorted by name; if there are several, an additional
+/// last device has all their ports in that order.
 std::vector<JackDevice> jackDevices(std::span<const JackPort> ports);
 
 } // namespace orvane::platform::jack

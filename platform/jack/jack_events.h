@@ -12,23 +12,23 @@
 
 namespace orvane::platform::jack {
 
-/// What libjack's threads tell of the server; each is one bit.
+/// Events of the server, reported by libjack's threads; each is one bit.
 enum class JackEvent : std::uint32_t {
     bufferSizeChanged = 1,
-    /// Ports have gone, or somebody wants to know whether they have.
+    /// Ports have been removed, or must be checked.
     portsRemoved = 2,
     serverGone = 4,
-    /// From the owner of the waiting thread: no more to come.
+    /// Sent by the owner of the waiting thread: no further events.
     finished = 8,
-    /// Ports have come, or somebody wants to know which there are.
+    /// Ports have been added, or must be listed.
     portsAdded = 16,
-    /// MIDI messages have come in, or gone out.
+    /// MIDI messages have arrived or have been sent.
     messages = 32,
     sampleRateChanged = 64,
 };
 
-/// Hands events from libjack's threads, on which libjack may not be called, to one thread that waits for
-/// them. An event that comes again before it is taken is taken once.
+/// Passes events from libjack's threads, on which libjack must not be called, to a single waiting thread.
+/// Repetitions of a pending event are merged.
 class JackEvents final {
   public:
     JackEvents() { sem_init(&posted, 0, 0); }
@@ -36,19 +36,19 @@ class JackEvents final {
     JackEvents(const JackEvents&) = delete;
     JackEvents& operator=(const JackEvents&) = delete;
 
-    /// Any thread, real-time safe: it may wake the waiting thread, but never waits.
+    /// Any thread, real-time safe: may wake the waiting thread, but never blocks.
     ORVANE_REALTIME void post(JackEvent event) noexcept {
         if (pending.fetch_or(static_cast<std::uint32_t>(event)) == 0) sem_post(&posted);
     }
 
-    /// Waits until there is any and takes all.
+    /// Waits for events and takes all.
     std::uint32_t take() noexcept {
         while (sem_wait(&posted) != 0) {
         }
         return pending.exchange(0);
     }
 
-    /// As `take`, but gives none where none comes in time.
+    /// As `take`, but returns none if none arrive in time.
     std::uint32_t takeWithin(std::chrono::nanoseconds duration) noexcept {
         const auto seconds = std::chrono::floor<std::chrono::seconds>(duration);
         timespec deadline{};
@@ -65,7 +65,7 @@ class JackEvents final {
     static constexpr long second = 1'000'000'000;
 
     std::atomic<std::uint32_t> pending = 0;
-    /// Posted when the first event comes that is pending.
+    /// Posted with the first pending event.
     sem_t posted{};
 };
 

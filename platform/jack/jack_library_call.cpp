@@ -15,7 +15,7 @@ sigset_t setOf(int signal) {
     return signals;
 }
 
-/// Ends a read from the server's socket. Its number is that of no other signal of the program.
+/// Interrupts a read from the server's socket. No other signal of the program has its number.
 int breakingSignal() {
     static const int number = [] {
         struct sigaction action {};
@@ -26,7 +26,7 @@ int breakingSignal() {
     return number;
 }
 
-/// Sends the calling thread the signal once a call has taken too long, and again and again.
+/// Sends the signal to the calling thread once a call takes too long, and repeatedly from then on.
 std::optional<timer_t> startTimer(const timespec& patience) {
     sigevent event{};
     event.sigev_notify = SIGEV_THREAD_ID;
@@ -52,7 +52,7 @@ JackLibraryCall::JackLibraryCall(std::mutex& libraryMutex, const timespec& patie
 
 JackLibraryCall::~JackLibraryCall() {
     if (timer) timer_delete(*timer);
-    // A signal that waits would be delivered as soon as it is no longer blocked.
+    // A pending signal would be delivered as soon as it is unblocked.
     const sigset_t signals = setOf(SIGPIPE);
     const timespec noTime{};
     while (sigtimedwait(&signals, nullptr, &noTime) > 0) {

@@ -9,14 +9,14 @@
 
 namespace orvane::platform::jack {
 
-/// While it lives, the calling thread alone calls libjack, and a write to the socket of a server that has
-/// just shut down does not end the program. What a jackd that stands still has not answered after some
-/// seconds is broken off and fails. Any thread but libjack's own.
+/// Gives the calling thread exclusive use of libjack while it lives, and keeps a write to the socket of a
+/// server that has just shut down from ending the program. A call that a hanging jackd does not answer within
+/// some seconds is interrupted and fails. Any thread except libjack's own.
 class JackLibraryCall final {
   public:
-    /// What a server may take to answer.
+    /// How long a server may take to answer.
     static constexpr timespec usualPatience{.tv_sec = usualStopPatience.count(), .tv_nsec = 0};
-    /// The same of one that need not answer any more.
+    /// The same for a server that need not answer any more.
     static constexpr timespec noPatience{.tv_sec = 0, .tv_nsec = 100'000'000};
 
     explicit JackLibraryCall(std::mutex& libraryMutex, const timespec& patience = usualPatience);
@@ -24,7 +24,7 @@ class JackLibraryCall final {
     JackLibraryCall(const JackLibraryCall&) = delete;
     JackLibraryCall& operator=(const JackLibraryCall&) = delete;
 
-    /// Whether something has been: the client takes what answers come later for those to other questions.
+    /// Whether a call was interrupted: the client would mistake later answers for those to other questions.
     [[nodiscard]] bool isBrokenOff() const noexcept;
 
   private:

@@ -39,7 +39,7 @@ struct JackMIDIDriver::State {
         return look();
     }
 
-    /// What there is now; becomes a client first where it is time for that. Under the mutex.
+    /// Returns the current sources; first opens the client if it is time to. Requires the mutex.
     std::vector<MIDIDriverSource> look() {
         if (!server.isOpen() && Clock::now() < nextAttempt) return {};
         const std::optional<std::vector<JackPort>> ports = server.midiSources();
@@ -61,7 +61,7 @@ struct JackMIDIDriver::State {
         }
     }
 
-    /// None where it is time to try to become a client again.
+    /// Returns no events if it is time to try to open a client again.
     std::uint32_t waitForEvents() {
         std::unique_lock lock(mutex);
         const bool waitsForServer = listener && !server.isOpen();
@@ -94,16 +94,16 @@ struct JackMIDIDriver::State {
     JackEvents events;
     std::mutex mutex;
     JackServer server{clients, events, controlRole};
-    /// When to try to become a client at the earliest.
+    /// The earliest time for the next attempt to open a client.
     Clock::time_point nextAttempt;
     std::vector<std::shared_ptr<JackMIDIInput>> inputs;
-    /// Set once, before there is anything to tell.
+    /// Set once, before the first change.
     SourcesListener listener;
-    /// An input had to become a client anew; whoever connected it has not been told.
+    /// An input had to open a new client, and the listener has not been notified yet.
     bool hasLostConnections = false;
-    /// The sources that the listener knows of.
+    /// The sources that the listener knows.
     std::vector<MIDIDriverSource> told;
-    /// Last, so that all it uses is there before it and after it.
+    /// The last member: the thread uses all others.
     std::thread thread{[this] { run(); }};
 };
 
@@ -153,7 +153,7 @@ void JackMIDIDriver::setSourcesListener(SourcesListener listener) {
     const std::scoped_lock lock(state->mutex);
     state->listener = std::move(listener);
     state->told = state->look();
-    // The thread may have begun to wait without end.
+    // The thread may be waiting without a limit.
     state->events.post(JackEvent::portsAdded);
 }
 

@@ -10,13 +10,13 @@
 
 namespace orvane::platform::jack {
 
-/// The MIDI sources of the JACK server that the environment names, PipeWire's among them: every MIDI output
-/// port. Never starts a server. Where none runs there are no sources; somebody who has set a listener hears
-/// when there are some again, because a thread of the driver then tries to become a client every two seconds,
-/// which fails at once where no server is. That thread also hands on what the inputs receive.
+/// The MIDI sources of the JACK server that the environment selects, including PipeWire's: every MIDI output
+/// port. Never starts a server; without one there are no sources. If a listener is set, a thread of the
+/// driver tries to open a client every two seconds, which fails at once without a server, and notifies the
+/// listener when there are sources again. The thread also delivers what the inputs receive.
 class JackMIDIDriver final : public MIDIDriver {
   public:
-    /// `clients` and `log`, which says what was lost, outlive the driver.
+    /// `clients` and `log`, which reports lost messages, must outlive the driver.
     explicit JackMIDIDriver(JackClients& clients, SystemLog* log = nullptr);
     ~JackMIDIDriver() override;
 

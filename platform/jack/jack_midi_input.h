@@ -17,12 +17,12 @@
 
 namespace orvane::platform::jack {
 
-/// A client of a JACK server with one MIDI input port. Messages go from the server's process thread through a
-/// queue to the thread that calls `deliver`; where that is hundreds of messages behind, further ones are
-/// lost. One thread at a time but where said otherwise.
+/// A client of a JACK server with one MIDI input port. Messages pass through a queue from the server's
+/// process thread to the thread that calls `deliver`; when that is hundreds of messages behind, further ones
+/// are lost. One thread at a time, unless noted.
 class JackMIDIInput final {
   public:
-    /// Not yet a client of a server. Posts `messages`, and what JackClients::open posts, to the events.
+    /// Does not open a client yet. Posts `messages`, and what JackClients::open posts, to the events.
     JackMIDIInput(
         JackClients& jackClients, JackEvents& inputEvents, std::string inputPortName,
         MIDIDriver::Receiver inputReceiver, SystemLog* systemLog
@@ -30,8 +30,8 @@ class JackMIDIInput final {
     JackMIDIInput(const JackMIDIInput&) = delete;
     JackMIDIInput& operator=(const JackMIDIInput&) = delete;
 
-    /// Becomes a client, unless it is one of a server that runs. Tries again at the next call where that
-    /// fails. Whether it became one now, so that it has no connections.
+    /// Opens a client, unless there is one on a running server; if that fails, the next call tries again.
+    /// Returns whether it opened one now, which has no connections.
     bool open();
     void close() { client.reset(); }
 
@@ -39,8 +39,8 @@ class JackMIDIInput final {
     OSStatus connect(const std::string& source);
     void disconnect(const std::string& source);
 
-    /// Hands what has come to the receiver, and logs how many messages found no room since the last time. One
-    /// thread, any.
+    /// Passes received messages to the receiver, and logs how many messages did not fit since the last call.
+    /// Any thread, one at a time.
     void deliver();
 
   private:
@@ -50,14 +50,14 @@ class JackMIDIInput final {
     JackEvents& events;
     std::string portName;
     MIDIDriver::Receiver receiver;
-    /// Where losses are logged; nowhere if null.
+    /// Null if losses are not logged.
     SystemLog* log;
     MIDIMessageQueue received;
     std::atomic<std::size_t> lost = 0;
-    /// What `deliver` works on.
+    /// Scratch of `deliver`.
     std::array<MIDIMessageQueue::Piece, 64> batch{};
     jack_port_t* port = nullptr;
-    /// Last, so that it closes before what its callback uses goes.
+    /// The last member, so that it closes before the objects that its callback uses are destroyed.
     std::unique_ptr<JackClient> client;
 };
 

@@ -12,7 +12,7 @@ namespace orvane::platform::jack {
 namespace {
 
 constexpr std::string_view sourceRole = " MIDI source";
-/// What even the longest cycles of a busy machine stay below.
+/// Longer than the longest cycle of a busy computer.
 constexpr std::chrono::seconds longestCycle{2};
 
 } // namespace

@@ -23,7 +23,7 @@ class JackMIDIOwnSource final : public MIDIOwnSource {
     create(JackClients& clients, std::string_view name);
 
     bool isConnected() override;
-    /// Returns when the server has taken the message, of up to 31 bytes.
+    /// Returns when the server has taken the message, which may have up to 31 bytes.
     OSStatus send(std::span<const std::uint8_t> message) override;
 
   private:
@@ -35,7 +35,7 @@ class JackMIDIOwnSource final : public MIDIOwnSource {
     JackEvents events;
     MIDIMessageQueue sent;
     jack_port_t* port = nullptr;
-    /// Last, so that it closes before what its callback uses goes.
+    /// The last member, so that it closes before the objects that its callback uses are destroyed.
     std::unique_ptr<JackClient> client;
 };
 

@@ -12,11 +12,11 @@ namespace orvane::platform::jack {
 
 namespace {
 
-/// A port of the ALSA sequencer as a bridge tells of it.
+/// A port of the ALSA sequencer, as described by a bridge.
 struct BridgedPort {
     std::string clientName;
     unsigned long portNumber = 0;
-    /// For people.
+    /// The display name.
     std::string name;
 };
 
@@ -39,8 +39,8 @@ std::optional<BridgedPort> fromClassicServer(const JackPort& port) {
     return std::nullopt;
 }
 
-/// "a2j:Client [20] (capture): Port", the bridge of its own; it does not tell the port's number, but brings a
-/// client's ports in their order. `before` counts them.
+/// "a2j:Client [20] (capture): Port", a separate bridge program. It does not state the port's number, but
+/// lists a client's ports in order; `before` counts them.
 std::optional<BridgedPort>
 fromBridgeProgram(const JackPort& port, std::map<std::string, unsigned long>& before) {
     static const std::regex form(R"(a2j:(.*) \[(\d+)\] \(capture\): (.*))");

@@ -15,9 +15,9 @@ namespace orvane::platform::jack {
 namespace {
 
 constexpr std::size_t mostAliases = 2;
-/// jackd has changed when it says that it took the request, PipeWire does with one of its next cycles.
+/// jackd has changed the size when it accepts the request, PipeWire changes it in one of its next cycles.
 constexpr std::chrono::milliseconds longestBufferSizeChange{200};
-/// The server's end is told to each of its clients by itself.
+/// The server's end is reported to each of its clients separately.
 constexpr std::chrono::milliseconds longestServerEnding{200};
 
 std::vector<std::string> aliasesOf(const jack_port_t* port) {
@@ -101,7 +101,7 @@ bool JackServer::requestBufferSize(std::uint32_t frameCount) {
 }
 
 bool JackServer::open() {
-    // Before it is closed for the sake of a stream.
+    // Checked before it is closed for the sake of a stream.
     if (client != nullptr && !client->isGone() && !clients.areOutdated()) return true;
     client.reset();
     client = clients.open(clientRole, events);
@@ -112,7 +112,7 @@ bool JackServer::open() {
         lastSampleRate.store(jack_get_sample_rate(jack));
         jack_set_buffer_size_callback(jack, jackCallback<int, &JackServer::bufferSizeChanged>, this);
         jack_set_sample_rate_callback(jack, jackCallback<int, &JackServer::sampleRateChanged>, this);
-        // A client that closes tells of its ports while they are still listed, of itself once they are not.
+        // A client that closes reports its ports while they are still listed, and itself once they are not.
         jack_set_port_registration_callback(jack, jackCallback<void, &JackServer::portChanged>, this);
         jack_set_client_registration_callback(jack, jackCallback<void, &JackServer::clientChanged>, this);
         isActive = jack_activate(jack) == 0;

@@ -16,7 +16,7 @@
 
 namespace orvane::platform::jack {
 
-/// A server as it is at one moment. A plain value.
+/// The state of a server at one moment. A plain value.
 struct JackServerState {
     /// In Hz.
     double sampleRate = 0.0;
@@ -24,35 +24,35 @@ struct JackServerState {
     std::uint32_t bufferSize = 0;
     std::vector<JackDevice> devices;
 
-    /// Null where there is no such device; valid as long as the state is not changed.
+    /// Null if there is no such device; valid as long as the state is unchanged.
     [[nodiscard]] const JackDevice* find(std::string_view uid) const;
 };
 
-/// The JACK server, seen through a client without ports that is opened when first needed and again after the
-/// server has come back. Posts what changes. Any thread but libjack's own.
+/// The JACK server, seen by a client without ports, which is opened when first needed and again after the
+/// server has come back. Posts changes. Any thread except libjack's own.
 class JackServer final {
   public:
-    /// `role` is added to the program's name in that of the client.
+    /// `role` is added to the program's name to form the client's.
     JackServer(JackClients& jackClients, JackEvents& serverEvents, std::string_view role = " control")
         : clients(jackClients), events(serverEvents), clientRole(role) {}
 
-    /// Nothing where no server runs.
+    /// Absent if no server runs.
     std::optional<JackServerState> state();
 
-    /// As `state`, but nothing also where we are not yet, or no longer, a client of the server.
+    /// As `state`, but also absent if the client is not open yet or has lost the server.
     std::optional<JackServerState> knownState();
 
-    /// The ports that give MIDI messages to others; nothing where no server runs.
+    /// The ports that send MIDI messages to others; absent if no server runs.
     std::optional<std::vector<JackPort>> midiSources();
 
-    /// Whether we are a client of a server that runs.
+    /// Whether the client is open on a running server.
     [[nodiscard]] bool isOpen();
-    /// Waits until we have been told, too, that the server is gone, as another client has been; not for long
-    /// where that is not so.
+    /// Waits until this client, too, is notified of the server's end, after another client was; briefly, in
+    /// case it never is.
     void awaitEnd();
 
-    /// Asks for a buffer size in frames; whether the server took the request. Waits until it runs at that
-    /// size, for a fifth of a second at most. One thread at a time.
+    /// Requests a buffer size in frames; returns whether the server accepted the request. Waits until the
+    /// server runs at that size, for at most a fifth of a second. One thread at a time.
     bool requestBufferSize(std::uint32_t frameCount);
 
   private:

@@ -15,8 +15,8 @@ namespace orvane::platform::jack {
 
 namespace {
 
-/// What no JACK server goes beyond. It may change its buffer size at any time, and cycles of the new size
-/// come before anybody has been told.
+/// The limit of all JACK servers. The server may change its buffer size at any time, and cycles of the new
+/// size come before any notification.
 constexpr std::size_t longestCycleInFrames = 8192;
 
 constexpr std::string_view noPortsLeft =
@@ -32,7 +32,7 @@ bool connectPorts(jack_client_t* client, const char* source, const char* destina
 Result<std::unique_ptr<AudioStream>, OSStatus> JackStream::open(
     JackClients& clients, JackEvents& events, const JackDevice& device, AudioStreamClient& client
 ) {
-    // Before libjack's thread is started, which calls it.
+    // Complete before libjack's thread is started, which calls it.
     std::unique_ptr<JackStream> stream(new JackStream(device, client));
     stream->jackClient = clients.open("", events);
     if (stream->jackClient == nullptr) return kAudioHardwareBadDeviceError;
@@ -110,7 +110,7 @@ OSStatus JackStream::activate(jack_client_t* client) {
     gate.open();
     ioThread.store(0);
     gaps.reset();
-    // The server has gone and we have not been told yet.
+    // The server has gone, but its clients have not been notified yet.
     if (jack_activate(client) != 0) return kAudioHardwareBadDeviceError;
     return connect(client) ? noErr : kAudioHardwareBadDeviceError;
 }
@@ -133,7 +133,7 @@ bool JackStream::stop() {
     if (hasEnded)
         jackClient->deactivate();
     else
-        // libjack would wait for the process thread without bound.
+        // libjack would wait for the process thread without a limit.
         jackClient->abandon();
     ioThread.store(0);
     isRunning = false;
@@ -172,7 +172,7 @@ void JackStream::process(jack_nframes_t frameCount, void* self) noexcept {
 }
 
 void JackStream::observeCycle(jack_nframes_t frameCount) noexcept {
-    // The one system call of the thread, in its first cycle.
+    // The only system call of the thread, in its first cycle.
     if (ioThread.load() == 0) ioThread.store(::gettid());
     if (silentAboutXruns != nullptr && gaps.isBefore(jack_last_frame_time(silentAboutXruns), frameCount))
         xruns.fetch_add(1);

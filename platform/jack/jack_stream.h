@@ -21,11 +21,11 @@
 
 namespace orvane::platform::jack {
 
-/// A stream on a JACK device: a client of its own with one port per channel, which is connected to the
-/// device's port as long as the stream runs.
+/// A stream on a JACK device: a client of its own with one port per channel, connected to the device's port
+/// while the stream runs.
 class JackStream final : public AudioStream {
   public:
-    /// See AudioDriver::open; on all ports of the device. Posts when the server is gone.
+    /// See AudioDriver::open; uses all ports of the device. Posts when the server is gone.
     static Result<std::unique_ptr<AudioStream>, OSStatus>
     open(JackClients& clients, JackEvents& events, const JackDevice& device, AudioStreamClient& client);
     ~JackStream() override;
@@ -45,14 +45,14 @@ class JackStream final : public AudioStream {
         std::vector<std::span<Sample>> blocks;
 
         bool registerPorts(jack_client_t* client, const char* prefix, unsigned long direction);
-        /// "Input 1" and so on, where that is the `kind`.
+        /// Names the ports "Input 1" and so on, if that is the `kind`.
         void namePorts(JackClient& owner, const std::string& kind) const;
         ORVANE_REALTIME void takeBlocks(jack_nframes_t frameCount) noexcept;
     };
 
     JackStream(const JackDevice& device, AudioStreamClient& cycleClient);
     bool prepare();
-    /// Never in two ways at once, so that none is counted twice.
+    /// Counts in only one way, so that each is counted once.
     bool countXruns(jack_client_t* client);
     OSStatus activate(jack_client_t* client);
     [[nodiscard]] bool connect(jack_client_t* client) const;
@@ -65,13 +65,13 @@ class JackStream final : public AudioStream {
     Side<const float> inputs;
     Side<float> outputs;
     std::atomic<std::uint32_t> xruns = 0;
-    /// The process thread since the first cycle, 0 before.
+    /// The process thread, from the first cycle on; 0 before.
     std::atomic<pid_t> ioThread = 0;
-    /// The client, if cycles that are missed show in their times only, as PipeWire does not report them.
+    /// The client, if missed cycles only show in their times, because PipeWire does not report them.
     jack_client_t* silentAboutXruns = nullptr;
     FrameGaps gaps;
     bool isRunning = false;
-    /// Last, so that it closes before what its callbacks use goes.
+    /// The last member, so that it closes before the objects that its callbacks use are destroyed.
     std::unique_ptr<JackClient> jackClient;
 };
 

@@ -68,7 +68,7 @@ void JackWatches::run() {
         const std::uint32_t taken = events.take();
         if (contains(taken, JackEvent::finished)) return;
         const bool isServerGone = contains(taken, JackEvent::serverGone);
-        // Listeners must not find its devices still there.
+        // Listeners must not see its devices any more.
         if (isServerGone) server.awaitEnd();
         if (isServerGone || contains(taken, JackEvent::portsRemoved)) notifyLosses(isServerGone);
         if (contains(taken, JackEvent::bufferSizeChanged)) notifyAll(AudioDeviceChange::bufferSize);
@@ -115,7 +115,7 @@ JackWatches::lossOf(std::string_view uid, const WatchedDevice& device, const Jac
     const std::size_t presentInputs = countOf(inputs, present);
     const std::size_t presentOutputs = countOf(outputs, present);
     if (presentInputs == inputs.size() && presentOutputs == outputs.size()) return std::nullopt;
-    // There is nothing to mix or nothing to play it on.
+    // No inputs to mix, or no outputs to play on.
     const bool hasLostSide =
         (presentInputs == 0 && !inputs.empty()) || (presentOutputs == 0 && !outputs.empty());
     return hasLostSide ? AudioDeviceChange::died : AudioDeviceChange::lostChannels;

@@ -12,8 +12,8 @@
 
 namespace orvane::platform::jack {
 
-/// A bounded queue of MIDI messages between an audio thread and another one. Lock-free; one producer thread,
-/// one consumer thread; both ends are real-time safe. A message longer than a piece takes several.
+/// A bounded queue of MIDI messages between an audio thread and another thread. Lock-free; one producer
+/// thread, one consumer thread; both sides are real-time safe. A message longer than one piece takes several.
 class MIDIMessageQueue final {
   public:
     struct Piece {
@@ -23,7 +23,7 @@ class MIDIMessageQueue final {
         [[nodiscard]] std::span<const std::uint8_t> data() const noexcept { return {bytes.data(), length}; }
     };
 
-    /// Appends the message, or nothing where it does not fit; whether it did.
+    /// Appends the message, or nothing if it does not fit; returns whether it did.
     ORVANE_REALTIME bool push(std::span<const std::uint8_t> message) noexcept {
         const std::size_t needed = (message.size() + longestPiece - 1) / longestPiece;
         if (needed > indices.writable()) return false;
@@ -38,7 +38,7 @@ class MIDIMessageQueue final {
         return true;
     }
 
-    /// Moves the oldest pieces into the start of `taken` and returns how many those were.
+    /// Moves the oldest pieces to the start of `taken` and returns their number.
     ORVANE_REALTIME std::size_t pop(std::span<Piece> taken) noexcept {
         const std::size_t count = std::min(indices.readable(), taken.size());
         copyFromRing(pieces.data(), indices.readPart(count), taken.data());

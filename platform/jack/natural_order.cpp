@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::string_view digits = "0123456789";
 
-/// Cuts the number that `text` begins with off it and returns it without leading zeros; empty for 0 and where
-/// there is none.
+/// Removes the number at the start of `text` and returns it without leading zeros; empty if it is 0 or there
+/// is none.
 std::string_view cutNumber(std::string_view& text) {
     const std::size_t length = std::min(text.find_first_not_of(digits), text.size());
     const std::string_view number = text.substr(0, length);

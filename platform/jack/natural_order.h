@@ -4,7 +4,7 @@
 
 namespace orvane::platform::jack {
 
-/// Whether `left` comes before `right` where digits are read as numbers: "in 2" before "in 10". A strict weak
+/// Whether `left` comes before `right` if digits are read as numbers: "in 2" before "in 10". A strict weak
 /// order. Any thread.
 bool comesNaturallyBefore(std::string_view left, std::string_view right);
 
