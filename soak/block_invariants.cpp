@@ -43,7 +43,7 @@ bool isClose(double value, double expected, double scale) {
 BlockInvariants::BlockInvariants(Stage& watched, Fault& found, std::size_t fullCheckInterval)
     : stage(watched), fault(found), interval(fullCheckInterval) {
     for (const StageDevice& device : stage.devices)
-        device.output->listener = [this, &device](Outputs outputs) { heard(device, outputs); };
+        device.output->listener = [this, &device](Outputs outputs) { checkBlock(device, outputs); };
     toRunning = stage.engine.state().isRunning.subscribe([this](bool runs) {
         run.reset();
         if (runs) beginRun();
@@ -68,7 +68,7 @@ void BlockInvariants::beginRun() {
         std::min(1.0 / static_cast<double>(stage.shape.strips + 1), dsp::dbToLinear(gainFloorDB));
 }
 
-void BlockInvariants::heard(const StageDevice& device, Outputs outputs) {
+void BlockInvariants::checkBlock(const StageDevice& device, Outputs outputs) {
     if (!run || fault.first()) return;
     const bool sane = isSane();
     if (sane) checkFinite(device, outputs);

@@ -46,7 +46,7 @@ class BlockInvariants final {
     };
 
     void beginRun();
-    void heard(const StageDevice& device, Outputs outputs);
+    void checkBlock(const StageDevice& device, Outputs outputs);
     void checkFinite(const StageDevice& device, Outputs outputs);
     void checkGains(const dsp::AutomixProcessor& automix);
     void checkChannels(const dsp::AutomixProcessor& automix, const Voices* voices);

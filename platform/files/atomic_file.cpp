@@ -27,7 +27,7 @@ std::filesystem::path folderOf(const std::filesystem::path& file) {
     return folder.empty() ? "." : folder;
 }
 
-/// Whether another user put the link into a world-writable folder, such as /tmp, where it may be a trap.
+/// Whether another user put the link into a world-writable folder, such as /tmp, where it could be a trap.
 bool isForeign(const std::filesystem::path& link) {
     struct stat status {};
     struct stat folder {};

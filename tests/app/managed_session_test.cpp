@@ -80,11 +80,11 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     ASSERT_TRUE(manager.welcomes());
     EXPECT_THAT(manager.message(), HasSubstr("ORVANE :dirty: orvane 1 2 " + std::to_string(program)));
     open();
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
     EXPECT_FALSE(std::filesystem::exists(file));
     manager.say("/nsm/client/session_is_loaded", "");
     manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
     EXPECT_THAT(contentOf(file), HasSubstr("\"channels\""));
 
     ::kill(program, SIGTERM);
@@ -95,15 +95,15 @@ TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     start({});
     ASSERT_TRUE(manager.welcomes());
     open();
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
     std::filesystem::remove(file);
     manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
     EXPECT_EQ(contentOf(file), stored);
 
     std::filesystem::remove_all(file.parent_path());
     manager.say("/nsm/client/save", "");
-    EXPECT_TRUE(manager.hears("/error /nsm/client/save -1 "));
+    EXPECT_TRUE(manager.receives("/error /nsm/client/save -1 "));
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);
 }
@@ -113,7 +113,7 @@ TEST_F(ManagedProgram, SavesOnceOpenIfAskedBefore) {
     ASSERT_TRUE(manager.welcomes());
     ::kill(program, SIGUSR1);
     open();
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
     EXPECT_TRUE(test::waitFor([&] { return std::filesystem::exists(file); }));
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);
@@ -140,11 +140,11 @@ TEST_F(ManagedProgram, SavesNothingBeforeTheSessionIsOpen) {
     open();
     // The installed plugins are not known yet.
     manager.say("/nsm/client/save", "");
-    EXPECT_TRUE(manager.hears("/error /nsm/client/save -6 "));
+    EXPECT_TRUE(manager.receives("/error /nsm/client/save -6 "));
     EXPECT_EQ(contentOf(file), stored);
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
     manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/save "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
     EXPECT_EQ(contentOf(file), stored);
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);
@@ -155,7 +155,7 @@ TEST_F(ManagedProgram, MakesNoAudioBeforeItsSessionIsNamed) {
     start({"--virtual-input", "none.wav"});
     ASSERT_TRUE(manager.welcomes());
     open();
-    EXPECT_TRUE(manager.hears("/error /nsm/client/open "));
+    EXPECT_TRUE(manager.receives("/error /nsm/client/open "));
     EXPECT_THAT(manager.message(), HasSubstr("none.wav"));
     EXPECT_EQ(exitCode(), 1);
 }
@@ -165,7 +165,7 @@ TEST_F(ManagedProgram, UsesTheManagersNameForItsAudioClient) {
     start({"--channels", "2", "--start", "--device", "jack:system"}, "jack");
     ASSERT_TRUE(manager.welcomes());
     open();
-    ASSERT_TRUE(manager.hears("/reply /nsm/client/open "));
+    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
     test::JackPeer peer("peer", 2);
     EXPECT_TRUE(test::waitFor([&] { return peer.connectTo("ORVANE.nABC"); }));
     ::kill(program, SIGTERM);
@@ -178,9 +178,9 @@ TEST_F(ManagedProgram, KeepsASessionFileThatItCannotRead) {
     start({"--channels", "8"});
     ASSERT_TRUE(manager.welcomes());
     open();
-    ASSERT_TRUE(manager.hears("/error /nsm/client/open -9 "));
+    ASSERT_TRUE(manager.receives("/error /nsm/client/open -9 "));
     manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.hears("/error /nsm/client/save -6 "));
+    ASSERT_TRUE(manager.receives("/error /nsm/client/save -6 "));
     EXPECT_EQ(contentOf(file), "no session");
     ::kill(program, SIGTERM);
     EXPECT_EQ(exitCode(), 0);

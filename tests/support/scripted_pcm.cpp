@@ -198,6 +198,6 @@ int _snd_pcm_scripted_open(
     return 0;
 }
 
-// Tells the library which version of its interface the type was made for.
+// Lets the library check the version of its interface that the type was made for.
 extern const char __snd_pcm_scripted_open_dlsym_pcm_001 = 0;
 }

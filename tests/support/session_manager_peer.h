@@ -30,23 +30,23 @@ class SessionManagerPeer final {
     }
 
     /// Waits for a message whose path and arguments start like this; discards it and earlier ones.
-    bool hears(const std::string& beginning) {
-        return hearsWhile(beginning, [] {});
+    bool receives(const std::string& beginning) {
+        return receivesWhile(beginning, [] {});
     }
 
     /// As above, calling `clientsTask` repeatedly meanwhile.
     template <class Task>
-    bool hearsWhile(const std::string& beginning, Task clientsTask) {
+    bool receivesWhile(const std::string& beginning, Task clientsTask) {
         return waitFor([&] {
             clientsTask();
             while (lo_server_recv_noblock(server.get(), 0) > 0) {
             }
-            const auto found = std::ranges::find_if(heard, [&](const std::string& message) {
+            const auto found = std::ranges::find_if(received, [&](const std::string& message) {
                 return message.starts_with(beginning);
             });
-            if (found == heard.end()) return false;
+            if (found == received.end()) return false;
             last = *found;
-            heard.erase(heard.begin(), found + 1);
+            received.erase(received.begin(), found + 1);
             return true;
         });
     }
@@ -69,7 +69,7 @@ class SessionManagerPeer final {
 
     /// Accepts the client that announces itself.
     bool welcomes() {
-        if (!hears("/nsm/server/announce ")) return false;
+        if (!receives("/nsm/server/announce ")) return false;
         say("/reply", "ssss", "/nsm/server/announce", "Welcome", "Peer", ":server-control:");
         return true;
     }
@@ -87,7 +87,7 @@ class SessionManagerPeer final {
             text +=
                 types[index] == 's' ? reinterpret_cast<const char*>(values[index]) : std::to_string(number);
         }
-        peer.heard.push_back(text);
+        peer.received.push_back(text);
         lo_address_free(peer.client);
         char* const url = lo_address_get_url(lo_message_get_source(sent));
         peer.client = lo_address_new_from_url(url);
@@ -100,7 +100,7 @@ class SessionManagerPeer final {
     };
     std::unique_ptr<std::remove_pointer_t<lo_server>, FreeServer> server{lo_server_new(nullptr, nullptr)};
     lo_address client = nullptr;
-    std::vector<std::string> heard;
+    std::vector<std::string> received;
     std::string last;
 };
 

@@ -21,10 +21,10 @@ class KeepingClient final : public platform::AudioStreamClient {
         std::span<const std::span<const float>> inputs, std::span<const std::span<float>> outputs,
         std::size_t frameCount
     ) noexcept override {
-        heard.resize(inputs.size());
+        captured.resize(inputs.size());
         played.resize(outputs.size());
         for (std::size_t channel = 0; channel < inputs.size(); ++channel)
-            heard[channel].insert(heard[channel].end(), inputs[channel].begin(), inputs[channel].end());
+            captured[channel].insert(captured[channel].end(), inputs[channel].begin(), inputs[channel].end());
         for (std::size_t channel = 0; channel < outputs.size(); ++channel) {
             for (float& sample : outputs[channel]) {
                 sample = static_cast<float>(channel * 1'000'000 + played[channel].size());
@@ -35,7 +35,7 @@ class KeepingClient final : public platform::AudioStreamClient {
     }
 
     /// Channels x frames since construction.
-    std::vector<std::vector<float>> heard;
+    std::vector<std::vector<float>> captured;
     std::vector<std::vector<float>> played;
     /// Frames of each cycle.
     std::vector<std::size_t> lengths;

@@ -94,7 +94,7 @@ TEST(AtomicFile, FollowsNoLinkOfAnotherUserInASharedFolder) {
     );
     EXPECT_FALSE(std::filesystem::exists(folder / "victim"));
     ::chmod((folder / "").c_str(), 0755);
-    EXPECT_EQ(write(folder / "link", "new"), "success") << "nobody else can put links here";
+    EXPECT_EQ(write(folder / "link", "new"), "success") << "no other user can put links here";
 }
 
 TEST(AtomicFile, RefusesATargetThatCannotBeAFile) {

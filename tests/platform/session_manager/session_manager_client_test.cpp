@@ -57,7 +57,7 @@ class ManagedClient : public testing::Test {
         manager.say("/nsm/client/open", "");
         manager.say("/nsm/client/open", "iii", 1, 2, 3);
         manager.say("/nsm/client/open", "sss", "", "Show", "");
-        EXPECT_TRUE(manager.hears("/error /nsm/client/open -1 "));
+        EXPECT_TRUE(manager.receives("/error /nsm/client/open -1 "));
         manager.say("/nsm/client/open", "sss", "/shows/one/ORVANE.nABC", "Show", "ORVANE.nABC");
         auto& made = connection.result();
         ASSERT_TRUE(made) << made.error().description;
@@ -72,7 +72,7 @@ TEST_F(ManagedClient, AnswersARequestOnceItIsDone) {
     EXPECT_EQ(client->session().path, "/shows/one/ORVANE.nABC");
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
     client->confirmOpen();
-    EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
+    EXPECT_TRUE(manager.receives("/reply /nsm/client/open "));
 
     int asked = 0;
     client->setOnSave([&] { ++asked; });
@@ -92,7 +92,7 @@ TEST_F(ManagedClient, AnswersARequestOnceItIsDone) {
     for (const char* expected :
          {"/nsm/client/is_dirty", "/error /nsm/client/save -1 The disk is full.", "/nsm/client/is_clean",
           "/reply /nsm/client/save "})
-        EXPECT_TRUE(manager.hears(expected)) << expected;
+        EXPECT_TRUE(manager.receives(expected)) << expected;
 
     manager.say("/nsm/client/open", "sss", "/shows/two/ORVANE.nDEF", "Other", "ORVANE.nDEF");
     manager.say("/nsm/client/save", "");
@@ -100,13 +100,13 @@ TEST_F(ManagedClient, AnswersARequestOnceItIsDone) {
         client->poll();
         return asked == 2;
     }));
-    EXPECT_TRUE(manager.hears("/error /nsm/client/open -8 "));
+    EXPECT_TRUE(manager.receives("/error /nsm/client/open -8 "));
     EXPECT_EQ(client->session().clientID, "ORVANE.nABC");
 }
 
 TEST_F(ManagedClient, AcceptsMessagesFromItsManagerOnly) {
     client->confirmOpen();
-    EXPECT_TRUE(manager.hears("/reply /nsm/client/open "));
+    EXPECT_TRUE(manager.receives("/reply /nsm/client/open "));
     SessionManagerPeer stranger;
     stranger.speakToClientOf(manager);
     int asked = 0;
@@ -120,7 +120,7 @@ TEST_F(ManagedClient, AcceptsMessagesFromItsManagerOnly) {
     }));
     EXPECT_EQ(asked, 1) << "the stranger's came first";
     client->answerSave(Done{});
-    EXPECT_TRUE(manager.hears("/reply /nsm/client/save "));
+    EXPECT_TRUE(manager.receives("/reply /nsm/client/save "));
 }
 
 TEST(SessionManagerClient, ReachesAManagerByAnyNameOfThisComputer) {
@@ -137,15 +137,15 @@ TEST(SessionManagerClient, ReachesAManagerByAnyNameOfThisComputer) {
 TEST_F(ManagedClient, DoesNotOverwriteASessionThatItCouldNotOpen) {
     client->setOnSave([] { FAIL() << "the session's file would be lost"; });
     client->refuseOpen(ManagerRefusal::badSession, "The file is damaged.");
-    EXPECT_TRUE(manager.hears("/error /nsm/client/open -9 The file is damaged."));
+    EXPECT_TRUE(manager.receives("/error /nsm/client/open -9 The file is damaged."));
     manager.say("/nsm/client/save", "");
-    EXPECT_TRUE(manager.hearsWhile("/error /nsm/client/save -6 ", [&] { client->poll(); }));
+    EXPECT_TRUE(manager.receivesWhile("/error /nsm/client/save -6 ", [&] { client->poll(); }));
 }
 
 TEST(SessionManagerClient, ReportsWhyItCannotConnect) {
     SessionManagerPeer refusing;
     Connecting refused(refusing.url());
-    ASSERT_TRUE(refusing.hears("/nsm/server/announce "));
+    ASSERT_TRUE(refusing.receives("/nsm/server/announce "));
     refusing.say("/error", "sis", "/nsm/server/announce", -2, "Too new.");
     EXPECT_THAT(refused.failure(), HasSubstr("refuses ORVANE: Too new."));
 

@@ -40,10 +40,10 @@ TEST_F(VirtualDevicesTest, ThePanelLoopsItsRecordingSampleForSample) {
     const std::size_t cycles = length / 4000 + 3;
     ASSERT_EQ(driver.clock().step(panel, cycles), cycles);
     const auto original = recording.readable(length);
-    ASSERT_EQ(client.heard.size(), 8U);
+    ASSERT_EQ(client.captured.size(), 8U);
     for (std::size_t channel = 0; channel < 8; ++channel)
         for (std::size_t frame = 0; frame < cycles * 4000; ++frame)
-            ASSERT_EQ(client.heard[channel][frame], original[channel][frame % length])
+            ASSERT_EQ(client.captured[channel][frame], original[channel][frame % length])
                 << "channel " << channel << ", frame " << frame;
 }
 
@@ -70,7 +70,7 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
         ASSERT_EQ(stream->start(), noErr);
         files.clock().step(uid, 4);
         stream->stop();
-        EXPECT_EQ(client.heard[0][1999], 0.5F);
+        EXPECT_EQ(client.captured[0][1999], 0.5F);
         auto recorded = SoundFileReader::open(folder / "mix.wav");
         ASSERT_TRUE(recorded);
         ASSERT_EQ(recorded.value().frameCount(), 2048);
