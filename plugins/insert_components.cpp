@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <iterator>
 #include <locale>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <tuple>
-#include <unordered_set>
 #include <utility>
 
 namespace orvane::plugins {
@@ -70,7 +70,7 @@ session::AUComponentIdentity identityOf(const AVAudioUnitComponent& component) {
 
 std::vector<AVAudioUnitComponent> availableInsertComponents(platform::AudioUnitHost& host) {
     const SortKeys sortKeys;
-    std::unordered_set<session::AUComponentIdentity> seen;
+    std::set<session::AUComponentIdentity> seen;
     std::vector<Sortable> found;
     for (const std::uint32_t type : {platform::kAudioUnitType_Effect, platform::kAudioUnitType_MusicEffect}) {
         for (AVAudioUnitComponent& component : host.componentsMatchingDescription({.componentType = type})) {

@@ -8,9 +8,9 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace orvane::plugins {
@@ -62,7 +62,7 @@ class PluginPresetStore final {
     [[nodiscard]] platform::Result<platform::Done> write() const;
 
     platform::SystemLog& log;
-    std::unordered_map<session::AUComponentIdentity, std::vector<NamedPreset>> presetsByComponent;
+    std::map<session::AUComponentIdentity, std::vector<NamedPreset>> presetsByComponent;
     std::optional<std::filesystem::path> fileURL;
 };
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include <compare>
 #include <cstdint>
-#include <functional>
 
 namespace orvane::session {
 
@@ -13,12 +12,7 @@ struct AUComponentIdentity {
     std::uint32_t componentSubType = 0;
     std::uint32_t componentManufacturer = 0;
 
-    bool operator==(const AUComponentIdentity&) const = default;
+    auto operator<=>(const AUComponentIdentity&) const = default;
 };
 
 } // namespace orvane::session
-
-template <>
-struct std::hash<orvane::session::AUComponentIdentity> {
-    std::size_t operator()(const orvane::session::AUComponentIdentity& identity) const noexcept;
-};

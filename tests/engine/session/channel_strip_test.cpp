@@ -39,12 +39,4 @@ TEST(ChannelStrip, SettingsApplyUpToTheShorterLengthAndKeepIds) {
     }
 }
 
-TEST(AUComponentIdentity, HashesByAllItsCodesAndTheirOrder) {
-    std::set<std::size_t> hashes;
-    for (const AUComponentIdentity& identity :
-         std::initializer_list<AUComponentIdentity>{{1, 2, 3}, {2, 1, 3}, {1, 3, 2}, {1, 2, 4}, {1, 2, 3}})
-        hashes.insert(std::hash<AUComponentIdentity>{}(identity));
-    EXPECT_EQ(hashes.size(), 4U);
-}
-
 } // namespace
