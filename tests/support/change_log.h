@@ -1,8 +1,9 @@
 #pragma once
 
 #include "platform/audio_hardware/audio_driver.h"
+#include "support/wait_for.h"
 
-#include <condition_variable>
+#include <cstddef>
 #include <mutex>
 #include <vector>
 
@@ -13,29 +14,24 @@ class ChangeLog final {
   public:
     [[nodiscard]] platform::AudioDriver::Listener listener() {
         return [this](platform::AudioDeviceChange change) {
-            {
-                const std::scoped_lock lock(mutex);
-                changes.push_back(change);
-            }
-            hasChanged.notify_all();
+            const std::scoped_lock lock(mutex);
+            changes.push_back(change);
         };
     }
 
-    [[nodiscard]] bool isEmpty() {
+    [[nodiscard]] std::vector<platform::AudioDeviceChange> get() const {
         const std::scoped_lock lock(mutex);
-        return changes.empty();
-    }
-
-    /// Waits for at least `count` changes and returns all.
-    std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) {
-        std::unique_lock lock(mutex);
-        hasChanged.wait(lock, [this, count] { return changes.size() >= count; });
         return changes;
     }
 
+    /// Waits for at least `count` changes and returns all.
+    std::vector<platform::AudioDeviceChange> waitFor(std::size_t count) const {
+        test::waitFor([&] { return get().size() >= count; });
+        return get();
+    }
+
   private:
-    std::mutex mutex;
-    std::condition_variable hasChanged;
+    mutable std::mutex mutex;
     std::vector<platform::AudioDeviceChange> changes;
 };
 

@@ -166,9 +166,9 @@ TEST(AlsaStream, KeepsRunningADeviceWhoseCyclesAreAlwaysLate) {
     AlsaClient client(30);
     const auto stream = driver->open(uid, true, client);
     ASSERT_EQ(stream.value()->start(), noErr);
-    EXPECT_TRUE(waitFor([&] { return client.cycleCount() >= 30 || !log.isEmpty(); }));
+    EXPECT_TRUE(waitFor([&] { return client.cycleCount() >= 30 || !log.get().empty(); }));
     stream.value()->stop();
-    EXPECT_TRUE(log.isEmpty());
+    EXPECT_TRUE(log.get().empty());
     EXPECT_GE(client.cycleCount(), 30);
     EXPECT_GE(stream.value()->xrunCount(), 29);
 }

@@ -106,19 +106,19 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
     ASSERT_TRUE(stream);
     ASSERT_EQ(stream.value()->start(), noErr);
     ASSERT_TRUE(client.waitForCycles(2));
-    const std::vector<std::vector<float>> heard = card.exchange(frameCount);
+    const std::vector<std::vector<float>> received = card.exchange(frameCount);
     EXPECT_EQ(client.inputCount.load(), channelCount);
     EXPECT_EQ(client.lastFrameCount.load(), GetParam().period);
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
-        ASSERT_EQ(heard[channel].size(), frameCount) << "channel " << channel;
+        ASSERT_EQ(received[channel].size(), frameCount) << "channel " << channel;
         for (std::size_t frame = 0; frame < frameCount; ++frame)
-            ASSERT_EQ(heard[channel][frame], -JackPeer::signal((channel + 1) % channelCount, frame))
+            ASSERT_EQ(received[channel][frame], -JackPeer::signal((channel + 1) % channelCount, frame))
                 << "channel " << channel << ", frame " << frame;
     }
     EXPECT_TRUE(client.endGuard());
 }
 
-TEST(JackStream, HasNoInputsIfInputIsDisabled) {
+TEST(JackStream, HasNeitherDisabledInputsNorAPriorityThatTheServerLacks) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
@@ -127,6 +127,7 @@ TEST(JackStream, HasNoInputsIfInputIsDisabled) {
     ASSERT_EQ(stream.value()->start(), noErr);
     EXPECT_TRUE(client.waitForCycles(3));
     EXPECT_EQ(client.inputCount.load(), 0U);
+    EXPECT_EQ(stream.value()->realtimePriority(), 0) << "the server has none";
     EXPECT_TRUE(client.endGuard());
 }
 
@@ -196,17 +197,6 @@ TEST(JackStream, RunsBesideAnotherOne) {
     }
     for (InvertingClient& client : clients)
         EXPECT_TRUE(client.waitForCycles(3) && client.endGuard());
-}
-
-TEST(JackStream, HasNoRealTimePriorityIfTheServerHasNone) {
-    const JackTestServer server({});
-    StreamDriver driver;
-    InvertingClient client;
-    client.mayAllocate = true;
-    const auto stream = driver.jack.open(uid, true, client);
-    ASSERT_TRUE(stream);
-    ASSERT_EQ(stream.value()->start(), noErr);
-    EXPECT_EQ(stream.value()->realtimePriority(), 0);
 }
 
 /// Once settled, returns from some of its cycles only when the server has reported each as late.

@@ -188,5 +188,25 @@ TEST_F(PluginCalls, TheHostsDestructorWaitsForPluginsAtWork) {
     release.join();
 }
 
+TEST_F(PluginCalls, AllPendingResponsesAreDeliveredInOneRun) {
+    const auto unit = make("plain");
+    ASSERT_EQ(setUp(*unit, 1), "");
+    UnitRenderer renderer(*unit, 1);
+    const auto renderWithGain = [&](float gain) {
+        test::parameter(*unit, "gain").setValue(gain);
+        EXPECT_EQ(renderer.renderBlock(ones), noErr);
+    };
+    const int doneBefore = probe().worksDone;
+    probe().holdsWork.store(true);
+    for (const float gain : {0.25F, 0.5F, 1.0F})
+        renderWithGain(gain);
+    probe().holdsWork.store(false);
+    EXPECT_TRUE(waitFor([&] { return probe().worksDone == doneBefore + 3; }));
+    // Responses arrive after the run; the next run shows the last of them.
+    renderWithGain(1.0F);
+    renderWithGain(1.0F);
+    EXPECT_EQ(test::parameter(*unit, "answer").value(), 10.0F);
+}
+
 } // namespace
 } // namespace orvane::platform::lv2
