@@ -35,8 +35,8 @@ void printRow(std::string_view name, const ReferenceConditions::Shape& shape, co
 void printBlocks() {
     fmt::print(
         "Times per block in microseconds at 48 kHz, {} kernels. \"of block\": the median's share of the time "
-        "that the block lasts. \"baseline\": the same algorithm as plain loops. \"copy\": moving its "
-        "samples.\n",
+        "that the block lasts. \"baseline\": the same algorithm as plain loops. "
+        "\"copy\": moving its samples.\n",
         dsp::fastestLaneKernels().name
     );
     printHead("processor, strips, frames");

@@ -217,8 +217,7 @@ int main(int argc, char** argv) {
     program
         .add_option(
             "--driver", options.driver,
-            "virtual; jack: the running JACK server; probe: the virtual one with nothing but a loop that "
-            "counts"
+            "virtual; jack: the running JACK server; probe: the virtual one with only a loop that counts"
         )
         ->check(CLI::IsMember({"virtual", "jack", "probe"}))
         ->capture_default_str();

@@ -67,9 +67,8 @@ bool rehearse(std::uint32_t seed, std::chrono::nanoseconds length) {
     }
     const double hours = Hours(show.time()).count();
     print(fmt::format(
-        "seed {}, {} strips: {:.2f} h, {} operations, {} blocks in {:.1f} s, {:.1f} MiB at the start, {:.1f} "
-        "MiB "
-        "at the end",
+        "seed {}, {} strips: {:.2f} h, {} operations, {} blocks in {:.1f} s, "
+        "{:.1f} MiB at the start, {:.1f} MiB at the end",
         seed, stripsOf(seed), hours, show.operations(), show.blocks(), Seconds(Clock::now() - start).count(),
         mebibytes(memory.first()), mebibytes(memory.last())
     ));
@@ -126,8 +125,8 @@ bool rehearseLive(const Options& options) {
         show.clearDesk();
         memory.read();
         print(fmt::format(
-            "{:.0f} s, {} strips: {} operations, {} blocks, {} late cycles, load {:.3f}, priority {}, {:.1f} "
-            "MiB",
+            "{:.0f} s, {} strips: {} operations, {} blocks, {} late cycles, "
+            "load {:.3f}, priority {}, {:.1f} MiB",
             Seconds(Clock::now() - start).count(), stripsOf(options.seed), show.operations(), show.blocks(),
             show.lateCycles(), show.load(), show.realtimePriority(), mebibytes(memory.last())
         ));

@@ -108,12 +108,10 @@ TEST(InsertRenderContext, LogsEachChangeOfStatusOnce) {
     EXPECT_THAT(
         insert.lines,
         ElementsAre(
-            "Ch3 slot2: Gain: renderBlock failed, status -10863 -- signal is passing through UNPROCESSED, "
-            "not "
-            "silenced (see InsertRenderContext.process's doc comment).",
+            "Ch3 slot2: Gain: renderBlock failed, status -10863 -- signal is passing through "
+            "UNPROCESSED, not silenced (see InsertRenderContext.process's doc comment).",
             "Ch3 slot2: Gain: renderBlock returned noErr but didn't provide a usable output pointer for "
-            "every "
-            "channel -- signal is passing through UNPROCESSED, not silenced.",
+            "every channel -- signal is passing through UNPROCESSED, not silenced.",
             "Ch3 slot2: Gain: render recovered (now noErr)", HasSubstr("renderBlock failed, status -10863")
         )
     );

@@ -25,8 +25,8 @@ class Lv2Bundles final {
     /// A plugin with a mono input and output. `more`: additional statements, each ending with ";".
     static std::string plugin(std::string_view uri, std::string_view name, std::string_view more) {
         return fmt::format(
-            "<{}> a lv2:Plugin ; {} doap:name \"{}\" ; lv2:binary <plugin.so> ; lv2:port [ {} ] , [ {} ] "
-            ".\n",
+            "<{}> a lv2:Plugin ; {} doap:name \"{}\" ; lv2:binary <plugin.so> ; "
+            "lv2:port [ {} ] , [ {} ] .\n",
             uri, more, name, audioPort(0, "Input"), audioPort(1, "Output")
         );
     }

@@ -53,8 +53,8 @@ TEST(AlsaAudioDriver, ListsConfiguredDevicesWithSoundServersLast) {
 
 /// A card with the same name as the computer's.
 std::string cardDefinition(const std::string& playback, const std::string& capture) {
-    return "pcm.hw { @args [ CARD DEV ] @args.CARD.type string @args.DEV.type string type asym playback.pcm "
-           "{ "
+    return "pcm.hw { @args [ CARD DEV ] @args.CARD.type string @args.DEV.type string "
+           "type asym playback.pcm { "
            + playback + " } capture.pcm { " + capture + " } }\n";
 }
 

@@ -103,8 +103,8 @@ TEST_F(DesktopBus, TheLogReportsOnceWhySleepIsNotInhibited) {
          "error: " + sentence + "org.freedesktop.login1 does not answer."},
         {[&] { desktop.close(); },
          sentence
-             + "org.freedesktop.login1 refuses (The name org.freedesktop.login1 was not provided by any "
-               ".service files)."},
+             + "org.freedesktop.login1 refuses "
+               "(The name org.freedesktop.login1 was not provided by any .service files)."},
         {[&] { desktop.freeze(); }, "error: " + sentence + "org.freedesktop.login1 does not answer."},
         {[] { test::setBusAddress("unix:path=/none"); },
          sentence + "the system bus cannot be reached (No such file or directory)."},

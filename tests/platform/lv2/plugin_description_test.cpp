@@ -23,8 +23,8 @@ PluginDescription description(const std::string& moreOfThePlugin) {
 
 ControlPort control(const std::string& more) {
     return description(
-               "lv2:port [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; lv2:name "
-               "\"C\" ; "
+               "lv2:port [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; "
+               "lv2:name \"C\" ; "
                + more + " ] ;"
     )
         .controls.at(0);
@@ -124,8 +124,8 @@ TEST(PluginDescription, CorrectsInvalidValuesOfAControl) {
 TEST(PluginDescription, PortsThatTheHostControlsAreNotParameters) {
     for (const auto& [designation, held] : {std::pair("lv2:enabled", 1.0F), {"lv2:freeWheeling", 0.0F}}) {
         const auto described = description(
-            "lv2:port [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; lv2:name \"C\" ; "
-            "lv2:designation "
+            "lv2:port [ a lv2:ControlPort, lv2:InputPort ; lv2:index 2 ; lv2:symbol \"c\" ; "
+            "lv2:name \"C\" ; lv2:designation "
             + std::string(designation) + " ] ;"
         );
         EXPECT_THAT(described.controls, IsEmpty());
