@@ -2,8 +2,10 @@
 
 #include "bench_mixer.h"
 
+#include <cstddef>
 #include <memory>
 #include <random>
+#include <string_view>
 #include <vector>
 
 namespace orvane::bench {

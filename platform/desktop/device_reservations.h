@@ -3,6 +3,7 @@
 #include "platform/audio_hardware/card_reservations.h"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>

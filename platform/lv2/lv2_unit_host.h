@@ -7,6 +7,7 @@
 #include "platform/lv2/search_path.h"
 
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <filesystem>
 #include <functional>

@@ -3,6 +3,7 @@
 #include "platform/lv2/bundle_report.h"
 #include "platform/lv2/component_scan.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>

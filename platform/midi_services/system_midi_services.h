@@ -5,9 +5,11 @@
 #include "platform/midi_services/midi_services.h"
 #include "platform/midi_services/midi_source_registry.h"
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <vector>
 
 namespace orvane::platform {

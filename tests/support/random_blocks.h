@@ -2,6 +2,7 @@
 
 #include "dsp/channel_automix_settings.h"
 
+#include <cstddef>
 #include <random>
 #include <span>
 
