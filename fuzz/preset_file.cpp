@@ -23,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     folder.add("ORVANE/PluginPresets.json", {reinterpret_cast<const char*>(data), size});
     platform::SystemLog quiet([](const platform::LogLine&) {});
     PluginPresetStore first(folder / "", quiet);
-    first.add("New", {1, 2, 3}, components[0]);
+    first.add({{"New", {1, 2, 3}, components[0]}});
     const PluginPresetStore second(folder / "", quiet);
     for (const session::AUComponentIdentity& component : components)
         fuzz::require(second.presets(component) == first.presets(component));
