@@ -1,5 +1,6 @@
 #include "cli/read_ahead.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane::cli {
@@ -13,7 +14,8 @@ constexpr std::size_t chunksAhead = 4;
 ReadAhead::ReadAhead(platform::SoundFileReader& source, std::size_t chunkFrames)
     : reader(source),
       chunkLength(chunkFrames),
-      queue(std::vector<Chunk>(chunksAhead, Chunk{SoundBlocks(source.channelCount(), chunkFrames)})),
+      queue(std::vector<Chunk>(chunksAhead, Chunk{platform::PlanarBlocks(source.channelCount(), chunkFrames)})
+      ),
       thread([this] { readOn(); }) {}
 
 ReadAhead::~ReadAhead() {
@@ -21,9 +23,9 @@ ReadAhead::~ReadAhead() {
     thread.join();
 }
 
-platform::Result<const ReadAhead::Chunk*> ReadAhead::next() {
+platform::Result<ReadAhead::Chunk*> ReadAhead::next() {
     if (std::exchange(isUsing, true)) queue.endUsing();
-    const Chunk* const chunk = queue.beginUsing();
+    Chunk* const chunk = queue.beginUsing();
     if (chunk == nullptr) {
         isUsing = false;
         return nullptr;
@@ -37,10 +39,11 @@ void ReadAhead::readOn() {
     while (!isLast) {
         Chunk* const chunk = queue.beginFilling();
         if (chunk == nullptr) return;
-        const auto read = reader.read(chunk->blocks.part(0, chunkLength));
+        const auto read = reader.read(chunk->blocks.writable(chunkLength));
         if (read) {
             chunk->frameCount = read.value();
-            chunk->blocks.silenceFrom(chunk->frameCount);
+            for (const auto rest : chunk->blocks.writable(chunkLength - chunk->frameCount, chunk->frameCount))
+                std::ranges::fill(rest, 0.0F);
             if (chunk->frameCount == 0) break;
         } else {
             chunk->failure = read.error();

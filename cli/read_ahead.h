@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/chunk_queue.h"
-#include "cli/sound_blocks.h"
+#include "platform/base/planar_blocks.h"
 #include "platform/base/result.h"
 #include "platform/files/sound_file_reader.h"
 
@@ -16,7 +16,7 @@ class ReadAhead final {
   public:
     struct Chunk {
         /// Silent after `frameCount` frames.
-        SoundBlocks blocks;
+        platform::PlanarBlocks blocks;
         std::size_t frameCount = 0;
         /// The reason why reading failed; the chunk is then the last one.
         std::optional<platform::Error> failure = {};
@@ -30,7 +30,7 @@ class ReadAhead final {
     ReadAhead& operator=(const ReadAhead&) = delete;
 
     /// Returns the next chunk, valid until the next call; null after the last one. Waits for it.
-    platform::Result<const Chunk*> next();
+    platform::Result<Chunk*> next();
 
   private:
     void readOn();

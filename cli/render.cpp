@@ -4,12 +4,12 @@
 #include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
 #include "cli/read_ahead.h"
-#include "cli/sound_blocks.h"
 #include "cli/standard_input.h"
 #include "cli/stem_files.h"
 #include "cli/write_behind.h"
 #include "engine/routing_operations.h"
 #include "engine/session_files.h"
+#include "platform/base/planar_blocks.h"
 #include "platform/files/atomic_file.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/files/sound_file_writer.h"
@@ -28,6 +28,7 @@ namespace {
 
 using platform::Done;
 using platform::Error;
+using platform::PlanarBlocks;
 using platform::Result;
 using platform::SoundFileReader;
 using platform::SoundFileWriter;
@@ -218,7 +219,8 @@ class Run final {
           reportFile(std::move(files.report)),
           reader(source, chunkLength),
           writer(
-              std::move(files.sound), {SoundBlocks(outputs, chunkLength), SoundBlocks(stemCount, chunkLength)}
+              std::move(files.sound),
+              {PlanarBlocks(outputs, chunkLength), PlanarBlocks(stemCount, chunkLength)}
           ) {}
 
     Result<Done> writeReport(const RenderReport& figures) {
@@ -245,15 +247,16 @@ class Run final {
 
     /// The last block is padded with silence; only the frames that the input covers are written.
     Result<Done>
-    mixChunk(const ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
+    mixChunk(ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
         mixed.frameCount = captured.frameCount;
         for (std::size_t at = 0; at < captured.frameCount; at += mixer->blockLength()) {
             if (observer.isCancelled()) return Error{stopped};
             mixer->cycle(
-                captured.blocks.part(at, mixer->blockLength()), mixed.outputs.part(at, mixer->blockLength())
+                captured.blocks.readable(mixer->blockLength(), at),
+                mixed.outputs.writable(mixer->blockLength(), at)
             );
             report.add(*mixer);
-            takeStems(mixed.stems.part(at, mixer->blockLength()));
+            takeStems(mixed.stems.writable(mixer->blockLength(), at));
             observer.progress(framesMixed / static_cast<double>(source.frameCount()));
             framesMixed += static_cast<double>(mixer->blockLength());
         }

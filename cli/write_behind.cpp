@@ -44,7 +44,7 @@ Result<Done> WriteBehind::commit() {
 }
 
 void WriteBehind::writeOn() {
-    while (const Chunk* const chunk = queue.beginUsing()) {
+    while (Chunk* const chunk = queue.beginUsing()) {
         if (const auto written = writeChunk(*chunk); !written) {
             failure = written.error();
             queue.abandon();
@@ -54,10 +54,10 @@ void WriteBehind::writeOn() {
     }
 }
 
-Result<Done> WriteBehind::writeChunk(const Chunk& chunk) {
-    if (auto written = destination.outputs.write(chunk.outputs.part(0, chunk.frameCount)); !written)
+Result<Done> WriteBehind::writeChunk(Chunk& chunk) {
+    if (auto written = destination.outputs.write(chunk.outputs.readable(chunk.frameCount)); !written)
         return written;
-    return destination.stems ? destination.stems->write(chunk.stems.part(0, chunk.frameCount))
+    return destination.stems ? destination.stems->write(chunk.stems.readable(chunk.frameCount))
                              : Result<Done>(Done{});
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "cli/chunk_queue.h"
-#include "cli/sound_blocks.h"
 #include "cli/stem_files.h"
+#include "platform/base/planar_blocks.h"
 #include "platform/base/result.h"
 #include "platform/files/sound_file_writer.h"
 
@@ -16,9 +16,9 @@ namespace orvane::cli {
 class WriteBehind final {
   public:
     struct Chunk {
-        SoundBlocks outputs;
+        platform::PlanarBlocks outputs;
         /// Empty if no stems are written.
-        SoundBlocks stems;
+        platform::PlanarBlocks stems;
         /// The number of frames to write.
         std::size_t frameCount = 0;
     };
@@ -50,7 +50,7 @@ class WriteBehind final {
 
   private:
     void writeOn();
-    platform::Result<platform::Done> writeChunk(const Chunk& chunk);
+    platform::Result<platform::Done> writeChunk(Chunk& chunk);
 
     Files destination;
     ChunkQueue<Chunk> queue;

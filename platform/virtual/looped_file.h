@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/base/planar_blocks.h"
 #include "platform/base/system_log.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/virtual/frame_queue.h"
 #include "platform/virtual/periodic_task.h"
-#include "platform/virtual/planar_blocks.h"
 #include "platform/virtual/virtual_input.h"
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/base/planar_blocks.h"
 #include "platform/files/sound_file_writer.h"
 #include "platform/virtual/frame_queue.h"
 #include "platform/virtual/periodic_task.h"
-#include "platform/virtual/planar_blocks.h"
 #include "platform/virtual/virtual_output.h"
 
 #include <cstddef>

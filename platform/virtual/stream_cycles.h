@@ -3,8 +3,8 @@
 #include "dsp/realtime.h"
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/base/cycle_gate.h"
+#include "platform/base/planar_blocks.h"
 #include "platform/base/system_log.h"
-#include "platform/virtual/planar_blocks.h"
 #include "platform/virtual/virtual_device_state.h"
 
 #include <cstddef>

@@ -1,8 +1,8 @@
 #include "machine/forced_end.h"
 #include "machine/signals.h"
+#include "platform/base/planar_blocks.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/virtual/output_recorder.h"
-#include "platform/virtual/planar_blocks.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ TEST(ForcedEnd, CompletesTheRecordingOfAProgramThatHangs) {
     const int exitCode = exitCodeOfHangingChild([&folder] {
         static platform::virtual_devices::OutputRecorder recorder(folder / "mix.wav", 2, 48000.0);
         if (!recorder.start(platform::virtual_devices::VirtualPacing::live)) ::_exit(2);
-        recorder.take(platform::virtual_devices::PlanarBlocks(2, frames).readable(frames));
+        recorder.take(platform::PlanarBlocks(2, frames).readable(frames));
         static machine::InterruptGuard guard;
         std::raise(SIGINT);
         std::raise(SIGINT);

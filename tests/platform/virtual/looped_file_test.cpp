@@ -1,6 +1,6 @@
+#include "platform/base/planar_blocks.h"
 #include "platform/files/sound_file_writer.h"
 #include "platform/virtual/looped_file.h"
-#include "platform/virtual/planar_blocks.h"
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
 #include "support/temporary_folder.h"

@@ -1,6 +1,6 @@
+#include "platform/base/planar_blocks.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/virtual/output_recorder.h"
-#include "platform/virtual/planar_blocks.h"
 #include "support/allocation_guard.h"
 #include "support/file_size_limit.h"
 #include "support/random_blocks.h"

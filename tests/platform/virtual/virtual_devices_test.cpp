@@ -1,10 +1,10 @@
 #include "platform/virtual/virtual_devices.h"
 
+#include "platform/base/planar_blocks.h"
 #include "platform/files/sound_file_reader.h"
 #include "platform/files/sound_file_writer.h"
 #include "platform/virtual/looped_file.h"
 #include "platform/virtual/output_recorder.h"
-#include "platform/virtual/planar_blocks.h"
 #include "support/no_threads.h"
 #include "support/stream_clients.h"
 #include "support/temporary_folder.h"

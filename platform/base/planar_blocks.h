@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-namespace orvane::platform::virtual_devices {
+namespace orvane::platform {
 
 /// Storage for one block per channel, with views of any length from the start. All samples are initially 0.
 /// One thread at a time.
@@ -17,12 +17,14 @@ class PlanarBlocks final {
 
     [[nodiscard]] std::size_t channelCount() const noexcept { return samples.size(); }
 
-    /// The first `frameCount` frames of every channel, up to the capacity. The view is valid until the next
-    /// call. Real-time safe.
-    ORVANE_REALTIME std::span<const std::span<float>> writable(std::size_t frameCount) noexcept;
+    /// `frameCount` frames of every channel from `first` on, up to the capacity. The view is valid until the
+    /// next call. Real-time safe.
+    ORVANE_REALTIME std::span<const std::span<float>>
+    writable(std::size_t frameCount, std::size_t first = 0) noexcept;
 
     /// As above, for reading.
-    ORVANE_REALTIME std::span<const std::span<const float>> readable(std::size_t frameCount) noexcept;
+    ORVANE_REALTIME std::span<const std::span<const float>>
+    readable(std::size_t frameCount, std::size_t first = 0) noexcept;
 
   private:
     std::vector<std::vector<float>> samples;
@@ -30,4 +32,4 @@ class PlanarBlocks final {
     std::vector<std::span<const float>> readableViews;
 };
 
-} // namespace orvane::platform::virtual_devices
+} // namespace orvane::platform
