@@ -1,8 +1,8 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/engine_state.h"
 #include "platform/base/main_thread.h"
+#include "platform/base/published.h"
 #include "platform/base/system_log.h"
 #include "platform/desktop/desktop_notifier.h"
 #include "platform/desktop/sleep_inhibitor.h"
@@ -28,7 +28,7 @@ class DesktopServices final {
     platform::MainThread& mainThread;
     platform::desktop::SleepInhibitor sleepInhibitor;
     platform::desktop::DesktopNotifier notifier;
-    audio::Subscription toRunning;
+    platform::Subscription toRunning;
     /// Expires when another mixer is followed.
     std::shared_ptr<const bool> following;
     bool hasRun = false;

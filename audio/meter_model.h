@@ -1,7 +1,7 @@
 #pragma once
 
 #include "audio/mixer_realtime_state.h"
-#include "audio/published.h"
+#include "platform/base/published.h"
 
 #include <cstddef>
 #include <vector>
@@ -16,17 +16,17 @@ class MeterModel final {
 
     /// Linear RMS of each strip's output, 0 without input; once audio runs one entry more, the reference
     /// noise's.
-    Published<std::vector<double>> channelMeters;
+    platform::Published<std::vector<double>> channelMeters;
     /// Linear RMS of the master bus.
-    Published<double> masterMeter;
+    platform::Published<double> masterMeter;
     /// The leveler's gain, linear; 1 before the first block.
-    Published<double> masterGain{1.0};
+    platform::Published<double> masterGain{1.0};
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
-    Published<double> cpuLoad;
+    platform::Published<double> cpuLoad;
     /// How far each strip is turned down, in dB, 0 to 120.
-    Published<std::vector<double>> channelGainReductionDB;
+    platform::Published<std::vector<double>> channelGainReductionDB;
     /// Linear RMS of the reference noise, smoothed from update to update.
-    Published<double> pinkNoiseLevel;
+    platform::Published<double> pinkNoiseLevel;
 
     /// Publishes the last readings of a run. Called once per tick of the meters.
     void update(const MixerRealtimeState& state);

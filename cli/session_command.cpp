@@ -4,7 +4,7 @@
 #include "cli/render.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/channel_strip.h"
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 #include "engine/session_files.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/base/run_loop.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/engine_state.h"
 #include "engine/mix.h"
 #include "engine/services.h"
@@ -9,6 +8,7 @@
 #include "engine/session/channel_strip.h"
 #include "engine/session/plugin_slot.h"
 #include "engine/session/shared_list.h"
+#include "platform/base/published.h"
 #include "platform/base/result.h"
 #include "platform/effects/audio_unit_host.h"
 #include "platform/effects/editor_windows.h"
@@ -142,7 +142,7 @@ class InsertRack final {
     Mix& mix;
     EngineState& state;
     const Services& services;
-    audio::Subscription sampleRateHeard;
+    platform::Subscription sampleRateHeard;
     PendingLoads pendingLoads;
     /// Lets an instance that arrives find out that its load was taken back.
     std::shared_ptr<bool> loadsAreWanted = std::make_shared<bool>(true);

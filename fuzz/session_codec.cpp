@@ -1,7 +1,6 @@
 // A session file results in an error, or in a session that survives a round trip unchanged.
 
-#include "engine/session/mixer_document_decoder.h"
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 #include "fuzzer.h"
 
 #include <string_view>

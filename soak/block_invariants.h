@@ -62,7 +62,7 @@ class BlockInvariants final {
     std::vector<double> bus;
     std::vector<std::vector<double>> sums;
     std::vector<double> weights;
-    audio::Subscription toRunning;
+    platform::Subscription toRunning;
 };
 
 } // namespace orvane::soak

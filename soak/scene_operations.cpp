@@ -1,5 +1,4 @@
-#include "engine/session/mixer_document_decoder.h"
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 #include "soak/operation.h"
 #include "support/random_document.h"
 

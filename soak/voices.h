@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/virtual/virtual_input.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "engine/session/mixer_document_decoder.h"
+#include "engine/session/mixer_document_codec.h"
 
 #include "engine/session/displayed_text.h"
 #include "engine/session/document_keys.h"

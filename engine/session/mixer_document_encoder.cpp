@@ -1,4 +1,4 @@
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 
 #include "engine/session/document_keys.h"
 #include "engine/session/document_values.h"

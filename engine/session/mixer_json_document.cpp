@@ -1,8 +1,7 @@
 #include "engine/session/mixer_json_document.h"
 
 #include "engine/session/document_limits.h"
-#include "engine/session/mixer_document_decoder.h"
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 #include "platform/files/atomic_file.h"
 #include "platform/files/read_file.h"
 

@@ -1,7 +1,7 @@
 #include "platform/virtual/looped_file.h"
 
-#include "platform/virtual/log_category.h"
-#include "platform/virtual/open_recording.h"
+#include "platform/files/file_error.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <fmt/format.h>
 
@@ -16,6 +16,17 @@ namespace {
 constexpr double secondsAhead = 2.0;
 constexpr std::chrono::milliseconds readingInterval{50};
 constexpr std::size_t framesPerRead = 4096;
+
+/// Fails if the file has another number of channels.
+Result<SoundFileReader> openRecording(const std::filesystem::path& path, std::size_t channelCount) {
+    auto reader = SoundFileReader::open(path);
+    if (reader && reader.value().channelCount() != channelCount)
+        return fileError(
+            path, "cannot be played as this device's inputs",
+            fmt::format("it has {} channels, not {}", reader.value().channelCount(), channelCount)
+        );
+    return reader;
+}
 
 } // namespace
 

@@ -5,7 +5,7 @@
 #include "platform/files/sound_file_reader.h"
 #include "platform/virtual/frame_queue.h"
 #include "platform/virtual/periodic_task.h"
-#include "platform/virtual/virtual_input.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <cstddef>
 #include <cstdint>

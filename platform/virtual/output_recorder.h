@@ -4,7 +4,7 @@
 #include "platform/files/sound_file_writer.h"
 #include "platform/virtual/frame_queue.h"
 #include "platform/virtual/periodic_task.h"
-#include "platform/virtual/virtual_output.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <cstddef>
 #include <cstdint>

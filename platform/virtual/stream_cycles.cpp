@@ -1,6 +1,6 @@
 #include "platform/virtual/stream_cycles.h"
 
-#include "platform/virtual/log_category.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <system_error>
 

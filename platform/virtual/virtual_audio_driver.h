@@ -7,7 +7,7 @@
 #include "platform/virtual/virtual_device.h"
 #include "platform/virtual/virtual_device_control.h"
 #include "platform/virtual/virtual_device_state.h"
-#include "platform/virtual/virtual_pacing.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <memory>
 #include <optional>

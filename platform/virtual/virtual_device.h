@@ -2,8 +2,7 @@
 
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/base/result.h"
-#include "platform/virtual/virtual_input.h"
-#include "platform/virtual/virtual_output.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <cstdint>
 #include <functional>

@@ -66,7 +66,7 @@ TEST(MeterTimer, UpdatesThirtyTimesASecondWhileItsRunLasts) {
     test::ManualMainThread mainThread;
     MeterModel model(2);
     int updates = 0;
-    const audio::Subscription counter = model.masterMeter.subscribe([&updates](double) { ++updates; });
+    const platform::Subscription counter = model.masterMeter.subscribe([&updates](double) { ++updates; });
     audio::MeterTimer timer(mainThread, model);
     auto state = std::make_shared<audio::MixerRealtimeState>(2);
     timer.start(state);

@@ -1,4 +1,4 @@
-#include "engine/session/mixer_document_encoder.h"
+#include "engine/session/mixer_document_codec.h"
 #include "support/build_files.h"
 #include "support/program.h"
 #include "support/random_document.h"

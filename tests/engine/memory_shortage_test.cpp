@@ -24,7 +24,7 @@ using testing::AnyOf;
 template <class T>
 class LastHeard final {
   public:
-    explicit LastHeard(const audio::Published<T>& value)
+    explicit LastHeard(const platform::Published<T>& value)
         : published(value),
           last(value.get()),
           subscription(value.subscribe([this](const T& told) { last = told; })) {}
@@ -34,9 +34,9 @@ class LastHeard final {
     [[nodiscard]] bool isTrue() const { return last == published.get(); }
 
   private:
-    const audio::Published<T>& published;
+    const platform::Published<T>& published;
     T last;
-    audio::Subscription subscription;
+    platform::Subscription subscription;
 };
 
 /// The engine's operations with each of their allocations failing in turn.

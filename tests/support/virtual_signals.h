@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/virtual/virtual_input.h"
-#include "platform/virtual/virtual_output.h"
+#include "platform/virtual/virtual_endpoints.h"
 
 #include <algorithm>
 #include <array>

@@ -89,7 +89,7 @@ TEST(Meters, FadeTheLoadOnceItFillsAnotherSegment) {
 
 TEST(Meters, ShowOnlyTheirStripOfTheModel) {
     audio::MeterModel model(2);
-    const audio::Published<bool> isRunning(true);
+    const platform::Published<bool> isRunning(true);
     ChannelMeterColumn first(model, 0, isRunning);
     ChannelMeterColumn beyond(model, 7, isRunning);
     for (ChannelMeterColumn* column : {&first, &beyond})
@@ -108,7 +108,7 @@ TEST(Meters, ShowOnlyTheirStripOfTheModel) {
 
 TEST(Meters, FadeWhileTheAudioIsStopped) {
     audio::MeterModel model(1);
-    audio::Published<bool> isRunning(true);
+    platform::Published<bool> isRunning(true);
     ChannelMeterColumn strip(model, 0, isRunning);
     WideMeterColumn master(model.masterMeter, isRunning);
     for (QWidget* column : {static_cast<QWidget*>(&strip), static_cast<QWidget*>(&master)}) {

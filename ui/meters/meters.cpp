@@ -112,7 +112,7 @@ void MeterScaleView::paintEvent(QPaintEvent*) {
 }
 
 ChannelMeterColumn::ChannelMeterColumn(
-    const audio::MeterModel& meterModel, std::size_t stripIndex, const audio::Published<bool>& isRunning,
+    const audio::MeterModel& meterModel, std::size_t stripIndex, const platform::Published<bool>& isRunning,
     QWidget* parent
 )
     : QWidget(parent),
@@ -158,7 +158,7 @@ void ChannelMeterColumn::showReduction() {
 }
 
 WideMeterColumn::WideMeterColumn(
-    const audio::Published<double>& value, const audio::Published<bool>& isRunning,
+    const platform::Published<double>& value, const platform::Published<bool>& isRunning,
     std::optional<QColor> tint, QWidget* parent
 )
     : QWidget(parent), level(columnSegments, tint, this), scale(this) {

@@ -85,8 +85,8 @@ class ChannelMeterColumn final : public QWidget {
     /// Shows entry `stripIndex` of the model's meters, or 0 if the model has no such entry. The model and
     /// `isRunning` must outlive the column.
     ChannelMeterColumn(
-        const audio::MeterModel& meterModel, std::size_t stripIndex, const audio::Published<bool>& isRunning,
-        QWidget* parent = nullptr
+        const audio::MeterModel& meterModel, std::size_t stripIndex,
+        const platform::Published<bool>& isRunning, QWidget* parent = nullptr
     );
 
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
@@ -105,7 +105,7 @@ class ChannelMeterColumn final : public QWidget {
     MeterView level;
     GateMeterView reduction;
     MeterScaleView scale;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 /// A level above its scale, for the master bus or the reference noise. Dark while the audio is stopped.
@@ -113,7 +113,7 @@ class WideMeterColumn final : public QWidget {
   public:
     /// `value`: linear RMS. `value` and `isRunning` must outlive the column.
     WideMeterColumn(
-        const audio::Published<double>& value, const audio::Published<bool>& isRunning,
+        const platform::Published<double>& value, const platform::Published<bool>& isRunning,
         std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr
     );
 
@@ -122,7 +122,7 @@ class WideMeterColumn final : public QWidget {
   private:
     MeterView level;
     MeterScaleView scale;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

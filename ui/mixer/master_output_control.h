@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "ui/strip/routing_picker.h"
 
 #include <QWidget>
@@ -30,7 +30,7 @@ class MasterOutputControl final : public QWidget {
     QLabel* const device;
     RoutingPicker output;
     ConsoleButton* const stereo;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

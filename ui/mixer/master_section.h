@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "ui/mixer/value_row.h"
 
 #include <QScrollArea>
@@ -42,7 +42,7 @@ class MasterSection final : public QScrollArea {
     ValueRow release;
     ValueRow noise;
     QLabel* const status;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 
 #include <QObject>
 
@@ -38,7 +38,7 @@ class MixerCommands final : public QObject {
 
     engine::MixerEngine& engine;
     std::vector<QAction*> commands;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

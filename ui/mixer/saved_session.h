@@ -1,8 +1,8 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
+#include "platform/base/published.h"
 #include "plugins/plugin_slot_key.h"
 
 #include <vector>
@@ -30,7 +30,7 @@ class SavedSession final {
     session::MixerDocumentData document;
     /// The slots that were loading when the session was saved and still are.
     std::vector<plugins::PluginSlotKey> awaited;
-    audio::Subscription loads;
+    platform::Subscription loads;
 };
 
 } // namespace orvane::ui

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "ui/sheets/sheet.h"
 
 #include <vector>
@@ -49,7 +49,7 @@ class DeviceSettingsView final : public Sheet {
     MenuPicker* const masterOutput;
     MenuPicker* const midiSource;
     QLabel* const midiCaption;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 
 #include <QListWidget>
 
@@ -25,7 +25,7 @@ class SnapshotListView final : public QListWidget {
     void selectRow();
 
     engine::MixerEngine& engine;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

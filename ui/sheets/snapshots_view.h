@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "ui/sheets/sheet.h"
 
 #include <array>
@@ -53,7 +53,7 @@ class SnapshotsView final : public Sheet {
     QLabel* const empty;
     SnapshotListView* const list;
     std::array<QCheckBox*, insertRows> recallSafe = {};
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "platform/base/uuid.h"
 #include "ui/strip/installed_components.h"
 #include "ui/strip/routing_picker.h"
@@ -84,7 +84,7 @@ class ChannelStripView final : public QWidget {
         bool operator==(const ShownRouting&) const = default;
     };
     ShownRouting shownRouting;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

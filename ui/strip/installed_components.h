@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audio/published.h"
+#include "platform/base/published.h"
 #include "platform/effects/audio_unit_host.h"
 
 #include <QObject>
@@ -25,7 +25,7 @@ class InstalledComponents final {
     InstalledComponents& operator=(const InstalledComponents&) = delete;
 
     /// Absent until the search has ended.
-    [[nodiscard]] const audio::Published<std::optional<List>>& list() const { return found; }
+    [[nodiscard]] const platform::Published<std::optional<List>>& list() const { return found; }
 
     /// Calls `action` once the effects are known: at once, or from the main thread's loop.
     void whenFound(std::function<void()> action);
@@ -33,7 +33,7 @@ class InstalledComponents final {
   private:
     void keep(List components);
 
-    audio::Published<std::optional<List>> found;
+    platform::Published<std::optional<List>> found;
     std::vector<std::function<void()>> waiting;
     /// Lives on the main thread, so that the result arrives there.
     QObject receiver;

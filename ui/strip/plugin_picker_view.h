@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "platform/base/uuid.h"
 #include "ui/sheets/sheet.h"
 #include "ui/strip/installed_components.h"
@@ -42,7 +42,7 @@ class PluginPickerView final : public Sheet {
     QListWidget* const list;
     QLabel* const message;
     QProgressBar* const progress;
-    audio::Subscription subscription;
+    platform::Subscription subscription;
 };
 
 } // namespace orvane::ui

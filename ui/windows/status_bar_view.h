@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/published.h"
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 
 #include <QWidget>
 
@@ -48,7 +48,7 @@ class StatusBarView final : public QWidget {
     ConsoleButton* const paste;
     QLabel* const message;
     MIDILearnNotice* const learning;
-    std::vector<audio::Subscription> subscriptions;
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace orvane::ui

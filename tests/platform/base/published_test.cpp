@@ -1,4 +1,4 @@
-#include "audio/published.h"
+#include "platform/base/published.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 
 namespace {
 
-using orvane::audio::Published;
-using orvane::audio::Subscription;
+using orvane::platform::Published;
+using orvane::platform::Subscription;
 using Told = std::vector<std::string>;
 
 struct PublishedTest : testing::Test {

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace orvane::audio {
+namespace orvane::platform {
 
 /// Keeps a listener listening while it lives. May outlive the published value, and may end from within any
 /// notification, its own included. Owned by whoever listens. Main thread.
@@ -81,4 +81,4 @@ class Published final {
     std::size_t pendingRounds = 0;
 };
 
-} // namespace orvane::audio
+} // namespace orvane::platform
