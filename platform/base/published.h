@@ -10,7 +10,7 @@
 namespace orvane::platform {
 
 /// Keeps a listener listening while it lives. May outlive the published value, and may end from within any
-/// notification, its own included. Owned by whoever listens. Main thread.
+/// notification, its own included. Owned by the listener. Main thread.
 class Subscription final {
   public:
     /// Listens to nothing.
@@ -27,12 +27,12 @@ class Subscription final {
     std::shared_ptr<void> listener;
 };
 
-/// A value whose subscribers are told, in subscription order, at every assignment, also of an equal value.
-/// Owned by the model it is part of; not to be destroyed from within a notification. Main thread.
+/// A value that notifies its subscribers, in the order of their subscription, of every assignment, even of an
+/// equal value. Owned by the model it is part of; must not be destroyed within a notification. Main thread.
 template <class T>
 class Published final {
   public:
-    /// Gets the value itself, not a copy of it.
+    /// Gets a reference to the value, not a copy.
     using Listener = std::function<void(const T&)>;
 
     explicit Published(T initial = {}) : value(std::move(initial)) {}
@@ -41,20 +41,19 @@ class Published final {
 
     [[nodiscard]] const T& get() const noexcept { return value; }
 
-    /// Replaces the value and tells every subscriber. From within a notification the value changes at once,
-    /// and once the round under way has ended one more tells everybody of it; so no listener is entered
-    /// twice, and the last that each hears is the value as it is. What a listener throws comes out once
-    /// everybody has been told.
+    /// Replaces the value and notifies every subscriber. Within a notification the value changes at once, and
+    /// another round follows the current one; so no listener is re-entered, and each is last notified of the
+    /// current value. Throws what a listener has thrown, after all have been notified.
     void set(T next) {
         value = std::move(next);
         if (pendingRounds++ > 0) return;
         std::exception_ptr thrown;
         for (; pendingRounds > 0; --pendingRounds)
-            tellEverybody(thrown);
+            notifyAll(thrown);
         if (thrown) std::rethrow_exception(thrown);
     }
 
-    /// Calls `listener` at every assignment from now on, not for the value as it is.
+    /// Calls `listener` at every later assignment.
     [[nodiscard]] Subscription subscribe(Listener listener) const {
         if (pendingRounds == 0) std::erase_if(listeners, [](const auto& ended) { return ended.expired(); });
         auto kept = std::make_shared<Listener>(std::move(listener));
@@ -63,8 +62,8 @@ class Published final {
     }
 
   private:
-    void tellEverybody(std::exception_ptr& thrown) {
-        // Who subscribes meanwhile has not missed this assignment.
+    void notifyAll(std::exception_ptr& thrown) {
+        // A listener that subscribes meanwhile has not missed this assignment.
         const std::size_t subscribed = listeners.size();
         for (std::size_t i = 0; i < subscribed; ++i)
             if (const auto listener = listeners[i].lock()) try {
@@ -75,9 +74,9 @@ class Published final {
     }
 
     T value;
-    /// Listening changes nothing about the value.
+    /// Subscribing does not change the value.
     mutable std::vector<std::weak_ptr<Listener>> listeners;
-    /// The round under way, if any, and those that are to follow it.
+    /// The current round of notifications, if any, and those that will follow it.
     std::size_t pendingRounds = 0;
 };
 
