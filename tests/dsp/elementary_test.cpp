@@ -1,5 +1,7 @@
 #include "dsp/elementary.h"
 
+#include "dsp/decibels.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -64,6 +66,13 @@ TEST(Elementary, MeetsExactValuesAndTheEndsOfTheRange) {
             << function(argument) << " is not " << result << ", of " << argument;
     for (int power = 0; power <= 22; ++power)
         EXPECT_EQ(dsp::exp10(power), std::stod("1e" + std::to_string(power)));
+}
+
+TEST(Decibels, AreExactAndEndAtSilence) {
+    EXPECT_EQ(dsp::dbToLinear(-16.0), 0.15848931924611134);
+    EXPECT_EQ(dsp::linearToDB(10.0), 20.0);
+    for (const double silent : {0.0, 1e-12, 1e-300, -1.0})
+        EXPECT_EQ(dsp::linearToDB(silent), -240.0) << silent;
 }
 
 } // namespace

@@ -39,12 +39,4 @@ TEST(MasterBusLeveler, RecoversFromAnInfinitelyLoudBus) {
     EXPECT_NEAR(leveler.process(dbToLinear(-18.0)), 1.0, 1.0 - attackCoef);
 }
 
-TEST(MasterBusLeveler, ReturnsItsTargetInDB) {
-    MasterBusLeveler leveler = levelerFor(-10.0);
-    leveler.setTargetDB(-20.0);
-    EXPECT_NEAR(leveler.targetDB(), -20.0, 1e-12);
-    leveler.targetRMS = 0.0;
-    EXPECT_EQ(leveler.targetDB(), -240.0);
-}
-
 } // namespace
