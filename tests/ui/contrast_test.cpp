@@ -3,7 +3,6 @@
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/theme/theme.h"
 #include "ui/windows/help_view.h"
-#include "ui/windows/orvane_app.h"
 
 #include "mixer_machine.h"
 
@@ -12,7 +11,6 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
-#include <QContextMenuEvent>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
@@ -61,26 +59,9 @@ constexpr double leastForText = 4.5;
 constexpr double leastForDisabledText = 3.0;
 
 /// Opens every kind of menu, picker and list, and measures the contrast of its rows.
-class Contrast : public testing::Test {
+class Contrast : public WindowTest {
   protected:
-    Contrast() {
-        window = std::make_unique<ORVANEApp>(
-            ORVANEApp::Parts{machine.services(), preferences}, LaunchOptions{.channels = 24}
-        );
-        window->show();
-    }
-
-    [[nodiscard]] engine::MixerEngine& mixer() { return window->mixerRootView()->engine(); }
-    [[nodiscard]] platform::Uuid strip() { return mixer().state().channelStrips.get()[0].id; }
-    void load(std::size_t slot) {
-        mixer().loadPlugin(machine.effect, slot, strip());
-        machine.mainThread.runPosted();
-    }
-    void closeDialogs() {
-        for (QDialog* dialog : window->findChildren<QDialog*>())
-            dialog->reject();
-        deleteWhatIsDone();
-    }
+    Contrast() { open(24); }
 
     void measure(QWidget& widget, const QRect& room, bool isEnabled, const QString& name) {
         ++measured;
@@ -138,9 +119,6 @@ class Contrast : public testing::Test {
         }
     }
 
-    MixerMachine machine;
-    platform::InMemoryPreferences preferences;
-    std::unique_ptr<ORVANEApp> window;
     int measured = 0;
 };
 
@@ -155,9 +133,7 @@ TEST_F(Contrast, OfTheActiveRowOfEveryMenu) {
     PluginSlotView& slot = *viewsIn<PluginSlotView>(*window).front();
     for (const char* preset : {"", "Warm"}) {
         if (*preset != '\0') mixer().savePluginPreset(preset, 0, strip());
-        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
-        QApplication::sendEvent(&slot, &event);
-        auto* const menu = slot.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+        QMenu* const menu = openContextMenu(slot);
         ASSERT_NE(menu, nullptr);
         measureRows(*menu);
         deleteWhatIsDone();

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QTest>
+#include <algorithm>
 
 namespace {
 
@@ -19,17 +19,7 @@ const QString noEstimate = QStringLiteral("Select a device to see estimated late
 
 class DeviceSettings : public MixerViewTest {
   protected:
-    MenuPicker& picker(const char* name) {
-        for (MenuPicker* each : viewsIn<MenuPicker>(sheet))
-            if (each->accessibleName() == name) return *each;
-        throw std::runtime_error(name);
-    }
-
-    /// Chooses as the user does; setting the box's index would not emit the signal.
-    static void choose(MenuPicker& picker, int place) {
-        picker.setCurrentIndex(place);
-        Q_EMIT picker.activated(place);
-    }
+    MenuPicker& picker(const char* name) { return viewNamed<MenuPicker>(sheet, name); }
 
     QList<QString> markedRows() {
         QList<QString> marked;
@@ -52,45 +42,29 @@ TEST_F(DeviceSettings, ListsDevicesAndMarksTheSelectedOne) {
     EXPECT_EQ(state().selectedDevice.get(), device(1));
     EXPECT_EQ(markedRows(), QList<QString>{"Monitor"});
     audio::AudioDeviceInfo renamed = device(0);
-    renamed.name = "Other";
+    renamed.name = "Voice&Music";
+    EXPECT_TRUE(DeviceRow(renamed).shortcut().isEmpty());
     engine.selectDevice(renamed);
     EXPECT_EQ(markedRows(), QList<QString>{"Interface"});
     buttonOf(sheet, "Refresh Audio Device").click();
     EXPECT_EQ(markedRows(), QList<QString>{"Interface"});
 }
 
-TEST_F(DeviceSettings, MakesNoShortcutFromADeviceName) {
-    audio::AudioDeviceInfo named = device(0);
-    named.name = "Voice&Music";
-    EXPECT_TRUE(DeviceRow(named).shortcut().isEmpty());
-}
-
-TEST_F(DeviceSettings, ReportsThatThereAreNoDevices) {
-    platform::SystemAudioHardware none({});
-    engine::Services services = {
-        .audioHardware = none,
-        .midiServices = machine.midiServices,
-        .mainThread = machine.mainThread,
-        .audioUnitHost = machine.audioUnitHost,
-        .log = machine.log};
-    engine::MixerEngine empty(2, services);
-    const DeviceSettingsView view(empty);
-    const QString text = QStringLiteral(
-        "No audio devices found. Make sure your interface (e.g. the Behringer Wing over USB, or a "
-        "Dante/MADI driver) is connected and that PipeWire, JACK or ALSA lists it."
-    );
-    EXPECT_TRUE(shows(view, text));
-    EXPECT_FALSE(shows(sheet, text));
-}
-
 TEST_F(DeviceSettings, AdvisesOnDevicesThatAreNotListed) {
+    const auto reportsNone = [](const QWidget& view) {
+        return std::ranges::any_of(view.findChildren<QLabel*>(), [&](const QLabel* label) {
+            return label->isVisibleTo(&view) && label->text().startsWith("No audio devices found.");
+        });
+    };
     std::optional<std::string> advice = "Start a server.";
     engine::Services services = machine.services();
     services.deviceAdvice = [&advice] { return advice; };
     engine::MixerEngine advised(2, services);
     const DeviceSettingsView view(advised);
+    EXPECT_TRUE(reportsNone(view));
     EXPECT_FALSE(shows(view, "Start a server."));
     advised.refreshDevices();
+    EXPECT_FALSE(reportsNone(view));
     EXPECT_TRUE(shows(view, "Start a server."));
     advice.reset();
     buttonOf(view, "Refresh Audio Device").click();
@@ -122,7 +96,6 @@ TEST_F(DeviceSettings, OffersTheBufferSizesAndIgnoresTheWheel) {
     for (int i = 0; i < sizes.count(); ++i)
         offered.append(sizes.itemText(i));
     EXPECT_EQ(offered.join(" "), "32 64 96 128 192 256 512 768 1024 2048");
-    EXPECT_EQ(sizes.currentText(), "512");
     engine.setBufferSize(1024);
     EXPECT_EQ(sizes.currentText(), "1024");
     QWheelEvent turn({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -147,12 +120,9 @@ TEST_F(DeviceSettings, FollowsTheMIDISources) {
     const QString none = QStringLiteral(
         "No MIDI input sources found yet. Connect a controller (or the Wing's MIDI output) and hit Refresh."
     );
-    const QString some =
-        QStringLiteral("Used for the Snapshots panel's MIDI Learn and note-triggered recall. "
-                       "\"All Sources\" listens to every connected controller at once.");
     EXPECT_TRUE(shows(sheet, none));
     auto source = machine.addMIDISource("Pads");
-    EXPECT_TRUE(shows(sheet, some));
+    EXPECT_FALSE(shows(sheet, none));
     MenuPicker& sources = picker("MIDI Input");
     EXPECT_EQ(sources.currentText(), "All Sources");
     choose(sources, 1);

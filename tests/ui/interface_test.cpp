@@ -2,7 +2,6 @@
 #include "ui/controls/busy_notice.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/windows/channel_count_picker_view.h"
-#include "ui/windows/orvane_app.h"
 
 #include "mixer_machine.h"
 
@@ -12,7 +11,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
-#include <QContextMenuEvent>
 #include <QFileDialog>
 #include <QListWidget>
 #include <QMenu>
@@ -33,19 +31,11 @@ using namespace orvane::ui;
 using testing::IsEmpty;
 
 /// Walks through the whole interface as an operator would, and collects all its texts.
-class Interface : public testing::Test {
+class Interface : public WindowTest {
   protected:
     void open(std::int64_t channels) {
-        window = std::make_unique<ORVANEApp>(
-            ORVANEApp::Parts{machine.services(), preferences}, LaunchOptions{.channels = channels}
-        );
-        window->show();
+        WindowTest::open(channels);
         look();
-    }
-
-    [[nodiscard]] engine::MixerEngine& mixer() { return window->mixerRootView()->engine(); }
-    [[nodiscard]] platform::Uuid strip(std::size_t index) {
-        return mixer().state().channelStrips.get()[index].id;
     }
     void click(const QString& name) {
         buttonOf(*window, name).click();
@@ -65,12 +55,7 @@ class Interface : public testing::Test {
         buttonOf(*open, button).click();
         deleteWhatIsDone();
     }
-    void closeDialogs() {
-        for (QDialog* dialog : window->findChildren<QDialog*>())
-            dialog->reject();
-        deleteWhatIsDone();
-    }
-    void choose(const char* command, const QUrl& file) {
+    void chooseFile(const char* command, const QUrl& file) {
         click(command);
         auto* const files = window->findChild<QFileDialog*>();
         ASSERT_NE(files, nullptr);
@@ -81,22 +66,17 @@ class Interface : public testing::Test {
         closeDialogs();
     }
     void load(std::size_t slot) {
-        mixer().loadPlugin(machine.effect, slot, strip(0));
-        machine.mainThread.runPosted();
+        WindowTest::load(slot);
         look();
     }
-    void openContextMenu(std::size_t slot) {
-        PluginSlotView& view = *viewsIn<PluginSlotView>(*window).at(slot);
-        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
-        QApplication::sendEvent(&view, &event);
+    void saveAPreset(std::size_t slot) {
+        QMenu* const menu = openContextMenu(*viewsIn<PluginSlotView>(*window).at(slot));
+        ASSERT_NE(menu, nullptr);
+        seeActions(*menu);
+        for (QAction* action : menu->actions())
+            if (action->text() == "Save Preset…") action->trigger();
         look();
-        for (QMenu* menu : view.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
-            seeActions(*menu);
-            for (QAction* action : menu->actions())
-                if (action->text() == "Save Preset…") action->trigger();
-            delete menu;
-        }
-        look();
+        closeDialogs();
     }
 
     void look() {
@@ -107,9 +87,6 @@ class Interface : public testing::Test {
         }
     }
 
-    MixerMachine machine;
-    platform::InMemoryPreferences preferences;
-    std::unique_ptr<ORVANEApp> window;
     std::set<QString> seen;
 
   private:
@@ -153,14 +130,14 @@ TEST_F(Interface, ShowsThePrescribedTexts) {
 
     open(40);
     open(24);
-    choose("Load", QUrl("smb://host/a.orvane"));
-    choose("Load", QUrl::fromLocalFile("/none.orvane"));
-    choose("Save", QUrl::fromLocalFile("/none/a.orvane"));
+    chooseFile("Load", QUrl("smb://host/a.orvane"));
+    chooseFile("Load", QUrl::fromLocalFile("/none.orvane"));
+    chooseFile("Save", QUrl::fromLocalFile("/none/a.orvane"));
     click("Audio / MIDI Devices");
     closeDialogs();
     mixer().selectDevice(mixer().state().availableDevices.get().at(0));
     auto source = machine.addMIDISource("Pads");
-    mixer().setStereo(strip(0), true);
+    mixer().setStereo(strip(), true);
     mixer().setMasterStereo(true);
     click("Audio / MIDI Devices");
     closeDialogs();
@@ -175,11 +152,9 @@ TEST_F(Interface, ShowsThePrescribedTexts) {
     click(0);
     closeDialogs();
     load(0);
-    openContextMenu(0);
-    closeDialogs();
-    mixer().setPluginBypassed(true, 0, strip(0));
-    openContextMenu(0);
-    closeDialogs();
+    saveAPreset(0);
+    mixer().setPluginBypassed(true, 0, strip());
+    saveAPreset(0);
     click("Copy");
     click(0);
     click("Paste");
@@ -293,7 +268,7 @@ TEST_F(Interface, NamesEveryControlForAssistiveTools) {
     collect();
     open(24);
     mixer().selectDevice(mixer().state().availableDevices.get().at(0));
-    mixer().setStereo(strip(0), true);
+    mixer().setStereo(strip(), true);
     load(1);
     collect();
     for (const char* sheet : {"Audio / MIDI Devices", "Snapshots"}) {

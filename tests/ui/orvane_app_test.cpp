@@ -6,6 +6,7 @@
 #include "ui/mixer/mixer_view.h"
 #include "ui/strip/channel_strip_view.h"
 #include "ui/windows/channel_count_picker_view.h"
+#include "ui/windows/window_presenter.h"
 
 #include "support/temporary_folder.h"
 
@@ -48,9 +49,27 @@ class Shell : public testing::Test {
         return window.mixerRootView()->engine().state().channelStrips.get().size();
     }
 
+    /// Saves to a file; the outcome comes later, null until then.
+    static std::shared_ptr<std::optional<bool>> save(ORVANEApp& window, const std::filesystem::path& path) {
+        auto outcome = std::make_shared<std::optional<bool>>();
+        window.saveTo(path, [outcome](const auto& saved) { *outcome = static_cast<bool>(saved); });
+        return outcome;
+    }
+    static bool hasWritten(const ORVANEApp& window) {
+        return QTest::qWaitFor([&] { return window.findChild<BusyNotice*>() == nullptr; });
+    }
+
     MixerMachine machine;
     platform::InMemoryPreferences preferences;
 };
+
+/// A session with this number of strips.
+session::MixerDocumentData sessionOf(std::size_t strips) {
+    session::MixerDocumentData document;
+    document.bufferSize = 512;
+    document.channels = session::settingsOf(session::makeDefaultStrips(strips));
+    return document;
+}
 
 TEST_F(Shell, AsksForASizeOnceAndAgainOnRequest) {
     for (const char* unusable : {"0", "-4", "many", "1", "7", "49", "1000000000000"}) {
@@ -58,23 +77,22 @@ TEST_F(Shell, AsksForASizeOnceAndAgainOnRequest) {
         EXPECT_TRUE(isChoosing(*launch())) << unusable;
     }
     auto window = launch();
-    buttonOf(*window, "8 channels").click();
-    ASSERT_NE(window->mixerRootView(), nullptr);
-    EXPECT_EQ(strips(*window), 8U);
-    const auto& firstStrip = window->mixerRootView()->engine().state().channelStrips.get()[0];
-    window->mixerRootView()->engine().setName(firstStrip.id, "Kept?");
-
-    window = launch();
-    EXPECT_EQ(strips(*window), 8U);
-    window->mixerRootView()->engine().setMuted(
-        window->mixerRootView()->engine().state().channelStrips.get()[0].id, true
-    );
-    buttonOf(*window, "8 Channels").click();
-    buttonOf(*window, "Change Channel Count").click();
-    EXPECT_TRUE(isChoosing(*window));
-    EXPECT_EQ(preferences.integer("orvaneChannelCount"), 0);
+    for (const std::size_t size : {2, 4, 8, 12, 16, 24, 32, 48}) {
+        QTest::keyClick(
+            &buttonOf(*window->centralWidget(), QString("%1 channels").arg(size)), Qt::Key_Return
+        );
+        window = launch();
+        ASSERT_NE(window->mixerRootView(), nullptr) << size;
+        ASSERT_EQ(strips(*window), size);
+        engine::MixerEngine& engine = window->mixerRootView()->engine();
+        EXPECT_FALSE(engine.state().channelStrips.get()[0].muted);
+        engine.setMuted(engine.state().channelStrips.get()[0].id, true);
+        buttonOf(*window, QString("%1 Channels").arg(size)).click();
+        buttonOf(*window, "Change Channel Count").click();
+        EXPECT_TRUE(isChoosing(*window));
+        EXPECT_EQ(preferences.integer("orvaneChannelCount"), 0);
+    }
     buttonOf(*window->centralWidget(), "8 channels").click();
-    EXPECT_EQ(strips(*window), 8U);
     EXPECT_FALSE(window->mixerRootView()->engine().state().channelStrips.get()[0].muted);
 }
 
@@ -114,6 +132,15 @@ TEST_F(Shell, HasTheMenus) {
             "1:1", "Clear Outputs", "Snapshots", "Load", "Save", "Audio / MIDI Devices", "8 Channels", "Start"
         )
     );
+}
+
+TEST(HelpWindow, IsOneWindowThatBeginsWithTheFirstTopic) {
+    HelpWindowPresenter presenter;
+    presenter.show();
+    HelpView* const view = presenter.window();
+    EXPECT_EQ(view->selectedID(), "overview");
+    presenter.show();
+    EXPECT_EQ(presenter.window(), view);
 }
 
 TEST_F(Shell, AppliesTheCommandLine) {
@@ -195,9 +222,7 @@ TEST_F(Shell, SavesInPlaceToTheSessionsFile) {
 
 TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     const TemporaryFolder folder;
-    session::MixerDocumentData choir;
-    choir.bufferSize = 512;
-    choir.channels = session::settingsOf(session::makeDefaultStrips(4));
+    session::MixerDocumentData choir = sessionOf(4);
     choir.channels[3].name = "Alto";
     // Not UTF-8.
     const std::filesystem::path path = folder / "ch\xF6r.orvane";
@@ -210,15 +235,13 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
     QTest::keyClick(name, Qt::Key_End);
     QTest::keyClicks(name, "!");
     window->saveInPlace();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
+    EXPECT_TRUE(hasWritten(*window));
     choir.channels[0].name += '!';
     EXPECT_EQ(engine::readSession(path).value(), choir);
 
-    SessionFile& file = window->mixerRootView()->view().sessionFile();
     const auto saveTo = [&](const std::filesystem::path& target) {
-        bool isSaved = false;
-        file.saveTo(target, [&](const auto& saved) { isSaved = static_cast<bool>(saved); });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return isSaved; })) << target;
+        const auto outcome = save(*window, target);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return *outcome == true; })) << target;
     };
     std::filesystem::create_symlink(path, folder / "link.orvane");
     for (const std::filesystem::path& same :
@@ -226,7 +249,7 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
         saveTo(same);
         EXPECT_EQ(engine::readSession(path).value(), choir) << same;
     }
-    file.loadFrom(path);
+    window->mixerRootView()->view().sessionFile().loadFrom(path);
     saveTo(folder / "copy.orvane");
     choir.channels.resize(2);
     EXPECT_EQ(engine::readSession(folder / "copy.orvane").value(), choir)
@@ -235,9 +258,7 @@ TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {
 
 TEST_F(Shell, AsksBeforeItReplacesAFileThatIsProtectedOrWasChangedElsewhere) {
     const TemporaryFolder folder;
-    session::MixerDocumentData document;
-    document.bufferSize = 512;
-    document.channels = session::settingsOf(session::makeDefaultStrips(2));
+    const session::MixerDocumentData document = sessionOf(2);
     const auto path = folder / "show.orvane";
     ASSERT_TRUE(engine::exportSession(document, path));
     const auto window = launch({.session = document, .sessionFile = path, .channels = 2});
@@ -253,42 +274,34 @@ TEST_F(Shell, AsksBeforeItReplacesAFileThatIsProtectedOrWasChangedElsewhere) {
                }}}) {
         one.happens();
         const std::string before = contentOf(path);
-        std::optional<bool> saved;
-        window->saveTo(path, [&](const auto& written) { saved = static_cast<bool>(written); });
-        EXPECT_EQ(saved, false) << one.says;
+        EXPECT_EQ(*save(*window, path), false) << one.says;
         EXPECT_EQ(contentOf(path), before) << one.says;
         QMessageBox* const question = window->findChild<QMessageBox*>();
         ASSERT_NE(question, nullptr) << one.says;
         EXPECT_TRUE(question->informativeText().contains(QString::fromUtf8(one.says))) << one.says;
         buttonOf(*question, "Replace").click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
+        EXPECT_TRUE(hasWritten(*window));
         EXPECT_EQ(contentOf(path), own) << one.says;
         deleteWhatIsDone();
     }
     std::filesystem::permissions(path, std::filesystem::perms(0644));
-    std::optional<bool> saved;
-    window->saveTo(path, [&](const auto& written) { saved = static_cast<bool>(written); });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); }));
-    EXPECT_EQ(saved, true) << "its own save is not a foreign change";
+    const auto again = save(*window, path);
+    EXPECT_TRUE(hasWritten(*window));
+    EXPECT_EQ(*again, true) << "its own save is not a foreign change";
 }
 
 TEST_F(Shell, ChangesTheChannelCountOnceTheSessionIsSaved) {
     const TemporaryFolder folder;
-    session::MixerDocumentData document;
-    document.channels = session::settingsOf(session::makeDefaultStrips(8));
+    session::MixerDocumentData document = sessionOf(8);
     document.channels[0].pluginSlots[0].component = plugins::identityOf(machine.effect);
     // The installed plugins are known only later, so the session waits at first.
     const auto window = launch({.session = document});
     for (const bool isWritable : {false, true}) {
-        std::optional<bool> saved;
-        window->saveTo(
-            isWritable ? folder / "show.orvane" : folder / "missing" / "show.orvane",
-            [&](const auto& written) { saved = static_cast<bool>(written); }
-        );
+        const auto saved = save(*window, folder / (isWritable ? "show.orvane" : "missing/show.orvane"));
         buttonOf(*window, "8 Channels").click();
         buttonOf(*window->findChild<QMessageBox*>(), "Change Channel Count").click();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return saved.has_value(); })) << "the caller is not notified";
-        EXPECT_EQ(saved, isWritable);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return saved->has_value(); })) << "the caller is not notified";
+        EXPECT_EQ(*saved, isWritable);
         QApplication::processEvents();
         EXPECT_EQ(isChoosing(*window), isWritable) << "unsaved changes would be lost";
         deleteWhatIsDone();
@@ -306,7 +319,7 @@ TEST_F(Shell, ClosesOnceTheSessionIsSaved) {
     ASSERT_NE(files, nullptr);
     Q_EMIT files->urlSelected(QUrl::fromLocalFile(QString::fromStdString(folder / "missing" / "show.orvane"))
     );
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window->findChild<BusyNotice*>() == nullptr; }));
+    EXPECT_TRUE(hasWritten(*window));
     EXPECT_TRUE(window->isVisible()) << "unsaved changes would be lost";
     Q_EMIT files->fileSelected(QString::fromStdString(folder / "show.orvane"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));

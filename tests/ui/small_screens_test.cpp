@@ -1,5 +1,4 @@
 #include "ui/sheets/sheet.h"
-#include "ui/sheets/snapshots_view.h"
 #include "ui/windows/orvane_app.h"
 
 #include "mixer_machine.h"
@@ -86,17 +85,6 @@ TEST(SmallScreens, HoldAWindowRememberedFromALargerOne) {
                 << withFrame.y() << " " << withFrame.width() << " x " << withFrame.height();
         }
     }
-}
-
-TEST(SmallScreens, LetTooLowSheetsScroll) {
-    MixerMachine machine;
-    engine::MixerEngine engine(2, machine.services());
-    SnapshotsView sheet(engine);
-    sheet.setFixedHeight(300);
-    sheet.show();
-    QApplication::processEvents();
-    for (const char* button : {"Save Insert 3", "Done"})
-        EXPECT_TRUE(isInReach(buttonOf(sheet, button), sheet)) << button;
 }
 
 } // namespace

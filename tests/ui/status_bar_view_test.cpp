@@ -21,19 +21,13 @@ using testing::Not;
 
 class StatusBar : public MixerViewTest {
   protected:
-    bool isLit(const char* name) {
-        for (const IndicatorLamp* lamp : viewsIn<IndicatorLamp>(view))
-            if (lamp->accessibleName() == name) return lamp->isLit();
-        throw std::runtime_error(name);
-    }
+    bool isLit(const char* name) { return viewNamed<IndicatorLamp>(view, name).isLit(); }
     bool isActive(const char* title) { return static_cast<ConsoleButton&>(buttonOf(view, title)).isActive(); }
 
     StatusBarView view{engine};
 };
 
 TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
-    EXPECT_TRUE(shows(view, "--"));
-    EXPECT_TRUE(shows(view, "512"));
     audio::AudioDeviceInfo info{7, "uid", "Any", 2, 2, 0.0};
     for (const auto& [rate, text] :
          {std::pair(48000.0, "48k"), {44100.0, "44k"}, {0.0, "--"}, {192000.0, "192k"}}) {
@@ -42,7 +36,6 @@ TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
         EXPECT_TRUE(shows(view, text)) << rate;
     }
     engine.setBufferSize(64);
-    EXPECT_TRUE(shows(view, "64"));
     std::vector<std::string> told;
     for (const QLabel* label : view.findChildren<QLabel*>())
         told.push_back(label->accessibleName().toStdString());
@@ -54,10 +47,13 @@ TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
 }
 
 TEST_F(StatusBar, LightsItsLampsForAudioAndMIDI) {
+    engine.start();
+    EXPECT_TRUE(shows(view, "No audio device selected."));
     EXPECT_FALSE(isLit("Audio"));
     EXPECT_FALSE(isLit("Remote"));
     engine.selectDevice(device(0));
     engine.start();
+    EXPECT_FALSE(shows(view, "No audio device selected."));
     EXPECT_TRUE(isLit("Audio"));
     engine.stop();
     EXPECT_FALSE(isLit("Audio"));
@@ -84,25 +80,17 @@ TEST_F(StatusBar, ShowsTheLoad) {
     }
 }
 
-TEST_F(StatusBar, ShowsTheEnginesMessage) {
-    engine.start();
-    EXPECT_TRUE(shows(view, "No audio device selected."));
-    engine.selectDevice(device(0));
-    engine.start();
-    EXPECT_FALSE(shows(view, "No audio device selected."));
-}
-
 TEST_F(StatusBar, NamesTheSceneThatWaitsForANoteAndCancelsIt) {
-    const QString waiting = "Waiting for a MIDI note for\n";
+    const QString notice = "Waiting for a MIDI note for\n";
     engine.newSnapshot();
     engine.newSnapshot();
     EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
     engine.beginMIDILearn();
-    EXPECT_TRUE(shows(view, waiting + "2 Snapshot 2"));
+    EXPECT_TRUE(shows(view, notice + "2 Snapshot 2"));
     engine.renameSnapshot(1, "Intro");
-    EXPECT_TRUE(shows(view, waiting + "2 Intro"));
+    EXPECT_TRUE(shows(view, notice + "2 Intro"));
     engine.deleteSnapshot();
-    EXPECT_TRUE(shows(view, waiting + "2 (no longer there)"));
+    EXPECT_TRUE(shows(view, notice + "2 (no longer there)"));
     buttonOf(view, "Cancel MIDI learn").click();
     EXPECT_FALSE(state().midiLearnTargetIndex.get());
     EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
@@ -110,7 +98,6 @@ TEST_F(StatusBar, NamesTheSceneThatWaitsForANoteAndCancelsIt) {
 
 TEST_F(StatusBar, ArmsTheClipboardAndExplainsPaste) {
     QAbstractButton& paste = buttonOf(view, "Paste");
-    EXPECT_EQ(paste.toolTip(), QStringLiteral("Copy a plugin first — nothing on the clipboard yet."));
     paste.click();
     EXPECT_FALSE(isActive("Paste"));
     buttonOf(view, "Copy").click();
@@ -125,11 +112,7 @@ TEST_F(StatusBar, ArmsTheClipboardAndExplainsPaste) {
     buttonOf(view, "Copy").click();
     engine.handleClipboardClick(0, strip);
     EXPECT_FALSE(isActive("Copy"));
-    EXPECT_EQ(
-        paste.toolTip(),
-        QStringLiteral("Arm Paste, then click any insert slot to paste Warmth there. Stays armed so you can "
-                       "paste it onto more slots — click Paste again (or Copy) to stop.")
-    );
+    EXPECT_TRUE(paste.toolTip().contains("paste Warmth there")) << paste.toolTip().toStdString();
     paste.click();
     EXPECT_TRUE(isActive("Paste"));
     EXPECT_EQ(state().pluginClipboardArmState.get(), plugins::PluginClipboardArmState::armedForPaste);

@@ -2,7 +2,11 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QTest>
 #include <QWheelEvent>
 #include <QWidget>
@@ -20,6 +24,34 @@ std::vector<View*> viewsIn(const QWidget& view) {
     for (QWidget* each : view.findChildren<QWidget*>())
         if (auto* const matching = dynamic_cast<View*>(each)) found.push_back(matching);
     return found;
+}
+
+/// The view of this class and accessible name, visible or not; it must exist.
+template <class View>
+View& viewNamed(const QWidget& within, const QString& name) {
+    for (View* each : viewsIn<View>(within))
+        if (each->accessibleName() == name) return *each;
+    throw std::runtime_error("There is no " + name.toStdString());
+}
+
+/// Chooses an entry as the user does; setting the box's index would not emit the signal.
+inline void choose(QComboBox& box, int entry) {
+    box.setCurrentIndex(entry);
+    Q_EMIT box.activated(entry);
+}
+
+/// Opens the context menu of a widget; null if it has none.
+inline QMenu* openContextMenu(QWidget& widget) {
+    qDeleteAll(widget.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, widget.mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(&widget, &event);
+    return widget.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+/// Presses the Enter key again as its autorepeat does while it is held.
+inline void holdEnter(QWidget& widget) {
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(&widget, &held);
 }
 
 /// Processes pending deferred deletions.
