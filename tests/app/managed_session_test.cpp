@@ -31,6 +31,7 @@ using testing::HasSubstr;
 
 class ManagedProgram : public testing::Test {
   protected:
+    /// Starts the program, which announces itself to the manager.
     void start(std::vector<std::string> arguments, const char* drivers = "virtual") {
         arguments.insert(arguments.begin(), test::builtProgram("orvane"));
         std::vector<char*> words;
@@ -39,7 +40,10 @@ class ManagedProgram : public testing::Test {
         words.push_back(nullptr);
         program = ::fork();
         ASSERT_GE(program, 0);
-        if (program != 0) return;
+        if (program != 0) {
+            ASSERT_TRUE(manager.welcomes());
+            return;
+        }
         ::setenv("NSM_URL", manager.url().c_str(), 1);
         ::setenv("HOME", (folder / "home").c_str(), 1);
         ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
@@ -55,6 +59,21 @@ class ManagedProgram : public testing::Test {
         manager.say("/nsm/client/open", "sss", (folder / "show/ORVANE.nABC").c_str(), "Show", "ORVANE.nABC");
     }
 
+    /// Whether the program answers a request as this text begins.
+    bool answersOpen(const char* answer) {
+        open();
+        return manager.receives(answer);
+    }
+    bool answersSave(const char* answer) {
+        manager.say("/nsm/client/save", "");
+        return manager.receives(answer);
+    }
+
+    /// Ends the program as a session manager does.
+    void expectEnd() {
+        ::kill(program, SIGTERM);
+        EXPECT_EQ(exitCode(), 0);
+    }
     /// Waits for the program to end; -1 if it was killed.
     int exitCode() {
         int status = 0;
@@ -77,46 +96,33 @@ class ManagedProgram : public testing::Test {
 
 TEST_F(ManagedProgram, OpensAndSavesTheSessionAndOpensItAgain) {
     start({"--channels", "8"});
-    ASSERT_TRUE(manager.welcomes());
     EXPECT_THAT(manager.message(), HasSubstr("ORVANE :dirty: orvane 1 2 " + std::to_string(program)));
-    open();
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
+    ASSERT_TRUE(answersOpen("/reply /nsm/client/open "));
     EXPECT_FALSE(std::filesystem::exists(file));
     manager.say("/nsm/client/session_is_loaded", "");
-    manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
+    ASSERT_TRUE(answersSave("/reply /nsm/client/save "));
     EXPECT_THAT(contentOf(file), HasSubstr("\"channels\""));
-
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    expectEnd();
 
     // Only the file contains the number of strips.
     const std::string stored = contentOf(file);
     start({});
-    ASSERT_TRUE(manager.welcomes());
-    open();
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
+    ASSERT_TRUE(answersOpen("/reply /nsm/client/open "));
     std::filesystem::remove(file);
-    manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
+    ASSERT_TRUE(answersSave("/reply /nsm/client/save "));
     EXPECT_EQ(contentOf(file), stored);
 
     std::filesystem::remove_all(file.parent_path());
-    manager.say("/nsm/client/save", "");
-    EXPECT_TRUE(manager.receives("/error /nsm/client/save -1 "));
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    EXPECT_TRUE(answersSave("/error /nsm/client/save -1 "));
+    expectEnd();
 }
 
 TEST_F(ManagedProgram, SavesOnceOpenIfAskedBefore) {
     start({"--channels", "8"});
-    ASSERT_TRUE(manager.welcomes());
     ::kill(program, SIGUSR1);
-    open();
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
+    ASSERT_TRUE(answersOpen("/reply /nsm/client/open "));
     EXPECT_TRUE(test::waitFor([&] { return std::filesystem::exists(file); }));
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    expectEnd();
 }
 
 TEST_F(ManagedProgram, SavesNothingBeforeTheSessionIsOpen) {
@@ -136,26 +142,20 @@ TEST_F(ManagedProgram, SavesNothingBeforeTheSessionIsOpen) {
     const std::string stored = contentOf(file);
 
     start({});
-    ASSERT_TRUE(manager.welcomes());
     open();
     // The installed plugins are not known yet.
-    manager.say("/nsm/client/save", "");
-    EXPECT_TRUE(manager.receives("/error /nsm/client/save -6 "));
+    EXPECT_TRUE(answersSave("/error /nsm/client/save -6 "));
     EXPECT_EQ(contentOf(file), stored);
     ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
-    manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/save "));
+    ASSERT_TRUE(answersSave("/reply /nsm/client/save "));
     EXPECT_EQ(contentOf(file), stored);
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    expectEnd();
 }
 
 TEST_F(ManagedProgram, MakesNoAudioBeforeItsSessionIsNamed) {
     // The program ends as soon as it opens its audio, because the file is missing.
     start({"--virtual-input", "none.wav"});
-    ASSERT_TRUE(manager.welcomes());
-    open();
-    EXPECT_TRUE(manager.receives("/error /nsm/client/open "));
+    EXPECT_TRUE(answersOpen("/error /nsm/client/open "));
     EXPECT_THAT(manager.message(), HasSubstr("none.wav"));
     EXPECT_EQ(exitCode(), 1);
 }
@@ -163,27 +163,20 @@ TEST_F(ManagedProgram, MakesNoAudioBeforeItsSessionIsNamed) {
 TEST_F(ManagedProgram, UsesTheManagersNameForItsAudioClient) {
     const test::JackTestServer server({});
     start({"--channels", "2", "--start", "--device", "jack:system"}, "jack");
-    ASSERT_TRUE(manager.welcomes());
-    open();
-    ASSERT_TRUE(manager.receives("/reply /nsm/client/open "));
+    ASSERT_TRUE(answersOpen("/reply /nsm/client/open "));
     test::JackPeer peer("peer", 2);
     EXPECT_TRUE(test::waitFor([&] { return peer.connectTo("ORVANE.nABC"); }));
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    expectEnd();
 }
 
 TEST_F(ManagedProgram, KeepsASessionFileThatItCannotRead) {
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file) << "no session";
     start({"--channels", "8"});
-    ASSERT_TRUE(manager.welcomes());
-    open();
-    ASSERT_TRUE(manager.receives("/error /nsm/client/open -9 "));
-    manager.say("/nsm/client/save", "");
-    ASSERT_TRUE(manager.receives("/error /nsm/client/save -6 "));
+    ASSERT_TRUE(answersOpen("/error /nsm/client/open -9 "));
+    ASSERT_TRUE(answersSave("/error /nsm/client/save -6 "));
     EXPECT_EQ(contentOf(file), "no session");
-    ::kill(program, SIGTERM);
-    EXPECT_EQ(exitCode(), 0);
+    expectEnd();
 }
 
 } // namespace

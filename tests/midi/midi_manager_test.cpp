@@ -60,7 +60,6 @@ TEST_F(MIDIManagerTest, ReportsTheNoteOnAtTheStartOfAPacket) {
         {"note-off", {{0x82, 0x3C, 0x40}}, {}},
         {"other messages", {{0xA0, 60, 1}, {0xB0, 60, 1}, {0xE0, 60, 1}, {0xF2, 60, 1}}, {}},
         {"short packets", {{}, {0x90}, {0xC0, 5}, {0x90, 60}}, {}},
-        {"no packets", {}, {}},
         {"three packets", {{0x90, 1, 1}, {0x91, 2, 1}, {0x92, 3, 1}}, {{0, 1}, {1, 2}, {2, 3}}},
         {"two messages in one packet", {{0x90, 0x3C, 0x64, 0x90, 0x3E, 0x64}}, {{0, 60}}},
         {"running status", {{0x90, 60, 100}, {62, 100}, {62, 100, 64}}, {{0, 60}}},
@@ -76,26 +75,26 @@ TEST_F(MIDIManagerTest, ReportsTheNoteOnAtTheStartOfAPacket) {
 }
 
 TEST_F(MIDIManagerTest, StartsAndStopsOnceAndReleasesEverything) {
-    EXPECT_THAT(services.takeCalls(), IsEmpty());
     manager->stop();
     EXPECT_THAT(services.takeCalls(), IsEmpty());
-    manager->start();
-    manager->start();
-    EXPECT_THAT(
-        services.takeCalls(),
-        ElementsAre(
-            "create client ORVANEMIDIClient", "create port ORVANEInput of 1", "connect 11", "connect 12"
-        )
-    );
-    manager->stop();
-    EXPECT_THAT(
-        services.takeCalls(),
-        ElementsAre("disconnect 11", "disconnect 12", "dispose of port 2", "dispose of client 1")
-    );
-    manager->start();
-    EXPECT_EQ(services.takeCalls().size(), 4U);
-    manager.reset();
-    EXPECT_EQ(services.takeCalls().size(), 4U) << "destruction stops";
+    for (const bool isDestroyed : {false, true}) {
+        manager->start();
+        manager->start();
+        EXPECT_THAT(
+            services.takeCalls(),
+            ElementsAre(
+                "create client ORVANEMIDIClient", "create port ORVANEInput of 1", "connect 11", "connect 12"
+            )
+        );
+        if (isDestroyed)
+            manager.reset();
+        else
+            manager->stop();
+        EXPECT_THAT(
+            services.takeCalls(),
+            ElementsAre("disconnect 11", "disconnect 12", "dispose of port 2", "dispose of client 1")
+        );
+    }
     services.notify();
     receive({{0x90, 60, 100}});
     EXPECT_THAT(services.takeCalls(), IsEmpty());
@@ -112,7 +111,6 @@ TEST_F(MIDIManagerTest, StaysStartedIfAStepFails) {
     EXPECT_THAT(services.takeCalls(), ElementsAre("connect 11"));
     EXPECT_THAT(manager->connectedEndpoints(), IsEmpty()) << "there is no port";
     manager->stop();
-    EXPECT_THAT(services.takeCalls(), IsEmpty());
 
     services.clientStatus = noErr;
     services.portStatus = -1;
