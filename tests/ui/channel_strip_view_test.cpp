@@ -33,13 +33,6 @@ using namespace orvane::ui;
 using testing::ElementsAre;
 namespace output = session::output;
 
-QStringList itemsOf(const QComboBox& menu) {
-    QStringList items;
-    for (int i = 0; i < menu.count(); ++i)
-        items.append(menu.itemText(i));
-    return items;
-}
-
 class Strip : public MixerViewTest {
   protected:
     Strip() { view.show(); }
@@ -137,9 +130,12 @@ TEST_F(Strip, ShowsItsOwnStateInEverySwitchAndMeterWhileVisible) {
     EXPECT_EQ(meters.levelMeter().litSegments(), 9);
     view.hide();
     engine.setMuted(strip().id, false);
+    engine.meterModel().channelMeters.set({1.0});
     EXPECT_EQ(buttonOf(view, "Mute").accessibleDescription(), "On");
+    EXPECT_EQ(meters.levelMeter().litSegments(), 9);
     view.show();
     EXPECT_EQ(buttonOf(view, "Mute").accessibleDescription(), "");
+    EXPECT_EQ(meters.levelMeter().litSegments(), 0);
 }
 
 TEST_F(Strip, ShowsALongNameFromItsBeginning) {

@@ -119,6 +119,17 @@ class Contrast : public WindowTest {
         }
     }
 
+    template <class Look>
+    void forEachDialog(const char* emptySlot, Look look) {
+        for (const char* opening :
+             {"Audio / MIDI Devices", "Snapshots", "Load", "Clear Outputs", emptySlot}) {
+            buttonOf(*window, opening).click();
+            for (QDialog* dialog : window->findChildren<QDialog*>())
+                if (dialog->isVisible()) look(*dialog);
+            closeDialogs();
+        }
+    }
+
     int measured = 0;
 };
 
@@ -149,13 +160,10 @@ TEST_F(Contrast, OfTheActiveRowOfEveryPickerAndList) {
     measurePickersAndLists(*window);
     for (int scene = 0; scene < 3; ++scene)
         mixer().newSnapshot();
-    for (const char* opening : {"Audio / MIDI Devices", "Snapshots", "Load", "Insert 1 (empty)"}) {
-        buttonOf(*window, opening).click();
+    forEachDialog("Insert 1 (empty)", [this](const QDialog& dialog) {
         QTest::qWait(300);
-        for (QDialog* dialog : window->findChildren<QDialog*>())
-            if (dialog->isVisible()) measurePickersAndLists(*dialog);
-        closeDialogs();
-    }
+        measurePickersAndLists(dialog);
+    });
     HelpView help;
     help.show();
     measurePickersAndLists(help);
@@ -177,13 +185,7 @@ TEST_F(Contrast, OfEveryText) {
     mixer().setStereo(strip(), true);
     mixer().start();
     measureTexts(*window);
-    for (const char* opening :
-         {"Audio / MIDI Devices", "Snapshots", "Load", "Clear Outputs", "Insert 5 (empty)"}) {
-        buttonOf(*window, opening).click();
-        for (QDialog* dialog : window->findChildren<QDialog*>())
-            if (dialog->isVisible()) measureTexts(*dialog);
-        closeDialogs();
-    }
+    forEachDialog("Insert 5 (empty)", [this](const QDialog& dialog) { measureTexts(dialog); });
     EXPECT_GT(measured, 300);
 }
 

@@ -92,10 +92,7 @@ TEST_F(DeviceSettings, EstimatesLatencyAndMemory) {
 
 TEST_F(DeviceSettings, OffersTheBufferSizesAndIgnoresTheWheel) {
     MenuPicker& sizes = picker("Buffer Size");
-    QStringList offered;
-    for (int i = 0; i < sizes.count(); ++i)
-        offered.append(sizes.itemText(i));
-    EXPECT_EQ(offered.join(" "), "32 64 96 128 192 256 512 768 1024 2048");
+    EXPECT_EQ(itemsOf(sizes).join(" "), "32 64 96 128 192 256 512 768 1024 2048");
     engine.setBufferSize(1024);
     EXPECT_EQ(sizes.currentText(), "1024");
     QWheelEvent turn({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);

@@ -102,8 +102,8 @@ class Interface : public WindowTest {
         seen.insert(widget.accessibleName());
         seen.insert(widget.accessibleDescription());
         if (const auto* const menu = qobject_cast<const QComboBox*>(&widget))
-            for (int item = 0; item < menu->count(); ++item)
-                seen.insert(menu->itemText(item));
+            for (const QString& item : itemsOf(*menu))
+                seen.insert(item);
         if (const auto* const page = qobject_cast<const QTextBrowser*>(&widget))
             for (const QString& line : page->toPlainText().split('\n'))
                 seen.insert(line);

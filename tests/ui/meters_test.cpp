@@ -87,25 +87,6 @@ TEST(Meters, FadeTheLoadOnceItFillsAnotherSegment) {
     EXPECT_FALSE(isLit(1)) << "at once";
 }
 
-TEST(Meters, ShowOnlyTheirStripOfTheModel) {
-    audio::MeterModel model(2);
-    const platform::Published<bool> isRunning(true);
-    ChannelMeterColumn first(model, 0, isRunning);
-    ChannelMeterColumn beyond(model, 7, isRunning);
-    for (ChannelMeterColumn* column : {&first, &beyond})
-        column->show();
-    model.channelMeters.set({1.0, 0.5, 0.25});
-    model.channelGainReductionDB.set({15.0, 0.0});
-    EXPECT_EQ(first.levelMeter().litSegments(), 18);
-    EXPECT_EQ(first.reductionMeter().litSegments(), 10);
-    EXPECT_EQ(beyond.levelMeter().litSegments(), 0);
-    first.hide();
-    model.channelMeters.set({0.0, 0.0, 0.0});
-    EXPECT_EQ(first.levelMeter().litSegments(), 18);
-    first.show();
-    EXPECT_EQ(first.levelMeter().litSegments(), 0);
-}
-
 TEST(Meters, FadeWhileTheAudioIsStopped) {
     audio::MeterModel model(1);
     platform::Published<bool> isRunning(true);

@@ -82,9 +82,7 @@ TEST(ParameterRow, OffersAMenuOfNamesOrValues) {
     parameter.description.namedValues = {{0.0F, "Off"}, {1.5F, ""}, {3.0F, " "}};
     ParameterRow row(parameter);
     MenuPicker& menu = *viewsIn<MenuPicker>(row).at(0);
-    EXPECT_EQ(menu.itemText(0), "Off");
-    EXPECT_EQ(menu.itemText(1), "1.5");
-    EXPECT_EQ(menu.itemText(2), "3");
+    EXPECT_EQ(itemsOf(menu), QStringList({"Off", "1.5", "3"}));
     QTest::keyClick(&menu, Qt::Key_Down);
     EXPECT_EQ(parameter.value(), 1.5F);
     parameter.setValue(3.0F);

@@ -40,6 +40,14 @@ inline void choose(QComboBox& box, int entry) {
     Q_EMIT box.activated(entry);
 }
 
+/// The entries of a box.
+inline QStringList itemsOf(const QComboBox& menu) {
+    QStringList items;
+    for (int i = 0; i < menu.count(); ++i)
+        items.append(menu.itemText(i));
+    return items;
+}
+
 /// Opens the context menu of a widget; null if it has none.
 inline QMenu* openContextMenu(QWidget& widget) {
     qDeleteAll(widget.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
@@ -48,10 +56,11 @@ inline QMenu* openContextMenu(QWidget& widget) {
     return widget.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-/// Presses the Enter key again as its autorepeat does while it is held.
-inline void holdEnter(QWidget& widget) {
+/// Repeats the Enter key as a keyboard does while it is held. Returns whether the widget takes it.
+inline bool holdEnter(QWidget& widget) {
     QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
     QApplication::sendEvent(&widget, &held);
+    return held.isAccepted();
 }
 
 /// Processes pending deferred deletions.
