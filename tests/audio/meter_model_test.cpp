@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -17,10 +18,11 @@ using namespace orvane;
 using namespace std::chrono_literals;
 using audio::MeterModel;
 
-/// Every look at it is one millisecond after the last: a pass takes one.
-std::uint64_t milliseconds = 0;
+std::uint64_t ticks = 0;
+
+/// Each reading is one millisecond after the last, in ticks of half a microsecond, so a pass takes one.
 platform::HostClock steppingClock() {
-    return {[]() noexcept { return ++milliseconds; }, {1'000'000, 1}};
+    return {[]() noexcept { return ticks += 2000; }, {500, 1}};
 }
 
 TEST(MeterModel, ShowsWhatWasMeasuredAndSmoothsOnlyTheNoise) {
@@ -44,6 +46,18 @@ TEST(MeterModel, ShowsWhatWasMeasuredAndSmoothsOnlyTheNoise) {
         EXPECT_EQ(model.channelGainReductionDB.get(), reading.gainReductionDB);
         EXPECT_NEAR(model.pinkNoiseLevel.get(), share * reading.referenceNoiseLevel, 1e-12);
         EXPECT_DOUBLE_EQ(model.cpuLoad.get(), 0.1);
+    }
+}
+
+TEST(MixerRealtimeState, SmoothsTheShareOfTheBlockThatAPassTakes) {
+    test::MixerHarness mixer({.strips = 1, .bufferSize = 96}, steppingClock());
+    mixer.state.updateRouting(
+        std::vector<std::optional<std::int64_t>>(1), std::vector<session::OutputRouting>(1), {}
+    );
+    // A block without frames does not count; a pass of 8 frames is late.
+    for (const auto& [frames, load] : {std::pair(96U, 0.1), {96U, 0.18}, {0U, 0.18}, {8U, 0.344}}) {
+        mixer.pass({}, frames);
+        EXPECT_DOUBLE_EQ(mixer.state.cpuLoad(), load) << frames;
     }
 }
 
