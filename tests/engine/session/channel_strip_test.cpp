@@ -25,18 +25,4 @@ TEST(ChannelStrip, DefaultStripsAreNumberedAndHaveUniqueIds) {
     EXPECT_EQ(ids.size(), 12U * (1U + 5U));
 }
 
-TEST(ChannelStrip, SettingsApplyUpToTheShorterLengthAndKeepIds) {
-    for (const std::size_t count : {0U, 4U, 8U, 10U}) {
-        auto strips = makeDefaultStrips(8);
-        const auto before = strips;
-        const auto loaded = settingsOf(makeDefaultStrips(count));
-        applySettings(loaded, strips);
-        for (std::size_t index = 0; index < strips.size(); ++index) {
-            const auto& expected = index < count ? loaded[index] : before[index].settings();
-            EXPECT_EQ(strips[index].settings(), expected) << "strip " << index << " of " << count;
-            EXPECT_EQ(strips[index].id, before[index].id) << "strip " << index << " of " << count;
-        }
-    }
-}
-
 } // namespace

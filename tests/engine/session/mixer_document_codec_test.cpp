@@ -149,7 +149,9 @@ TEST(MixerDocumentCodec, PadsEveryChannelToFiveSlotsAndKeepsLongerLists) {
 
 TEST(MixerDocumentCodec, IgnoresUnknownKeysWithAnyValue) {
     const auto withForeign = [](const std::string& key) {
-        return R"("future": {"name": 7, "list": [1, "two", null, {"Id": []}]}, "Name": 1, "": 2,)" + key;
+        return R"("future": {"name": 7, "list": [1, "two", null, {"Id": []}], "muted": 1, "muted": 2}, "Name": 1,
+            "": 2, "": {"": "", "": 0}, "x": 1e999999, "x": ["\\\"", {"a": -1e400, "a": [{"b": 1, "b": 2}]}],)"
+               + key;
     };
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const MixerDocumentData data = randomDocument(seed);
