@@ -43,7 +43,7 @@ TEST(HangingPlugin, CostsCyclesThatAreCountedAndNothingElse) {
         plugin.isHeld = true;
         plugin.hangs = 4;
         ASSERT_TRUE(test::waitFor([&] { return plugin.isHanging.load(); })) << round;
-        // The plugin waits for these to be done; nobody may wait for the plugin.
+        // The plugin waits for these to be done; nothing may wait for the plugin.
         engine.setTrim(strip, 0.1 * round);
         engine.newSnapshot();
         engine.recallSnapshot(round);

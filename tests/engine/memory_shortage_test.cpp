@@ -20,7 +20,7 @@ using namespace orvane;
 using test::FailingAllocation;
 using testing::AnyOf;
 
-/// What somebody who subscribes to a value takes it for.
+/// Follows a value as its subscriber.
 template <class T>
 class LastHeard final {
   public:

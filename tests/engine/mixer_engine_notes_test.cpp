@@ -157,7 +157,7 @@ TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
     playOnThird(*keys, 62);
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
-    // A note on its way to an engine that is gone finds nobody.
+    // A note on its way to an engine that is gone is dropped.
     std::optional<MixerEngine> other(std::in_place, 1, services);
     playOnThird(*pads, 63);
     other.reset();
