@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Plants the faults of scripts/planted_faults.txt in a copy of the tree, one at a time, and checks that the tests catch
-# each. Exits with 1 if one is missed, does not apply or does not build.
+# each. Exits with 1 if one is missed, has no test, does not apply or does not build.
 # Usage: scripts/plant_faults.sh [--list] [FAULT...]
 #   FAULT   the number of a fault, or text that its entry holds; all faults by default
 #   --list  names the faults and checks that each applies, without building
@@ -91,6 +91,11 @@ compile() {
     nice cmake --build "$build" --target "$1" >"$log" 2>&1
 }
 
+# Whether the filter of a fault selects a test; a renamed one would leave it a fault that nothing looks for.
+hasTests() {
+    QT_QPA_PLATFORM=offscreen "$build/bin/$1" --gtest_list_tests --gtest_filter="$2" 2>&1 | grep '^  ' >/dev/null
+}
+
 runTests() {
     # The subshell waits for the tests, so that its message about their end goes to the log.
     (
@@ -115,6 +120,8 @@ tryFault() {
     plant "$file" "$fault"
     if ! compile "${targets[fault]}"; then
         report "does not build" "$fault"
+    elif ! hasTests "${targets[fault]}" "${filters[fault]}"; then
+        report "has no test" "$fault"
     elif runTests "${targets[fault]}" "${filters[fault]}"; then
         report MISSED "$fault"
     else
