@@ -37,7 +37,7 @@ bool competes(const ChannelAutomixSettings& settings) noexcept {
 } // namespace
 
 AutomixProcessor::Lanes::Lanes(std::size_t most)
-    : channels(most), inputs(most), outputs(most), values(most), sums(most) {}
+    : channels(most), inputs(most), outputs(most), values(most), steps(most), sums(most) {}
 
 AutomixProcessor::AutomixProcessor(
     std::size_t channelCount, double sampleRate, double controlRate, double masterTargetDB,
@@ -62,6 +62,7 @@ AutomixProcessor::AutomixProcessor(
       detected{Lanes(channelCount), Lanes(channelCount), Lanes(channelCount)},
       lanesOnBus(channelCount),
       lanesOffBus(channelCount),
+      lastGains(channelCount, 0.0),
       outputLevels(channelCount, 0.0) {
     assert(channelCount >= 1);
 }
@@ -103,6 +104,11 @@ void AutomixProcessor::setReleaseMs(double releaseMs) {
     publish();
 }
 
+void AutomixProcessor::setOutputOptions(const OutputOptions& options) {
+    edited.options = options;
+    publish();
+}
+
 void AutomixProcessor::ensureScratch(std::size_t frameCount) {
     if (perChannelScratch.channelCount() == channelCount() && perChannelScratch.frameCount() == frameCount)
         return;
@@ -117,15 +123,23 @@ AutomixProcessor::process(const ChannelBlocks<double>& blocks, std::span<const b
     assert(activeMask.empty() || activeMask.size() == channelCount());
     ensureScratch(blocks.frameCount());
     const Controls& controls = handover.latest();
-    gainSharing.setReleaseMs(controls.releaseMs);
-    masterLeveler.targetRMS = controls.masterTargetRMS;
-
+    applyMaster(controls);
     if (!isArranged(controls, blocks, activeMask)) arrange(controls, blocks, activeMask);
     detect(controls, blocks.frameCount());
     gainSharing.process(levelsScratch);
     mix(controls, blocks.frameCount());
     level();
     return {perChannelScratch, summedScratch};
+}
+
+void AutomixProcessor::applyMaster(const Controls& controls) noexcept {
+    gainSharing.setReleaseMs(controls.releaseMs);
+    gainSharing.setFastOnset(controls.options.fastOnset);
+    // The reference noise is never summed, so it is no open microphone.
+    gainSharing.setOpenMicrophoneLimit(controls.options.openMicrophoneLimit ? channelCount() - 1 : 0);
+    masterLeveler.targetRMS = controls.masterTargetRMS;
+    masterLeveler.setMode(controls.options.leveler);
+    ramps = controls.options.gainRamps;
 }
 
 bool AutomixProcessor::isArranged(
@@ -157,6 +171,7 @@ void AutomixProcessor::arrange(
         if (arrangement.isActive[i] == 0) {
             std::ranges::fill(perChannelScratch[i], 0.0);
             outputLevels[i] = 0.0;
+            lastGains[i] = 0.0;
             continue;
         }
         // A shelf filter's state advances even if its level is not needed.
@@ -208,25 +223,38 @@ void AutomixProcessor::mix(const Controls& controls, std::size_t frameCount) noe
     mixGroup(controls, lanesOffBus, frameCount, nullptr);
 }
 
+double AutomixProcessor::mixGain(const Controls& controls, std::size_t channel) const noexcept {
+    const ChannelAutomixSettings& settings = controls.settings[channel];
+    const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
+                        : settings.vocalRole == VocalRole::backing ? controls.backingGain
+                                                                   : 1.0;
+    const double gain = settings.muted      ? 0.0
+                        : settings.bypassed ? role * settings.trim
+                                            : role * (gainSharing.smoothedGain()[channel] * settings.trim);
+    return orSilence(gain, largestGain);
+}
+
 void AutomixProcessor::mixGroup(
     const Controls& controls, Lanes& group, std::size_t frameCount, double* bus
 ) noexcept {
-    const std::span<const double> gains = gainSharing.smoothedGain();
+    const double frames = static_cast<double>(std::max<std::size_t>(frameCount, 1));
     for (std::size_t lane = 0; lane < group.count; ++lane) {
-        const std::size_t channel = group.channels[lane];
-        const ChannelAutomixSettings& settings = controls.settings[channel];
-        const double role = settings.vocalRole == VocalRole::lead      ? controls.leadGain
-                            : settings.vocalRole == VocalRole::backing ? controls.backingGain
-                                                                       : 1.0;
-        const double gain = settings.muted      ? 0.0
-                            : settings.bypassed ? role * settings.trim
-                                                : role * (gains[channel] * settings.trim);
-        group.values[lane] = orSilence(gain, largestGain);
+        double& last = lastGains[group.channels[lane]];
+        const double gain = mixGain(controls, group.channels[lane]);
+        group.steps[lane] = (gain - last) / frames;
+        group.values[lane] = ramps ? last : gain;
+        last = gain;
     }
-    kernels.mix(
-        group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,
-        group.sums.data()
-    );
+    if (ramps)
+        kernels.mixRamped(
+            group.inputs.data(), group.values.data(), group.steps.data(), group.outputs.data(), group.count,
+            frameCount, bus, group.sums.data()
+        );
+    else
+        kernels.mix(
+            group.inputs.data(), group.values.data(), group.outputs.data(), group.count, frameCount, bus,
+            group.sums.data()
+        );
     kernels.rootMeans(group.sums.data(), group.count, frameCount);
     for (std::size_t lane = 0; lane < group.count; ++lane)
         outputLevels[group.channels[lane]] = group.sums[lane];
@@ -234,7 +262,15 @@ void AutomixProcessor::mixGroup(
 
 void AutomixProcessor::level() noexcept {
     const double gain = masterLeveler.process(LevelDetector::rms(std::span<const double>(summedScratch)));
-    kernels.scale(summedScratch.data(), gain, summedScratch.size());
+    const std::size_t frames = summedScratch.size();
+    if (ramps && frames > 0)
+        kernels.scaleRamped(
+            summedScratch.data(), lastMasterGain, (gain - lastMasterGain) / static_cast<double>(frames),
+            frames
+        );
+    else
+        kernels.scale(summedScratch.data(), gain, frames);
+    lastMasterGain = gain;
     masterLevel = LevelDetector::rms(std::span<const double>(summedScratch));
 }
 

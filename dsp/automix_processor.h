@@ -7,6 +7,7 @@
 #include "dsp/handover.h"
 #include "dsp/kernels/lane_kernels.h"
 #include "dsp/master_bus_leveler.h"
+#include "dsp/output_options.h"
 #include "dsp/realtime.h"
 
 #include <array>
@@ -54,12 +55,19 @@ class AutomixProcessor final {
     [[nodiscard]] double releaseMs() const noexcept { return edited.releaseMs; }
     void setReleaseMs(double releaseMs);
 
+    /// All but the limiter, which belongs to the outputs. Defaults at creation.
+    [[nodiscard]] const OutputOptions& outputOptions() const noexcept { return edited.options; }
+    void setOutputOptions(const OutputOptions& options);
+
     // Render thread, or any thread while no block is processed.
 
     [[nodiscard]] std::size_t channelCount() const noexcept { return triggerFilters.size(); }
 
     /// The kernels that this processor runs on.
     [[nodiscard]] const LaneKernels& laneKernels() const noexcept { return kernels; }
+
+    /// Whether gains run in a line over the block that was processed last.
+    [[nodiscard]] bool rampsGains() const noexcept { return ramps; }
 
     /// Sizes the working memory for blocks of `frameCount` frames. Allocates only if they outgrow all earlier
     /// ones. `process` calls it; call it before the first block to keep that block free of allocation.
@@ -93,6 +101,7 @@ class AutomixProcessor final {
         double backingGain = 1.0;
         double masterTargetRMS;
         double releaseMs;
+        OutputOptions options = {};
     };
 
     /// The channels of one kernel call, with the call's arguments and results for each.
@@ -111,10 +120,12 @@ class AutomixProcessor final {
         std::vector<const double*> inputs;
         std::vector<double*> outputs;
         std::vector<double> values;
+        std::vector<double> steps;
         std::vector<double> sums;
     };
 
     void publish() { handover.publish(edited); }
+    void applyMaster(const Controls& controls) noexcept;
     /// Sorts the channels into lanes. Needed if the controls, the mask or the addresses of the blocks have
     /// changed.
     void arrange(
@@ -127,6 +138,7 @@ class AutomixProcessor final {
     void sumSquares(GenderTriggerMode mode, std::size_t frameCount) noexcept;
     void mix(const Controls& controls, std::size_t frameCount) noexcept;
     void mixGroup(const Controls& controls, Lanes& group, std::size_t frameCount, double* bus) noexcept;
+    [[nodiscard]] double mixGain(const Controls& controls, std::size_t channel) const noexcept;
     void level() noexcept;
 
     const LaneKernels& kernels;
@@ -153,6 +165,10 @@ class AutomixProcessor final {
     std::array<Lanes, allGenderTriggerModes.size()> detected;
     Lanes lanesOnBus;
     Lanes lanesOffBus;
+    /// The gains at the end of the last block, from which ramps start; 0 of channels without audio.
+    std::vector<double> lastGains;
+    bool ramps = false;
+    double lastMasterGain = 1.0;
     std::vector<double> outputLevels;
     double masterLevel = 0.0;
 };

@@ -1,8 +1,9 @@
 #include "dsp/gain_sharing_mixer.h"
 
 #include "dsp/decibels.h"
-#include "dsp/elementary.h"
+#include "dsp/smoothing.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 
@@ -12,16 +13,8 @@ namespace {
 
 /// A level, a sum or a sum of squares below this counts as zero.
 constexpr double negligible = 1e-12;
-
-/// The smoothing coefficient per step of a time constant.
-double smoothingCoefficient(double dt, double timeMs) noexcept {
-    return timeMs > 0.0 ? exp(-dt / (timeMs / 1000.0)) : 0.0;
-}
-
-double smoothed(double current, double target, double attackCoef, double releaseCoef) noexcept {
-    const double c = current < target ? attackCoef : releaseCoef;
-    return current * c + target * (1.0 - c);
-}
+/// The attack of levels and gains if voices are to be open at once.
+constexpr double fastAttackMs = 1.0;
 
 } // namespace
 
@@ -30,7 +23,8 @@ GainSharingMixer::GainSharingMixer(
     double gainFloorDB
 )
     : dt(1.0 / controlRate),
-      attackCoef(smoothingCoefficient(dt, attackMs)),
+      slowAttackCoef(smoothingCoefficient(dt, attackMs)),
+      attackCoef(slowAttackCoef),
       releaseCoef(smoothingCoefficient(dt, releaseMs)),
       noiseFloor(silentRMS),
       gainFloor(dbToLinear(gainFloorDB)),
@@ -39,7 +33,9 @@ GainSharingMixer::GainSharingMixer(
       gains(channelCount, 1.0 / static_cast<double>(channelCount)),
       eScratch(channelCount, 0.0),
       wScratch(channelCount, 0.0),
-      gTargetScratch(channelCount, 0.0) {
+      gTargetScratch(channelCount, 0.0),
+      onsets(channelCount, controlRate),
+      openMicrophones(controlRate, gainFloor) {
     assert(channelCount >= 1);
 }
 
@@ -49,11 +45,28 @@ void GainSharingMixer::setReleaseMs(double releaseMs) noexcept {
     releaseCoef = smoothingCoefficient(dt, releaseMs);
 }
 
+void GainSharingMixer::setFastOnset(bool isFast) noexcept {
+    if (isFast == fastOnset) return;
+    fastOnset = isFast;
+    attackCoef = isFast ? smoothingCoefficient(dt, fastAttackMs) : slowAttackCoef;
+}
+
+void GainSharingMixer::setOpenMicrophoneLimit(std::size_t limitedCount) noexcept {
+    assert(limitedCount <= gains.size());
+    if (limitedCount == limitedChannels) return;
+    limitedChannels = limitedCount;
+    openMicrophones.setOn(limitedCount > 0, std::span(gains).first(limitedCount));
+}
+
 std::span<const double> GainSharingMixer::process(std::span<const double> levels) noexcept {
     assert(levels.size() == gains.size());
     followLevels(levels);
+    if (fastOnset) handOver(levels);
     shareActivity();
+    const std::span<double> targets = std::span(gTargetScratch).first(limitedChannels);
+    openMicrophones.limitTargets(targets);
     moveGains();
+    if (openMicrophones.isOn()) openMicrophones.limitGains(std::span(gains).first(limitedChannels), targets);
     return gains;
 }
 
@@ -62,6 +75,14 @@ void GainSharingMixer::followLevels(std::span<const double> levels) noexcept {
     for (std::size_t i = 0; i < levels.size(); ++i)
         smoothedLevel[i] =
             smoothed(smoothedLevel[i], std::isfinite(levels[i]) ? levels[i] : 0.0, attackCoef, releaseCoef);
+}
+
+void GainSharingMixer::handOver(std::span<const double> levels) noexcept {
+    const auto beginning = onsets.update(levels);
+    if (!beginning) return;
+    for (std::size_t i = 0; i < smoothedLevel.size(); ++i)
+        smoothedLevel[i] = std::min(smoothedLevel[i], onsets.recentLevels()[i]);
+    smoothedLevel[*beginning] = std::max(smoothedLevel[*beginning], onsets.recentLevels()[*beginning]);
 }
 
 void GainSharingMixer::shareActivity() noexcept {

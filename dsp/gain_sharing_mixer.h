@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dsp/onset_detector.h"
+#include "dsp/open_microphone_limit.h"
 #include "dsp/realtime.h"
 
 #include <cstddef>
@@ -27,6 +29,15 @@ class GainSharingMixer final {
     /// Takes effect at the next `process`. Real-time safe.
     ORVANE_REALTIME void setReleaseMs(double releaseMs) noexcept;
 
+    /// `OutputOptions::fastOnset`; off at creation. When a voice begins, the levels of all channels fall to
+    /// what they are now, so that the memory of the last speaker does not share with it, and its gain rises
+    /// in about a millisecond. Real-time safe.
+    ORVANE_REALTIME void setFastOnset(bool isFast) noexcept;
+
+    /// `OutputOptions::openMicrophoneLimit` over the first `limitedCount` channels; 0, as at creation: none.
+    /// Real-time safe.
+    ORVANE_REALTIME void setOpenMicrophoneLimit(std::size_t limitedCount) noexcept;
+
     /// Processes one step: `levels` are channelCount linear RMS values of one block; values that are not
     /// finite count as silence. Returns `smoothedGain`. Real-time safe.
     ORVANE_REALTIME std::span<const double> process(std::span<const double> levels) noexcept;
@@ -36,10 +47,12 @@ class GainSharingMixer final {
 
   private:
     void followLevels(std::span<const double> levels) noexcept;
+    void handOver(std::span<const double> levels) noexcept;
     void shareActivity() noexcept;
     void moveGains() noexcept;
 
     double dt;
+    double slowAttackCoef;
     double attackCoef;
     double releaseCoef;
     double noiseFloor;
@@ -50,6 +63,10 @@ class GainSharingMixer final {
     std::vector<double> eScratch;
     std::vector<double> wScratch;
     std::vector<double> gTargetScratch;
+    OnsetDetector onsets;
+    OpenMicrophoneLimit openMicrophones;
+    std::size_t limitedChannels = 0;
+    bool fastOnset = false;
 };
 
 } // namespace orvane::dsp

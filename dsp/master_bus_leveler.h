@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dsp/bus_activity.h"
+#include "dsp/output_options.h"
 #include "dsp/realtime.h"
 
 namespace orvane::dsp {
@@ -20,6 +22,9 @@ class MasterBusLeveler final {
     [[nodiscard]] double targetDB() const noexcept;
     void setTargetDB(double targetDB) noexcept;
 
+    /// How the gain moves from the next step on; `follow` at creation. Real-time safe.
+    ORVANE_REALTIME void setMode(LevelerMode mode) noexcept;
+
     /// Processes one step: `rms` is the linear RMS of the block before leveling. Returns `smoothedGain`.
     /// Real-time safe.
     ORVANE_REALTIME double process(double rms) noexcept;
@@ -31,11 +36,19 @@ class MasterBusLeveler final {
     double targetRMS;
 
   private:
+    [[nodiscard]] double desiredGain(double rms) const noexcept;
+    void follow(double desired) noexcept;
+    void hold(double rms) noexcept;
+
     double attackCoef;
     double releaseCoef;
     double maxGain;
     double minGain;
+    /// The most by which a held gain rises in one step.
+    double slowRise;
     double gain = 1.0;
+    LevelerMode levelerMode = LevelerMode::follow;
+    BusActivity activity;
 };
 
 } // namespace orvane::dsp

@@ -36,6 +36,11 @@ struct LaneKernels {
     )(const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
       std::size_t frameCount, double* bus, double* sums) noexcept;
 
+    /// `mix` with gains that run in a line: sample j has the gain from[c] + steps[c] * (j + 1).
+    void (*mixRamped
+    )(const double* const* inputs, const double* from, const double* steps, double* const* outputs,
+      std::size_t channelCount, std::size_t frameCount, double* bus, double* sums) noexcept;
+
     /// Replaces each sums[c], a sum of `frameCount` squares, by its root mean; 0 if there are no frames.
     void (*rootMeans)(double* sums, std::size_t channelCount, std::size_t frameCount) noexcept;
 
@@ -44,6 +49,17 @@ struct LaneKernels {
 
     /// sum[i] = sum[i] + gain * samples[i]; the arrays must not overlap.
     void (*addScaled)(double* sum, const double* samples, double gain, std::size_t frameCount) noexcept;
+
+    /// `scale` and `addScaled` with a gain that runs in a line: sample i has the gain from + step * (i + 1).
+    void (*scaleRamped)(double* samples, double from, double step, std::size_t frameCount) noexcept;
+    void (*addRamped
+    )(double* sum, const double* samples, double from, double step, std::size_t frameCount) noexcept;
+
+    /// filtered[i] = the sum of taps[t] * samples[i + t] in the order of the taps; `samples` has frameCount +
+    /// tapCount - 1 entries and must not overlap `filtered`.
+    void (*filter
+    )(double* filtered, const double* samples, const double* taps, std::size_t tapCount,
+      std::size_t frameCount) noexcept;
 
     /// wide[i] = narrow[i] in double precision; NaNs and samples beyond `largestSample` become 0.
     void (*widen)(double* wide, const float* narrow, std::size_t frameCount) noexcept;

@@ -179,10 +179,40 @@ void highShelfSumOfSquares(
     sumAllWeighted(channels, channelCount, frameCount, HighShelf{a, shelfGain}, states, sums);
 }
 
+inline double rampedGain(double from, double step, std::size_t frame) {
+    return from + step * static_cast<double>(frame + 1);
+}
+
+/// Gains that stay for the block.
+struct ConstantGains {
+    const double* gains;
+
+    ConstantGains from(std::size_t channel) const { return {gains + channel}; }
+    double of(std::size_t channel, std::size_t) const { return gains[channel]; }
+    Vector vector(std::size_t channel, std::size_t) const { return splat(gains[channel]); }
+};
+
+/// Gains that run in a line over the block.
+struct RampedGains {
+    const double* start;
+    const double* steps;
+
+    RampedGains from(std::size_t channel) const { return {start + channel, steps + channel}; }
+    double of(std::size_t channel, std::size_t frame) const {
+        return rampedGain(start[channel], steps[channel], frame);
+    }
+    Vector vector(std::size_t channel, std::size_t frame) const {
+        Vector gains;
+        for (std::size_t i = 0; i < lanes; ++i)
+            gains[i] = of(channel, frame + i);
+        return gains;
+    }
+};
+
 /// One pass over up to `vectors * lanes` channels; missing ones are skipped.
-template <std::size_t vectors>
+template <std::size_t vectors, class Gains>
 void mixGroup(
-    const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
+    const double* const* inputs, const Gains& gains, double* const* outputs, std::size_t channelCount,
     std::size_t frameCount, double* bus, double* sums
 ) {
     Vector sum[vectors] = {};
@@ -194,7 +224,7 @@ void mixGroup(
             for (std::size_t i = 0; i < lanes; ++i) {
                 const std::size_t c = v * lanes + i;
                 if (c >= channelCount) break;
-                rows[i] = splat(gains[c]) * load(inputs[c] + frame);
+                rows[i] = gains.vector(c, frame) * load(inputs[c] + frame);
                 store(outputs[c] + frame, rows[i]);
                 mixed += rows[i];
             }
@@ -210,7 +240,7 @@ void mixGroup(
         store(total + v * lanes, sum[v]);
     for (std::size_t c = 0; c < channelCount; ++c) {
         for (std::size_t rest = frame; rest < frameCount; ++rest) {
-            const double output = gains[c] * inputs[c][rest];
+            const double output = gains.of(c, rest) * inputs[c][rest];
             outputs[c][rest] = output;
             if (bus != nullptr) bus[rest] += output;
             total[c] += output * output;
@@ -219,15 +249,32 @@ void mixGroup(
     }
 }
 
+template <class Gains>
+void mixAll(
+    const double* const* inputs, const Gains& gains, double* const* outputs, std::size_t channelCount,
+    std::size_t frameCount, double* bus, double* sums
+) {
+    for (std::size_t first = 0; first < channelCount; first += mostChannels) {
+        const std::size_t count = channelCount - first < mostChannels ? channelCount - first : mostChannels;
+        const auto group = count > 2 * lanes ? mixGroup<4, Gains>
+                           : count > lanes   ? mixGroup<2, Gains>
+                                             : mixGroup<1, Gains>;
+        group(inputs + first, gains.from(first), outputs + first, count, frameCount, bus, sums + first);
+    }
+}
+
 void mix(
     const double* const* inputs, const double* gains, double* const* outputs, std::size_t channelCount,
     std::size_t frameCount, double* bus, double* sums
 ) noexcept {
-    for (std::size_t first = 0; first < channelCount; first += mostChannels) {
-        const std::size_t count = channelCount - first < mostChannels ? channelCount - first : mostChannels;
-        const auto group = count > 2 * lanes ? mixGroup<4> : count > lanes ? mixGroup<2> : mixGroup<1>;
-        group(inputs + first, gains + first, outputs + first, count, frameCount, bus, sums + first);
-    }
+    mixAll(inputs, ConstantGains{gains}, outputs, channelCount, frameCount, bus, sums);
+}
+
+void mixRamped(
+    const double* const* inputs, const double* from, const double* steps, double* const* outputs,
+    std::size_t channelCount, std::size_t frameCount, double* bus, double* sums
+) noexcept {
+    mixAll(inputs, RampedGains{from, steps}, outputs, channelCount, frameCount, bus, sums);
 }
 
 void rootMeans(double* sums, std::size_t channelCount, std::size_t frameCount) noexcept {
@@ -248,6 +295,29 @@ void addScaled(
         sum[i] += gain * samples[i];
 }
 
+void scaleRamped(double* samples, double from, double step, std::size_t frameCount) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        samples[i] = rampedGain(from, step, i) * samples[i];
+}
+
+void addRamped(
+    double* __restrict sum, const double* __restrict samples, double from, double step, std::size_t frameCount
+) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        sum[i] += rampedGain(from, step, i) * samples[i];
+}
+
+void filter(
+    double* __restrict filtered, const double* __restrict samples, const double* taps, std::size_t tapCount,
+    std::size_t frameCount
+) noexcept {
+    for (std::size_t i = 0; i < frameCount; ++i)
+        filtered[i] = 0.0;
+    for (std::size_t tap = 0; tap < tapCount; ++tap)
+        for (std::size_t i = 0; i < frameCount; ++i)
+            filtered[i] += taps[tap] * samples[i + tap];
+}
+
 void widen(double* __restrict wide, const float* __restrict narrow, std::size_t frameCount) noexcept {
     for (std::size_t i = 0; i < frameCount; ++i) {
         const double sample = narrow[i];
@@ -264,8 +334,20 @@ void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t
 
 constexpr LaneKernels kernelsNamed(const char* name) {
     return {
-        name,  sumOfSquares, lowShelfSumOfSquares, highShelfSumOfSquares, mix, rootMeans, scale, addScaled,
-        widen, narrow};
+        .name = name,
+        .sumOfSquares = sumOfSquares,
+        .lowShelfSumOfSquares = lowShelfSumOfSquares,
+        .highShelfSumOfSquares = highShelfSumOfSquares,
+        .mix = mix,
+        .mixRamped = mixRamped,
+        .rootMeans = rootMeans,
+        .scale = scale,
+        .addScaled = addScaled,
+        .scaleRamped = scaleRamped,
+        .addRamped = addRamped,
+        .filter = filter,
+        .widen = widen,
+        .narrow = narrow};
 }
 
 } // namespace
