@@ -86,6 +86,7 @@ void MixerRealtimeState::abandonInserts() {
 
 void MixerRealtimeState::ensureScratch(std::size_t frameCount) {
     scratch.ensure(frameCount, outputRingBuffers.size(), masterOutputRingBuffers.size());
+    if (limiter) limiter->ensureScratch(frameCount);
 }
 
 double MixerRealtimeState::noiseGain() const noexcept {

@@ -9,6 +9,7 @@
 #include "dsp/automix_processor.h"
 #include "dsp/pink_noise_generator.h"
 #include "dsp/realtime.h"
+#include "dsp/true_peak_limiter.h"
 #include "platform/base/host_clock.h"
 #include "platform/base/unfair_lock.h"
 
@@ -63,6 +64,8 @@ class MixerRealtimeState final {
     /// One ring per output channel of a separate master device; empty if the master bus goes to the main
     /// device.
     RingBuffers masterOutputRingBuffers;
+    /// Limits the outputs that carry the master bus; null: they are not limited.
+    std::unique_ptr<dsp::TruePeakLimiter> limiter;
 
     // Control thread, at any time.
 

@@ -4,6 +4,7 @@
 #include "platform/base/flush_denormals.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace orvane::audio {
@@ -70,8 +71,11 @@ class Pass final {
 
         clear(scratch.outputSumsScratch, active);
         for (std::size_t strip = 0; strip < strips; ++strip)
-            send(channels[strip], routing->routingOutputs[strip], scratch.outputSumsScratch);
-        if (masterIsHere) send(master, routing->masterSends, scratch.outputSumsScratch);
+            sendStrip(strip, channels[strip]);
+        if (masterIsHere) {
+            send(master, routing->masterSends, scratch.outputSumsScratch);
+            limit(scratch.outputSumsScratch);
+        }
         deliver(scratch.outputSumsScratch, scratch.outputFloatScratch, active, state.outputRingBuffers);
         if (!masterIsHere) deliverMasterDevice(master);
     }
@@ -101,11 +105,44 @@ class Pass final {
                 kernels.addScaled(sums[send.channel].data(), block.data(), send.gain, frameCount);
     }
 
+    /// A send whose gain has changed runs there in a line; a new one begins at silence.
+    void sendStrip(std::size_t strip, std::span<const double> block) noexcept {
+        const Sends& sends = routing->routingOutputs[strip];
+        Sums& sums = scratch.outputSumsScratch;
+        Sends& last = scratch.lastSends[strip];
+        if (!automix.rampsGains() || frameCount == 0) {
+            send(block, sends, sums);
+        } else {
+            for (const Send& send : sends) {
+                if (send.channel >= sums.channelCount()) continue;
+                const double from = last.gainTo(send.channel);
+                const double step = (send.gain - from) / static_cast<double>(frameCount);
+                kernels.addRamped(sums[send.channel].data(), block.data(), from, step, frameCount);
+            }
+        }
+        last = sends;
+    }
+
+    /// Limits the outputs that the master bus is sent to.
+    void limit(Sums& sums) noexcept {
+        if (!state.limiter) return;
+        std::array<double*, dsp::TruePeakLimiter::mostChannels> limited{};
+        std::size_t count = 0;
+        for (const Send& send : routing->masterSends) {
+            if (send.channel >= sums.channelCount()) continue;
+            double* const output = sums[send.channel].data();
+            if (std::find(limited.begin(), limited.begin() + count, output) == limited.begin() + count)
+                limited[count++] = output;
+        }
+        if (count > 0) state.limiter->process(std::span(limited).first(count), frameCount);
+    }
+
     /// The master bus alone, copied rather than added: both sides of a pair may name the same output.
     void deliverMasterDevice(std::span<const double> master) noexcept {
         Sums& sums = scratch.masterOutputSumsScratch;
         for (const Send& send : routing->masterSends)
             if (send.channel < sums.channelCount()) std::ranges::copy(master, sums[send.channel].begin());
+        limit(sums);
         deliver(
             sums, scratch.masterOutputFloatScratch, routing->activeMasterOutputChannels,
             state.masterOutputRingBuffers

@@ -13,7 +13,8 @@ void ensureShape(dsp::ChannelBlocks<Sample>& blocks, std::size_t channelCount, s
 } // namespace
 
 RenderScratch::RenderScratch(std::size_t channelCount)
-    : gainReductionScratch(channelCount, 0.0),
+    : lastSends(channelCount),
+      gainReductionScratch(channelCount, 0.0),
       maskSize(channelCount + 1),
       routedMask(std::make_unique<bool[]>(channelCount + 1)) {}
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/routing_table.h"
 #include "dsp/channel_blocks.h"
 
 #include <cstddef>
@@ -29,6 +30,8 @@ class RenderScratch final {
     dsp::ChannelBlocks<float> outputFloatScratch;
     dsp::ChannelBlocks<double> masterOutputSumsScratch;
     dsp::ChannelBlocks<float> masterOutputFloatScratch;
+    /// The sends of each strip in the last block, from which ramps start.
+    std::vector<Sends> lastSends;
     /// Gain reduction of each strip in dB.
     std::vector<double> gainReductionScratch;
 

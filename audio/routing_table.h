@@ -28,6 +28,13 @@ class Sends final {
         if (channel >= 0) sends[count++] = {static_cast<std::size_t>(channel), gain};
     }
 
+    /// The gain of the send to a channel; 0 if there is none.
+    [[nodiscard]] double gainTo(std::size_t channel) const noexcept {
+        for (const Send& send : *this)
+            if (send.channel == channel) return send.gain;
+        return 0.0;
+    }
+
     [[nodiscard]] const Send* begin() const noexcept { return sends.data(); }
     [[nodiscard]] const Send* end() const noexcept { return sends.data() + count; }
 

@@ -101,7 +101,7 @@ class LiveRun final {
             if (!master) return master.error();
             engine->selectMasterOutputDevice(master.value());
         }
-        if (auto problem = setUpMix(*engine, document)) return *std::move(problem);
+        if (auto problem = setUpMix(*engine, document, options.outputOverrides)) return *std::move(problem);
         // The show begins without a plugin that hangs; the plugin joins once it is ready.
         awaitPlugins(*engine, loop, IfStuck::goOn, [] { return false; });
         chooseBufferSize(document.has_value());

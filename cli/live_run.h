@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/output_overrides.h"
 #include "machine/audio_machine.h"
 
 #include <cstddef>
@@ -23,6 +24,7 @@ struct LiveRunOptions {
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's, or else the device's current size, if absent.
     std::optional<std::int64_t> bufferSize = {};
+    OutputOverrides outputOverrides = {};
     /// `engine::Services::insertWorkers`.
     std::size_t insertWorkers = 0;
     /// The id of the MIDI source to listen to; all of them if absent.

@@ -1,12 +1,15 @@
 #include "cli/render.h"
 
+#include "audio/routing_table.h"
 #include "cli/await_plugins.h"
+#include "cli/latency_compensation.h"
 #include "cli/mix_setup.h"
 #include "cli/offline_mixer.h"
 #include "cli/read_ahead.h"
 #include "cli/standard_input.h"
 #include "cli/stem_files.h"
 #include "cli/write_behind.h"
+#include "dsp/true_peak_limiter.h"
 #include "engine/routing_operations.h"
 #include "engine/session_files.h"
 #include "platform/base/planar_blocks.h"
@@ -173,7 +176,8 @@ class Run final {
                                                         ) {
                 if (warning) observer.warn(*warning);
             });
-        if (auto problem = setUpMix(mixer->engine(), document.value())) return *std::move(problem);
+        if (auto problem = setUpMix(mixer->engine(), document.value(), options.outputOverrides))
+            return *std::move(problem);
         const std::vector<std::string> names = stripNames(mixer->engine());
         if (auto distinct = checkDestinations(options, names); !distinct) return distinct.error();
         awaitPlugins(mixer->engine(), mixer->loop(), IfStuck::wait, observer.isCancelled);
@@ -210,6 +214,17 @@ class Run final {
     }
 
   private:
+    /// What the limiter, if it is on, makes late.
+    [[nodiscard]] LatencyCompensation compensation(std::size_t outputCount) const {
+        const session::MasterSettings& master = mixer->engine().state().master.get();
+        std::vector<std::size_t> late;
+        for (const audio::Send& send : audio::sendsOf(master.masterOutputRouting))
+            late.push_back(send.channel);
+        const bool isLimited = master.outputOptions.limiterCeilingDBTP && !late.empty();
+        const std::size_t frames = isLimited ? dsp::TruePeakLimiter::latencyFrames(source.sampleRate()) : 0;
+        return {frames, std::move(late), outputCount, stemCount};
+    }
+
     Run(SoundFileReader input, Files files, std::unique_ptr<OfflineMixer> startedMixer, std::size_t outputs)
         : source(std::move(input)),
           mixer(std::move(startedMixer)),
@@ -217,6 +232,8 @@ class Run final {
           chunkLength(std::max(framesPerChunk / mixer->blockLength(), std::size_t{1}) * mixer->blockLength()),
           stemCount(files.sound.stems ? mixer->engine().state().channelStrips.get().size() : 0),
           reportFile(std::move(files.report)),
+          silence(source.channelCount(), chunkLength),
+          latency(compensation(outputs)),
           reader(source, chunkLength),
           writer(
               std::move(files.sound),
@@ -237,29 +254,44 @@ class Run final {
                 const auto written = writer.finish();
                 return written ? read.error() : written.error();
             }
-            if (read.value() == nullptr) return Done{};
-            auto chunk = writer.next();
-            if (!chunk) return chunk.error();
-            if (auto mixed = mixChunk(*read.value(), *chunk.value(), observer); !mixed) return mixed;
-            writer.write();
+            if (read.value() == nullptr) return mixDelayed(observer);
+            framesRead += read.value()->frameCount;
+            const auto mixed = mixChunk(read.value()->blocks, read.value()->frameCount, observer);
+            if (!mixed) return mixed;
         }
     }
 
-    /// The last block is padded with silence; only the frames that the input covers are written.
-    Result<Done>
-    mixChunk(ReadAhead::Chunk& captured, WriteBehind::Chunk& mixed, const RenderObserver& observer) {
-        mixed.frameCount = captured.frameCount;
-        for (std::size_t at = 0; at < captured.frameCount; at += mixer->blockLength()) {
-            if (observer.isCancelled()) return Error{stopped};
-            mixer->cycle(
-                captured.blocks.readable(mixer->blockLength(), at),
-                mixed.outputs.writable(mixer->blockLength(), at)
-            );
-            report.add(*mixer);
-            takeStems(mixed.stems.writable(mixer->blockLength(), at));
-            observer.progress(framesMixed / static_cast<double>(source.frameCount()));
-            framesMixed += static_cast<double>(mixer->blockLength());
+    /// Mixes silence until all that the limiter delays has been written.
+    Result<Done> mixDelayed(const RenderObserver& observer) {
+        while (framesWritten < framesRead) {
+            const std::size_t frames = std::min(framesRead - framesWritten, chunkLength);
+            if (auto mixed = mixChunk(silence, frames, observer); !mixed) return mixed;
         }
+        return Done{};
+    }
+
+    /// The last block is padded with silence; no more frames are written than the input has.
+    Result<Done> mixChunk(PlanarBlocks& captured, std::size_t frameCount, const RenderObserver& observer) {
+        auto next = writer.next();
+        if (!next) return next.error();
+        WriteBehind::Chunk& mixed = *next.value();
+        mixed.frameCount = 0;
+        for (; mixed.frameCount < frameCount; mixed.frameCount += mixer->blockLength()) {
+            if (observer.isCancelled()) return Error{stopped};
+            const std::size_t at = mixed.frameCount;
+            mixer->cycle(
+                captured.readable(mixer->blockLength(), at), mixed.outputs.writable(mixer->blockLength(), at)
+            );
+            if (&captured != &silence) report.add(*mixer);
+            takeStems(mixed.stems.writable(mixer->blockLength(), at));
+            observer.progress(
+                static_cast<double>(framesWritten + at) / static_cast<double>(source.frameCount())
+            );
+        }
+        latency.align(mixed);
+        mixed.frameCount = std::min(mixed.frameCount, framesRead - framesWritten);
+        framesWritten += mixed.frameCount;
+        writer.write();
         return Done{};
     }
 
@@ -273,10 +305,13 @@ class Run final {
     SoundFileReader source;
     std::unique_ptr<OfflineMixer> mixer;
     RenderReportBuilder report;
-    double framesMixed = 0.0;
+    std::size_t framesRead = 0;
+    std::size_t framesWritten = 0;
     std::size_t chunkLength;
     std::size_t stemCount;
     std::optional<platform::AtomicFile> reportFile;
+    PlanarBlocks silence;
+    LatencyCompensation latency;
     ReadAhead reader;
     WriteBehind writer;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/output_overrides.h"
 #include "cli/render_report.h"
 #include "platform/base/result.h"
 
@@ -26,6 +27,7 @@ struct RenderOptions {
     std::optional<std::size_t> outputs = {};
     /// In frames, one of the sizes that the mixer offers; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};
+    OutputOverrides outputOverrides = {};
     /// The folder for one sound file per strip.
     std::optional<std::filesystem::path> stems = {};
     /// The file for the figures.

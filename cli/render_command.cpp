@@ -70,6 +70,7 @@ void addRenderCommand(CLI::App& program, Action& action) {
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
+    addOutputOptions(*command, options->outputOverrides);
     command->add_option("--stems", options->stems, "Folder for one file per strip: its automixed signal");
     command->add_option("--report", options->report, "JSON file for gains, levels, time and load");
     command->callback([options, &action] { action = [options] { return runRender(*options); }; });

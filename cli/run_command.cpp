@@ -41,6 +41,7 @@ void addRunCommand(CLI::App& program, Action& action) {
         ->check(CLI::IsMember(
             std::vector<std::int64_t>(std::begin(engine::bufferSizes), std::end(engine::bufferSizes))
         ));
+    addOutputOptions(*command, options->outputOverrides);
     command->add_option("--rate", options->machine.sampleRate, "Sample rate in Hz; otherwise the device's")
         ->check(CLI::Range(machine::lowestSampleRate, machine::highestSampleRate));
     command

@@ -158,6 +158,10 @@ void MixerEngine::setPan(const Uuid& strip, double pan) {
     });
 }
 
+void MixerEngine::setOutputOptions(const dsp::OutputOptions& options) {
+    mix.editMaster([&options](session::MasterSettings& edited) { edited.outputOptions = options; });
+}
+
 void MixerEngine::setMasterOutputRouting(const session::MasterOutputRouting& routing) {
     mix.editMaster([&routing](session::MasterSettings& edited) { edited.masterOutputRouting = routing; });
 }

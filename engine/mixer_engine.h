@@ -126,6 +126,7 @@ class MixerEngine final {
         set(&session::MasterSettings::referenceNoiseGain, linearGain);
     }
     void setDuckerReleaseMs(double releaseMs) { set(&session::MasterSettings::duckerReleaseMs, releaseMs); }
+    void setOutputOptions(const dsp::OutputOptions& options);
     void setMasterOutputRouting(const session::MasterOutputRouting& routing);
     void setMasterOutputChannel(std::optional<std::int64_t> channel);
     void setMasterStereo(bool on);

@@ -87,6 +87,7 @@ RunningAudio::RunningAudio(
       )),
       state(std::make_shared<audio::MixerRealtimeState>(mix.channelStrips.size(), clock)) {
     mainIO = makeIO(hardware, setup.main, setup.bufferSize, Role::main);
+    state->limiter = std::make_unique<dsp::TruePeakLimiter>(setup.main.sampleRate);
     setMaster(mix.master);
     processor->setSettings(automixSettings(mix.channelStrips));
     state->sampleRate = setup.main.sampleRate;
@@ -183,6 +184,8 @@ void RunningAudio::setMaster(const session::MasterSettings& settings) {
     processor->setLeadGroupGainDB(settings.levels.leadGroupGainDB);
     processor->setBackingGroupGainDB(settings.levels.backingGroupGainDB);
     processor->setReleaseMs(settings.duckerReleaseMs);
+    processor->setOutputOptions(settings.outputOptions);
+    state->limiter->setCeiling(settings.outputOptions.limiterCeilingDBTP);
     state->setNoiseGain(settings.referenceNoiseGain);
 }
 

@@ -17,11 +17,15 @@ inline constexpr std::string_view componentManufacturer = "componentManufacturer
 inline constexpr std::string_view componentSubType = "componentSubType";
 inline constexpr std::string_view componentType = "componentType";
 inline constexpr std::string_view duckerReleaseMs = "duckerReleaseMs";
+inline constexpr std::string_view fastOnset = "fastOnset";
+inline constexpr std::string_view gainRamps = "gainRamps";
 inline constexpr std::string_view genderMode = "genderMode";
 inline constexpr std::string_view id = "id";
 inline constexpr std::string_view inputChannelIndex = "inputChannelIndex";
 inline constexpr std::string_view leadGroupGainDB = "leadGroupGainDB";
 inline constexpr std::string_view left = "left";
+inline constexpr std::string_view leveler = "leveler";
+inline constexpr std::string_view limiterCeilingDBTP = "limiterCeilingDBTP";
 inline constexpr std::string_view masterOutputRouting = "masterOutputRouting";
 inline constexpr std::string_view masterTargetDB = "masterTargetDB";
 inline constexpr std::string_view midiTrigger = "midiTrigger";
@@ -30,6 +34,8 @@ inline constexpr std::string_view muted = "muted";
 inline constexpr std::string_view name = "name";
 inline constexpr std::string_view none = "none";
 inline constexpr std::string_view note = "note";
+inline constexpr std::string_view openMicrophoneLimit = "openMicrophoneLimit";
+inline constexpr std::string_view outputOptions = "outputOptions";
 inline constexpr std::string_view outputRouting = "outputRouting";
 inline constexpr std::string_view pan = "pan";
 inline constexpr std::string_view pluginName = "pluginName";
@@ -55,11 +61,15 @@ inline constexpr std::array all = {
     componentSubType,
     componentType,
     duckerReleaseMs,
+    fastOnset,
+    gainRamps,
     genderMode,
     id,
     inputChannelIndex,
     leadGroupGainDB,
     left,
+    leveler,
+    limiterCeilingDBTP,
     masterOutputRouting,
     masterTargetDB,
     midiTrigger,
@@ -68,6 +78,8 @@ inline constexpr std::array all = {
     name,
     none,
     note,
+    openMicrophoneLimit,
+    outputOptions,
     outputRouting,
     pan,
     pluginName,

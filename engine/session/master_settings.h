@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dsp/output_options.h"
 #include "engine/session/master_output_routing.h"
 
 namespace orvane::session {
@@ -25,6 +26,7 @@ struct MasterSettings {
     double duckerReleaseMs = 400.0;
     /// Where the master bus goes.
     MasterOutputRouting masterOutputRouting = master_output::None{};
+    dsp::OutputOptions outputOptions = {};
 
     bool operator==(const MasterSettings&) const = default;
 };

@@ -129,6 +129,28 @@ Snapshot readSnapshot(const DocumentNode& node) {
         .midiTrigger = node.optional(key::midiTrigger, readMIDITrigger)};
 }
 
+dsp::LevelerMode readLeveler(const DocumentNode& node) {
+    return readWord(node, dsp::levelerModeFromRawValue);
+}
+
+double readCeiling(const DocumentNode& node) {
+    const double ceiling = node.number();
+    if (ceiling < dsp::lowestCeilingDBTP || ceiling > dsp::highestCeilingDBTP)
+        node.fail("is not between -20 and 0");
+    return ceiling;
+}
+
+dsp::OutputOptions readOutputOptions(const DocumentNode& node) {
+    const dsp::OutputOptions defaults;
+    return {
+        .leveler = node.optional(key::leveler, readLeveler).value_or(defaults.leveler),
+        .gainRamps = node.optional(key::gainRamps, &DocumentNode::boolean).value_or(defaults.gainRamps),
+        .openMicrophoneLimit = node.optional(key::openMicrophoneLimit, &DocumentNode::boolean)
+                                   .value_or(defaults.openMicrophoneLimit),
+        .fastOnset = node.optional(key::fastOnset, &DocumentNode::boolean).value_or(defaults.fastOnset),
+        .limiterCeilingDBTP = node.optional(key::limiterCeilingDBTP, readCeiling)};
+}
+
 MasterSettings readMaster(const DocumentNode& node) {
     const MasterSettings defaults;
     return {
@@ -136,7 +158,9 @@ MasterSettings readMaster(const DocumentNode& node) {
         .referenceNoiseGain = numberOr(defaults.referenceNoiseGain, node, key::referenceNoiseGain),
         .duckerReleaseMs = numberOr(defaults.duckerReleaseMs, node, key::duckerReleaseMs),
         .masterOutputRouting = node.optional(key::masterOutputRouting, readMasterOutputRouting)
-                                   .value_or(defaults.masterOutputRouting)};
+                                   .value_or(defaults.masterOutputRouting),
+        .outputOptions =
+            node.optional(key::outputOptions, readOutputOptions).value_or(defaults.outputOptions)};
 }
 
 std::vector<bool> readFlags(const DocumentNode& node) {

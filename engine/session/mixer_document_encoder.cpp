@@ -127,6 +127,16 @@ void write(JSONWriter& to, const Snapshot& snapshot) {
     to.endObject();
 }
 
+void write(JSONWriter& to, const dsp::OutputOptions& options) {
+    to.beginObject();
+    to.member(key::fastOnset, options.fastOnset);
+    to.member(key::gainRamps, options.gainRamps);
+    to.member(key::leveler, dsp::rawValue(options.leveler));
+    if (options.limiterCeilingDBTP) to.member(key::limiterCeilingDBTP, *options.limiterCeilingDBTP);
+    to.member(key::openMicrophoneLimit, options.openMicrophoneLimit);
+    to.endObject();
+}
+
 void write(JSONWriter& to, const MixerDocumentData& data) {
     to.beginObject();
     to.member(key::backingGroupGainDB, data.master.levels.backingGroupGainDB);
@@ -136,6 +146,10 @@ void write(JSONWriter& to, const MixerDocumentData& data) {
     to.member(key::leadGroupGainDB, data.master.levels.leadGroupGainDB);
     writeRouting(to, key::masterOutputRouting, data.master.masterOutputRouting);
     to.member(key::masterTargetDB, data.master.levels.masterTargetDB);
+    if (data.master.outputOptions != dsp::OutputOptions{}) {
+        to.key(key::outputOptions);
+        write(to, data.master.outputOptions);
+    }
     writeList(to, key::pluginSlotRecallSafe, data.pluginSlotRecallSafe);
     to.member(key::referenceNoiseGain, data.master.referenceNoiseGain);
     writeList(to, key::snapshots, data.snapshots);

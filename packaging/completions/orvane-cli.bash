@@ -1,14 +1,20 @@
 # Completion of orvane-cli in bash.
 
+_orvane_cli_output_options="--leveler --limiter --gain-ramps --no-gain-ramps --open-microphone-limit \
+--no-open-microphone-limit --fast-onset --no-fast-onset"
+
 _orvane_cli_options() {
     case $1 in
     devices) echo "--help --json --virtual-input" ;;
     midi) echo "--help --json --send --seconds" ;;
     plugins) echo "--help --json" ;;
-    render) echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" ;;
+    render)
+        echo "--help --input --output --session --channels --outputs --buffer-size --stems --report" \
+            "$_orvane_cli_output_options"
+        ;;
     run)
         echo "--help --session --channels --device --master-device --buffer-size --rate --insert-workers --midi-source --learn" \
-            "--seconds --meters --virtual-input --record --force"
+            "--seconds --meters --virtual-input --record --force" "$_orvane_cli_output_options"
         ;;
     session) echo "--help --channels --new --force" ;;
     *) echo "--help --version devices midi plugins render run session" ;;
@@ -36,6 +42,9 @@ _orvane_cli() {
     --midi-source)
         COMPREPLY=($(compgen -W "$(orvane-cli midi --json 2>/dev/null |
             sed -n 's/^ *"id": \(-*[0-9]*\),*$/\1/p')" -- "$cur"))
+        ;;
+    --leveler)
+        COMPREPLY=($(compgen -W "follow hold off" -- "$cur"))
         ;;
     --buffer-size)
         COMPREPLY=($(compgen -W "32 64 96 128 192 256 512 768 1024 2048" -- "$cur"))

@@ -32,6 +32,13 @@ _orvane_cli() {
         _arguments $help '(- *)--version[print the version and exit]'
         return
     fi
+    local -a output_options=(
+        '--leveler[how the leveler moves its gain]:mode:(follow hold off)'
+        '--limiter[ceiling in dB true peak, or off]:dBTP:(-1 off)'
+        '(--gain-ramps --no-gain-ramps)'{--gain-ramps,--no-gain-ramps}'[run gains in a line]'
+        '(--open-microphone-limit --no-open-microphone-limit)'{--open-microphone-limit,--no-open-microphone-limit}'[all microphones as open as one]'
+        '(--fast-onset --no-fast-onset)'{--fast-onset,--no-fast-onset}'[open a voice within 5 ms]'
+    )
     local subcommand=$words[2]
     shift words
     ((CURRENT--))
@@ -42,7 +49,7 @@ _orvane_cli() {
         ;;
     plugins) _arguments $help $json ;;
     render)
-        _arguments $help $session $channels $buffer_size \
+        _arguments $help $session $channels $buffer_size $output_options \
             '--input[sound file whose channels are the inputs]:sound file:_files' \
             '--output[sound file for the outputs]:sound file:_files' \
             '--outputs[number of outputs]:outputs:' \
@@ -50,7 +57,7 @@ _orvane_cli() {
             '--report[JSON file for gains, levels, time and load]:file:_files'
         ;;
     run)
-        _arguments $help $session $channels $buffer_size $virtual_input \
+        _arguments $help $session $channels $buffer_size $output_options $virtual_input \
             '--device[audio device]:uid:_orvane_cli_devices' \
             '--master-device[device for the master bus]:uid:_orvane_cli_devices' \
             '--rate[sample rate in Hz]:rate:(44100 48000 88200 96000 176400 192000)' \

@@ -7,6 +7,7 @@
 #include "plugins/insert_components.h"
 #include "support/build_files.h"
 #include "support/file_size_limit.h"
+#include "support/random_blocks.h"
 #include "support/scripted_plugin.h"
 #include "support/temporary_folder.h"
 
@@ -126,6 +127,35 @@ TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
     EXPECT_EQ(readSound(folder / "stems/02 Mic_2.wav")[0], input[1]);
     EXPECT_EQ(rendering.report.value().blocks, 2U);
     EXPECT_THAT(rendering.progress, ElementsAre(0.0, 64.0 / 101.0));
+}
+
+TEST(Render, StaysAlignedIfTheLimiterDelaysSomeOutputs) {
+    const TemporaryFolder folder;
+    session::MixerDocumentData document = bypassedSession({output::Mono{3}, output::Mono{0}});
+    document.master.masterOutputRouting = session::master_output::Stereo{0, 1};
+    Samples input(2, std::vector<float>(5000));
+    test::Random random(1);
+    for (std::vector<float>& channel : input)
+        test::fillWithSignal(random, std::span(channel));
+    const auto renderWith = [&](std::optional<double> ceiling) {
+        const Rendering rendering(
+            {.input = writeSound(folder, "in.wav", input),
+             .output = folder / "out.wav",
+             .session = writeSession(folder, document),
+             .outputOverrides = {.leveler = dsp::LevelerMode::off, .limiterCeilingDBTP = ceiling},
+             .stems = folder / "stems"}
+        );
+        EXPECT_TRUE(rendering.report) << rendering.report.error().description;
+        EXPECT_EQ(readSound(folder / "stems/01 Mic_1.wav")[0], input[0]);
+        return readSound(folder / "out.wav");
+    };
+    const Samples plain = renderWith(std::nullopt);
+    const Samples limited = renderWith(-20.0);
+    EXPECT_EQ(limited[3], plain[3]);
+    ASSERT_EQ(limited[1].size(), plain[1].size());
+    // Where the limited output does not have the samples of the plain one, it is lower.
+    for (std::size_t i = 0; i < plain[1].size(); ++i)
+        ASSERT_LE(std::abs(limited[1][i]), std::abs(plain[1][i]) + 1e-9F) << i;
 }
 
 TEST(Render, HandlesSessionsThatDoNotFitTheSound) {

@@ -27,7 +27,12 @@ class Draw final {
   private:
     MasterSettings master() {
         const auto output = routing<MasterOutputRouting>(master_output::Stereo{integer(), integer()});
-        return {levels(), number(), number(), output};
+        return {levels(), number(), number(), output, options()};
+    }
+    dsp::OutputOptions options() {
+        return {
+            static_cast<dsp::LevelerMode>(below(3)), flag(), flag(), flag(),
+            maybe(-static_cast<double>(below(2001)) / 100.0)};
     }
     MasterLevels levels() { return {number(), number(), number()}; }
 

@@ -108,7 +108,8 @@ TEST(MixerDocumentCodec, MissingAndNullSettingsTakeTheirDefaults) {
     const std::vector<std::string> keys = {"masterOutputRouting",  "leadGroupGainDB",    "backingGroupGainDB",
                                            "pluginSlotRecallSafe", "referenceNoiseGain", "duckerReleaseMs",
                                            "midiTrigger",          "inputChannelIndex",  "vocalRole",
-                                           "pluginName",           "component",          "presetData"};
+                                           "pluginName",           "component",          "presetData",
+                                           "outputOptions"};
     for (std::uint64_t seed = 1; seed <= 20; ++seed) {
         const MixerDocumentData whole = randomDocument(seed);
         const double targetDB = whole.master.levels.masterTargetDB;
