@@ -11,6 +11,7 @@
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
+#include "ui/mixer/master_section.h"
 #include "ui/mixer/strip_rows.h"
 #include "ui/strip/channel_strip_view.h"
 
@@ -437,13 +438,44 @@ TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
 }
 
 TEST_F(Mixer, ShowsEverythingAtTheSmallestWindowSize) {
+    for (const std::size_t channels : {8, 24, 48}) {
+        build(channels);
+        view->resize(900, 518);
+        QApplication::processEvents();
+        for (const auto* each : view->findChildren<QAbstractButton*>("command"))
+            EXPECT_GE(each->width(), each->sizeHint().width()) << each->text().toStdString();
+        EXPECT_LE(viewsIn<MasterSection>(*view).at(0)->height(), 90);
+        const auto& rows = *viewsIn<StripRows>(*view).at(0);
+        EXPECT_EQ(rows.verticalScrollBar()->maximum(), 0) << channels;
+        for (const char* each : {"Name", "Input", "Trim", "Mute", "Bypass"}) {
+            const auto& control = viewNamed<QWidget>(rows, each);
+            EXPECT_FALSE(control.visibleRegion().isEmpty()) << each;
+            EXPECT_LE(control.mapTo(&rows, control.rect().bottomLeft()).y(), rows.viewport()->height());
+        }
+        EXPECT_GE(buttonOf(rows, "Mute").height(), 32);
+    }
+}
+
+TEST_F(Mixer, ChangesToMixIfItIsTooLowForSetupUntilTheUserChooses) {
     build(8);
-    view->resize(900, 520);
-    QApplication::processEvents();
-    for (const auto* each : view->findChildren<QAbstractButton*>("command"))
-        EXPECT_GE(each->width(), each->sizeHint().width()) << each->text().toStdString();
-    for (const auto* strip : viewsIn<ChannelStripView>(*view))
-        EXPECT_EQ(strip->width(), 140);
+    const auto isMix = [this](int height) {
+        view->resize(1280, height);
+        QApplication::processEvents();
+        return !buttonOf(*view, "Insert 1 (empty)").isVisible();
+    };
+    EXPECT_FALSE(isMix(900));
+    const auto* strip = viewsIn<ChannelStripView>(*view).at(7);
+    const QSize setup = strip->size();
+    EXPECT_EQ(setup.width(), 140);
+    EXPECT_TRUE(isMix(600));
+    EXPECT_FALSE(isMix(900));
+    EXPECT_EQ(strip->size(), setup);
+    buttonOf(*view, "Presentation Mix").click();
+    EXPECT_TRUE(isMix(900));
+    EXPECT_GT(strip->height(), setup.height()) << "Mix takes the height that there is.";
+    buttonOf(*strip, "Inserts in Setup").click();
+    EXPECT_FALSE(isMix(600));
+    EXPECT_FALSE(strip->visibleRegion().isEmpty());
 }
 
 } // namespace

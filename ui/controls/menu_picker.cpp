@@ -1,5 +1,7 @@
 #include "ui/controls/menu_picker.h"
 
+#include "ui/controls/sign.h"
+
 #include <QAbstractItemView>
 #include <QScrollBar>
 #include <QStyleOptionComboBox>
@@ -34,12 +36,21 @@ void MenuPicker::present(const QStringList& choices, int current, const QString&
     setCurrentIndex(current);
 }
 
+void MenuPicker::setSign(const QString& text) {
+    if (text == sign) return;
+    sign = text;
+    setAttribute(Qt::WA_Hover);
+    update();
+}
+
 void MenuPicker::showPopup() {
     view()->setMinimumWidth(view()->sizeHintForColumn(0) + view()->verticalScrollBar()->sizeHint().width());
     QComboBox::showPopup();
 }
 
 void MenuPicker::paintEvent(QPaintEvent*) {
+    // The first choice is the absence of one.
+    if (!sign.isEmpty()) return paintSign(*this, sign, currentIndex() > 0);
     QStylePainter painter(this);
     painter.setPen(palette().color(QPalette::Text));
     QStyleOptionComboBox option;

@@ -19,6 +19,9 @@ class MenuPicker final : public QComboBox {
     /// Offers `choices` and shows the one at `current`, or `placeholder` if `current` is -1.
     void present(const QStringList& choices, int current, const QString& placeholder = {});
 
+    /// Shows a short text instead of the current choice; an empty one shows the choice again.
+    void setSign(const QString& text);
+
     /// Opens the menu as wide as the longest choice.
     void showPopup() override;
 
@@ -29,6 +32,7 @@ class MenuPicker final : public QComboBox {
 
   private:
     QStringList offered;
+    QString sign;
 };
 
 } // namespace orvane::ui

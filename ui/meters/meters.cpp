@@ -25,8 +25,15 @@ constexpr QMargins lyingOverhang(18, 2, 12, 2);
 
 constexpr int columnSegments = 20;
 constexpr QSize columnSize(54, 150);
-constexpr QSize wideMeterSize(240, 14);
-constexpr QSize wideScaleSize(240, 10);
+constexpr QSize smallestColumn(50, 80);
+constexpr int widestColumn = 74;
+constexpr int columnSpacing = 3;
+constexpr int reductionWidth = 10;
+constexpr int scaleWidth = 20;
+constexpr int wideMeterLength = 240;
+constexpr int shortestWideMeter = 150;
+constexpr int wideMeterHeight = 14;
+constexpr int wideScaleHeight = 10;
 
 constexpr const char* reductionHelp =
     "Gain reduction -- how far the automix is currently holding this channel below unity, in dB.";
@@ -121,16 +128,28 @@ ChannelMeterColumn::ChannelMeterColumn(
       level(columnSegments, std::nullopt, this),
       reduction(columnSegments, this),
       scale(this) {
-    setFixedSize(columnSize.grownBy(QMargins(0, uprightOverhang.top(), 0, uprightOverhang.bottom())));
-    const int top = uprightOverhang.top();
-    level.setGeometry(0, top, 18, columnSize.height());
-    reduction.setGeometry(21, top, 10, columnSize.height());
-    scale.setFrame(QRect(34, top, 20, columnSize.height()));
+    setGrowing(false);
     reduction.setToolTip(QString::fromUtf8(reductionHelp));
     subscriptions.push_back(model.channelMeters.subscribe([this](const auto&) { showLevel(); }));
     subscriptions.push_back(model.channelGainReductionDB.subscribe([this](const auto&) { showReduction(); }));
     subscriptions.push_back(isRunning.subscribe([this](bool now) { rest(now); }));
     rest(isRunning.get());
+}
+
+void ChannelMeterColumn::setGrowing(bool grows) {
+    const QMargins overhang(0, uprightOverhang.top(), 0, uprightOverhang.bottom());
+    setMinimumSize((grows ? smallestColumn : columnSize).grownBy(overhang));
+    setMaximumSize(grows ? QSize(widestColumn, QWIDGETSIZE_MAX) : minimumSize());
+}
+
+void ChannelMeterColumn::resizeEvent(QResizeEvent*) {
+    const int top = uprightOverhang.top();
+    const int length = height() - top - uprightOverhang.bottom();
+    const int scaleLeft = width() - scaleWidth;
+    const int reductionLeft = scaleLeft - columnSpacing - reductionWidth;
+    level.setGeometry(0, top, reductionLeft - columnSpacing, length);
+    reduction.setGeometry(reductionLeft, top, reductionWidth, length);
+    scale.setFrame(QRect(scaleLeft, top, scaleWidth, length));
 }
 
 void ChannelMeterColumn::rest(bool isRunning) {
@@ -162,15 +181,25 @@ WideMeterColumn::WideMeterColumn(
     std::optional<QColor> tint, QWidget* parent
 )
     : QWidget(parent), level(columnSegments, tint, this), scale(this) {
-    const int left = lyingOverhang.left();
-    const int height = wideMeterSize.height() + wideScaleSize.height();
-    setFixedSize(left + wideMeterSize.width() + lyingOverhang.right(), height + lyingOverhang.bottom());
-    level.setGeometry(QRect(QPoint(left, 0), wideMeterSize));
-    scale.setFrame(QRect(QPoint(left, wideMeterSize.height()), wideScaleSize));
+    setFixedHeight(wideMeterHeight + wideScaleHeight + lyingOverhang.bottom());
+    setShrinking(false);
     subscriptions.push_back(value.subscribe([this](double rms) { level.setLevel(rms); }));
     subscriptions.push_back(isRunning.subscribe([this](bool now) { level.setResting(!now); }));
     level.setLevel(value.get());
     level.setResting(!isRunning.get());
+}
+
+void WideMeterColumn::setShrinking(bool shrinks) {
+    const int overhang = lyingOverhang.left() + lyingOverhang.right();
+    setMinimumWidth((shrinks ? shortestWideMeter : wideMeterLength) + overhang);
+    setMaximumWidth(wideMeterLength + overhang);
+}
+
+void WideMeterColumn::resizeEvent(QResizeEvent*) {
+    const int left = lyingOverhang.left();
+    const int length = width() - left - lyingOverhang.right();
+    level.setGeometry(left, 0, length, wideMeterHeight);
+    scale.setFrame(QRect(left, wideMeterHeight, length, wideScaleHeight));
 }
 
 } // namespace orvane::ui

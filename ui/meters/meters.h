@@ -89,10 +89,14 @@ class ChannelMeterColumn final : public QWidget {
         const platform::Published<bool>& isRunning, QWidget* parent = nullptr
     );
 
+    /// Whether the meters take the room that there is instead of a fixed size.
+    void setGrowing(bool grows);
+
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
     [[nodiscard]] const GateMeterView& reductionMeter() const { return reduction; }
 
   protected:
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
@@ -117,7 +121,13 @@ class WideMeterColumn final : public QWidget {
         std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr
     );
 
+    /// Whether the meter may be shorter than its usual length if there is little room.
+    void setShrinking(bool shrinks);
+
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     MeterView level;

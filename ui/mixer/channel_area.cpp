@@ -4,6 +4,7 @@
 #include "ui/controls/divider.h"
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/text_label.h"
+#include "ui/mixer/presentation.h"
 #include "ui/mixer/strip_rows.h"
 
 #include <QHBoxLayout>
@@ -17,6 +18,8 @@ namespace {
 
 constexpr int pickerWidth = 320;
 constexpr int pickerHeight = 28;
+constexpr int presentationWidth = 140;
+constexpr int presentationHeight = 32;
 constexpr int pageButtonWidth = 74;
 constexpr int padding = 12;
 constexpr int headerHeight = 46;
@@ -32,14 +35,20 @@ QStringList labelsOf(const ChannelLayout& layout, const std::vector<ChannelLayou
 } // namespace
 
 ChannelArea::ChannelArea(
-    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, QWidget* parent
+    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
+    Presentation& mixerPresentation, QWidget* parent
 )
     : QWidget(parent),
+      presentation(mixerPresentation),
       shown({.channelCount = mixerEngine.state().channelStrips.get().size()}),
       modes(shown.offeredModes()),
       modePicker(new SegmentedPicker(
           QStringLiteral("Channel layout"), labelsOf(shown, modes),
           [this](int choice) { setLayoutMode(modes[static_cast<std::size_t>(choice)]); }
+      )),
+      presentationPicker(new SegmentedPicker(
+          QStringLiteral("Presentation"), {QStringLiteral("Setup"), QStringLiteral("Mix")},
+          [this](int choice) { presentation.choose(static_cast<StripPresentation>(choice)); }
       )),
       pages(new QWidget),
       fileErrorMessage(makeText({}, TextStyle::callout, theme::red)),
@@ -54,6 +63,12 @@ ChannelArea::ChannelArea(
     lines->addWidget(makeHorizontalDivider());
     lines->addWidget(fileErrorMessage);
     lines->addWidget(rows, 1);
+    rows->setOpenSetup([this](std::size_t strip) {
+        presentation.choose(StripPresentation::setup);
+        reveal(strip);
+    });
+    presentationSubscription = presentation.shown().subscribe([this](auto) { showPresentation(); });
+    showPresentation();
     if (std::ranges::find(modes, shown.mode) == modes.end()) shown.mode = modes.front();
     showPages();
 }
@@ -61,6 +76,11 @@ ChannelArea::ChannelArea(
 QWidget* ChannelArea::makeHeader() {
     modePicker->setToolTip(QStringLiteral("Switch which channels are shown."));
     modePicker->setFixedSize(pickerWidth, pickerHeight);
+    presentationPicker->setToolTip(
+        QStringLiteral("Setup shows every control of a strip. Mix shows names, meters, trim, Mute and Byp as "
+                       "large as the window allows, and the rest as small signs (F2).")
+    );
+    presentationPicker->setFixedSize(presentationWidth, presentationHeight);
     pages->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* const pageRow = new QHBoxLayout(pages);
     pageRow->setContentsMargins(0, 0, 0, 0);
@@ -75,6 +95,7 @@ QWidget* ChannelArea::makeHeader() {
     row->addWidget(modePicker);
     row->addWidget(pages);
     row->addStretch();
+    row->addWidget(presentationPicker);
     return header;
 }
 
@@ -90,6 +111,20 @@ void ChannelArea::setPage(std::size_t page) {
     if (page == shown.page || page >= shown.pageCount()) return;
     shown.page = page;
     arrange();
+}
+
+void ChannelArea::reveal(std::size_t strip) {
+    if (shown.isPaged()) setPage(shown.pageOf(strip));
+    rows->reveal(strip);
+}
+
+int ChannelArea::heightForSetup() const {
+    return headerHeight + 1 + rows->heightForSetup();
+}
+
+void ChannelArea::showPresentation() {
+    presentationPicker->setCurrent(static_cast<int>(presentation.shown().get()));
+    rows->setPresentation(presentation.shown().get());
 }
 
 void ChannelArea::turn(bool forwards) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
 #include "ui/mixer/channel_layout.h"
 #include "ui/strip/installed_components.h"
 
@@ -16,21 +17,27 @@ class QLabel;
 namespace orvane::ui {
 
 class ConsoleButton;
+class Presentation;
 class SegmentedPicker;
 class StripRows;
 
 /// The strips, the picker of their layout, and the error message about session files. Main thread.
 class ChannelArea final : public QWidget {
   public:
-    /// `mixerEngine` and `installedComponents` must outlive the view.
+    /// The parameters must outlive the view. `presentation` is what the picker of the presentation chooses.
     ChannelArea(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
-        QWidget* parent = nullptr
+        Presentation& presentation, QWidget* parent = nullptr
     );
 
     [[nodiscard]] const ChannelLayout& channelLayout() const { return shown; }
     void setLayoutMode(ChannelLayoutMode mode);
     void setPage(std::size_t page);
+
+    /// Turns to the page of a strip and scrolls to it.
+    void reveal(std::size_t strip);
+    /// The height at which every strip of a row is in sight as a whole in Setup.
+    [[nodiscard]] int heightForSetup() const;
 
     /// Turns to the next or previous page; without pages, scrolls by the visible strips.
     void turn(bool forwards);
@@ -42,14 +49,18 @@ class ChannelArea final : public QWidget {
     QWidget* makeHeader();
     void showPages();
     void arrange();
+    void showPresentation();
 
+    Presentation& presentation;
     ChannelLayout shown;
     const std::vector<ChannelLayoutMode> modes;
     SegmentedPicker* const modePicker;
+    SegmentedPicker* const presentationPicker;
     QWidget* const pages;
     std::vector<ConsoleButton*> pageButtons;
     QLabel* const fileErrorMessage;
     StripRows* const rows;
+    platform::Subscription presentationSubscription;
 };
 
 } // namespace orvane::ui

@@ -31,6 +31,7 @@ struct ChannelLayout {
     [[nodiscard]] bool isPaged() const { return mode != ChannelLayoutMode::all; }
     [[nodiscard]] std::size_t pageCount() const;
     [[nodiscard]] StripRange stripsOf(std::size_t pageIndex) const;
+    [[nodiscard]] std::size_t pageOf(std::size_t strip) const { return strip / pageSize(); }
     /// The visible strips, one range per row.
     [[nodiscard]] std::vector<StripRange> rows() const;
 

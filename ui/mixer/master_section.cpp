@@ -22,6 +22,9 @@ namespace {
 constexpr int padding = 12;
 constexpr int verticalPadding = 10;
 constexpr int lineSpacing = 6;
+constexpr int mixPadding = 6;
+constexpr int mixLineSpacing = 2;
+constexpr int mixGroupSpacing = 8;
 constexpr int groupSpacing = 10;
 constexpr int faderSpacing = 8;
 constexpr int dividerHeight = 20;
@@ -33,6 +36,7 @@ constexpr int millisecondWidth = 60;
 constexpr int factorWidth = 50;
 /// The room beside the title.
 constexpr int statusWidth = 190;
+constexpr int mixStatusWidth = 120;
 
 const QString targetHelp =
     QStringLiteral("Target level for the total (summed) master output — e.g. 1 singer alone and a full choir "
@@ -143,7 +147,12 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
            .help = noiseHelp},
           [this](double value) { engine.setReferenceNoiseGain(value); }
       ),
-      status(makeCaption({})) {
+      status(makeCaption({})),
+      output(new MasterOutputControl(engine)),
+      masterMeter(new WideMeterColumn(engine.meterModel().masterMeter, engine.state().isRunning)),
+      noiseMeter(
+          new WideMeterColumn(engine.meterModel().pinkNoiseLevel, engine.state().isRunning, theme::pink)
+      ) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Master section"));
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -153,16 +162,15 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
 
     auto* const content = new QWidget;
     content->setFocusPolicy(Qt::ClickFocus);
-    auto* const groups = new QHBoxLayout(content);
-    groups->setContentsMargins(padding, verticalPadding, padding, verticalPadding);
-    groups->setSpacing(groupSpacing);
+    auto* const row = new QHBoxLayout(content);
     QLayout* const made[] = {makeMasterGroup(), makeGroupFaders(), makeDuckerGroup(), makeNoiseGroup()};
     for (QLayout* group : made) {
-        if (groups->count() > 0) groups->addWidget(makeVerticalDivider(dividerHeight), 0, Qt::AlignVCenter);
-        groups->addLayout(group);
+        if (row->count() > 0) row->addWidget(makeVerticalDivider(dividerHeight), 0, Qt::AlignVCenter);
+        row->addLayout(group);
     }
-    groups->addStretch();
+    row->addStretch();
     setWidget(content);
+    setPresentation(StripPresentation::setup);
 
     subscriptions.push_back(engine.state().master.subscribe([this](const auto&) { showSettings(); }));
     subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showStatus(); }));
@@ -181,13 +189,13 @@ void MasterSection::showSettings() {
 }
 
 QLayout* MasterSection::makeMasterGroup() {
-    QVBoxLayout* const lines = makeGroup();
-    lines->addLayout(makeRow(true, makeTitle(QStringLiteral("Master")), status));
-    lines->addWidget(new WideMeterColumn(engine.meterModel().masterMeter, engine.state().isRunning));
-    lines->addLayout(makeRow(false, makeCaption(QStringLiteral("Target")), target.slider, target.value));
-    lines->addWidget(new MasterOutputControl(engine));
-    lines->addStretch();
-    return lines;
+    masterLines = makeGroup();
+    masterLines->addLayout(makeRow(true, makeTitle(QStringLiteral("Master")), status));
+    masterLines->addWidget(masterMeter);
+    masterLines->addLayout(makeRow(false, makeCaption(QStringLiteral("Target")), target.slider, target.value)
+    );
+    masterLines->addStretch();
+    return masterLines;
 }
 
 QLayout* MasterSection::makeGroupFaders() {
@@ -197,10 +205,12 @@ QLayout* MasterSection::makeGroupFaders() {
         QVBoxLayout* const lines = makeGroup();
         lines->addLayout(makeRow(true, makeTitle(fader->slider->accessibleName()), fader->value));
         lines->addWidget(fader->slider);
-        lines->addStretch();
         faders->addLayout(lines);
     }
-    return faders;
+    groupLines = makeGroup();
+    groupLines->addLayout(faders);
+    groupLines->addStretch();
+    return groupLines;
 }
 
 QLayout* MasterSection::makeDuckerGroup() {
@@ -213,6 +223,7 @@ QLayout* MasterSection::makeDuckerGroup() {
         TextStyle::caption, theme::secondaryText
     );
     caption->setFixedWidth(releaseWidth);
+    explanations.push_back(caption);
     lines->addWidget(caption);
     lines->addStretch();
     return lines;
@@ -221,14 +232,13 @@ QLayout* MasterSection::makeDuckerGroup() {
 QLayout* MasterSection::makeNoiseGroup() {
     QVBoxLayout* const lines = makeGroup();
     lines->addWidget(makeTitle(QStringLiteral("Pink Noise")));
-    lines->addWidget(
-        new WideMeterColumn(engine.meterModel().pinkNoiseLevel, engine.state().isRunning, theme::pink)
-    );
+    lines->addWidget(noiseMeter);
     lines->addLayout(makeRow(false, makeCaption(QStringLiteral("Input Volume")), noise.slider, noise.value));
-    lines->addWidget(makeText(
+    explanations.push_back(makeText(
         QStringLiteral("Reference signal for the automix only — never sent to any output."),
         TextStyle::caption, theme::secondaryText
     ));
+    lines->addWidget(explanations.back());
     lines->addStretch();
     return lines;
 }
@@ -239,25 +249,57 @@ void MasterSection::showStatus() {
         engine.state().isRunning.get()
             ? QStringLiteral("Running — %1").arg(QString::fromStdString(device ? device->name : ""))
             : QStringLiteral("Stopped");
-    const QString fitting = status->fontMetrics().elidedText(text, Qt::ElideRight, statusWidth);
+    const int room = presentation == StripPresentation::mix ? mixStatusWidth : statusWidth;
+    const QString fitting = status->fontMetrics().elidedText(text, Qt::ElideRight, room);
     status->setText(fitting);
     status->setToolTip(fitting == text ? QString() : text);
     status->setAccessibleName(text);
 }
 
-int MasterSection::heightFor(int availableWidth) const {
-    const QSize needed = widget()->minimumSizeHint();
+void MasterSection::setPresentation(StripPresentation now) {
+    const bool isMix = now == StripPresentation::mix;
+    if (isMix && presentation != now) setupSize = widget()->minimumSizeHint();
+    presentation = now;
+    for (QWidget* text : explanations)
+        text->setHidden(isMix);
+    for (const ValueRow* each : {&target, &lead, &backing, &release, &noise})
+        each->setShrinking(isMix);
+    for (WideMeterColumn* meter : {masterMeter, noiseMeter})
+        meter->setShrinking(isMix);
+    for (QBoxLayout* lines : {masterLines, groupLines})
+        lines->removeWidget(output);
+    QBoxLayout* const place = isMix ? groupLines : masterLines;
+    place->insertWidget(place->count() - 1, output);
+    const int vertical = isMix ? mixPadding : verticalPadding;
+    widget()->layout()->setContentsMargins(padding, vertical, padding, vertical);
+    widget()->layout()->setSpacing(isMix ? mixGroupSpacing : groupSpacing);
+    masterLines->setSpacing(isMix ? mixLineSpacing : lineSpacing);
+    showStatus();
+    updateHeight();
+}
+
+void MasterSection::updateHeight() {
+    setFixedHeight(heightFor(widget()->minimumSizeHint(), width()));
+}
+
+int MasterSection::heightFor(QSize needed, int availableWidth) const {
     return needed.height()
            + (needed.width() > availableWidth ? horizontalScrollBar()->sizeHint().height() : 0);
 }
 
+int MasterSection::heightForSetup(int availableWidth) const {
+    const bool isSetup = presentation == StripPresentation::setup;
+    return heightFor(isSetup ? widget()->minimumSizeHint() : setupSize, availableWidth);
+}
+
 QSize MasterSection::sizeHint() const {
-    return {widget()->minimumSizeHint().width(), heightFor(std::numeric_limits<int>::max())};
+    const QSize needed = widget()->minimumSizeHint();
+    return {needed.width(), heightFor(needed, std::numeric_limits<int>::max())};
 }
 
 void MasterSection::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
-    setFixedHeight(heightFor(width()));
+    updateHeight();
 }
 
 void MasterSection::keyPressEvent(QKeyEvent* event) {

@@ -3,15 +3,20 @@
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
 #include "ui/mixer/value_row.h"
+#include "ui/strip/strip_presentation.h"
 
 #include <QScrollArea>
 
 #include <vector>
 
+class QBoxLayout;
 class QLabel;
 class QLayout;
 
 namespace orvane::ui {
+
+class MasterOutputControl;
+class WideMeterColumn;
 
 /// The master bus's level and output, the group faders, the ducker and the reference noise, side by side.
 /// Scrolls sideways if they do not fit. Main thread.
@@ -19,6 +24,12 @@ class MasterSection final : public QScrollArea {
   public:
     /// `mixerEngine` must outlive the view.
     explicit MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+
+    /// Mix has the same controls in less height: sliders and meters shrink with the window, and the texts
+    /// that explain are their tool tips only.
+    void setPresentation(StripPresentation now);
+    /// The height in Setup for a width.
+    [[nodiscard]] int heightForSetup(int availableWidth) const;
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -33,7 +44,8 @@ class MasterSection final : public QScrollArea {
     QLayout* makeNoiseGroup();
     void showSettings();
     void showStatus();
-    [[nodiscard]] int heightFor(int availableWidth) const;
+    void updateHeight();
+    [[nodiscard]] int heightFor(QSize needed, int availableWidth) const;
 
     engine::MixerEngine& engine;
     ValueRow target;
@@ -42,6 +54,15 @@ class MasterSection final : public QScrollArea {
     ValueRow release;
     ValueRow noise;
     QLabel* const status;
+    MasterOutputControl* const output;
+    WideMeterColumn* const masterMeter;
+    WideMeterColumn* const noiseMeter;
+    StripPresentation presentation = StripPresentation::setup;
+    /// What its content needs in Setup.
+    QSize setupSize;
+    QBoxLayout* masterLines = nullptr;
+    QBoxLayout* groupLines = nullptr;
+    std::vector<QWidget*> explanations;
     std::vector<platform::Subscription> subscriptions;
 };
 

@@ -9,6 +9,7 @@
 #include "ui/sheets/device_settings_view.h"
 #include "ui/sheets/snapshots_view.h"
 
+#include <QAction>
 #include <QDragEnterEvent>
 #include <QLineEdit>
 #include <QMimeData>
@@ -56,7 +57,9 @@ MixerView::MixerView(
       engine(mixerEngine),
       reconfigure(std::move(onReconfigureChannelCount)),
       components([&mixerEngine] { return mixerEngine.availableInsertComponents(); }),
-      channelArea(new ChannelArea(mixerEngine, components)),
+      togglePresentation(new QAction(QStringLiteral("Mix or Setup"), this)),
+      channelArea(new ChannelArea(mixerEngine, components, mixerPresentation)),
+      masterSection(new MasterSection(mixerEngine)),
       file(mixerEngine, components, *this, *channelArea),
       sessionCommands(
           mixerEngine, {.clearOutputs = [this] { confirmClearOutputs(); },
@@ -69,10 +72,17 @@ MixerView::MixerView(
     auto* const lines = new QVBoxLayout(this);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
-    lines->addWidget(new MixerToolbar(sessionCommands));
+    toolbar = new MixerToolbar(sessionCommands);
+    lines->addWidget(toolbar);
     lines->addWidget(channelArea, 1);
     lines->addWidget(makeHorizontalDivider());
-    lines->addWidget(new MasterSection(engine));
+    lines->addWidget(masterSection);
+    togglePresentation->setShortcut(Qt::Key_F2);
+    togglePresentation->setAutoRepeat(false);
+    connect(togglePresentation, &QAction::triggered, this, [this] { mixerPresentation.toggle(); });
+    presentationSubscription = mixerPresentation.shown().subscribe([this](StripPresentation now) {
+        masterSection->setPresentation(now);
+    });
     addShortcuts();
     setAcceptDrops(true);
     engine.refreshDevices();
@@ -90,6 +100,13 @@ void MixerView::addShortcuts() {
     };
     add(Qt::Key_PageDown, [this] { channelArea->turn(true); });
     add(Qt::Key_PageUp, [this] { channelArea->turn(false); });
+}
+
+void MixerView::resizeEvent(QResizeEvent*) {
+    mixerPresentation.setSetupFits(
+        height() >= toolbar->sizeHint().height() + channelArea->heightForSetup()
+                        + masterSection->heightForSetup(width())
+    );
 }
 
 void MixerView::save(std::function<void()> then) {

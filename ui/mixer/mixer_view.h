@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "ui/mixer/mixer_commands.h"
+#include "ui/mixer/presentation.h"
 #include "ui/mixer/session_file.h"
 #include "ui/strip/installed_components.h"
 
@@ -9,11 +10,14 @@
 
 #include <functional>
 
+class QAction;
 class QDialog;
 
 namespace orvane::ui {
 
 class ChannelArea;
+class MasterSection;
+class MixerToolbar;
 
 /// The content of the main window during a session: commands, strips, master section. Main thread.
 class MixerView final : public QWidget {
@@ -27,6 +31,9 @@ class MixerView final : public QWidget {
     ~MixerView() override;
 
     [[nodiscard]] const MixerCommands& commands() const { return sessionCommands; }
+    [[nodiscard]] Presentation& presentation() { return mixerPresentation; }
+    /// The command that changes between Setup and Mix.
+    [[nodiscard]] QAction* presentationCommand() const { return togglePresentation; }
     [[nodiscard]] SessionFile& sessionFile() { return file; }
     /// Commits pending edits and asks where to write the session. Calls `then` only after it was written.
     void save(std::function<void()> then = {});
@@ -36,6 +43,7 @@ class MixerView final : public QWidget {
   protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void addShortcuts();
@@ -46,7 +54,12 @@ class MixerView final : public QWidget {
     engine::MixerEngine& engine;
     const std::function<void()> reconfigure;
     InstalledComponents components;
+    Presentation mixerPresentation;
+    QAction* const togglePresentation;
+    MixerToolbar* toolbar = nullptr;
     ChannelArea* const channelArea;
+    MasterSection* const masterSection;
+    platform::Subscription presentationSubscription;
     SessionFile file;
     MixerCommands sessionCommands;
 };

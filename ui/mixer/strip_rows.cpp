@@ -13,8 +13,9 @@ namespace orvane::ui {
 
 namespace {
 
-constexpr int padding = 12;
+/// The distance of strips from each other and from the edges.
 constexpr int spacing = 12;
+constexpr int mixSpacing = 6;
 
 } // namespace
 
@@ -28,38 +29,91 @@ StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents
     setWidget(content);
     for (std::size_t index = 0; index < mixerEngine.state().channelStrips.get().size(); ++index) {
         strips.push_back(new ChannelStripView(mixerEngine, installedComponents, index, content));
-        strips.back()->resize(strips.back()->sizeHint());
         strips.back()->hide();
     }
+    if (!strips.empty()) setupSize = {strips.front()->maximumWidth(), strips.front()->sizeHint().height()};
     new ScrollGuard(*this);
 }
 
-void StripRows::arrange(const std::vector<StripRange>& rows) {
-    setUpdatesEnabled(false);
-    const auto isInSight = [&rows](std::size_t index) {
+void StripRows::arrange(const std::vector<StripRange>& stripRows) {
+    rows = stripRows;
+    const auto isInSight = [this](std::size_t index) {
         return std::ranges::any_of(rows, [index](const StripRange& row) {
             return row.first <= index && index < row.end;
         });
     };
+    setUpdatesEnabled(false);
     for (std::size_t index = 0; index < strips.size(); ++index)
-        if (!isInSight(index)) strips[index]->hide();
-    QSize size(0, padding);
-    for (const StripRange& row : rows) {
-        int left = padding;
-        int bottom = size.height();
-        for (std::size_t index = row.first; index < row.end; ++index) {
-            ChannelStripView& strip = *strips[index];
-            strip.move(left, size.height());
-            left += strip.width() + spacing;
-            bottom = std::max(bottom, strip.geometry().bottom() + 1 + spacing);
-            strip.show();
-        }
-        size = {std::max(size.width(), left - spacing + padding), bottom};
-    }
-    content->resize(size.width(), size.height() - spacing + padding);
+        strips[index]->setVisible(isInSight(index));
+    layOut();
     horizontalScrollBar()->setValue(0);
     verticalScrollBar()->setValue(0);
     setUpdatesEnabled(true);
+}
+
+void StripRows::setPresentation(StripPresentation now) {
+    presentation = now;
+    setUpdatesEnabled(false);
+    for (ChannelStripView* strip : strips)
+        strip->setPresentation(now);
+    layOut();
+    setUpdatesEnabled(true);
+}
+
+void StripRows::setOpenSetup(const std::function<void(std::size_t)>& action) {
+    for (std::size_t index = 0; index < strips.size(); ++index)
+        strips[index]->setOpenSetup([action, index] { action(index); });
+}
+
+void StripRows::reveal(std::size_t index) {
+    ensureWidgetVisible(strips[index], spacing, spacing);
+}
+
+int StripRows::heightForSetup() const {
+    const int wide = spacing + static_cast<int>(longestRow()) * (setupSize.width() + spacing);
+    const int bar = wide > width() ? horizontalScrollBar()->sizeHint().height() : 0;
+    return spacing + setupSize.height() + spacing + bar;
+}
+
+std::size_t StripRows::longestRow() const {
+    std::size_t longest = 1;
+    for (const StripRange& row : rows)
+        longest = std::max(longest, row.end - row.first);
+    return longest;
+}
+
+void StripRows::layOut() {
+    const QSize strip = stripSize();
+    const int gap = presentation == StripPresentation::mix ? mixSpacing : spacing;
+    int top = gap;
+    for (const StripRange& row : rows) {
+        int left = gap;
+        for (std::size_t index = row.first; index < row.end; ++index) {
+            strips[index]->setGeometry(QRect(QPoint(left, top), strip));
+            left += strip.width() + gap;
+        }
+        top += strip.height() + gap;
+    }
+    content->resize(gap + static_cast<int>(longestRow()) * (strip.width() + gap), top);
+}
+
+QSize StripRows::stripSize() const {
+    if (presentation == StripPresentation::setup || strips.empty()) return setupSize;
+    const auto columns = static_cast<int>(longestRow());
+    const auto lines = static_cast<int>(std::max<std::size_t>(rows.size(), 1));
+    const QSize room = maximumViewportSize();
+    const QSize smallest = strips.front()->minimumSizeHint();
+    const auto share = [](int length, int count) { return (length - mixSpacing) / count - mixSpacing; };
+    const int width =
+        std::clamp(share(room.width(), columns), strips.front()->minimumWidth(), setupSize.width());
+    const bool scrollsSideways = width > share(room.width(), columns);
+    const int height = room.height() - (scrollsSideways ? horizontalScrollBar()->sizeHint().height() : 0);
+    return {width, std::max(share(height, lines), smallest.height())};
+}
+
+void StripRows::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    if (presentation == StripPresentation::mix) layOut();
 }
 
 void StripRows::scrollSideways(bool toTheRight) {

@@ -4,9 +4,12 @@
 #include "ui/mixer/channel_layout.h"
 #include "ui/strip/channel_strip_view.h"
 #include "ui/strip/installed_components.h"
+#include "ui/strip/strip_presentation.h"
 
 #include <QScrollArea>
 
+#include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace orvane::ui {
@@ -19,17 +22,34 @@ class StripRows final : public QScrollArea {
     StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents);
 
     /// Shows the strips of the rows and hides all others.
-    void arrange(const std::vector<StripRange>& rows);
+    void arrange(const std::vector<StripRange>& stripRows);
+
+    /// In Mix the strips share the room: they are as narrow as necessary and as high as possible.
+    void setPresentation(StripPresentation now);
+    /// Sets the action of a strip that asks for its presentation in Setup, by its index.
+    void setOpenSetup(const std::function<void(std::size_t)>& action);
+    /// Scrolls to a visible strip.
+    void reveal(std::size_t index);
+    /// The height at which the strips of a row are in sight as a whole in Setup.
+    [[nodiscard]] int heightForSetup() const;
 
     /// Scrolls by the visible width, to the right or to the left.
     void scrollSideways(bool toTheRight);
 
   protected:
+    void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void layOut();
+    [[nodiscard]] QSize stripSize() const;
+    [[nodiscard]] std::size_t longestRow() const;
+
     QWidget* const content;
+    StripPresentation presentation = StripPresentation::setup;
+    std::vector<StripRange> rows;
+    QSize setupSize;
     /// In the order of the engine's list.
     std::vector<ChannelStripView*> strips;
 };

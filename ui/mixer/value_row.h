@@ -29,7 +29,8 @@ class ValueRow final {
                .width = style.valueWidth},
               onChange
           )) {
-        slider->setFixedWidth(style.sliderWidth);
+        slider->setMaximumWidth(style.sliderWidth);
+        setShrinking(false);
         slider->setToolTip(style.help);
     }
 
@@ -38,8 +39,16 @@ class ValueRow final {
         value->setValue(now);
     }
 
+    /// Whether the slider may be shorter than its usual length if there is little room.
+    void setShrinking(bool shrinks) const {
+        slider->setMinimumWidth(shrinks ? shortestSlider : slider->maximumWidth());
+    }
+
     ValueSlider* const slider;
     ValueField* const value;
+
+  private:
+    static constexpr int shortestSlider = 60;
 };
 
 } // namespace orvane::ui

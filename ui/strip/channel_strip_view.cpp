@@ -3,12 +3,11 @@
 #include "ui/controls/console_button.h"
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/text_label.h"
-#include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
-#include "ui/controls/vertical_fader.h"
-#include "ui/meters/meters.h"
 #include "ui/strip/name_field.h"
 #include "ui/strip/plugin_slot_view.h"
+#include "ui/strip/strip_levels.h"
+#include "ui/strip/strip_signs.h"
 #include "ui/theme/theme.h"
 
 #include <QHBoxLayout>
@@ -24,6 +23,7 @@ namespace orvane::ui {
 namespace {
 
 constexpr int stripWidth = 140;
+constexpr int smallestMixWidth = 96;
 constexpr int padding = 10;
 constexpr int contentWidth = stripWidth - 2 * padding;
 constexpr int gap = 4;
@@ -32,10 +32,9 @@ constexpr int nameHeight = 24;
 constexpr int rowHeight = 22;
 constexpr int panHeight = 18;
 constexpr int stereoWidth = 32;
-constexpr int trimCaptionSize = 9;
-constexpr QSize faderTrackSize(36, 130);
-constexpr int trimValueWidth = 44;
-constexpr double highestTrim = 2.0;
+constexpr int mixPadding = 6;
+constexpr int mixNameHeight = 28;
+constexpr int mixNameSize = 16;
 constexpr double cornerRadius = 6.0;
 
 const QString genderHelp = QStringLiteral(
@@ -57,15 +56,6 @@ const QString roleHelp = QStringLiteral(
 );
 const QString stereoHelp =
     QStringLiteral("Route this channel to a stereo output pair instead of a single mono output.");
-const QString trimHelp = QStringLiteral(
-    "Trim — a plain per-channel level control, applied on top of whatever the automix (or bypass) is already "
-    "doing. The white stripe marks unity (1.0×, no change) — click it, or drag near it, to snap back to "
-    "unity. Drag up to boost, down to cut."
-);
-
-QString writeTrim(double trim) {
-    return QStringLiteral("×%1").arg(trim, 0, 'f', 2);
-}
 
 } // namespace
 
@@ -93,38 +83,53 @@ ChannelStripView::ChannelStripView(
       output(
           QStringLiteral("Output"), contentWidth - stereoWidth - gap,
           [this](std::optional<std::int64_t> channel) { chooseOutput(channel); }
-      ) {
-    setFixedWidth(stripWidth);
+      ),
+      setupRows(new QWidget),
+      inputRow(new QHBoxLayout),
+      outputRow(new QHBoxLayout),
+      signs(new StripSigns([this] {
+          if (openSetup) openSetup();
+      })),
+      levels(new StripLevels(mixerEngine, index)) {
     setAccessibleName(QStringLiteral("Channel %1").arg(index + 1));
     name->setObjectName(QStringLiteral("flat"));
     name->setPlaceholderText(QStringLiteral("Name"));
     name->setAccessibleName(QStringLiteral("Name"));
-    name->setFont(textFont(TextStyle::body, QFont::Bold));
     name->setAlignment(Qt::AlignCenter);
-    name->setFixedHeight(nameHeight);
     name->installEventFilter(this);
     connect(name, &QLineEdit::editingFinished, this, [this] { commitName(); });
     connect(name, &QLineEdit::textChanged, this, [this](const QString& text) {
-        const bool fits = elidedIn(text, name->fontMetrics(), contentWidth) == text;
+        const bool fits = elidedIn(text, name->fontMetrics(), name->width()) == text;
         name->setToolTip(fits ? QString() : text);
     });
-    genderMode->setToolTip(genderHelp);
-    vocalRole->setToolTip(roleHelp);
-    genderMode->setNeutral(0);
-    vocalRole->setNeutral(0);
-    for (QWidget* row :
-         {static_cast<QWidget*>(genderMode), static_cast<QWidget*>(vocalRole),
-          static_cast<QWidget*>(input.widget()), static_cast<QWidget*>(output.widget())})
-        row->setFixedHeight(rowHeight);
-
+    fillSetupRows(installedComponents);
     auto* const lines = new QVBoxLayout(this);
-    lines->setContentsMargins(padding, padding, padding, padding);
     lines->setSpacing(gap);
     lines->addWidget(name);
+    lines->addWidget(setupRows);
+    lines->addWidget(signs);
+    lines->addWidget(levels, 1);
+    lines->addLayout(makeSwitches());
+    setPresentation(StripPresentation::setup);
+    subscribe();
+    refresh();
+}
+
+void ChannelStripView::fillSetupRows(const InstalledComponents& installedComponents) {
+    genderMode->setToolTip(genderHelp);
+    vocalRole->setToolTip(roleHelp);
+    for (SegmentedPicker* picker : {genderMode, vocalRole}) {
+        picker->setNeutral(0);
+        picker->setFixedHeight(rowHeight);
+    }
+    auto* const lines = new QVBoxLayout(setupRows);
+    lines->setContentsMargins(0, 0, 0, groupGap - gap);
+    lines->setSpacing(gap);
     lines->addWidget(genderMode);
     lines->addWidget(vocalRole);
     lines->addSpacing(groupGap - gap);
-    lines->addWidget(input.widget());
+    inputRow->addWidget(input.widget());
+    lines->addLayout(inputRow);
     lines->addLayout(makeOutputRow());
     lines->addLayout(makePanRow());
     lines->addSpacing(groupGap - gap);
@@ -135,11 +140,34 @@ ChannelStripView::ChannelStripView(
         slotRows->addWidget(slotViews[slot]);
     }
     lines->addLayout(slotRows);
-    lines->addSpacing(groupGap - gap);
-    lines->addLayout(makeLevels());
-    lines->addLayout(makeSwitches());
-    subscribe();
-    refresh();
+}
+
+void ChannelStripView::setPresentation(StripPresentation now) {
+    presentation = now;
+    const bool isMix = presentation == StripPresentation::mix;
+    setupRows->setVisible(!isMix);
+    signs->setVisible(isMix);
+    levels->setPresentation(presentation);
+    name->setFont(isMix ? systemFont(mixNameSize, QFont::Bold) : textFont(TextStyle::body, QFont::Bold));
+    name->setFixedHeight(isMix ? mixNameHeight : nameHeight);
+    const int margin = isMix ? mixPadding : padding;
+    layout()->setContentsMargins(margin, margin, margin, margin);
+    setMinimumWidth(isMix ? smallestMixWidth : stripWidth);
+    setMaximumWidth(stripWidth);
+    if (isMix) {
+        signs->hold(input, output);
+    } else {
+        hold(*inputRow, input, contentWidth);
+        hold(*outputRow, output, contentWidth - stereoWidth - gap);
+    }
+    showSigns();
+}
+
+void ChannelStripView::hold(QHBoxLayout& row, const RoutingPicker& picker, int width) {
+    row.insertWidget(0, picker.widget());
+    picker.widget()->setFixedSize(width, rowHeight);
+    picker.widget()->setSign({});
+    picker.widget()->setToolTip({});
 }
 
 QLayout* ChannelStripView::makeOutputRow() {
@@ -149,11 +177,10 @@ QLayout* ChannelStripView::makeOutputRow() {
     stereo->setAccessibleName(QStringLiteral("Stereo"));
     stereo->setToolTip(stereoHelp);
     stereo->setFixedSize(stereoWidth, rowHeight);
-    auto* const row = new QHBoxLayout;
-    row->setSpacing(gap);
-    row->addWidget(output.widget());
-    row->addWidget(stereo);
-    return row;
+    outputRow->setSpacing(gap);
+    outputRow->addWidget(output.widget());
+    outputRow->addWidget(stereo);
+    return outputRow;
 }
 
 QLayout* ChannelStripView::makePanRow() {
@@ -174,35 +201,6 @@ QLayout* ChannelStripView::makePanRow() {
     inside->addWidget(pan, 1);
     auto* const row = new QHBoxLayout;
     row->addWidget(panRow);
-    return row;
-}
-
-QLayout* ChannelStripView::makeLevels() {
-    const auto setTrim = [this](double factor) { engine.setTrim(stripID, factor); };
-    trim = new VerticalFader({.lowest = 0.0, .highest = highestTrim, .defaultValue = 1.0}, setTrim);
-    trim->setAccessibleName(QStringLiteral("Trim"));
-    trim->setToolTip(trimHelp);
-    trim->setFixedSize(faderTrackSize.grownBy({0, trim->overhang(), 0, trim->overhang()}));
-    trimValue = new ValueField(
-        QStringLiteral("Trim value"),
-        {.write = writeTrim, .highest = highestTrim, .width = trimValueWidth, .alignment = Qt::AlignHCenter},
-        setTrim
-    );
-    QLabel* const caption = makeText(QStringLiteral("Trim"), TextStyle::caption2, theme::secondaryText);
-    caption->setFont(systemFont(trimCaptionSize));
-    caption->setAlignment(Qt::AlignCenter);
-
-    auto* const fader = new QVBoxLayout;
-    // The room for the thumb separates them.
-    fader->setSpacing(0);
-    fader->addWidget(caption);
-    fader->addWidget(trim, 0, Qt::AlignHCenter);
-    fader->addWidget(trimValue, 0, Qt::AlignHCenter);
-    fader->addStretch();
-    auto* const row = new QHBoxLayout;
-    row->addWidget(new ChannelMeterColumn(engine.meterModel(), stripIndex, engine.state().isRunning));
-    row->addStretch();
-    row->addLayout(fader);
     return row;
 }
 
@@ -254,8 +252,7 @@ void ChannelStripView::showStrip() {
     vocalRole->setCurrent(static_cast<int>(shown.vocalRole));
     showRouting();
     showSlots();
-    trim->setValue(shown.trim);
-    trimValue->setValue(shown.trim);
+    levels->setTrim(shown.trim);
     mute->setActive(shown.muted);
     bypass->setActive(shown.bypassed);
 }
@@ -311,11 +308,16 @@ void ChannelStripView::showRouting() {
     stereo->setActive(routed != nullptr);
     panRow->setVisible(routed != nullptr);
     if (routed != nullptr) pan->setValue(routed->pan);
+    showSigns();
 }
 
 void ChannelStripView::showSlots() {
     for (PluginSlotView* slot : slotViews)
         slot->refresh();
+}
+
+void ChannelStripView::showSigns() {
+    if (presentation == StripPresentation::mix) signs->present(strip(), input, output);
 }
 
 void ChannelStripView::chooseOutput(std::optional<std::int64_t> channel) {

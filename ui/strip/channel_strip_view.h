@@ -5,14 +5,17 @@
 #include "platform/base/uuid.h"
 #include "ui/strip/installed_components.h"
 #include "ui/strip/routing_picker.h"
+#include "ui/strip/strip_presentation.h"
 
 #include <QWidget>
 
 #include <array>
 #include <cstddef>
+#include <functional>
+#include <utility>
 #include <vector>
 
-class QLabel;
+class QHBoxLayout;
 class QLayout;
 class QLineEdit;
 
@@ -21,9 +24,9 @@ namespace orvane::ui {
 class ConsoleButton;
 class PluginSlotView;
 class SegmentedPicker;
-class ValueField;
+class StripLevels;
+class StripSigns;
 class ValueSlider;
-class VerticalFader;
 
 /// One strip of the mixer. Follows the engine while it is visible and refreshes when it becomes visible. Main
 /// thread.
@@ -36,6 +39,12 @@ class ChannelStripView final : public QWidget {
         QWidget* parent = nullptr
     );
 
+    /// Setup has all controls at fixed sizes. Mix folds those that a show rarely needs into one line of
+    /// signs, is as narrow as needed, and has meters and a trim that grow with it.
+    void setPresentation(StripPresentation now);
+    /// Sets the action of the signs in Mix that lead to Setup.
+    void setOpenSetup(std::function<void()> action) { openSetup = std::move(action); }
+
     /// Passes a name that is being typed to the engine.
     void commitName();
 
@@ -46,9 +55,9 @@ class ChannelStripView final : public QWidget {
 
   private:
     [[nodiscard]] const session::ChannelStrip& strip() const;
+    void fillSetupRows(const InstalledComponents& installedComponents);
     QLayout* makeOutputRow();
     QLayout* makePanRow();
-    QLayout* makeLevels();
     QLayout* makeSwitches();
     void subscribe();
     void refresh();
@@ -56,6 +65,9 @@ class ChannelStripView final : public QWidget {
     void showName();
     void showRouting();
     void showSlots();
+    void showSigns();
+    /// Puts a picker with the look of Setup at the start of its row.
+    static void hold(QHBoxLayout& row, const RoutingPicker& picker, int width);
     void chooseOutput(std::optional<std::int64_t> channel);
 
     engine::MixerEngine& engine;
@@ -66,12 +78,17 @@ class ChannelStripView final : public QWidget {
     SegmentedPicker* const vocalRole;
     RoutingPicker input;
     RoutingPicker output;
+    std::function<void()> openSetup;
+    StripPresentation presentation = StripPresentation::setup;
+    QWidget* const setupRows;
+    QHBoxLayout* const inputRow;
+    QHBoxLayout* const outputRow;
+    StripSigns* const signs;
+    StripLevels* const levels;
     ConsoleButton* stereo = nullptr;
     QWidget* panRow = nullptr;
     ValueSlider* pan = nullptr;
     std::array<PluginSlotView*, session::pluginSlotsPerChannel> slotViews = {};
-    VerticalFader* trim = nullptr;
-    ValueField* trimValue = nullptr;
     ConsoleButton* mute = nullptr;
     ConsoleButton* bypass = nullptr;
     /// The values that the routing pickers show.

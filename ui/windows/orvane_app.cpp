@@ -26,6 +26,7 @@ constexpr QSize defaultSize(1280, 860);
 constexpr QSize smallestContent(900, 560);
 constexpr std::string_view channelCountKey = "orvaneChannelCount";
 constexpr std::string_view windowKey = "orvaneWindow";
+constexpr std::string_view presentationKey = "orvanePresentation";
 constexpr std::string_view logCategory = "application";
 
 const QString supportAddress = QStringLiteral("support@orvane.example");
@@ -183,6 +184,9 @@ void ORVANEApp::showContent() {
     if (root == nullptr) return;
     for (QAction* command : root->view().commands().all())
         sessionMenu->addAction(command);
+    sessionMenu->addSeparator();
+    sessionMenu->addAction(root->view().presentationCommand());
+    rememberPresentation(root->view().presentation());
     begin(*root);
 }
 
@@ -223,6 +227,14 @@ void ORVANEApp::setChannelCount(std::int64_t count) {
 void ORVANEApp::remember(std::string_view key, std::string_view value) {
     const auto kept = parts.preferences.setValue(key, value);
     if (!kept) parts.services.log.post(platform::LogLevel::error, logCategory, {kept.error().description});
+}
+
+void ORVANEApp::rememberPresentation(Presentation& presentation) {
+    const auto name = parts.preferences.value(presentationKey);
+    if (const auto chosen = presentationNamed(name.value_or(""))) presentation.choose(*chosen);
+    presentationSubscription = presentation.chosen().subscribe([this](const auto& chosen) {
+        remember(presentationKey, nameOf(*chosen));
+    });
 }
 
 void ORVANEApp::writeToSupport() {

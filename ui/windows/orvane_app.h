@@ -2,8 +2,10 @@
 
 #include "engine/engine_state.h"
 #include "engine/services.h"
+#include "platform/base/published.h"
 #include "platform/base/result.h"
 #include "platform/files/preferences.h"
+#include "ui/mixer/presentation.h"
 #include "ui/mixer/session_file.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"
@@ -70,6 +72,8 @@ class ORVANEApp final : public QMainWindow {
     [[nodiscard]] QSize smallestContentHere() const;
     /// Discards the session and remembers the new channel count.
     void setChannelCount(std::int64_t count);
+    /// Restores the presentation that the user chose last, and remembers later choices.
+    void rememberPresentation(Presentation& presentation);
     void remember(std::string_view key, std::string_view value);
     void writeToSupport();
     /// Closes without asking.
@@ -82,6 +86,7 @@ class ORVANEApp final : public QMainWindow {
     SessionFile::Report onOpened;
     AboutWindowPresenter about;
     HelpWindowPresenter help;
+    platform::Subscription presentationSubscription;
     QMenu* sessionMenu = nullptr;
     bool mayClose = false;
 };

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "engine/mixer_engine.h"
+#include "ui/strip/strip_presentation.h"
+
+#include <QWidget>
+
+#include <cstddef>
+
+namespace orvane::ui {
+
+class ChannelMeterColumn;
+class ValueField;
+class VerticalFader;
+
+/// The meters and the trim of one strip. In Mix they take the room that there is. Main thread.
+class StripLevels final : public QWidget {
+  public:
+    /// `mixerEngine` must outlive the view. Shows the strip at `index` in the engine's list.
+    StripLevels(engine::MixerEngine& mixerEngine, std::size_t index);
+
+    void setPresentation(StripPresentation presentation);
+    /// Shows a trim factor.
+    void setTrim(double factor);
+
+  private:
+    ChannelMeterColumn* const meters;
+    VerticalFader* const trim;
+    ValueField* const trimValue;
+};
+
+} // namespace orvane::ui
