@@ -18,7 +18,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {
@@ -71,18 +70,27 @@ class Talk final {
     std::vector<Speaker> phases;
 };
 
+/// Of the main thread: the audio runs on others meanwhile.
 double processorSeconds() {
     timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
+/// A window whose meters are measured.
+struct Window {
+    QSize size;
+    const char* layout;
+    ui::StripPresentation presentation = ui::StripPresentation::setup;
+};
+
 /// The processor time per second of meters, with every change painted.
-double measure(ui::MixerRootView& root, const QSize& size, const std::string& layout) {
-    root.resize(size);
+double measure(ui::MixerRootView& root, const Window& window) {
+    root.resize(window.size);
+    root.view().presentation().choose(window.presentation);
     const auto buttons = root.findChildren<QAbstractButton*>();
     (*std::ranges::find_if(buttons, [&](const QAbstractButton* button) {
-        return button->text().toStdString() == layout;
+        return button->text() == window.layout;
     }))->click();
     QApplication::processEvents();
     Talk talk(stripCount);
@@ -110,15 +118,15 @@ int main(int argc, char** argv) {
     );
     root.show();
     fmt::print("Meters of {} strips at {} Hz, in per cent of one core:\n", stripCount, ticksPerSecond);
-    struct Window {
-        QSize size;
-        const char* layout;
-    };
+    root.engine().selectDevice(root.engine().state().availableDevices.get().at(0));
+    root.engine().start();
+    constexpr auto mix = ui::StripPresentation::mix;
     for (const Window& window :
          {Window{{7400, 1000}, "All 48"}, Window{{1280, 860}, "All 48"}, Window{{2600, 1300}, "32 (2 Rows)"},
-          Window{{2600, 860}, "16 at a Time"}})
+          Window{{2600, 860}, "16 at a Time"}, Window{{4920, 1000}, "All 48", mix},
+          Window{{1920, 1080}, "16 at a Time", mix}, Window{{1920, 1080}, "32 (2 Rows)", mix}})
         fmt::print(
-            "{:>6} x {:<5} {:<14} {:6.2f} %\n", window.size.width(), window.size.height(), window.layout,
-            measure(root, window.size, window.layout) * 100.0
+            "{:>6} x {:<5} {:<14} {:<6} {:6.2f} %\n", window.size.width(), window.size.height(),
+            window.layout, nameOf(window.presentation), measure(root, window) * 100.0
         );
 }

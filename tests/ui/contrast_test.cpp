@@ -1,5 +1,6 @@
 #include "ui/controls/menu_picker.h"
 #include "ui/editors/parameter_row.h"
+#include "ui/mixer/mixer_view.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/theme/theme.h"
 #include "ui/windows/help_view.h"
@@ -114,7 +115,8 @@ class Contrast : public WindowTest {
             const auto* const picker = qobject_cast<QComboBox*>(each);
             const QString text = picker ? picker->currentText() : each->property("text").toString();
             if (text.trimmed().isEmpty()) continue;
-            const QRect room = each->rect().adjusted(2, 2, picker ? -20 : -2, -2);
+            const bool hasArrow = picker && each->width() > 60;
+            const QRect room = each->rect().adjusted(2, 2, hasArrow ? -20 : -2, -2);
             measure(*each, room, each->isEnabled(), text);
         }
     }
@@ -184,7 +186,10 @@ TEST_F(Contrast, OfEveryText) {
     mixer().setBypassed(strip(), true);
     mixer().setStereo(strip(), true);
     mixer().start();
-    measureTexts(*window);
+    for (const StripPresentation presentation : {StripPresentation::mix, StripPresentation::setup}) {
+        window->mixerRootView()->view().presentation().choose(presentation);
+        measureTexts(*window);
+    }
     forEachDialog("Insert 5 (empty)", [this](const QDialog& dialog) { measureTexts(dialog); });
     EXPECT_GT(measured, 300);
 }

@@ -68,7 +68,7 @@ TEST(Meters, PaintTheirSegmentsInTheColoursOfTheirPlaces) {
     gate.setReductionDB(15.0);
     const QImage reduced = gate.grab().toImage();
     const auto fromTop = layOutSegments({10.0, 150.0}, 20, 2.0, MeterOrigin::top);
-    EXPECT_EQ(colorAt(reduced, fromTop[9]).rgb(), theme::orange.rgb());
+    EXPECT_EQ(colorAt(reduced, fromTop[9]).rgb(), theme::darkOrange.rgb());
     EXPECT_NE(colorAt(reduced, fromTop[10]).rgb(), theme::orange.rgb());
 }
 
@@ -110,16 +110,6 @@ TEST(Meters, FadeWhileTheAudioIsStopped) {
         EXPECT_EQ(column->grab().toImage(), lit);
     }
 }
-
-/// Collects the regions that a widget repaints.
-struct RepaintLog final : QObject {
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
-        return false;
-    }
-
-    QRegion region;
-};
 
 TEST(Meters, RepaintOnlyChangedSegments) {
     MeterView meter(20);

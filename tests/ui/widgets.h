@@ -7,6 +7,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QPaintEvent>
+#include <QRegion>
 #include <QTest>
 #include <QWheelEvent>
 #include <QWidget>
@@ -47,6 +49,16 @@ inline QStringList itemsOf(const QComboBox& menu) {
         items.append(menu.itemText(i));
     return items;
 }
+
+/// Collects the regions that a widget repaints.
+struct RepaintLog final : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+
+    QRegion region;
+};
 
 /// Opens the context menu of a widget; null if it has none.
 inline QMenu* openContextMenu(QWidget& widget) {

@@ -17,6 +17,10 @@ constexpr int fontSize = 12;
 constexpr int verticalPadding = 10;
 constexpr int horizontalPadding = 10;
 constexpr double cornerRadius = 4.0;
+/// The bar of an active button.
+constexpr double barInset = 6.0;
+constexpr double barHeight = 2.0;
+constexpr double barBottom = 5.0;
 
 } // namespace
 
@@ -56,6 +60,11 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     painter.setBrush(fill);
     painter.setPen(QPen(outline, 1.0));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    // Shows the state without colours, too.
+    if (active)
+        painter.fillRect(
+            QRectF(barInset, height() - barBottom, width() - 2 * barInset, barHeight), theme::primaryText
+        );
     painter.setPen(isEnabled() ? theme::primaryText : theme::disabledText);
     painter.drawText(rect(), Qt::AlignCenter, text());
 }

@@ -21,8 +21,9 @@ constexpr double cornerRadius = 3.0;
 void paintSign(QWidget& control, const QString& text, bool isSet) {
     QPainter painter(&control);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(control.underMouse() ? theme::raised.lighter(115) : theme::raised);
-    painter.setPen(control.hasFocus() ? QPen(theme::accent, 1.0) : QPen(Qt::NoPen));
+    const QColor fill = isSet ? theme::raised : theme::well;
+    painter.setBrush(control.underMouse() ? fill.lighter(115) : fill);
+    painter.setPen(QPen(control.hasFocus() ? theme::accent : theme::divider, 1.0));
     painter.drawRoundedRect(
         QRectF(control.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius
     );

@@ -11,7 +11,6 @@ namespace orvane::ui {
 
 namespace {
 
-constexpr double levelOrangeFrom = 0.7;
 constexpr double loadOrangeFrom = 0.6;
 constexpr int fadeMs = 100;
 
@@ -44,14 +43,14 @@ MeterView::MeterView(int segmentCount, std::optional<QColor> tint, QWidget* pare
     : SegmentMeter(segmentCount, {}, parent), tintColor(tint) {}
 
 QColor MeterView::colorOf(int segment) const {
-    return tintColor.value_or(segmentColor(segment, segmentCount(), levelOrangeFrom));
+    return tintColor.value_or(levelColor(segment, segmentCount()));
 }
 
 GateMeterView::GateMeterView(int segmentCount, QWidget* parent)
     : SegmentMeter(segmentCount, {.origin = MeterOrigin::top}, parent) {}
 
 QColor GateMeterView::colorOf(int) const {
-    return theme::orange;
+    return theme::darkOrange;
 }
 
 LoadMeterView::LoadMeterView(int segmentCount, QWidget* parent)
@@ -140,6 +139,16 @@ void ChannelMeterColumn::setGrowing(bool grows) {
     const QMargins overhang(0, uprightOverhang.top(), 0, uprightOverhang.bottom());
     setMinimumSize((grows ? smallestColumn : columnSize).grownBy(overhang));
     setMaximumSize(grows ? QSize(widestColumn, QWIDGETSIZE_MAX) : minimumSize());
+}
+
+void ChannelMeterColumn::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setFont(monospacedFont(scaleTextSize));
+    painter.setPen(theme::secondaryText);
+    const QRect above(reduction.x(), 0, reduction.width(), uprightOverhang.top());
+    painter.drawText(
+        above.adjusted(-scaleTextSize, 0, scaleTextSize, 0), Qt::AlignCenter, QStringLiteral("GR")
+    );
 }
 
 void ChannelMeterColumn::resizeEvent(QResizeEvent*) {

@@ -79,7 +79,7 @@ class MeterScaleView final : public QWidget {
     QRect frame;
 };
 
-/// Level, gain reduction and scale of one strip; dark while the audio is stopped.
+/// Level, gain reduction (labelled "GR") and scale of one strip; dark while the audio is stopped.
 class ChannelMeterColumn final : public QWidget {
   public:
     /// Shows entry `stripIndex` of the model's meters, or 0 if the model has no such entry. The model and
@@ -92,10 +92,13 @@ class ChannelMeterColumn final : public QWidget {
     /// Whether the meters take the room that there is instead of a fixed size.
     void setGrowing(bool grows);
 
+    void setReductionDimmed(bool isDimmed) { reduction.setDimmed(isDimmed); }
+
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
     [[nodiscard]] const GateMeterView& reductionMeter() const { return reduction; }
 
   protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 

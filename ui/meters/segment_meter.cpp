@@ -12,6 +12,7 @@ namespace orvane::ui {
 namespace {
 
 constexpr int restingMs = 600;
+constexpr double dimmedShare = 0.35;
 
 } // namespace
 
@@ -31,6 +32,12 @@ void SegmentMeter::setResting(bool isResting) {
         resting.start();
     else
         setPresence(isResting ? 0.0 : 1.0);
+}
+
+void SegmentMeter::setDimmed(bool isDimmed) {
+    if (isDimmed == dimmed) return;
+    dimmed = isDimmed;
+    repaintSegments(0, lit);
 }
 
 void SegmentMeter::setPresence(double share) {
@@ -58,7 +65,7 @@ void SegmentMeter::paintEvent(QPaintEvent* event) {
     for (int k = 0; k < static_cast<int>(segments.size()); ++k) {
         const QRectF& segment = segments[static_cast<std::size_t>(k)];
         if (!event->rect().intersects(segment.toAlignedRect())) continue;
-        const double brightness = brightnessOf(k) * presence;
+        const double brightness = brightnessOf(k) * presence * (dimmed ? dimmedShare : 1.0);
         if (brightness < 1.0) {
             painter.setBrush(theme::unlit);
             painter.drawRoundedRect(segment, style.cornerRadius, style.cornerRadius);

@@ -28,6 +28,9 @@ class SegmentMeter : public QWidget {
     /// A resting meter fades out and stays dark; otherwise its segments show at once.
     void setResting(bool isResting);
 
+    /// A dimmed meter shows its lit segments faintly.
+    void setDimmed(bool isDimmed);
+
   protected:
     void setLit(int segments);
 
@@ -48,6 +51,7 @@ class SegmentMeter : public QWidget {
     int lit = 0;
     /// The visibility of the lit segments, 0 to 1.
     double presence = 1.0;
+    bool dimmed = false;
     QVariantAnimation resting;
     std::vector<QRectF> segments;
 };

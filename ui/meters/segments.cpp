@@ -13,6 +13,7 @@ constexpr double lowestLevelDB = -40.0;
 constexpr double levelSpanDB = 46.0;
 constexpr double smallestLevel = 0.0001;
 constexpr double fullReductionDB = 30.0;
+constexpr double levelOrangeFrom = 0.7;
 constexpr double redFrom = 0.85;
 constexpr double shortestSegment = 1.0;
 
@@ -65,6 +66,10 @@ QColor segmentColor(int segment, int count, double orangeFrom) {
     const double position = static_cast<double>(segment + 1) / count;
     if (position > redFrom) return theme::red;
     return position > orangeFrom ? theme::orange : theme::green;
+}
+
+QColor levelColor(int segment, int count) {
+    return segmentColor(segment, count, levelOrangeFrom);
 }
 
 } // namespace orvane::ui

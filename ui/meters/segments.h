@@ -32,5 +32,7 @@ double levelPosition(double levelDB);
 /// Returns the colour of a lit segment: red near the end, orange beyond `orangeFrom` of the length, else
 /// green.
 QColor segmentColor(int segment, int count, double orangeFrom);
+/// Returns the colour of a lit segment of a level meter.
+QColor levelColor(int segment, int count);
 
 } // namespace orvane::ui

@@ -1,5 +1,6 @@
 #include "ui/mixer/channel_area.h"
 
+#include "ui/bridge/meter_bridge.h"
 #include "ui/controls/console_button.h"
 #include "ui/controls/divider.h"
 #include "ui/controls/segmented_picker.h"
@@ -23,6 +24,8 @@ constexpr int presentationHeight = 32;
 constexpr int pageButtonWidth = 74;
 constexpr int padding = 12;
 constexpr int headerHeight = 46;
+constexpr int bridgeHeight = 24;
+constexpr int mixBridgeHeight = 32;
 constexpr int dividerHeight = 20;
 
 QStringList labelsOf(const ChannelLayout& layout, const std::vector<ChannelLayoutMode>& modes) {
@@ -52,7 +55,12 @@ ChannelArea::ChannelArea(
       )),
       pages(new QWidget),
       fileErrorMessage(makeText({}, TextStyle::callout, theme::red)),
-      rows(new StripRows(mixerEngine, installedComponents)) {
+      openChannels(mixerEngine.state(), mixerEngine.meterModel()),
+      bridge(new MeterBridge(
+          mixerEngine.state(), mixerEngine.meterModel(), openChannels,
+          [this](std::size_t strip) { reveal(strip); }
+      )),
+      rows(new StripRows(mixerEngine, installedComponents, openChannels)) {
     fileErrorMessage->setContentsMargins(padding, padding, padding, 0);
     fileErrorMessage->setTextInteractionFlags(Qt::TextSelectableByMouse);
     fileErrorMessage->hide();
@@ -60,6 +68,8 @@ ChannelArea::ChannelArea(
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     lines->addWidget(makeHeader());
+    lines->addWidget(makeHorizontalDivider());
+    lines->addWidget(bridge);
     lines->addWidget(makeHorizontalDivider());
     lines->addWidget(fileErrorMessage);
     lines->addWidget(rows, 1);
@@ -119,12 +129,15 @@ void ChannelArea::reveal(std::size_t strip) {
 }
 
 int ChannelArea::heightForSetup() const {
-    return headerHeight + 1 + rows->heightForSetup();
+    constexpr int dividers = 2;
+    return headerHeight + bridgeHeight + dividers + rows->heightForSetup();
 }
 
 void ChannelArea::showPresentation() {
-    presentationPicker->setCurrent(static_cast<int>(presentation.shown().get()));
-    rows->setPresentation(presentation.shown().get());
+    const StripPresentation now = presentation.shown().get();
+    presentationPicker->setCurrent(static_cast<int>(now));
+    bridge->setFixedHeight(now == StripPresentation::mix ? mixBridgeHeight : bridgeHeight);
+    rows->setPresentation(now);
 }
 
 void ChannelArea::turn(bool forwards) {

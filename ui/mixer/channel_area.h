@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
+#include "ui/bridge/open_channels.h"
 #include "ui/mixer/channel_layout.h"
 #include "ui/strip/installed_components.h"
 
@@ -17,11 +18,13 @@ class QLabel;
 namespace orvane::ui {
 
 class ConsoleButton;
+class MeterBridge;
 class Presentation;
 class SegmentedPicker;
 class StripRows;
 
-/// The strips, the picker of their layout, and the error message about session files. Main thread.
+/// The strips, the picker of their layout, the meter bridge, and the error message about session files. Main
+/// thread.
 class ChannelArea final : public QWidget {
   public:
     /// The parameters must outlive the view. `presentation` is what the picker of the presentation chooses.
@@ -59,6 +62,8 @@ class ChannelArea final : public QWidget {
     QWidget* const pages;
     std::vector<ConsoleButton*> pageButtons;
     QLabel* const fileErrorMessage;
+    OpenChannels openChannels;
+    MeterBridge* const bridge;
     StripRows* const rows;
     platform::Subscription presentationSubscription;
 };

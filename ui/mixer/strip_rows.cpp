@@ -19,7 +19,10 @@ constexpr int mixSpacing = 6;
 
 } // namespace
 
-StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents)
+StripRows::StripRows(
+    engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
+    const OpenChannels& openChannels
+)
     : content(new QWidget) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Channels"));
@@ -32,6 +35,10 @@ StripRows::StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents
         strips.back()->hide();
     }
     if (!strips.empty()) setupSize = {strips.front()->maximumWidth(), strips.front()->sizeHint().height()};
+    openSubscription = openChannels.channels().subscribe([this](const std::vector<bool>& open) {
+        for (std::size_t index = 0; index < strips.size(); ++index)
+            strips[index]->setOpen(open[index]);
+    });
     new ScrollGuard(*this);
 }
 
@@ -104,8 +111,9 @@ QSize StripRows::stripSize() const {
     const QSize room = maximumViewportSize();
     const QSize smallest = strips.front()->minimumSizeHint();
     const auto share = [](int length, int count) { return (length - mixSpacing) / count - mixSpacing; };
-    const int width =
-        std::clamp(share(room.width(), columns), strips.front()->minimumWidth(), setupSize.width());
+    const int width = std::clamp(
+        share(room.width(), columns), strips.front()->minimumWidth(), strips.front()->maximumWidth()
+    );
     const bool scrollsSideways = width > share(room.width(), columns);
     const int height = room.height() - (scrollsSideways ? horizontalScrollBar()->sizeHint().height() : 0);
     return {width, std::max(share(height, lines), smallest.height())};

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engine/mixer_engine.h"
+#include "platform/base/published.h"
+#include "ui/bridge/open_channels.h"
 #include "ui/mixer/channel_layout.h"
 #include "ui/strip/channel_strip_view.h"
 #include "ui/strip/installed_components.h"
@@ -18,8 +20,11 @@ namespace orvane::ui {
 /// pages turn without delay; hidden strips do no work. Main thread.
 class StripRows final : public QScrollArea {
   public:
-    /// `mixerEngine` and `installedComponents` must outlive the view.
-    StripRows(engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents);
+    /// The parameters must outlive the view.
+    StripRows(
+        engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
+        const OpenChannels& openChannels
+    );
 
     /// Shows the strips of the rows and hides all others.
     void arrange(const std::vector<StripRange>& stripRows);
@@ -52,6 +57,7 @@ class StripRows final : public QScrollArea {
     QSize setupSize;
     /// In the order of the engine's list.
     std::vector<ChannelStripView*> strips;
+    platform::Subscription openSubscription;
 };
 
 } // namespace orvane::ui

@@ -7,6 +7,7 @@
 #include "ui/strip/name_field.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/strip/strip_levels.h"
+#include "ui/strip/strip_mark.h"
 #include "ui/strip/strip_signs.h"
 #include "ui/theme/theme.h"
 
@@ -24,6 +25,7 @@ namespace {
 
 constexpr int stripWidth = 140;
 constexpr int smallestMixWidth = 96;
+constexpr int largestMixWidth = 160;
 constexpr int padding = 10;
 constexpr int contentWidth = stripWidth - 2 * padding;
 constexpr int gap = 4;
@@ -33,6 +35,9 @@ constexpr int rowHeight = 22;
 constexpr int panHeight = 18;
 constexpr int stereoWidth = 32;
 constexpr int mixPadding = 6;
+/// The distance of the open mark from the strip's edge and from the name.
+constexpr int markDistance = 3;
+constexpr int mixMarkHeight = 15;
 constexpr int mixNameHeight = 28;
 constexpr int mixNameSize = 16;
 constexpr double cornerRadius = 6.0;
@@ -67,6 +72,7 @@ ChannelStripView::ChannelStripView(
       engine(mixerEngine),
       stripIndex(index),
       stripID(mixerEngine.state().channelStrips.get().at(index).id),
+      mark(new StripMark(this)),
       name(new NameField),
       genderMode(new SegmentedPicker(
           QStringLiteral("Trigger filter"), {QStringLiteral("—"), QStringLiteral("♂"), QStringLiteral("♀")},
@@ -151,9 +157,10 @@ void ChannelStripView::setPresentation(StripPresentation now) {
     name->setFont(isMix ? systemFont(mixNameSize, QFont::Bold) : textFont(TextStyle::body, QFont::Bold));
     name->setFixedHeight(isMix ? mixNameHeight : nameHeight);
     const int margin = isMix ? mixPadding : padding;
-    layout()->setContentsMargins(margin, margin, margin, margin);
+    const int top = isMix ? 2 * markDistance + mixMarkHeight : padding;
+    layout()->setContentsMargins(margin, top, margin, margin);
     setMinimumWidth(isMix ? smallestMixWidth : stripWidth);
-    setMaximumWidth(stripWidth);
+    setMaximumWidth(isMix ? largestMixWidth : stripWidth);
     if (isMix) {
         signs->hold(input, output);
     } else {
@@ -161,6 +168,29 @@ void ChannelStripView::setPresentation(StripPresentation now) {
         hold(*outputRow, output, contentWidth - stereoWidth - gap);
     }
     showSigns();
+}
+
+void ChannelStripView::resizeEvent(QResizeEvent*) {
+    // The mark lies in the margin above the name.
+    const bool isMix = presentation == StripPresentation::mix;
+    const int margin = isMix ? mixPadding : padding;
+    mark->setGeometry(
+        margin, markDistance, width() - 2 * margin, isMix ? mixMarkHeight : padding - 2 * markDistance
+    );
+}
+
+void ChannelStripView::setOpen(bool isOpen) {
+    showMark(isOpen);
+}
+
+void ChannelStripView::showMark(bool isOpen) {
+    const StripMark::State now{.isOpen = isOpen, .isMuted = strip().muted, .isBypassed = strip().bypassed};
+    if (now == mark->state()) return;
+    const bool isPainted = now.isMuted != mark->state().isMuted || now.isBypassed != mark->state().isBypassed;
+    mark->setState(now);
+    if (!isPainted) return;
+    levels->setDimmed(now.isMuted || now.isBypassed);
+    update();
 }
 
 void ChannelStripView::hold(QHBoxLayout& row, const RoutingPicker& picker, int width) {
@@ -253,6 +283,7 @@ void ChannelStripView::showStrip() {
     showRouting();
     showSlots();
     levels->setTrim(shown.trim);
+    showMark(mark->state().isOpen);
     mute->setActive(shown.muted);
     bypass->setActive(shown.bypassed);
 }
@@ -330,9 +361,18 @@ void ChannelStripView::chooseOutput(std::optional<std::int64_t> channel) {
 void ChannelStripView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(theme::panelBackground);
-    painter.setPen(QPen(theme::divider, 1.0));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    const QRectF outline = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    const auto paint = [&](const QBrush& brush, const QPen& pen) {
+        painter.setBrush(brush);
+        painter.setPen(pen);
+        painter.drawRoundedRect(outline, cornerRadius, cornerRadius);
+    };
+    paint(theme::panelBackground, QPen(theme::divider, 1.0));
+    // Muted and bypassed strips differ by more than colours.
+    if (strip().muted)
+        paint(QBrush(theme::raised, Qt::BDiagPattern), QPen(theme::red, 1.0));
+    else if (strip().bypassed)
+        paint(Qt::NoBrush, QPen(theme::orange, 1.5, Qt::DashLine));
 }
 
 } // namespace orvane::ui

@@ -25,6 +25,7 @@ class ConsoleButton;
 class PluginSlotView;
 class SegmentedPicker;
 class StripLevels;
+class StripMark;
 class StripSigns;
 class ValueSlider;
 
@@ -45,12 +46,16 @@ class ChannelStripView final : public QWidget {
     /// Sets the action of the signs in Mix that lead to Setup.
     void setOpenSetup(std::function<void()> action) { openSetup = std::move(action); }
 
+    /// Whether the strip's channel is open.
+    void setOpen(bool isOpen);
+
     /// Passes a name that is being typed to the engine.
     void commitName();
 
   protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
@@ -63,6 +68,7 @@ class ChannelStripView final : public QWidget {
     void refresh();
     void showStrip();
     void showName();
+    void showMark(bool isOpen);
     void showRouting();
     void showSlots();
     void showSigns();
@@ -73,6 +79,7 @@ class ChannelStripView final : public QWidget {
     engine::MixerEngine& engine;
     const std::size_t stripIndex;
     const platform::Uuid stripID;
+    StripMark* const mark;
     QLineEdit* const name;
     SegmentedPicker* const genderMode;
     SegmentedPicker* const vocalRole;

@@ -80,6 +80,10 @@ void StripLevels::setPresentation(StripPresentation presentation) {
     meters->setGrowing(grows);
 }
 
+void StripLevels::setDimmed(bool isDimmed) {
+    meters->setReductionDimmed(isDimmed);
+}
+
 void StripLevels::setTrim(double factor) {
     trim->setValue(factor);
     trimValue->setValue(factor);

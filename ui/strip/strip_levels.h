@@ -20,6 +20,8 @@ class StripLevels final : public QWidget {
     StripLevels(engine::MixerEngine& mixerEngine, std::size_t index);
 
     void setPresentation(StripPresentation presentation);
+    /// Whether the gain reduction is dimmed because the automix does not apply it.
+    void setDimmed(bool isDimmed);
     /// Shows a trim factor.
     void setTrim(double factor);
 

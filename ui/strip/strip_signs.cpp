@@ -19,7 +19,7 @@ constexpr int smallestPicker = 20;
 constexpr int pickerShare = 5;
 constexpr int signShare = 2;
 
-constexpr const char* unset = "·";
+constexpr const char* unset = "–";
 
 /// A sign and its meaning.
 struct Choice {

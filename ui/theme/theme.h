@@ -33,6 +33,8 @@ inline const QColor raised = QColor::fromRgbF(0.165F, 0.14F, 0.22F);
 // The colours of meters and messages.
 inline const QColor green = accent;
 inline const QColor orange = QColor::fromRgbF(1.0F, 0.62F, 0.16F);
+/// Gain reduction, beside levels that are partly orange.
+inline const QColor darkOrange = QColor::fromRgbF(0.71F, 0.4F, 0.06F);
 inline const QColor red = QColor::fromRgbF(1.0F, 0.3F, 0.3F);
 inline const QColor pink = QColor::fromRgbF(1.0F, 0.45F, 0.72F);
 inline const QColor yellow = QColor::fromRgbF(1.0F, 0.84F, 0.3F);
