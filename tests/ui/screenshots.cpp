@@ -1,5 +1,5 @@
 // Takes pictures of the window in each of its states for visual inspection: fills the screen, plays the demo
-// and saves the screen. Usage: orvane_screenshots FOLDER
+// and saves the screen. Usage: orvane_screenshots FOLDER [protanopia | deuteranopia]
 
 #include "machine/audio_machine.h"
 #include "platform/files/preferences.h"
@@ -11,6 +11,7 @@
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
 
+#include "colour_vision.h"
 #include "widgets.h"
 
 #include <QApplication>
@@ -34,7 +35,8 @@ using namespace orvane::ui;
 
 class Photographer final {
   public:
-    explicit Photographer(const QString& into) : folder(into) {
+    /// `vision`: see `ColourVision`.
+    Photographer(const QString& into, const QString& vision) : folder(into), colours(vision) {
         setenv("ORVANE_DRIVERS", "virtual", 1);
         machine = std::move(machine::AudioMachine::make({})).value();
     }
@@ -45,6 +47,9 @@ class Photographer final {
         open(8);
         take("stopped-8");
         takeRunning();
+        choose(StripPresentation::mix);
+        take("mix-8");
+        choose(StripPresentation::setup);
         takeSheets();
         takeWindows();
         open(24);
@@ -55,6 +60,10 @@ class Photographer final {
         take("two-rows-48");
         press("All 48");
         take("all-48");
+        choose(StripPresentation::mix);
+        take("mix-48");
+        press("32 (2 Rows)");
+        take("mix-two-rows-48");
     }
 
   private:
@@ -87,6 +96,9 @@ class Photographer final {
         if (!QTest::qWaitFor(condition, 30000)) throw std::runtime_error("What was waited for did not come.");
     }
 
+    void choose(StripPresentation presentation) {
+        window->mixerRootView()->view().presentation().choose(presentation);
+    }
     void press(const char* button) { buttonOf(*window, QString::fromUtf8(button)).click(); }
 
     void load(std::size_t slot, const char* name, std::size_t stripIndex) {
@@ -129,6 +141,7 @@ class Photographer final {
             return reductions.size() == 8 && reductions[1] > 6.0
                    && engine().meterModel().masterMeter.get() > 0.1;
         });
+        choose(StripPresentation::setup);
         take("running-8");
     }
 
@@ -193,13 +206,14 @@ class Photographer final {
         // The new window has been painted, and the window manager has placed it.
         QTest::qWait(settlingTimeInMs);
         const QString path = folder + '/' + name + ".png";
-        if (!QGuiApplication::primaryScreen()->grabWindow().save(path))
+        if (!colours.seen(QGuiApplication::primaryScreen()->grabWindow().toImage()).save(path))
             throw std::runtime_error("No picture could be written to " + path.toStdString());
     }
 
     static constexpr int settlingTimeInMs = 700;
 
     const QString folder;
+    const ColourVision colours;
     QtMainThread mainThread;
     platform::InMemoryPreferences preferences;
     PluginEditorWindows editorWindows;
@@ -211,6 +225,6 @@ class Photographer final {
 
 int main(int argc, char** argv) {
     ui::Application application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(argv[1])) return EXIT_FAILURE;
-    Photographer(argv[1]).takeAll();
+    if (argc < 2 || argc > 3 || !QDir().mkpath(argv[1])) return EXIT_FAILURE;
+    Photographer(argv[1], argc == 3 ? argv[2] : "usual").takeAll();
 }
