@@ -105,12 +105,21 @@ TEST_F(Strip, SendsEditsOnlyToItsOwnStrip) {
     EXPECT_EQ(strip().trim, 2.0);
     auto& typed = *viewsIn<ValueField>(view).at(0);
     EXPECT_EQ(typed.text(), "×2.00");
-    for (const auto& [text, trim] : {std::pair("0,5", 0.5), {"x1.25", 1.25}, {"9", 2.0}, {"loud", 2.0}}) {
+    for (const auto& [text, trim] :
+         {std::pair("0,5", 0.5),
+          {"x1.25", 1.25},
+          {"-6 dB", 0.501187},
+          {"-6", 0.501187},
+          {"+1", 1.122018},
+          {"0db", 1.0},
+          {"9", 2.0},
+          {"loud", 2.0}}) {
         typed.selectAll();
         QTest::keyClicks(&typed, text);
         QTest::keyClick(&typed, Qt::Key_Return);
-        EXPECT_EQ(strip().trim, trim) << text;
+        EXPECT_NEAR(strip().trim, trim, 1e-6) << text;
     }
+    EXPECT_TRUE(typed.toolTip().contains("6.0 dB"));
     EXPECT_EQ(state().channelStrips.get()[0], before[0]);
     EXPECT_EQ(state().channelStrips.get()[2], before[2]);
 }

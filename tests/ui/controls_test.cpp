@@ -29,6 +29,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -126,6 +127,20 @@ TEST(VerticalFader, ShowsItsValueUpToBothEnds) {
         const int middle = static_cast<int>(fader.positionOf(value));
         EXPECT_NE(shown.pixelColor(18 + 9, middle + 4), shown.pixelColor(1, middle + 4)) << value;
         EXPECT_NE(shown.pixelColor(18 + 9, middle - 5), shown.pixelColor(1, middle - 5)) << value;
+    }
+}
+
+TEST(ValueSlider, FillsFromItsDefaultValueIfItIsAskedTo) {
+    ValueSlider pan(
+        "Pan", {.lowest = -1.0, .highest = 1.0, .defaultValue = 0.0, .fillsFromDefault = true}, {}
+    );
+    pan.resize(112, 24);
+    const auto isFilled = [&pan](int x) { return pan.grab().toImage().pixel(x, 12) == theme::accent.rgb(); };
+    for (const auto& [value, left, right] :
+         {std::tuple(0.0, false, false), {-0.9, true, false}, {0.9, false, true}}) {
+        pan.setValue(value);
+        EXPECT_EQ(isFilled(40), left) << value;
+        EXPECT_EQ(isFilled(70), right) << value;
     }
 }
 

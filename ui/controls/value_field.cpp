@@ -81,7 +81,10 @@ void ValueField::commit() {
     const bool wasTyped = isModified();
     const std::optional<double> typed = wasTyped ? numberIn(text()) : std::nullopt;
     setModified(false);
-    if (typed && changed) changed(std::clamp(*typed, style.lowest, style.highest));
+    if (typed && changed) {
+        const double value = style.read ? style.read(*typed, text()) : *typed;
+        changed(std::clamp(value, style.lowest, style.highest));
+    }
     setText(style.write(current));
 }
 

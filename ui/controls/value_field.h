@@ -13,6 +13,8 @@ class ValueField final : public QLineEdit {
     struct Style {
         /// Formats a value.
         std::function<QString(double)> write;
+        /// Returns the value for a typed number, given all that was typed; the number itself if empty.
+        std::function<double(double, const QString&)> read = {};
         /// The range of values; typed numbers beyond it are clamped.
         double lowest = 0.0;
         double highest = 1.0;

@@ -1,7 +1,10 @@
 #include "ui/controls/value_slider.h"
 
+#include "ui/theme/theme.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -16,6 +19,9 @@ namespace {
 constexpr int places = 10000;
 /// The handle width in the style sheet.
 constexpr double handleWidth = 12.0;
+/// The groove height in the style sheet.
+constexpr double grooveHeight = 4.0;
+constexpr double markHeight = 12.0;
 /// Steps of keys and wheel as shares of the range, if the range has no steps of its own.
 constexpr double freeStep = 0.02;
 constexpr double fineFreeStep = 0.002;
@@ -34,6 +40,7 @@ ValueSlider::ValueSlider(
     setAccessibleName(name);
     setRange(0, places);
     setFocusPolicy(Qt::StrongFocus);
+    if (range.fillsFromDefault) setObjectName(QStringLiteral("fromDefault"));
 }
 
 double ValueSlider::step() const {
@@ -46,11 +53,32 @@ void ValueSlider::setValue(double value) {
     QSlider::setValue(static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * places)));
 }
 
+double ValueSlider::positionOf(double value) const {
+    const double share = (value - range.lowest) / (range.highest - range.lowest);
+    return handleWidth / 2.0 + std::clamp(share, 0.0, 1.0) * (width() - handleWidth);
+}
+
+void ValueSlider::paintEvent(QPaintEvent* event) {
+    if (!range.fillsFromDefault || !range.defaultValue) return QSlider::paintEvent(event);
+    const double origin = positionOf(*range.defaultValue);
+    const double handle = positionOf(current);
+    const double middle = height() / 2.0;
+    // The groove and the handle cover the mark, and the filling ends at the handle.
+    QPainter(this).fillRect(
+        QRectF(origin - 1.0, middle - markHeight / 2.0, 2.0, markHeight), theme::primaryText
+    );
+    QSlider::paintEvent(event);
+    const double end = handle + (handle < origin ? handleWidth : -handleWidth) / 2.0;
+    if (std::abs(handle - origin) <= handleWidth / 2.0) return;
+    QPainter(this).fillRect(
+        QRectF(std::min(origin, end), middle - grooveHeight / 2.0, std::abs(end - origin), grooveHeight),
+        theme::accent
+    );
+}
+
 void ValueSlider::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return event->ignore();
-    const double share = (current - range.lowest) / (range.highest - range.lowest);
-    const double handle = handleWidth / 2.0 + std::clamp(share, 0.0, 1.0) * (width() - handleWidth);
-    isHandlePressed = std::abs(event->position().x() - handle) <= handleWidth / 2.0;
+    isHandlePressed = std::abs(event->position().x() - positionOf(current)) <= handleWidth / 2.0;
     setSliderDown(true);
     touch(event->position().x());
 }

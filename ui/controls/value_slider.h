@@ -19,6 +19,9 @@ class ValueSlider final : public QSlider {
         double step = 0.0;
         /// The value for a double click on the handle; none if absent.
         std::optional<double> defaultValue = {};
+        /// Whether the slider fills from its default value, which a mark shows, instead of from its lowest
+        /// one.
+        bool fillsFromDefault = false;
     };
 
     /// `onChange` receives every value that the user sets. `name`: for screen readers.
@@ -38,6 +41,7 @@ class ValueSlider final : public QSlider {
     void choose(double value);
 
   protected:
+    void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -47,6 +51,8 @@ class ValueSlider final : public QSlider {
 
   private:
     void touch(double x);
+    /// The distance of a value from the left.
+    [[nodiscard]] double positionOf(double value) const;
     void stepBy(double steps, Qt::KeyboardModifiers modifiers);
 
     const Range range;

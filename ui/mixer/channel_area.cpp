@@ -168,7 +168,7 @@ void ChannelArea::showPages() {
 void ChannelArea::arrange() {
     for (std::size_t page = 0; page < pageButtons.size(); ++page)
         pageButtons[page]->setActive(page == shown.page);
-    rows->arrange(shown.rows());
+    rows->arrange(shown.rows(), shown.rowLength());
 }
 
 } // namespace orvane::ui

@@ -39,12 +39,15 @@ StripRange ChannelLayout::stripsOf(std::size_t pageIndex) const {
     return {first, std::min(channelCount, first + pageSize())};
 }
 
+std::size_t ChannelLayout::rowLength() const {
+    return isPaged() ? stripsPerRow : pageSize();
+}
+
 std::vector<StripRange> ChannelLayout::rows() const {
     const auto [first, end] = stripsOf(isPaged() ? page : 0);
-    const std::size_t rowLength = isPaged() ? stripsPerRow : pageSize();
     std::vector<StripRange> cut;
-    for (std::size_t begin = first; begin < end; begin += rowLength)
-        cut.push_back({begin, std::min(end, begin + rowLength)});
+    for (std::size_t begin = first; begin < end; begin += rowLength())
+        cut.push_back({begin, std::min(end, begin + rowLength())});
     return cut;
 }
 

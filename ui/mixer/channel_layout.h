@@ -32,6 +32,8 @@ struct ChannelLayout {
     [[nodiscard]] std::size_t pageCount() const;
     [[nodiscard]] StripRange stripsOf(std::size_t pageIndex) const;
     [[nodiscard]] std::size_t pageOf(std::size_t strip) const { return strip / pageSize(); }
+    /// The length of a full row.
+    [[nodiscard]] std::size_t rowLength() const;
     /// The visible strips, one range per row.
     [[nodiscard]] std::vector<StripRange> rows() const;
 

@@ -78,6 +78,12 @@ ValueRow::Style decibels(double lowest, double highest, double usual, int width,
         .help = help};
 }
 
+ValueRow::Style groupGain(const QString& group) {
+    ValueRow::Style style = decibels(-24.0, 12.0, 0.0, faderWidth, groupHelp.arg(group));
+    style.range.fillsFromDefault = true;
+    return style;
+}
+
 QLabel* makeLine(const QString& text, TextStyle style, const QColor& color, QFont::Weight weight) {
     QLabel* const label = makeText(text, style, color, weight);
     label->setWordWrap(false);
@@ -120,13 +126,11 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
           [this](double value) { engine.setMasterTargetDB(value); }
       ),
       lead(
-          QStringLiteral("Lead"),
-          decibels(-24.0, 12.0, 0.0, faderWidth, groupHelp.arg(QStringLiteral("Lead"))),
+          QStringLiteral("Lead"), groupGain(QStringLiteral("Lead")),
           [this](double value) { engine.setLeadGroupGainDB(value); }
       ),
       backing(
-          QStringLiteral("Backing"),
-          decibels(-24.0, 12.0, 0.0, faderWidth, groupHelp.arg(QStringLiteral("Backing"))),
+          QStringLiteral("Backing"), groupGain(QStringLiteral("Backing")),
           [this](double value) { engine.setBackingGroupGainDB(value); }
       ),
       release(

@@ -25,8 +25,8 @@ class MasterSection final : public QScrollArea {
     /// `mixerEngine` must outlive the view.
     explicit MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
 
-    /// Mix has the same controls in less height: sliders and meters shrink with the window, and the texts
-    /// that explain are their tool tips only.
+    /// Mix has the same controls in less height: sliders and meters shrink with the window, and
+    /// explanations are left to the tool tips.
     void setPresentation(StripPresentation now);
     /// The height in Setup for a width.
     [[nodiscard]] int heightForSetup(int availableWidth) const;

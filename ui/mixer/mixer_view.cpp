@@ -39,6 +39,9 @@ const Confirmation channelCountQuestion{
                        "count."),
     .action = QStringLiteral("Change Channel Count")};
 
+const QString showMixText = QStringLiteral("Show Mix");
+const QString showSetupText = QStringLiteral("Show Setup");
+
 /// Returns the session file that is dragged; absent if anything else is.
 std::optional<std::filesystem::path> draggedSession(const QMimeData& dragged) {
     const QList<QUrl> files = dragged.urls();
@@ -57,7 +60,7 @@ MixerView::MixerView(
       engine(mixerEngine),
       reconfigure(std::move(onReconfigureChannelCount)),
       components([&mixerEngine] { return mixerEngine.availableInsertComponents(); }),
-      togglePresentation(new QAction(QStringLiteral("Mix or Setup"), this)),
+      togglePresentation(new QAction(showMixText, this)),
       channelArea(new ChannelArea(mixerEngine, components, mixerPresentation)),
       masterSection(new MasterSection(mixerEngine)),
       file(mixerEngine, components, *this, *channelArea),
@@ -82,6 +85,7 @@ MixerView::MixerView(
     connect(togglePresentation, &QAction::triggered, this, [this] { mixerPresentation.toggle(); });
     presentationSubscription = mixerPresentation.shown().subscribe([this](StripPresentation now) {
         masterSection->setPresentation(now);
+        togglePresentation->setText(now == StripPresentation::mix ? showSetupText : showMixText);
     });
     addShortcuts();
     setAcceptDrops(true);

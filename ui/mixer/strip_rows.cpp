@@ -17,6 +17,10 @@ namespace {
 constexpr int spacing = 12;
 constexpr int mixSpacing = 6;
 
+int gapIn(StripPresentation presentation) {
+    return presentation == StripPresentation::mix ? mixSpacing : spacing;
+}
+
 } // namespace
 
 StripRows::StripRows(
@@ -42,8 +46,9 @@ StripRows::StripRows(
     new ScrollGuard(*this);
 }
 
-void StripRows::arrange(const std::vector<StripRange>& stripRows) {
+void StripRows::arrange(const std::vector<StripRange>& stripRows, std::size_t stripsPerRow) {
     rows = stripRows;
+    columns = static_cast<int>(stripsPerRow);
     const auto isInSight = [this](std::size_t index) {
         return std::ranges::any_of(rows, [index](const StripRange& row) {
             return row.first <= index && index < row.end;
@@ -60,10 +65,12 @@ void StripRows::arrange(const std::vector<StripRange>& stripRows) {
 
 void StripRows::setPresentation(StripPresentation now) {
     presentation = now;
+    const QWidget* const leftmost = leftmostStrip();
     setUpdatesEnabled(false);
     for (ChannelStripView* strip : strips)
         strip->setPresentation(now);
     layOut();
+    if (leftmost != nullptr) horizontalScrollBar()->setValue(leftmost->x() - gapIn(now));
     setUpdatesEnabled(true);
 }
 
@@ -77,21 +84,28 @@ void StripRows::reveal(std::size_t index) {
 }
 
 int StripRows::heightForSetup() const {
-    const int wide = spacing + static_cast<int>(longestRow()) * (setupSize.width() + spacing);
+    const int wide = spacing + longestRow() * (setupSize.width() + spacing);
     const int bar = wide > width() ? horizontalScrollBar()->sizeHint().height() : 0;
     return spacing + setupSize.height() + spacing + bar;
 }
 
-std::size_t StripRows::longestRow() const {
+int StripRows::longestRow() const {
     std::size_t longest = 1;
     for (const StripRange& row : rows)
         longest = std::max(longest, row.end - row.first);
-    return longest;
+    return static_cast<int>(longest);
+}
+
+const QWidget* StripRows::leftmostStrip() const {
+    for (const StripRange& row : rows)
+        for (std::size_t index = row.first; index < row.end; ++index)
+            if (strips[index]->geometry().right() > horizontalScrollBar()->value()) return strips[index];
+    return nullptr;
 }
 
 void StripRows::layOut() {
     const QSize strip = stripSize();
-    const int gap = presentation == StripPresentation::mix ? mixSpacing : spacing;
+    const int gap = gapIn(presentation);
     int top = gap;
     for (const StripRange& row : rows) {
         int left = gap;
@@ -101,12 +115,11 @@ void StripRows::layOut() {
         }
         top += strip.height() + gap;
     }
-    content->resize(gap + static_cast<int>(longestRow()) * (strip.width() + gap), top);
+    content->resize(gap + longestRow() * (strip.width() + gap), top);
 }
 
 QSize StripRows::stripSize() const {
     if (presentation == StripPresentation::setup || strips.empty()) return setupSize;
-    const auto columns = static_cast<int>(longestRow());
     const auto lines = static_cast<int>(std::max<std::size_t>(rows.size(), 1));
     const QSize room = maximumViewportSize();
     const QSize smallest = strips.front()->minimumSizeHint();
@@ -114,7 +127,7 @@ QSize StripRows::stripSize() const {
     const int width = std::clamp(
         share(room.width(), columns), strips.front()->minimumWidth(), strips.front()->maximumWidth()
     );
-    const bool scrollsSideways = width > share(room.width(), columns);
+    const bool scrollsSideways = width > share(room.width(), longestRow());
     const int height = room.height() - (scrollsSideways ? horizontalScrollBar()->sizeHint().height() : 0);
     return {width, std::max(share(height, lines), smallest.height())};
 }

@@ -26,8 +26,8 @@ class StripRows final : public QScrollArea {
         const OpenChannels& openChannels
     );
 
-    /// Shows the strips of the rows and hides all others.
-    void arrange(const std::vector<StripRange>& stripRows);
+    /// Shows the strips of the rows and hides all others. A full row has `stripsPerRow` strips.
+    void arrange(const std::vector<StripRange>& stripRows, std::size_t stripsPerRow);
 
     /// In Mix the strips share the room: they are as narrow as necessary and as high as possible.
     void setPresentation(StripPresentation now);
@@ -49,11 +49,14 @@ class StripRows final : public QScrollArea {
   private:
     void layOut();
     [[nodiscard]] QSize stripSize() const;
-    [[nodiscard]] std::size_t longestRow() const;
+    [[nodiscard]] int longestRow() const;
+    /// The first strip in sight.
+    [[nodiscard]] const QWidget* leftmostStrip() const;
 
     QWidget* const content;
     StripPresentation presentation = StripPresentation::setup;
     std::vector<StripRange> rows;
+    int columns = 1;
     QSize setupSize;
     /// In the order of the engine's list.
     std::vector<ChannelStripView*> strips;

@@ -180,10 +180,6 @@ void ChannelStripView::resizeEvent(QResizeEvent*) {
 }
 
 void ChannelStripView::setOpen(bool isOpen) {
-    showMark(isOpen);
-}
-
-void ChannelStripView::showMark(bool isOpen) {
     const StripMark::State now{.isOpen = isOpen, .isMuted = strip().muted, .isBypassed = strip().bypassed};
     if (now == mark->state()) return;
     const bool isPainted = now.isMuted != mark->state().isMuted || now.isBypassed != mark->state().isBypassed;
@@ -225,7 +221,8 @@ QLayout* ChannelStripView::makePanRow() {
     inside->setSpacing(6);
     inside->addWidget(makeText(QStringLiteral("Pan"), TextStyle::caption2, theme::secondaryText));
     pan = new ValueSlider(
-        QStringLiteral("Pan"), {.lowest = -1.0, .highest = 1.0, .defaultValue = 0.0},
+        QStringLiteral("Pan"),
+        {.lowest = -1.0, .highest = 1.0, .defaultValue = 0.0, .fillsFromDefault = true},
         [this](double position) { engine.setPan(stripID, position); }
     );
     inside->addWidget(pan, 1);
@@ -283,7 +280,7 @@ void ChannelStripView::showStrip() {
     showRouting();
     showSlots();
     levels->setTrim(shown.trim);
-    showMark(mark->state().isOpen);
+    setOpen(mark->state().isOpen);
     mute->setActive(shown.muted);
     bypass->setActive(shown.bypassed);
 }

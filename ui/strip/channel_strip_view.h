@@ -46,7 +46,7 @@ class ChannelStripView final : public QWidget {
     /// Sets the action of the signs in Mix that lead to Setup.
     void setOpenSetup(std::function<void()> action) { openSetup = std::move(action); }
 
-    /// Whether the strip's channel is open.
+    /// Shows whether the strip's channel is open, with its mute and bypass.
     void setOpen(bool isOpen);
 
     /// Passes a name that is being typed to the engine.
@@ -68,7 +68,6 @@ class ChannelStripView final : public QWidget {
     void refresh();
     void showStrip();
     void showName();
-    void showMark(bool isOpen);
     void showRouting();
     void showSlots();
     void showSigns();

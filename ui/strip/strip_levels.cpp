@@ -1,5 +1,6 @@
 #include "ui/strip/strip_levels.h"
 
+#include "dsp/decibels.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/vertical_fader.h"
@@ -8,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include <cmath>
 #include <functional>
 
 namespace orvane::ui {
@@ -31,6 +33,20 @@ QString writeTrim(double trim) {
     return QStringLiteral("×%1").arg(trim, 0, 'f', 2);
 }
 
+QString writeDecibels(double trim) {
+    if (trim <= 0.0) return QStringLiteral("−∞ dB");
+    // No negative zero.
+    const double decibels = std::round(dsp::linearToDB(trim) * 10.0) / 10.0 + 0.0;
+    return QStringLiteral("%1 dB").arg(decibels, 0, 'f', 1);
+}
+
+/// A number with a sign or with "dB" is in dB, as no factor is negative.
+double readTrim(double number, const QString& text) {
+    const bool isDecibels = text.contains(QStringLiteral("dB"), Qt::CaseInsensitive) || number < 0.0
+                            || text.trimmed().startsWith(QChar(u'+'));
+    return isDecibels ? dsp::dbToLinear(number) : number;
+}
+
 std::function<void(double)> trimSetter(engine::MixerEngine& engine, std::size_t index) {
     return [&engine, id = engine.state().channelStrips.get()[index].id](double factor) {
         engine.setTrim(id, factor);
@@ -46,14 +62,21 @@ StripLevels::StripLevels(engine::MixerEngine& mixerEngine, std::size_t index)
       )),
       trimValue(new ValueField(
           QStringLiteral("Trim value"),
-          {.write = writeTrim, .highest = highestTrim, .width = valueWidth, .alignment = Qt::AlignHCenter},
+          {.write = writeTrim,
+           .read = readTrim,
+           .highest = highestTrim,
+           .width = valueWidth,
+           .alignment = Qt::AlignHCenter},
           trimSetter(mixerEngine, index)
-      )) {
+      )),
+      decibels(makeText({}, TextStyle::caption2, theme::secondaryText)) {
     trim->setAccessibleName(QStringLiteral("Trim"));
     trim->setToolTip(trimHelp);
     QLabel* const caption = makeText(QStringLiteral("Trim"), TextStyle::caption2, theme::secondaryText);
     caption->setFont(systemFont(captionSize));
     caption->setAlignment(Qt::AlignCenter);
+    decibels->setAlignment(Qt::AlignCenter);
+    decibels->setWordWrap(false);
 
     auto* const fader = new QVBoxLayout;
     // The room for the thumb separates them.
@@ -61,6 +84,7 @@ StripLevels::StripLevels(engine::MixerEngine& mixerEngine, std::size_t index)
     fader->addWidget(caption);
     fader->addWidget(trim, 1, Qt::AlignHCenter);
     fader->addWidget(trimValue, 0, Qt::AlignHCenter);
+    fader->addWidget(decibels);
     fader->addStretch();
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -78,6 +102,7 @@ void StripLevels::setPresentation(StripPresentation presentation) {
     trim->setMaximumSize(trim->minimumWidth(), grows ? QWIDGETSIZE_MAX : trim->minimumHeight());
     trim->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     meters->setGrowing(grows);
+    decibels->setVisible(grows);
 }
 
 void StripLevels::setDimmed(bool isDimmed) {
@@ -87,6 +112,11 @@ void StripLevels::setDimmed(bool isDimmed) {
 void StripLevels::setTrim(double factor) {
     trim->setValue(factor);
     trimValue->setValue(factor);
+    const QString written = writeDecibels(factor);
+    decibels->setText(written);
+    trimValue->setToolTip(
+        QStringLiteral("Trim: %1. Type a factor such as 0.5, or a level such as -6 dB.").arg(written)
+    );
 }
 
 } // namespace orvane::ui

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+class QLabel;
+
 namespace orvane::ui {
 
 class ChannelMeterColumn;
@@ -29,6 +31,8 @@ class StripLevels final : public QWidget {
     ChannelMeterColumn* const meters;
     VerticalFader* const trim;
     ValueField* const trimValue;
+    /// The trim in dB, in Mix.
+    QLabel* const decibels;
 };
 
 } // namespace orvane::ui

@@ -62,6 +62,7 @@ QString makeStyleSheet() {
         QAbstractItemView::item:selected { background: %6; color: white; }
         QSlider::groove:horizontal { height: 4px; background: %5; border-radius: 2px; }
         QSlider::sub-page:horizontal { background: %4; border-radius: 2px; }
+        QSlider#fromDefault::sub-page:horizontal { background: transparent; }
         QSlider::handle:horizontal { width: 12px; margin: -5px 0; border-radius: 6px; background: white; }
         QSlider::handle:horizontal:focus { background: %4; }
         QScrollArea, QScrollArea > QWidget > QWidget { background: transparent; border: none; }
