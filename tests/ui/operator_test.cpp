@@ -6,6 +6,8 @@
 #include "support/jack_test_server.h"
 #include "support/temporary_folder.h"
 #include "ui/application.h"
+#include "ui/bridge/meter_bridge.h"
+#include "ui/controls/menu_picker.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 #include "ui/editors/native_editor_view.h"
@@ -16,6 +18,7 @@
 #include "ui/strip/channel_strip_view.h"
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/strip/plugin_slot_view.h"
+#include "ui/strip/strip_mark.h"
 #include "ui/windows/orvane_app.h"
 #include "ui/windows/plugin_editor_windows.h"
 
@@ -24,6 +27,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -31,6 +35,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <variant>
@@ -246,6 +251,32 @@ TEST_F(Operator, MixesAShowAndRestoresItFromItsFile) {
     EXPECT_TRUE(waitUntil([&] { return strip(0).name == "Anna" && isLoaded(0, 0) && isLoaded(2, 1); }));
     EXPECT_EQ(engine().makeDocumentData(), show);
     EXPECT_TRUE(waitUntil([&] { return view(0).findChild<QLineEdit*>()->text() == "Anna"; }));
+}
+
+TEST_F(Operator, RunsAShowInMixOnALaptop) {
+    window->resize(1366, 740);
+    chooseSize(QStringLiteral("48 channels"), 48);
+    chooseDemoAndStart();
+    auto& bridge = *viewsIn<MeterBridge>(*window).at(0);
+    EXPECT_TRUE(bridge.isVisible() && bridge.width() <= window->width());
+    EXPECT_TRUE(waitUntil([&] {
+        return std::ranges::any_of(viewsIn<StripMark>(*window), [](const StripMark* mark) {
+            return mark->state().isOpen;
+        });
+    })) << "the open ones are in sight without a click";
+    press(view(1), QStringLiteral("Mute"));
+    EXPECT_TRUE(waitUntil([&] { return strip(1).muted; })) << "one click";
+    const VerticalFader& trim = *viewsIn<VerticalFader>(view(1)).at(0);
+    hand.clickAt(trim, {trim.width() / 2, trim.height() / 4});
+    EXPECT_TRUE(waitUntil([&] { return strip(1).trim > 1.3 && strip(1).trim < 1.7; })) << "one click";
+    MenuPicker& input = *viewsIn<MenuPicker>(view(2)).at(0);
+    hand.click(input);
+    const QWidget& menu = *input.view()->viewport();
+    EXPECT_TRUE(waitUntil([&] { return menu.isVisible(); }));
+    hand.clickAt(menu, input.view()->visualRect(input.model()->index(6, 0)).center());
+    EXPECT_TRUE(waitUntil([&] { return strip(2).inputChannelIndex == 5; })) << "two clicks";
+    hand.clickAt(bridge, {bridge.width() - 10, 10});
+    EXPECT_TRUE(waitUntil([&] { return !view(47).visibleRegion().isEmpty(); })) << "one click";
 }
 
 } // namespace

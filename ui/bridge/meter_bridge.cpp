@@ -136,6 +136,11 @@ void MeterBridge::paintTitle(QPainter& painter, const Cell& cell, const QRect& f
     const QString shown = painter.fontMetrics().elidedText(
         cell.title, Qt::ElideRight, frame.width() - (cell.title.contains(' ') ? 2 * titlePadding : 0)
     );
+    // The hatching of a muted channel leaves out its text.
+    if (cell.isMuted) {
+        const QRectF behind = painter.boundingRect(title, Qt::AlignCenter, shown);
+        painter.fillRect(behind.adjusted(-1.0, 1.0, 1.0, -1.0) & title, theme::panelBackground);
+    }
     painter.drawText(title, Qt::AlignCenter, shown);
     painter.restore();
 }

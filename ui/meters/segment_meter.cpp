@@ -14,6 +14,11 @@ namespace {
 constexpr int restingMs = 600;
 constexpr double dimmedShare = 0.35;
 
+/// The pixels that a segment may colour. At fractional scales its smoothed edges extend beyond its own.
+QRect reachOf(const QRectF& segment) {
+    return segment.toAlignedRect().adjusted(-1, -1, 1, 1);
+}
+
 } // namespace
 
 SegmentMeter::SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* parent)
@@ -55,7 +60,7 @@ void SegmentMeter::setLit(int segmentsToLight) {
 void SegmentMeter::repaintSegments(int first, int last) {
     if (segments.empty()) return;
     for (int k = std::max(first, 0); k < std::min(last, count); ++k)
-        update(segments[static_cast<std::size_t>(k)].toAlignedRect());
+        update(reachOf(segments[static_cast<std::size_t>(k)]));
 }
 
 void SegmentMeter::paintEvent(QPaintEvent* event) {
@@ -64,7 +69,7 @@ void SegmentMeter::paintEvent(QPaintEvent* event) {
     painter.setPen(Qt::NoPen);
     for (int k = 0; k < static_cast<int>(segments.size()); ++k) {
         const QRectF& segment = segments[static_cast<std::size_t>(k)];
-        if (!event->rect().intersects(segment.toAlignedRect())) continue;
+        if (!event->rect().intersects(reachOf(segment))) continue;
         const double brightness = brightnessOf(k) * presence * (dimmed ? dimmedShare : 1.0);
         if (brightness < 1.0) {
             painter.setBrush(theme::unlit);

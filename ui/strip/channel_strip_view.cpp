@@ -24,7 +24,7 @@ namespace orvane::ui {
 namespace {
 
 constexpr int stripWidth = 140;
-constexpr int smallestMixWidth = 96;
+constexpr int smallestMixWidth = 100;
 constexpr int largestMixWidth = 160;
 constexpr int padding = 10;
 constexpr int contentWidth = stripWidth - 2 * padding;

@@ -21,6 +21,8 @@ constexpr int captionSize = 9;
 constexpr QSize faderTrackSize(36, 130);
 constexpr QSize smallestFader(30, 70);
 constexpr int valueWidth = 44;
+constexpr int mixValueWidth = 36;
+constexpr int mixGap = 2;
 constexpr double highestTrim = 2.0;
 
 const QString trimHelp = QStringLiteral(
@@ -88,7 +90,6 @@ StripLevels::StripLevels(engine::MixerEngine& mixerEngine, std::size_t index)
     fader->addStretch();
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(gap);
     row->addWidget(meters, 1);
     row->addStretch();
     row->addLayout(fader);
@@ -101,6 +102,8 @@ void StripLevels::setPresentation(StripPresentation presentation) {
     trim->setMinimumSize(grows ? smallestFader : faderTrackSize.grownBy(overhang));
     trim->setMaximumSize(trim->minimumWidth(), grows ? QWIDGETSIZE_MAX : trim->minimumHeight());
     trim->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    trimValue->setFixedWidth(grows ? mixValueWidth : valueWidth);
+    layout()->setSpacing(grows ? mixGap : gap);
     meters->setGrowing(grows);
     decibels->setVisible(grows);
 }
