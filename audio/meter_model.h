@@ -28,11 +28,45 @@ class MeterModel final {
     /// Linear RMS of the reference noise, smoothed from update to update.
     platform::Published<double> pinkNoiseLevel;
 
+    /// Peaks of each strip's input, before its inserts, of each output of the main device, of each output of
+    /// a master device, and of the leveled master bus before the limiter. Peaks are held for 2 s, overs until
+    /// `resetOvers`.
+    platform::Published<std::vector<SignalPeak>> inputPeaks;
+    platform::Published<std::vector<SignalPeak>> outputPeaks;
+    platform::Published<std::vector<SignalPeak>> masterOutputPeaks;
+    platform::Published<SignalPeak> masterPeak;
+
+    /// Forgets the overs so far.
+    void resetOvers();
+
     /// Publishes the last readings of a run. Called once per tick of the meters.
-    void update(const MixerRealtimeState& state);
+    void update(MixerRealtimeState& state);
 
     /// Publishes a load of 0 after a run has ended; all other values stay.
     void showStopped() { cpuLoad.set(0.0); }
+
+  private:
+    /// Peaks of several signals as they are shown.
+    class HeldPeaks final {
+      public:
+        /// Takes the peaks of one tick and releases those that have been held long enough.
+        const std::vector<SignalPeak>& update(SignalPeaks& peaks);
+        const std::vector<SignalPeak>& withoutOvers();
+
+      private:
+        struct Hold {
+            int ticksLeft = 0;
+            bool isReleased = true;
+        };
+
+        std::vector<SignalPeak> shown;
+        std::vector<Hold> holds;
+    };
+
+    HeldPeaks heldInputs;
+    HeldPeaks heldOutputs;
+    HeldPeaks heldMasterOutputs;
+    HeldPeaks heldMaster;
 };
 
 } // namespace orvane::audio

@@ -13,7 +13,7 @@ constexpr auto interval =
 
 } // namespace
 
-void MeterTimer::start(std::weak_ptr<const MixerRealtimeState> state) {
+void MeterTimer::start(std::weak_ptr<MixerRealtimeState> state) {
     meterTimer = mainThread.repeat(interval, [this, weakState = std::move(state)] {
         if (const auto alive = weakState.lock()) model.update(*alive);
     });

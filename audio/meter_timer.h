@@ -15,7 +15,7 @@ class MeterTimer final {
     MeterTimer(platform::MainThread& thread, MeterModel& meters) : mainThread(thread), model(meters) {}
 
     /// Shows `state`, instead of any earlier one, at every tick as long as its owner keeps it alive.
-    void start(std::weak_ptr<const MixerRealtimeState> state);
+    void start(std::weak_ptr<MixerRealtimeState> state);
 
     /// Ends the updates and shows no load.
     void stop();

@@ -16,6 +16,7 @@ constexpr double nanosecondsPerSecond = 1e9;
 
 MixerRealtimeState::MixerRealtimeState(std::size_t channelCount, platform::HostClock hostClock)
     : clock(hostClock),
+      inputPeaks(channelCount),
       scratch(channelCount),
       strips(channelCount),
       meterSnapshot(channelCount, 0.0),
@@ -61,6 +62,10 @@ MeterReading MixerRealtimeState::readMeters() const {
     return reading;
 }
 
+PeakReading MixerRealtimeState::takePeaks() {
+    return {inputPeaks.take(), outputPeaks.take(), masterOutputPeaks.take(), masterPeak.take().front()};
+}
+
 double MixerRealtimeState::cpuLoad() const noexcept {
     const std::scoped_lock guard(cpuLock);
     return cpuLoadSnapshot;
@@ -87,6 +92,10 @@ void MixerRealtimeState::abandonInserts() {
 void MixerRealtimeState::ensureScratch(std::size_t frameCount) {
     scratch.ensure(frameCount, outputRingBuffers.size(), masterOutputRingBuffers.size());
     if (limiter) limiter->ensureScratch(frameCount);
+    if (outputPeaks.signalCount() != outputRingBuffers.size())
+        outputPeaks = SignalPeaks(outputRingBuffers.size());
+    if (masterOutputPeaks.signalCount() != masterOutputRingBuffers.size())
+        masterOutputPeaks = SignalPeaks(masterOutputRingBuffers.size());
 }
 
 double MixerRealtimeState::noiseGain() const noexcept {

@@ -6,6 +6,7 @@
 #include "audio/render_table.h"
 #include "audio/ring_buffer.h"
 #include "audio/routing_table.h"
+#include "audio/signal_peaks.h"
 #include "dsp/automix_processor.h"
 #include "dsp/pink_noise_generator.h"
 #include "dsp/realtime.h"
@@ -40,6 +41,17 @@ struct MeterReading {
     std::vector<double> gainReductionDB;
     /// Linear RMS of the reference noise; 0 until the first block has run.
     double referenceNoiseLevel = 0.0;
+};
+
+/// The peaks of all signals, and their overs since the last reading.
+struct PeakReading {
+    /// Of each strip's input, before its inserts.
+    std::vector<SignalPeak> inputs;
+    /// Of each output of the main device and of a master device.
+    std::vector<SignalPeak> outputs;
+    std::vector<SignalPeak> masterOutputs;
+    /// Of the leveled master bus, before the limiter.
+    SignalPeak master;
 };
 
 /// The one object that the control side and the render pass share during a run: the control side pushes
@@ -87,6 +99,9 @@ class MixerRealtimeState final {
 
     [[nodiscard]] MeterReading readMeters() const;
 
+    /// Returns the peaks, which stay, and the overs since the last call. One thread, not for audio.
+    [[nodiscard]] PeakReading takePeaks();
+
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     [[nodiscard]] double cpuLoad() const noexcept;
 
@@ -131,6 +146,11 @@ class MixerRealtimeState final {
     /// is destroyed first and waits for workers that still use a table.
     std::unique_ptr<InsertWorkers> insertWorkers;
     dsp::PinkNoiseGenerator pinkNoise;
+    SignalPeaks inputPeaks;
+    /// Sized with the scratch.
+    SignalPeaks outputPeaks{0};
+    SignalPeaks masterOutputPeaks{0};
+    SignalPeaks masterPeak{1};
     RenderScratch scratch;
 
   private:

@@ -37,8 +37,11 @@ class Pass final {
             const std::optional<std::size_t>& input = routing->routingInputs[strip];
             const bool isRouted = input && *input < captured.size();
             scratch.routedMaskScratch()[strip] = isRouted;
-            if (isRouted)
-                kernels.widen(scratch.inputBlocksScratch[strip].data(), captured[*input].data(), frameCount);
+            if (!isRouted) continue;
+            const float* const samples = captured[*input].data();
+            double* const block = scratch.inputBlocksScratch[strip].data();
+            if (kernels.widen(block, samples, frameCount, state.inputPeaks.threshold(strip)))
+                state.inputPeaks.add(strip, {samples, frameCount});
         }
     }
 
@@ -66,17 +69,26 @@ class Pass final {
     void mix() noexcept {
         const auto [channels, master] =
             automix.process(scratch.inputBlocksScratch, scratch.routedMaskScratch());
+        narrow(scratch.masterFloatScratch[0], master, state.masterPeak, 0);
         const bool masterIsHere = state.masterOutputRingBuffers.empty();
         const auto& active = masterIsHere ? routing->activeChannelsWithMaster : routing->activeOutputChannels;
 
         clear(scratch.outputSumsScratch, active);
-        for (std::size_t strip = 0; strip < strips; ++strip)
-            sendStrip(strip, channels[strip]);
+        for (std::size_t strip = 0; strip < strips; ++strip) {
+            if (automix.rampsGains())
+                rampStrip(strip, channels[strip]);
+            else
+                send(channels[strip], routing->routingOutputs[strip], scratch.outputSumsScratch);
+        }
+        scratch.hasRamped = automix.rampsGains();
         if (masterIsHere) {
             send(master, routing->masterSends, scratch.outputSumsScratch);
             limit(scratch.outputSumsScratch);
         }
-        deliver(scratch.outputSumsScratch, scratch.outputFloatScratch, active, state.outputRingBuffers);
+        deliver(
+            scratch.outputSumsScratch, scratch.outputFloatScratch, active, state.outputRingBuffers,
+            state.outputPeaks
+        );
         if (!masterIsHere) deliverMasterDevice(master);
     }
 
@@ -106,19 +118,16 @@ class Pass final {
     }
 
     /// A send whose gain has changed runs there in a line; a new one begins at silence.
-    void sendStrip(std::size_t strip, std::span<const double> block) noexcept {
+    void rampStrip(std::size_t strip, std::span<const double> block) noexcept {
         const Sends& sends = routing->routingOutputs[strip];
         Sums& sums = scratch.outputSumsScratch;
         Sends& last = scratch.lastSends[strip];
-        if (!automix.rampsGains() || frameCount == 0) {
-            send(block, sends, sums);
-        } else {
-            for (const Send& send : sends) {
-                if (send.channel >= sums.channelCount()) continue;
-                const double from = last.gainTo(send.channel);
-                const double step = (send.gain - from) / static_cast<double>(frameCount);
-                kernels.addRamped(sums[send.channel].data(), block.data(), from, step, frameCount);
-            }
+        if (!scratch.hasRamped) last = sends;
+        for (const Send& send : sends) {
+            if (send.channel >= sums.channelCount() || frameCount == 0) continue;
+            const double from = last.gainTo(send.channel);
+            const double step = (send.gain - from) / static_cast<double>(frameCount);
+            kernels.addRamped(sums[send.channel].data(), block.data(), from, step, frameCount);
         }
         last = sends;
     }
@@ -137,6 +146,13 @@ class Pass final {
         if (count > 0) state.limiter->process(std::span(limited).first(count), frameCount);
     }
 
+    void narrow(
+        std::span<float> samples, std::span<const double> block, SignalPeaks& peaks, std::size_t signal
+    ) noexcept {
+        if (kernels.narrow(samples.data(), block.data(), frameCount, peaks.threshold(signal)))
+            peaks.add(signal, samples);
+    }
+
     /// The master bus alone, copied rather than added: both sides of a pair may name the same output.
     void deliverMasterDevice(std::span<const double> master) noexcept {
         Sums& sums = scratch.masterOutputSumsScratch;
@@ -145,17 +161,17 @@ class Pass final {
         limit(sums);
         deliver(
             sums, scratch.masterOutputFloatScratch, routing->activeMasterOutputChannels,
-            state.masterOutputRingBuffers
+            state.masterOutputRingBuffers, state.masterOutputPeaks
         );
     }
 
     void deliver(
         const Sums& sums, dsp::ChannelBlocks<float>& floats, std::span<const std::size_t> active,
-        const RingBuffers& rings
+        const RingBuffers& rings, SignalPeaks& peaks
     ) noexcept {
         for (const std::size_t channel : active) {
             if (channel >= rings.size()) continue;
-            kernels.narrow(floats[channel].data(), sums[channel].data(), frameCount);
+            narrow(floats[channel], sums[channel], peaks, channel);
             rings[channel]->write(floats[channel]);
         }
     }

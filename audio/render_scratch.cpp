@@ -20,6 +20,7 @@ RenderScratch::RenderScratch(std::size_t channelCount)
 
 void RenderScratch::ensure(std::size_t frameCount, std::size_t outputCount, std::size_t masterOutputCount) {
     ensureShape(inputBlocksScratch, maskSize, frameCount);
+    ensureShape(masterFloatScratch, std::size_t{1}, frameCount);
     ensureShape(outputSumsScratch, outputCount, frameCount);
     ensureShape(outputFloatScratch, outputCount, frameCount);
     ensureShape(masterOutputSumsScratch, masterOutputCount, frameCount);

@@ -30,8 +30,12 @@ class RenderScratch final {
     dsp::ChannelBlocks<float> outputFloatScratch;
     dsp::ChannelBlocks<double> masterOutputSumsScratch;
     dsp::ChannelBlocks<float> masterOutputFloatScratch;
+    /// The leveled master bus in single precision, one channel.
+    dsp::ChannelBlocks<float> masterFloatScratch;
     /// The sends of each strip in the last block, from which ramps start.
     std::vector<Sends> lastSends;
+    /// Whether the last block noted its sends there.
+    bool hasRamped = false;
     /// Gain reduction of each strip in dB.
     std::vector<double> gainReductionScratch;
 

@@ -17,11 +17,9 @@ struct Part {
 };
 
 constexpr Part parts[] = {
-    {"blocks", orvane::bench::printBlocks},
-    {"sets", orvane::bench::printInstructionSets},
-    {"fixed", orvane::bench::printFixedCost},
-    {"scaling", orvane::bench::printScaling},
-    {"engine", orvane::bench::printEngine}};
+    {"blocks", orvane::bench::printBlocks},       {"sets", orvane::bench::printInstructionSets},
+    {"fixed", orvane::bench::printFixedCost},     {"scaling", orvane::bench::printScaling},
+    {"options", orvane::bench::printOptionTimes}, {"engine", orvane::bench::printEngine}};
 
 } // namespace
 
@@ -36,7 +34,8 @@ int main(int argc, char** argv) {
             "part", wanted,
             "What to measure, everything if left out: blocks (times per block against plain loops), sets "
             "(instruction sets), fixed (cost of a block however short), scaling (growth with strips and "
-            "frames), engine (start, stop, recall, load, scan, memory)"
+            "frames), options (the pass with output options), engine (start, stop, recall, load, scan, "
+            "memory)"
         )
         ->check(CLI::IsMember(all));
     CLI11_PARSE(program, argc, argv);

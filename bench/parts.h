@@ -17,6 +17,9 @@ void printFixedCost();
 /// How the time of the render pass grows with strips and frames.
 void printScaling();
 
+/// The render pass with each of the output options against the pass without.
+void printOptionTimes();
+
 /// Start, stop, recall, load, scan and memory of the whole engine.
 void printEngine();
 

@@ -7,6 +7,7 @@
 #include "cli/meter_bridge.h"
 #include "cli/meter_output.h"
 #include "cli/mix_setup.h"
+#include "cli/peak_text.h"
 #include "cli/printing.h"
 #include "engine/mixer_engine.h"
 #include "engine/session_files.h"
@@ -265,16 +266,20 @@ class LiveRun final {
             .masterLevel = model.masterMeter.get(),
             .masterGain = model.masterGain.get(),
             .referenceLevel = model.pinkNoiseLevel.get(),
+            .masterPeak = model.masterPeak.get(),
+            .outputPeaks = model.outputPeaks.get(),
             .cpuLoad = model.cpuLoad.get(),
             .xruns = engine->xrunCount()};
         const auto& strips = engine->state().channelStrips.get();
+        const std::vector<audio::SignalPeak>& inputs = model.inputPeaks.get();
         for (std::size_t i = 0; i < strips.size(); ++i)
             frame.strips.push_back(
                 {.name = strips[i].name,
                  .level = model.channelMeters.get()[i],
                  .gainReductionDB = model.channelGainReductionDB.get()[i],
                  .muted = strips[i].muted,
-                 .bypassed = strips[i].bypassed}
+                 .bypassed = strips[i].bypassed,
+                 .inputPeak = i < inputs.size() ? inputs[i] : audio::SignalPeak{}}
             );
         if (const auto current = engine->state().currentSnapshotIndex.get()) {
             const auto index = static_cast<std::size_t>(*current);
@@ -309,9 +314,11 @@ class LiveRun final {
         if (platform::isAnythingAbandoned()) printSentence(engine->state().lastError.get());
         meters.reset();
         machine.log.flush();
+        const std::string overs = oversText(engine->meterModel().outputPeaks.get());
         printMessage(fmt::format(
-            "Ran for {:.1f} s with {} xruns; load {:.1f} % on average, {:.1f} % at most; {}.", elapsedSeconds,
-            xruns, ticks == 0 ? 0.0 : sumOfLoads / static_cast<double>(ticks) * 100.0, peakLoad * 100.0,
+            "Ran for {:.1f} s with {} xruns{}{}; load {:.1f} % on average, {:.1f} % at most; {}.",
+            elapsedSeconds, xruns, overs.empty() ? "" : " and ", overs,
+            ticks == 0 ? 0.0 : sumOfLoads / static_cast<double>(ticks) * 100.0, peakLoad * 100.0,
             priority > 0 ? fmt::format("real-time priority {}", priority) : "no real-time priority"
         ));
         if (died) return Error{engine->state().lastError.get().value_or("The mixer has stopped.")};

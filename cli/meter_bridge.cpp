@@ -1,5 +1,6 @@
 #include "cli/meter_bridge.h"
 
+#include "cli/peak_text.h"
 #include "dsp/decibels.h"
 #include "platform/base/plain_text.h"
 
@@ -38,16 +39,21 @@ std::vector<std::string> linesOf(const MeterFrame& frame) {
     for (std::size_t i = 0; i < frame.strips.size(); ++i) {
         const MeterFrame::Strip& strip = frame.strips[i];
         lines.push_back(fmt::format(
-            "{}  GR {:5.1f} dB",
+            "{}  GR {:5.1f} dB{}",
             meterLine(fmt::format("{:>2} {}", i + 1, platform::plainText(strip.name)), strip.level),
-            strip.gainReductionDB
+            strip.gainReductionDB, strip.inputPeak.overs > 0 ? "  CLIP" : ""
         ));
     }
-    lines.push_back(meterLine("   Master", frame.masterLevel));
+    lines.push_back(fmt::format(
+        "{}  peak {:5.1f} dB", meterLine("   Master", frame.masterLevel),
+        std::max(dsp::linearToDB(frame.masterPeak.peak), lowestShownDB)
+    ));
     lines.push_back(meterLine("   Reference", frame.referenceLevel));
-    lines.push_back(
-        fmt::format("   {:.1f} s, load {:.1f} %, {} xruns", frame.seconds, frame.cpuLoad * 100.0, frame.xruns)
-    );
+    const std::string overs = oversText(frame.outputPeaks);
+    lines.push_back(fmt::format(
+        "   {:.1f} s, load {:.1f} %, {} xruns{}{}", frame.seconds, frame.cpuLoad * 100.0, frame.xruns,
+        overs.empty() ? "" : ", ", overs
+    ));
     return lines;
 }
 
@@ -73,6 +79,9 @@ std::string meterJSON(const MeterFrame& frame) {
         {"seconds", frame.seconds},
         {"masterDB", dsp::linearToDB(frame.masterLevel)},
         {"masterGainDB", dsp::linearToDB(frame.masterGain)},
+        {"masterPeakDB", dsp::linearToDB(frame.masterPeak.peak)},
+        {"masterOvers", frame.masterPeak.overs},
+        {"outputs", peaksJSON(frame.outputPeaks)},
         {"referenceDB", dsp::linearToDB(frame.referenceLevel)},
         {"cpuLoad", frame.cpuLoad},
         {"xruns", frame.xruns},
@@ -82,6 +91,8 @@ std::string meterJSON(const MeterFrame& frame) {
             {{"name", strip.name},
              {"levelDB", dsp::linearToDB(strip.level)},
              {"gainReductionDB", strip.gainReductionDB},
+             {"inputPeakDB", dsp::linearToDB(strip.inputPeak.peak)},
+             {"inputOvers", strip.inputPeak.overs},
              {"muted", strip.muted},
              {"bypassed", strip.bypassed}}
         );

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "audio/signal_peaks.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -18,6 +20,8 @@ struct MeterFrame {
         double gainReductionDB = 0.0;
         bool muted = false;
         bool bypassed = false;
+        /// Of the strip's input.
+        audio::SignalPeak inputPeak = {};
     };
 
     struct Scene {
@@ -34,6 +38,9 @@ struct MeterFrame {
     /// The leveler's gain, linear.
     double masterGain = 1.0;
     double referenceLevel = 0.0;
+    audio::SignalPeak masterPeak = {};
+    /// One for each output of the main device.
+    std::vector<audio::SignalPeak> outputPeaks = {};
     /// Share of a block's duration, 0 to 1.
     double cpuLoad = 0.0;
     std::uint32_t xruns = 0;

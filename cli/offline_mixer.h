@@ -53,6 +53,9 @@ class OfflineMixer final {
     /// The automix with the results of the last block. Only while the mixer is started.
     [[nodiscard]] const dsp::AutomixProcessor& automix() const { return *mixer.automix(); }
 
+    /// The peaks since the last call.
+    [[nodiscard]] audio::PeakReading takePeaks() const { return mixer.takePeaks(); }
+
     /// The smoothed share of a block's duration that its render pass takes, 0 to 1.
     [[nodiscard]] double load() const { return mixer.renderLoad(); }
 

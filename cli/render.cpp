@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -298,7 +299,8 @@ class Run final {
     void takeStems(std::span<const std::span<float>> stems) {
         for (std::size_t i = 0; i < stems.size(); ++i)
             mixer->automix().laneKernels().narrow(
-                stems[i].data(), mixer->automix().channelOutputs()[i].data(), stems[i].size()
+                stems[i].data(), mixer->automix().channelOutputs()[i].data(), stems[i].size(),
+                std::numeric_limits<float>::infinity()
             );
     }
 

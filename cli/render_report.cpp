@@ -1,5 +1,6 @@
 #include "cli/render_report.h"
 
+#include "cli/peak_text.h"
 #include "dsp/decibels.h"
 #include "platform/base/plain_text.h"
 
@@ -22,6 +23,9 @@ std::string RenderReport::json() const {
         {"realTimeFactor", realTimeFactor()},
         {"masterGain", masterGain},
         {"masterGainDB", dsp::linearToDB(masterGain)},
+        {"masterPeakDB", dsp::linearToDB(masterPeak.peak)},
+        {"masterOvers", masterPeak.overs},
+        {"outputs", peaksJSON(outputPeaks)},
         {"peakLoad", peakLoad},
         {"meanLoad", meanLoad},
         {"gainIntervalSeconds", gainIntervalSeconds},
@@ -34,6 +38,8 @@ std::string RenderReport::json() const {
              {"finalGainDB", dsp::linearToDB(strips[i].finalGain)},
              {"meanOutputLevel", strips[i].meanOutputLevel},
              {"meanOutputLevelDB", dsp::linearToDB(strips[i].meanOutputLevel)},
+             {"inputPeakDB", dsp::linearToDB(strips[i].inputPeak.peak)},
+             {"inputOvers", strips[i].inputPeak.overs},
              {"gainsDB", strips[i].gainsDB}}
         );
     return document.dump(2) + "\n";
@@ -54,6 +60,8 @@ std::string RenderReport::text() const {
             platform::plainText(strips[i].name), dsp::linearToDB(strips[i].finalGain),
             dsp::linearToDB(strips[i].meanOutputLevel)
         );
+    if (const std::string overs = oversText(outputPeaks); !overs.empty())
+        lines += "Full scale: " + overs + ".\n";
     return lines;
 }
 
@@ -77,10 +85,25 @@ void RenderReportBuilder::add(const OfflineMixer& mixer) {
         report.strips[i].finalGain = automix.currentGains()[i];
     }
     gains.add(automix.currentGains());
+    addPeaks(mixer.takePeaks());
     report.masterGain = automix.currentMasterGain();
     report.peakLoad = std::max(report.peakLoad, mixer.load());
     sumOfLoads += mixer.load();
     ++report.blocks;
+}
+
+void RenderReportBuilder::addPeaks(const audio::PeakReading& peaks) {
+    const auto add = [](audio::SignalPeak& sum, const audio::SignalPeak& taken) {
+        sum.isUsed |= taken.isUsed;
+        sum.peak = std::max(sum.peak, taken.peak);
+        sum.overs += taken.overs;
+    };
+    for (std::size_t i = 0; i < report.strips.size(); ++i)
+        add(report.strips[i].inputPeak, peaks.inputs[i]);
+    report.outputPeaks.resize(peaks.outputs.size());
+    for (std::size_t i = 0; i < peaks.outputs.size(); ++i)
+        add(report.outputPeaks[i], peaks.outputs[i]);
+    add(report.masterPeak, peaks.master);
 }
 
 RenderReport RenderReportBuilder::finish(double frameCount, double wallSeconds) const {

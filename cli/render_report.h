@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/signal_peaks.h"
 #include "cli/gain_history.h"
 #include "cli/offline_mixer.h"
 
@@ -16,6 +17,8 @@ struct StripReport {
     double finalGain = 0.0;
     /// RMS of the strip's output over the whole run, linear.
     double meanOutputLevel = 0.0;
+    /// Of the strip's input, before its inserts.
+    audio::SignalPeak inputPeak = {};
     /// The automix gain over time, in dB: at the report's interval and its multiples.
     std::vector<double> gainsDB = {};
 };
@@ -30,6 +33,9 @@ struct RenderReport {
     /// Duration of the run.
     double wallSeconds = 0.0;
     std::vector<StripReport> strips;
+    /// Of the leveled master bus before the limiter, and of each output.
+    audio::SignalPeak masterPeak = {};
+    std::vector<audio::SignalPeak> outputPeaks = {};
     /// Time between the strips' gains.
     double gainIntervalSeconds = 0.0;
     /// The leveler's gain of the last block, linear.
@@ -60,6 +66,8 @@ class RenderReportBuilder final {
     [[nodiscard]] RenderReport finish(double frameCount, double wallSeconds) const;
 
   private:
+    void addPeaks(const audio::PeakReading& peaks);
+
     RenderReport report;
     GainHistory gains;
     std::vector<double> sumOfSquaredLevels;

@@ -241,8 +241,8 @@ void AutomixProcessor::mixGroup(
     for (std::size_t lane = 0; lane < group.count; ++lane) {
         double& last = lastGains[group.channels[lane]];
         const double gain = mixGain(controls, group.channels[lane]);
-        group.steps[lane] = (gain - last) / frames;
         group.values[lane] = ramps ? last : gain;
+        if (ramps) group.steps[lane] = (gain - last) / frames;
         last = gain;
     }
     if (ramps)

@@ -107,7 +107,7 @@ void MixerEngine::startOrThrow() {
     append(warnings, rates);
     for (const std::string& refusal : refusals)
         append(warnings, refusal);
-    const std::weak_ptr<const audio::MixerRealtimeState> state = run->realtimeState();
+    const std::weak_ptr<audio::MixerRealtimeState> state = run->realtimeState();
     mix.setRun(std::move(run));
     published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
     meterTimer.start(state);

@@ -234,6 +234,10 @@ class MixerEngine final {
     [[nodiscard]] double renderLoad() const {
         return mix.run() ? mix.run()->realtimeState()->cpuLoad() : 0.0;
     }
+    /// The peaks since the last call or tick of the meters.
+    [[nodiscard]] audio::PeakReading takePeaks() const {
+        return mix.run() ? mix.run()->realtimeState()->takePeaks() : audio::PeakReading{};
+    }
     [[nodiscard]] std::uint32_t xrunCount() const { return mix.run() ? mix.run()->xrunCount() : 0; }
     [[nodiscard]] int realtimePriority() const { return mix.run() ? mix.run()->realtimePriority() : 0; }
 

@@ -61,11 +61,13 @@ struct LaneKernels {
     )(double* filtered, const double* samples, const double* taps, std::size_t tapCount,
       std::size_t frameCount) noexcept;
 
-    /// wide[i] = narrow[i] in double precision; NaNs and samples beyond `largestSample` become 0.
-    void (*widen)(double* wide, const float* narrow, std::size_t frameCount) noexcept;
+    /// wide[i] = narrow[i] in double precision; NaNs and samples beyond `largestSample` become 0. Returns
+    /// whether the magnitude of a sample is above `threshold`.
+    bool (*widen)(double* wide, const float* narrow, std::size_t frameCount, float threshold) noexcept;
 
     /// narrow[i] = wide[i] rounded to single precision; values that single precision cannot hold become 0.
-    void (*narrow)(float* narrow, const double* wide, std::size_t frameCount) noexcept;
+    /// Returns whether the magnitude of a rounded sample is above `threshold`.
+    bool (*narrow)(float* narrow, const double* wide, std::size_t frameCount, float threshold) noexcept;
 };
 
 /// Returns every version that this processor can run, slowest first; never empty.

@@ -183,6 +183,14 @@ inline double rampedGain(double from, double step, std::size_t frame) {
     return from + step * static_cast<double>(frame + 1);
 }
 
+/// The numbers of the frames from `frame` on, counted from 1.
+inline Vector framesFrom(std::size_t frame) {
+    Vector numbers;
+    for (std::size_t i = 0; i < lanes; ++i)
+        numbers[i] = static_cast<double>(i + 1);
+    return numbers + splat(static_cast<double>(frame));
+}
+
 /// Gains that stay for the block.
 struct ConstantGains {
     const double* gains;
@@ -202,10 +210,7 @@ struct RampedGains {
         return rampedGain(start[channel], steps[channel], frame);
     }
     Vector vector(std::size_t channel, std::size_t frame) const {
-        Vector gains;
-        for (std::size_t i = 0; i < lanes; ++i)
-            gains[i] = of(channel, frame + i);
-        return gains;
+        return splat(start[channel]) + splat(steps[channel]) * framesFrom(frame);
     }
 };
 
@@ -307,29 +312,57 @@ void addRamped(
         sum[i] += rampedGain(from, step, i) * samples[i];
 }
 
-void filter(
-    double* __restrict filtered, const double* __restrict samples, const double* taps, std::size_t tapCount,
-    std::size_t frameCount
-) noexcept {
-    for (std::size_t i = 0; i < frameCount; ++i)
-        filtered[i] = 0.0;
+/// Filters `vectors * lanes` samples.
+template <std::size_t vectors>
+void filterGroup(double* filtered, const double* samples, const double* taps, std::size_t tapCount) {
+    Vector sums[vectors] = {};
     for (std::size_t tap = 0; tap < tapCount; ++tap)
-        for (std::size_t i = 0; i < frameCount; ++i)
-            filtered[i] += taps[tap] * samples[i + tap];
+        for (std::size_t v = 0; v < vectors; ++v)
+            sums[v] += splat(taps[tap]) * load(samples + v * lanes + tap);
+    for (std::size_t v = 0; v < vectors; ++v)
+        store(filtered + v * lanes, sums[v]);
 }
 
-void widen(double* __restrict wide, const float* __restrict narrow, std::size_t frameCount) noexcept {
+void filter(
+    double* filtered, const double* samples, const double* taps, std::size_t tapCount, std::size_t frameCount
+) noexcept {
+    std::size_t frame = 0;
+    for (; frame + 4 * lanes <= frameCount; frame += 4 * lanes)
+        filterGroup<4>(filtered + frame, samples + frame, taps, tapCount);
+    for (; frame + lanes <= frameCount; frame += lanes)
+        filterGroup<1>(filtered + frame, samples + frame, taps, tapCount);
+    for (; frame < frameCount; ++frame) {
+        double sum = 0.0;
+        for (std::size_t tap = 0; tap < tapCount; ++tap)
+            sum += taps[tap] * samples[frame + tap];
+        filtered[frame] = sum;
+    }
+}
+
+bool widen(
+    double* __restrict wide, const float* __restrict narrow, std::size_t frameCount, float threshold
+) noexcept {
+    unsigned long long above = 0;
     for (std::size_t i = 0; i < frameCount; ++i) {
         const double sample = narrow[i];
-        wide[i] = __builtin_fabs(sample) <= largestSample ? sample : 0.0;
+        const double magnitude = __builtin_fabs(sample);
+        wide[i] = magnitude <= largestSample ? sample : 0.0;
+        above |= magnitude > threshold ? 1ULL : 0ULL;
     }
+    return above != 0;
 }
 
-void narrow(float* __restrict narrow, const double* __restrict wide, std::size_t frameCount) noexcept {
+bool narrow(
+    float* __restrict narrow, const double* __restrict wide, std::size_t frameCount, float threshold
+) noexcept {
+    unsigned above = 0;
     for (std::size_t i = 0; i < frameCount; ++i) {
         const float rounded = static_cast<float>(wide[i]);
-        narrow[i] = __builtin_fabsf(rounded) <= __FLT_MAX__ ? rounded : 0.0F;
+        const float magnitude = __builtin_fabsf(rounded);
+        narrow[i] = magnitude <= __FLT_MAX__ ? rounded : 0.0F;
+        above |= magnitude > threshold ? 1U : 0U;
     }
+    return above != 0;
 }
 
 constexpr LaneKernels kernelsNamed(const char* name) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -47,6 +48,40 @@ TEST(MeterModel, ShowsWhatWasMeasuredAndSmoothsOnlyTheNoise) {
         EXPECT_NEAR(model.pinkNoiseLevel.get(), share * reading.referenceNoiseLevel, 1e-12);
         EXPECT_DOUBLE_EQ(model.cpuLoad.get(), 0.1);
     }
+}
+
+TEST(MeterModel, HoldsPeaksForTwoSecondsAndOversUntilTheirReset) {
+    test::MixerHarness mixer({.strips = 2, .outputs = 3});
+    mixer.state.updateRouting(
+        std::vector<std::optional<std::int64_t>>{0, std::nullopt},
+        std::vector<session::OutputRouting>{session::output::Mono{1}, session::output::None{}},
+        session::master_output::Mono{2}
+    );
+    MeterModel model(2);
+    // Four samples at and above full scale in two groups, and one that is no number.
+    std::vector<float> loud(256, 0.25F);
+    loud[3] = loud[4] = -1.0F;
+    loud[9] = loud[10] = 1.5F;
+    loud[20] = NAN;
+    mixer.pass({loud}, 256);
+    const std::vector<float> quiet(256, 0.125F);
+    for (int tick = 0; tick < 59; ++tick) {
+        model.update(mixer.state);
+        ASSERT_EQ(model.inputPeaks.get()[0], (audio::SignalPeak{true, 1.5, 2})) << "tick " << tick;
+        mixer.pass({quiet}, 256);
+    }
+    EXPECT_EQ(model.inputPeaks.get()[1], audio::SignalPeak{});
+    EXPECT_FALSE(model.outputPeaks.get()[0].isUsed);
+    EXPECT_GT(model.outputPeaks.get()[1].peak, 0.5);
+    EXPECT_EQ(model.outputPeaks.get()[2].peak, model.masterPeak.get().peak);
+    for (int tick = 0; tick < 3; ++tick) {
+        model.update(mixer.state);
+        mixer.pass({quiet}, 256);
+    }
+    EXPECT_LT(model.inputPeaks.get()[0].peak, 0.2);
+    EXPECT_EQ(model.inputPeaks.get()[0].overs, 2U);
+    model.resetOvers();
+    EXPECT_EQ(model.inputPeaks.get()[0].overs, 0U);
 }
 
 TEST(MixerRealtimeState, SmoothsTheShareOfTheBlockThatAPassTakes) {
