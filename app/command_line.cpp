@@ -60,7 +60,7 @@ std::variant<CommandLine, int> readCommandLine(int argc, const char* const* argv
     CLI::App program("ORVANE, a live automatic microphone mixer", "orvane");
     program.set_version_flag("--version", "orvane " ORVANE_VERSION);
     program.footer("orvane-cli devices lists the audio devices; orvane-cli run mixes without a window. "
-                   "ORVANE_DRIVERS=jack,alsa,virtual limits the drivers.");
+                   "ORVANE_DRIVERS=pipewire,jack,alsa,virtual limits the drivers.");
     addOptions(program, line);
     try {
         program.parse(argc, argv);

@@ -116,8 +116,7 @@ int run(
               .log = audioMachine.log,
               .applicationSupport = platform::applicationSupportDirectory(),
               .editorWindows = &editorWindows,
-              .insertWorkers = line.insertWorkers,
-              .deviceAdvice = [&audioMachine] { return audioMachine.deviceAdvice(); }},
+              .insertWorkers = line.insertWorkers},
          .preferences = preferences,
          .onMixer = [&desktop](const engine::EngineState* mixer) { desktop.follow(mixer); }},
         std::move(line.launch)

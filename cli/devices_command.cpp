@@ -78,7 +78,6 @@ int listDevices(const DevicesOptions& options) {
     );
     engine.refreshDevices();
     if (const auto& error = engine.state().lastError.get()) return fail(*error);
-    if (const auto advice = audioMachine.deviceAdvice()) printMessage(*advice);
     const auto text = options.asJSON ? devicesAsJSON : deviceTable;
     return printResult(text(engine.state().availableDevices.get(), priorityOn(audioMachine)));
 }

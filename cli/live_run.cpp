@@ -76,13 +76,8 @@ class LiveRun final {
         scout.refreshDevices();
         if (scout.state().lastError.get()) return Error{*scout.state().lastError.get()};
         const std::vector<AudioDeviceInfo>& devices = scout.state().availableDevices.get();
-        // If a device is named, the advice is printed only if that device fails.
-        if (!machine.mainUID) adviseOnDevices();
         const auto main = findDevice(devices, machine.mainUID);
-        if (!main) {
-            adviseOnDevices();
-            return main.error();
-        }
+        if (!main) return main.error();
 
         const std::size_t inputs = static_cast<std::size_t>(main.value().inputChannelCount);
         const std::size_t strips =
@@ -121,7 +116,6 @@ class LiveRun final {
         const std::optional<std::string>& message = engine->state().lastError.get();
         if (!engine->state().isRunning.get()) {
             bufferSizes.restore();
-            adviseOnDevices();
             // The name of a device in use includes the program that uses it.
             return Error{fmt::format(
                 "{}: {}", engine->state().selectedDevice.get()->name,
@@ -171,11 +165,6 @@ class LiveRun final {
         if (auto problem = audio::rateProblem(device, options.machine.sampleRate))
             return Error{*std::move(problem)};
         return device;
-    }
-
-    /// Prints the advice on unreachable devices, at most once.
-    void adviseOnDevices() {
-        if (!std::exchange(hasAdvised, true)) printSentence(machine.deviceAdvice());
     }
 
     void chooseBufferSize(bool hasSession) {
@@ -341,7 +330,6 @@ class LiveRun final {
     std::optional<MeterOutput> meters;
     const bool isTerminal = isatty(STDOUT_FILENO) == 1;
     bool hasShown = false;
-    bool hasAdvised = false;
     double nextPlainLine = 0.0;
     double elapsedSeconds = 0.0;
     double peakLoad = 0.0;

@@ -85,8 +85,8 @@ Result<SentNote> parseNote(std::string_view text) {
 }
 
 Result<Done> sendNote(const SentNote& note, double mostSeconds) {
-    platform::jack::JackClients clients;
-    const auto drivers = machine::makeMIDIDrivers(clients);
+    machine::SoundServers servers;
+    const auto drivers = machine::makeMIDIDrivers(servers);
     const std::unique_ptr<MIDIOwnSource> source = makeSource(drivers);
     if (source == nullptr)
         return Error{"Neither a JACK server nor an ALSA sequencer is running to send the note."};

@@ -19,7 +19,7 @@ void addRunCommand(CLI::App& program, Action& action) {
     command->footer(
         "SIGINT (Ctrl-C), SIGTERM and SIGHUP end the run; SIGUSR1 saves the session to its file. Without a "
         "session every input of the device has a strip, and the master bus goes to outputs 1 and 2. "
-        "ORVANE_DRIVERS=jack,alsa,virtual limits the drivers."
+        "ORVANE_DRIVERS=pipewire,jack,alsa,virtual limits the drivers."
     );
     command->add_option("--session", options->session, "Session that sets up the mix");
     command

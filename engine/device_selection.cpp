@@ -21,7 +21,6 @@ void DeviceSelection::refresh() {
         return device.inputChannelCount < 1 && device.outputChannelCount < 1;
     });
     state.availableDevices.set(std::move(devices).value());
-    state.deviceAdvice.set(services.deviceAdvice());
     for (const AudioDeviceInfo& device : state.availableDevices.get())
         updateChosen(device);
 }

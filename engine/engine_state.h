@@ -21,8 +21,6 @@ struct EngineState {
     platform::Published<std::vector<session::ChannelStrip>> channelStrips;
     /// What can be selected.
     platform::Published<std::vector<audio::AudioDeviceInfo>> availableDevices;
-    /// Why others that the machine has cannot, and what to do about it.
-    platform::Published<std::optional<std::string>> deviceAdvice;
     /// The device that is captured from and played to.
     platform::Published<std::optional<audio::AudioDeviceInfo>> selectedDevice;
     /// A device of its own for the master bus; absent = the selected device.

@@ -10,7 +10,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -31,9 +30,6 @@ struct Services {
     /// Real-time threads that help a run with its inserts, `audio::InsertWorkers`, as far as they get that
     /// priority; none if the device's clock is stepped, which they cannot keep up with by themselves.
     std::size_t insertWorkers = 0;
-    /// Why devices that the machine has are not listed and what to do about it, as a sentence; nothing if
-    /// there is no such reason. Asked whenever the devices are listed, on the main thread.
-    std::function<std::optional<std::string>()> deviceAdvice = [] { return std::nullopt; };
 };
 
 } // namespace orvane::engine

@@ -1,10 +1,11 @@
 #include "machine/audio_machine.h"
 
-#include "machine/pipewire_socket.h"
 #include "platform/alsa/alsa_audio_driver.h"
 #include "platform/alsa/alsa_midi_driver.h"
 #include "platform/files/user_folders.h"
+#include "platform/jack/jack_audio_driver.h"
 #include "platform/jack/jack_midi_driver.h"
+#include "platform/pipewire/pipewire_audio_driver.h"
 #include "platform/virtual/output_recorder.h"
 #include "platform/virtual/virtual_audio_driver.h"
 #include "platform/virtual/virtual_devices.h"
@@ -75,15 +76,27 @@ recordOne(std::vector<VirtualDevice>& devices, const AudioMachineOptions& option
 
 } // namespace
 
+SoundServers::SoundServers(const std::string& clientName)
+    : jack(clientName),
+      pipeWire(
+          isWanted("pipewire") ? std::make_unique<platform::pipewire::PipeWireGraph>(clientName) : nullptr
+      ) {}
+
+bool SoundServers::isJackWanted() const {
+    const bool isPipeWireAgain = pipeWire != nullptr && platform::jack::JackClients::areOfPipeWire();
+    return isWanted("jack") && !isPipeWireAgain;
+}
+
 std::vector<std::unique_ptr<platform::MIDIDriver>>
-makeMIDIDrivers(platform::jack::JackClients& clients, platform::SystemLog* log) {
+makeMIDIDrivers(SoundServers& servers, platform::SystemLog* log) {
     std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
     if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::alsa::AlsaMIDIDriver>());
-    if (isWanted("jack")) drivers.push_back(std::make_unique<platform::jack::JackMIDIDriver>(clients, log));
+    if (servers.isJackWanted())
+        drivers.push_back(std::make_unique<platform::jack::JackMIDIDriver>(servers.jack, log));
     return drivers;
 }
 
-AudioMachine::AudioMachine(std::string clientName) : jackClients(std::move(clientName)) {}
+AudioMachine::AudioMachine(const std::string& clientName) : servers(clientName) {}
 
 Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptions& options) {
     auto machine = std::make_unique<AudioMachine>(options.clientName);
@@ -96,11 +109,11 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
     if (!options.device && (options.virtualInput || options.record))
         machine->mainUID = devices.value().front().description.uid;
     std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    if (isWanted("jack")) {
-        auto jack = std::make_unique<platform::jack::JackAudioDriver>(machine->jackClients);
-        machine->jackDriver = jack.get();
-        drivers.push_back(std::move(jack));
-    }
+    SoundServers& servers = machine->servers;
+    if (servers.pipeWire)
+        drivers.push_back(std::make_unique<platform::pipewire::PipeWireAudioDriver>(*servers.pipeWire));
+    if (servers.isJackWanted())
+        drivers.push_back(std::make_unique<platform::jack::JackAudioDriver>(servers.jack));
     if (isWanted("alsa"))
         drivers.push_back(
             std::make_unique<platform::alsa::AlsaAudioDriver>(platform::alsa::AlsaAudioDriver::Setup{
@@ -114,13 +127,6 @@ Result<std::unique_ptr<AudioMachine>> AudioMachine::make(const AudioMachineOptio
         ));
     machine->audioHardware = std::make_unique<platform::SystemAudioHardware>(std::move(drivers));
     return machine;
-}
-
-std::optional<std::string> AudioMachine::deviceAdvice() {
-    const bool isMissed = jackDriver != nullptr && isPipeWireRunning() && !jackDriver->isServerRunning();
-    if (!isMissed) return std::nullopt;
-    return "PipeWire is running, but no JACK server answers; to mix on PipeWire's devices, start ORVANE with "
-           "pw-jack in front of the command (package pipewire-jack).";
 }
 
 } // namespace orvane::machine

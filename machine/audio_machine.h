@@ -5,11 +5,11 @@
 #include "platform/base/system_log.h"
 #include "platform/desktop/device_reservations.h"
 #include "platform/desktop/realtime_kit.h"
-#include "platform/jack/jack_audio_driver.h"
 #include "platform/jack/jack_clients.h"
 #include "platform/lv2/lv2_unit_host.h"
 #include "platform/midi_services/midi_driver.h"
 #include "platform/midi_services/system_midi_services.h"
+#include "platform/pipewire/pipewire_graph.h"
 #include "platform/virtual/output_recorder.h"
 
 #include <filesystem>
@@ -20,10 +20,23 @@
 
 namespace orvane::machine {
 
+/// The sound servers that the program's drivers share. Outlives them.
+struct SoundServers {
+    /// `clientName`: the name of the program's JACK clients and PipeWire nodes.
+    explicit SoundServers(const std::string& clientName = "ORVANE");
+
+    platform::jack::JackClients jack;
+    /// Null if ORVANE_DRIVERS excludes PipeWire.
+    std::unique_ptr<platform::pipewire::PipeWireGraph> pipeWire;
+
+    /// Whether ORVANE_DRIVERS names JACK or nothing, and JACK would not only list PipeWire's nodes again.
+    [[nodiscard]] bool isJackWanted() const;
+};
+
 /// Makes the MIDI drivers that ORVANE_DRIVERS names, or all of them. The ALSA sequencer, which reaches
-/// hardware directly, comes before JACK, which may bridge to it. `clients` must outlive them.
+/// hardware directly, comes before the servers, which may bridge to it. `servers` must outlive them.
 std::vector<std::unique_ptr<platform::MIDIDriver>>
-makeMIDIDrivers(platform::jack::JackClients& clients, platform::SystemLog* log = nullptr);
+makeMIDIDrivers(SoundServers& servers, platform::SystemLog* log = nullptr);
 
 /// The sample rates that can be requested, in Hz.
 inline constexpr unsigned lowestSampleRate = 8000;
@@ -39,7 +52,7 @@ struct AudioMachineOptions {
     std::optional<std::string> device = {};
     /// In Hz, for devices that offer it; the device's own if absent.
     std::optional<unsigned> sampleRate = {};
-    /// The name of the JACK clients.
+    /// The name of the program's JACK clients and PipeWire nodes.
     std::string clientName = "ORVANE";
 };
 
@@ -48,13 +61,14 @@ struct AudioMachineOptions {
 class AudioMachine final {
   public:
     /// Without hardware; programs call `make`.
-    explicit AudioMachine(std::string clientName);
+    explicit AudioMachine(const std::string& clientName);
     /// Writes the remaining log lines.
     ~AudioMachine() { log.flush(); }
     AudioMachine(const AudioMachine&) = delete;
     AudioMachine& operator=(const AudioMachine&) = delete;
 
-    /// Makes the drivers that ORVANE_DRIVERS names, or all of them: JACK, ALSA, and the virtual devices last.
+    /// Makes the drivers that ORVANE_DRIVERS names, or all of them: PipeWire, JACK, ALSA, and the
+    /// virtual devices last. JACK is left out where it would only list the nodes of PipeWire again.
     /// Fails if a file cannot be played or recorded.
     static platform::Result<std::unique_ptr<AudioMachine>> make(const AudioMachineOptions& options);
 
@@ -67,9 +81,6 @@ class AudioMachine final {
     /// The recorder of the main device; null if it is not recorded.
     [[nodiscard]] platform::virtual_devices::OutputRecorder* recorder() { return outputRecorder.get(); }
     [[nodiscard]] platform::AudioHardware& hardware() { return *audioHardware; }
-    /// What to do if PipeWire runs but no JACK server answers, so that PipeWire's devices are not listed;
-    /// absent otherwise, and if ORVANE_DRIVERS excludes JACK. Main thread.
-    [[nodiscard]] std::optional<std::string> deviceAdvice();
     [[nodiscard]] platform::AudioUnitHost& audioUnits() { return audioUnitHost; }
     /// Cancels the search for effects, so that the program can end at once. Any thread.
     void cancelScan() { audioUnitHost.cancelScan(); }
@@ -77,16 +88,14 @@ class AudioMachine final {
     [[nodiscard]] platform::MIDIServices& midi() { return midiServices; }
 
   private:
-    platform::jack::JackClients jackClients;
+    SoundServers servers;
     platform::desktop::RealtimeKit realtimeKit;
     platform::desktop::DeviceReservations reservations;
     platform::lv2::Lv2UnitHost audioUnitHost{
         log, platform::lv2::environmentSearchPath(), platform::lv2::effectCacheFile()};
-    platform::SystemMIDIServices midiServices{makeMIDIDrivers(jackClients, &log)};
+    platform::SystemMIDIServices midiServices{makeMIDIDrivers(servers, &log)};
     std::shared_ptr<platform::virtual_devices::OutputRecorder> outputRecorder;
     std::unique_ptr<platform::SystemAudioHardware> audioHardware;
-    /// Null if ORVANE_DRIVERS excludes JACK; owned by the hardware.
-    platform::jack::JackAudioDriver* jackDriver = nullptr;
 };
 
 } // namespace orvane::machine

@@ -21,14 +21,14 @@ and choirs: anything with several open microphones. The active ones open
 at once, the others are eased back, never gated shut, and the sum is held
 at a chosen loudness.
 .
-It mixes up to 48 channels of one audio interface over JACK, PipeWire or
+It mixes up to 48 channels of one audio interface over PipeWire, JACK or
 ALSA, with LV2 effects, scenes that MIDI notes recall, and sessions as
 files. The package has the desktop application, orvane, and a program for
 the command line, orvane-cli, that mixes live or faster than real time.")
 # The linked libraries become dependencies by themselves. The packages below are used at run time: Qt's Wayland
-# plugin, the program that opens web and mail addresses, a JACK server, effects.
+# plugin, the program that opens web and mail addresses, a sound server, effects.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, xdg-utils")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire-jack | jackd2, lv2-plugin")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire | jackd2, lv2-plugin")
 
 include(CPack)

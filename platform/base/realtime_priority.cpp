@@ -22,6 +22,11 @@ int takeRealtimePriority() noexcept {
     return 0;
 }
 
+int realtimePriorityOf(pid_t thread) noexcept {
+    sched_param parameters{};
+    return thread != 0 && ::sched_getparam(thread, &parameters) == 0 ? parameters.sched_priority : 0;
+}
+
 int obtainableRealtimePriority() {
     int priority = 0;
     std::thread([&priority] { priority = takeRealtimePriority(); }).join();

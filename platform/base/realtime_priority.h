@@ -11,6 +11,10 @@ inline constexpr int wantedRealtimePriority = 70;
 /// may have. Returns that priority; 0 if none is available. Called at the start of an audio thread.
 int takeRealtimePriority() noexcept;
 
+/// The real-time priority of a thread of this process, by its kernel id; 0 if it has none or the id is 0. Any
+/// thread.
+int realtimePriorityOf(pid_t thread) noexcept;
+
 /// The priority that an audio thread would get now. Any thread except audio threads.
 int obtainableRealtimePriority();
 

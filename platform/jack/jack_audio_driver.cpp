@@ -32,10 +32,6 @@ std::vector<AudioDriverDevice> JackAudioDriver::devices() {
     return listed;
 }
 
-bool JackAudioDriver::isServerRunning() {
-    return state->server.state().has_value();
-}
-
 Result<std::uint32_t, OSStatus> JackAudioDriver::bufferSize(std::string_view uid) {
     const std::optional<JackServerState> server = state->server.state();
     if (!server || server->find(uid) == nullptr) return kAudioHardwareBadDeviceError;

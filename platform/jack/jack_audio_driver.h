@@ -19,9 +19,6 @@ class JackAudioDriver final : public AudioDriver {
     [[nodiscard]] std::string_view name() const override { return "jack"; }
     std::vector<AudioDriverDevice> devices() override;
 
-    /// Whether a server answers, even if it has no devices.
-    [[nodiscard]] bool isServerRunning();
-
     /// The server's buffer size, the same for all devices.
     Result<std::uint32_t, OSStatus> bufferSize(std::string_view uid) override;
     OSStatus requestBufferSize(std::string_view uid, std::uint32_t frameCount) override;

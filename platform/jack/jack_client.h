@@ -36,9 +36,6 @@ class JackClient final {
     /// with many names set, blocks the server permanently. Only within a call of `use`.
     void setPrettyName(jack_uuid_t subject, const std::string& prettyName);
 
-    /// Whether libjack is PipeWire's. Any thread.
-    [[nodiscard]] static bool isPipeWire();
-
     /// Removes the client from the server's cycles, even if the server is gone: no process callback is
     /// running when it returns, and none follows.
     void deactivate();

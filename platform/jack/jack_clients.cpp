@@ -81,6 +81,11 @@ std::unique_ptr<JackClient> JackClients::open(std::string_view role, JackEvents&
     return client;
 }
 
+bool JackClients::areOfPipeWire() {
+    // The library states itself what it is, wherever it was found; whether a server runs does not matter.
+    return std::string_view(jack_get_version_string()).find("PipeWire") != std::string_view::npos;
+}
+
 bool JackClients::areOutdated() {
     const JackLibraryCall libraryCall(libraryMutex);
     return isServerGone.load() && !isOnePlaying();
@@ -110,12 +115,8 @@ void JackClient::close() {
     gone.store(true);
 }
 
-bool JackClient::isPipeWire() {
-    return std::string_view(jack_get_version_string()).find("PipeWire") != std::string_view::npos;
-}
-
 void JackClient::setPrettyName(jack_uuid_t subject, const std::string& prettyName) {
-    if (isPipeWire())
+    if (JackClients::areOfPipeWire())
         jack_set_property(handle, subject, JACK_METADATA_PRETTY_NAME, prettyName.c_str(), "text/plain");
 }
 

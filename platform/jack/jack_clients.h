@@ -32,6 +32,9 @@ class JackClients final {
     /// one of them plays.
     std::unique_ptr<JackClient> open(std::string_view role, JackEvents& events);
 
+    /// Whether libjack is PipeWire's own, whose only servers are PipeWire's. Any thread.
+    [[nodiscard]] static bool areOfPipeWire();
+
     /// Whether the next `open` closes the existing clients. Any thread except libjack's own.
     [[nodiscard]] bool areOutdated();
 

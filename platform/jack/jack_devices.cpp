@@ -1,6 +1,7 @@
 #include "platform/jack/jack_devices.h"
 
-#include "platform/jack/natural_order.h"
+#include "platform/audio_hardware/card_sides.h"
+#include "platform/base/natural_order.h"
 
 #include <algorithm>
 #include <cctype>
@@ -17,9 +18,6 @@ namespace {
 constexpr std::string_view uidPrefix = "jack:";
 constexpr std::string_view allPortsUid = "jack:all";
 constexpr std::string_view allPortsName = "All JACK ports";
-constexpr std::string_view directionWords[] = {"in",  "input",  "inputs",  "capture",
-                                               "out", "output", "outputs", "playback"};
-constexpr std::string_view wordSeparators = " _-.";
 
 /// A client with hardware ports, or two that are the same card.
 struct Card {
@@ -90,15 +88,8 @@ Card makeCard(const std::string& client, const Ports& ports) {
     return card;
 }
 
-/// The name without the word for the side of the card.
-std::string nameOfBothSides(const Card& card) {
-    const std::size_t wordStart = card.name.find_last_of(wordSeparators) + 1;
-    std::string word = card.name.substr(wordStart);
-    std::ranges::transform(word, word.begin(), [](unsigned char c) { return std::tolower(c); });
-    if (wordStart == 0 || std::ranges::find(directionWords, word) == std::end(directionWords))
-        return card.name;
-    const std::size_t end = card.name.find_last_not_of(wordSeparators, wordStart - 1);
-    return end == std::string::npos ? card.name : card.name.substr(0, end + 1);
+std::string commonName(const Card& card) {
+    return nameOfBothSides(card.name);
 }
 
 std::string alsaCardName(const Card& card) {
@@ -106,8 +97,8 @@ std::string alsaCardName(const Card& card) {
 }
 
 void takeInCaptures(Card& playing, const Card& capturing) {
-    const std::string name = nameOfBothSides(playing);
-    if (name == nameOfBothSides(capturing)) playing.name = name;
+    const std::string name = commonName(playing);
+    if (name == commonName(capturing)) playing.name = name;
     playing.captures = capturing.captures;
 }
 
@@ -148,7 +139,7 @@ std::vector<JackDevice> jackDevices(std::span<const JackPort> ports) {
         Card card = makeCard(client, clientPorts);
         if (!card.captures.empty() || !card.playbacks.empty()) cards.push_back(std::move(card));
     }
-    joinSides(cards, nameOfBothSides);
+    joinSides(cards, commonName);
     joinSides(cards, alsaCardName);
     std::ranges::sort(cards, comesNaturallyBefore, &Card::name);
 

@@ -4,8 +4,8 @@
 #include "platform/jack/jack_client.h"
 #include "platform/jack/jack_clients.h"
 #include "platform/jack/jack_events.h"
-#include "platform/jack/midi_message_queue.h"
 #include "platform/midi_services/midi_driver.h"
+#include "platform/midi_services/midi_message_queue.h"
 
 #include <atomic>
 #include <cstdint>

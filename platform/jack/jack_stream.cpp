@@ -1,9 +1,9 @@
 #include "platform/jack/jack_stream.h"
 
 #include "platform/base/flush_denormals.h"
+#include "platform/base/realtime_priority.h"
 #include "platform/jack/jack_callback.h"
 
-#include <sched.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -66,7 +66,7 @@ bool JackStream::prepare() {
 }
 
 bool JackStream::countXruns(jack_client_t* client) {
-    if (JackClient::isPipeWire()) {
+    if (JackClients::areOfPipeWire()) {
         silentAboutXruns = client;
         return true;
     }
@@ -141,9 +141,7 @@ bool JackStream::stop() {
 }
 
 int JackStream::realtimePriority() const noexcept {
-    sched_param parameters{};
-    const pid_t thread = ioThread.load();
-    return thread != 0 && ::sched_getparam(thread, &parameters) == 0 ? parameters.sched_priority : 0;
+    return realtimePriorityOf(ioThread.load());
 }
 
 std::size_t JackStream::maximumFrames() const {

@@ -1,4 +1,3 @@
-#include "platform/base/file_descriptor.h"
 #include "support/build_files.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
@@ -11,8 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <jack/jack.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 
 #include <csignal>
@@ -159,59 +156,6 @@ TEST(JackRun, ReportsThatTheServerHasNoPortsLeft) {
                   "2003329396. The JACK server has no ports left; ")
     );
     EXPECT_EQ(observer.take(), (Sizes{128, 64}));
-}
-
-/// The socket of a PipeWire server that accepts connections.
-class PipeWireSocket final {
-  public:
-    explicit PipeWireSocket(const std::string& path)
-        : socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
-        EXPECT_EQ(::bind(socket.number(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
-        EXPECT_EQ(::listen(socket.number(), SOMAXCONN), 0);
-    }
-
-  private:
-    orvane::platform::FileDescriptor socket;
-};
-
-TEST(Devices, AdviseOnPipeWireIfNoJackServerAnswers) {
-    const TemporaryFolder folder;
-    const std::string runtime = (folder / "").string();
-    const std::string other = (folder / "other").string();
-    std::optional<PipeWireSocket> usual(std::in_place, runtime + "pipewire-0");
-    const PipeWireSocket named(other);
-    const auto says = [&](const std::string& environment, const std::string& command = "devices") {
-        const std::string shell = "unset PIPEWIRE_REMOTE PIPEWIRE_RUNTIME_DIR XDG_RUNTIME_DIR; " + environment
-                                  + " " + program + " " + command;
-        exitCodeOfShell(folder, shell);
-        return contentOf(folder / "stderr");
-    };
-    const std::string drivers = "ORVANE_DRIVERS=jack,virtual ";
-    const std::string here = fmt::format("{}XDG_RUNTIME_DIR={}", drivers, runtime);
-    const auto advises = HasSubstr("orvane-cli: PipeWire is running, but no JACK server answers; ");
-    {
-        const orvane::test::JackServerName noServer;
-        for (const std::string& environment :
-             {here, fmt::format("{}PIPEWIRE_RUNTIME_DIR={} XDG_RUNTIME_DIR=/nowhere", drivers, runtime),
-              fmt::format("{}PIPEWIRE_REMOTE={}", drivers, other), here + " PIPEWIRE_REMOTE=other"})
-            EXPECT_THAT(says(environment), advises) << environment;
-        for (const char* const run : {"run --meters none --seconds 0.1", "run --device jack:system"})
-            EXPECT_THAT(says(here, run), advises) << run;
-        EXPECT_THAT(says(here, "run --device virtual:panel --meters none --seconds 0.1"), Not(advises));
-        for (const std::string& environment :
-             {drivers, here + " PIPEWIRE_REMOTE=pipewire-1",
-              "ORVANE_DRIVERS=virtual XDG_RUNTIME_DIR=" + runtime})
-            EXPECT_EQ(says(environment), "") << environment;
-        usual.reset();
-        EXPECT_EQ(says(here), "") << "a server that has crashed";
-    }
-    std::filesystem::remove(runtime + "pipewire-0");
-    usual.emplace(runtime + "pipewire-0");
-    const JackTestServer server({.period = 64});
-    EXPECT_EQ(says(here), "");
 }
 
 } // namespace

@@ -96,7 +96,6 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
     : Sheet(QStringLiteral("Audio / MIDI Devices"), sheetSize, parent),
       engine(mixerEngine),
       noDevices(makeText(noDevicesText, TextStyle::callout, theme::secondaryText)),
-      deviceAdvice(makeText({}, TextStyle::caption, theme::secondaryText)),
       deviceList(new QWidget),
       deviceRows(new QVBoxLayout(deviceList)),
       bufferSize(new MenuPicker(
@@ -138,7 +137,6 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
 
     subscribe();
     showDevices();
-    showDeviceAdvice();
     showBufferSize();
     showMIDI();
 }
@@ -155,7 +153,6 @@ QLayout* DeviceSettingsView::makeDeviceSection() {
         [this] { engine.refreshDevices(); }
     ));
     lines->addWidget(noDevices);
-    lines->addWidget(deviceAdvice);
     deviceList->setMinimumHeight(listHeight);
     deviceList->setAutoFillBackground(true);
     deviceList->setBackgroundRole(QPalette::Base);
@@ -199,7 +196,6 @@ void DeviceSettingsView::subscribe() {
         subscriptions.push_back(value.subscribe([this, display](const auto&) { (this->*display)(); }));
     };
     follow(state.availableDevices, &DeviceSettingsView::showDevices);
-    follow(state.deviceAdvice, &DeviceSettingsView::showDeviceAdvice);
     follow(state.selectedDevice, &DeviceSettingsView::showSelection);
     follow(state.bufferSize, &DeviceSettingsView::showBufferSize);
     follow(state.masterOutputDevice, &DeviceSettingsView::showMasterOutput);
@@ -226,12 +222,6 @@ void DeviceSettingsView::showDevices() {
     }
     showSelection();
     showMasterOutput();
-}
-
-void DeviceSettingsView::showDeviceAdvice() {
-    const auto& advice = engine.state().deviceAdvice.get();
-    deviceAdvice->setVisible(advice.has_value());
-    deviceAdvice->setText(QString::fromStdString(advice.value_or("")));
 }
 
 void DeviceSettingsView::showSelection() {

@@ -30,7 +30,6 @@ class DeviceSettingsView final : public Sheet {
     QLayout* makeMIDISection();
     void subscribe();
     void showDevices();
-    void showDeviceAdvice();
     void showSelection();
     void showBufferSize();
     void showEstimate();
@@ -41,7 +40,6 @@ class DeviceSettingsView final : public Sheet {
 
     engine::MixerEngine& engine;
     QLabel* const noDevices;
-    QLabel* const deviceAdvice;
     QWidget* const deviceList;
     QVBoxLayout* const deviceRows;
     MenuPicker* const bufferSize;

@@ -1,4 +1,4 @@
-#include "machine/pipewire_socket.h"
+#include "platform/pipewire/pipewire_socket.h"
 
 #include "platform/base/file_descriptor.h"
 
@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-namespace orvane::machine {
+namespace orvane::platform::pipewire {
 
 namespace {
 
@@ -42,9 +42,9 @@ bool isPipeWireRunning() {
     path.copy(address.sun_path, path.size());
     // A server that has crashed leaves its socket behind, but takes no connection. One that is busy would
     // keep a blocking socket waiting.
-    const platform::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     const auto* const end = reinterpret_cast<const sockaddr*>(&address);
     return ::connect(socket.number(), end, sizeof(address)) == 0 || errno == EAGAIN;
 }
 
-} // namespace orvane::machine
+} // namespace orvane::platform::pipewire

@@ -10,7 +10,7 @@
 #include <span>
 #include <tuple>
 
-namespace orvane::platform::jack {
+namespace orvane::platform {
 
 /// A bounded queue of MIDI messages between an audio thread and another thread. Lock-free; one producer
 /// thread, one consumer thread; both sides are real-time safe. A message longer than one piece takes several.
@@ -54,4 +54,4 @@ class MIDIMessageQueue final {
     RingIndices indices{capacity};
 };
 
-} // namespace orvane::platform::jack
+} // namespace orvane::platform

@@ -1,4 +1,4 @@
-#include "platform/jack/natural_order.h"
+#include "platform/base/natural_order.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-using orvane::platform::jack::comesNaturallyBefore;
+using orvane::platform::comesNaturallyBefore;
 
 TEST(NaturalOrder, ReadsDigitsAsNumbers) {
     constexpr std::string_view ascending[] = {"",     "10",    "a",   "a 2", "a 2b",

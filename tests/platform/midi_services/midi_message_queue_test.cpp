@@ -1,4 +1,4 @@
-#include "platform/jack/midi_message_queue.h"
+#include "platform/midi_services/midi_message_queue.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using orvane::platform::jack::MIDIMessageQueue;
+using orvane::platform::MIDIMessageQueue;
 
 TEST(MIDIMessageQueue, AcceptsALongMessageWholeOrNotAtAll) {
     constexpr std::size_t longestPiece = 31;

@@ -1,9 +1,9 @@
-#include "platform/jack/natural_order.h"
+#include "platform/base/natural_order.h"
 
 #include <algorithm>
 #include <cstddef>
 
-namespace orvane::platform::jack {
+namespace orvane::platform {
 
 namespace {
 
@@ -40,4 +40,4 @@ bool comesNaturallyBefore(std::string_view left, std::string_view right) {
     return left.size() < right.size();
 }
 
-} // namespace orvane::platform::jack
+} // namespace orvane::platform
