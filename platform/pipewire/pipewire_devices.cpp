@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view uidPrefix = "pipewire:";
 constexpr std::string_view sinkClass = "Audio/Sink";
 constexpr std::string_view sourceClass = "Audio/Source";
-/// Its outputs are the monitors of what other programs play into it.
+/// The outputs of these are monitors of what other programs play into them.
 constexpr std::string_view virtualSourceClass = "Audio/Source/Virtual";
 constexpr std::string_view duplexClass = "Audio/Duplex";
 
@@ -29,8 +29,9 @@ struct Side {
 };
 
 bool isCapture(const PipeWireNode& node, const PipeWirePort& port) {
-    const bool mayCapture = node.mediaClass.starts_with(sourceClass) || node.mediaClass == duplexClass;
-    return mayCapture && port.isOutput && (!port.isMonitor || node.mediaClass == virtualSourceClass);
+    const bool offersMonitors = node.mediaClass == virtualSourceClass || node.mediaClass == duplexClass;
+    const bool mayCapture = offersMonitors || node.mediaClass.starts_with(sourceClass);
+    return mayCapture && port.isOutput && (offersMonitors || !port.isMonitor);
 }
 
 bool isPlayback(const PipeWireNode& node, const PipeWirePort& port) {

@@ -35,10 +35,10 @@ struct PipeWirePort {
     ObjectId node = 0;
     /// Its place among the node's ports of its direction.
     std::uint32_t number = 0;
-    std::string name;
-    std::string alias;
+    std::string name = {};
+    std::string alias = {};
     /// What its buffers carry.
-    std::string format;
+    std::string format = {};
     /// Whether it sends to others, as the capture ports of hardware do.
     bool isOutput = false;
     /// Whether it repeats what is played.
