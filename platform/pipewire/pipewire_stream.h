@@ -4,11 +4,11 @@
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/base/cycle_gate.h"
 #include "platform/pipewire/missed_cycles.h"
-#include "platform/pipewire/pipewire_client.h"
 #include "platform/pipewire/pipewire_devices.h"
+#include "platform/pipewire/pipewire_filter.h"
 #include "platform/pipewire/pipewire_graph.h"
 
-#include <pipewire/filter.h>
+#include <spa/node/io.h>
 #include <sys/types.h>
 
 #include <atomic>
@@ -70,13 +70,10 @@ class PipeWireStream final : public AudioStream {
         std::vector<Sample*> buffers;
         std::vector<std::span<Sample>> blocks;
 
-        bool addPorts(pw_filter* filter, std::size_t count, spa_direction direction, const char* kind);
+        bool addPorts(PipeWireFilter& node, spa_direction direction, std::size_t count, const char* kind);
         ORVANE_REALTIME void takeBuffers(std::uint32_t frameCount) noexcept;
         /// Ports that the server provides no buffer for have `spare`.
         ORVANE_REALTIME void select(std::size_t first, std::size_t count, Sample* spare) noexcept;
-    };
-    struct ProxyDeleter {
-        void operator()(pw_proxy* proxy) const { pw_proxy_destroy(proxy); }
     };
 
     PipeWireStream(
@@ -84,13 +81,9 @@ class PipeWireStream final : public AudioStream {
         std::optional<std::uint32_t> frameCount, AudioStreamClient& cycleClient
     );
     bool prepare();
-    bool addFilter();
-    [[nodiscard]] bool findOwnPorts();
     bool link();
-    bool
-    linkSide(const std::vector<ObjectId>& own, const std::vector<PipeWireDevicePort>& device, bool isOutput);
     void awaitRequestedLength();
-    ORVANE_REALTIME static void process(void* self, spa_io_position* position) noexcept;
+    ORVANE_REALTIME static void process(void* self, const spa_io_position& position) noexcept;
     ORVANE_REALTIME void observe(const spa_io_clock& clock) noexcept;
     ORVANE_REALTIME void cycle(std::size_t first, std::size_t count) noexcept;
 
@@ -103,8 +96,6 @@ class PipeWireStream final : public AudioStream {
     CycleGate gate;
     Side<const float> inputs;
     Side<float> outputs;
-    std::vector<ObjectId> ownInputs;
-    std::vector<ObjectId> ownOutputs;
     /// For ports without a buffer: what is captured, and where to play.
     std::vector<float> silence;
     std::vector<float> nowhere;
@@ -119,10 +110,8 @@ class PipeWireStream final : public AudioStream {
     /// The I/O thread's.
     MissedCycles clock;
     bool isRunning = false;
-    spa_hook filterListener{};
-    PipeWireClient client{PipeWireClient::Cycles::realtime};
-    pw_filter* filter = nullptr;
-    std::vector<std::unique_ptr<pw_proxy, ProxyDeleter>> links;
+    /// The last member, so that its cycles end before the objects that they use are destroyed.
+    PipeWireFilter node;
 };
 
 } // namespace orvane::platform::pipewire
