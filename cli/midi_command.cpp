@@ -75,7 +75,7 @@ void addMIDICommand(CLI::App& program, Action& action) {
         "Ids stay the same when a source is connected again and after a reboot. With --send the program is "
         "itself a source, \"note\", until the note-on and the note-off are sent. It waits for a program to "
         "connect; a running mixer that listens to all sources does so at once. Channels count from 1. "
-        "ORVANE_DRIVERS=jack,alsa limits the MIDI drivers."
+        "ORVANE_DRIVERS=pipewire,jack,alsa limits the MIDI drivers."
     );
     command->add_flag("--json", options->asJSON, "Print one JSON object");
     CLI::Option* const note =

@@ -6,6 +6,7 @@
 #include "platform/jack/jack_audio_driver.h"
 #include "platform/jack/jack_midi_driver.h"
 #include "platform/pipewire/pipewire_audio_driver.h"
+#include "platform/pipewire/pipewire_midi_driver.h"
 #include "platform/virtual/output_recorder.h"
 #include "platform/virtual/virtual_audio_driver.h"
 #include "platform/virtual/virtual_devices.h"
@@ -91,6 +92,8 @@ std::vector<std::unique_ptr<platform::MIDIDriver>>
 makeMIDIDrivers(SoundServers& servers, platform::SystemLog* log) {
     std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
     if (isWanted("alsa")) drivers.push_back(std::make_unique<platform::alsa::AlsaMIDIDriver>());
+    if (servers.pipeWire)
+        drivers.push_back(std::make_unique<platform::pipewire::PipeWireMIDIDriver>(*servers.pipeWire, log));
     if (servers.isJackWanted())
         drivers.push_back(std::make_unique<platform::jack::JackMIDIDriver>(servers.jack, log));
     return drivers;

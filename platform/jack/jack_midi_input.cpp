@@ -5,8 +5,6 @@
 #include <jack/midiport.h>
 
 #include <cerrno>
-#include <cstddef>
-#include <span>
 #include <string>
 #include <utility>
 
@@ -26,8 +24,7 @@ JackMIDIInput::JackMIDIInput(
     : clients(jackClients),
       events(inputEvents),
       portName(std::move(inputPortName)),
-      receiver(std::move(inputReceiver)),
-      log(systemLog) {}
+      received("JACK", std::move(inputReceiver), systemLog) {}
 
 bool JackMIDIInput::open() {
     if (client != nullptr && !client->isGone()) return false;
@@ -61,31 +58,15 @@ void JackMIDIInput::disconnect(const std::string& source) {
         );
 }
 
-void JackMIDIInput::deliver() {
-    while (const std::size_t count = received.pop(batch)) {
-        std::array<MIDIPacket, std::tuple_size_v<decltype(batch)>> packets;
-        for (std::size_t i = 0; i < count; ++i)
-            packets[i].data = batch[i].data();
-        receiver(MIDIPacketList(packets.data(), count));
-    }
-    const std::size_t count = lost.exchange(0);
-    if (count == 0 || log == nullptr) return;
-    log->post(
-        LogLevel::error, "MIDI",
-        {"More MIDI messages came from JACK than there is room for; ", std::to_string(count), " are lost."}
-    );
-}
-
 void JackMIDIInput::process(jack_nframes_t frameCount, void* self) noexcept {
     auto& input = *static_cast<JackMIDIInput*>(self);
     void* const buffer = jack_port_get_buffer(input.port, frameCount);
     const jack_nframes_t count = jack_midi_get_event_count(buffer);
     for (jack_nframes_t i = 0; i < count; ++i) {
         jack_midi_event_t event{};
-        if (jack_midi_event_get(&event, buffer, i) == 0 && !input.received.push({event.buffer, event.size}))
-            input.lost.fetch_add(1);
+        if (jack_midi_event_get(&event, buffer, i) == 0) input.received.push({event.buffer, event.size});
     }
-    input.lost.fetch_add(jack_midi_get_lost_event_count(buffer));
+    input.received.countLost(jack_midi_get_lost_event_count(buffer));
     if (count > 0) input.events.post(JackEvent::messages);
 }
 

@@ -6,20 +6,14 @@
 #include "platform/jack/jack_clients.h"
 #include "platform/jack/jack_events.h"
 #include "platform/midi_services/midi_driver.h"
-#include "platform/midi_services/midi_message_queue.h"
+#include "platform/midi_services/midi_inbox.h"
 
-#include <array>
-#include <atomic>
-#include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace orvane::platform::jack {
 
-/// A client of a JACK server with one MIDI input port. Messages pass through a queue from the server's
-/// process thread to the thread that calls `deliver`; when that is hundreds of messages behind, further ones
-/// are lost. One thread at a time, unless noted.
+/// A client of a JACK server with one MIDI input port. One thread at a time, unless noted.
 class JackMIDIInput final {
   public:
     /// Does not open a client yet. Posts `messages`, and what JackClients::open posts, to the events.
@@ -39,9 +33,8 @@ class JackMIDIInput final {
     OSStatus connect(const std::string& source);
     void disconnect(const std::string& source);
 
-    /// Passes received messages to the receiver, and logs how many messages did not fit since the last call.
-    /// Any thread, one at a time.
-    void deliver();
+    /// See MIDIInbox::deliver.
+    void deliver() { received.deliver(); }
 
   private:
     ORVANE_REALTIME static void process(jack_nframes_t frameCount, void* self) noexcept;
@@ -49,13 +42,7 @@ class JackMIDIInput final {
     JackClients& clients;
     JackEvents& events;
     std::string portName;
-    MIDIDriver::Receiver receiver;
-    /// Null if losses are not logged.
-    SystemLog* log;
-    MIDIMessageQueue received;
-    std::atomic<std::size_t> lost = 0;
-    /// Scratch of `deliver`.
-    std::array<MIDIMessageQueue::Piece, 64> batch{};
+    MIDIInbox received;
     jack_port_t* port = nullptr;
     /// The last member, so that it closes before the objects that its callback uses are destroyed.
     std::unique_ptr<JackClient> client;

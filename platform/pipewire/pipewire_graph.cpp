@@ -153,6 +153,8 @@ struct PipeWireGraph::State {
         if (kind == PW_TYPE_INTERFACE_Device) state.listed.cards[id] = cardOf(*properties);
         if (kind == PW_TYPE_INTERFACE_Node) state.listed.nodes[id] = nodeOf(*properties);
         if (kind == PW_TYPE_INTERFACE_Port) state.listed.ports[id] = portOf(*properties);
+        if (kind == PW_TYPE_INTERFACE_Link)
+            state.listed.links[id] = numberIn<ObjectId>(textOf(*properties, PW_KEY_LINK_OUTPUT_PORT));
         if (kind == PW_TYPE_INTERFACE_Metadata && textOf(*properties, PW_KEY_METADATA_NAME) == settingsName)
             state.readSettings(id);
         pw_loop_signal_event(state.client.loop(), state.changed);
@@ -163,6 +165,7 @@ struct PipeWireGraph::State {
         state.listed.cards.erase(id);
         state.listed.nodes.erase(id);
         state.listed.ports.erase(id);
+        state.listed.links.erase(id);
         pw_loop_signal_event(state.client.loop(), state.changed);
     }
 

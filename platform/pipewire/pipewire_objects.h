@@ -50,6 +50,8 @@ struct PipeWireObjects {
     std::map<ObjectId, PipeWireCard> cards;
     std::map<ObjectId, PipeWireNode> nodes;
     std::map<ObjectId, PipeWirePort> ports;
+    /// The port that each link sends from.
+    std::map<ObjectId, ObjectId> links;
 };
 
 /// The formats of ports that carry one channel of audio, and MIDI messages.
