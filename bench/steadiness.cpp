@@ -9,6 +9,7 @@
 
 #include "cli/progress_bar.h"
 #include "platform/jack/jack_audio_driver.h"
+#include "platform/pipewire/pipewire_audio_driver.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -167,8 +168,11 @@ void probe(const Options& options) {
 void run(const Options& options) {
     CycleTimes times(sampleRate);
     platform::jack::JackClients clients("orvane_steadiness");
+    platform::pipewire::PipeWireGraph graph("orvane_steadiness");
     const auto makeDriver = [&](platform::SystemLog& log) {
         if (options.driver == "virtual") return timed(noisyDevice(log), times);
+        if (options.driver == "pipewire")
+            return timed(std::make_unique<platform::pipewire::PipeWireAudioDriver>(graph), times);
         return timed(std::make_unique<platform::jack::JackAudioDriver>(clients), times);
     };
     BenchMixer mixer(stripCount, makeDriver, options.insertWorkers);
@@ -217,9 +221,9 @@ int main(int argc, char** argv) {
     program
         .add_option(
             "--driver", options.driver,
-            "virtual; jack: the running JACK server; probe: the virtual one with only a loop that counts"
+            "virtual; jack, pipewire: the running server; probe: the virtual one with only a loop that counts"
         )
-        ->check(CLI::IsMember({"virtual", "jack", "probe"}))
+        ->check(CLI::IsMember({"virtual", "jack", "pipewire", "probe"}))
         ->capture_default_str();
     program.add_option("--seconds", options.seconds, "How long to run")->capture_default_str();
     program.add_option("--frames", options.frames, "Frames per block")->capture_default_str();

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Measures every block of two live runs under load, one on a virtual device, one on a JACK server of its own at
-# 64 frames, and leaves a picture of each; before them, what the machine does to a loop that only counts.
+# Measures every block of three live runs under load, on a virtual device and on a JACK and a PipeWire server of its own
+# at 64 frames, and leaves a picture of each; before them, what the machine does to a loop that only counts.
 # Usage: bench/steadiness.sh [SECONDS] [FOLDER]    (600 s each, pictures into the current folder)
 set -euo pipefail
 
@@ -26,10 +26,15 @@ echo
 # The server runs before ordinary programs where the system lets it.
 export JACK_DEFAULT_SERVER="orvane_steadiness_$$" JACK_NO_AUDIO_RESERVATION=1 JACK_NO_START_SERVER=1
 log=$(mktemp)
+runtime=$(mktemp -d)
+stop_server() {
+    kill "$server" 2>/dev/null || true
+    wait "$server" 2>/dev/null || true
+}
 start_server() {
     jackd -n "$JACK_DEFAULT_SERVER" "$@" -d dummy -r 48000 -p 64 -C 48 -P 48 >"$log" 2>&1 &
     server=$!
-    trap 'kill "$server" 2>/dev/null; wait "$server" 2>/dev/null; rm -f "$log"' EXIT
+    trap 'stop_server; rm -rf "$log" "$runtime"' EXIT
 }
 start_server --realtime --realtime-priority 70
 sleep 2
@@ -40,3 +45,28 @@ fi
 kill -0 "$server" 2>/dev/null || fail "no JACK server could be started: $(tail -1 "$log")"
 echo
 "$program" --driver jack --seconds "$seconds" --plot "$folder/steadiness-jack.svg"
+stop_server
+
+# A device of 48 channels whose outputs return to its inputs.
+export PIPEWIRE_RUNTIME_DIR=$runtime
+channels=$(printf ' AUX%d' {0..47})
+cat >"$runtime/server.conf" <<CONFIGURATION
+context.properties = { core.daemon = true core.name = pipewire-0 default.clock.min-quantum = 32 }
+context.spa-libs = { audio.convert.* = audioconvert/libspa-audioconvert support.* = support/libspa-support }
+context.modules = [
+  { name = libpipewire-module-rt args = { rt.prio = 70 } flags = [ ifexists nofail ] }
+  { name = libpipewire-module-protocol-native } { name = libpipewire-module-metadata }
+  { name = libpipewire-module-spa-node-factory } { name = libpipewire-module-client-node }
+  { name = libpipewire-module-access } { name = libpipewire-module-adapter }
+  { name = libpipewire-module-link-factory }
+]
+context.objects = [ { factory = adapter args = {
+  factory.name = support.null-audio-sink node.name = loop media.class = Audio/Duplex audio.position = [$channels ]
+  adapter.auto-port-config = { mode = dsp monitor = true position = preserve } } } ]
+CONFIGURATION
+pipewire -c "$runtime/server.conf" >"$log" 2>&1 &
+server=$!
+sleep 2
+kill -0 "$server" 2>/dev/null || fail "no PipeWire server could be started: $(tail -1 "$log")"
+echo
+"$program" --driver pipewire --seconds "$seconds" --plot "$folder/steadiness-pipewire.svg"

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <tuple>
@@ -156,6 +157,11 @@ std::vector<PipeWireDevice> pipeWireDevices(const PipeWireObjects& objects) {
     for (const auto& [key, sidesOfOne] : withoutCard)
         addFree(sidesOfOne, devices);
     std::ranges::stable_sort(devices, comesNaturallyBefore, &PipeWireDevice::name);
+    const auto chosen = std::ranges::find_if(devices, [&objects](const PipeWireDevice& device) {
+        return !device.outputPorts.empty()
+               && objects.nodes.at(device.outputPorts.front().node).name == objects.defaultSink;
+    });
+    if (chosen != devices.end()) std::rotate(devices.begin(), chosen, std::next(chosen));
     return devices;
 }
 

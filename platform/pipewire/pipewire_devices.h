@@ -30,7 +30,8 @@ struct PipeWireDevice {
 
 /// Derives the devices from what a server lists: its sinks and sources that have ports. The sink and the
 /// source of a card are one device, as are free ones whose names differ only in a last word such as "In" and
-/// "Out". A card with several sinks or sources is one device for each of its PCMs. Sorted by name.
+/// "Out". A card with several sinks or sources is one device for each of its PCMs. The one that
+/// plays on the default sink comes first, the others are sorted by name.
 std::vector<PipeWireDevice> pipeWireDevices(const PipeWireObjects& objects);
 
 } // namespace orvane::platform::pipewire

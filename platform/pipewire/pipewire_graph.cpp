@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,7 +18,9 @@ namespace orvane::platform::pipewire {
 namespace {
 
 constexpr timespec retryInterval{.tv_sec = 0, .tv_nsec = 500'000'000};
+/// Collections of settings that session managers and users change.
 constexpr std::string_view settingsName = "settings";
+constexpr std::string_view defaultsName = "default";
 
 /// Empty if there is no such property.
 std::string_view textOf(const spa_dict& properties, const char* key) {
@@ -29,6 +32,14 @@ template <class Number>
 Number numberIn(std::string_view text, Number otherwise = 0) {
     std::from_chars(text.data(), text.data() + text.size(), otherwise);
     return otherwise;
+}
+
+/// The last string in a JSON object such as { "name": "card" }; empty if there is none.
+std::string lastQuoted(std::string_view object) {
+    const std::size_t end = object.rfind('"');
+    const std::size_t begin = end == 0 ? std::string_view::npos : object.rfind('"', end - 1);
+    if (end == std::string_view::npos || begin == std::string_view::npos) return {};
+    return std::string(object.substr(begin + 1, end - begin - 1));
 }
 
 PipeWireCard cardOf(const spa_dict& properties) {
@@ -112,15 +123,15 @@ struct PipeWireGraph::State {
 
     /// Destroys what belongs to a connection.
     void release() {
-        if (metadata != nullptr) {
-            spa_hook_remove(&metadataListener);
-            pw_proxy_destroy(metadata);
+        for (Metadata& bound : metadata) {
+            spa_hook_remove(&bound.listener);
+            pw_proxy_destroy(bound.proxy);
         }
         if (registry != nullptr) {
             spa_hook_remove(&registryListener);
             pw_proxy_destroy(reinterpret_cast<pw_proxy*>(registry));
         }
-        metadata = nullptr;
+        metadata.clear();
         registry = nullptr;
         forgetServer();
     }
@@ -155,8 +166,10 @@ struct PipeWireGraph::State {
         if (kind == PW_TYPE_INTERFACE_Port) state.listed.ports[id] = portOf(*properties);
         if (kind == PW_TYPE_INTERFACE_Link)
             state.listed.links[id] = numberIn<ObjectId>(textOf(*properties, PW_KEY_LINK_OUTPUT_PORT));
-        if (kind == PW_TYPE_INTERFACE_Metadata && textOf(*properties, PW_KEY_METADATA_NAME) == settingsName)
-            state.readSettings(id);
+        if (kind == PW_TYPE_INTERFACE_Metadata) {
+            const std::string_view name = textOf(*properties, PW_KEY_METADATA_NAME);
+            if (name == settingsName || name == defaultsName) state.follow(id);
+        }
         pw_loop_signal_event(state.client.loop(), state.changed);
     }
 
@@ -169,25 +182,28 @@ struct PipeWireGraph::State {
         pw_loop_signal_event(state.client.loop(), state.changed);
     }
 
-    void readSettings(ObjectId id) {
+    void follow(ObjectId id) {
         static const pw_metadata_events events = [] {
             pw_metadata_events table{};
             table.version = PW_VERSION_METADATA_EVENTS;
             table.property = &State::setting;
             return table;
         }();
-        if (metadata != nullptr) return;
-        metadata = static_cast<pw_proxy*>(
+        auto* const proxy = static_cast<pw_proxy*>(
             pw_registry_bind(registry, id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA, 0)
         );
-        metadataListener = {};
-        pw_metadata_add_listener(reinterpret_cast<pw_metadata*>(metadata), &metadataListener, &events, this);
+        if (proxy == nullptr) return;
+        Metadata& bound = metadata.emplace_back(Metadata{proxy, {}});
+        pw_metadata_add_listener(reinterpret_cast<pw_metadata*>(proxy), &bound.listener, &events, this);
     }
 
     static int setting(void* self, ObjectId, const char* key, const char*, const char* value) {
         auto& state = *static_cast<State*>(self);
-        if (key == nullptr || value == nullptr) return 0;
+        if (key == nullptr) return 0;
         const std::string_view name = key;
+        if (name == "default.audio.sink")
+            state.listed.defaultSink = lastQuoted(value == nullptr ? std::string_view() : value);
+        if (value == nullptr) return 0;
         PipeWireSettings& settings = state.current;
         if (name == "clock.rate") settings.sampleRate = numberIn(value, settings.sampleRate);
         if (name == "clock.quantum") settings.quantum = numberIn(value, settings.quantum);
@@ -197,6 +213,11 @@ struct PipeWireGraph::State {
         return 0;
     }
 
+    struct Metadata {
+        pw_proxy* proxy = nullptr;
+        spa_hook listener{};
+    };
+
     PipeWireObjects listed;
     PipeWireSettings current;
     /// Whether the server has listed all that it had when the connection was made.
@@ -204,8 +225,7 @@ struct PipeWireGraph::State {
     std::vector<const Observer*> observers;
     pw_registry* registry = nullptr;
     spa_hook registryListener{};
-    pw_proxy* metadata = nullptr;
-    spa_hook metadataListener{};
+    std::list<Metadata> metadata;
     spa_source* changed = nullptr;
     spa_source* retryTimer = nullptr;
     /// The last member: its thread uses the others.

@@ -52,6 +52,9 @@ struct PipeWireObjects {
     std::map<ObjectId, PipeWirePort> ports;
     /// The port that each link sends from.
     std::map<ObjectId, ObjectId> links;
+    /// The name of the node that programs play on unless they choose another; empty without a session
+    /// manager.
+    std::string defaultSink = {};
 };
 
 /// The formats of ports that carry one channel of audio, and MIDI messages.

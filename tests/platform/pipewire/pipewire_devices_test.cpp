@@ -37,7 +37,7 @@ std::vector<std::string> described(const PipeWireObjects& objects) {
     return lines;
 }
 
-TEST(PipeWireDevices, AreCardsWithBothSidesThenTheirFurtherPCMsAndFreeNodes) {
+TEST(PipeWireDevices, AreTheDefaultThenOtherCardsAndTheirFurtherPCMsAndFreeNodes) {
     PipeWireObjects objects;
     objects.cards[9] = {"alsa_card.usb", "USB Mixer"};
     objects.cards[8] = {"alsa_card.pci", "Built-in"};
@@ -52,12 +52,13 @@ TEST(PipeWireDevices, AreCardsWithBothSidesThenTheirFurtherPCMsAndFreeNodes) {
     add(objects, 11, {"player", "Player", "Stream/Output/Audio", "", {}}, 2, true);
     // What a sink plays can be captured, but is not its input.
     objects.ports[150] = {.node = 1, .format = audioFormat, .isOutput = true, .isMonitor = true};
+    objects.defaultSink = "usb.out";
     EXPECT_EQ(
         described(objects),
         (std::vector<std::string>{
+            "pipewire:alsa_card.usb|USB Mixer 200 201 202 / 100 101",
             "pipewire:alsa_card.pci|Built-in 500 / 400", "pipewire:alsa_card.pci,3|Built-in HDMI / 300",
-            "pipewire:free|Free 600 / 700", "pipewire:alsa_card.usb|USB Mixer 200 201 202 / 100 101",
-            "pipewire:alone|alone / 1000"})
+            "pipewire:free|Free 600 / 700", "pipewire:alone|alone / 1000"})
     );
 }
 
