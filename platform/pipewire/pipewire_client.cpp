@@ -108,11 +108,9 @@ void PipeWireClient::done(void* self, std::uint32_t id, int sequence) {
 
 void PipeWireClient::failed(void* self, std::uint32_t id, int, int status, const char*) {
     auto& client = *static_cast<PipeWireClient*>(self);
-    // Errors about other objects are refusals, and this one is followed by further ones.
-    if (id != PW_ID_CORE || status != -EPIPE) {
-        if (id != PW_ID_CORE) ++client.refused;
-        return;
-    }
+    // Errors of other objects answer requests. Once the server is gone, more errors than this one follow.
+    if (id != PW_ID_CORE) ++client.refused;
+    if (id != PW_ID_CORE || status != -EPIPE) return;
     client.lost = true;
     client.onLost();
     client.wake();

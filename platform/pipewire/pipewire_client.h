@@ -2,7 +2,6 @@
 
 #include <pipewire/pipewire.h>
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 

@@ -18,8 +18,6 @@ namespace {
 constexpr std::string_view uidPrefix = "pipewire:";
 constexpr std::string_view sinkClass = "Audio/Sink";
 constexpr std::string_view sourceClass = "Audio/Source";
-/// The outputs of these are monitors of what other programs play into them.
-constexpr std::string_view virtualSourceClass = "Audio/Source/Virtual";
 constexpr std::string_view duplexClass = "Audio/Duplex";
 
 /// A node with hardware ports.
@@ -29,15 +27,14 @@ struct Side {
     std::vector<PipeWireDevicePort> playbacks;
 };
 
+/// What a sink sends is a monitor of what it plays.
 bool isCapture(const PipeWireNode& node, const PipeWirePort& port) {
-    const bool offersMonitors = node.mediaClass == virtualSourceClass || node.mediaClass == duplexClass;
-    const bool mayCapture = offersMonitors || node.mediaClass.starts_with(sourceClass);
-    return mayCapture && port.isOutput && (offersMonitors || !port.isMonitor);
+    return port.isOutput && (node.mediaClass.starts_with(sourceClass) || node.mediaClass == duplexClass);
 }
 
+/// What a source receives is what other programs play into a virtual one.
 bool isPlayback(const PipeWireNode& node, const PipeWirePort& port) {
-    const bool mayPlay = node.mediaClass.starts_with(sinkClass) || node.mediaClass == duplexClass;
-    return mayPlay && !port.isOutput;
+    return !port.isOutput && (node.mediaClass.starts_with(sinkClass) || node.mediaClass == duplexClass);
 }
 
 std::vector<Side> sidesOf(const PipeWireObjects& objects) {

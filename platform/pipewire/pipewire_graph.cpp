@@ -68,8 +68,7 @@ PipeWirePort portOf(const spa_dict& properties) {
         .name = std::string(textOf(properties, PW_KEY_PORT_NAME)),
         .alias = std::string(textOf(properties, PW_KEY_PORT_ALIAS)),
         .format = std::string(textOf(properties, PW_KEY_FORMAT_DSP)),
-        .isOutput = textOf(properties, PW_KEY_PORT_DIRECTION) == "out",
-        .isMonitor = textOf(properties, PW_KEY_PORT_MONITOR) == "true"};
+        .isOutput = textOf(properties, PW_KEY_PORT_DIRECTION) == "out"};
 }
 
 } // namespace

@@ -41,8 +41,6 @@ struct PipeWirePort {
     std::string format = {};
     /// Whether it sends to others, as the capture ports of hardware do.
     bool isOutput = false;
-    /// Whether it repeats what is played.
-    bool isMonitor = false;
 };
 
 /// What a server lists. A plain value.

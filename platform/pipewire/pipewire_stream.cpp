@@ -183,7 +183,7 @@ void PipeWireStream::cycle(std::size_t first, std::size_t count) noexcept {
 }
 
 void PipeWireStream::observe(const spa_io_clock& now) noexcept {
-    // Only in the first cycle is the thread asked for.
+    // The only system call of the thread, in its first cycle.
     if (ioThread.load() == 0) {
         ioThread.store(::gettid());
         clock.reset();

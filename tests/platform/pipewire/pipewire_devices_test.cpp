@@ -19,7 +19,7 @@ void add(
     objects.nodes[id] = node;
     for (std::uint32_t number = count; number-- > 0;)
         objects.ports[100 * id + number] = {
-            .node = id, .number = number, .format = audioFormat, .isOutput = isOutput, .isMonitor = false};
+            .node = id, .number = number, .format = audioFormat, .isOutput = isOutput};
 }
 
 /// "uid|name inputs/outputs", with the ids of the ports.
@@ -51,7 +51,7 @@ TEST(PipeWireDevices, AreTheDefaultThenOtherCardsAndTheirFurtherPCMsAndFreeNodes
     add(objects, 10, {"alone", "", "Audio/Sink", "", {}}, 1, false);
     add(objects, 11, {"player", "Player", "Stream/Output/Audio", "", {}}, 2, true);
     // What a sink plays can be captured, but is not its input.
-    objects.ports[150] = {.node = 1, .format = audioFormat, .isOutput = true, .isMonitor = true};
+    objects.ports[150] = {.node = 1, .format = audioFormat, .isOutput = true};
     objects.defaultSink = "usb.out";
     EXPECT_EQ(
         described(objects),

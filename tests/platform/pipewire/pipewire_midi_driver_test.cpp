@@ -33,8 +33,7 @@ TEST(PipeWireMIDISources, AreIdentifiedAsTheSequencersIfBridged) {
             .name = name,
             .alias = alias,
             .format = midiFormat,
-            .isOutput = true,
-            .isMonitor = false};
+            .isOutput = true};
     };
     add(3, 2, "out", "");
     add(4, 1, "USB at bus 1:(capture_1) Keys MIDI 2", "Keys-88:Keys MIDI 2");
