@@ -132,19 +132,14 @@ struct PipeWireGraph::State {
         }
         metadata.clear();
         registry = nullptr;
-        forgetServer();
     }
 
-    void forgetServer() {
+    /// Called within a callback of the server, which must not destroy anything: the next `connect` does.
+    void loseServer() {
         listed = {};
         current = {};
         isComplete = false;
         pw_loop_signal_event(client.loop(), changed);
-    }
-
-    /// Called within a callback of the server, which must not destroy anything: the timer does.
-    void loseServer() {
-        forgetServer();
         retry(true);
     }
 
