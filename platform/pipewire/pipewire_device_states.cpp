@@ -78,7 +78,7 @@ std::unique_ptr<AudioDeviceWatch>
 PipeWireDeviceStates::watch(std::string_view uid, AudioDriver::Listener listener) {
     auto watch = notifier.watch(uid, std::move(listener));
     const PipeWireGraph::Lock lock(graph);
-    watched.insert_or_assign(std::string(uid), Watched{true, cyclesOf(uid)});
+    watched.try_emplace(std::string(uid), Watched{true, cyclesOf(uid)}).first->second.isAlive = true;
     graph.wake();
     return watch;
 }

@@ -114,9 +114,9 @@ TEST_F(PipeWireDriver, ListsNodesAndOpensWithoutDisabledInputs) {
 }
 
 /// Where a sample that returns is not the one that was played `latency` frames before; empty if nowhere.
-std::string differenceIn(const LoopClient& client, std::size_t first, std::size_t latency) {
+std::string differenceIn(const LoopClient& client, std::size_t first, std::size_t end, std::size_t latency) {
     for (std::size_t channel = 0; channel < channelCount; ++channel)
-        for (std::size_t frame = first; frame < client.time.load(); ++frame)
+        for (std::size_t frame = first; frame < end; ++frame)
             if (const float sample = client.captured[channel][frame];
                 sample != LoopClient::signal(channel, frame - latency))
                 return "channel " + std::to_string(channel) + ", frame " + std::to_string(frame) + ": "
@@ -139,10 +139,11 @@ TEST_F(PipeWireDriver, CarriesEverySampleInBothDirectionsWithinOneCycle) {
             const std::size_t first = client.time.load();
             const std::uint32_t missedBefore = stream->xrunCount();
             ASSERT_TRUE(client.waitForCycles(30));
+            const std::size_t end = client.time.load();
             const bool isSteady = stream->xrunCount() == missedBefore;
             ASSERT_TRUE(client.endGuard());
             stream->stop();
-            if (isSteady) difference = differenceIn(client, first, frameCount);
+            if (isSteady) difference = differenceIn(client, first, end, frameCount);
         }
         EXPECT_EQ(difference, "") << frameCount;
     }
