@@ -6,6 +6,7 @@
 #include "engine/session/snapshot.h"
 #include "midi/midi_device_info.h"
 #include "platform/base/published.h"
+#include "platform/base/uuid.h"
 #include "plugins/plugin_clipboard.h"
 #include "plugins/plugin_load_state.h"
 
@@ -37,6 +38,11 @@ struct EngineState {
     platform::Published<std::int64_t> bufferSize{512};
     platform::Published<std::vector<session::Snapshot>> snapshots;
     platform::Published<std::optional<std::int64_t>> currentSnapshotIndex;
+    /// The id of the scene that the mix was last recalled from or stored in; absent = none.
+    platform::Published<std::optional<platform::Uuid>> playedSnapshotID;
+    /// The scene that is recalled next: the one chosen since the last recall, or else the one after that;
+    /// absent = none.
+    platform::Published<std::optional<std::int64_t>> nextSnapshotIndex;
     /// Entry i is true if recalls keep what is live in slot i of every strip. Loads keep it too, except in
     /// empty slots.
     platform::Published<std::vector<bool>> pluginSlotRecallSafe{std::vector<bool>(3, false)};

@@ -149,10 +149,20 @@ class MixerEngine final {
     void selectPreviousSnapshot() { scenes.selectPrevious(); }
     void selectNextSnapshot() { scenes.selectNext(); }
     void selectSnapshot(std::int64_t index) { scenes.select(index); }
+    /// Moves what is recalled next by one scene, and selects it.
+    void chooseEarlierSnapshot() { scenes.chooseEarlier(); }
+    void chooseLaterSnapshot() { scenes.chooseLater(); }
 
     /// Selects the scene and makes it the mix; plugins in recall-safe slots stay as they are.
     void recallSnapshot(std::int64_t index);
     void recallCurrentSnapshot();
+    void recallNextSnapshot();
+    /// The scene that the mix was last recalled from or stored in; null if there is none. Valid until the
+    /// next operation.
+    [[nodiscard]] const session::Snapshot* playedSnapshot() const { return scenes.played(); }
+    /// Whether the mix has changed since then, so that another recall of that scene would change it. Asks no
+    /// plugin: recalls leave the settings of plugins that stay.
+    [[nodiscard]] bool hasLeftPlayedSnapshot() const;
     /// Only of the slots that have such a flag, the first three.
     void setRecallSafe(bool isSafe, std::int64_t slot);
 

@@ -13,6 +13,8 @@ struct MixerEngine::Backup {
     std::int64_t bufferSize;
     std::vector<session::Snapshot> snapshots;
     std::optional<std::int64_t> currentSnapshotIndex;
+    std::optional<platform::Uuid> playedSnapshotID;
+    std::optional<std::int64_t> nextSnapshotIndex;
     std::vector<bool> pluginSlotRecallSafe;
     bool isRunning;
     /// The run of that moment; gone if it has ended since.
@@ -42,7 +44,8 @@ void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
     mix.editStrips([&document](auto& strips) { session::applySettings(document.channels, strips); });
     if (takeBufferSize(document.bufferSize)) startOrThrow();
     published.snapshots.set(document.snapshots);
-    published.currentSnapshotIndex.set(std::nullopt);
+    published.playedSnapshotID.set(std::nullopt);
+    scenes.deselect();
     mix.setMaster(document.master);
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
     rack.restoreFromStrips(RecordsFrom::session);
@@ -67,6 +70,8 @@ MixerEngine::Backup MixerEngine::backUp() {
         .bufferSize = published.bufferSize.get(),
         .snapshots = published.snapshots.get(),
         .currentSnapshotIndex = published.currentSnapshotIndex.get(),
+        .playedSnapshotID = published.playedSnapshotID.get(),
+        .nextSnapshotIndex = published.nextSnapshotIndex.get(),
         .pluginSlotRecallSafe = published.pluginSlotRecallSafe.get(),
         .isRunning = mix.run() != nullptr,
         .run = mix.run()};
@@ -78,6 +83,8 @@ void MixerEngine::takeBack(Backup before) {
     published.bufferSize.set(before.bufferSize);
     published.snapshots.set(std::move(before.snapshots));
     published.currentSnapshotIndex.set(before.currentSnapshotIndex);
+    published.playedSnapshotID.set(before.playedSnapshotID);
+    published.nextSnapshotIndex.set(before.nextSnapshotIndex);
     published.pluginSlotRecallSafe.set(std::move(before.pluginSlotRecallSafe));
     if (!before.isRunning || !before.run.expired()) return;
     stop();

@@ -1,5 +1,7 @@
 #include "engine/mixer_engine.h"
 
+#include "engine/scene_difference.h"
+
 #include <string>
 #include <utility>
 
@@ -35,6 +37,15 @@ void MixerEngine::recallCurrentSnapshot() {
     recall([this] { recallSelected(); });
 }
 
+void MixerEngine::recallNextSnapshot() {
+    if (const std::optional<std::int64_t> next = published.nextSnapshotIndex.get()) recallSnapshot(*next);
+}
+
+bool MixerEngine::hasLeftPlayedSnapshot() const {
+    const session::Snapshot* const scene = scenes.played();
+    return scene != nullptr && differs(*scene, mix.strips(), mix.master().levels);
+}
+
 void MixerEngine::recall(const std::function<void()>& change) {
     if (changeMix(change)) return;
     published.lastError.set("There is not enough memory to recall the scene; the mixer is as it was.");
@@ -46,6 +57,7 @@ void MixerEngine::recallSelected() {
     mix.editStrips([&scene](auto& strips) { session::applySettings(scene.channels, strips); });
     mix.editMaster([&scene](auto& master) { master.levels = scene.levels; });
     rack.restoreFromStrips(RecordsFrom::scene);
+    scenes.markPlayed();
 }
 
 void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {

@@ -21,6 +21,7 @@ void SnapshotList::add(Snapshot captured, std::optional<std::string> name) {
     const std::int64_t position = current ? *current + 1 : count();
     place(std::move(captured), position, std::move(name));
     state.currentSnapshotIndex.set(std::min(position, count() - 1));
+    markPlayed();
 }
 
 void SnapshotList::insert(Snapshot captured) {
@@ -28,6 +29,7 @@ void SnapshotList::insert(Snapshot captured) {
     const std::int64_t position = state.currentSnapshotIndex.get().value_or(0);
     place(std::move(captured), position, std::nullopt);
     state.currentSnapshotIndex.set(position);
+    markPlayed();
 }
 
 void SnapshotList::store(Snapshot captured) {
@@ -43,6 +45,7 @@ void SnapshotList::store(Snapshot captured) {
     captured.midiTrigger = scene.midiTrigger;
     scene = std::move(captured);
     state.snapshots.set(std::move(scenes));
+    markPlayed();
 }
 
 void SnapshotList::copy() {
@@ -54,7 +57,7 @@ void SnapshotList::copy() {
     const std::int64_t position = *state.currentSnapshotIndex.get() + 1;
     std::string name = duplicate.name;
     place(std::move(duplicate), position, std::move(name));
-    state.currentSnapshotIndex.set(position);
+    choose(position);
 }
 
 void SnapshotList::remove() {
@@ -64,7 +67,7 @@ void SnapshotList::remove() {
     std::vector<Snapshot> scenes = state.snapshots.get();
     scenes.erase(scenes.begin() + index);
     state.snapshots.set(std::move(scenes));
-    state.currentSnapshotIndex.set(count() > 0 ? std::optional(std::min(index, count() - 1)) : std::nullopt);
+    choose(count() > 0 ? std::optional(std::min(index, count() - 1)) : std::nullopt);
 }
 
 void SnapshotList::undo() {
@@ -74,7 +77,9 @@ void SnapshotList::undo() {
     undoStack.pop_back();
     state.snapshots.set(std::move(earlier));
     if (state.currentSnapshotIndex.get() && selected() == nullptr)
-        state.currentSnapshotIndex.set(count() > 0 ? std::optional(count() - 1) : std::nullopt);
+        choose(count() > 0 ? std::optional(count() - 1) : std::nullopt);
+    else
+        setNext(state.nextSnapshotIndex.get().value_or(count()));
 }
 
 void SnapshotList::rename(std::int64_t index, std::string name) {
@@ -86,22 +91,55 @@ void SnapshotList::rename(std::int64_t index, std::string name) {
 
 void SnapshotList::selectPrevious() {
     if (count() == 0) return;
-    state.currentSnapshotIndex.set(std::max<std::int64_t>(0, state.currentSnapshotIndex.get().value_or(0) - 1)
-    );
+    choose(std::max<std::int64_t>(0, state.currentSnapshotIndex.get().value_or(0) - 1));
 }
 
 void SnapshotList::selectNext() {
     if (count() == 0) return;
-    state.currentSnapshotIndex.set(std::min(count() - 1, state.currentSnapshotIndex.get().value_or(-1) + 1));
+    choose(std::min(count() - 1, state.currentSnapshotIndex.get().value_or(-1) + 1));
 }
 
 void SnapshotList::select(std::int64_t index) {
-    if (exists(index)) state.currentSnapshotIndex.set(index);
+    if (exists(index)) choose(index);
+}
+
+void SnapshotList::deselect() {
+    choose(std::nullopt);
+}
+
+void SnapshotList::chooseEarlier() {
+    select(state.nextSnapshotIndex.get().value_or(count()) - 1);
+}
+
+void SnapshotList::chooseLater() {
+    select(state.nextSnapshotIndex.get().value_or(count()) + 1);
+}
+
+void SnapshotList::markPlayed() {
+    if (selected() == nullptr) return;
+    state.playedSnapshotID.set(selected()->id);
+    setNext(*state.currentSnapshotIndex.get() + 1);
+}
+
+void SnapshotList::choose(std::optional<std::int64_t> index) {
+    state.currentSnapshotIndex.set(index);
+    setNext(index.value_or(0));
+}
+
+void SnapshotList::setNext(std::int64_t index) {
+    state.nextSnapshotIndex.set(exists(index) ? std::optional(index) : std::nullopt);
 }
 
 const Snapshot* SnapshotList::selected() const {
     const std::optional<std::int64_t> index = state.currentSnapshotIndex.get();
     return index && exists(*index) ? &state.snapshots.get()[asPosition(*index)] : nullptr;
+}
+
+const Snapshot* SnapshotList::played() const {
+    const std::optional<platform::Uuid>& id = state.playedSnapshotID.get();
+    const std::vector<Snapshot>& scenes = state.snapshots.get();
+    const auto found = id ? std::ranges::find(scenes, *id, &Snapshot::id) : scenes.end();
+    return found == scenes.end() ? nullptr : &*found;
 }
 
 void SnapshotList::beginLearn() {

@@ -14,8 +14,8 @@
 namespace orvane::engine {
 
 /// The scenes of an engine: edits of the published list and of what is selected in it, the note that each is
-/// to be recalled by, and the way back. An edit without a valid selection, or of an index that is not there,
-/// does nothing. Main thread.
+/// to be recalled by, which one is played and which is next, and the way back. An edit without a valid
+/// selection, or of an index that is not there, does nothing. Main thread.
 class SnapshotList final {
   public:
     /// How many edits can be undone.
@@ -48,9 +48,20 @@ class SnapshotList final {
     void selectPrevious();
     void selectNext();
     void select(std::int64_t index);
+    /// Selects no scene, so that the first one is next.
+    void deselect();
+
+    /// Moves what is recalled next by one scene towards the front or the end, and selects it.
+    void chooseEarlier();
+    void chooseLater();
+    /// Notes that the mix is now the selected scene.
+    void markPlayed();
 
     /// The selected scene; null if there is none.
     [[nodiscard]] const session::Snapshot* selected() const;
+    /// The scene that the mix was last recalled from or stored in; null if there is none, or if it has been
+    /// removed.
+    [[nodiscard]] const session::Snapshot* played() const;
 
     /// Lets the next note become the selected scene's trigger.
     void beginLearn();
@@ -64,6 +75,9 @@ class SnapshotList final {
     [[nodiscard]] bool exists(std::int64_t index) const;
     void pushUndo();
     void place(session::Snapshot captured, std::int64_t position, std::optional<std::string> name);
+    /// Selects a scene, which is then the next one.
+    void choose(std::optional<std::int64_t> index);
+    void setNext(std::int64_t index);
 
     EngineState& state;
     std::deque<std::vector<session::Snapshot>> undoStack;

@@ -135,6 +135,40 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
     EXPECT_EQ(engine.state().channelStrips.get().size(), 4U);
 }
 
+TEST_F(SnapshotsTest, AreRecalledInOrderAndKnowWhichOneIsPlayed) {
+    const auto next = [&] { return engine.state().nextSnapshotIndex.get(); };
+    const auto played = [&] { return engine.playedSnapshot() ? engine.playedSnapshot()->name : "none"; };
+    engine.recallNextSnapshot();
+    for (const char* name : {"A", "B", "C"})
+        engine.newSnapshot(name);
+    EXPECT_EQ(played(), "C");
+    EXPECT_FALSE(next());
+    engine.applyDocument(engine.makeDocumentData());
+    EXPECT_EQ(played(), "none");
+    for (const char* name : {"A", "B"}) {
+        engine.recallNextSnapshot();
+        EXPECT_EQ(played(), name);
+    }
+    EXPECT_THAT(next(), Optional(2));
+    engine.chooseEarlierSnapshot();
+    EXPECT_THAT(next(), Optional(1)) << "the same scene can be recalled again";
+    engine.deleteSnapshot();
+    EXPECT_EQ(played(), "none");
+    engine.undoSnapshotEdit();
+    EXPECT_EQ(played(), "B");
+
+    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
+    const platform::Uuid strip = engine.state().channelStrips.get()[0].id;
+    engine.setTrim(strip, 0.5);
+    EXPECT_TRUE(engine.hasLeftPlayedSnapshot());
+    engine.recallNextSnapshot();
+    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
+    engine.setBackingGroupGainDB(1.0);
+    EXPECT_TRUE(engine.hasLeftPlayedSnapshot());
+    engine.storeSnapshot();
+    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
+}
+
 TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
     for (int i = 0; i < 3; ++i) {
         engine.setMasterTargetDB(-i);

@@ -3,11 +3,14 @@
 #include "ui/controls/console_button.h"
 #include "ui/controls/indicator_lamp.h"
 #include "ui/meters/meters.h"
+#include "ui/mixer/mixer_commands.h"
 
 #include "mixer_machine.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <QTest>
 
 namespace {
 
@@ -24,7 +27,8 @@ class StatusBar : public MixerViewTest {
     bool isLit(const char* name) { return viewNamed<IndicatorLamp>(view, name).isLit(); }
     bool isActive(const char* title) { return static_cast<ConsoleButton&>(buttonOf(view, title)).isActive(); }
 
-    StatusBarView view{engine};
+    MixerCommands commands{engine, {}};
+    StatusBarView view{engine, commands};
 };
 
 TEST_F(StatusBar, ShowsTheFiguresOfTheEngine) {
@@ -94,6 +98,30 @@ TEST_F(StatusBar, NamesTheSceneThatWaitsForANoteAndCancelsIt) {
     buttonOf(view, "Cancel MIDI learn").click();
     EXPECT_FALSE(state().midiLearnTargetIndex.get());
     EXPECT_FALSE(buttonOf(view, "Cancel MIDI learn").isVisibleTo(&view));
+}
+
+TEST_F(StatusBar, RecallsTheNextSceneWithOneKeyOrClick) {
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    for (const double targetDB : {-20.0, -15.0, -5.0}) {
+        engine.setMasterTargetDB(targetDB);
+        engine.newSnapshot();
+    }
+    engine.selectSnapshot(0);
+    EXPECT_TRUE(shows(view, "3 Snapshot 3") && shows(view, "1 Snapshot 1"));
+    buttonOf(view, "Recall Next Scene").click();
+    EXPECT_TRUE(shows(view, "1 Snapshot 1") && shows(view, "2 Snapshot 2"));
+    EXPECT_EQ(state().master.get().levels.masterTargetDB, -20.0);
+    QTest::keyClick(&view, Qt::Key_F8);
+    EXPECT_EQ(state().master.get().levels.masterTargetDB, -15.0);
+    EXPECT_TRUE(shows(view, "SCENE"));
+    engine.setMasterTargetDB(-9.0);
+    EXPECT_TRUE(shows(view, "SCENE · EDITED"));
+    QTest::keyClick(&view, Qt::Key_F6);
+    EXPECT_TRUE(shows(view, "2 Snapshot 2")) << "the scene can be recalled again";
+    EXPECT_EQ(state().master.get().levels.masterTargetDB, -9.0);
+    QTest::keyClick(&view, Qt::Key_F7);
+    EXPECT_FALSE(buttonOf(view, "Next Scene").isEnabled()) << "the last one is chosen";
 }
 
 TEST_F(StatusBar, ArmsTheClipboardAndExplainsPaste) {

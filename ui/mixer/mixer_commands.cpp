@@ -4,6 +4,7 @@
 
 #include <QAction>
 
+#include <cstdint>
 #include <utility>
 
 namespace orvane::ui {
@@ -11,15 +12,8 @@ namespace orvane::ui {
 MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) : engine(mixerEngine) {
     const auto add = [this](
                          const char* icon, const QString& label, const QKeySequence& keys,
-                         const QString& help, auto action
-                     ) {
-        auto* const command = new QAction(symbol(QString::fromLatin1(icon)), label, this);
-        command->setShortcut(keys);
-        command->setAutoRepeat(false);
-        command->setToolTip(help);
-        connect(command, &QAction::triggered, this, std::move(action));
-        commands.push_back(command);
-    };
+                         const QString& help, std::function<void()> action
+                     ) { commands.push_back(make(icon, label, keys, help, std::move(action))); };
     add("one-to-one", QStringLiteral("1:1"), {},
         QStringLiteral("Reset every channel to a straight 1:1 patch (channel N -> input N -> output N)."),
         [this] { engine.resetRoutingOneToOne(); });
@@ -50,9 +44,53 @@ MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) 
             engine.start();
     });
 
+    sceneCommands = {
+        make(
+            "previous", QStringLiteral("Previous Scene"), Qt::Key_F6,
+            QStringLiteral("Choose the scene before, to be recalled next (F6)."),
+            [this] { engine.chooseEarlierSnapshot(); }
+        ),
+        make(
+            "next", QStringLiteral("Next Scene"), Qt::Key_F7,
+            QStringLiteral("Choose the scene after, to be recalled next (F7)."),
+            [this] { engine.chooseLaterSnapshot(); }
+        ),
+        make(
+            "snapshots", QStringLiteral("Recall Next Scene"), Qt::Key_F8,
+            QStringLiteral("Recall the scene under NEXT (F8)."), [this] { engine.recallNextSnapshot(); }
+        )};
+    sceneCommands.back()->setIconText(QStringLiteral("Recall"));
+
     subscriptions.push_back(engine.state().selectedDevice.subscribe([this](const auto&) { showDevice(); }));
     subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showRunning(); }));
+    subscriptions.push_back(engine.state().snapshots.subscribe([this](const auto&) { showScenes(); }));
+    subscriptions.push_back(engine.state().nextSnapshotIndex.subscribe([this](const auto&) { showScenes(); })
+    );
     showDevice();
+    showScenes();
+}
+
+QAction* MixerCommands::make(
+    const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+    std::function<void()> action
+) {
+    auto* const command = new QAction(symbol(QString::fromLatin1(icon)), label, this);
+    command->setShortcut(keys);
+    // Also while an editor or the snapshots are in front.
+    command->setShortcutContext(Qt::ApplicationShortcut);
+    command->setAutoRepeat(false);
+    command->setToolTip(help);
+    connect(command, &QAction::triggered, this, std::move(action));
+    return command;
+}
+
+void MixerCommands::showScenes() {
+    const auto count = static_cast<std::int64_t>(engine.state().snapshots.get().size());
+    const std::int64_t next = engine.state().nextSnapshotIndex.get().value_or(count);
+    const auto& [earlier, later, recall] = sceneCommands;
+    earlier->setEnabled(next > 0);
+    later->setEnabled(next + 1 < count);
+    recall->setEnabled(next < count);
 }
 
 void MixerCommands::showDevice() {

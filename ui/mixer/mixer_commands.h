@@ -5,10 +5,13 @@
 
 #include <QObject>
 
+#include <array>
 #include <functional>
 #include <vector>
 
 class QAction;
+class QKeySequence;
+class QString;
 
 namespace orvane::ui {
 
@@ -31,13 +34,21 @@ class MixerCommands final : public QObject {
     /// The commands in the toolbar's order.
     [[nodiscard]] const std::vector<QAction*>& all() const { return commands; }
     [[nodiscard]] QAction* startStop() const { return commands.back(); }
+    /// Choosing the scene before or after the next one, and recalling the next one.
+    [[nodiscard]] const std::array<QAction*, 3>& scenes() const { return sceneCommands; }
 
   private:
+    QAction* make(
+        const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+        std::function<void()> action
+    );
     void showDevice();
     void showRunning();
+    void showScenes();
 
     engine::MixerEngine& engine;
     std::vector<QAction*> commands;
+    std::array<QAction*, 3> sceneCommands = {};
     std::vector<platform::Subscription> subscriptions;
 };
 

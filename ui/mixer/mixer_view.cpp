@@ -66,7 +66,7 @@ MixerView::MixerView(
       file(mixerEngine, components, *this, *channelArea),
       sessionCommands(
           mixerEngine, {.clearOutputs = [this] { confirmClearOutputs(); },
-                        .showSnapshots = [this] { openSheet(new SnapshotsView(engine, this)); },
+                        .showSnapshots = [this] { showSnapshots(); },
                         .load = [this] { file.load(); },
                         .save = [this] { save(); },
                         .showDeviceSettings = [this] { openSheet(new DeviceSettingsView(engine, this)); },
@@ -138,6 +138,19 @@ void MixerView::confirmChannelCount() {
     confirm(this, channelCountQuestion, [this] { file.leave(reconfigure); });
 }
 
+void MixerView::showSnapshots() {
+    commitEditing();
+    if (!snapshots) {
+        snapshots = new SnapshotsView(engine, this);
+        snapshots->setAttribute(Qt::WA_DeleteOnClose);
+        // The commands and the first strips stay visible.
+        snapshots->move(channelArea->mapToGlobal(QPoint(width() - snapshots->width(), 0)));
+    }
+    snapshots->show();
+    snapshots->raise();
+    snapshots->activateWindow();
+}
+
 void MixerView::openSheet(QDialog* sheet) {
     commitEditing();
     sheet->setAttribute(Qt::WA_DeleteOnClose);
@@ -145,7 +158,10 @@ void MixerView::openSheet(QDialog* sheet) {
 }
 
 void MixerView::commitEditing() {
-    if (auto* const field = qobject_cast<QLineEdit*>(focusWidget())) field->clearFocus();
+    for (const QWidget* window :
+         {static_cast<const QWidget*>(this), static_cast<const QWidget*>(snapshots.data())})
+        if (auto* const field = window ? qobject_cast<QLineEdit*>(window->focusWidget()) : nullptr)
+            field->clearFocus();
 }
 
 } // namespace orvane::ui

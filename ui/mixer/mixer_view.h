@@ -6,12 +6,13 @@
 #include "ui/mixer/session_file.h"
 #include "ui/strip/installed_components.h"
 
+#include <QDialog>
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
 
 class QAction;
-class QDialog;
 
 namespace orvane::ui {
 
@@ -49,6 +50,8 @@ class MixerView final : public QWidget {
     void addShortcuts();
     void confirmClearOutputs();
     void confirmChannelCount();
+    /// Opens the snapshots, or brings them to the front.
+    void showSnapshots();
     void openSheet(QDialog* sheet);
 
     engine::MixerEngine& engine;
@@ -60,6 +63,7 @@ class MixerView final : public QWidget {
     ChannelArea* const channelArea;
     MasterSection* const masterSection;
     platform::Subscription presentationSubscription;
+    QPointer<QDialog> snapshots;
     SessionFile file;
     MixerCommands sessionCommands;
 };

@@ -65,6 +65,7 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
       learning(new MIDILearnNotice(mixerEngine, TextStyle::callout)),
       empty(makeText(emptyText, TextStyle::callout, theme::secondaryText)),
       list(new SnapshotListView(mixerEngine)) {
+    setWindowModality(Qt::NonModal);
     position->setFont(monospacedFont(13));
     position->setAlignment(Qt::AlignCenter);
     position->setWordWrap(false);

@@ -19,8 +19,8 @@ class ConsoleButton;
 class MIDILearnNotice;
 class SnapshotListView;
 
-/// The sheet for scenes: stores, recalls and edits them, and assigns MIDI notes. Also sets what recalls leave
-/// unchanged. Main thread.
+/// The panel for scenes: stores, recalls and edits them, and assigns MIDI notes. Also sets what recalls leave
+/// unchanged. Unlike other sheets, it can stay open beside the mixer. Main thread.
 class SnapshotsView final : public Sheet {
   public:
     /// `mixerEngine` must outlive the sheet.

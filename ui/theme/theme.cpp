@@ -89,6 +89,10 @@ QString makeStyleSheet() {
         QFileDialog QToolButton { padding: 0; }
         QToolButton:hover, QToolButton:pressed { background: %5; }
         QToolButton:focus { border-color: %4; }
+        QToolButton#scene { background: %5; border-color: %2; padding: 0; }
+        QToolButton#scene:hover, QToolButton#scene:focus { border-color: %4; }
+        QToolButton#scene:pressed { background: %2; }
+        QToolButton#scene:disabled { background: transparent; color: %7; }
     )")
         .arg(
             css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),

@@ -14,7 +14,7 @@ MixerRootView::MixerRootView(
 )
     : mixer(channelCount, services),
       mixerView(std::make_unique<MixerView>(mixer, std::move(onReconfigure))),
-      statusBar(std::make_unique<StatusBarView>(mixer)) {
+      statusBar(std::make_unique<StatusBarView>(mixer, mixerView->commands())) {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

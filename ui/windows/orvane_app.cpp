@@ -187,6 +187,8 @@ void ORVANEApp::showContent() {
     sessionMenu->addSeparator();
     sessionMenu->addAction(root->view().presentationCommand());
     rememberPresentation(root->view().presentation());
+    for (QAction* command : root->view().commands().scenes())
+        sessionMenu->addAction(command);
     begin(*root);
 }
 

@@ -7,12 +7,14 @@
 #include "ui/meters/meters.h"
 #include "ui/sheets/midi_learn_notice.h"
 #include "ui/theme/theme.h"
+#include "ui/windows/scene_view.h"
+#include "ui/windows/status_cell.h"
 
 #include <QAccessible>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cstdint>
@@ -22,13 +24,15 @@ namespace orvane::ui {
 
 namespace {
 
-constexpr int captionSize = 8;
 constexpr int valueSize = 12;
-constexpr int valueHeight = 20;
 constexpr QSize loadMeterSize(68, 10);
 constexpr int loadSegments = 10;
 constexpr int pluginCellWidth = 88;
 constexpr int dividerHeight = 22;
+constexpr int cellSpacing = 12;
+constexpr int lineSpacing = 4;
+/// The width of the bar from which on notices have room beside the cells.
+constexpr int roomyWidth = 1240;
 constexpr double hertzPerKilohertz = 1000.0;
 
 const QString copyHelp = QStringLiteral(
@@ -53,26 +57,6 @@ void showValue(QLabel& label, const QString& name, const QString& value) {
     label.setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
 }
 
-/// Makes a caption above a widget.
-QWidget* makeCell(const QString& caption, QWidget* value) {
-    auto* const cell = new QWidget;
-    auto* const layout = new QVBoxLayout(cell);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
-    auto* const title = new QLabel(caption);
-    title->setFont(systemFont(captionSize, QFont::Medium));
-    title->setAlignment(Qt::AlignCenter);
-    QPalette palette = title->palette();
-    palette.setColor(QPalette::WindowText, theme::secondaryText);
-    title->setPalette(palette);
-    layout->addWidget(title);
-    auto* const room = new QHBoxLayout;
-    room->addStrut(valueHeight);
-    room->addWidget(value, 0, Qt::AlignCenter);
-    layout->addLayout(room);
-    return cell;
-}
-
 QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
     auto* const buttons = new QWidget;
     buttons->setFixedWidth(pluginCellWidth);
@@ -80,7 +64,7 @@ QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
     for (ConsoleButton* button : {copy, paste}) {
-        button->setFixedHeight(valueHeight);
+        button->setFixedHeight(StatusCell::valueHeight);
         layout->addWidget(button);
     }
     return buttons;
@@ -88,7 +72,7 @@ QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
 
 } // namespace
 
-StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
+StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, const MixerCommands& commands, QWidget* parent)
     : QWidget(parent),
       engine(mixerEngine),
       sampleRate(makeValue()),
@@ -98,6 +82,8 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
       load(new LoadMeterView(loadSegments)),
       copy(new ConsoleButton(QStringLiteral("Copy"), [this] { engine.toggleCopyArm(); })),
       paste(new ConsoleButton(QStringLiteral("Paste"), [this] { engine.togglePasteArm(); })),
+      notices(new QWidget(this)),
+      lines(new QGridLayout(this)),
       message(makeText({}, TextStyle::caption, theme::orange)),
       learning(new MIDILearnNotice(mixerEngine, TextStyle::caption)) {
     load->setFixedSize(loadMeterSize);
@@ -105,9 +91,8 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
     copy->setToolTip(copyHelp);
     message->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
-    auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(14, 5, 14, 5);
-    row->setSpacing(12);
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(cellSpacing);
     const std::pair<QString, QWidget*> cells[] = {
         {QStringLiteral("SMP RATE"), sampleRate},
         {QStringLiteral("BUFFER"), bufferSize},
@@ -117,10 +102,20 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent)
         {QStringLiteral("PLUGIN"), makeClipboardButtons(copy, paste)}};
     for (const auto& [caption, value] : cells) {
         if (row->count() > 0) row->addWidget(makeVerticalDivider(dividerHeight));
-        row->addWidget(makeCell(caption, value));
+        row->addWidget(new StatusCell(caption, value));
     }
-    row->addWidget(message, 1);
-    row->addWidget(learning);
+    row->addWidget(makeVerticalDivider(dividerHeight));
+    row->addWidget(new SceneView(engine, commands), 1);
+    auto* const noticeRow = new QHBoxLayout(notices);
+    noticeRow->setContentsMargins(0, 0, 0, 0);
+    noticeRow->setSpacing(cellSpacing);
+    noticeRow->addWidget(message, 1);
+    noticeRow->addWidget(learning);
+    lines->setContentsMargins(14, 5, 14, 5);
+    lines->setHorizontalSpacing(cellSpacing);
+    lines->setVerticalSpacing(lineSpacing);
+    lines->addLayout(row, 1, 0);
+    placeNotices();
 
     subscribe();
     showSampleRate();
@@ -157,6 +152,19 @@ void StatusBarView::subscribe() {
     follow(state.lastError, [this](const auto&) { showMessage(); });
     follow(state.midiLearnTargetIndex, [this](const auto&) { showLearning(); });
     follow(state.snapshots, [this](const auto&) { showLearning(); });
+}
+
+void StatusBarView::resizeEvent(QResizeEvent*) {
+    placeNotices();
+}
+
+void StatusBarView::placeNotices() {
+    const bool isBeside = width() >= roomyWidth;
+    lines->removeWidget(notices);
+    lines->addWidget(notices, isBeside ? 1 : 0, isBeside ? 1 : 0);
+    lines->setColumnStretch(0, 1);
+    lines->setColumnStretch(1, isBeside ? 2 : 0);
+    notices->setVisible(isBeside || !message->text().isEmpty() || engine.state().midiLearnTargetIndex.get());
 }
 
 void StatusBarView::paintEvent(QPaintEvent*) {
@@ -212,6 +220,7 @@ void StatusBarView::showMessage() {
     const QString text = QString::fromStdString(engine.state().lastError.get().value_or(""));
     if (text == message->text()) return;
     message->setText(text);
+    placeNotices();
     if (text.isEmpty()) return;
     QAccessibleEvent announcement(message, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
@@ -220,6 +229,7 @@ void StatusBarView::showMessage() {
 void StatusBarView::showLearning() {
     const std::optional<std::int64_t> target = engine.state().midiLearnTargetIndex.get();
     learning->setVisible(target.has_value());
+    placeNotices();
     if (!target) return;
     const std::vector<session::Snapshot>& snapshots = engine.state().snapshots.get();
     const bool isThere = *target < static_cast<std::int64_t>(snapshots.size());

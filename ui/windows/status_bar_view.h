@@ -7,6 +7,7 @@
 
 #include <vector>
 
+class QGridLayout;
 class QLabel;
 
 namespace orvane::ui {
@@ -15,16 +16,19 @@ class ConsoleButton;
 class IndicatorLamp;
 class LoadMeterView;
 class MIDILearnNotice;
+class MixerCommands;
 
 /// The line along the bottom of the mixer: the engine's sample rate and buffer size, whether it runs, its
-/// load, the plugin clipboard, its message, and the scene that waits for a MIDI note. Main thread.
+/// load, the plugin clipboard, the scenes, its message, and the scene that waits for a MIDI note. On a narrow
+/// bar, the last two are on a line of their own while there are any. Main thread.
 class StatusBarView final : public QWidget {
   public:
     /// `mixerEngine` must outlive the view.
-    explicit StatusBarView(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+    StatusBarView(engine::MixerEngine& mixerEngine, const MixerCommands& commands, QWidget* parent = nullptr);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     [[nodiscard]] QString loadHelp() const;
@@ -35,6 +39,7 @@ class StatusBarView final : public QWidget {
     void showClipboard();
     void showMessage();
     void showLearning();
+    void placeNotices();
 
     engine::MixerEngine& engine;
     QLabel* const sampleRate;
@@ -46,6 +51,8 @@ class StatusBarView final : public QWidget {
     double peakLoad = 0.0;
     ConsoleButton* const copy;
     ConsoleButton* const paste;
+    QWidget* const notices;
+    QGridLayout* const lines;
     QLabel* const message;
     MIDILearnNotice* const learning;
     std::vector<platform::Subscription> subscriptions;
