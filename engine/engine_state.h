@@ -27,6 +27,9 @@ struct EngineState {
     /// A device of its own for the master bus; absent = the selected device.
     platform::Published<std::optional<audio::AudioDeviceInfo>> masterOutputDevice;
     platform::Published<bool> isRunning{false};
+    /// Why there is no sound although the user has not stopped the audio: it has stopped by itself, or stands
+    /// still. Absent otherwise.
+    platform::Published<std::optional<std::string>> audioLoss;
     /// The message line: the last error or warnings, as complete sentences.
     platform::Published<std::optional<std::string>> lastError;
     platform::Published<plugins::PluginLoadStates> pluginLoadStates;

@@ -72,6 +72,21 @@ void MixerEngine::start() {
         stop();
         published.lastError.set("Failed to start audio engine: there is not enough memory.");
     }
+    if (published.audioLoss.get()) reportFailedRestart();
+}
+
+void MixerEngine::restart() {
+    stop();
+    start();
+    reportFailedRestart();
+}
+
+void MixerEngine::reportFailedRestart() {
+    if (published.isRunning.get()) return;
+    published.audioLoss.set(
+        published.lastError.get().value_or("")
+        + " -- check the device, then start again or select another device."
+    );
 }
 
 void MixerEngine::startOrThrow() {
@@ -109,6 +124,7 @@ void MixerEngine::startOrThrow() {
         append(warnings, refusal);
     const std::weak_ptr<audio::MixerRealtimeState> state = run->realtimeState();
     mix.setRun(std::move(run));
+    published.audioLoss.set(std::nullopt);
     published.lastError.set(warnings.empty() ? std::nullopt : std::optional(warnings));
     meterTimer.start(state);
     standstillWatch.start(state);
@@ -119,10 +135,11 @@ void MixerEngine::stop() {
     meterTimer.stop();
     standstillWatch.stop();
     rack.runHasStopped();
+    published.audioLoss.set(std::nullopt);
 }
 
 void MixerEngine::setBufferSize(std::int64_t frameCount) {
-    if (takeBufferSize(frameCount)) start();
+    if (takeBufferSize(frameCount)) restart();
 }
 
 bool MixerEngine::takeBufferSize(std::int64_t frameCount) {
@@ -233,8 +250,7 @@ void MixerEngine::followSampleRate(const AudioDeviceInfo& device) {
         "rate.",
         device.name, device.sampleRate, now->sampleRate
     );
-    stop();
-    start();
+    restart();
     if (!published.isRunning.get()) return;
     append(report, published.lastError.get());
     published.lastError.set(std::move(report));
@@ -248,16 +264,24 @@ void MixerEngine::reportLostChannels(const AudioDeviceInfo& device) {
     ));
 }
 
+void MixerEngine::reportLoss(std::string sentence) {
+    published.audioLoss.set(sentence);
+    published.lastError.set(std::move(sentence));
+}
+
 void MixerEngine::reportStandstill(const audio::MixerRealtimeState& state, bool standsStill) {
-    if (!standsStill) return published.lastError.set(std::nullopt);
+    if (!standsStill) {
+        published.audioLoss.set(std::nullopt);
+        return published.lastError.set(std::nullopt);
+    }
     const auto insert = state.runningInsert();
     if (!insert)
-        return published.lastError.set(fmt::format(
+        return reportLoss(fmt::format(
             "The audio device {} has asked for no sound for {:.0f} seconds; stop and start the mixer, or "
             "select another device.",
             published.selectedDevice.get()->name, StandstillWatch::longestStandstill
         ));
-    published.lastError.set(fmt::format(
+    reportLoss(fmt::format(
         "No sound has been mixed for {:.0f} seconds, because the plugin {} on the strip \"{}\" does not "
         "return from its processing; stop the mixer, and remove the plugin.",
         StandstillWatch::longestStandstill, insert->name, mix.strips()[insert->strip].name
@@ -275,7 +299,7 @@ void MixerEngine::reportDeath(RunningAudio::Role role, const AudioDeviceInfo& de
         return;
     }
     stop();
-    published.lastError.set(fmt::format(
+    reportLoss(fmt::format(
         "The audio device {} is gone, so the mixer has stopped; connect it again or select another device.",
         device.name
     ));

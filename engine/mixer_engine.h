@@ -60,6 +60,8 @@ class MixerEngine final {
     /// Returns within `platform::stopPatience`, also if a plugin does not return from its processing: that
     /// one then leaves its slot, which `lastError` reports.
     void stop();
+    /// Stops, if running, and starts. If that fails, `audioLoss` has the reason too.
+    void restart();
 
     /// Takes one of the offered sizes, others not; starts a running engine again.
     void setBufferSize(std::int64_t frameCount);
@@ -291,6 +293,10 @@ class MixerEngine final {
     void followSampleRate(const audio::AudioDeviceInfo& device);
     void reportLostChannels(const audio::AudioDeviceInfo& device);
     void reportDeath(RunningAudio::Role role, const audio::AudioDeviceInfo& device);
+    /// Shows the reason if audio that ran has not started again.
+    void reportFailedRestart();
+    /// Shows a sentence about audio that has stopped by itself or stands still.
+    void reportLoss(std::string sentence);
     void reportStandstill(const audio::MixerRealtimeState& state, bool standsStill);
 
     /// The settings that a plugin has now; absent if it has none to save, which `lastError` reports.

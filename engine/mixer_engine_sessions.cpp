@@ -42,7 +42,10 @@ platform::Result<platform::Done> MixerEngine::loadDocument(const session::MixerD
 
 void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
     mix.editStrips([&document](auto& strips) { session::applySettings(document.channels, strips); });
-    if (takeBufferSize(document.bufferSize)) startOrThrow();
+    if (takeBufferSize(document.bufferSize)) {
+        startOrThrow();
+        reportFailedRestart();
+    }
     published.snapshots.set(document.snapshots);
     published.playedSnapshotID.set(std::nullopt);
     scenes.deselect();
@@ -87,8 +90,7 @@ void MixerEngine::takeBack(Backup before) {
     published.nextSnapshotIndex.set(before.nextSnapshotIndex);
     published.pluginSlotRecallSafe.set(std::move(before.pluginSlotRecallSafe));
     if (!before.isRunning || !before.run.expired()) return;
-    stop();
-    start();
+    restart();
 }
 
 } // namespace orvane::engine

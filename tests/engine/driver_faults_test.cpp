@@ -212,7 +212,9 @@ TEST(DriverFaults, AnInterfaceThatIsUnpluggedStopsTheMixAndStartsAgainWhenItIsBa
         EXPECT_THAT(
             mixer.message(), StartsWith("The audio device " + mixer.device(0).name + " is gone, so the mixer")
         );
+        EXPECT_EQ(mixer.engine.state().audioLoss.get(), mixer.message());
         mixer.engine.start();
+        EXPECT_THAT(mixer.engine.state().audioLoss.get().value_or(""), StartsWith(mixer.message()));
         EXPECT_FALSE(mixer.isRunning());
         EXPECT_THAT(mixer.message(), StartsWith("Failed to start audio engine: "));
         std::filesystem::remove(alsa.folder / "gone");

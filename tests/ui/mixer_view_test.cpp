@@ -116,6 +116,28 @@ class Mixer : public testing::Test {
     std::unique_ptr<MixerView> view;
 };
 
+TEST_F(Mixer, ShowsThatTheAudioIsLostUntilItRunsAgain) {
+    EXPECT_TRUE(shows(*view, "No audio device"));
+    EXPECT_TRUE(buttonOf(*view, "Audio / MIDI Devices").toolTip().contains("No audio device is selected yet")
+    );
+    engine->selectDevice(state().availableDevices.get()[0]);
+    EXPECT_FALSE(shows(*view, "No audio device"));
+    EXPECT_FALSE(buttonOf(*view, "Audio / MIDI Devices").toolTip().contains("No audio device is selected yet")
+    );
+    engine->start();
+    engine->stop();
+    EXPECT_FALSE(buttonOf(*view, "Start Again").isVisible()) << "the user stopped it";
+    engine->start();
+    engine->selectDevice({7, "gone", "Gone", 2, 2, 48000.0});
+    engine->setBufferSize(64);
+    EXPECT_TRUE(buttonOf(*view, "Start Again").isVisible());
+    EXPECT_TRUE(shows(*view, "Stopped"));
+    engine->selectDevice(state().availableDevices.get()[0]);
+    buttonOf(*view, "Start Again").click();
+    EXPECT_TRUE(state().isRunning.get());
+    EXPECT_FALSE(buttonOf(*view, "Start Again").isVisible());
+}
+
 TEST_F(Mixer, StartsAndStopsOnceADeviceIsSelected) {
     EXPECT_FALSE(button("1:1").isEnabled());
     EXPECT_FALSE(button("Start").isEnabled());

@@ -170,6 +170,30 @@ TEST_F(Shell, AppliesTheCommandLine) {
     }
 }
 
+TEST_F(Shell, SelectsTheDevicesOfLastTime) {
+    const auto source = machine.addMIDISource("Pads");
+    auto window = launch({.channels = 2, .device = "virtual:interface", .masterDevice = "virtual:monitor"});
+    engine::MixerEngine& first = window->mixerRootView()->engine();
+    const std::int32_t pads = first.state().availableMIDIDevices.get().at(0).id;
+    first.selectMIDIDevice(pads);
+    window = launch({.channels = 2});
+    const auto state = [&]() -> const engine::EngineState& {
+        return window->mixerRootView()->engine().state();
+    };
+    ASSERT_TRUE(state().selectedDevice.get() && state().masterOutputDevice.get());
+    EXPECT_EQ(state().selectedDevice.get()->uid, "virtual:interface");
+    EXPECT_EQ(state().masterOutputDevice.get()->uid, "virtual:monitor");
+    EXPECT_EQ(state().selectedMIDIDeviceID.get(), pads);
+    EXPECT_FALSE(state().isRunning.get());
+    EXPECT_FALSE(window->isUnsaved());
+    window = launch({.channels = 2, .device = "virtual:monitor"});
+    EXPECT_EQ(state().selectedDevice.get()->uid, "virtual:monitor");
+    ASSERT_TRUE(preferences.setValue("orvaneDevice", "virtual:gone"));
+    window = launch({.channels = 2});
+    EXPECT_FALSE(state().selectedDevice.get());
+    EXPECT_EQ(window->findChild<QMessageBox*>(), nullptr);
+}
+
 TEST_F(Shell, AsksBeforeItClosesOverRunningAudioOrAnUnsavedSession) {
     for (const bool isRunning : {false, true})
         for (const bool isUnsaved : {false, true}) {

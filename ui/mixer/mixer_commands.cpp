@@ -9,6 +9,15 @@
 
 namespace orvane::ui {
 
+namespace {
+
+const QString devicesHelp =
+    QStringLiteral("Choose the audio device (soundcard) and MIDI input source, and set the buffer size.");
+const QString wantedHelp =
+    QStringLiteral("\nNo audio device is selected yet: click here and choose one, then press Start.");
+
+} // namespace
+
 MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) : engine(mixerEngine) {
     const auto add = [this](
                          const char* icon, const QString& label, const QKeySequence& keys,
@@ -30,9 +39,9 @@ MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) 
         QStringLiteral("Save/export the current session (routing, names, settings, and snapshots) as an "
                        ".orvane file."),
         std::move(actions.save));
-    add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma,
-        QStringLiteral("Choose the audio device (soundcard) and MIDI input source, and set the buffer size."),
+    add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma, devicesHelp,
         std::move(actions.showDeviceSettings));
+    deviceCommand = commands.back();
     add("channels", QStringLiteral("%1 Channels").arg(engine.state().channelStrips.get().size()), {},
         QStringLiteral("Change how many channels this session has. Smaller sessions use less CPU -- see the "
                        "channel-count picker's explanation."),
@@ -97,6 +106,9 @@ void MixerCommands::showDevice() {
     const bool isSelected = engine.state().selectedDevice.get().has_value();
     commands.front()->setEnabled(isSelected);
     startStop()->setEnabled(isSelected);
+    // The toolbar accents it. Its buttons follow when the tooltip changes.
+    deviceCommand->setProperty(wantedProperty, !isSelected);
+    deviceCommand->setToolTip(isSelected ? devicesHelp : devicesHelp + wantedHelp);
     showRunning();
 }
 

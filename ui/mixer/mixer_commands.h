@@ -28,12 +28,16 @@ class MixerCommands final : public QObject {
         std::function<void()> changeChannelCount;
     };
 
+    /// The property of a command that the user is expected to press next.
+    static constexpr const char* wantedProperty = "isWanted";
+
     /// `mixerEngine` must outlive them.
     MixerCommands(engine::MixerEngine& mixerEngine, Actions actions);
 
     /// The commands in the toolbar's order.
     [[nodiscard]] const std::vector<QAction*>& all() const { return commands; }
     [[nodiscard]] QAction* startStop() const { return commands.back(); }
+    [[nodiscard]] QAction* devices() const { return deviceCommand; }
     /// Choosing the scene before or after the next one, and recalling the next one.
     [[nodiscard]] const std::array<QAction*, 3>& scenes() const { return sceneCommands; }
 
@@ -48,6 +52,7 @@ class MixerCommands final : public QObject {
 
     engine::MixerEngine& engine;
     std::vector<QAction*> commands;
+    QAction* deviceCommand = nullptr;
     std::array<QAction*, 3> sceneCommands = {};
     std::vector<platform::Subscription> subscriptions;
 };

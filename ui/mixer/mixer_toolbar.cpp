@@ -10,7 +10,9 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolButton>
+#include <QVariant>
 
 namespace orvane::ui {
 
@@ -31,12 +33,24 @@ class Button final : public QToolButton {
         setFont(textFont(TextStyle::callout, QFont::Medium));
         setDefaultAction(command);
         setMinimumWidth(sizeHint().width());
+        connect(command, &QAction::changed, this, [this] { showWanted(); });
+        showWanted();
     }
 
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         if (!pressWithEnter(*this, *event) && event->key() != Qt::Key_Space)
             QToolButton::keyPressEvent(event);
+    }
+
+  private:
+    void showWanted() {
+        const QVariant isWanted = defaultAction()->property(MixerCommands::wantedProperty);
+        if (property(MixerCommands::wantedProperty) == isWanted) return;
+        setProperty(MixerCommands::wantedProperty, isWanted);
+        // Style sheets notice no change of a property.
+        style()->unpolish(this);
+        style()->polish(this);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "ui/controls/confirmation.h"
 #include "ui/controls/divider.h"
+#include "ui/mixer/audio_notice.h"
 #include "ui/mixer/channel_area.h"
 #include "ui/mixer/master_section.h"
 #include "ui/mixer/mixer_toolbar.h"
@@ -77,6 +78,7 @@ MixerView::MixerView(
     lines->setSpacing(0);
     toolbar = new MixerToolbar(sessionCommands);
     lines->addWidget(toolbar);
+    lines->addWidget(new AudioNotice(engine, *sessionCommands.devices()));
     lines->addWidget(channelArea, 1);
     lines->addWidget(makeHorizontalDivider());
     lines->addWidget(masterSection);

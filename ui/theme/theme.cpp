@@ -86,6 +86,7 @@ QString makeStyleSheet() {
         QProgressBar::chunk { background: %4; border-radius: 2px; }
         QToolButton { border: 1px solid transparent; border-radius: 4px; padding: 4px 8px; }
         QToolButton#command { padding: 4px; }
+        QToolButton#command[isWanted="true"] { background: %6; border-color: %4; }
         QFileDialog QToolButton { padding: 0; }
         QToolButton:hover, QToolButton:pressed { background: %5; }
         QToolButton:focus { border-color: %4; }

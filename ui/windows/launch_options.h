@@ -20,9 +20,9 @@ struct LaunchOptions {
     std::optional<std::filesystem::path> sessionFile = {};
     /// Number of strips; the session's, or else the remembered number, if absent.
     std::optional<std::int64_t> channels = {};
-    /// The uid of the main device.
+    /// The uid of the main device; that of last time, if it is there, if absent.
     std::optional<std::string> device = {};
-    /// The uid of a device for the master bus.
+    /// The uid of a device for the master bus; that of last time, if it is there, if absent.
     std::optional<std::string> masterDevice = {};
     /// In frames; the session's if absent.
     std::optional<std::int64_t> bufferSize = {};

@@ -201,7 +201,11 @@ QSize ORVANEApp::smallestContentHere() const {
 }
 
 void ORVANEApp::begin(MixerRootView& root) {
-    const LaunchOptions options = std::exchange(launchOptions, {});
+    LaunchOptions options = std::exchange(launchOptions, {});
+    remembered = std::make_unique<RememberedDevices>(root.engine(), parts.preferences, parts.services.log);
+    remembered->addTo(options);
+    remembered->selectMIDISource();
+    remembered->follow();
     const auto problems = selectDevices(root.engine(), parts.services.audioHardware, options);
     const auto goOn = [this, &root, options](const platform::Result<platform::Done>& applied) {
         opened = applied;

@@ -9,6 +9,7 @@
 #include "ui/mixer/session_file.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"
+#include "ui/windows/remembered_devices.h"
 #include "ui/windows/window_presenter.h"
 
 #include <QMainWindow>
@@ -16,6 +17,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -88,6 +90,7 @@ class ORVANEApp final : public QMainWindow {
     HelpWindowPresenter help;
     platform::Subscription presentationSubscription;
     QMenu* sessionMenu = nullptr;
+    std::unique_ptr<RememberedDevices> remembered;
     bool mayClose = false;
 };
 
