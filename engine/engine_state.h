@@ -36,6 +36,8 @@ struct EngineState {
     platform::Published<std::optional<plugins::CopiedPlugin>> pluginClipboard;
     platform::Published<plugins::PluginClipboardArmState> pluginClipboardArmState{
         plugins::PluginClipboardArmState::none};
+    /// Whether there is a paste to undo.
+    platform::Published<bool> canUndoPaste{false};
     platform::Published<session::MasterSettings> master;
     /// The requested device buffer size, in frames.
     platform::Published<std::int64_t> bufferSize{512};

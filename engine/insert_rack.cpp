@@ -69,6 +69,21 @@ void InsertRack::load(
     instantiate(key, {component, presetData});
 }
 
+std::optional<PluginSlot> InsertRack::captured(const PluginSlotKey& key) const {
+    const PluginSlot* const existing = record(key);
+    if (existing == nullptr) return std::nullopt;
+    PluginSlot kept = *existing;
+    capture(key, kept);
+    return kept;
+}
+
+void InsertRack::restore(const PluginSlotKey& key, const PluginSlot& slot) {
+    if (record(key) == nullptr) return;
+    unload(key);
+    editRecord(key, [&slot](PluginSlot& restored) { restored = slot; });
+    if (slot.component) restoreSlot(key, slot, plugins::availableInsertComponents(services.audioUnitHost));
+}
+
 void InsertRack::remove(const PluginSlotKey& key) {
     if (record(key) == nullptr) return;
     unload(key);
@@ -378,11 +393,8 @@ std::optional<std::string> InsertRack::followSampleRate(const PluginSlotKey& key
     }
     // What it was set to is not lost with it.
     const PluginSlot* const existing = record(key);
-    if (existing != nullptr && existing->component == identityOf(plugin->component)) {
-        PluginSlot kept = *existing;
-        capture(key, kept);
-        editRecord(key, [&kept](PluginSlot& slot) { slot = std::move(kept); });
-    }
+    if (existing != nullptr && existing->component == identityOf(plugin->component))
+        editRecord(key, [kept = captured(key)](PluginSlot& slot) { slot = *kept; });
     unload(key);
     return refuse(plugin->component, key);
 }

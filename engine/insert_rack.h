@@ -49,6 +49,10 @@ class InsertRack final {
         const platform::AVAudioUnitComponent& component, const PluginSlotKey& key,
         const PresetData& presetData
     );
+    /// The record of a slot with the present state of its live plugin; absent without the slot.
+    [[nodiscard]] std::optional<session::PluginSlot> captured(const PluginSlotKey& key) const;
+    /// Replaces a slot's record and its plugin by what the record names, settings included.
+    void restore(const PluginSlotKey& key, const session::PluginSlot& slot);
     /// Empties a slot.
     void remove(const PluginSlotKey& key);
     /// A bypassed plugin stays live; render passes skip it.

@@ -8,6 +8,7 @@
 #include "engine/insert_rack.h"
 #include "engine/midi_input.h"
 #include "engine/mix.h"
+#include "engine/paste_history.h"
 #include "engine/running_audio.h"
 #include "engine/services.h"
 #include "engine/session/channel_strip.h"
@@ -209,6 +210,8 @@ class MixerEngine final {
     void cancelClipboardArm();
     /// Copies from or pastes to a slot if that is armed; returns false if the click means something else.
     bool handleClipboardClick(std::size_t slot, const platform::Uuid& strip);
+    /// Loads again what the last paste replaced, with the settings that it had.
+    void undoPaste() { pastes.undo(); }
 
     [[nodiscard]] std::vector<plugins::NamedPreset> pluginPresets(const session::AUComponentIdentity& identity
     ) const {
@@ -309,6 +312,7 @@ class MixerEngine final {
     SnapshotList scenes{published};
     audio::MeterModel meters;
     InsertRack rack;
+    PasteHistory pastes{rack, published};
     plugins::PluginPresetStore presets;
     audio::MeterTimer meterTimer;
     StandstillWatch standstillWatch;

@@ -66,7 +66,7 @@ bool MixerEngine::handleClipboardClick(std::size_t slot, const Uuid& strip) {
     if (clicked == PluginClipboardArmState::armedForCopy) {
         copyPlugin(slot, strip);
     } else if (const auto copied = published.pluginClipboard.get()) {
-        rack.load(copied->component, {strip, slot}, copied->stateData);
+        pastes.paste(*copied, {strip, slot});
     }
     return true;
 }

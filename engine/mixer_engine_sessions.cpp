@@ -52,6 +52,7 @@ void MixerEngine::takeDocument(const session::MixerDocumentData& document) {
     mix.setMaster(document.master);
     published.pluginSlotRecallSafe.set(document.pluginSlotRecallSafe);
     rack.restoreFromStrips(RecordsFrom::session);
+    pastes.clear();
 }
 
 bool MixerEngine::changeMix(const std::function<void()>& change) {

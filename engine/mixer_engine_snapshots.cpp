@@ -58,6 +58,7 @@ void MixerEngine::recallSelected() {
     mix.editMaster([&scene](auto& master) { master.levels = scene.levels; });
     rack.restoreFromStrips(RecordsFrom::scene);
     scenes.markPlayed();
+    pastes.clear();
 }
 
 void MixerEngine::setRecallSafe(bool isSafe, std::int64_t slot) {

@@ -64,6 +64,32 @@ TEST_F(PluginOperations, MoveThroughTheClipboard) {
     EXPECT_EQ(heard(2), 2.0F);
 }
 
+TEST_F(PluginOperations, UndoPastesWithTheSettingsThatWereThere) {
+    const auto gain = [&](std::size_t slot) { return engine->pluginSettings(slot, id(0)); };
+    loadLive(stereo, 0)->gain = 2.0F;
+    loadLive(stereo, 1)->gain = 5.0F;
+    engine->setPluginBypassed(true, 1, id(0));
+    engine->copyPlugin(0, id(0));
+    engine->togglePasteArm();
+    for (const std::size_t slot : {1U, 2U, 3U})
+        EXPECT_TRUE(engine->handleClipboardClick(slot, id(0)));
+    mainThread.runPosted();
+    EXPECT_EQ(gain(1), gain(0));
+    load(mono, 3);
+    engine->undoPaste();
+    EXPECT_EQ(record(3).pluginName, mono.name) << "a plugin chosen since then stays";
+    EXPECT_TRUE(record(2).isEmpty());
+    EXPECT_TRUE(engine->state().canUndoPaste.get());
+    engine->undoPaste();
+    mainThread.runPosted();
+    EXPECT_EQ(gain(1), stateOf(5.0));
+    EXPECT_TRUE(record(1).bypassed);
+    EXPECT_FALSE(engine->state().canUndoPaste.get());
+    engine->handleClipboardClick(1, id(0));
+    engine->applyDocument(engine->makeDocumentData());
+    EXPECT_FALSE(engine->state().canUndoPaste.get()) << "the session is another one";
+}
+
 TEST_F(PluginOperations, KeepThePresetsOfAllChannelsInOneWritingOfTheFile) {
     const test::TemporaryFolder folder;
     platform::SystemAudioHardware noDevices{{}};

@@ -235,6 +235,8 @@ TEST_F(Strip, SlotTooltipsExplainAClick) {
     engine.toggleCopyArm();
     EXPECT_EQ(slot(0).toolTip(), "Click to copy \"Warmth\" (and its current settings).");
     EXPECT_EQ(slot(2).toolTip(), "Empty -- pick a slot with a plugin loaded to copy from.");
+    EXPECT_EQ(slot(0).cursor().shape(), Qt::DragCopyCursor);
+    EXPECT_EQ(slot(2).cursor().shape(), Qt::ForbiddenCursor);
     slot(0).click();
     EXPECT_EQ(slot(2).toolTip(), "Empty insert slot 3 — click to pick an installed plugin.");
     engine.togglePasteArm();
@@ -244,7 +246,9 @@ TEST_F(Strip, SlotTooltipsExplainAClick) {
     machine.mainThread.runPosted();
     EXPECT_EQ(record(2).pluginName, "Warmth");
     EXPECT_EQ(dialog(), nullptr);
+    EXPECT_EQ(slot(4).cursor().shape(), Qt::PointingHandCursor);
     engine.cancelClipboardArm();
+    EXPECT_EQ(slot(4).cursor().shape(), Qt::ArrowCursor);
 
     auto document = engine.makeDocumentData();
     document.channels[1].pluginSlots[3].pluginName = "Lost&Found";

@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QPainter>
 
+#include <utility>
 #include <variant>
 
 namespace orvane::ui {
@@ -24,6 +25,8 @@ constexpr int textSize = 11;
 constexpr int textInset = 8;
 constexpr double cornerRadius = 3.0;
 constexpr double dimmed = 0.5;
+/// The width of the outline of a slot to which the armed clipboard applies.
+constexpr double armedOutline = 2.0;
 /// The mark at the left edge of a slot with a live plugin.
 constexpr double markWidth = 3.0;
 constexpr int longestMenuText = 400;
@@ -158,7 +161,26 @@ void PluginSlotView::refresh() {
                               .arg(name.isEmpty() ? QStringLiteral("(empty)") : name));
         update();
     }
+    const plugins::PluginClipboardArmState armedNow = engine.state().pluginClipboardArmState.get();
+    if (std::exchange(armed, armedNow) != armedNow || armed != plugins::PluginClipboardArmState::none)
+        showArmed();
     if (const QString help = helpNow(); help != toolTip()) setToolTip(help);
+}
+
+bool PluginSlotView::isClipboardTarget() const {
+    using enum plugins::PluginClipboardArmState;
+    return armed == armedForPaste || (armed == armedForCopy && content == Content::loaded);
+}
+
+void PluginSlotView::showArmed() {
+    using enum plugins::PluginClipboardArmState;
+    if (armed == none)
+        unsetCursor();
+    else if (armed == armedForPaste)
+        setCursor(Qt::PointingHandCursor);
+    else
+        setCursor(isClipboardTarget() ? Qt::DragCopyCursor : Qt::ForbiddenCursor);
+    update();
 }
 
 void PluginSlotView::enterEvent(QEnterEvent* event) {
@@ -176,6 +198,10 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
     if (isDown() || underMouse()) fill = fill.lighter(isDown() ? 160 : 130);
     QPen outline(hasFocus() ? theme::accent : isFailed ? theme::red : theme::divider, 1.0);
     if (content == Content::notLive) outline.setStyle(Qt::DashLine);
+    if (isClipboardTarget()) {
+        fill = underMouse() ? theme::selection.lighter(130) : theme::selection;
+        outline = QPen(theme::accent, armedOutline);
+    }
     painter.setBrush(fill);
     painter.setPen(outline);
     painter.drawRoundedRect(box, cornerRadius, cornerRadius);

@@ -55,6 +55,10 @@ class PluginSlotView final : public QAbstractButton {
     [[nodiscard]] const plugins::PluginLoadState* loadState() const;
     [[nodiscard]] Content contentNow() const;
     [[nodiscard]] QString helpNow() const;
+    /// Whether a click now copies or pastes.
+    [[nodiscard]] bool isClipboardTarget() const;
+    /// Shows in the pointer what a click does while the clipboard is armed.
+    void showArmed();
     /// A further line with the delay that the plugin causes; empty if there is none.
     [[nodiscard]] QString latencyLine() const;
     void press();
@@ -70,6 +74,7 @@ class PluginSlotView final : public QAbstractButton {
     const platform::Uuid stripID;
     Content content = Content::empty;
     bool isBypassed = false;
+    plugins::PluginClipboardArmState armed = plugins::PluginClipboardArmState::none;
 };
 
 } // namespace orvane::ui
