@@ -22,6 +22,7 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -123,10 +124,10 @@ TEST_F(Shell, HasTheMenus) {
     );
     buttonOf(*window, "8 channels").click();
     EXPECT_THAT(
-        items().mid(2, 8),
-        ElementsAre(
-            "1:1", "Clear Outputs", "Snapshots", "Load", "Save", "Audio / MIDI Devices", "8 Channels", "Start"
-        )
+        items().mid(2, 10), ElementsAre(
+                                "1:1", "Clear Outputs", "Snapshots", "Load", "Open Recent", "Save",
+                                "Save As…", "Audio / MIDI Devices", "8 Channels", "Start"
+                            )
     );
 }
 
@@ -231,6 +232,37 @@ TEST_F(Shell, SavesInPlaceToTheSessionsFile) {
     }
     for (const auto& [name, targetDB] : targetByFile)
         EXPECT_EQ(engine::readSession(folder / name).value().master.levels.masterTargetDB, targetDB);
+}
+
+TEST_F(Shell, NamesTheSessionsFileAndOpensRecentOnes) {
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "a & b.orvane";
+    ASSERT_TRUE(engine::exportSession(sessionOf(2), path));
+    RecentFiles recent(preferences);
+    ASSERT_TRUE(recent.add(folder / "gone.orvane"));
+    auto window = launch({.session = sessionOf(2), .sessionFile = path, .channels = 2});
+    EXPECT_EQ(window->windowTitle(), "a & b.orvane[*] — ORVANE");
+    EXPECT_FALSE(window->isWindowModified());
+    window->mixerRootView()->engine().setMasterTargetDB(-3.0);
+    machine.mainThread.advance(std::chrono::seconds(2));
+    EXPECT_TRUE(window->isWindowModified());
+    window->mixerRootView()->view().commands().save()->trigger();
+    EXPECT_TRUE(hasWritten(*window));
+    EXPECT_FALSE(window->isWindowModified());
+    EXPECT_EQ(window->findChild<QFileDialog*>(), nullptr);
+    EXPECT_EQ(engine::readSession(path).value().master.levels.masterTargetDB, -3.0);
+
+    window = launch({.channels = 2});
+    EXPECT_EQ(window->windowTitle(), "ORVANE[*]");
+    EXPECT_THAT(recent.existing(), ElementsAre(path));
+    for (QMenu* menu : window->findChildren<QMenu*>())
+        if (menu->title() == "Open Recent") {
+            Q_EMIT menu->aboutToShow();
+            menu->actions().at(0)->trigger();
+        }
+    EXPECT_TRUE(hasWritten(*window));
+    EXPECT_EQ(window->windowTitle(), "a & b.orvane[*] — ORVANE");
+    EXPECT_EQ(window->mixerRootView()->engine().state().master.get().levels.masterTargetDB, -3.0);
 }
 
 TEST_F(Shell, LosesNothingOfAFileWhenItSavesInPlace) {

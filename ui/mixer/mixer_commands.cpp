@@ -18,41 +18,70 @@ const QString wantedHelp =
 
 } // namespace
 
-MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) : engine(mixerEngine) {
-    const auto add = [this](
-                         const char* icon, const QString& label, const QKeySequence& keys,
-                         const QString& help, std::function<void()> action
-                     ) { commands.push_back(make(icon, label, keys, help, std::move(action))); };
+MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, const Actions& actions) : engine(mixerEngine) {
+    addRouting(actions);
+    addFiles(actions);
+    addAudio(actions);
+    addScenes();
+    addClipboard();
+    const engine::EngineState& state = engine.state();
+    const auto follow = [this](const auto& value, void (MixerCommands::*display)()) {
+        subscriptions.push_back(value.subscribe([this, display](const auto&) { (this->*display)(); }));
+        (this->*display)();
+    };
+    follow(state.selectedDevice, &MixerCommands::showDevice);
+    follow(state.isRunning, &MixerCommands::showRunning);
+    follow(state.snapshots, &MixerCommands::showScenes);
+    follow(state.nextSnapshotIndex, &MixerCommands::showScenes);
+    follow(state.pluginClipboardArmState, &MixerCommands::showClipboard);
+    follow(state.canUndoPaste, &MixerCommands::showClipboard);
+}
+
+void MixerCommands::addRouting(const Actions& actions) {
     add("one-to-one", QStringLiteral("1:1"), {},
         QStringLiteral("Reset every channel to a straight 1:1 patch (channel N -> input N -> output N)."),
         [this] { engine.resetRoutingOneToOne(); });
     add("clear-outputs", QStringLiteral("Clear Outputs"), {},
         QStringLiteral("Set every channel's output to None, leaving inputs untouched -- a quick way to kill "
                        "all outputs, e.g. if you suspect a feedback loop."),
-        std::move(actions.clearOutputs));
+        actions.clearOutputs);
     add("snapshots", QStringLiteral("Snapshots"), Qt::CTRL | Qt::Key_L,
         QStringLiteral("Store/recall full mixer states (scenes), with MIDI trigger + Learn."),
-        std::move(actions.showSnapshots));
+        actions.showSnapshots);
+}
+
+void MixerCommands::addFiles(const Actions& actions) {
     add("load", QStringLiteral("Load"), QKeySequence::Open,
-        QStringLiteral("Load a previously saved settings file."), std::move(actions.load));
-    add("save", QStringLiteral("Save"), QKeySequence::Save,
+        QStringLiteral("Load a previously saved settings file."), actions.load);
+    saveCommand = make(
+        "save", QStringLiteral("Save"), QKeySequence::Save,
+        QStringLiteral("Save the session to its file; ask for a file if it has none."), actions.save
+    );
+    inMenu.push_back(saveCommand);
+    add("save", QStringLiteral("Save As…"), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
         QStringLiteral("Save/export the current session (routing, names, settings, and snapshots) as an "
                        ".orvane file."),
-        std::move(actions.save));
+        actions.saveAs);
+    commands.back()->setIconText(QStringLiteral("Save"));
+}
+
+void MixerCommands::addAudio(const Actions& actions) {
     add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma, devicesHelp,
-        std::move(actions.showDeviceSettings));
+        actions.showDeviceSettings);
     deviceCommand = commands.back();
     add("channels", QStringLiteral("%1 Channels").arg(engine.state().channelStrips.get().size()), {},
         QStringLiteral("Change how many channels this session has. Smaller sessions use less CPU -- see the "
                        "channel-count picker's explanation."),
-        std::move(actions.changeChannelCount));
+        actions.changeChannelCount);
     add("start", QStringLiteral("Start"), Qt::CTRL | Qt::Key_Return, {}, [this] {
         if (engine.state().isRunning.get())
             engine.stop();
         else
             engine.start();
     });
+}
 
+void MixerCommands::addScenes() {
     sceneCommands = {
         make(
             "previous", QStringLiteral("Previous Scene"), Qt::Key_F6,
@@ -69,14 +98,37 @@ MixerCommands::MixerCommands(engine::MixerEngine& mixerEngine, Actions actions) 
             QStringLiteral("Recall the scene under NEXT (F8)."), [this] { engine.recallNextSnapshot(); }
         )};
     sceneCommands.back()->setIconText(QStringLiteral("Recall"));
+    addSeparator();
+    inMenu.insert(inMenu.end(), sceneCommands.begin(), sceneCommands.end());
+}
 
-    subscriptions.push_back(engine.state().selectedDevice.subscribe([this](const auto&) { showDevice(); }));
-    subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showRunning(); }));
-    subscriptions.push_back(engine.state().snapshots.subscribe([this](const auto&) { showScenes(); }));
-    subscriptions.push_back(engine.state().nextSnapshotIndex.subscribe([this](const auto&) { showScenes(); })
+void MixerCommands::addClipboard() {
+    undoPaste = make(
+        "undo", QStringLiteral("Undo Paste"), QKeySequence::Undo,
+        QStringLiteral("Bring back what the last pasted plugin has replaced."), [this] { engine.undoPaste(); }
     );
-    showDevice();
-    showScenes();
+    cancelArm = make(
+        "clear-outputs", QStringLiteral("Cancel Copy/Paste"), Qt::Key_Escape,
+        QStringLiteral("Disarm Copy or Paste."), [this] { engine.cancelClipboardArm(); }
+    );
+    // Esc closes the windows in front.
+    cancelArm->setShortcutContext(Qt::WindowShortcut);
+    addSeparator();
+    inMenu.insert(inMenu.end(), {undoPaste, cancelArm});
+}
+
+void MixerCommands::addSeparator() {
+    auto* const separator = new QAction(this);
+    separator->setSeparator(true);
+    inMenu.push_back(separator);
+}
+
+void MixerCommands::add(
+    const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+    std::function<void()> action
+) {
+    commands.push_back(make(icon, label, keys, help, std::move(action)));
+    inMenu.push_back(commands.back());
 }
 
 QAction* MixerCommands::make(
@@ -100,6 +152,13 @@ void MixerCommands::showScenes() {
     earlier->setEnabled(next > 0);
     later->setEnabled(next + 1 < count);
     recall->setEnabled(next < count);
+}
+
+void MixerCommands::showClipboard() {
+    undoPaste->setEnabled(engine.state().canUndoPaste.get());
+    cancelArm->setEnabled(
+        engine.state().pluginClipboardArmState.get() != plugins::PluginClipboardArmState::none
+    );
 }
 
 void MixerCommands::showDevice() {

@@ -69,7 +69,8 @@ MixerView::MixerView(
           mixerEngine, {.clearOutputs = [this] { confirmClearOutputs(); },
                         .showSnapshots = [this] { showSnapshots(); },
                         .load = [this] { file.load(); },
-                        .save = [this] { save(); },
+                        .save = [this] { saveInPlace(); },
+                        .saveAs = [this] { save(); },
                         .showDeviceSettings = [this] { openSheet(new DeviceSettingsView(engine, this)); },
                         .changeChannelCount = [this] { confirmChannelCount(); }}
       ) {
@@ -100,6 +101,8 @@ MixerView::~MixerView() {
 }
 
 void MixerView::addShortcuts() {
+    for (QAction* command : sessionCommands.menu())
+        addAction(command);
     const auto add = [this](const QKeySequence& keys, auto action) {
         auto* const shortcut = new QShortcut(keys, this);
         connect(shortcut, &QShortcut::activated, this, action);
@@ -118,6 +121,11 @@ void MixerView::resizeEvent(QResizeEvent*) {
 void MixerView::save(std::function<void()> then) {
     commitEditing();
     file.save(std::move(then));
+}
+
+void MixerView::saveInPlace() {
+    commitEditing();
+    if (!file.saveInPlace()) file.save();
 }
 
 void MixerView::dragEnterEvent(QDragEnterEvent* event) {

@@ -38,6 +38,8 @@ class MixerView final : public QWidget {
     [[nodiscard]] SessionFile& sessionFile() { return file; }
     /// Commits pending edits and asks where to write the session. Calls `then` only after it was written.
     void save(std::function<void()> then = {});
+    /// Commits pending edits and writes the session to its file; asks for a file if it has none.
+    void saveInPlace();
     /// Commits a name or a value that is being typed.
     void commitEditing();
 

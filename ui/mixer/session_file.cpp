@@ -108,7 +108,7 @@ void SessionFile::save(std::function<void()> then) {
     const Document exportDocument = documentNow();
     auto* const dialog = new QFileDialog(&window, QStringLiteral("Save"), folder(), savedFilter);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->selectFile(ownFile ? savedName(*ownFile) : exportName);
+    dialog->selectFile(ownFile.get() ? savedName(*ownFile.get()) : exportName);
     connect(
         dialog, &QFileDialog::fileSelected, this,
         [this, exportDocument, then = std::move(then)](const QString& chosen) {
@@ -132,10 +132,10 @@ void SessionFile::save(std::function<void()> then) {
 }
 
 bool SessionFile::saveInPlace() {
-    if (!ownFile) return false;
+    if (!ownFile.get()) return false;
     const auto write = [this] {
         // An earlier task may have changed the session's own file.
-        if (ownFile) writeNow(*ownFile, documentNow(), ignoreOutcome);
+        if (ownFile.get()) writeNow(*ownFile.get(), documentNow(), ignoreOutcome);
     };
     whenIdle({write, {noMemoryToWrite, ignoreOutcome}});
     return true;
@@ -150,8 +150,8 @@ void SessionFile::saveTo(const std::filesystem::path& path, const Report& then) 
 }
 
 void SessionFile::setFile(std::optional<std::filesystem::path> path) {
-    ownFile = std::move(path);
-    ownStamp = ownFile ? platform::stampOf(*ownFile) : std::nullopt;
+    ownStamp = path ? platform::stampOf(*path) : std::nullopt;
+    ownFile.set(std::move(path));
 }
 
 void SessionFile::load() {
@@ -254,7 +254,7 @@ void SessionFile::inBackground(const char* text, Work work, Use use, const Short
 }
 
 void SessionFile::writeNow(const std::filesystem::path& path, const Document& document, const Report& then) {
-    const bool isOwn = ownFile && isSameFile(*ownFile, path);
+    const bool isOwn = isOwnFile(path);
     const auto objection = engine::objectionToReplacing(path, isOwn ? ownStamp : std::nullopt);
     if (!objection) return replaceNow(path, document, then);
     askToReplace(path, document, *objection, then);
@@ -283,7 +283,7 @@ void SessionFile::askToReplace(
 void SessionFile::replaceNow(
     const std::filesystem::path& path, const Document& document, const Report& then
 ) {
-    const bool isOwn = ownFile && isSameFile(*ownFile, path);
+    const bool isOwn = isOwnFile(path);
     std::vector<session::ChannelSettingsData> kept;
     if (isOwn) kept = channelsBeyond;
     inBackground(
@@ -291,10 +291,10 @@ void SessionFile::replaceNow(
         [document, path, kept = std::move(kept)] { return engine::exportSession(*document, path, kept); },
         [this, path, document, isOwn, then](const Written& written) {
             if (written) {
-                setFile(path);
                 if (!isOwn) channelsBeyond.clear();
                 // If memory runs out, the session counts as unsaved.
                 platform::runUnlessOutOfMemory([this, &document] { saved.set(*document); });
+                setFile(path);
             }
             conclude(written, then);
         },
@@ -327,8 +327,8 @@ void SessionFile::offer(
     const auto replace = [this, path, stamp, document] {
         apply(document, [this, path, stamp](const Written& applied) {
             if (!applied) return;
-            ownFile = path;
             ownStamp = stamp;
+            ownFile.set(path);
             channelArea.setFileErrorMessage(std::nullopt);
         });
     };
@@ -343,7 +343,7 @@ void SessionFile::apply(const Document& document, const Report& then) {
         const auto loaded = engine.loadDocument(*document);
         if (loaded) {
             channelsBeyond = std::move(beyond);
-            ownFile.reset();
+            ownFile.set(std::nullopt);
             // If memory runs out here, the session counts as unsaved.
             platform::runUnlessOutOfMemory([this] { setSaved(); });
             platform::runUnlessOutOfMemory([this] { showMissingPlugins(); });
@@ -364,8 +364,12 @@ void SessionFile::showMissingPlugins() {
     if (!missing.isEmpty()) showAlert(&window, missingTitle, missingText.arg(missing.join(QChar(u'\n'))));
 }
 
+bool SessionFile::isOwnFile(const std::filesystem::path& path) const {
+    return ownFile.get() && isSameFile(*ownFile.get(), path);
+}
+
 QString SessionFile::folder() const {
-    return ownFile ? toName(ownFile->parent_path()) : QString();
+    return ownFile.get() ? toName(ownFile.get()->parent_path()) : QString();
 }
 
 SessionFile::Document SessionFile::documentNow() const {

@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "engine/session/mixer_document_data.h"
+#include "platform/base/published.h"
 #include "platform/base/result.h"
 #include "platform/files/file_stamp.h"
 #include "ui/mixer/saved_session.h"
@@ -64,6 +65,11 @@ class SessionFile final : public QObject {
     [[nodiscard]] bool isUnsaved() const;
     /// Marks the current session as saved.
     void setSaved();
+    /// The session's own file: the one that it was opened from or last saved to; absent if there is none.
+    /// Published after every load and save.
+    [[nodiscard]] const platform::Published<std::optional<std::filesystem::path>>& ownPath() const {
+        return ownFile;
+    }
     /// Sets the file that the session was opened from, if any.
     void setFile(std::optional<std::filesystem::path> path);
 
@@ -81,6 +87,7 @@ class SessionFile final : public QObject {
     [[nodiscard]] Document documentNow() const;
     /// The initial folder of dialogs: that of the session's own file.
     [[nodiscard]] QString folder() const;
+    [[nodiscard]] bool isOwnFile(const std::filesystem::path& path) const;
     void showMissingPlugins();
     /// Runs `task` once no other task is in progress.
     void whenIdle(Task task);
@@ -118,7 +125,7 @@ class SessionFile final : public QObject {
     QWidget& window;
     ChannelArea& channelArea;
     SavedSession saved;
-    std::optional<std::filesystem::path> ownFile;
+    platform::Published<std::optional<std::filesystem::path>> ownFile;
     /// The stamp of the own file when it was last read or written.
     std::optional<platform::FileStamp> ownStamp;
     /// The channels of the own file beyond the mixer's strips; they stay in the file.

@@ -3,6 +3,7 @@
 #include "ui/controls/confirmation.h"
 #include "ui/controls/screen_room.h"
 #include "ui/mixer/mixer_view.h"
+#include "ui/mixer/session_names.h"
 #include "ui/windows/channel_count_picker_view.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <memory>
 #include <string_view>
@@ -28,6 +30,8 @@ constexpr std::string_view channelCountKey = "orvaneChannelCount";
 constexpr std::string_view windowKey = "orvaneWindow";
 constexpr std::string_view presentationKey = "orvanePresentation";
 constexpr std::string_view logCategory = "application";
+/// How often the title is marked or unmarked as unsaved; each check asks every plugin for its state.
+constexpr auto changesInterval = std::chrono::seconds(2);
 
 const QString supportAddress = QStringLiteral("support@orvane.example");
 
@@ -43,8 +47,8 @@ ORVANEApp::ORVANEApp(Parts applicationParts, LaunchOptions options)
     : parts(std::move(applicationParts)),
       launchOptions(std::move(options)),
       channels(channelCountFor(launchOptions).value_or(storedChannelCount(parts.preferences))) {
-    setWindowTitle(QStringLiteral("ORVANE"));
     addMenus();
+    connect(recentMenu, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
     showContent();
     const auto geometry = parts.preferences.value(windowKey);
     if (!geometry || !restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*geometry))))
@@ -179,17 +183,21 @@ void ORVANEApp::showContent() {
     // Qt deletes the old content later, after its own event handlers have returned.
     setCentralWidget(content);
     content->setFocus();
+    setWindowTitle(QStringLiteral("ORVANE[*]"));
+    setWindowModified(false);
+    changesTimer.reset();
     sessionMenu->clear();
     sessionMenu->menuAction()->setVisible(root != nullptr);
     if (root == nullptr) return;
-    for (QAction* command : root->view().commands().all())
+    const MixerCommands& commands = root->view().commands();
+    for (QAction* command : commands.menu())
         sessionMenu->addAction(command);
+    sessionMenu->insertMenu(commands.save(), recentMenu);
     sessionMenu->addSeparator();
     sessionMenu->addAction(root->view().presentationCommand());
     rememberPresentation(root->view().presentation());
-    for (QAction* command : root->view().commands().scenes())
-        sessionMenu->addAction(command);
     begin(*root);
+    followFile(*root);
 }
 
 QSize ORVANEApp::smallestContentHere() const {
@@ -222,6 +230,39 @@ void ORVANEApp::begin(MixerRootView& root) {
     else
         goOn(platform::Done{});
     showProblems(problems);
+}
+
+void ORVANEApp::followFile(MixerRootView& root) {
+    const auto& file = root.view().sessionFile().ownPath();
+    const auto show = [this](const std::optional<std::filesystem::path>& path) {
+        setWindowTitle(
+            path ? QStringLiteral("%1[*] — ORVANE").arg(toName(path->filename()))
+                 : QStringLiteral("ORVANE[*]")
+        );
+        setWindowModified(isUnsaved());
+        if (!path) return;
+        const auto kept = recentFiles.add(*path);
+        if (!kept)
+            parts.services.log.post(platform::LogLevel::error, logCategory, {kept.error().description});
+    };
+    toFile = file.subscribe(show);
+    show(file.get());
+    changesTimer =
+        parts.services.mainThread.repeat(changesInterval, [this] { setWindowModified(isUnsaved()); });
+}
+
+void ORVANEApp::fillRecentMenu() {
+    recentMenu->clear();
+    for (const std::filesystem::path& file : recentFiles.existing()) {
+        QString text = QStringLiteral("%1 (%2)").arg(toName(file.filename()), toName(file.parent_path()));
+        recentMenu->addAction(text.replace(QChar(u'&'), QStringLiteral("&&")), this, [this, file] {
+            MixerRootView* const root = mixerRootView();
+            if (root == nullptr) return;
+            root->view().commitEditing();
+            root->view().sessionFile().loadFrom(file);
+        });
+    }
+    if (recentMenu->isEmpty()) recentMenu->addAction(QStringLiteral("No recent sessions"))->setEnabled(false);
 }
 
 void ORVANEApp::setChannelCount(std::int64_t count) {

@@ -9,10 +9,12 @@
 #include "ui/mixer/session_file.h"
 #include "ui/windows/launch_options.h"
 #include "ui/windows/mixer_root_view.h"
+#include "ui/windows/recent_files.h"
 #include "ui/windows/remembered_devices.h"
 #include "ui/windows/window_presenter.h"
 
 #include <QMainWindow>
+#include <QMenu>
 
 #include <cstdint>
 #include <filesystem>
@@ -76,6 +78,9 @@ class ORVANEApp final : public QMainWindow {
     void setChannelCount(std::int64_t count);
     /// Restores the presentation that the user chose last, and remembers later choices.
     void rememberPresentation(Presentation& presentation);
+    /// Shows the session's file, and whether it has unsaved changes, in the title.
+    void followFile(MixerRootView& root);
+    void fillRecentMenu();
     void remember(std::string_view key, std::string_view value);
     void writeToSupport();
     /// Closes without asking.
@@ -90,7 +95,11 @@ class ORVANEApp final : public QMainWindow {
     HelpWindowPresenter help;
     platform::Subscription presentationSubscription;
     QMenu* sessionMenu = nullptr;
+    QMenu* const recentMenu = new QMenu(QStringLiteral("Open Recent"), this);
+    RecentFiles recentFiles{parts.preferences};
     std::unique_ptr<RememberedDevices> remembered;
+    platform::Subscription toFile;
+    std::unique_ptr<platform::MainThreadTimer> changesTimer;
     bool mayClose = false;
 };
 
