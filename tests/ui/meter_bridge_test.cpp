@@ -49,6 +49,8 @@ TEST_F(Bridge, CountsAChannelAsOpenIfItIsHeard) {
     EXPECT_THAT(open(), ElementsAre(true, false, false)) << "turned down; silent at unity";
     tick({-60, -20, -39}, {0, 6, 26});
     EXPECT_THAT(open(), ElementsAre(true, true, false)) << "a gap between syllables";
+    tick({-20, -20, -20}, {9, 9, 16});
+    EXPECT_THAT(open(), ElementsAre(true, true, false)) << "as many as the limit of open microphones allows";
     engine.setBypassed(strip(2), true);
     engine.setMuted(strip(1), true);
     EXPECT_THAT(open(), ElementsAre(true, false, true));

@@ -1,6 +1,7 @@
 #include "ui/bridge/open_channels.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace orvane::ui {
@@ -11,7 +12,7 @@ namespace {
 constexpr double smallestSignal = 0.01;
 /// Half a second at 30 ticks per second.
 constexpr int holdTicks = 15;
-constexpr double largestReductionDB = 6.0;
+constexpr double openWithinDB = 6.0;
 
 double valueAt(const std::vector<double>& values, std::size_t channel) {
     return channel < values.size() ? values[channel] : 0.0;
@@ -44,16 +45,23 @@ void OpenChannels::listen() {
 }
 
 void OpenChannels::decide() {
+    double least = std::numeric_limits<double>::max();
+    for (std::size_t channel = 0; channel < signalTicks.size(); ++channel)
+        if (sounds(channel)) least = std::min(least, reductionOf(channel).value_or(least));
     std::vector<bool> now(signalTicks.size());
     for (std::size_t channel = 0; channel < now.size(); ++channel)
-        now[channel] = isOpen(channel);
+        now[channel] = sounds(channel) && reductionOf(channel).value_or(least) <= least + openWithinDB;
     if (now != open.get()) open.set(std::move(now));
 }
 
-bool OpenChannels::isOpen(std::size_t channel) const {
-    const session::ChannelStrip& strip = engineState.channelStrips.get()[channel];
-    if (!engineState.isRunning.get() || strip.muted || signalTicks[channel] == 0) return false;
-    return strip.bypassed || valueAt(meters.channelGainReductionDB.get(), channel) <= largestReductionDB;
+bool OpenChannels::sounds(std::size_t channel) const {
+    return engineState.isRunning.get() && signalTicks[channel] > 0
+           && !engineState.channelStrips.get()[channel].muted;
+}
+
+std::optional<double> OpenChannels::reductionOf(std::size_t channel) const {
+    if (engineState.channelStrips.get()[channel].bypassed) return std::nullopt;
+    return valueAt(meters.channelGainReductionDB.get(), channel);
 }
 
 } // namespace orvane::ui

@@ -5,6 +5,7 @@
 #include "platform/base/published.h"
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace orvane::ui {
@@ -14,7 +15,9 @@ namespace orvane::ui {
 /// - the audio runs and the channel is not muted,
 /// - its output reached the quiet end of the level meters, -40 dB, within the last half second, which spans
 ///   the gaps between syllables, and
-/// - the automix turns it down by at most 6 dB, or the channel is bypassed and thus out of the automix.
+/// - the automix turns it down by at most 6 dB more than the least reduced channel with a signal (0 dB,
+/// unless
+///   it limits the number of open microphones), or the channel is bypassed and thus out of the automix.
 /// In pauses the automix leaves silent channels at unity gain; they are not open. Main thread.
 class OpenChannels final {
   public:
@@ -27,7 +30,10 @@ class OpenChannels final {
   private:
     void listen();
     void decide();
-    [[nodiscard]] bool isOpen(std::size_t channel) const;
+    /// Whether a channel that is not muted has a signal.
+    [[nodiscard]] bool sounds(std::size_t channel) const;
+    /// How far the automix turns a channel down; absent for bypassed channels.
+    [[nodiscard]] std::optional<double> reductionOf(std::size_t channel) const;
 
     const engine::EngineState& engineState;
     const audio::MeterModel& meters;

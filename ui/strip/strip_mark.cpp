@@ -28,10 +28,9 @@ QColor colorFor(const StripMark::State& state) {
 
 StripMark::StripMark(QWidget* parent) : QWidget(parent) {
     setAccessibleName(QStringLiteral("Open mark"));
-    setToolTip(QStringLiteral(
-        "Filled while this channel is open: it is not muted, has a signal, and the automix turns it "
-        "down by at most 6 dB or is bypassed."
-    ));
+    setToolTip(QStringLiteral("Filled while this channel is open: it has a signal, is not muted, and the "
+                              "automix turns it down by at "
+                              "most 6 dB more than the channel that it turns down least."));
     setState({});
 }
 
