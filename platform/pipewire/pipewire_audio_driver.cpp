@@ -49,7 +49,7 @@ PipeWireAudioDriver::open(std::string_view uid, bool enableInput, AudioStreamCli
     if (!device) return kAudioHardwareBadDeviceError;
     if (!enableInput) device->inputPorts.clear();
     return PipeWireStream::open(
-        state->graph, state->devices, *device, state->devices.requestedLength(uid), client
+        state->graph, state->devices, *std::move(device), state->devices.requestedLength(uid), client
     );
 }
 

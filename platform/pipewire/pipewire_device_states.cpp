@@ -20,6 +20,7 @@ std::vector<AudioDriverDevice> PipeWireDeviceStates::list() {
     for (auto& [uid, state] : watched)
         if (!state.isAlive && isAlive(uid, devices)) state = {true, cyclesOf(uid)};
     std::vector<AudioDriverDevice> listed;
+    listed.reserve(devices.size());
     for (const PipeWireDevice& device : devices)
         listed.push_back(
             {device.uid, device.name, device.inputPorts.size(), device.outputPorts.size(),

@@ -49,6 +49,7 @@ std::vector<Side> sidesOf(const PipeWireObjects& objects) {
     const auto inOrder = [&objects](std::vector<Numbered>& numbered) {
         std::ranges::sort(numbered);
         std::vector<PipeWireDevicePort> ports;
+        ports.reserve(numbered.size());
         for (const auto& [number, id] : numbered) {
             const PipeWirePort& port = objects.ports.at(id);
             ports.push_back({id, port.node, port.serial});

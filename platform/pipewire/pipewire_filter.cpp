@@ -19,6 +19,7 @@ std::vector<ObjectId> portsOf(const PipeWireObjects& objects, ObjectId node, boo
         if (port.node == node && port.isOutput == isOutput) numbered.emplace_back(port.number, id);
     std::ranges::sort(numbered);
     std::vector<ObjectId> ids;
+    ids.reserve(numbered.size());
     for (const auto& [number, id] : numbered)
         ids.push_back(id);
     return ids;

@@ -115,7 +115,7 @@ void PipeWireMIDIOwnSource::process(void* self, const spa_io_position&) noexcept
     auto& source = *static_cast<PipeWireMIDIOwnSource*>(self);
     pw_buffer* const filled = pw_filter_dequeue_buffer(source.port);
     if (filled == nullptr) return;
-    spa_data& data = filled->buffer->datas[0];
+    const spa_data& data = filled->buffer->datas[0];
     spa_pod_builder builder{};
     spa_pod_builder_init(&builder, data.data, data.maxsize);
     spa_pod_frame frame{};

@@ -32,21 +32,23 @@ std::int64_t nanosecondsNow() noexcept {
 } // namespace
 
 Result<std::unique_ptr<AudioStream>, OSStatus> PipeWireStream::open(
-    PipeWireGraph& graph, PipeWireDeviceStates& states, const PipeWireDevice& device,
+    PipeWireGraph& graph, PipeWireDeviceStates& states, PipeWireDevice device,
     std::optional<std::uint32_t> frameCount, AudioStreamClient& client
 ) {
-    std::unique_ptr<PipeWireStream> stream(new PipeWireStream(graph, states, device, frameCount, client));
+    std::unique_ptr<PipeWireStream> stream(
+        new PipeWireStream(graph, states, std::move(device), frameCount, client)
+    );
     if (!stream->prepare()) return kAudioHardwareBadDeviceError;
     return std::unique_ptr<AudioStream>(std::move(stream));
 }
 
 PipeWireStream::PipeWireStream(
-    PipeWireGraph& ofServer, PipeWireDeviceStates& deviceStates, const PipeWireDevice& device,
+    PipeWireGraph& ofServer, PipeWireDeviceStates& deviceStates, PipeWireDevice device,
     std::optional<std::uint32_t> frameCount, AudioStreamClient& cycleClient
 )
     : graph(ofServer),
       states(deviceStates),
-      linked(device),
+      linked(std::move(device)),
       requested(frameCount.value_or(0)),
       streamClient(cycleClient),
       silence(longestCycleInFrames, 0.0F),
@@ -72,10 +74,10 @@ bool PipeWireStream::prepare() {
 
 template <class Sample>
 bool PipeWireStream::Side<Sample>::addPorts(
-    PipeWireFilter& node, spa_direction direction, std::size_t count, const char* kind
+    PipeWireFilter& filter, spa_direction direction, std::size_t count, const char* kind
 ) {
     for (std::size_t channel = 0; channel < count; ++channel) {
-        ports.push_back(node.addPort(direction, kind + std::to_string(channel + 1), audioFormat));
+        ports.push_back(filter.addPort(direction, kind + std::to_string(channel + 1), audioFormat));
         if (ports.back() == nullptr) return false;
     }
     buffers.resize(count);

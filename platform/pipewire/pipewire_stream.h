@@ -43,7 +43,7 @@ class PipeWireStream final : public AudioStream {
     /// anything. Wakes the graph when its cycles change. `states`, which knows the stream until it is
     /// destroyed, must outlive it.
     static Result<std::unique_ptr<AudioStream>, OSStatus> open(
-        PipeWireGraph& graph, PipeWireDeviceStates& states, const PipeWireDevice& device,
+        PipeWireGraph& graph, PipeWireDeviceStates& states, PipeWireDevice device,
         std::optional<std::uint32_t> frameCount, AudioStreamClient& client
     );
     ~PipeWireStream() override;
@@ -70,14 +70,14 @@ class PipeWireStream final : public AudioStream {
         std::vector<Sample*> buffers;
         std::vector<std::span<Sample>> blocks;
 
-        bool addPorts(PipeWireFilter& node, spa_direction direction, std::size_t count, const char* kind);
+        bool addPorts(PipeWireFilter& filter, spa_direction direction, std::size_t count, const char* kind);
         ORVANE_REALTIME void takeBuffers(std::uint32_t frameCount) noexcept;
         /// Ports that the server provides no buffer for have `spare`.
         ORVANE_REALTIME void select(std::size_t first, std::size_t count, Sample* spare) noexcept;
     };
 
     PipeWireStream(
-        PipeWireGraph& ofServer, PipeWireDeviceStates& deviceStates, const PipeWireDevice& device,
+        PipeWireGraph& ofServer, PipeWireDeviceStates& deviceStates, PipeWireDevice device,
         std::optional<std::uint32_t> frameCount, AudioStreamClient& cycleClient
     );
     bool prepare();
