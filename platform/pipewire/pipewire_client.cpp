@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <tuple>
 #include <utility>
 
@@ -76,6 +77,9 @@ bool PipeWireClient::connect() {
     }();
     if (isConnected()) return true;
     disconnect();
+    // libpipewire asks the C library for the user's name, which answers one thread at a time.
+    static std::mutex connecting;
+    const std::scoped_lock oneAtATime(connecting);
     if (!isPipeWireRunning() || !makeContext()) return false;
     connection = pw_context_connect(context, pw_properties_new(PW_KEY_APP_NAME, programName, nullptr), 0);
     if (connection == nullptr) return false;

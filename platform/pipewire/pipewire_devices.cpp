@@ -8,7 +8,6 @@
 #include <iterator>
 #include <map>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 namespace orvane::platform::pipewire {
@@ -57,9 +56,10 @@ std::vector<Side> sidesOf(const PipeWireObjects& objects) {
         return ports;
     };
     std::vector<Side> sides;
+    sides.reserve(portsOf.size());
     for (auto& [id, ports] : portsOf)
         sides.push_back({&objects.nodes.at(id), inOrder(ports.first), inOrder(ports.second)});
-    std::ranges::sort(sides, {}, [](const Side& side) { return std::tie(side.node->name); });
+    std::ranges::sort(sides, {}, [](const Side& side) { return std::string_view(side.node->name); });
     return sides;
 }
 
