@@ -2,6 +2,7 @@
 
 #include "platform/base/memory_shortage.h"
 #include "ui/controls/accessible_controls.h"
+#include "ui/meters/accessible_meters.h"
 #include "ui/theme/theme.h"
 
 namespace orvane::ui {
@@ -9,6 +10,7 @@ namespace orvane::ui {
 Application::Application(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
     applyTheme(*this);
     makeControlsAccessible();
+    makeMetersAccessible();
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {

@@ -232,7 +232,7 @@ TEST_F(Interface, ExplainsEveryControlWithItsOwnHelp) {
     for (const auto& [name, help] : helps) {
         int explained = 0;
         for (const QWidget* each : widgets) {
-            if (each->accessibleName() != name && each->property("text") != QString(name)) continue;
+            if (!isNamed(*each, name) && each->property("text") != QString(name)) continue;
             if (each->toolTip().isEmpty()) continue;
             EXPECT_TRUE(each->toolTip().startsWith(help)) << name << ": " << each->toolTip().toStdString();
             ++explained;

@@ -91,7 +91,7 @@ TEST(Meters, FadeWhileTheAudioIsStopped) {
     audio::MeterModel model(1);
     platform::Published<bool> isRunning(true);
     ChannelMeterColumn strip(model, 0, isRunning);
-    WideMeterColumn master(model.masterMeter, isRunning);
+    WideMeterColumn master("Master level", model.masterMeter, isRunning);
     for (QWidget* column : {static_cast<QWidget*>(&strip), static_cast<QWidget*>(&master)}) {
         column->show();
         isRunning.set(true);

@@ -66,7 +66,7 @@ class Mixer : public testing::Test {
     std::vector<int> inSight() {
         std::vector<int> numbers;
         for (const ChannelStripView* strip : viewsIn<ChannelStripView>(*view))
-            if (strip->isVisible()) numbers.push_back(strip->accessibleName().mid(8).toInt());
+            if (strip->isVisible()) numbers.push_back(strip->accessibleName().mid(3).toInt());
         std::ranges::sort(numbers);
         return numbers;
     }
@@ -190,7 +190,7 @@ TEST_F(Mixer, TurnsThePages) {
     QTest::keyClick(view.get(), Qt::Key_PageDown);
     EXPECT_EQ(inSight().front(), 33);
     EXPECT_EQ(inSight().back(), 40);
-    EXPECT_EQ(button("33-40").accessibleDescription(), "On");
+    EXPECT_TRUE(button("33-40").isChecked());
     button("32 (2 Rows)").click();
     EXPECT_EQ(inSight().front(), 33) << "the last of two pages";
     QTest::keyClick(view.get(), Qt::Key_PageUp);

@@ -28,11 +28,16 @@ std::vector<View*> viewsIn(const QWidget& view) {
     return found;
 }
 
+/// Whether a view has this accessible name, with or without its channel.
+inline bool isNamed(const QWidget& view, const QString& name) {
+    return view.accessibleName() == name || view.accessibleName().startsWith(name + ", channel ");
+}
+
 /// The view of this class and accessible name, visible or not; it must exist.
 template <class View>
 View& viewNamed(const QWidget& within, const QString& name) {
     for (View* each : viewsIn<View>(within))
-        if (each->accessibleName() == name) return *each;
+        if (isNamed(*each, name)) return *each;
     throw std::runtime_error("There is no " + name.toStdString());
 }
 
@@ -98,7 +103,7 @@ inline void turnWheelAt(QWidget& widget, std::uint64_t milliseconds) {
 /// The button with this accessible name or text, visible or not; it must exist.
 inline QAbstractButton& buttonOf(const QWidget& view, const QString& name) {
     for (QAbstractButton* button : view.findChildren<QAbstractButton*>())
-        if (button->accessibleName() == name || button->text() == name) return *button;
+        if (isNamed(*button, name) || button->text() == name) return *button;
     throw std::runtime_error("There is no button " + name.toStdString());
 }
 

@@ -1,9 +1,12 @@
 #include "ui/controls/accessible_controls.h"
 
+#include "ui/controls/console_button.h"
+#include "ui/controls/control_group.h"
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QAccessibleWidget>
 
@@ -32,11 +35,42 @@ class AccessibleFader final : public QAccessibleWidget, public QAccessibleValueI
     Fader& fader;
 };
 
+/// Presents a button that may be on or off. Assistive tools press it as the user does, because its owner
+/// decides on the state.
+class AccessibleButton final : public QAccessibleWidget {
+  public:
+    explicit AccessibleButton(QAbstractButton* shown) : QAccessibleWidget(shown), button(*shown) {}
+
+    [[nodiscard]] QAccessible::Role role() const override {
+        if (!button.isCheckable()) return QAccessible::Button;
+        const bool isChoice = dynamic_cast<const SegmentedPicker*>(button.parentWidget()) != nullptr;
+        return isChoice ? QAccessible::RadioButton : QAccessible::CheckBox;
+    }
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = button.isCheckable();
+        state.checked = button.isChecked();
+        return state;
+    }
+    [[nodiscard]] QStringList actionNames() const override {
+        return {button.isCheckable() ? toggleAction() : pressAction()};
+    }
+    void doAction(const QString& name) override {
+        if (actionNames().contains(name)) button.click();
+    }
+
+  private:
+    QAbstractButton& button;
+};
+
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* const fader = dynamic_cast<VerticalFader*>(object)) return new AccessibleFader(fader);
     if (auto* const slider = dynamic_cast<ValueSlider*>(object)) return new AccessibleFader(slider);
-    if (auto* const picker = dynamic_cast<SegmentedPicker*>(object))
-        return new QAccessibleWidget(picker, QAccessible::Grouping);
+    if (auto* const group = dynamic_cast<ControlGroup*>(object))
+        return new QAccessibleWidget(group, QAccessible::Grouping);
+    if (auto* const button = qobject_cast<QAbstractButton*>(object);
+        button != nullptr && (button->isCheckable() || dynamic_cast<ConsoleButton*>(object) != nullptr))
+        return new AccessibleButton(button);
     return nullptr;
 }
 

@@ -36,10 +36,8 @@ ConsoleButton::ConsoleButton(const QString& title, std::function<void()> onPress
 }
 
 void ConsoleButton::setActive(bool isOn) {
-    if (isOn == active) return;
-    active = isOn;
-    setAccessibleDescription(active ? QStringLiteral("On") : QString());
-    update();
+    setCheckable(true);
+    setChecked(isOn);
 }
 
 QSize ConsoleButton::sizeHint() const {
@@ -51,6 +49,7 @@ QSize ConsoleButton::sizeHint() const {
 void ConsoleButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    const bool active = isActive();
     QColor fill = active ? activeColor.darker(170) : theme::raised;
     if (isEnabled() && (isDown() || underMouse())) fill = fill.lighter(isDown() ? 140 : 115);
     // On a highlighted button, the focus outline is always white.
@@ -58,8 +57,12 @@ void ConsoleButton::paintEvent(QPaintEvent*) {
     const QColor lit = hasFocus() ? theme::primaryText : activeColor;
     const QColor outline = active ? lit : plain;
     painter.setBrush(fill);
-    painter.setPen(QPen(outline, 1.0));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    const double penWidth = hasFocus() ? theme::focusWidth : 1.0;
+    const double inset = penWidth / 2.0;
+    painter.setPen(QPen(outline, penWidth));
+    painter.drawRoundedRect(
+        QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius
+    );
     // Shows the state without colours, too.
     if (active)
         painter.fillRect(

@@ -17,7 +17,8 @@ class ConsoleButton final : public QAbstractButton {
         const QString& title, std::function<void()> onPress = {}, QWidget* parent = nullptr
     );
 
-    [[nodiscard]] bool isActive() const { return active; }
+    [[nodiscard]] bool isActive() const { return isChecked(); }
+    /// Makes the button one that can be on or off.
     void setActive(bool isOn);
     /// The highlight colour of an active button; the theme's accent by default.
     void setActiveColor(const QColor& color) { activeColor = color; }
@@ -25,11 +26,12 @@ class ConsoleButton final : public QAbstractButton {
     [[nodiscard]] QSize sizeHint() const override;
 
   protected:
+    /// A press changes nothing by itself; the owner of the state does.
+    void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    bool active = false;
     QColor activeColor;
 };
 

@@ -1,5 +1,6 @@
 #include "ui/controls/segmented_picker.h"
 
+#include "ui/controls/own_keys.h"
 #include "ui/theme/theme.h"
 
 #include <QAbstractButton>
@@ -45,7 +46,9 @@ class Segment final : public QAbstractButton {
         QColor fill = isChecked() ? checkedFill : theme::raised;
         if (isEnabled() && underMouse()) fill = fill.lighter(115);
         painter.setBrush(fill);
-        painter.setPen(QPen(parentWidget()->hasFocus() ? theme::accent : theme::divider, 1.0));
+        painter.setPen(
+            parentWidget()->hasFocus() ? QPen(theme::accent, theme::focusWidth) : QPen(theme::divider, 1.0)
+        );
         painter.drawRoundedRect(outline, cornerRadius, cornerRadius);
         if (!isFirst) painter.drawLine(QPointF(0.5, 1.0), QPointF(0.5, height() - 1.0));
         painter.setPen(isChecked() ? theme::primaryText : theme::secondaryText);
@@ -63,7 +66,7 @@ class Segment final : public QAbstractButton {
 SegmentedPicker::SegmentedPicker(
     const QString& name, const QStringList& choices, std::function<void(int)> onChoose, QWidget* parent
 )
-    : QWidget(parent), changed(std::move(onChoose)) {
+    : ControlGroup(parent), changed(std::move(onChoose)) {
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     auto* const row = new QHBoxLayout(this);
@@ -89,6 +92,10 @@ void SegmentedPicker::setCurrent(int choice) {
 
 void SegmentedPicker::setNeutral(int choice) {
     static_cast<Segment&>(segment(choice)).setNeutral();
+}
+
+bool SegmentedPicker::event(QEvent* event) {
+    return claimsArrow(*event) || QWidget::event(event);
 }
 
 void SegmentedPicker::keyPressEvent(QKeyEvent* event) {

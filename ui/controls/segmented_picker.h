@@ -1,7 +1,8 @@
 #pragma once
 
+#include "ui/controls/control_group.h"
+
 #include <QStringList>
-#include <QWidget>
 
 #include <functional>
 #include <vector>
@@ -11,7 +12,7 @@ class QAbstractButton;
 namespace orvane::ui {
 
 /// A few choices, all visible side by side. The arrow keys move between them.
-class SegmentedPicker final : public QWidget {
+class SegmentedPicker final : public ControlGroup {
   public:
     /// `onChoose` receives the index of the user's choice. `name`: for screen readers.
     SegmentedPicker(
@@ -32,6 +33,7 @@ class SegmentedPicker final : public QWidget {
     }
 
   protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:

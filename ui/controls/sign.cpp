@@ -23,7 +23,7 @@ void paintSign(QWidget& control, const QString& text, bool isSet) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor fill = isSet ? theme::raised : theme::well;
     painter.setBrush(control.underMouse() ? fill.lighter(115) : fill);
-    painter.setPen(QPen(control.hasFocus() ? theme::accent : theme::divider, 1.0));
+    painter.setPen(control.hasFocus() ? QPen(theme::accent, theme::focusWidth) : QPen(theme::divider, 1.0));
     painter.drawRoundedRect(
         QRectF(control.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius
     );

@@ -1,5 +1,6 @@
 #include "ui/controls/value_slider.h"
 
+#include "ui/controls/own_keys.h"
 #include "ui/theme/theme.h"
 
 #include <QKeyEvent>
@@ -74,6 +75,10 @@ void ValueSlider::paintEvent(QPaintEvent* event) {
         QRectF(std::min(origin, end), middle - grooveHeight / 2.0, std::abs(end - origin), grooveHeight),
         theme::accent
     );
+}
+
+bool ValueSlider::event(QEvent* event) {
+    return claimsArrow(*event) || QSlider::event(event);
 }
 
 void ValueSlider::mousePressEvent(QMouseEvent* event) {

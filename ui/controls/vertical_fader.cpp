@@ -82,7 +82,7 @@ void VerticalFader::paintEvent(QPaintEvent*) {
     }
     const QRectF thumb = bar(positionOf(current), style.thumbWidth, style.thumbHeight);
     painter.setBrush(theme::secondaryText);
-    painter.setPen(QPen(hasFocus() ? theme::accent : theme::well, outlineWidth));
+    painter.setPen(hasFocus() ? QPen(theme::accent, theme::focusWidth) : QPen(theme::well, outlineWidth));
     painter.drawRoundedRect(thumb, 3.0, 3.0);
     painter.setPen(QPen(theme::well, outlineWidth));
     painter.drawLine(

@@ -1,10 +1,12 @@
 #include "ui/meters/meters.h"
 
+#include "dsp/decibels.h"
 #include "ui/theme/theme.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace orvane::ui {
@@ -37,10 +39,31 @@ constexpr int wideScaleHeight = 10;
 constexpr const char* reductionHelp =
     "Gain reduction -- how far the automix is currently holding this channel below unity, in dB.";
 
+// The ranges of the meters.
+constexpr double lowestLevelDB = -40.0;
+constexpr double highestLevelDB = 6.0;
+constexpr double highestReductionDB = 30.0;
+
+QString writeDecibels(double value) {
+    return QStringLiteral("%1 dB").arg(std::lround(value));
+}
+
 } // namespace
 
 MeterView::MeterView(int segmentCount, std::optional<QColor> tint, QWidget* parent)
     : SegmentMeter(segmentCount, {}, parent), tintColor(tint) {}
+
+void MeterView::setLevel(double level) {
+    shown = level;
+    setLit(litLevelSegments(level, segmentCount()));
+}
+
+SegmentMeter::Reading MeterView::reading() const {
+    const double levelDB = std::clamp(dsp::linearToDB(shown), lowestLevelDB, highestLevelDB);
+    return {
+        levelDB, lowestLevelDB, highestLevelDB,
+        levelDB > lowestLevelDB ? writeDecibels(levelDB) : QStringLiteral("silent")};
+}
 
 QColor MeterView::colorOf(int segment) const {
     return tintColor.value_or(levelColor(segment, segmentCount()));
@@ -48,6 +71,15 @@ QColor MeterView::colorOf(int segment) const {
 
 GateMeterView::GateMeterView(int segmentCount, QWidget* parent)
     : SegmentMeter(segmentCount, {.origin = MeterOrigin::top}, parent) {}
+
+void GateMeterView::setReductionDB(double reductionDB) {
+    shownDB = reductionDB;
+    setLit(litReductionSegments(reductionDB, segmentCount()));
+}
+
+SegmentMeter::Reading GateMeterView::reading() const {
+    return {std::min(shownDB, highestReductionDB), 0.0, highestReductionDB, writeDecibels(shownDB)};
+}
 
 QColor GateMeterView::colorOf(int) const {
     return theme::darkOrange;
@@ -65,7 +97,12 @@ void LoadMeterView::repaintFading() {
     repaintSegments(std::min(litBefore, litSegments()), std::max(litBefore, litSegments()));
 }
 
+SegmentMeter::Reading LoadMeterView::reading() const {
+    return {shown, 0.0, 1.0, QStringLiteral("%1 %").arg(std::lround(100.0 * shown))};
+}
+
 void LoadMeterView::setLoad(double load) {
+    shown = load;
     const int fullNow = fullLoadSegments(load, segmentCount());
     const bool fades = std::exchange(full, fullNow) != fullNow;
     const int litNow = litLoadSegments(load, segmentCount());
@@ -128,6 +165,8 @@ ChannelMeterColumn::ChannelMeterColumn(
       reduction(columnSegments, this),
       scale(this) {
     setGrowing(false);
+    level.setAccessibleName(QStringLiteral("Level"));
+    reduction.setAccessibleName(QStringLiteral("Gain reduction"));
     reduction.setToolTip(QString::fromUtf8(reductionHelp));
     subscriptions.push_back(model.channelMeters.subscribe([this](const auto&) { showLevel(); }));
     subscriptions.push_back(model.channelGainReductionDB.subscribe([this](const auto&) { showReduction(); }));
@@ -186,7 +225,7 @@ void ChannelMeterColumn::showReduction() {
 }
 
 WideMeterColumn::WideMeterColumn(
-    const platform::Published<double>& value, const platform::Published<bool>& isRunning,
+    const QString& name, const platform::Published<double>& value, const platform::Published<bool>& isRunning,
     std::optional<QColor> tint, QWidget* parent
 )
     : QWidget(parent), level(columnSegments, tint, this), scale(this) {
@@ -194,6 +233,7 @@ WideMeterColumn::WideMeterColumn(
     setShrinking(false);
     subscriptions.push_back(value.subscribe([this](double rms) { level.setLevel(rms); }));
     subscriptions.push_back(isRunning.subscribe([this](bool now) { level.setResting(!now); }));
+    level.setAccessibleName(name);
     level.setLevel(value.get());
     level.setResting(!isRunning.get());
 }

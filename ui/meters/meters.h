@@ -21,13 +21,15 @@ class MeterView final : public SegmentMeter {
     );
 
     /// Linear RMS, 1 = full scale.
-    void setLevel(double level) { setLit(litLevelSegments(level, segmentCount())); }
+    void setLevel(double level);
+    [[nodiscard]] Reading reading() const override;
 
   protected:
     [[nodiscard]] QColor colorOf(int segment) const override;
 
   private:
     const std::optional<QColor> tintColor;
+    double shown = 0.0;
 };
 
 /// A gain reduction from 0 to 30 dB; a vertical one grows from the top.
@@ -36,10 +38,14 @@ class GateMeterView final : public SegmentMeter {
     explicit GateMeterView(int segmentCount, QWidget* parent = nullptr);
 
     /// In dB, 0 or more.
-    void setReductionDB(double reductionDB) { setLit(litReductionSegments(reductionDB, segmentCount())); }
+    void setReductionDB(double reductionDB);
+    [[nodiscard]] Reading reading() const override;
 
   protected:
     [[nodiscard]] QColor colorOf(int segment) const override;
+
+  private:
+    double shownDB = 0.0;
 };
 
 /// The render load, 0 to 1. A change of the segments fades within a tenth of a second if the number of full
@@ -49,6 +55,7 @@ class LoadMeterView final : public SegmentMeter {
     explicit LoadMeterView(int segmentCount, QWidget* parent = nullptr);
 
     void setLoad(double load);
+    [[nodiscard]] Reading reading() const override;
 
   protected:
     [[nodiscard]] QColor colorOf(int segment) const override;
@@ -57,6 +64,7 @@ class LoadMeterView final : public SegmentMeter {
   private:
     void repaintFading();
 
+    double shown = 0.0;
     int litBefore = 0;
     int full = 0;
     QVariantAnimation fade;
@@ -118,10 +126,11 @@ class ChannelMeterColumn final : public QWidget {
 /// A level above its scale, for the master bus or the reference noise. Dark while the audio is stopped.
 class WideMeterColumn final : public QWidget {
   public:
-    /// `value`: linear RMS. `value` and `isRunning` must outlive the column.
+    /// `name`: for screen readers. `value`: linear RMS. `value` and `isRunning` must outlive the column.
     WideMeterColumn(
-        const platform::Published<double>& value, const platform::Published<bool>& isRunning,
-        std::optional<QColor> tint = std::nullopt, QWidget* parent = nullptr
+        const QString& name, const platform::Published<double>& value,
+        const platform::Published<bool>& isRunning, std::optional<QColor> tint = std::nullopt,
+        QWidget* parent = nullptr
     );
 
     /// Whether the meter may be shorter than its usual length if there is little room.

@@ -2,6 +2,7 @@
 
 #include "ui/theme/theme.h"
 
+#include <QAccessible>
 #include <QPaintEvent>
 #include <QPainter>
 
@@ -13,6 +14,8 @@ namespace {
 
 constexpr int restingMs = 600;
 constexpr double dimmedShare = 0.35;
+/// The shortest time between two announcements of a meter's value.
+constexpr int announcementMs = 500;
 
 /// The pixels that a segment may colour. At fractional scales its smoothed edges extend beyond its own.
 QRect reachOf(const QRectF& segment) {
@@ -55,6 +58,14 @@ void SegmentMeter::setLit(int segmentsToLight) {
     const auto [first, last] = std::minmax({segmentsToLight, lit});
     lit = segmentsToLight;
     repaintSegments(first, last);
+    if (QAccessible::isActive() && !announcement.isActive()) announcement.start(announcementMs, this);
+}
+
+void SegmentMeter::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != announcement.timerId()) return QWidget::timerEvent(event);
+    announcement.stop();
+    QAccessibleValueChangeEvent change(this, reading().value);
+    QAccessible::updateAccessibility(&change);
 }
 
 void SegmentMeter::repaintSegments(int first, int last) {

@@ -2,6 +2,7 @@
 
 #include "ui/meters/segments.h"
 
+#include <QBasicTimer>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -20,10 +21,21 @@ class SegmentMeter : public QWidget {
         MeterOrigin origin = MeterOrigin::bottom;
     };
 
+    /// The value that a meter shows, for assistive tools.
+    struct Reading {
+        double value = 0.0;
+        double lowest = 0.0;
+        double highest = 1.0;
+        /// For example "-12 dB".
+        QString text;
+    };
+
     SegmentMeter(int segmentCount, const Style& meterStyle, QWidget* parent);
 
     [[nodiscard]] int segmentCount() const { return count; }
     [[nodiscard]] int litSegments() const { return lit; }
+
+    [[nodiscard]] virtual Reading reading() const = 0;
 
     /// A resting meter fades out and stays dark; otherwise its segments show at once.
     void setResting(bool isResting);
@@ -42,12 +54,15 @@ class SegmentMeter : public QWidget {
     void repaintSegments(int first, int last);
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
   private:
     void setPresence(double share);
 
     const int count;
     const Style style;
+    /// Runs from a change to its announcement to assistive tools.
+    QBasicTimer announcement;
     int lit = 0;
     /// The visibility of the lit segments, 0 to 1.
     double presence = 1.0;

@@ -153,10 +153,13 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
       ),
       status(makeCaption({})),
       output(new MasterOutputControl(engine)),
-      masterMeter(new WideMeterColumn(engine.meterModel().masterMeter, engine.state().isRunning)),
-      noiseMeter(
-          new WideMeterColumn(engine.meterModel().pinkNoiseLevel, engine.state().isRunning, theme::pink)
-      ) {
+      masterMeter(new WideMeterColumn(
+          QStringLiteral("Master level"), engine.meterModel().masterMeter, engine.state().isRunning
+      )),
+      noiseMeter(new WideMeterColumn(
+          QStringLiteral("Pink Noise level"), engine.meterModel().pinkNoiseLevel, engine.state().isRunning,
+          theme::pink
+      )) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Master section"));
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

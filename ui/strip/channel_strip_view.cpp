@@ -4,6 +4,7 @@
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/value_slider.h"
+#include "ui/strip/channel_name.h"
 #include "ui/strip/name_field.h"
 #include "ui/strip/plugin_slot_view.h"
 #include "ui/strip/strip_levels.h"
@@ -68,7 +69,7 @@ ChannelStripView::ChannelStripView(
     engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents, std::size_t index,
     QWidget* parent
 )
-    : QWidget(parent),
+    : ControlGroup(parent),
       engine(mixerEngine),
       stripIndex(index),
       stripID(mixerEngine.state().channelStrips.get().at(index).id),
@@ -97,7 +98,6 @@ ChannelStripView::ChannelStripView(
           if (openSetup) openSetup();
       })),
       levels(new StripLevels(mixerEngine, index)) {
-    setAccessibleName(QStringLiteral("Channel %1").arg(index + 1));
     name->setObjectName(QStringLiteral("flat"));
     name->setPlaceholderText(QStringLiteral("Name"));
     name->setAccessibleName(QStringLiteral("Name"));
@@ -116,6 +116,9 @@ ChannelStripView::ChannelStripView(
     lines->addWidget(signs);
     lines->addWidget(levels, 1);
     lines->addLayout(makeSwitches());
+    for (QWidget* control : findChildren<QWidget*>())
+        if (!control->accessibleName().isEmpty() && dynamic_cast<PluginSlotView*>(control) == nullptr)
+            control->setAccessibleName(ofChannel(control->accessibleName(), index));
     setPresentation(StripPresentation::setup);
     subscribe();
     refresh();
@@ -289,6 +292,7 @@ void ChannelStripView::showName() {
     // Keeps a name that is being typed.
     if (name->hasFocus() && name->isModified()) return;
     const QString shown = QString::fromStdString(strip().name);
+    setAccessibleName(shown.isEmpty() ? QStringLiteral("Channel %1").arg(stripIndex + 1) : shown);
     if (shown == name->text()) return;
     name->setText(shown);
     name->setCursorPosition(0);

@@ -3,11 +3,10 @@
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
 #include "platform/base/uuid.h"
+#include "ui/controls/control_group.h"
 #include "ui/strip/installed_components.h"
 #include "ui/strip/routing_picker.h"
 #include "ui/strip/strip_presentation.h"
-
-#include <QWidget>
 
 #include <array>
 #include <cstddef>
@@ -31,7 +30,7 @@ class ValueSlider;
 
 /// One strip of the mixer. Follows the engine while it is visible and refreshes when it becomes visible. Main
 /// thread.
-class ChannelStripView final : public QWidget {
+class ChannelStripView final : public ControlGroup {
   public:
     /// `mixerEngine` and `installedComponents` must outlive the view. Shows the strip at `index` in the
     /// engine's list.

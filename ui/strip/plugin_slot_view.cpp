@@ -3,6 +3,7 @@
 #include "plugins/insert_components.h"
 #include "ui/controls/enter_key.h"
 #include "ui/controls/text_prompt.h"
+#include "ui/strip/channel_name.h"
 #include "ui/strip/plugin_picker_view.h"
 #include "ui/theme/theme.h"
 
@@ -156,9 +157,12 @@ void PluginSlotView::refresh() {
         setText(name);
         // An "&" in a name must not become a shortcut.
         setShortcut({});
-        setAccessibleName(QStringLiteral("Insert %1 %2")
-                              .arg(slotIndex + 1)
-                              .arg(name.isEmpty() ? QStringLiteral("(empty)") : name));
+        setAccessibleName(ofChannel(
+            QStringLiteral("Insert %1 %2")
+                .arg(slotIndex + 1)
+                .arg(name.isEmpty() ? QStringLiteral("(empty)") : name),
+            stripIndex
+        ));
         update();
     }
     const plugins::PluginClipboardArmState armedNow = engine.state().pluginClipboardArmState.get();
@@ -196,7 +200,12 @@ void PluginSlotView::paintEvent(QPaintEvent*) {
     const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QColor fill = content == Content::empty ? theme::well : theme::raised;
     if (isDown() || underMouse()) fill = fill.lighter(isDown() ? 160 : 130);
-    QPen outline(hasFocus() ? theme::accent : isFailed ? theme::red : theme::divider, 1.0);
+    QPen outline(
+        hasFocus() ? theme::accent
+        : isFailed ? theme::red
+                   : theme::divider,
+        hasFocus() ? theme::focusWidth : 1.0
+    );
     if (content == Content::notLive) outline.setStyle(Qt::DashLine);
     if (isClipboardTarget()) {
         fill = underMouse() ? theme::selection.lighter(130) : theme::selection;

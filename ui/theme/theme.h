@@ -41,6 +41,11 @@ inline const QColor yellow = QColor::fromRgbF(1.0F, 0.84F, 0.3F);
 /// An unlit meter segment.
 inline const QColor unlit = QColor::fromRgbF(0.5F, 0.5F, 0.5F, 0.15F);
 
+/// The width of the outline of a control with the keyboard focus.
+inline constexpr double focusWidth = 2.0;
+/// The least height of buttons and rows that a finger must hit.
+inline constexpr int touchTarget = 32;
+
 } // namespace theme
 
 /// Returns the system's font in a size in device-independent pixels.
