@@ -116,6 +116,16 @@ TEST_F(Snapshots, AreRenamedInTheListAsTyped) {
     EXPECT_TRUE(sheet.isVisible());
 }
 
+TEST_F(Snapshots, AreRecalledByEnterInTheListButNotByTheEnterThatEndsARenaming) {
+    press("New");
+    engine.setMuted(state().channelStrips.get()[0].id, true);
+    QTest::keyClick(&rename(0), Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_TRUE(state().channelStrips.get()[0].muted);
+    QTest::keyClick(sheet.findChild<QListWidget*>(), Qt::Key_Return);
+    EXPECT_FALSE(state().channelStrips.get()[0].muted);
+}
+
 TEST_F(Snapshots, LearnANoteUntilItArrivesOrIsCancelled) {
     auto source = machine.addMIDISource("Pads");
     press("New");

@@ -5,8 +5,10 @@
 #include "ui/controls/divider.h"
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/text_label.h"
+#include "ui/keys.h"
 #include "ui/mixer/presentation.h"
 #include "ui/mixer/strip_rows.h"
+#include "ui/theme/theme.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -18,9 +20,7 @@ namespace orvane::ui {
 namespace {
 
 constexpr int pickerWidth = 320;
-constexpr int pickerHeight = 28;
 constexpr int presentationWidth = 140;
-constexpr int presentationHeight = 32;
 constexpr int pageButtonWidth = 74;
 constexpr int padding = 12;
 constexpr int headerHeight = 46;
@@ -85,12 +85,13 @@ ChannelArea::ChannelArea(
 
 QWidget* ChannelArea::makeHeader() {
     modePicker->setToolTip(QStringLiteral("Switch which channels are shown."));
-    modePicker->setFixedSize(pickerWidth, pickerHeight);
+    modePicker->setFixedSize(pickerWidth, theme::touchTarget);
     presentationPicker->setToolTip(
         QStringLiteral("Setup shows every control of a strip. Mix shows names, meters, trim, Mute and Byp as "
-                       "large as the window allows, and the rest as small signs (F2).")
+                       "large as the window allows, and the rest as small signs (%1).")
+            .arg(keysOf(KeyCommand::presentation).first().toString())
     );
-    presentationPicker->setFixedSize(presentationWidth, presentationHeight);
+    presentationPicker->setFixedSize(presentationWidth, theme::touchTarget);
     pages->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* const pageRow = new QHBoxLayout(pages);
     pageRow->setContentsMargins(0, 0, 0, 0);
@@ -143,6 +144,24 @@ void ChannelArea::showPresentation() {
 void ChannelArea::turn(bool forwards) {
     if (!shown.isPaged()) return rows->scrollSideways(forwards);
     if (forwards || shown.page > 0) setPage(forwards ? shown.page + 1 : shown.page - 1);
+}
+
+void ChannelArea::step(int by) {
+    const std::optional<StripRows::Place> from = rows->placeInFocus();
+    // Left of the first strip, this exceeds the count as well.
+    const std::size_t strip = from ? from->strip + static_cast<std::size_t>(by) : shown.rows().front().first;
+    if (strip >= shown.channelCount) return;
+    reveal(strip);
+    rows->setFocusTo({.strip = strip, .control = from ? from->control : std::nullopt});
+}
+
+std::optional<std::size_t> ChannelArea::stripInFocus() const {
+    const std::optional<StripRows::Place> place = rows->placeInFocus();
+    return place ? std::optional(place->strip) : std::nullopt;
+}
+
+QWidget& ChannelArea::strips() const {
+    return *rows;
 }
 
 void ChannelArea::setFileErrorMessage(const std::optional<std::string>& sentence) {

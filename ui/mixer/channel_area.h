@@ -45,6 +45,14 @@ class ChannelArea final : public QWidget {
     /// Turns to the next or previous page; without pages, scrolls by the visible strips.
     void turn(bool forwards);
 
+    /// Moves the keyboard focus from strip to strip, on the same control, across pages. Without a strip in
+    /// focus, moves it to the first visible strip.
+    void step(int by);
+    /// The index of the strip in focus.
+    [[nodiscard]] std::optional<std::size_t> stripInFocus() const;
+    /// The view that contains all strips.
+    [[nodiscard]] QWidget& strips() const;
+
     /// Shows a sentence about a session file that could not be read or written; hides it if absent.
     void setFileErrorMessage(const std::optional<std::string>& sentence);
 

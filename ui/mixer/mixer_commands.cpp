@@ -45,20 +45,20 @@ void MixerCommands::addRouting(const Actions& actions) {
         QStringLiteral("Set every channel's output to None, leaving inputs untouched -- a quick way to kill "
                        "all outputs, e.g. if you suspect a feedback loop."),
         actions.clearOutputs);
-    add("snapshots", QStringLiteral("Snapshots"), Qt::CTRL | Qt::Key_L,
+    add("snapshots", QStringLiteral("Snapshots"), KeyCommand::showSnapshots,
         QStringLiteral("Store/recall full mixer states (scenes), with MIDI trigger + Learn."),
         actions.showSnapshots);
 }
 
 void MixerCommands::addFiles(const Actions& actions) {
-    add("load", QStringLiteral("Load"), QKeySequence::Open,
+    add("load", QStringLiteral("Load"), KeyCommand::load,
         QStringLiteral("Load a previously saved settings file."), actions.load);
     saveCommand = make(
-        "save", QStringLiteral("Save"), QKeySequence::Save,
+        "save", QStringLiteral("Save"), KeyCommand::save,
         QStringLiteral("Save the session to its file; ask for a file if it has none."), actions.save
     );
     inMenu.push_back(saveCommand);
-    add("save", QStringLiteral("Save As…"), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+    add("save", QStringLiteral("Save As…"), KeyCommand::saveAs,
         QStringLiteral("Save/export the current session (routing, names, settings, and snapshots) as an "
                        ".orvane file."),
         actions.saveAs);
@@ -66,14 +66,14 @@ void MixerCommands::addFiles(const Actions& actions) {
 }
 
 void MixerCommands::addAudio(const Actions& actions) {
-    add("devices", QStringLiteral("Audio / MIDI Devices"), Qt::CTRL | Qt::Key_Comma, devicesHelp,
+    add("devices", QStringLiteral("Audio / MIDI Devices"), KeyCommand::showDevices, devicesHelp,
         actions.showDeviceSettings);
     deviceCommand = commands.back();
     add("channels", QStringLiteral("%1 Channels").arg(engine.state().channelStrips.get().size()), {},
         QStringLiteral("Change how many channels this session has. Smaller sessions use less CPU -- see the "
                        "channel-count picker's explanation."),
         actions.changeChannelCount);
-    add("start", QStringLiteral("Start"), Qt::CTRL | Qt::Key_Return, {}, [this] {
+    add("start", QStringLiteral("Start"), KeyCommand::startStop, {}, [this] {
         if (engine.state().isRunning.get())
             engine.stop();
         else
@@ -84,17 +84,17 @@ void MixerCommands::addAudio(const Actions& actions) {
 void MixerCommands::addScenes() {
     sceneCommands = {
         make(
-            "previous", QStringLiteral("Previous Scene"), Qt::Key_F6,
+            "previous", QStringLiteral("Previous Scene"), KeyCommand::previousScene,
             QStringLiteral("Choose the scene before, to be recalled next (F6)."),
             [this] { engine.chooseEarlierSnapshot(); }
         ),
         make(
-            "next", QStringLiteral("Next Scene"), Qt::Key_F7,
+            "next", QStringLiteral("Next Scene"), KeyCommand::nextScene,
             QStringLiteral("Choose the scene after, to be recalled next (F7)."),
             [this] { engine.chooseLaterSnapshot(); }
         ),
         make(
-            "snapshots", QStringLiteral("Recall Next Scene"), Qt::Key_F8,
+            "snapshots", QStringLiteral("Recall Next Scene"), KeyCommand::recallScene,
             QStringLiteral("Recall the scene under NEXT (F8)."), [this] { engine.recallNextSnapshot(); }
         )};
     sceneCommands.back()->setIconText(QStringLiteral("Recall"));
@@ -104,11 +104,11 @@ void MixerCommands::addScenes() {
 
 void MixerCommands::addClipboard() {
     undoPaste = make(
-        "undo", QStringLiteral("Undo Paste"), QKeySequence::Undo,
+        "undo", QStringLiteral("Undo Paste"), KeyCommand::undoPaste,
         QStringLiteral("Bring back what the last pasted plugin has replaced."), [this] { engine.undoPaste(); }
     );
     cancelArm = make(
-        "clear-outputs", QStringLiteral("Cancel Copy/Paste"), Qt::Key_Escape,
+        "clear-outputs", QStringLiteral("Cancel Copy/Paste"), KeyCommand::disarm,
         QStringLiteral("Disarm Copy or Paste."), [this] { engine.cancelClipboardArm(); }
     );
     // Esc closes the windows in front.
@@ -124,19 +124,19 @@ void MixerCommands::addSeparator() {
 }
 
 void MixerCommands::add(
-    const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+    const char* icon, const QString& label, std::optional<KeyCommand> key, const QString& help,
     std::function<void()> action
 ) {
-    commands.push_back(make(icon, label, keys, help, std::move(action)));
+    commands.push_back(make(icon, label, key, help, std::move(action)));
     inMenu.push_back(commands.back());
 }
 
 QAction* MixerCommands::make(
-    const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+    const char* icon, const QString& label, std::optional<KeyCommand> key, const QString& help,
     std::function<void()> action
 ) {
     auto* const command = new QAction(symbol(QString::fromLatin1(icon)), label, this);
-    command->setShortcut(keys);
+    if (key) command->setShortcuts(keysOf(*key));
     // Also while an editor or the snapshots are in front.
     command->setShortcutContext(Qt::ApplicationShortcut);
     command->setAutoRepeat(false);

@@ -2,15 +2,16 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
+#include "ui/keys.h"
 
 #include <QObject>
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QAction;
-class QKeySequence;
 class QString;
 
 namespace orvane::ui {
@@ -48,12 +49,12 @@ class MixerCommands final : public QObject {
 
   private:
     QAction* make(
-        const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+        const char* icon, const QString& label, std::optional<KeyCommand> key, const QString& help,
         std::function<void()> action
     );
     /// Adds a command to toolbar and menu.
     void
-    add(const char* icon, const QString& label, const QKeySequence& keys, const QString& help,
+    add(const char* icon, const QString& label, std::optional<KeyCommand> key, const QString& help,
         std::function<void()> action);
     void addSeparator();
     void addRouting(const Actions& actions);

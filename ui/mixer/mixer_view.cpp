@@ -3,6 +3,7 @@
 #include "ui/controls/confirmation.h"
 #include "ui/controls/divider.h"
 #include "ui/mixer/audio_notice.h"
+#include "ui/keys.h"
 #include "ui/mixer/channel_area.h"
 #include "ui/mixer/master_section.h"
 #include "ui/mixer/mixer_toolbar.h"
@@ -64,6 +65,7 @@ MixerView::MixerView(
       togglePresentation(new QAction(showMixText, this)),
       channelArea(new ChannelArea(mixerEngine, components, mixerPresentation)),
       masterSection(new MasterSection(mixerEngine)),
+      keys(mixerEngine, *channelArea),
       file(mixerEngine, components, *this, *channelArea),
       sessionCommands(
           mixerEngine, {.clearOutputs = [this] { confirmClearOutputs(); },
@@ -83,7 +85,7 @@ MixerView::MixerView(
     lines->addWidget(channelArea, 1);
     lines->addWidget(makeHorizontalDivider());
     lines->addWidget(masterSection);
-    togglePresentation->setShortcut(Qt::Key_F2);
+    togglePresentation->setShortcuts(keysOf(KeyCommand::presentation));
     togglePresentation->setAutoRepeat(false);
     connect(togglePresentation, &QAction::triggered, this, [this] { mixerPresentation.toggle(); });
     presentationSubscription = mixerPresentation.shown().subscribe([this](StripPresentation now) {
@@ -103,12 +105,13 @@ MixerView::~MixerView() {
 void MixerView::addShortcuts() {
     for (QAction* command : sessionCommands.menu())
         addAction(command);
-    const auto add = [this](const QKeySequence& keys, auto action) {
-        auto* const shortcut = new QShortcut(keys, this);
+    const auto add = [this](KeyCommand command, auto action) {
+        auto* const shortcut = new QShortcut(this);
+        shortcut->setKeys(keysOf(command));
         connect(shortcut, &QShortcut::activated, this, action);
     };
-    add(Qt::Key_PageDown, [this] { channelArea->turn(true); });
-    add(Qt::Key_PageUp, [this] { channelArea->turn(false); });
+    add(KeyCommand::nextStrips, [this] { channelArea->turn(true); });
+    add(KeyCommand::previousStrips, [this] { channelArea->turn(false); });
 }
 
 void MixerView::resizeEvent(QResizeEvent*) {

@@ -4,6 +4,7 @@
 #include "ui/mixer/mixer_commands.h"
 #include "ui/mixer/presentation.h"
 #include "ui/mixer/session_file.h"
+#include "ui/mixer/strip_keys.h"
 #include "ui/strip/installed_components.h"
 
 #include <QDialog>
@@ -35,6 +36,7 @@ class MixerView final : public QWidget {
     [[nodiscard]] Presentation& presentation() { return mixerPresentation; }
     /// The command that changes between Setup and Mix.
     [[nodiscard]] QAction* presentationCommand() const { return togglePresentation; }
+    [[nodiscard]] const StripKeys& stripKeys() const { return keys; }
     [[nodiscard]] SessionFile& sessionFile() { return file; }
     /// Commits pending edits and asks where to write the session. Calls `then` only after it was written.
     void save(std::function<void()> then = {});
@@ -66,6 +68,7 @@ class MixerView final : public QWidget {
     MasterSection* const masterSection;
     platform::Subscription presentationSubscription;
     QPointer<QDialog> snapshots;
+    StripKeys keys;
     SessionFile file;
     MixerCommands sessionCommands;
 };

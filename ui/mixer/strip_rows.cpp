@@ -1,8 +1,10 @@
 #include "ui/mixer/strip_rows.h"
 
+#include "ui/controls/near_touch.h"
 #include "ui/controls/scroll_guard.h"
+#include "ui/mixer/strip_ground.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -21,13 +23,23 @@ int gapIn(StripPresentation presentation) {
     return presentation == StripPresentation::mix ? mixSpacing : spacing;
 }
 
+/// Returns the controls of a strip that the keyboard reaches, in the same order for every strip.
+std::vector<QWidget*> controlsOf(const QWidget& strip) {
+    std::vector<QWidget*> controls;
+    for (QWidget* each : strip.findChildren<QWidget*>())
+        // The lists of menus are windows of their own.
+        if ((each->focusPolicy() & Qt::TabFocus) != 0 && each->window() == strip.window())
+            controls.push_back(each);
+    return controls;
+}
+
 } // namespace
 
 StripRows::StripRows(
     engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
     const OpenChannels& openChannels
 )
-    : content(new QWidget) {
+    : content(new StripGround(*this)) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Channels"));
     // A click beside the controls ends the editing of a field.
@@ -36,6 +48,8 @@ StripRows::StripRows(
     setWidget(content);
     for (std::size_t index = 0; index < mixerEngine.state().channelStrips.get().size(); ++index) {
         strips.push_back(new ChannelStripView(mixerEngine, installedComponents, index, content));
+        // A click between its controls puts the strip in focus.
+        strips.back()->setFocusPolicy(Qt::ClickFocus);
         strips.back()->hide();
     }
     if (!strips.empty()) setupSize = {strips.front()->maximumWidth(), strips.front()->sizeHint().height()};
@@ -44,6 +58,8 @@ StripRows::StripRows(
             strips[index]->setOpen(open[index]);
     });
     new ScrollGuard(*this);
+    new NearTouch(*content);
+    connect(qApp, &QApplication::focusChanged, this, &StripRows::markFocus);
 }
 
 void StripRows::arrange(const std::vector<StripRange>& stripRows, std::size_t stripsPerRow) {
@@ -116,6 +132,7 @@ void StripRows::layOut() {
         top += strip.height() + gap;
     }
     content->resize(gap + longestRow() * (strip.width() + gap), top);
+    markFocus();
 }
 
 QSize StripRows::stripSize() const {
@@ -135,6 +152,33 @@ QSize StripRows::stripSize() const {
 void StripRows::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     if (presentation == StripPresentation::mix) layOut();
+}
+
+std::optional<StripRows::Place> StripRows::placeInFocus() const {
+    const QWidget* const focused = QApplication::focusWidget();
+    if (focused == nullptr) return std::nullopt;
+    for (std::size_t index = 0; index < strips.size(); ++index) {
+        if (strips[index] == focused) return Place{.strip = index};
+        if (!strips[index]->isAncestorOf(focused)) continue;
+        const std::vector<QWidget*> controls = controlsOf(*strips[index]);
+        const auto found = std::ranges::find(controls, focused);
+        return Place{.strip = index, .control = static_cast<std::size_t>(found - controls.begin())};
+    }
+    return std::nullopt;
+}
+
+void StripRows::setFocusTo(const Place& place) {
+    const std::vector<QWidget*> controls = controlsOf(*strips[place.strip]);
+    QWidget* target = strips[place.strip];
+    if (place.control && *place.control < controls.size() && controls[*place.control]->isVisible())
+        target = controls[*place.control];
+    target->setFocus(Qt::TabFocusReason);
+    ensureWidgetVisible(target, spacing, spacing);
+}
+
+void StripRows::markFocus() {
+    const std::optional<Place> place = placeInFocus();
+    content->mark(place && strips[place->strip]->isVisible() ? strips[place->strip]->geometry() : QRect());
 }
 
 void StripRows::scrollSideways(bool toTheRight) {

@@ -12,14 +12,23 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace orvane::ui {
+
+class StripGround;
 
 /// The visible strips in rows; scrolls if they do not fit. All strips are made at once and kept, so that
 /// pages turn without delay; hidden strips do no work. Main thread.
 class StripRows final : public QScrollArea {
   public:
+    /// A strip and one of its controls, counted in the order of its widgets; the strip itself if absent.
+    struct Place {
+        std::size_t strip = 0;
+        std::optional<std::size_t> control = {};
+    };
+
     /// The parameters must outlive the view.
     StripRows(
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
@@ -41,6 +50,11 @@ class StripRows final : public QScrollArea {
     /// Scrolls by the visible width, to the right or to the left.
     void scrollSideways(bool toTheRight);
 
+    /// The place of the keyboard focus; absent if it is not in a strip.
+    [[nodiscard]] std::optional<Place> placeInFocus() const;
+    /// Gives the keyboard focus to a control and scrolls to it. If it is hidden, the strip gets the focus.
+    void setFocusTo(const Place& place);
+
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -52,8 +66,9 @@ class StripRows final : public QScrollArea {
     [[nodiscard]] int longestRow() const;
     /// The first strip in sight.
     [[nodiscard]] const QWidget* leftmostStrip() const;
+    void markFocus();
 
-    QWidget* const content;
+    StripGround* const content;
     StripPresentation presentation = StripPresentation::setup;
     std::vector<StripRange> rows;
     int columns = 1;

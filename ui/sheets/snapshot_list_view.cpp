@@ -4,6 +4,7 @@
 #include "ui/controls/text_label.h"
 #include "ui/theme/theme.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QSignalBlocker>
@@ -17,7 +18,6 @@ namespace orvane::ui {
 
 namespace {
 
-constexpr int rowHeight = 28;
 constexpr int numberWidth = 24;
 constexpr int nameInset = 8;
 constexpr double cornerRadius = 4.0;
@@ -58,7 +58,7 @@ class RowDelegate final : public QStyledItemDelegate {
     }
 
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
-        return {0, rowHeight};
+        return {0, theme::touchTarget};
     }
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override {
@@ -108,6 +108,13 @@ SnapshotListView::SnapshotListView(engine::MixerEngine& mixerEngine) : engine(mi
 void SnapshotListView::commitRenaming() {
     // A name field that loses the focus commits its text.
     if (state() == EditingState) setFocus();
+}
+
+void SnapshotListView::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // The Enter that ends the editing of a name arrives here as well.
+    if (!isEnter || state() == EditingState) return QListWidget::keyPressEvent(event);
+    if (!event->isAutoRepeat()) engine.recallCurrentSnapshot();
 }
 
 void SnapshotListView::showSnapshots() {

@@ -9,8 +9,8 @@
 
 namespace orvane::ui {
 
-/// The scenes by number and name. A click selects a scene without recalling it; a double click or F2 renames
-/// it. Main thread.
+/// The scenes by number and name. A click selects a scene without recalling it; Enter recalls it, a double
+/// click or F2 renames it. Main thread.
 class SnapshotListView final : public QListWidget {
   public:
     /// `mixerEngine` must outlive the list.
@@ -18,6 +18,9 @@ class SnapshotListView final : public QListWidget {
 
     /// Commits a name that is being edited.
     void commitRenaming();
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void showSnapshots();

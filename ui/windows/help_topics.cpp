@@ -1,9 +1,28 @@
 #include "ui/windows/help_topics.h"
 
+#include "ui/keys.h"
+
 namespace orvane::ui {
 
+namespace {
+
+/// Returns the topic that lists all keys.
+HelpTopic keyboardTopic() {
+    HelpTopic topic{.id = QStringLiteral("keyboard"), .title = QStringLiteral("Keyboard"), .paragraphs = {}};
+    for (const KeyGroup& group : keyGroups()) {
+        QString paragraph = group.title;
+        for (const KeyEntry& entry : group.entries)
+            paragraph +=
+                QChar(QChar::LineSeparator) + QStringLiteral("%1 — %2").arg(written(entry), entry.effect);
+        topic.paragraphs.append(paragraph);
+    }
+    return topic;
+}
+
+} // namespace
+
 std::vector<HelpTopic> helpTopics() {
-    return {
+    std::vector<HelpTopic> topics = {
         {"overview",
          "What ORVANE Does",
          {"ORVANE is an automatic mixer for live microphones -- panel discussions, interviews, meetings, "
@@ -135,6 +154,8 @@ std::vector<HelpTopic> helpTopics() {
          {"ORVANE runs on Linux, on 64-bit PCs with PipeWire, JACK or ALSA.",
           "Any interface that PipeWire, JACK or ALSA lists works as the input/output device, including "
           "USB/Thunderbolt audio interfaces and virtual devices such as loopback drivers."}}};
+    topics.push_back(keyboardTopic());
+    return topics;
 }
 
 } // namespace orvane::ui

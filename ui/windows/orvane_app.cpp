@@ -2,6 +2,7 @@
 
 #include "ui/controls/confirmation.h"
 #include "ui/controls/screen_room.h"
+#include "ui/keys.h"
 #include "ui/mixer/mixer_view.h"
 #include "ui/mixer/session_names.h"
 #include "ui/windows/channel_count_picker_view.h"
@@ -153,15 +154,16 @@ void ORVANEApp::addMenus() {
     aboutItem->setMenuRole(QAction::AboutRole);
     application->addSeparator();
     QAction* const quit = application->addAction(QStringLiteral("Quit ORVANE"), this, [this] { close(); });
-    quit->setShortcut(QKeySequence::Quit);
+    quit->setShortcuts(keysOf(KeyCommand::quit));
     quit->setMenuRole(QAction::QuitRole);
 
     sessionMenu = menuBar()->addMenu(QStringLiteral("&Session"));
+    stripMenu = menuBar()->addMenu(QStringLiteral("S&trips"));
 
     QMenu* const helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
     QAction* const helpItem =
         helpMenu->addAction(QStringLiteral("ORVANE Help"), this, [this] { help.show(); });
-    helpItem->setShortcuts({QKeySequence(QStringLiteral("Ctrl+?")), QKeySequence(Qt::Key_F1)});
+    helpItem->setShortcuts(keysOf(KeyCommand::help));
     helpMenu->addAction(QStringLiteral("Send Feedback to %1…").arg(supportAddress), this, [this] {
         writeToSupport();
     });
@@ -186,8 +188,10 @@ void ORVANEApp::showContent() {
     setWindowTitle(QStringLiteral("ORVANE[*]"));
     setWindowModified(false);
     changesTimer.reset();
-    sessionMenu->clear();
-    sessionMenu->menuAction()->setVisible(root != nullptr);
+    for (QMenu* menu : {sessionMenu, stripMenu}) {
+        menu->clear();
+        menu->menuAction()->setVisible(root != nullptr);
+    }
     if (root == nullptr) return;
     const MixerCommands& commands = root->view().commands();
     for (QAction* command : commands.menu())
@@ -196,6 +200,8 @@ void ORVANEApp::showContent() {
     sessionMenu->addSeparator();
     sessionMenu->addAction(root->view().presentationCommand());
     rememberPresentation(root->view().presentation());
+    for (QAction* command : root->view().stripKeys().all())
+        stripMenu->addAction(command);
     begin(*root);
     followFile(*root);
 }

@@ -100,6 +100,7 @@ class ORVANEApp final : public QMainWindow {
     std::unique_ptr<RememberedDevices> remembered;
     platform::Subscription toFile;
     std::unique_ptr<platform::MainThreadTimer> changesTimer;
+    QMenu* stripMenu = nullptr;
     bool mayClose = false;
 };
 
