@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
+#include <QStyledItemDelegate>
 #include <QWheelEvent>
 
 #include <utility>
@@ -23,6 +24,8 @@ MenuPicker::MenuPicker(const QString& name, int width, std::function<void(int)> 
     setAccessibleName(name);
     setFixedWidth(width);
     setFocusPolicy(Qt::TabFocus);
+    // Unlike the menu's own, it respects the height of rows in the style sheet.
+    setItemDelegate(new QStyledItemDelegate(this));
     connect(this, &QComboBox::activated, this, std::move(onChoose));
 }
 

@@ -21,7 +21,7 @@ namespace {
 constexpr int iconWidth = 18;
 constexpr int wordmarkSize = 18;
 constexpr int padding = 12;
-constexpr int verticalPadding = 6;
+constexpr int verticalPadding = 4;
 
 class Button final : public QToolButton {
   public:
@@ -32,7 +32,7 @@ class Button final : public QToolButton {
         setObjectName(QStringLiteral("command"));
         setFont(textFont(TextStyle::callout, QFont::Medium));
         setDefaultAction(command);
-        setMinimumWidth(sizeHint().width());
+        setMinimumSize(sizeHint().width(), theme::touchTarget);
         connect(command, &QAction::changed, this, [this] { showWanted(); });
         showWanted();
     }

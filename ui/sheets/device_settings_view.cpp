@@ -111,6 +111,8 @@ DeviceSettingsView::DeviceSettingsView(engine::MixerEngine& mixerEngine, QWidget
           QStringLiteral("MIDI Input"), midiPickerWidth, [this](int choice) { chooseMIDISource(choice); }
       )),
       midiCaption(makeText({}, TextStyle::caption2, theme::secondaryText)) {
+    for (MenuPicker* picker : {bufferSize, masterOutput, midiSource})
+        picker->setMinimumHeight(theme::touchTarget);
     auto* const sections = new QWidget;
     auto* const column = new QVBoxLayout(sections);
     column->setContentsMargins(padding, padding, padding, padding);

@@ -30,7 +30,7 @@ constexpr int lowestList = 112;
 constexpr QSize mainButtonSize(72, 22);
 constexpr int iconSize = 16;
 constexpr int insertLabelWidth = 56;
-constexpr QSize saveButtonSize(72, 22);
+constexpr QSize saveButtonSize(72, theme::touchTarget);
 
 /// The widest text that does not move the buttons.
 const QString widePosition = QStringLiteral("100 / 100");
@@ -53,6 +53,7 @@ QToolButton* makeIconButton(const QString& icon, const QString& name, Qt::ToolBu
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::TabFocus);
     button->setFont(textFont(TextStyle::callout));
+    button->setMinimumHeight(theme::touchTarget);
     return button;
 }
 
@@ -185,6 +186,7 @@ QLayout* SnapshotsView::makeInsertRow(std::size_t slot) {
     auto* const toggle = new QCheckBox(QStringLiteral("Recall-Safe"));
     toggle->setFont(textFont(TextStyle::callout));
     toggle->setToolTip(recallSafeHelp);
+    toggle->setMinimumHeight(theme::touchTarget);
     toggle->setAccessibleName(QStringLiteral("%1 Recall-Safe").arg(name));
     connect(toggle, &QCheckBox::clicked, this, [this, slot] { toggleRecallSafe(slot); });
     recallSafe[slot] = toggle;

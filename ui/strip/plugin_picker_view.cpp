@@ -20,7 +20,7 @@ constexpr QSize sheetSize(420, 520);
 constexpr int padding = 16;
 constexpr int lineSpacing = 10;
 constexpr int cancelWidth = 90;
-constexpr int rowHeight = 24;
+constexpr int titleHeight = 24;
 /// The item role of a component's index in the whole list.
 constexpr int placeRole = Qt::UserRole;
 
@@ -35,7 +35,7 @@ bool contains(const std::string& text, const QString& searched) {
 QListWidgetItem* makeMakerItem(const std::string& maker) {
     auto* const item = new QListWidgetItem(QString::fromStdString(maker));
     item->setFlags(Qt::NoItemFlags);
-    item->setSizeHint({0, rowHeight});
+    item->setSizeHint({0, titleHeight});
     item->setFont(textFont(TextStyle::caption, QFont::Bold));
     item->setForeground(theme::secondaryText);
     return item;
@@ -58,7 +58,7 @@ PluginPickerView::PluginPickerView(
       progress(new QProgressBar) {
     search->setPlaceholderText(QStringLiteral("Search"));
     search->setAccessibleName(QStringLiteral("Search"));
-    search->setMinimumHeight(28);
+    search->setMinimumHeight(theme::touchTarget);
     search->setClearButtonEnabled(true);
     search->installEventFilter(this);
     list->setAccessibleName(QStringLiteral("Installed plugins"));
@@ -123,7 +123,7 @@ void PluginPickerView::showComponents() {
             list->addItem(makeMakerItem(component.manufacturerName));
         maker = &component.manufacturerName;
         auto* const item = new QListWidgetItem(QString::fromStdString(component.name), list);
-        item->setSizeHint({0, rowHeight});
+        item->setSizeHint({0, theme::touchTarget});
         item->setData(placeRole, QVariant::fromValue(place));
         if (list->currentItem() == nullptr) list->setCurrentItem(item);
     }

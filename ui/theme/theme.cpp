@@ -54,9 +54,11 @@ QString makeStyleSheet() {
         QComboBox::drop-down { border: none; width: 18px; }
         QComboBox::down-arrow { image: url(:/icons/choose.svg); width: 10px; height: 10px; }
         QComboBox QAbstractItemView, QMenu { background: %1; border: 1px solid %2; }
+        QComboBox QAbstractItemView::item, QListView::item { min-height: %10px; }
         QComboBox { selection-background-color: %6; selection-color: white; }
         QMenu::item:selected, QMenuBar::item:selected { background: %6; color: white; }
-        QMenu { menu-scrollable: 1; }
+        QMenu { menu-scrollable: 1; padding: 0 4px; }
+        QMenu::item { min-height: %10px; padding: 0 28px 0 8px; }
         QMenu::item:disabled { color: %7; }
         QMenu::item:selected:disabled { background: %1; }
         QAbstractItemView::item:selected { background: %6; color: white; }
@@ -75,7 +77,7 @@ QString makeStyleSheet() {
         QCheckBox::indicator { width: 14px; height: 14px; background: %3; border: 1px solid %2; border-radius: 3px; }
         QCheckBox::indicator:focus, QCheckBox::indicator:hover { border-color: %4; }
         QCheckBox::indicator:checked { background: %4; border-color: %4; image: url(:/icons/check.svg); }
-        QPushButton { background: %5; border: 1px solid %2; border-radius: 4px; padding: 5px 14px; min-width: 60px; }
+        QPushButton { background: %5; border: 1px solid %2; border-radius: 4px; padding: 0 14px; min-width: 60px; min-height: %11px; }
         QPushButton:hover, QPushButton:default, QPushButton:focus { border-color: %4; }
         QPushButton:pressed { background: %2; }
         QPushButton#destructive { background: %8; border-color: %9; }
@@ -98,7 +100,7 @@ QString makeStyleSheet() {
         .arg(
             css(theme::panelBackground), css(theme::divider), css(theme::well), css(theme::accent),
             css(theme::raised), css(theme::selection), css(theme::disabledText), css(theme::red.darker(170)),
-            css(theme::red)
+            css(theme::red), QString::number(theme::touchTarget), QString::number(theme::touchTarget - 2)
         );
 }
 

@@ -52,7 +52,7 @@ HelpView::HelpView(QWidget* parent) : QWidget(parent), list(new QListWidget), pa
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setAccessibleName(QStringLiteral("Help topics"));
     list->setStyleSheet(QStringLiteral("QListWidget { background: %1; padding: 6px; }"
-                                       "QListWidget::item { padding: 5px 8px; border-radius: 4px; }")
+                                       "QListWidget::item { padding: 0 8px; border-radius: 4px; }")
                             .arg(theme::panelBackground.name()));
     for (const HelpTopic& topic : topics)
         list->addItem(topic.title);
