@@ -7,7 +7,7 @@ set -euo pipefail
 build=(cmake ninja-build ccache g++ pkg-config libasound2-dev libjack-jackd2-dev libpipewire-0.3-dev libsndfile1-dev
     liblilv-dev lv2-dev liblo-dev libsystemd-dev nlohmann-json3-dev libfmt-dev libcli11-dev qt6-base-dev qt6-svg-dev
     libgl-dev libx11-dev)
-tests=(googletest libgtest-dev libgmock-dev jackd2 pipewire pipewire-bin libspa-0.2-modules dbus-daemon mda-lv2
+tests=(googletest libgtest-dev libgmock-dev jackd2 pipewire pipewire-bin libspa-0.2-modules dbus-daemon at-spi2-core mda-lv2
     x42-plugins xvfb xauth x11-utils openbox xdotool fonts-dejavu-core)
 check=(clang-format)
 lint=(clang-tidy-16 cppcheck valgrind)

@@ -1,12 +1,13 @@
 #include "ui/controls/accessible_controls.h"
 
-#include "ui/controls/console_button.h"
 #include "ui/controls/control_group.h"
+#include "ui/controls/menu_picker.h"
 #include "ui/controls/segmented_picker.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QAccessibleWidget>
 
@@ -52,6 +53,10 @@ class AccessibleButton final : public QAccessibleWidget {
         state.checked = button.isChecked();
         return state;
     }
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        const QString own = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Name && own.isEmpty() ? button.text() : own;
+    }
     [[nodiscard]] QStringList actionNames() const override {
         return {button.isCheckable() ? toggleAction() : pressAction()};
     }
@@ -63,13 +68,41 @@ class AccessibleButton final : public QAccessibleWidget {
     QAbstractButton& button;
 };
 
+/// Presents a menu of choices under its own name. On Linux, Qt would give it the name of the current choice.
+class AccessiblePicker final : public QAccessibleWidget {
+  public:
+    explicit AccessiblePicker(MenuPicker* shown)
+        : QAccessibleWidget(shown, QAccessible::ComboBox), picker(*shown) {}
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        // On Linux, screen readers receive no other text of a value.
+        const bool isValue = kind == QAccessible::Value || kind == QAccessible::Description;
+        return isValue ? picker.currentText() : QAccessibleWidget::text(kind);
+    }
+    [[nodiscard]] int childCount() const override { return 1; }
+    [[nodiscard]] QAccessibleInterface* child(int index) const override {
+        return index == 0 ? QAccessible::queryAccessibleInterface(picker.view()) : nullptr;
+    }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
+        return child != nullptr && child->object() == picker.view() ? 0 : -1;
+    }
+    [[nodiscard]] QStringList actionNames() const override { return {showMenuAction()}; }
+    void doAction(const QString& name) override {
+        if (name == showMenuAction() && picker.isEnabled()) picker.showPopup();
+    }
+
+  private:
+    MenuPicker& picker;
+};
+
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* const fader = dynamic_cast<VerticalFader*>(object)) return new AccessibleFader(fader);
     if (auto* const slider = dynamic_cast<ValueSlider*>(object)) return new AccessibleFader(slider);
     if (auto* const group = dynamic_cast<ControlGroup*>(object))
         return new QAccessibleWidget(group, QAccessible::Grouping);
-    if (auto* const button = qobject_cast<QAbstractButton*>(object);
-        button != nullptr && (button->isCheckable() || dynamic_cast<ConsoleButton*>(object) != nullptr))
+    if (auto* const picker = dynamic_cast<MenuPicker*>(object)) return new AccessiblePicker(picker);
+    auto* const button = qobject_cast<QAbstractButton*>(object);
+    if (button != nullptr && !object->inherits("QPushButton") && !object->inherits("QToolButton"))
         return new AccessibleButton(button);
     return nullptr;
 }

@@ -3,6 +3,7 @@
 #include "ui/controls/sign.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QScrollBar>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
@@ -26,6 +27,10 @@ MenuPicker::MenuPicker(const QString& name, int width, std::function<void(int)> 
     setFocusPolicy(Qt::TabFocus);
     // Unlike the menu's own, it respects the height of rows in the style sheet.
     setItemDelegate(new QStyledItemDelegate(this));
+    connect(this, &QComboBox::currentIndexChanged, this, [this] {
+        QAccessibleEvent change(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&change);
+    });
     connect(this, &QComboBox::activated, this, std::move(onChoose));
 }
 
