@@ -32,11 +32,13 @@ void Hand::click(const QWidget& widget, int button) {
 }
 
 void Hand::clickAt(const QWidget& widget, QPoint place, int button) {
+    ++touchCount;
     moveTo(widget, place);
     run({QStringLiteral("click"), QString::number(button)});
 }
 
 void Hand::drag(const QWidget& widget, QPoint from, QPoint to) {
+    ++touchCount;
     moveTo(widget, from);
     run({QStringLiteral("mousedown"), QStringLiteral("1")});
     moveTo(widget, to);
@@ -48,6 +50,7 @@ void Hand::type(const QString& text) {
 }
 
 void Hand::press(const QString& keys) {
+    ++touchCount;
     run({QStringLiteral("key"), keys});
 }
 

@@ -19,9 +19,13 @@ class Hand final {
     void type(const QString& text);
     /// Presses a key with its modifiers, for example "ctrl+s" or "Return".
     void press(const QString& keys);
+    /// The number of clicks, drags and keys so far.
+    [[nodiscard]] int touches() const { return touchCount; }
 
   private:
     void moveTo(const QWidget& widget, QPoint place);
+
+    int touchCount = 0;
 };
 
 } // namespace orvane::test

@@ -257,6 +257,7 @@ TEST_F(Operator, RunsAShowInMixOnALaptop) {
     window->resize(1366, 740);
     chooseSize(QStringLiteral("48 channels"), 48);
     chooseDemoAndStart();
+    const int start = hand.touches();
     auto& bridge = *viewsIn<MeterBridge>(*window).at(0);
     EXPECT_TRUE(bridge.isVisible() && bridge.width() <= window->width());
     EXPECT_TRUE(waitUntil([&] {
@@ -265,16 +266,19 @@ TEST_F(Operator, RunsAShowInMixOnALaptop) {
         });
     })) << "the open ones are in sight without a click";
     press(view(1), QStringLiteral("Mute"));
-    EXPECT_TRUE(waitUntil([&] { return strip(1).muted; })) << "one click";
+    EXPECT_TRUE(waitUntil([&] { return strip(1).muted; }));
+    EXPECT_EQ(hand.touches() - start, 1) << "who is open costs no click, mute one";
     const VerticalFader& trim = *viewsIn<VerticalFader>(view(1)).at(0);
     hand.clickAt(trim, {trim.width() / 2, trim.height() / 4});
-    EXPECT_TRUE(waitUntil([&] { return strip(1).trim > 1.3 && strip(1).trim < 1.7; })) << "one click";
+    EXPECT_TRUE(waitUntil([&] { return strip(1).trim > 1.3 && strip(1).trim < 1.7; }));
+    EXPECT_EQ(hand.touches() - start, 2) << "trim costs one click";
     MenuPicker& input = *viewsIn<MenuPicker>(view(2)).at(0);
     hand.click(input);
     const QWidget& menu = *input.view()->viewport();
     EXPECT_TRUE(waitUntil([&] { return menu.isVisible(); }));
     hand.clickAt(menu, input.view()->visualRect(input.model()->index(6, 0)).center());
-    EXPECT_TRUE(waitUntil([&] { return strip(2).inputChannelIndex == 5; })) << "two clicks";
+    EXPECT_TRUE(waitUntil([&] { return strip(2).inputChannelIndex == 5; }));
+    EXPECT_EQ(hand.touches() - start, 4) << "an input costs two clicks";
     hand.clickAt(bridge, {bridge.width() - 10, 10});
     EXPECT_TRUE(waitUntil([&] { return !view(47).visibleRegion().isEmpty(); })) << "one click";
 }
