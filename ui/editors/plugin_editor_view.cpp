@@ -1,5 +1,6 @@
 #include "ui/editors/plugin_editor_view.h"
 
+#include "ui/controls/near_touch.h"
 #include "ui/controls/screen_room.h"
 #include "ui/controls/scroll_guard.h"
 #include "ui/controls/text_label.h"
@@ -41,6 +42,7 @@ PluginEditorView::PluginEditorView(std::shared_ptr<platform::AUViewController> e
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(content);
     new ScrollGuard(*area);
+    new NearTouch(*content);
     auto* const whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(area);

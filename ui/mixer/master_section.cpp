@@ -1,6 +1,7 @@
 #include "ui/mixer/master_section.h"
 
 #include "ui/controls/divider.h"
+#include "ui/controls/near_touch.h"
 #include "ui/controls/text_label.h"
 #include "ui/meters/meters.h"
 #include "ui/mixer/master_output_control.h"
@@ -178,6 +179,7 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
     row->addStretch();
     setWidget(content);
     setPresentation(StripPresentation::setup);
+    new NearTouch(*content);
 
     subscriptions.push_back(engine.state().master.subscribe([this](const auto&) { showSettings(); }));
     subscriptions.push_back(engine.state().isRunning.subscribe([this](bool) { showStatus(); }));
