@@ -105,12 +105,16 @@ TEST_F(Keyboard, ScrollsByTheGroundAndMovesASliderThatIsNearlyHit) {
     auto& pan = viewNamed<ValueSlider>(view(0), "Pan");
     QWidget& ground = *view(0).parentWidget();
     // A press that the strip does not take goes to the ground.
-    const QPoint above = pan.mapTo(&ground, QPoint(pan.width() - 8, pan.height() / 2 - 13));
+    const QPoint above = pan.mapTo(&ground, QPoint(pan.width() - 8, pan.height() / 2 - 11));
     QTest::mouseClick(&ground, Qt::LeftButton, {}, above);
     EXPECT_GT(std::get<session::output::Stereo>(at(0).outputRouting).pan, 0.8);
     EXPECT_TRUE(pan.hasFocus());
     QTest::mouseClick(&ground, Qt::LeftButton, {}, pan.mapTo(&ground, QPoint(2, pan.height() / 2 + 15)));
     EXPECT_GT(std::get<session::output::Stereo>(at(0).outputRouting).pan, 0.8) << "beyond its reach";
+
+    auto& stereo = buttonOf(view(1), "Stereo");
+    QTest::mouseClick(&ground, Qt::LeftButton, {}, stereo.mapTo(&ground, QPoint(9, stereo.height() + 3)));
+    EXPECT_TRUE(stereo.isChecked()) << "a low button has room below";
 
     const auto& area = *dynamic_cast<QScrollArea*>(ground.parentWidget()->parentWidget());
     const QPoint beside = view(3).geometry().topRight() + QPoint(6, 100);

@@ -8,23 +8,25 @@ class QMouseEvent;
 
 namespace orvane::ui {
 
-/// Lets fingers hit thin sliders and faders: a press beside the controls of a view, but close to the track of
-/// a slider or a fader, moves that one. Main thread.
+/// Lets fingers hit small controls: a press beside the controls of a view, but close to the track of a slider
+/// or a fader, or just above or below a low button, goes to that control. Main thread.
 class NearTouch final : public QObject {
   public:
-    /// Serves the sliders and faders within `view`, which owns it.
+    /// Serves the controls within `view`, which owns it.
     explicit NearTouch(QWidget& view);
 
   protected:
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
   private:
-    [[nodiscard]] QWidget* sliderNear(QPoint place) const;
+    void hold(QPoint place);
     bool pass(const QMouseEvent& event);
 
     QWidget& view;
-    /// The slider that the current press moves.
+    /// The control that takes the current press.
     QPointer<QWidget> held;
+    /// From the press to the closest place of the control.
+    QPoint offset;
 };
 
 } // namespace orvane::ui

@@ -2,6 +2,7 @@
 
 #include "ui/controls/console_button.h"
 #include "ui/controls/divider.h"
+#include "ui/controls/near_touch.h"
 #include "ui/controls/text_label.h"
 #include "ui/controls/text_prompt.h"
 #include "ui/sheets/midi_learn_notice.h"
@@ -77,6 +78,7 @@ SnapshotsView::SnapshotsView(engine::MixerEngine& mixerEngine, QWidget* parent)
     list->setMinimumHeight(lowestList);
 
     auto* const content = new QWidget;
+    new NearTouch(*content);
     auto* const lines = new QVBoxLayout(content);
     lines->setContentsMargins(padding, padding, padding, padding);
     lines->setSpacing(lineSpacing);
