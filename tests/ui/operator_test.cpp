@@ -279,6 +279,12 @@ TEST_F(Operator, RunsAShowInMixOnALaptop) {
     hand.clickAt(menu, input.view()->visualRect(input.model()->index(6, 0)).center());
     EXPECT_TRUE(waitUntil([&] { return strip(2).inputChannelIndex == 5; }));
     EXPECT_EQ(hand.touches() - start, 4) << "an input costs two clicks";
+    engine().newSnapshot();
+    engine().newSnapshot();
+    engine().recallSnapshot(0);
+    hand.press("F8");
+    EXPECT_TRUE(waitUntil([&] { return engine().state().currentSnapshotIndex.get() == 1; }));
+    EXPECT_EQ(hand.touches() - start, 5) << "the next scene costs one key";
     hand.clickAt(bridge, {bridge.width() - 10, 10});
     EXPECT_TRUE(waitUntil([&] { return !view(47).visibleRegion().isEmpty(); })) << "one click";
 }

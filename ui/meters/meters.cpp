@@ -26,7 +26,7 @@ constexpr QMargins lyingOverhang(18, 2, 12, 2);
 
 constexpr int columnSegments = 20;
 constexpr QSize columnSize(54, 150);
-constexpr QSize smallestColumn(46, 80);
+constexpr QSize smallestColumn(46, 56);
 constexpr int widestColumn = 74;
 constexpr int columnSpacing = 3;
 constexpr int reductionWidth = 10;

@@ -2,8 +2,8 @@
 
 #include "ui/controls/confirmation.h"
 #include "ui/controls/divider.h"
-#include "ui/mixer/audio_notice.h"
 #include "ui/keys.h"
+#include "ui/mixer/audio_notice.h"
 #include "ui/mixer/channel_area.h"
 #include "ui/mixer/master_section.h"
 #include "ui/mixer/mixer_toolbar.h"

@@ -19,7 +19,7 @@ namespace {
 constexpr int gap = 4;
 constexpr int captionSize = 9;
 constexpr QSize faderTrackSize(36, 130);
-constexpr QSize smallestFader(30, 70);
+constexpr QSize smallestFader(30, 48);
 constexpr int valueWidth = 44;
 constexpr int mixValueWidth = 36;
 constexpr int mixGap = 2;

@@ -3,6 +3,7 @@
 #include "ui/controls/console_button.h"
 #include "ui/controls/divider.h"
 #include "ui/controls/indicator_lamp.h"
+#include "ui/controls/near_touch.h"
 #include "ui/controls/text_label.h"
 #include "ui/meters/meters.h"
 #include "ui/sheets/midi_learn_notice.h"
@@ -89,6 +90,7 @@ StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, const MixerComman
     load->setFixedSize(loadMeterSize);
     load->setAccessibleName(QStringLiteral("CPU load"));
     copy->setToolTip(copyHelp);
+    new NearTouch(*this);
     message->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     auto* const row = new QHBoxLayout;
