@@ -1,17 +1,17 @@
 #include "cli/render.h"
 #include "engine/session/channel_strip.h"
 #include "engine/session/mixer_json_document.h"
-#include "platform/files/sound_file_reader.h"
 #include "support/build_files.h"
 #include "support/program.h"
+#include "support/sound_files.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -25,13 +25,9 @@ namespace output = session::output;
 
 /// The SHA-256 of all samples, frame by frame; fails if they are silence.
 std::string hashOf(const std::filesystem::path& sound, const test::TemporaryFolder& folder) {
-    platform::SoundFileReader reader = platform::SoundFileReader::open(sound).value();
-    const auto frames = static_cast<std::size_t>(reader.frameCount());
-    std::vector channels(reader.channelCount(), std::vector<float>(frames));
-    const std::vector<std::span<float>> views(channels.begin(), channels.end());
-    EXPECT_EQ(reader.read(views).value(), frames);
+    const test::Channels channels = test::readSound(sound);
     std::string bytes;
-    for (std::size_t frame = 0; frame < frames; ++frame)
+    for (std::size_t frame = 0; frame < channels.front().size(); ++frame)
         for (const std::vector<float>& channel : channels)
             bytes.append(reinterpret_cast<const char*>(&channel[frame]), sizeof(float));
     for (const std::vector<float>& channel : channels)

@@ -100,16 +100,6 @@ TEST(Program, IsSilentIfTheReaderOfItsResultIsGone) {
     EXPECT_EQ(contentOf(folder / "stderr"), "");
 }
 
-TEST(Program, FailsIfAFileExceedsTheSizeLimit) {
-    const TemporaryFolder folder;
-    const std::string command = "ulimit -f 64; " + program + " render --input " + panel + " --output '"
-                                + (folder / "out.wav").string() + "' 2>'" + (folder / "stderr").string()
-                                + "'";
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
-    EXPECT_THAT(contentOf(folder / "stderr"), MatchesRegex("orvane-cli: [^\n]*out.wav[^\n]*\n"));
-    EXPECT_EQ(folder.names(), (std::set<std::string>{"stderr"}));
-}
-
 TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     const TemporaryFolder folder;
     const std::string render = program + " render --input ";

@@ -1,8 +1,8 @@
 #include "platform/base/planar_blocks.h"
-#include "platform/files/sound_file_writer.h"
 #include "platform/virtual/looped_file.h"
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
+#include "support/sound_files.h"
 #include "support/temporary_folder.h"
 #include "support/virtual_driver_test.h"
 
@@ -26,14 +26,11 @@ float sampleAt(std::size_t channel, std::size_t frame) {
 }
 
 void writeLoop(const std::filesystem::path& path, std::size_t frameCount) {
-    auto writer = SoundFileWriter::create(path, 3, 8000.0);
-    PlanarBlocks blocks(3, frameCount);
-    const auto views = blocks.writable(frameCount);
-    for (std::size_t channel = 0; channel < 3; ++channel)
+    orvane::test::Channels channels(3);
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
         for (std::size_t frame = 0; frame < frameCount; ++frame)
-            views[channel][frame] = sampleAt(channel, frame);
-    ASSERT_TRUE(writer.value().write(blocks.readable(frameCount)));
-    ASSERT_TRUE(writer.value().commit());
+            channels[channel].push_back(sampleAt(channel, frame));
+    orvane::test::writeSound(path, channels, 8000.0);
 }
 
 /// Reads `total` frames in blocks of random lengths and compares them with a file of `frameCount` frames.

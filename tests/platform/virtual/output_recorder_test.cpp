@@ -1,9 +1,9 @@
 #include "platform/base/planar_blocks.h"
-#include "platform/files/sound_file_reader.h"
 #include "platform/virtual/output_recorder.h"
 #include "support/allocation_guard.h"
 #include "support/file_size_limit.h"
 #include "support/random_blocks.h"
+#include "support/sound_files.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -24,21 +24,9 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::virtual_devices;
+using orvane::test::Channels;
+using orvane::test::readSound;
 using orvane::test::TemporaryFolder;
-
-using Channels = std::vector<std::vector<float>>;
-
-Channels contentOf(const std::filesystem::path& path) {
-    auto reader = SoundFileReader::open(path);
-    if (!reader) return {};
-    Channels samples(
-        reader.value().channelCount(),
-        std::vector<float>(static_cast<std::size_t>(reader.value().frameCount()))
-    );
-    const std::vector<std::span<float>> views(samples.begin(), samples.end());
-    EXPECT_EQ(reader.value().read(views).value(), samples.front().size());
-    return samples;
-}
 
 /// Passes noise to the recorder in blocks of random lengths and returns it.
 Channels recordNoise(OutputRecorder& recorder, std::size_t blockCount) {
@@ -71,8 +59,8 @@ TEST_F(OutputRecorderTest, KeepsEachTakeBitForBit) {
     ASSERT_TRUE(recorder.start(VirtualPacing::stepped));
     const Channels second = recordNoise(recorder, 200);
     recorder.stop();
-    EXPECT_EQ(contentOf(folder / "mix.wav"), first);
-    EXPECT_EQ(contentOf(folder / "mix-3.wav"), second);
+    EXPECT_EQ(readSound(folder / "mix.wav"), first);
+    EXPECT_EQ(readSound(folder / "mix-3.wav"), second);
     EXPECT_EQ(recorder.file(), folder / "mix-3.wav");
     EXPECT_EQ(orvane::test::contentOf(folder / "mix-2.wav"), "of yesterday");
     EXPECT_THAT(folder.names(), testing::SizeIs(3));
@@ -101,7 +89,7 @@ TEST_F(OutputRecorderTest, IsReadableUpToTheLastSecondAtAnyTime) {
                 given[channel].insert(given[channel].end(), more[channel].begin(), more[channel].end());
             // Exactly what a kill would leave now.
             const std::size_t recorded = given[0].size();
-            expectBeginning(contentOf(folder / name), given, recorded > rate ? recorded - rate : 1);
+            expectBeginning(readSound(folder / name), given, recorded > rate ? recorded - rate : 1);
         }
     }
 }
@@ -116,7 +104,7 @@ TEST_F(OutputRecorderTest, KeepsACompleteFileAndLogsItIfTheDiskIsFull) {
             given = recordNoise(recorder, 30);
             recorder.stop();
         }
-        expectBeginning(contentOf(folder / name), given, 37'000);
+        expectBeginning(readSound(folder / name), given, 37'000);
         EXPECT_LE(std::filesystem::file_size(folder / name), 300'003U);
         const auto problem = recorder.takeProblem();
         ASSERT_TRUE(problem);
@@ -139,7 +127,7 @@ TEST_F(OutputRecorderTest, IsCompletedOnExit) {
     EXPECT_EQ(status, 0);
     OutputRecorder recorder(folder / "same.wav", 2, 48000.0);
     ASSERT_TRUE(recorder.start(VirtualPacing::stepped));
-    EXPECT_EQ(contentOf(folder / "mix.wav"), recordNoise(recorder, 20));
+    EXPECT_EQ(readSound(folder / "mix.wav"), recordNoise(recorder, 20));
 }
 
 TEST_F(OutputRecorderTest, CountsTheFramesLostToASlowDisk) {
@@ -152,7 +140,7 @@ TEST_F(OutputRecorderTest, CountsTheFramesLostToASlowDisk) {
         recorder.take(blocks.readable(moreThanTheQueueHolds));
     }
     recorder.stop();
-    const std::size_t kept = contentOf(folder / "mix.wav").at(0).size();
+    const std::size_t kept = readSound(folder / "mix.wav").at(0).size();
     EXPECT_LT(kept, moreThanTheQueueHolds);
     const std::string dropped = "lacks " + std::to_string(moreThanTheQueueHolds - kept) + " frames";
     EXPECT_THAT(recorder.takeProblem().value_or(""), testing::HasSubstr(dropped));

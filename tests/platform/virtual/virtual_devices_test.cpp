@@ -1,11 +1,9 @@
 #include "platform/virtual/virtual_devices.h"
 
-#include "platform/base/planar_blocks.h"
-#include "platform/files/sound_file_reader.h"
-#include "platform/files/sound_file_writer.h"
 #include "platform/virtual/looped_file.h"
 #include "platform/virtual/output_recorder.h"
 #include "support/no_threads.h"
+#include "support/sound_files.h"
 #include "support/stream_clients.h"
 #include "support/temporary_folder.h"
 #include "support/virtual_driver_test.h"
@@ -13,11 +11,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -29,21 +27,17 @@ using testing::ElementsAre;
 using VirtualDevicesTest = VirtualDriverTest;
 
 TEST_F(VirtualDevicesTest, ThePanelLoopsItsRecordingSampleForSample) {
-    auto reader = SoundFileReader::open(panelRecording());
-    const auto length = static_cast<std::size_t>(reader.value().frameCount());
-    PlanarBlocks recording(8, length);
-    ASSERT_TRUE(reader.value().read(recording.writable(length)));
-
+    const Channels recording = readSound(panelRecording());
+    const std::size_t length = recording[0].size();
     KeepingClient client;
     ASSERT_EQ(driver.requestBufferSize(panel, 4000), noErr);
     const auto stream = startOn(panel, client);
     const std::size_t cycles = length / 4000 + 3;
     ASSERT_EQ(driver.clock().step(panel, cycles), cycles);
-    const auto original = recording.readable(length);
     ASSERT_EQ(client.captured.size(), 8U);
     for (std::size_t channel = 0; channel < 8; ++channel)
         for (std::size_t frame = 0; frame < cycles * 4000; ++frame)
-            ASSERT_EQ(client.captured[channel][frame], original[channel][frame % length])
+            ASSERT_EQ(client.captured[channel][frame], recording[channel][frame % length])
                 << "channel " << channel << ", frame " << frame;
 }
 
@@ -51,11 +45,9 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
     for (const std::size_t channelCount : {1U, 5U}) {
         const TemporaryFolder folder;
         const std::string name = std::to_string(channelCount) + " microphones.wav";
-        auto writer = SoundFileWriter::create(folder / name, channelCount, 44100.0);
-        PlanarBlocks samples(channelCount, 1000);
-        samples.writable(1000)[0][999] = 0.5F;
-        ASSERT_TRUE(writer.value().write(samples.readable(1000)));
-        ASSERT_TRUE(writer.value().commit());
+        Channels samples(channelCount, std::vector<float>(1000));
+        samples[0][999] = 0.5F;
+        writeSound(folder / name, samples, 44100.0);
 
         auto device = fileDevice(folder / name, log).value();
         const std::size_t outputs = channelCount == 1 ? 2 : 5;
@@ -71,13 +63,8 @@ TEST_F(VirtualDevicesTest, AFileIsPlayedByADeviceOfItsShapeAndOutputsAreRecorded
         files.clock().step(uid, 4);
         stream->stop();
         EXPECT_EQ(client.captured[0][1999], 0.5F);
-        auto recorded = SoundFileReader::open(folder / "mix.wav");
-        ASSERT_TRUE(recorded);
-        ASSERT_EQ(recorded.value().frameCount(), 2048);
-        PlanarBlocks mix(outputs, 2048);
-        ASSERT_TRUE(recorded.value().read(mix.writable(2048)));
-        for (std::size_t channel = 0; channel < outputs; ++channel)
-            EXPECT_TRUE(std::ranges::equal(mix.readable(2048)[channel], client.played[channel])) << channel;
+        EXPECT_EQ(client.played[0].size(), 2048U);
+        EXPECT_EQ(readSound(folder / "mix.wav"), client.played);
     }
     EXPECT_FALSE(fileDevice("/nowhere/missing.wav", log));
 }
