@@ -1,6 +1,5 @@
 #include "platform/files/atomic_file.h"
 #include "support/description_of.h"
-#include "support/file_size_limit.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -44,19 +43,6 @@ TEST(AtomicFile, UsesDefaultPermissionsOrThoseOfTheReplacedFile) {
         EXPECT_EQ(permissionsOf(target), mode) << std::oct << mode;
         EXPECT_THAT(folder.names(), ElementsAre("ordinary", "target"));
     }
-}
-
-TEST(AtomicFile, KeepsTheOldFileIfWritingFails) {
-    const TemporaryFolder folder;
-    const path target = folder.add("target", "old");
-    std::string description;
-    {
-        const FileSizeLimit limit(1000);
-        description = write(target, std::string(5000, 'x'));
-    }
-    EXPECT_EQ(description, refusal(target, "File too large"));
-    EXPECT_EQ(contentOf(target), "old");
-    EXPECT_THAT(folder.names(), ElementsAre("target"));
 }
 
 TEST(AtomicFile, ReplacesTheTargetOfALinkAndKeepsTheLink) {
