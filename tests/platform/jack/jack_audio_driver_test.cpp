@@ -1,14 +1,17 @@
 #include "platform/jack/jack_audio_driver.h"
+#include "support/change_log.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
+#include "support/stream_clients.h"
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdint>
 #include <memory>
-#include <mutex>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +29,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
+using orvane::test::ChangeLog;
+using orvane::test::CountingClient;
 using orvane::test::JackPeer;
 using orvane::test::JackServerName;
 using orvane::test::JackTestServer;
@@ -39,81 +44,21 @@ struct Driver {
     JackAudioDriver jack{clients};
 };
 
-struct SilentClient final : AudioStreamClient {
-    void cycle(
-        std::span<const std::span<const float>>, std::span<const std::span<float>> outputs, std::size_t
-    ) noexcept override {
-        for (const std::span<float> output : outputs)
-            std::ranges::fill(output, 0.0F);
-    }
-};
-
-/// Records a watch's notifications, with the buffer size that the listener read.
-class WatchLog final {
-  public:
-    WatchLog(AudioDriver& driver, const std::string& uid)
-        : watch(driver.watch(uid, [this, &driver, uid](AudioDeviceChange change) {
-              const auto bufferSize = driver.bufferSize(uid);
-              const std::scoped_lock lock(mutex);
-              lines.push_back(
-                  change == AudioDeviceChange::died           ? "died"
-                  : change == AudioDeviceChange::lostChannels ? "lost channels"
-                  : bufferSize                                ? std::to_string(bufferSize.value())
-                                                              : "unknown"
-              );
-          })) {}
-
-    [[nodiscard]] std::vector<std::string> received() const {
-        const std::scoped_lock lock(mutex);
-        return lines;
-    }
-
-    [[nodiscard]] bool waitForLines(std::size_t count) const {
-        return waitFor([&] { return received().size() >= count; });
-    }
-
-  private:
-    mutable std::mutex mutex;
-    std::vector<std::string> lines;
-    std::unique_ptr<AudioDeviceWatch> watch;
-};
-
-class JackServerFormats : public testing::TestWithParam<JackTestServer::Format> {};
-
-INSTANTIATE_TEST_SUITE_P(
-    Formats, JackServerFormats,
-    testing::Values(
-        JackTestServer::Format{.sampleRate = 44100, .period = 1024, .channelCount = 1},
-        JackTestServer::Format{.sampleRate = 48000, .period = 64, .channelCount = 12},
-        JackTestServer::Format{.sampleRate = 96000, .period = 512, .channelCount = 32}
-    )
-);
-
-TEST_P(JackServerFormats, ShowTheServersHardwareAsADevice) {
-    const auto [sampleRate, period, channelCount, waits] = GetParam();
-    const JackTestServer server(GetParam());
-    Driver driver;
-    EXPECT_THAT(
-        driver.jack.devices(),
-        ElementsAre(AudioDriverDevice{
-            "jack:system", "system", channelCount, channelCount, static_cast<double>(sampleRate)})
-    );
-    EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), period);
-}
+constexpr const char* uid = "jack:system";
 
 TEST(JackAudioDriver, HasNoDevicesAndLogsNothingWithoutAServer) {
     const JackServerName nobody;
     testing::internal::CaptureStderr();
     {
         Driver driver;
-        SilentClient client;
+        CountingClient client;
         EXPECT_THAT(driver.jack.devices(), IsEmpty());
-        EXPECT_EQ(driver.jack.bufferSize("jack:system").error(), kAudioHardwareBadDeviceError);
-        EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 256), kAudioHardwareBadDeviceError);
-        EXPECT_EQ(driver.jack.open("jack:system", true, client).error(), kAudioHardwareBadDeviceError);
-        const WatchLog log(driver.jack, "jack:system");
-        EXPECT_TRUE(log.waitForLines(1));
-        EXPECT_THAT(log.received(), ElementsAre("died"));
+        EXPECT_EQ(driver.jack.bufferSize(uid).error(), kAudioHardwareBadDeviceError);
+        EXPECT_EQ(driver.jack.requestBufferSize(uid, 256), kAudioHardwareBadDeviceError);
+        EXPECT_EQ(driver.jack.open(uid, true, client).error(), kAudioHardwareBadDeviceError);
+        ChangeLog changes;
+        const auto watch = driver.jack.watch(uid, changes.listener());
+        EXPECT_THAT(changes.waitFor(1), ElementsAre(AudioDeviceChange::died));
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
@@ -121,11 +66,11 @@ TEST(JackAudioDriver, HasNoDevicesAndLogsNothingWithoutAServer) {
 TEST(JackAudioDriver, RejectsUnknownUids) {
     const JackTestServer server({});
     Driver driver;
-    SilentClient client;
-    for (const char* uid : {"", "system", "jack:", "jack:all", "jack:System"}) {
-        EXPECT_EQ(driver.jack.bufferSize(uid).error(), kAudioHardwareBadDeviceError) << uid;
-        EXPECT_EQ(driver.jack.requestBufferSize(uid, 256), kAudioHardwareBadDeviceError) << uid;
-        EXPECT_EQ(driver.jack.open(uid, true, client).error(), kAudioHardwareBadDeviceError) << uid;
+    CountingClient client;
+    for (const char* unknown : {"", "system", "jack:", "jack:all", "jack:System"}) {
+        EXPECT_EQ(driver.jack.bufferSize(unknown).error(), kAudioHardwareBadDeviceError) << unknown;
+        EXPECT_EQ(driver.jack.requestBufferSize(unknown, 256), kAudioHardwareBadDeviceError) << unknown;
+        EXPECT_EQ(driver.jack.open(unknown, true, client).error(), kAudioHardwareBadDeviceError) << unknown;
     }
 }
 
@@ -140,12 +85,13 @@ TEST(JackAudioDriver, ListsEachClientWithHardwarePortsAndAllOfThemTogether) {
                                    AudioDriverDevice{"jack:all", "All JACK ports", 5, 5, 48000.0}
                                )
     );
-    const WatchLog goes(driver.jack, "jack:" + card->name());
-    const WatchLog stays(driver.jack, "jack:system");
+    ChangeLog ofCard;
+    ChangeLog ofSystem;
+    const auto cardWatch = driver.jack.watch("jack:" + card->name(), ofCard.listener());
+    const auto systemWatch = driver.jack.watch(uid, ofSystem.listener());
     card.reset();
-    EXPECT_TRUE(goes.waitForLines(1));
-    EXPECT_THAT(goes.received(), ElementsAre("died"));
-    EXPECT_THAT(stays.received(), IsEmpty());
+    EXPECT_THAT(ofCard.waitFor(1), ElementsAre(AudioDeviceChange::died));
+    EXPECT_THAT(ofSystem.get(), IsEmpty());
     EXPECT_EQ(driver.jack.devices().size(), 1U);
 }
 
@@ -171,12 +117,16 @@ TEST(JackAudioDriver, NotifiesAStreamWhosePortsHaveGone) {
         SCOPED_TRACE(isUnplugged);
         Driver driver;
         JackAudioDriver other(driver.clients);
-        SilentClient client;
+        CountingClient client;
         auto captures = std::make_unique<CardSide>(name + " In", JackPortIsOutput);
         auto plays = std::make_unique<CardSide>(name + " Out", JackPortIsInput);
-        const WatchLog ofCard(driver.jack, "jack:" + name);
-        const WatchLog ofAll(driver.jack, "jack:all");
-        const WatchLog ofOutputs(other, "jack:" + name);
+        ChangeLog ofCard;
+        ChangeLog ofAll;
+        ChangeLog ofOutputs;
+        const std::unique_ptr<AudioDeviceWatch> watches[] = {
+            driver.jack.watch("jack:" + name, ofCard.listener()),
+            driver.jack.watch("jack:all", ofAll.listener()),
+            other.watch("jack:" + name, ofOutputs.listener())};
         const auto card = driver.jack.open("jack:" + name, true, client);
         const auto all = driver.jack.open("jack:all", true, client);
         const auto outputs = other.open("jack:" + name, false, client);
@@ -187,13 +137,12 @@ TEST(JackAudioDriver, NotifiesAStreamWhosePortsHaveGone) {
             captures.reset();
         else
             jack_port_unregister(captures->client, captures->port);
-        EXPECT_TRUE(ofCard.waitForLines(1));
-        EXPECT_TRUE(ofAll.waitForLines(1));
+        using enum AudioDeviceChange;
+        EXPECT_THAT(ofCard.waitFor(1), ElementsAre(died));
+        EXPECT_THAT(ofAll.waitFor(1), ElementsAre(lostChannels)) << "the other card plays on";
+        EXPECT_THAT(ofOutputs.get(), IsEmpty());
         plays.reset();
-        EXPECT_TRUE(ofOutputs.waitForLines(1));
-        EXPECT_THAT(ofCard.received(), ElementsAre("died"));
-        EXPECT_THAT(ofAll.received(), ElementsAre("lost channels")) << "the other card plays on";
-        EXPECT_THAT(ofOutputs.received(), ElementsAre("died"));
+        EXPECT_THAT(ofOutputs.waitFor(1), ElementsAre(died));
     }
 }
 
@@ -201,26 +150,32 @@ TEST(JackAudioDriver, NotifiesEveryChangeOfTheBufferSizeOnce) {
     const JackTestServer server({});
     Driver driver;
     JackPeer other("other", 1);
-    const WatchLog log(driver.jack, "jack:system");
+    ChangeLog changes;
+    std::atomic<std::uint32_t> sizeSeen = 0;
+    const auto watch = driver.jack.watch(uid, [&, note = changes.listener()](AudioDeviceChange change) {
+        sizeSeen = driver.jack.bufferSize(uid).value();
+        note(change);
+    });
+    const auto sizeAfter = [&](std::size_t count) {
+        EXPECT_EQ(changes.waitFor(count), std::vector(count, AudioDeviceChange::bufferSize));
+        return sizeSeen.load();
+    };
     EXPECT_TRUE(other.setBufferSize(512));
-    EXPECT_TRUE(log.waitForLines(1));
+    EXPECT_EQ(sizeAfter(1), 512U);
     EXPECT_TRUE(other.setBufferSize(512));
-    EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 128), noErr);
-    EXPECT_TRUE(log.waitForLines(2));
-    EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), 128U);
+    EXPECT_EQ(driver.jack.requestBufferSize(uid, 128), noErr);
+    EXPECT_EQ(sizeAfter(2), 128U);
     EXPECT_TRUE(other.setBufferSize(8192));
-    EXPECT_TRUE(log.waitForLines(3));
-    EXPECT_THAT(log.received(), ElementsAre("512", "128", "8192"));
+    EXPECT_EQ(sizeAfter(3), 8192U);
 }
 
 TEST(JackAudioDriver, ReportsABufferSizeThatTheServerRefuses) {
     const JackTestServer server({});
     Driver driver;
     for (const std::uint32_t frameCount : {0U, 8193U, 1U << 31U}) {
-        EXPECT_EQ(
-            driver.jack.requestBufferSize("jack:system", frameCount), kAudioHardwareIllegalOperationError
-        ) << frameCount;
-        EXPECT_EQ(driver.jack.bufferSize("jack:system").value(), 256U) << frameCount;
+        EXPECT_EQ(driver.jack.requestBufferSize(uid, frameCount), kAudioHardwareIllegalOperationError)
+            << frameCount;
+        EXPECT_EQ(driver.jack.bufferSize(uid).value(), 256U) << frameCount;
     }
 }
 
@@ -228,16 +183,17 @@ TEST(JackAudioDriver, SurvivesItsServerAndFindsTheNextOne) {
     for (const int signal : {SIGTERM, SIGKILL}) {
         JackTestServer server({});
         Driver driver;
-        SilentClient client;
-        const WatchLog log(driver.jack, "jack:system");
-        auto stopped = driver.jack.open("jack:system", true, client);
-        auto kept = driver.jack.open("jack:system", true, client);
+        CountingClient client;
+        ChangeLog changes;
+        const auto watch = driver.jack.watch(uid, changes.listener());
+        auto stopped = driver.jack.open(uid, true, client);
+        auto kept = driver.jack.open(uid, true, client);
         ASSERT_TRUE(stopped && kept);
         ASSERT_EQ(stopped.value()->start(), noErr);
         ASSERT_EQ(kept.value()->start(), noErr);
 
         server.end(signal);
-        EXPECT_TRUE(log.waitForLines(1)) << "signal " << signal;
+        EXPECT_EQ(changes.waitFor(1).size(), 1U) << "signal " << signal;
         stopped.value()->stop();
         EXPECT_EQ(stopped.value()->start(), kAudioHardwareBadDeviceError);
         stopped.value().reset();
@@ -247,15 +203,15 @@ TEST(JackAudioDriver, SurvivesItsServerAndFindsTheNextOne) {
         // The server answers before it accepts clients.
         EXPECT_TRUE(waitFor([&] { return driver.jack.devices().size() == 1; })) << "signal " << signal;
         EXPECT_EQ(kept.value()->start(), kAudioHardwareBadDeviceError);
-        EXPECT_EQ(driver.jack.requestBufferSize("jack:system", 512), noErr);
-        EXPECT_TRUE(log.waitForLines(2)) << "signal " << signal;
-        auto next = driver.jack.open("jack:system", true, client);
+        EXPECT_EQ(driver.jack.requestBufferSize(uid, 512), noErr);
+        EXPECT_EQ(changes.waitFor(2).size(), 2U) << "signal " << signal;
+        auto next = driver.jack.open(uid, true, client);
         ASSERT_TRUE(next);
         EXPECT_EQ(next.value()->start(), noErr);
 
         server.end(signal);
-        EXPECT_TRUE(log.waitForLines(3)) << "signal " << signal;
-        EXPECT_THAT(log.received(), ElementsAre("died", "512", "died")) << "signal " << signal;
+        using enum AudioDeviceChange;
+        EXPECT_THAT(changes.waitFor(3), ElementsAre(died, bufferSize, died)) << "signal " << signal;
     }
 }
 

@@ -5,6 +5,7 @@
 #include "support/jack_test_server.h"
 #include "support/wait_for.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
@@ -95,11 +96,17 @@ INSTANTIATE_TEST_SUITE_P(
     )
 );
 
-TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
-    const std::uint32_t channelCount = GetParam().channelCount;
+TEST_P(JackStreamFormats, DescribeTheDeviceAndCarryEverySampleOfEveryChannel) {
+    const auto [sampleRate, period, channelCount, waits] = GetParam();
     constexpr std::size_t frameCount = 20000;
     const JackTestServer server(GetParam());
     StreamDriver driver;
+    EXPECT_THAT(
+        driver.jack.devices(),
+        testing::ElementsAre(AudioDriverDevice{
+            uid, "system", channelCount, channelCount, static_cast<double>(sampleRate)})
+    );
+    EXPECT_EQ(driver.jack.bufferSize(uid).value(), period);
     InvertingClient client;
     JackPeer card("card", channelCount, JackPortIsPhysical);
     const auto stream = driver.jack.open("jack:" + card.name(), true, client);
@@ -108,7 +115,7 @@ TEST_P(JackStreamFormats, CarryEverySampleOfEveryChannel) {
     ASSERT_TRUE(client.waitForCycles(2));
     const std::vector<std::vector<float>> received = card.exchange(frameCount);
     EXPECT_EQ(client.inputCount.load(), channelCount);
-    EXPECT_EQ(client.lastFrameCount.load(), GetParam().period);
+    EXPECT_EQ(client.lastFrameCount.load(), period);
     for (std::size_t channel = 0; channel < channelCount; ++channel) {
         ASSERT_EQ(received[channel].size(), frameCount) << "channel " << channel;
         for (std::size_t frame = 0; frame < frameCount; ++frame)
