@@ -1,7 +1,7 @@
-#include "platform/lv2/lv2_unit_host.h"
 #include "support/hosted_unit.h"
-#include "support/scripted_plugin.h"
 #include "support/wait_for.h"
+
+#include "scripted_host_test.h"
 
 #include <gmock/gmock.h>
 #include <lv2/atom/atom.h>
@@ -18,7 +18,6 @@
 namespace orvane::platform::lv2 {
 namespace {
 
-using test::Lv2Bundles;
 using test::parameter;
 using test::probe;
 using test::scripted;
@@ -54,14 +53,14 @@ std::string withEditor(const std::string& editor) {
 const std::string usualEditor = "a ui:X11UI ; lv2:binary <file://" + scriptedLv2Library
                                 + "> ; lv2:requiredFeature ui:idleInterface , ui:fixedSize .";
 
-class Lv2EditorTest : public testing::Test {
+class Lv2EditorTest : public test::ScriptedHostTest {
   protected:
     Lv2EditorTest() { probe().editor = {}; }
 
     void load(const std::string& editor) {
         bundles.add("scripted.lv2", withEditor(editor));
         host = std::make_unique<Lv2UnitHost>(log, bundles.searchPath());
-        unit = test::instantiate(*host, "plain").unit;
+        unit = make("plain");
         ASSERT_TRUE(unit);
     }
 
@@ -87,13 +86,8 @@ class Lv2EditorTest : public testing::Test {
         );
     }
 
-    Lv2Bundles bundles;
-    std::vector<std::string> lines;
-    SystemLog log{[this](const LogLine& line) { lines.emplace_back(line.text); }};
     Parent parent;
-    std::unique_ptr<Lv2UnitHost> host;
     std::shared_ptr<AUAudioUnit> unit;
-    const std::vector<float> ones = std::vector<float>(64, 1.0F);
 };
 
 TEST_F(Lv2EditorTest, OpensIfTheEditorIsForX11AndItsRequirementsAreSupported) {
