@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <jack/jack.h>
-#include <sys/wait.h>
 
 #include <csignal>
 #include <cstdint>
@@ -25,6 +24,7 @@
 namespace {
 
 using orvane::test::contentOf;
+using orvane::test::exitCodeOf;
 using orvane::test::exitCodeOfShell;
 using orvane::test::JackTestServer;
 using orvane::test::TemporaryFolder;
@@ -74,12 +74,6 @@ class SizeObserver final {
     Sizes sizes;
     std::unique_ptr<jack_client_t, decltype(&jack_client_close)> client;
 };
-
-int exitCodeOf(pid_t process) {
-    int status = 0;
-    ::waitpid(process, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 /// Starts a run that sets the server's buffer size to 128 frames and writes its meters to a file.
 pid_t startRun(const std::string& meters = "/dev/null") {

@@ -2,11 +2,11 @@
 #include "machine/signals.h"
 #include "platform/base/planar_blocks.h"
 #include "platform/virtual/output_recorder.h"
+#include "support/server_process.h"
 #include "support/sound_files.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -19,15 +19,11 @@ using machine::EndDeadline;
 
 /// The exit code of a child process that hangs after `work`.
 int exitCodeOfHangingChild(const std::function<void()>& work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
+    return test::exitCodeOfChild([&work] {
         work();
         while (true)
             ::pause();
-    }
-    int status = -1;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    });
 }
 
 TEST(ForcedEnd, CompletesTheRecordingOfAProgramThatHangs) {

@@ -1,11 +1,11 @@
 #include "machine/process.h"
+#include "support/server_process.h"
 
 #include <gtest/gtest.h>
 #include <linux/capability.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -73,8 +73,7 @@ std::size_t lockedKiB() {
 /// Whether a child process under a memory limit can still allocate memory, which is locked if and only if it
 /// is privileged.
 bool locksOnlyWhatIsAllowed(bool hasPrivilege) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const auto tryToLock = [hasPrivilege] {
         const rlimit little{.rlim_cur = 1 << 16, .rlim_max = 1 << 16};
         setrlimit(RLIMIT_MEMLOCK, &little);
         if (!hasPrivilege) dropCapabilities();
@@ -84,10 +83,8 @@ bool locksOnlyWhatIsAllowed(bool hasPrivilege) {
             mmap(nullptr, plenty, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         const bool isLocked = lockedKiB() >= plenty >> 10;
         _exit(memory != MAP_FAILED && locks == hasPrivilege && isLocked == hasPrivilege ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    };
+    return orvane::test::exitCodeOfChild(tryToLock) == 0;
 }
 
 TEST(MemoryLock, LocksMemoryOnlyIfTheAccountMay) {

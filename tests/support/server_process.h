@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -25,6 +26,22 @@ inline pid_t startServer(std::vector<std::string> words) {
         ::dup2(nowhere, stream);
     ::execvp(arguments.front(), arguments.data());
     ::_exit(EXIT_FAILURE);
+}
+
+/// Waits for a child process; returns its exit code, or -1 if a signal ended it.
+inline int exitCodeOf(pid_t process) {
+    int status = -1;
+    ::waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// The exit code of a copy of this process that does `work`; EXIT_SUCCESS if `work` returns.
+template <class Work>
+int exitCodeOfChild(Work work) {
+    const pid_t child = ::fork();
+    if (child != 0) return exitCodeOf(child);
+    work();
+    ::_exit(EXIT_SUCCESS);
 }
 
 } // namespace orvane::test

@@ -12,8 +12,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
-#include <utility>
-#include <vector>
 
 namespace {
 

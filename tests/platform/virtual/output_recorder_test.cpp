@@ -3,13 +3,13 @@
 #include "support/allocation_guard.h"
 #include "support/file_size_limit.h"
 #include "support/random_blocks.h"
+#include "support/server_process.h"
 #include "support/sound_files.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,7 +18,6 @@
 #include <filesystem>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -114,17 +113,14 @@ TEST_F(OutputRecorderTest, KeepsACompleteFileAndLogsItIfTheDiskIsFull) {
 }
 
 TEST_F(OutputRecorderTest, IsCompletedOnExit) {
-    const pid_t child = ::fork();
-    if (child == 0) {
+    const int exitCode = orvane::test::exitCodeOfChild([this] {
         OutputRecorder recorder(folder / "mix.wav", 2, 48000.0);
         if (!recorder.start(VirtualPacing::live)) ::_exit(2);
         recordNoise(recorder, 20);
         // Windowing libraries do this when they lose their display.
         std::exit(0);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    });
+    EXPECT_EQ(exitCode, 0);
     OutputRecorder recorder(folder / "same.wav", 2, 48000.0);
     ASSERT_TRUE(recorder.start(VirtualPacing::stepped));
     EXPECT_EQ(readSound(folder / "mix.wav"), recordNoise(recorder, 20));
