@@ -150,14 +150,18 @@ TEST(Program, MakesNoWorldWritableFiles) {
         EXPECT_EQ(entry.status().permissions() & fs::perms::others_write, fs::perms::none) << entry.path();
 }
 
+/// A session with one channel of this name, as JSON has it.
+std::filesystem::path sessionNamed(const TemporaryFolder& folder, const std::string& name) {
+    return folder.add(
+        "show.orvane", R"({"channels": [{"name": ")" + name + R"(", "outputRouting": {"none": {}},
+        "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
+        "bufferSize": 512, "snapshots": []})"
+    );
+}
+
 TEST(Program, NeverSendsControlCharactersOfNamesToTheTerminal) {
     const TemporaryFolder folder;
-    const auto session = folder.add(
-        "show.orvane",
-        R"({"channels": [{"name": "\u001b[2J\u009b1m\u0007Ann\u00e4", "outputRouting": {"none": {}},
-            "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
-            "bufferSize": 512, "snapshots": []})"
-    );
+    const auto session = sessionNamed(folder, R"(\u001b[2J\u009b1m\u0007Ann\u00e4)");
     const std::string named = folder / "\x1b[2J.wav";
     for (const std::string& arguments :
          {"render --session " + session.string() + " --input " + panel + " --output "
@@ -181,10 +185,7 @@ TEST(Program, EscapesOnlyControlCharactersOfJSONOnATerminal) {
                                 "\u202f\u2065"
                                 R"(\u2066\u2069)"
                                 "\u206a";
-    const auto session =
-        folder.add("show.orvane", R"({"channels": [{"name": ")" + name + R"(", "outputRouting": {"none": {}},
-            "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
-            "bufferSize": 512, "snapshots": []})");
+    const auto session = sessionNamed(folder, name);
     for (const std::string arguments :
          {"session ", "run --device virtual:panel --meters json --seconds 0.1 --session "}) {
         const std::string command = fmt::format("{} {}{}", program, arguments, session.string());
