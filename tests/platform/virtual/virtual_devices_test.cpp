@@ -2,7 +2,6 @@
 
 #include "platform/virtual/looped_file.h"
 #include "platform/virtual/output_recorder.h"
-#include "support/no_threads.h"
 #include "support/sound_files.h"
 #include "support/stream_clients.h"
 #include "support/temporary_folder.h"
@@ -10,6 +9,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <cstddef>
 #include <memory>
@@ -77,6 +77,28 @@ TEST_F(VirtualDevicesTest, DoesNotStartWithoutItsRecordingAndReportsWhy) {
     EXPECT_EQ(bare.clock().step(panel, 1), 0U);
     EXPECT_THAT(logged(), ElementsAre(testing::HasSubstr("/nowhere/panel.flac")));
 }
+
+/// While it lives, the process cannot start threads, because there is no address space for their stacks.
+class NoThreads final {
+  public:
+    NoThreads() {
+        pthread_getattr_default_np(&before);
+        pthread_attr_t endless;
+        pthread_attr_init(&endless);
+        pthread_attr_setstacksize(&endless, std::size_t{1} << 46U);
+        pthread_setattr_default_np(&endless);
+        pthread_attr_destroy(&endless);
+    }
+    ~NoThreads() {
+        pthread_setattr_default_np(&before);
+        pthread_attr_destroy(&before);
+    }
+    NoThreads(const NoThreads&) = delete;
+    NoThreads& operator=(const NoThreads&) = delete;
+
+  private:
+    pthread_attr_t before{};
+};
 
 TEST_F(VirtualDevicesTest, DoNotStartIfNoThreadCanBeCreated) {
     const TemporaryFolder folder;
