@@ -13,7 +13,6 @@
 #include <atomic>
 #include <csignal>
 #include <memory>
-#include <numeric>
 #include <string>
 #include <thread>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include "platform/midi_services/sequencer_identity.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,12 +10,14 @@
 
 namespace {
 
+using orvane::platform::MIDIDriverSource;
 using orvane::platform::sequencerIdentity;
 using orvane::platform::jack::jackMIDISources;
 using orvane::platform::jack::JackPort;
 
 TEST(JackMIDISources, IdentifyBridgesAndTheirClients) {
     const std::string keys = sequencerIdentity("Keys 49/B", 0);
+    const std::string second = sequencerIdentity("Keys 49/B", 1);
     struct Case {
         JackPort port;
         std::string identity;
@@ -24,16 +27,10 @@ TEST(JackMIDISources, IdentifyBridgesAndTheirClients) {
     const Case cases[] = {
         {{"Synth:out", {}}, "jack:Synth:out", "Synth:out", false},
         {{"Midi-Bridge:Keys 49/B:(capture_0) Keys 49/B MIDI 1", {}}, keys, "Keys 49/B MIDI 1", true},
-        {{"Midi-Bridge:Keys 49/B:(capture_1) Keys: Port 2", {}},
-         sequencerIdentity("Keys 49/B", 1),
-         "Keys: Port 2",
-         true},
+        {{"Midi-Bridge:Keys 49/B:(capture_1) Keys: Port 2", {}}, second, "Keys: Port 2", true},
         {{"a2j:Keys 49 B [20] (capture): Keys 49/B MIDI 1", {}}, keys, "Keys 49/B MIDI 1", true},
         {{"a2j:Keys 49 B [24] (capture): Keys 49/B MIDI 1", {}}, keys, "Keys 49/B MIDI 1", true},
-        {{"a2j:Keys 49 B [20] (capture): Keys 49/B MIDI 2", {}},
-         sequencerIdentity("Keys 49/B", 1),
-         "Keys 49/B MIDI 2",
-         true},
+        {{"a2j:Keys 49 B [20] (capture): Keys 49/B MIDI 2", {}}, second, "Keys 49/B MIDI 2", true},
         {{"system:midi_capture_3", {"alsa_pcm:Keys-49-B/midi_capture_1"}}, keys, "Keys-49-B 1", true},
         {{"system:midi_capture_1", {"system:1-0 Keys 0 capture"}},
          "jack:system:midi_capture_1",
@@ -41,16 +38,12 @@ TEST(JackMIDISources, IdentifyBridgesAndTheirClients) {
          false},
     };
     std::vector<JackPort> ports;
-    for (const Case& one : cases)
-        ports.push_back(one.port);
-    const auto sources = jackMIDISources(ports);
-    ASSERT_EQ(sources.size(), std::size(cases));
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-        EXPECT_EQ(sources[i].address, cases[i].port.name);
-        EXPECT_EQ(sources[i].identity, cases[i].identity) << cases[i].port.name;
-        EXPECT_EQ(sources[i].name, cases[i].name);
-        EXPECT_EQ(sources[i].isBridge, cases[i].isBridge) << cases[i].port.name;
+    std::vector<MIDIDriverSource> sources;
+    for (const auto& [port, identity, name, isBridge] : cases) {
+        ports.push_back(port);
+        sources.push_back({port.name, identity, name, isBridge});
     }
+    EXPECT_THAT(jackMIDISources(ports), testing::ElementsAreArray(sources));
 }
 
 } // namespace
