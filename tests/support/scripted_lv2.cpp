@@ -330,22 +330,20 @@ const void* noExtensions(const char*) {
     return nullptr;
 }
 
-constexpr LV2_Descriptor describe(const char* uri) {
-    return {uri, instantiate, connectPort, activate, run, deactivate, cleanup, extensionData};
-}
-
-constexpr LV2_Descriptor describe(const char* uri, void (*runs)(LV2_Handle, std::uint32_t)) {
-    return {uri, instantiate, connectPort, activate, runs, deactivate, cleanup, noExtensions};
+constexpr LV2_Descriptor describe(
+    const char* uri, void (*runs)(LV2_Handle, std::uint32_t) = run,
+    const void* (*extends)(const char*) = extensionData
+) {
+    return {uri, instantiate, connectPort, activate, runs, deactivate, cleanup, extends};
 }
 
 constexpr LV2_Descriptor descriptors[] = {
     describe("urn:orvane:test:plain"),
     describe("urn:orvane:test:safe"),
     describe("urn:orvane:test:refuses"),
-    {"urn:orvane:test:amplifier", instantiate, connectPort, activate, amplifyByWork, deactivate, cleanup,
-     extensionData},
-    describe("urn:orvane:test:split", split),
-    describe("urn:orvane:test:join", join)};
+    describe("urn:orvane:test:amplifier", amplifyByWork),
+    describe("urn:orvane:test:split", split, noExtensions),
+    describe("urn:orvane:test:join", join, noExtensions)};
 
 } // namespace
 

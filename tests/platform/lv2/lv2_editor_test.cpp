@@ -70,6 +70,15 @@ class Lv2EditorTest : public test::ScriptedHostTest {
         return editor;
     }
 
+    /// Makes a unit that is ready to render, and opens its usual editor.
+    std::unique_ptr<NativeEditor> openReady() {
+        load(usualEditor);
+        EXPECT_EQ(setUp(*unit, 1), "");
+        auto editor = open();
+        EXPECT_TRUE(editor);
+        return editor;
+    }
+
     static void write(std::uint32_t port, float value) {
         probe().editor.write(probe().editor.controller, port, sizeof value, 0, &value);
     }
@@ -216,12 +225,9 @@ TEST_F(Lv2EditorTest, ShowsOutsideChangesAndSetsItsOwn) {
 }
 
 TEST_F(Lv2EditorTest, CarriesMessagesBothWaysWithTheBlocks) {
-    load(usualEditor);
-    ASSERT_EQ(setUp(*unit, 1), "");
+    auto editor = openReady();
     UnitRenderer renderer(*unit, 1);
     auto& messages = probe().editor.messages;
-    auto editor = open();
-    ASSERT_TRUE(editor);
     send(inputPort, 11);
     send(inputPort, 12);
     send(outputPort, 13);
@@ -265,31 +271,8 @@ TEST_F(Lv2EditorTest, CarriesMessagesBothWaysWithTheBlocks) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(Lv2EditorTest, DropsMessagesThatDoNotFitAndContinues) {
-    load(usualEditor);
-    ASSERT_EQ(setUp(*unit, 1), "");
-    const auto editor = open();
-    ASSERT_TRUE(editor);
-    UnitRenderer renderer(*unit, 1);
-    auto& messages = probe().editor.messages;
-    for (const int count : {5000, 1}) {
-        messages.clear();
-        for (int i = 0; i < count; ++i)
-            send(inputPort, i);
-        EXPECT_EQ(renderer.renderBlock(ones), noErr);
-        editor->idle();
-        EXPECT_GE(messages.size(), std::min<std::size_t>(static_cast<std::size_t>(count), 100));
-        EXPECT_LT(messages.size(), 5000U);
-        for (std::size_t i = 0; i < messages.size(); ++i)
-            ASSERT_EQ(messages[i], (std::pair<std::uint32_t, std::int32_t>(outputPort, i)));
-    }
-}
-
 TEST_F(Lv2EditorTest, SendsFromThreadsOfItsOwn) {
-    load(usualEditor);
-    ASSERT_EQ(setUp(*unit, 1), "");
-    const auto editor = open();
-    ASSERT_TRUE(editor);
+    const auto editor = openReady();
     constexpr std::int32_t secondFrom = 1 << 30;
     const auto& opened = probe().editor;
     const LV2_URID transfer = urid(LV2_ATOM__eventTransfer);
@@ -345,10 +328,7 @@ TEST_F(Lv2EditorTest, WorksWhileBlocksAreRendered) {
 }
 
 TEST_F(Lv2EditorTest, IsClosedBeforeItsPluginInEitherOrderOfRelease) {
-    load(usualEditor);
-    ASSERT_EQ(setUp(*unit, 1), "");
-    auto editor = open();
-    ASSERT_TRUE(editor);
+    auto editor = openReady();
     const std::weak_ptr kept(unit);
     unit->deallocateRenderResources();
     unit.reset();

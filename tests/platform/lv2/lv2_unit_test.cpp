@@ -9,7 +9,6 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <atomic>
 #include <future>
 #include <limits>
@@ -136,8 +135,7 @@ TEST_F(Lv2UnitTest, RendersOnlyWithResourcesAndUpToTheMaximumBlock) {
 }
 
 TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsGetsTheUnitsOwn) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     std::vector<float> input = ones;
     const AURenderPullInputBlock pull = [&](auto&, const auto&, auto, auto, AudioBufferList& list) {
         list.mBuffers[0].mData = input.data();
@@ -157,8 +155,7 @@ TEST_F(Lv2UnitTest, AListWithoutBuffersOrWithTheInputsGetsTheUnitsOwn) {
 }
 
 TEST_F(Lv2UnitTest, InvalidOutputIsAnErrorWhileItLasts) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     UnitRenderer renderer(*unit, 1);
     std::vector<float> all(test::noSound.begin(), test::noSound.end());
     all.insert(all.end(), {64.001F, -64.001F});
@@ -195,8 +192,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
         SCOPED_TRACE(logged);
         lines.clear();
         {
-            const auto unit = make("plain");
-            ASSERT_EQ(setUp(*unit, 1), "");
+            const auto unit = makeReady();
             UnitRenderer renderer(*unit, 1);
             ASSERT_EQ(renderer.renderBlock(ones), noErr);
             probe().throwsIn.store(place);
@@ -231,8 +227,7 @@ TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
 }
 
 TEST_F(Lv2UnitTest, AcceptsOrRefusesCallsFromOtherThreads) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     UnitRenderer renderer(*unit, 1);
     ASSERT_TRUE(waitFor([&] {
         EXPECT_EQ(renderer.renderBlock(ones), noErr);
@@ -257,8 +252,7 @@ TEST_F(Lv2UnitTest, AcceptsOrRefusesCallsFromOtherThreads) {
 }
 
 TEST_F(Lv2UnitTest, WorkRunsOnAnotherThreadAndItsResponseArrivesWithALaterBlock) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     UnitRenderer renderer(*unit, 1);
     const int endedBefore = probe().runsEnded.load();
     EXPECT_EQ(renderer.renderBlock(ones), noErr);
@@ -279,8 +273,7 @@ TEST_F(Lv2UnitTest, WorkRunsOnAnotherThreadAndItsResponseArrivesWithALaterBlock)
 
 TEST_F(Lv2UnitTest, ARestoreNeverBlocksRendering) {
     for (const bool isSafe : {false, true}) {
-        const auto unit = make(isSafe ? "safe" : "plain");
-        ASSERT_EQ(setUp(*unit, 1), "");
+        const auto unit = makeReady(isSafe ? "safe" : "plain");
         const auto state = *unit->fullState();
         UnitRenderer renderer(*unit, 1);
         ASSERT_EQ(renderer.renderBlock(ones), noErr);
@@ -300,8 +293,7 @@ TEST_F(Lv2UnitTest, ARestoreNeverBlocksRendering) {
 }
 
 TEST_F(Lv2UnitTest, RendersWhileARestoreWaitsForWork) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     const auto state = *unit->fullState();
     UnitRenderer renderer(*unit, 1);
     probe().holdsWork.store(true);
@@ -324,8 +316,7 @@ TEST_F(Lv2UnitTest, RendersWhileARestoreWaitsForWork) {
 }
 
 TEST_F(Lv2UnitTest, RestoresAndEditsWhileItRenders) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     std::atomic<bool> isDone = false;
     std::thread audio([&] {
         UnitRenderer renderer(*unit, 1);

@@ -33,8 +33,7 @@ class PluginCalls : public test::ScriptedHostTest {
   protected:
     /// A unit whose plugin is working until `probe().holdsWork` is cleared.
     std::shared_ptr<AUAudioUnit> makeBusy() {
-        auto unit = make("plain");
-        EXPECT_EQ(setUp(*unit, 1), "");
+        auto unit = makeReady();
         probe().holdsWork.store(true);
         EXPECT_EQ(UnitRenderer(*unit, 1).renderBlock(ones), noErr);
         EXPECT_TRUE(waitFor([] { return probe().isWorking.load(); }));
@@ -189,8 +188,7 @@ TEST_F(PluginCalls, TheHostsDestructorWaitsForPluginsAtWork) {
 }
 
 TEST_F(PluginCalls, AllPendingResponsesAreDeliveredInOneRun) {
-    const auto unit = make("plain");
-    ASSERT_EQ(setUp(*unit, 1), "");
+    const auto unit = makeReady();
     UnitRenderer renderer(*unit, 1);
     const auto renderWithGain = [&](float gain) {
         test::parameter(*unit, "gain").setValue(gain);

@@ -24,6 +24,13 @@ class ScriptedHostTest : public testing::Test {
 
     std::shared_ptr<platform::AUAudioUnit> make(const char* name) { return instantiate(*host, name).unit; }
 
+    /// A unit that is ready to render one channel.
+    std::shared_ptr<platform::AUAudioUnit> makeReady(const char* name = "plain") {
+        auto unit = make(name);
+        EXPECT_EQ(setUp(*unit, 1), "");
+        return unit;
+    }
+
     Lv2Bundles bundles;
     std::vector<std::string> lines;
     platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
