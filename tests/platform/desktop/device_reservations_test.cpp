@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -51,22 +53,16 @@ class Program final {
         return *answer;
     }
 
-    std::string property(const char* name, const char* type) {
-        sd_bus_message* reply = nullptr;
-        std::string text;
-        if (sd_bus_get_property(bus.get(), card, path, interface, name, nullptr, &reply, type) < 0)
-            return "none";
-        if (*type == 's') {
-            const char* read = nullptr;
-            sd_bus_message_read(reply, "s", &read);
-            text = read;
-        } else {
-            std::int32_t read = 0;
-            sd_bus_message_read(reply, "i", &read);
-            text = std::to_string(read);
-        }
-        sd_bus_message_unref(reply);
-        return text;
+    std::string text(const char* property) {
+        char* read = nullptr;
+        sd_bus_get_property_string(bus.get(), card, path, interface, property, nullptr, &read);
+        const std::unique_ptr<char, decltype(&std::free)> kept(read, std::free);
+        return read == nullptr ? "none" : read;
+    }
+    std::int32_t number(const char* property) {
+        std::int32_t read = -1;
+        sd_bus_get_property_trivial(bus.get(), card, path, interface, property, nullptr, 'i', &read);
+        return read;
     }
 
     /// The answer to requests for the card, and the priorities of those requests.
@@ -105,9 +101,9 @@ TEST(DeviceReservations, KeepACardUntilAProgramOfHigherPriorityAsks) {
     ASSERT_TRUE(lease && second);
     Program other;
     EXPECT_FALSE(other.take());
-    EXPECT_EQ(other.property("ApplicationName", "s"), "ORVANE");
-    EXPECT_EQ(other.property("ApplicationDeviceName", "s"), "hw:3");
-    EXPECT_EQ(other.property("Priority", "i"), "10");
+    EXPECT_EQ(other.text("ApplicationName"), "ORVANE");
+    EXPECT_EQ(other.text("ApplicationDeviceName"), "hw:3");
+    EXPECT_EQ(other.number("Priority"), 10);
     EXPECT_FALSE(other.answerTo(10)) << "which is no more important";
     EXPECT_EQ(requests, 0);
 
