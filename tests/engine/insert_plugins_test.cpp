@@ -3,7 +3,6 @@
 #include "plugins/insert_components.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <semaphore>

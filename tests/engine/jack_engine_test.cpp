@@ -10,7 +10,6 @@
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>

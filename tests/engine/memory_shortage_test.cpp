@@ -4,7 +4,6 @@
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstddef>

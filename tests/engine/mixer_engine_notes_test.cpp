@@ -3,7 +3,6 @@
 #include "support/failing_allocation.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>

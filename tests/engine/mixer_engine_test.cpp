@@ -4,7 +4,6 @@
 #include "support/random_document.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>

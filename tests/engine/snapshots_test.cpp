@@ -8,7 +8,6 @@
 #include "support/virtual_signals.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>

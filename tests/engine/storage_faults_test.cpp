@@ -9,7 +9,6 @@
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -4,7 +4,6 @@
 #include "support/scripted_midi_services.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>

@@ -2,7 +2,6 @@
 #include "support/scripted_audio_unit.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

@@ -3,7 +3,6 @@
 #include "support/scripted_unit.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

@@ -3,7 +3,6 @@
 #include "support/desktop_peer.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <future>

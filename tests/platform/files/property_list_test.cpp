@@ -3,7 +3,6 @@
 #include "support/random_blocks.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

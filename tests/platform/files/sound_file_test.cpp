@@ -6,7 +6,6 @@
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sndfile.h>
 #include <sys/stat.h>
 

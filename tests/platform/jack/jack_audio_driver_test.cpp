@@ -6,7 +6,6 @@
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <csignal>

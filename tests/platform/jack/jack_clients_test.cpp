@@ -7,7 +7,6 @@
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 
 #include <csignal>

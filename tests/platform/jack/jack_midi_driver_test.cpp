@@ -8,7 +8,6 @@
 #include "support/wait_for.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <csignal>

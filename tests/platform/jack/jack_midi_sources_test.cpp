@@ -3,7 +3,6 @@
 #include "platform/midi_services/sequencer_identity.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>

@@ -3,7 +3,6 @@
 #include "support/received_midi.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <memory>

@@ -2,7 +2,6 @@
 #include "support/session_manager_peer.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <unistd.h>
 

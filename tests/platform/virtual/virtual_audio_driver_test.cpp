@@ -5,7 +5,6 @@
 #include "support/virtual_driver_test.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cmath>

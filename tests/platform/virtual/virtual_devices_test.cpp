@@ -8,7 +8,6 @@
 #include "support/virtual_driver_test.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <cstddef>
