@@ -2,6 +2,7 @@
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "support/alsa_fixture.h"
+#include "support/driver_list.h"
 #include "support/fake_audio_driver.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_hardware.h"
@@ -57,9 +58,7 @@ TEST(DriverFaults, AStartOpensTheChosenDeviceOnly) {
         "pcm.other { type scripted channels 4 opened \"FOLDER/other\" }\n",
         {"device", "other"}
     );
-    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    drivers.push_back(alsa.take());
-    platform::SystemAudioHardware hardware(std::move(drivers));
+    platform::SystemAudioHardware hardware(test::listOf<platform::AudioDriver>(alsa.take()));
     Mixer mixer(hardware);
     mixer.engine.selectDevice(mixer.device(0));
     for (const char* const name : {"device", "other"})
@@ -195,9 +194,7 @@ TEST(DriverFaults, AnyCallOfAnEnumerationMayFail) {
 
 TEST(DriverFaults, AnInterfaceThatIsUnpluggedStopsTheMixAndStartsAgainWhenItIsBack) {
     test::AlsaFixture alsa("pcm.device { type scripted channels 4 pause 500 gone \"FOLDER/gone\" }");
-    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    drivers.push_back(alsa.take());
-    platform::SystemAudioHardware hardware(std::move(drivers));
+    platform::SystemAudioHardware hardware(test::listOf<platform::AudioDriver>(alsa.take()));
     Mixer mixer(hardware);
     mixer.engine.selectDevice(mixer.device(0));
     for (int round = 0; round < 3; ++round) {

@@ -24,7 +24,7 @@ namespace load_state = plugins::load_state;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
 
 TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
-    start();
+    startBypassed();
     audioUnitHost.delivery = Delivery::byHand;
     engine->loadPlugin(stereo, 4, id(0), stateOf(3.0));
     EXPECT_EQ(loadState(4), PluginLoadState(load_state::Loading{}));
@@ -83,7 +83,7 @@ TEST_F(InsertPlugins, AreSetUpAnewForTheRateOfTheDeviceThatStarts) {
         );
     };
     EXPECT_THAT(std::exchange(kept->steps, {}), stepsAt("48000"));
-    start();
+    startBypassed();
     EXPECT_EQ(message(), "Couldn't load Fixed: it didn't accept a mono or stereo audio format.");
     EXPECT_TRUE(std::holds_alternative<load_state::Failed>(*loadState(2)));
     EXPECT_EQ(record(2).presetData, stateOf(5.0));
@@ -98,9 +98,9 @@ TEST_F(InsertPlugins, AreSetUpAnewForTheRateOfTheDeviceThatStarts) {
     gone.sampleRate = 96000.0;
     engine->selectDevice(gone);
     engine->start();
-    EXPECT_FALSE(engine->state().isRunning.get());
+    EXPECT_FALSE(isRunning());
     EXPECT_THAT(std::exchange(kept->steps, {}), stepsAt("96000"));
-    start();
+    startBypassed();
     EXPECT_EQ(message(), "");
     EXPECT_THAT(kept->steps, stepsAt("44100"));
     EXPECT_EQ(heard(), 2.0F * 3.0F);
@@ -184,7 +184,7 @@ TEST_F(InsertPlugins, SayWhatOfASavedStateIsLost) {
 }
 
 TEST_F(InsertPlugins, LastArrivalIsWhatEndsUpLive) {
-    start();
+    startBypassed();
     audioUnitHost.delivery = Delivery::byHand;
     for (const double gain : {2.0, 3.0, 4.0})
         engine->loadPlugin(mono, 0, id(0), stateOf(gain));
@@ -208,7 +208,7 @@ TEST_F(InsertPlugins, LastArrivalIsWhatEndsUpLive) {
 }
 
 TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
-    start();
+    startBypassed();
     loadLive(mono, 0)->gain = 2.0F;
     loadLive(mono, 1);
     audioUnitHost.delivery = Delivery::byHand;
@@ -284,7 +284,7 @@ TEST_F(InsertPlugins, OpenAnEditorWindowPerCall) {
 }
 
 TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
-    start();
+    startBypassed();
     const auto kept = loadLive(mono, 0);
     loadLive(stereo, 1);
     loadLive(stereo, 2)->gain = 6.0F;
@@ -337,7 +337,7 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
 }
 
 TEST_F(InsertPlugins, AreTakenUnderAnotherMakersNameAndTheRecordFollows) {
-    start();
+    startBypassed();
     loadLive(mono, 0)->gain = 3.0F;
     session::MixerDocumentData document = engine->makeDocumentData();
     auto& slot = document.channels[0].pluginSlots[0];
@@ -370,7 +370,7 @@ TEST_F(InsertPlugins, BeyondTheFifthSlotAreKeptOnRecordAlone) {
 }
 
 TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
-    start();
+    startBypassed();
     engine->loadPlugin(mono, 0, id(0), stateOf(2.0));
     engine->newSnapshot();
     engine->loadPlugin(mono, 0, id(0), stateOf(5.0));
@@ -391,7 +391,7 @@ TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
 }
 
 TEST_F(InsertPlugins, InRecallSafeSlotsAreLeftAloneUnlessASessionFindsNone) {
-    start();
+    startBypassed();
     engine->setRecallSafe(true, 0);
     for (std::size_t strip = 0; strip < stripCount; ++strip)
         loadLive(mono, 0, strip)->gain = 2.0F;

@@ -3,6 +3,7 @@
 #include "platform/jack/jack_audio_driver.h"
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual/virtual_audio_driver.h"
+#include "support/driver_list.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
 #include "support/manual_main_thread.h"
@@ -17,7 +18,6 @@
 #include <csignal>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -35,12 +35,6 @@ constexpr std::size_t channelCount = 8;
 constexpr double sampleRate = 48000.0;
 
 using Channels = std::vector<std::vector<float>>;
-
-std::vector<std::unique_ptr<platform::AudioDriver>> only(std::unique_ptr<platform::AudioDriver> driver) {
-    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    drivers.push_back(std::move(driver));
-    return drivers;
-}
 
 /// Plays silence for a while and then what the peer plays.
 struct DelayedSignal final : platform::virtual_devices::VirtualInput {
@@ -86,7 +80,7 @@ mixOffline(const session::MixerDocumentData& document, std::size_t silentBlocks,
         std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
     );
     platform::virtual_devices::VirtualClock& clock = driver->clock();
-    platform::SystemAudioHardware hardware(only(std::move(driver)));
+    platform::SystemAudioHardware hardware(test::listOf<platform::AudioDriver>(std::move(driver)));
     MixerEngine engine(channelCount, {hardware, midiServices, mainThread, audioUnitHost, log});
     engine.refreshDevices();
     engine.selectDevice(engine.state().availableDevices.get().at(0));
@@ -132,7 +126,7 @@ class JackEngineTest : public testing::Test {
 
     JackTestServer server{{.sampleRate = 48000, .period = period, .channelCount = channelCount}};
     platform::jack::JackClients clients{test::uniqueJackName("ORVANE")};
-    platform::SystemAudioHardware hardware{only(std::make_unique<platform::jack::JackAudioDriver>(clients))};
+    platform::SystemAudioHardware hardware{test::listOf<platform::AudioDriver>(std::make_unique<platform::jack::JackAudioDriver>(clients))};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;
@@ -213,36 +207,26 @@ TEST_F(JackEngineTest, PlaysOnWithoutOneOfSeveralCardsAndSaysSo) {
     EXPECT_TRUE(isHeard());
 }
 
-TEST_F(JackEngineTest, StopsWhenTheServerIsGoneAndStartsOnTheNext) {
-    for (const int signal : {SIGKILL, SIGTERM}) {
-        start();
+TEST_F(JackEngineTest, StopsWhenTheServerIsGoneAndStartsOnTheNextAtItsRate) {
+    start();
+    for (const auto& [signal, rate] : {std::pair{SIGKILL, 44100U}, {SIGTERM, 96000U}}) {
         server.end(signal);
         ASSERT_TRUE(awaitMessage()) << signal;
         EXPECT_FALSE(engine.state().isRunning.get());
         EXPECT_THAT(message(), testing::StartsWith("The audio device system is gone, so the mixer has"));
-        engine.stop();
         engine.start();
         mainThread.runPosted();
         EXPECT_THAT(message(), testing::StartsWith("Failed to start audio engine: ")) << signal;
-        server.restart();
-    }
-    start();
-}
-
-TEST_F(JackEngineTest, StartsAtTheRateOfTheServerThatComesNext) {
-    start();
-    server.end(SIGKILL);
-    ASSERT_TRUE(awaitMessage());
-    EXPECT_FALSE(engine.state().isRunning.get());
-    // The second comes while the mixer is stopped anyway.
-    for (const unsigned rate : {44100U, 96000U}) {
         server.restart(rate);
         start();
         EXPECT_EQ(engine.state().selectedDevice.get()->sampleRate, rate);
         ASSERT_TRUE(isHeard());
-        engine.stop();
-        server.end(SIGTERM);
     }
+    // Also if the mixer is stopped when the next server comes.
+    engine.stop();
+    server.end(SIGTERM);
+    server.restart(48000);
+    start();
 }
 
 TEST_F(JackEngineTest, PlaysOnThroughFiftyChangesOfTheBufferSize) {

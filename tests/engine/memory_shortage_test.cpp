@@ -5,9 +5,11 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -19,23 +21,29 @@ using namespace orvane;
 using test::FailingAllocation;
 using testing::AnyOf;
 
-/// Follows a value as its subscriber.
-template <class T>
-class LastHeard final {
+/// Follows values as their subscriber.
+class Follower final {
   public:
-    explicit LastHeard(const platform::Published<T>& value)
-        : published(value),
-          last(value.get()),
-          subscription(value.subscribe([this](const T& told) { last = told; })) {}
-    LastHeard(const LastHeard&) = delete;
-    LastHeard& operator=(const LastHeard&) = delete;
+    template <class... T>
+    explicit Follower(const platform::Published<T>&... values) {
+        (follow(values), ...);
+    }
 
-    [[nodiscard]] bool isTrue() const { return last == published.get(); }
+    /// Whether every value is the one that was published last.
+    [[nodiscard]] bool isUpToDate() const {
+        return std::ranges::all_of(checks, [](const auto& check) { return check(); });
+    }
 
   private:
-    const platform::Published<T>& published;
-    T last;
-    platform::Subscription subscription;
+    template <class T>
+    void follow(const platform::Published<T>& value) {
+        const auto last = std::make_shared<T>(value.get());
+        subscriptions.push_back(value.subscribe([last](const T& published) { *last = published; }));
+        checks.emplace_back([last, &value] { return *last == value.get(); });
+    }
+
+    std::vector<platform::Subscription> subscriptions;
+    std::vector<std::function<bool()>> checks;
 };
 
 /// The engine's operations with each of their allocations failing in turn.
@@ -63,34 +71,9 @@ class MemoryShortage : public test::InsertPlugins {
         }
     }
 
-    /// Every value that loading or recalling changes, as its subscribers know it.
-    struct Heard {
-        explicit Heard(const engine::EngineState& state)
-            : strips(state.channelStrips),
-              snapshots(state.snapshots),
-              loadStates(state.pluginLoadStates),
-              current(state.currentSnapshotIndex),
-              master(state.master),
-              bufferSize(state.bufferSize),
-              isRunning(state.isRunning) {}
-
-        [[nodiscard]] bool isTrue() const {
-            return strips.isTrue() && snapshots.isTrue() && loadStates.isTrue() && current.isTrue()
-                   && master.isTrue() && bufferSize.isTrue() && isRunning.isTrue();
-        }
-
-        LastHeard<std::vector<session::ChannelStrip>> strips;
-        LastHeard<std::vector<session::Snapshot>> snapshots;
-        LastHeard<plugins::PluginLoadStates> loadStates;
-        LastHeard<std::optional<std::int64_t>> current;
-        LastHeard<session::MasterSettings> master;
-        LastHeard<std::int64_t> bufferSize;
-        LastHeard<bool> isRunning;
-    };
-
     /// A mix with a plugin in slot 0 and another in slot 1, and a scene that differs in all it can.
     void makeMixAndScene() {
-        start();
+        startBypassed();
         loadLive(stereo, 0)->gain = 8.0F;
         engine->setMasterTargetDB(-20.0);
         engine->setTrim(id(0), 0.25);
@@ -103,13 +86,13 @@ class MemoryShortage : public test::InsertPlugins {
     }
 
     /// Nothing of the operation is left: not in the mix, not for the ears, not for subscribers, not later.
-    void expectMixAsItWas(const session::MixerDocumentData& before, const Heard& heardOf) {
+    void expectMixAsItWas(const session::MixerDocumentData& before, const Follower& follower) {
         for (const char* when : {"at once", "after all that is posted has run"}) {
             ASSERT_EQ(engine->makeDocumentData(), before) << when;
             ASSERT_EQ(heard(), 6.0F) << when;
             ASSERT_EQ(heard(1), 1.0F) << when;
             ASSERT_EQ(loadState(0), plugins::PluginLoadState(plugins::load_state::Loaded{})) << when;
-            ASSERT_TRUE(heardOf.isTrue()) << when;
+            ASSERT_TRUE(follower.isUpToDate()) << when;
             mainThread.advance(std::chrono::milliseconds(50));
         }
         EXPECT_EQ(audioUnitHost.report.living.load(), 2);
@@ -120,15 +103,19 @@ class MemoryShortage : public test::InsertPlugins {
         const std::function<void()>& operate, const session::MixerDocumentData& before,
         const std::string& sentence
     ) {
-        const Heard heardOf(engine->state());
+        const engine::EngineState& state = engine->state();
+        const Follower follower(
+            state.channelStrips, state.snapshots, state.pluginLoadStates, state.currentSnapshotIndex,
+            state.master, state.bufferSize, state.isRunning
+        );
         failAtEachAllocation(operate, [&](std::size_t) {
             ASSERT_EQ(message(), sentence);
-            expectMixAsItWas(before, heardOf);
+            expectMixAsItWas(before, follower);
         });
         mainThread.runPosted();
         EXPECT_EQ(heard(), 2.0F);
         EXPECT_EQ(audioUnitHost.report.ready.load(), 1);
-        EXPECT_TRUE(heardOf.isTrue());
+        EXPECT_TRUE(follower.isUpToDate());
     }
 };
 
@@ -136,21 +123,21 @@ TEST_F(MemoryShortage, LeavesTheMixerStoppedAndReadyToStart) {
     for (std::size_t strip = 0; strip < test::stripCount; ++strip)
         engine->setBypassed(id(strip), true);
     const auto loadForAnotherRate = [this] {
-        audio::AudioDeviceInfo device = engine->state().availableDevices.get().at(0);
-        device.sampleRate = 96000.0;
-        engine->selectDevice(device);
+        audio::AudioDeviceInfo faster = device(interface);
+        faster.sampleRate = 96000.0;
+        engine->selectDevice(faster);
         loadLive(mono, 0)->gain = 2.0F;
-        engine->selectDevice(engine->state().availableDevices.get().at(0));
+        engine->selectDevice(device(interface));
     };
     loadForAnotherRate();
     failAtEachAllocation(
         [this] { engine->start(); },
         [&](std::size_t) {
             EXPECT_EQ(message(), "Failed to start audio engine: there is not enough memory.");
-            ASSERT_FALSE(engine->state().isRunning.get());
-            EXPECT_EQ(driver->clock().step("virtual:interface", 1), 0U);
+            ASSERT_FALSE(isRunning());
+            EXPECT_EQ(step(), 0U);
             engine->start();
-            ASSERT_TRUE(engine->state().isRunning.get()) << message();
+            ASSERT_TRUE(isRunning()) << message();
             EXPECT_EQ(heard(), 2.0F);
             engine->stop();
             loadForAnotherRate();
@@ -192,7 +179,7 @@ TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
 }
 
 TEST_F(MemoryShortage, KeepsEveryPluginThatIsHeardWhereALoadOrARemovalIsGivenUp) {
-    start();
+    startBypassed();
     const std::function<void()> operations[] = {
         [this] { engine->loadPlugin(stereo, 0, id(0)); }, [this] { engine->removePlugin(0, id(0)); }};
     for (const auto& operate : operations) {

@@ -5,13 +5,16 @@
 #include "platform/midi_services/system_midi_services.h"
 #include "platform/virtual/virtual_audio_driver.h"
 #include "platform/virtual/virtual_midi_driver.h"
+#include "support/driver_list.h"
 #include "support/manual_main_thread.h"
 #include "support/scripted_audio_unit.h"
+#include "support/scripted_windows.h"
 #include "support/virtual_signals.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,14 +27,18 @@ namespace orvane::test {
 /// A machine with an interface of 4 inputs and 6 outputs and a separate monitor, on stepped clocks.
 class MixerEngineTest : public testing::Test {
   protected:
-    MixerEngineTest() { engine.refreshDevices(); }
+    explicit MixerEngineTest(std::size_t stripCount = 8, double sampleRate = 48000.0)
+        : hardware(listOf<platform::AudioDriver>(makeDriver(sampleRate))),
+          engine(std::make_unique<engine::MixerEngine>(stripCount, services)) {
+        engine->refreshDevices();
+    }
 
     static constexpr std::string_view interface = "virtual:interface";
     static constexpr std::string_view monitor = "virtual:monitor";
 
-    std::vector<platform::virtual_devices::VirtualDevice> describe() {
+    std::unique_ptr<platform::AudioDriver> makeDriver(double sampleRate) {
         std::vector<platform::virtual_devices::VirtualDevice> devices(2);
-        devices[0].description = {std::string(interface), "Interface", 4, 6, 48000.0};
+        devices[0].description = {std::string(interface), "Interface", 4, 6, sampleRate};
         devices[0].input = std::make_shared<SteadyInput>();
         devices[0].output = mainOutput;
         devices[0].answerBufferSize = [this](std::uint32_t requested) {
@@ -42,39 +49,30 @@ class MixerEngineTest : public testing::Test {
         devices[1].answerBufferSize = [this](std::uint32_t requested) {
             return keptMonitorSize.value_or(requested);
         };
-        return devices;
-    }
-
-    std::vector<std::unique_ptr<platform::AudioDriver>> makeDrivers() {
         auto stepped = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
-            describe(), platform::virtual_devices::VirtualPacing::stepped, log
+            std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
         );
         driver = stepped.get();
-        std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-        drivers.push_back(std::move(stepped));
-        return drivers;
+        return stepped;
     }
 
-    std::vector<std::unique_ptr<platform::MIDIDriver>> makeMIDIDrivers() {
+    std::unique_ptr<platform::MIDIDriver> makeMIDIDriver() {
         auto made = std::make_unique<platform::virtual_devices::VirtualMIDIDriver>();
         midiDriver = made.get();
-        std::vector<std::unique_ptr<platform::MIDIDriver>> drivers;
-        drivers.push_back(std::move(made));
-        return drivers;
+        return made;
     }
 
     const audio::AudioDeviceInfo& device(std::string_view uid) {
-        const auto& devices = engine.state().availableDevices.get();
+        const auto& devices = engine->state().availableDevices.get();
         return *std::ranges::find(devices, uid, &audio::AudioDeviceInfo::uid);
     }
 
-    /// Selects the interface and starts with the given strips bypassed, so that they are heard as they come
-    /// in.
+    /// Selects the interface and starts with every strip bypassed, so that inputs are played unchanged.
     void startBypassed() {
-        engine.selectDevice(device(interface));
+        engine->selectDevice(device(interface));
         for (const session::ChannelStrip& strip : std::vector(strips()))
-            engine.setBypassed(strip.id, true);
-        engine.start();
+            engine->setBypassed(strip.id, true);
+        engine->start();
         ASSERT_TRUE(isRunning()) << message();
     }
 
@@ -83,10 +81,10 @@ class MixerEngineTest : public testing::Test {
     }
 
     [[nodiscard]] const std::vector<session::ChannelStrip>& strips() const {
-        return engine.state().channelStrips.get();
+        return engine->state().channelStrips.get();
     }
-    [[nodiscard]] bool isRunning() const { return engine.state().isRunning.get(); }
-    [[nodiscard]] std::string message() const { return engine.state().lastError.get().value_or(""); }
+    [[nodiscard]] bool isRunning() const { return engine->state().isRunning.get(); }
+    [[nodiscard]] std::string message() const { return engine->state().lastError.get().value_or(""); }
 
     std::optional<std::uint32_t> keptBufferSize;
     std::optional<std::uint32_t> keptMonitorSize;
@@ -97,11 +95,18 @@ class MixerEngineTest : public testing::Test {
     platform::SystemLog log{[this](const platform::LogLine& line) { lines.emplace_back(line.text); }};
     platform::virtual_devices::VirtualAudioDriver* driver = nullptr;
     platform::virtual_devices::VirtualMIDIDriver* midiDriver = nullptr;
-    platform::SystemAudioHardware hardware{makeDrivers()};
-    platform::SystemMIDIServices midiServices{makeMIDIDrivers()};
+    platform::SystemAudioHardware hardware;
+    platform::SystemMIDIServices midiServices{listOf<platform::MIDIDriver>(makeMIDIDriver())};
     ScriptedAudioUnitHost audioUnitHost;
-    const engine::Services services{hardware, midiServices, mainThread, audioUnitHost, log};
-    engine::MixerEngine engine{8, services};
+    ScriptedWindows windows;
+    const engine::Services services{
+        .audioHardware = hardware,
+        .midiServices = midiServices,
+        .mainThread = mainThread,
+        .audioUnitHost = audioUnitHost,
+        .log = log,
+        .editorWindows = &windows};
+    std::unique_ptr<engine::MixerEngine> engine;
 };
 
 } // namespace orvane::test

@@ -43,19 +43,19 @@ void storeScene(
 TEST_F(MixerEngineTest, PublishesTheMIDISourcesAsTheyComeAndGo) {
     const auto names = [this] {
         std::vector<std::string> found;
-        for (const midi::MIDIDeviceInfo& source : engine.state().availableMIDIDevices.get())
+        for (const midi::MIDIDeviceInfo& source : engine->state().availableMIDIDevices.get())
             found.push_back(source.name);
         return found;
     };
     EXPECT_THAT(names(), IsEmpty());
-    EXPECT_EQ(engine.state().selectedMIDIDeviceID.get(), std::nullopt);
-    EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt);
+    EXPECT_EQ(engine->state().selectedMIDIDeviceID.get(), std::nullopt);
+    EXPECT_EQ(engine->state().midiLearnTargetIndex.get(), std::nullopt);
     auto keys = midiDriver->createSource("Keys").value();
     EXPECT_THAT(names(), IsEmpty()) << "the main thread has not run";
     mainThread.runPosted();
     EXPECT_THAT(names(), ElementsAre("Keys"));
     keys.reset();
-    engine.refreshMIDIDevices();
+    engine->refreshMIDIDevices();
     EXPECT_THAT(names(), IsEmpty());
 }
 
@@ -67,12 +67,12 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
     mainThread.runPosted();
     startBypassed();
     for (std::int64_t scene = 0; scene < sceneCount; ++scene) {
-        engine.setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
-        storeScene(engine, mainThread, *keys, scene);
+        engine->setTrim(strips()[0].id, static_cast<double>(scene + 1) / 8.0);
+        storeScene(*engine, mainThread, *keys, scene);
     }
     std::vector<std::int64_t> recalled;
     const auto keeping =
-        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+        engine->state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
     std::atomic<bool> isOver = false;
     std::thread player([&] {
         for (int i = 0; i < noteCount; ++i)
@@ -100,10 +100,10 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
 TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
     const auto keys = midiDriver->createSource("Keys").value();
     for (int scene = 0; scene < 2; ++scene)
-        storeScene(engine, mainThread, *keys, scene);
+        storeScene(*engine, mainThread, *keys, scene);
     std::vector<std::int64_t> recalled;
     const auto keeping =
-        engine.state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+        engine->state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
     const std::pair<int, std::vector<std::int64_t>> cases[] = {
         {1, {0}}, {8, {0, 1, 0, 1, 0, 1, 0, 1}}, {9, {0}}, {1000, {1}}};
     for (const auto& [count, expected] : cases) {
@@ -117,7 +117,7 @@ TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
 TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
     const auto keys = midiDriver->createSource("Keys").value();
     mainThread.runPosted();
-    engine.newSnapshot();
+    engine->newSnapshot();
     int lostNotes = 0;
     for (std::size_t nth = 1;; ++nth) {
         try {
@@ -129,10 +129,10 @@ TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
             // The sender's own.
         }
         mainThread.runPosted();
-        engine.beginMIDILearn();
+        engine->beginMIDILearn();
         keys->send(std::array<std::uint8_t, 3>{0x90, 60, 100});
         mainThread.runPosted();
-        EXPECT_EQ(engine.state().midiLearnTargetIndex.get(), std::nullopt) << nth;
+        EXPECT_EQ(engine->state().midiLearnTargetIndex.get(), std::nullopt) << nth;
     }
     EXPECT_GT(lostNotes, 1);
 }
@@ -144,15 +144,15 @@ TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
     const auto playOnThird = [](platform::MIDIOwnSource& source, std::uint8_t note) {
         source.send(std::array<std::uint8_t, 3>{0x92, note, 100});
     };
-    const auto trigger = [this] { return engine.state().snapshots.get().at(0).midiTrigger; };
-    engine.newSnapshot();
-    engine.beginMIDILearn();
+    const auto trigger = [this] { return engine->state().snapshots.get().at(0).midiTrigger; };
+    engine->newSnapshot();
+    engine->beginMIDILearn();
     playOnThird(*keys, 60);
     EXPECT_FALSE(trigger()) << "the main thread has not run";
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));
-    engine.selectMIDIDevice(engine.state().availableMIDIDevices.get().at(1).id);
-    engine.beginMIDILearn();
+    engine->selectMIDIDevice(engine->state().availableMIDIDevices.get().at(1).id);
+    engine->beginMIDILearn();
     playOnThird(*keys, 62);
     mainThread.runPosted();
     EXPECT_EQ(trigger(), (session::MIDITrigger{2, 60}));

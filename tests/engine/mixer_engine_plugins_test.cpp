@@ -59,7 +59,7 @@ TEST_F(PluginOperations, MoveThroughTheClipboard) {
     mainThread.runPosted();
     EXPECT_EQ(audioUnitHost.report.living, 3);
     EXPECT_EQ(armState.get(), armedForPaste);
-    start();
+    startBypassed();
     EXPECT_EQ(heard(2), 2.0F);
 }
 
@@ -91,10 +91,9 @@ TEST_F(PluginOperations, UndoPastesWithTheSettingsThatWereThere) {
 
 TEST_F(PluginOperations, KeepThePresetsOfAllChannelsInOneWritingOfTheFile) {
     const test::TemporaryFolder folder;
-    platform::SystemAudioHardware noDevices{{}};
-    engine::Services services{noDevices, midiServices, mainThread, audioUnitHost, log};
-    services.applicationSupport = folder / "";
-    engine = std::make_unique<engine::MixerEngine>(stripCount, services);
+    engine::Services saving = services;
+    saving.applicationSupport = folder / "";
+    engine = std::make_unique<engine::MixerEngine>(stripCount, saving);
     for (std::size_t strip = 0; strip < stripCount; ++strip)
         load(mono, 0, strip);
     // As many as it takes for none to be hit by a fault.
@@ -190,7 +189,7 @@ TEST_F(PluginOperations, GiveTheLatencyAtTheRateOfThePlugin) {
     EXPECT_EQ(engine->pluginLatencyMs(0, id(0)), 0.0);
     unit->latency = 480;
     EXPECT_EQ(engine->pluginLatencyMs(0, id(0)), 10.0);
-    start();
+    startBypassed();
     EXPECT_EQ(engine->pluginLatencyMs(0, id(0)), 1000.0 * 480.0 / 44100.0);
     EXPECT_EQ(engine->pluginLatencyMs(1, id(0)), 0.0);
 }

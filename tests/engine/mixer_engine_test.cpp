@@ -27,34 +27,34 @@ namespace master_output = session::master_output;
 
 TEST_F(MixerEngineTest, BeginsStoppedWithFreshStrips) {
     EXPECT_EQ(strips().size(), 8U);
-    EXPECT_EQ(engine.bufferLatencyMs(), 0.0);
-    EXPECT_EQ(engine.ringBufferBytes(), 0);
-    engine.start();
+    EXPECT_EQ(engine->bufferLatencyMs(), 0.0);
+    EXPECT_EQ(engine->ringBufferBytes(), 0);
+    engine->start();
     EXPECT_EQ(message(), "No audio device selected.");
     EXPECT_FALSE(isRunning());
-    engine.selectDevice(device(interface));
-    EXPECT_DOUBLE_EQ(engine.bufferLatencyMs(), 512.0 / 48.0);
-    EXPECT_EQ(engine.ringBufferBytes(), 6 * 512 * 32);
+    engine->selectDevice(device(interface));
+    EXPECT_DOUBLE_EQ(engine->bufferLatencyMs(), 512.0 / 48.0);
+    EXPECT_EQ(engine->ringBufferBytes(), 6 * 512 * 32);
 }
 
 TEST_F(MixerEngineTest, FillsOnlyOpenRoutingWhenADeviceIsSelected) {
-    engine.setInputChannel(strips()[2].id, 7);
-    engine.setOutputChannel(strips()[2].id, 0);
-    engine.setStereo(strips()[2].id, true);
-    engine.setMasterStereoPair(4);
-    engine.setMasterStereo(true);
-    engine.setMasterStereoPair(6);
-    engine.selectDevice(device(interface));
+    engine->setInputChannel(strips()[2].id, 7);
+    engine->setOutputChannel(strips()[2].id, 0);
+    engine->setStereo(strips()[2].id, true);
+    engine->setMasterStereoPair(4);
+    engine->setMasterStereo(true);
+    engine->setMasterStereoPair(6);
+    engine->selectDevice(device(interface));
     EXPECT_EQ(strips()[2].inputChannelIndex, 7);
     EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::Stereo{0, 1, 0.0}));
     EXPECT_EQ(strips()[3].inputChannelIndex, 3);
     EXPECT_FALSE(strips()[4].inputChannelIndex);
     EXPECT_EQ(strips()[5].outputRouting, session::OutputRouting(output::Mono{5}));
     EXPECT_EQ(strips()[6].outputRouting, session::OutputRouting(output::None{}));
-    EXPECT_EQ(engine.state().master.get().masterOutputRouting, session::MasterOutputRouting(output::None{}));
-    engine.resetRoutingOneToOne();
+    EXPECT_EQ(engine->state().master.get().masterOutputRouting, session::MasterOutputRouting(output::None{}));
+    engine->resetRoutingOneToOne();
     EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::Mono{2}));
-    engine.allOutputsOff();
+    engine->allOutputsOff();
     EXPECT_EQ(strips()[2].inputChannelIndex, 2);
     EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::None{}));
 }
@@ -62,19 +62,19 @@ TEST_F(MixerEngineTest, FillsOnlyOpenRoutingWhenADeviceIsSelected) {
 TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
     startBypassed();
     EXPECT_EQ(message(), "");
-    engine.start();
+    engine->start();
     EXPECT_EQ(step(), 1U);
     EXPECT_EQ(mainOutput->played[3], static_cast<float>(test::steadyLevel));
     EXPECT_EQ(mainOutput->played[5], 0.0F);
     mainThread.advance(std::chrono::milliseconds(40));
-    EXPECT_EQ(engine.meterModel().channelMeters.get().size(), 9U);
-    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], test::steadyLevel);
-    engine.stop();
+    EXPECT_EQ(engine->meterModel().channelMeters.get().size(), 9U);
+    EXPECT_EQ(engine->meterModel().channelMeters.get()[0], test::steadyLevel);
+    engine->stop();
     EXPECT_FALSE(isRunning());
     EXPECT_EQ(step(), 0U);
-    EXPECT_EQ(engine.meterModel().cpuLoad.get(), 0.0);
-    EXPECT_EQ(engine.meterModel().channelMeters.get()[0], test::steadyLevel);
-    engine.start();
+    EXPECT_EQ(engine->meterModel().cpuLoad.get(), 0.0);
+    EXPECT_EQ(engine->meterModel().channelMeters.get()[0], test::steadyLevel);
+    engine->start();
     EXPECT_EQ(step(interface, 3), 3U);
 }
 
@@ -89,65 +89,38 @@ TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
     };
     const auto level = static_cast<float>(test::steadyLevel);
     for (const Edit& edit : std::vector<Edit>{
-             {"trim", [&] { engine.setTrim(first, 0.5); }, 0.5F * level, 0},
-             {"unknown strip", [&] { engine.setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
-             {"role", [&] { engine.setVocalRole(first, dsp::VocalRole::lead); }, 0.5F * level, 0},
-             {"group fader", [&] { engine.setLeadGroupGainDB(20.0); }, 5.0F * level, 0},
-             {"output", [&] { engine.setOutputChannel(first, 5); }, 5.0F * level, 5},
+             {"trim", [&] { engine->setTrim(first, 0.5); }, 0.5F * level, 0},
+             {"unknown strip", [&] { engine->setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
+             {"role", [&] { engine->setVocalRole(first, dsp::VocalRole::lead); }, 0.5F * level, 0},
+             {"group fader", [&] { engine->setLeadGroupGainDB(20.0); }, 5.0F * level, 0},
+             {"output", [&] { engine->setOutputChannel(first, 5); }, 5.0F * level, 5},
              {"pair",
               [&] {
-                  engine.setStereo(first, true);
-                  engine.setStereoPair(first, 3);
-                  engine.setPan(first, -3.0);
+                  engine->setStereo(first, true);
+                  engine->setStereoPair(first, 3);
+                  engine->setPan(first, -3.0);
               },
               6.0F * level, 3},
-             {"no input", [&] { engine.setInputChannel(first, std::nullopt); }, level, 3},
-             {"mute", [&] { engine.setMuted(strips()[3].id, true); }, 0.0F, 3}}) {
+             {"no input", [&] { engine->setInputChannel(first, std::nullopt); }, level, 3},
+             {"mute", [&] { engine->setMuted(strips()[3].id, true); }, 0.0F, 3}}) {
         edit.make();
         step();
         EXPECT_FLOAT_EQ(mainOutput->played[edit.where], edit.heard) << edit.what;
     }
 }
 
-TEST_F(MixerEngineTest, LoadsASessionAsItWouldSaveIt) {
-    engine.selectDevice(device(interface));
-    engine.setName(strips()[1].id, "Alto");
-    engine.setReferenceNoiseGain(0.25);
-    engine.setDuckerReleaseMs(900.0);
-    engine.setGenderMode(strips()[0].id, dsp::GenderTriggerMode::male);
-    const session::MixerDocumentData saved = engine.makeDocumentData();
-    MixerEngine other(4, services);
-    session::MixerDocumentData document = saved;
-    document.bufferSize = 100;
-    document.master.masterOutputRouting = master_output::Stereo{40, 41};
-    other.applyDocument(document);
-    session::MixerDocumentData loaded = other.makeDocumentData();
-    document.channels.resize(4);
-    document.bufferSize = 512;
-    EXPECT_EQ(loaded, document);
-
-    other.refreshDevices();
-    other.selectDevice(device(interface));
-    other.setMasterOutputRouting(document.master.masterOutputRouting);
-    other.start();
-    EXPECT_THAT(
-        *other.state().lastError.get(), testing::StartsWith("Master Out was reset to \"None\" because its")
-    );
-    EXPECT_TRUE(other.state().isRunning.get());
-}
-
 TEST_F(MixerEngineTest, HoldsAllThatAFileCanWhileItRuns) {
     startBypassed();
     for (std::uint64_t seed = 0; seed < 40; ++seed) {
         const session::MixerDocumentData document = test::randomDocument(seed);
-        engine.applyDocument(document);
+        engine->applyDocument(document);
         step(interface, 2);
         MixerEngine whole(document.channels.size(), services);
         whole.applyDocument(document);
         session::MixerDocumentData expected = document;
         if (!engine::isBufferSize(document.bufferSize)) expected.bufferSize = 512;
         EXPECT_EQ(whole.makeDocumentData(), expected) << seed;
-        const session::MixerDocumentData part = engine.makeDocumentData();
+        const session::MixerDocumentData part = engine->makeDocumentData();
         EXPECT_EQ(part.snapshots, document.snapshots) << seed;
         for (std::size_t i = 0; i < std::min(part.channels.size(), document.channels.size()); ++i)
             EXPECT_EQ(part.channels[i], document.channels[i]) << seed << ", channel " << i;
@@ -155,8 +128,8 @@ TEST_F(MixerEngineTest, HoldsAllThatAFileCanWhileItRuns) {
 }
 
 TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
-    engine.selectMasterOutputDevice(device(monitor));
-    engine.setMasterStereo(true);
+    engine->selectMasterOutputDevice(device(monitor));
+    engine->setMasterStereo(true);
     startBypassed();
     EXPECT_EQ(
         message(),
@@ -175,26 +148,26 @@ TEST_F(MixerEngineTest, SendsTheMasterBusToADeviceOfItsOwn) {
         EXPECT_EQ(masterOutput->played[1] != 0.0F, block < 8) << block;
     }
 
-    engine.stop();
+    engine->stop();
     driver->control(monitor)->occupy();
-    engine.start();
+    engine->start();
     EXPECT_FALSE(isRunning());
     EXPECT_EQ(
         message(),
         "Failed to start master output device (Monitor): AudioUnitInitialize failed: OSStatus 560492391"
     );
     EXPECT_EQ(step(), 0U);
-    engine.selectMasterOutputDevice(device(interface));
-    engine.start();
+    engine->selectMasterOutputDevice(device(interface));
+    engine->start();
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(message(), "");
 }
 
 TEST_F(MixerEngineTest, StartsWithTheMixThatItShows) {
-    engine.selectDevice(device(interface));
-    engine.setVocalRole(strips()[0].id, dsp::VocalRole::lead);
-    engine.setVocalRole(strips()[1].id, dsp::VocalRole::backing);
-    engine.setMasterOutputChannel(5);
+    engine->selectDevice(device(interface));
+    engine->setVocalRole(strips()[0].id, dsp::VocalRole::lead);
+    engine->setVocalRole(strips()[1].id, dsp::VocalRole::backing);
+    engine->setMasterOutputChannel(5);
     const auto played = [this] {
         std::vector<float> all;
         for (int block = 0; block < 20; ++block) {
@@ -203,39 +176,39 @@ TEST_F(MixerEngineTest, StartsWithTheMixThatItShows) {
         }
         return all;
     };
-    engine.start();
+    engine->start();
     std::vector<float> before = played();
     const std::pair<const char*, std::function<void()>> edits[] = {
-        {"target", [this] { engine.setMasterTargetDB(-30.0); }},
-        {"lead group", [this] { engine.setLeadGroupGainDB(-6.0); }},
-        {"backing group", [this] { engine.setBackingGroupGainDB(3.0); }},
-        {"reference noise", [this] { engine.setReferenceNoiseGain(1.0); }},
-        {"release", [this] { engine.setDuckerReleaseMs(20.0); }}};
+        {"target", [this] { engine->setMasterTargetDB(-30.0); }},
+        {"lead group", [this] { engine->setLeadGroupGainDB(-6.0); }},
+        {"backing group", [this] { engine->setBackingGroupGainDB(3.0); }},
+        {"reference noise", [this] { engine->setReferenceNoiseGain(1.0); }},
+        {"release", [this] { engine->setDuckerReleaseMs(20.0); }}};
     for (const auto& [what, edit] : edits) {
-        engine.stop();
-        engine.start();
+        engine->stop();
+        engine->start();
         edit();
         const std::vector<float> edited = played();
         EXPECT_NE(edited, before) << what;
-        engine.stop();
-        engine.start();
+        engine->stop();
+        engine->start();
         before = played();
         EXPECT_EQ(before, edited) << what;
     }
 }
 
 TEST_F(MixerEngineTest, WarnsOfTheMainDeviceFirst) {
-    engine.selectDevice(device(interface));
-    engine.selectMasterOutputDevice(device(monitor));
-    engine.setMasterOutputRouting(master_output::Stereo{40, 41});
-    engine.setBufferSize(64);
+    engine->selectDevice(device(interface));
+    engine->selectMasterOutputDevice(device(monitor));
+    engine->setMasterOutputRouting(master_output::Stereo{40, 41});
+    engine->setBufferSize(64);
     keptBufferSize = 96;
     keptMonitorSize = 128;
-    engine.start();
+    engine->start();
     EXPECT_TRUE(isRunning());
     EXPECT_THAT(
         message(),
-        testing::ContainsRegex("^This device is actually running a 96-frame.* Master Out was reset.* "
+        testing::ContainsRegex("^This device is actually running a 96-frame.* Master Out was reset to .None. because its.* "
                                "This device is actually running a 128-frame.* Warning: Interface")
     );
 }
@@ -250,43 +223,35 @@ TEST_F(MixerEngineTest, FollowsTheNewsOfTheChosenDevicesAlone) {
     renamed.uid = "virtual:another";
     for (const auto& [chosen, followed] :
          {std::pair(smaller, present), {numbered, numbered}, {renamed, renamed}}) {
-        engine.selectDevice(chosen);
-        engine.selectMasterOutputDevice(chosen);
-        engine.refreshDevices();
-        EXPECT_EQ(engine.state().selectedDevice.get(), followed) << chosen.uid << chosen.id;
-        EXPECT_EQ(engine.state().masterOutputDevice.get(), followed) << chosen.uid << chosen.id;
+        engine->selectDevice(chosen);
+        engine->selectMasterOutputDevice(chosen);
+        engine->refreshDevices();
+        EXPECT_EQ(engine->state().selectedDevice.get(), followed) << chosen.uid << chosen.id;
+        EXPECT_EQ(engine->state().masterOutputDevice.get(), followed) << chosen.uid << chosen.id;
     }
-}
-
-TEST_F(MixerEngineTest, SaysWhyADeviceDoesNotStart) {
-    engine.selectDevice(device(interface));
-    driver->control(interface)->occupy();
-    engine.start();
-    EXPECT_EQ(message(), "Failed to start audio engine: AudioUnitInitialize failed: OSStatus 560492391");
-    EXPECT_FALSE(isRunning());
 }
 
 TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
     startBypassed();
     int starts = 0;
     const auto counting =
-        engine.state().isRunning.subscribe([&starts](bool runs) { starts += runs ? 1 : 0; });
-    engine.setBufferSize(100);
-    EXPECT_EQ(engine.state().bufferSize.get(), 512);
-    engine.setBufferSize(256);
+        engine->state().isRunning.subscribe([&starts](bool runs) { starts += runs ? 1 : 0; });
+    engine->setBufferSize(100);
+    EXPECT_EQ(engine->state().bufferSize.get(), 512);
+    engine->setBufferSize(256);
     EXPECT_EQ(starts, 1);
     EXPECT_EQ(step(), 1U);
     keptBufferSize = 96;
-    engine.setBufferSize(64);
+    engine->setBufferSize(64);
     EXPECT_THAT(message(), HasSubstr("This device is actually running a 96-frame buffer, not the 64 frames"));
     EXPECT_EQ(step(), 1U);
     EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
 }
 
 TEST_F(MixerEngineTest, IsHeardWithoutGapsWhereADeviceHasMuchLongerCyclesThanAskedFor) {
-    engine.setBufferSize(64);
-    engine.selectMasterOutputDevice(device(monitor));
-    engine.setMasterStereo(true);
+    engine->setBufferSize(64);
+    engine->selectMasterOutputDevice(device(monitor));
+    engine->setMasterStereo(true);
     for (const auto& [mainSize, monitorSize] : {std::pair(1024U, 64U), {64U, 1024U}, {2048U, 1024U}}) {
         keptBufferSize = mainSize;
         keptMonitorSize = monitorSize;
@@ -300,7 +265,7 @@ TEST_F(MixerEngineTest, IsHeardWithoutGapsWhereADeviceHasMuchLongerCyclesThanAsk
                 EXPECT_NE(masterOutput->playedLast[1], 0.0F) << mainSize << " to " << monitorSize;
             }
         }
-        engine.stop();
+        engine->stop();
     }
 }
 
@@ -337,46 +302,16 @@ TEST_F(MixerEngineTest, RecallsAllStripsInOneBlock) {
     EXPECT_EQ(halfBlocks, 0);
 }
 
-/// Runs what the driver's notification thread posts until the message is another one.
-void awaitMessage(MixerEngine& engine, test::ManualMainThread& mainThread, const std::string& before) {
-    while (engine.state().lastError.get().value_or("") == before) {
-        mainThread.runPosted();
-        std::this_thread::yield();
-    }
-}
-
-TEST_F(MixerEngineTest, TellsOfABufferSizeThatSomebodyElseChanged) {
-    startBypassed();
-    driver->control(interface)->changeBufferSize(1024);
-    awaitMessage(engine, mainThread, "");
-    EXPECT_EQ(
-        message(),
-        "The audio device's buffer size changed to 1024 frames while running (likely another app also using "
-        "Interface) -- if you hear stutters, stop and restart the engine. Closing other apps that use the "
-        "same device may help."
-    );
-    EXPECT_EQ(step(), 1U);
-    EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
-}
-
-TEST_F(MixerEngineTest, StopsAndNamesTheDeviceThatIsGone) {
-    startBypassed();
-    driver->control(interface)->die();
-    awaitMessage(engine, mainThread, "");
-    EXPECT_FALSE(isRunning());
-    EXPECT_THAT(message(), HasSubstr("The audio device Interface is gone"));
-    driver->control(interface)->reappear();
-    engine.start();
-    EXPECT_TRUE(isRunning());
-}
-
 TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
-    engine.selectMasterOutputDevice(device(monitor));
-    engine.setMasterOutputChannel(1);
+    engine->selectMasterOutputDevice(device(monitor));
+    engine->setMasterOutputChannel(1);
     startBypassed();
     const std::string atStart = message();
     driver->control(monitor)->die();
-    awaitMessage(engine, mainThread, atStart);
+    while (message() == atStart) {
+        mainThread.runPosted();
+        std::this_thread::yield();
+    }
     EXPECT_EQ(
         message(),
         "The master output device Monitor is gone, so the mix goes on without it; connect it again or "
@@ -386,8 +321,8 @@ TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
     driver->control(monitor)->reappear();
-    engine.stop();
-    engine.start();
+    engine->stop();
+    engine->start();
     step();
     EXPECT_EQ(step(monitor), 1U);
     EXPECT_NE(masterOutput->playedLast[1], 0.0F);
@@ -396,8 +331,8 @@ TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
 TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
     startBypassed();
     const auto throwing =
-        engine.state().channelStrips.subscribe([](const auto&) { throw std::runtime_error("as told"); });
-    EXPECT_THROW(engine.setTrim(strips()[0].id, 0.25), std::runtime_error);
+        engine->state().channelStrips.subscribe([](const auto&) { throw std::runtime_error("as told"); });
+    EXPECT_THROW(engine->setTrim(strips()[0].id, 0.25), std::runtime_error);
     EXPECT_EQ(strips()[0].trim, 0.25);
     step();
     EXPECT_FLOAT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel * 0.25));

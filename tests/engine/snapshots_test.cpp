@@ -1,17 +1,13 @@
-#include "engine/mixer_engine.h"
-#include "platform/audio_hardware/system_audio_hardware.h"
-#include "platform/midi_services/system_midi_services.h"
-#include "platform/virtual/virtual_audio_driver.h"
-#include "support/manual_main_thread.h"
+#include "mixer_engine_fixture.h"
+
 #include "support/random_blocks.h"
-#include "support/scripted_audio_unit.h"
-#include "support/virtual_signals.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <functional>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <set>
@@ -27,14 +23,14 @@ using session::Snapshot;
 using testing::ElementsAre;
 using testing::Optional;
 
-class SnapshotsTest : public testing::Test {
+class SnapshotsTest : public test::MixerEngineTest {
   protected:
-    [[nodiscard]] const std::vector<Snapshot>& scenes() const { return engine.state().snapshots.get(); }
+    [[nodiscard]] const std::vector<Snapshot>& scenes() const { return engine->state().snapshots.get(); }
     [[nodiscard]] std::optional<std::int64_t> selection() const {
-        return engine.state().currentSnapshotIndex.get();
+        return engine->state().currentSnapshotIndex.get();
     }
     [[nodiscard]] std::optional<std::int64_t> learning() const {
-        return engine.state().midiLearnTargetIndex.get();
+        return engine->state().midiLearnTargetIndex.get();
     }
     [[nodiscard]] std::vector<std::string> names() const {
         std::vector<std::string> all;
@@ -42,96 +38,67 @@ class SnapshotsTest : public testing::Test {
             all.push_back(scene.name);
         return all;
     }
-
-    platform::SystemAudioHardware hardware{{}};
-    test::ManualMainThread mainThread;
-    platform::SystemLog log{[](const platform::LogLine&) {}};
-    test::ScriptedAudioUnitHost audioUnitHost;
-    platform::SystemMIDIServices midiServices{{}};
-    MixerEngine engine{4, {hardware, midiServices, mainThread, audioUnitHost, log}};
 };
 
-TEST_F(SnapshotsTest, ArePlacedNamedAndSelected) {
-    engine.selectNextSnapshot();
-    engine.deleteSnapshot();
-    engine.beginMIDILearn();
-    EXPECT_FALSE(selection() || learning());
-    engine.newSnapshot();
-    engine.newSnapshot();
-    EXPECT_THAT(selection(), Optional(1));
-    engine.newSnapshot("Verse");
-    engine.selectPreviousSnapshot();
-    engine.selectPreviousSnapshot();
-    engine.selectPreviousSnapshot();
-    engine.insertSnapshot();
-    EXPECT_THAT(names(), ElementsAre("Snapshot 4", "Snapshot 1", "Snapshot 2", "Verse"));
-    EXPECT_THAT(selection(), Optional(0));
-    for (int i = 0; i < 9; ++i)
-        engine.selectNextSnapshot();
-    engine.beginMIDILearn();
-    engine.handleMIDINote({2, 60});
-    engine.copySnapshot();
-    EXPECT_THAT(names(), ElementsAre("Snapshot 4", "Snapshot 1", "Snapshot 2", "Verse", "Verse copy"));
-    EXPECT_THAT(selection(), Optional(4));
-    EXPECT_TRUE(scenes()[3].midiTrigger && !scenes()[4].midiTrigger);
-    engine.deleteSnapshot();
-    EXPECT_THAT(selection(), Optional(3));
+TEST_F(SnapshotsTest, AreCopiedWithoutTheirTriggerAndLoadedUnselected) {
+    engine->beginMIDILearn();
+    EXPECT_FALSE(learning()) << "without a scene";
+    engine->newSnapshot("Verse");
+    engine->beginMIDILearn();
+    engine->handleMIDINote({2, 60});
+    engine->copySnapshot();
+    EXPECT_THAT(names(), ElementsAre("Verse", "Verse copy"));
+    EXPECT_TRUE(scenes()[0].midiTrigger && !scenes()[1].midiTrigger);
     for (const auto select : {&MixerEngine::selectNextSnapshot, &MixerEngine::selectPreviousSnapshot}) {
-        engine.applyDocument(engine.makeDocumentData());
+        engine->applyDocument(engine->makeDocumentData());
         EXPECT_FALSE(selection());
-        (engine.*select)();
+        (*engine.*select)();
         EXPECT_THAT(selection(), Optional(0));
     }
 }
 
 TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
-    const std::vector<session::ChannelStrip> before = engine.state().channelStrips.get();
-    engine.setMasterTargetDB(-20.0);
-    engine.setLeadGroupGainDB(1.5);
-    engine.setBackingGroupGainDB(-2.5);
-    engine.setTrim(before[1].id, 0.5);
-    engine.newSnapshot("Quiet");
-    engine.setMasterTargetDB(-5.0);
-    engine.setTrim(before[1].id, 2.0);
-    engine.newSnapshot("Loud");
-    engine.setMasterTargetDB(0.0);
-    engine.setLeadGroupGainDB(6.0);
-    engine.setBackingGroupGainDB(7.0);
-    engine.setDuckerReleaseMs(1234.0);
-    engine.setReferenceNoiseGain(0.25);
-    engine.setBufferSize(64);
-    engine.setMasterOutputChannel(3);
-    engine.recallSnapshot(2);
-    engine.recallSnapshot(-1);
-    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 0.0);
-    engine.recallSnapshot(0);
+    const std::vector<session::ChannelStrip> before = strips();
+    engine->setMasterTargetDB(-20.0);
+    engine->setLeadGroupGainDB(1.5);
+    engine->setBackingGroupGainDB(-2.5);
+    engine->setTrim(before[1].id, 0.5);
+    engine->newSnapshot("Quiet");
+    engine->setMasterTargetDB(-5.0);
+    engine->setTrim(before[1].id, 2.0);
+    engine->newSnapshot("Loud");
+    engine->setMasterTargetDB(0.0);
+    engine->setLeadGroupGainDB(6.0);
+    engine->setBackingGroupGainDB(7.0);
+    engine->setDuckerReleaseMs(1234.0);
+    engine->setReferenceNoiseGain(0.25);
+    engine->setBufferSize(64);
+    engine->setMasterOutputChannel(3);
+    engine->recallSnapshot(2);
+    engine->recallSnapshot(-1);
+    session::MasterSettings expected = engine->state().master.get();
+    EXPECT_EQ(expected.levels, (session::MasterLevels{0.0, 6.0, 7.0}));
+    expected.levels = {-20.0, 1.5, -2.5};
+    engine->recallSnapshot(0);
     EXPECT_THAT(selection(), Optional(0));
-    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -20.0);
-    EXPECT_EQ(engine.state().master.get().levels.leadGroupGainDB, 1.5);
-    EXPECT_EQ(engine.state().master.get().levels.backingGroupGainDB, -2.5);
-    EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
-    EXPECT_EQ(engine.state().channelStrips.get()[1].id, before[1].id);
-    EXPECT_EQ(engine.state().master.get().duckerReleaseMs, 1234.0);
-    EXPECT_EQ(engine.state().master.get().referenceNoiseGain, 0.25);
-    EXPECT_EQ(engine.state().bufferSize.get(), 64);
-    EXPECT_EQ(
-        engine.state().master.get().masterOutputRouting,
-        session::MasterOutputRouting(session::output::Mono{3})
-    );
+    EXPECT_EQ(engine->state().master.get(), expected);
+    EXPECT_EQ(strips()[1].trim, 0.5);
+    EXPECT_EQ(strips()[1].id, before[1].id);
+    EXPECT_EQ(engine->state().bufferSize.get(), 64);
     // A scene of more strips than there are, and one of fewer.
-    session::MixerDocumentData document = engine.makeDocumentData();
+    session::MixerDocumentData document = engine->makeDocumentData();
     std::vector<session::ChannelSettingsData> channels = document.channels;
-    channels.resize(6);
+    channels.resize(10);
     document.snapshots[0].channels = channels;
     channels.resize(1);
     document.snapshots[1].channels = channels;
-    engine.applyDocument(document);
+    engine->applyDocument(document);
     EXPECT_FALSE(selection());
-    engine.recallSnapshot(1);
-    EXPECT_EQ(engine.state().channelStrips.get()[1].trim, 0.5);
-    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -5.0);
-    engine.recallSnapshot(0);
-    EXPECT_EQ(engine.state().channelStrips.get().size(), 4U);
+    engine->recallSnapshot(1);
+    EXPECT_EQ(strips()[1].trim, 0.5);
+    EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, -5.0);
+    engine->recallSnapshot(0);
+    EXPECT_EQ(strips().size(), 8U);
 }
 
 TEST_F(SnapshotsTest, AreRecalledInOrderAndKnowWhichOneIsPlayed) {
@@ -170,117 +137,70 @@ TEST_F(SnapshotsTest, AreRecalledInOrderAndKnowWhichOneIsPlayed) {
 
 TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {
     for (int i = 0; i < 3; ++i) {
-        engine.setMasterTargetDB(-i);
-        engine.newSnapshot();
+        engine->setMasterTargetDB(-i);
+        engine->newSnapshot();
     }
     const session::MIDITrigger note{2, 60};
     for (const int index : {2, 1}) {
-        engine.recallSnapshot(index);
-        engine.setMasterTargetDB(9.0);
-        engine.beginMIDILearn();
-        engine.handleMIDINote(note);
+        engine->recallSnapshot(index);
+        engine->setMasterTargetDB(9.0);
+        engine->beginMIDILearn();
+        engine->handleMIDINote(note);
         EXPECT_EQ(scenes()[static_cast<std::size_t>(index)].midiTrigger, note);
         EXPECT_FALSE(learning());
-        EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 9.0)
+        EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, 9.0)
             << "a note that is learnt recalls nothing";
     }
-    engine.recallSnapshot(0);
+    engine->recallSnapshot(0);
     for (const session::MIDITrigger& other : {session::MIDITrigger{1, 60}, session::MIDITrigger{2, 61}})
-        engine.handleMIDINote(other);
-    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, 0.0);
-    engine.handleMIDINote(note);
-    EXPECT_EQ(engine.state().master.get().levels.masterTargetDB, -1.0);
+        engine->handleMIDINote(other);
+    EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, 0.0);
+    engine->handleMIDINote(note);
+    EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, -1.0);
     EXPECT_THAT(selection(), Optional(1));
 
-    engine.beginMIDILearn();
-    engine.cancelMIDILearn();
-    engine.selectNextSnapshot();
-    engine.beginMIDILearn();
-    engine.deleteSnapshot();
+    engine->beginMIDILearn();
+    engine->cancelMIDILearn();
+    engine->selectNextSnapshot();
+    engine->beginMIDILearn();
+    engine->deleteSnapshot();
     // The scene that was learning is gone: the note recalls, the learning stays.
-    engine.handleMIDINote(note);
+    engine->handleMIDINote(note);
     EXPECT_THAT(selection(), Optional(1));
     EXPECT_THAT(learning(), Optional(2));
 }
 
-TEST(Snapshots, ArePlayedFromTheNextBlockOn) {
-    constexpr std::size_t strips = 48;
-    constexpr int sceneCount = 24;
-    const auto output = std::make_shared<test::KeptOutput>();
-    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
-    devices[0].description = {"virtual:big", "Big", strips, strips, 48000.0};
-    devices[0].input = std::make_shared<test::SteadyInput>();
-    devices[0].output = output;
-    platform::SystemLog log([](const platform::LogLine&) {});
-    auto driver = std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
-        std::move(devices), platform::virtual_devices::VirtualPacing::stepped, log
-    );
-    platform::virtual_devices::VirtualClock& clock = driver->clock();
-    std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-    drivers.push_back(std::move(driver));
-    platform::SystemAudioHardware hardware(std::move(drivers));
-    platform::SystemMIDIServices midiServices({});
-    test::ManualMainThread mainThread;
-    test::ScriptedAudioUnitHost audioUnitHost;
-    MixerEngine engine(strips, {hardware, midiServices, mainThread, audioUnitHost, log});
-    engine.refreshDevices();
-    engine.selectDevice(engine.state().availableDevices.get().at(0));
-    const std::vector<session::ChannelStrip> all = engine.state().channelStrips.get();
-    for (int scene = 0; scene < sceneCount; ++scene) {
-        for (std::size_t i = 0; i < strips; ++i) {
-            engine.setBypassed(all[i].id, true);
-            engine.setTrim(all[i].id, scene + static_cast<double>(i));
-        }
-        engine.newSnapshot();
-        engine.beginMIDILearn();
-        engine.handleMIDINote({3, scene});
-    }
-    engine.start();
-    test::Random random(9);
-    for (int recall = 0; recall < 1000; ++recall) {
-        const long scene = test::wholeBetween(random, 0, sceneCount - 1);
-        engine.handleMIDINote({3, scene});
-        ASSERT_EQ(clock.step("virtual:big", 1), 1U);
-        for (std::size_t i = 0; i < output->played.size(); ++i)
-            ASSERT_EQ(
-                output->played[i],
-                static_cast<float>(test::steadyLevel * static_cast<double>(scene + static_cast<long>(i)))
-            ) << "recall "
-              << recall << ", strip " << i;
-    }
-}
-
-TEST_F(SnapshotsTest, AreUndoneStepByStepAlsoWhereAListenerThrows) {
+TEST_F(SnapshotsTest, AreUndoneStepByStepEvenIfASubscriberThrows) {
     for (int i = 0; i < 3; ++i)
-        engine.newSnapshot();
+        engine->newSnapshot();
     bool isThrowing = true;
-    const auto throwing = engine.state().snapshots.subscribe([&](const auto&) {
+    const auto throwing = engine->state().snapshots.subscribe([&](const auto&) {
         if (isThrowing) throw std::bad_alloc();
     });
-    EXPECT_THROW(engine.undoSnapshotEdit(), std::bad_alloc);
+    EXPECT_THROW(engine->undoSnapshotEdit(), std::bad_alloc);
     isThrowing = false;
     EXPECT_THAT(names(), ElementsAre("Snapshot 1", "Snapshot 2"));
-    engine.undoSnapshotEdit();
+    engine->undoSnapshotEdit();
     EXPECT_THAT(names(), ElementsAre("Snapshot 1"));
 }
 
-TEST_F(SnapshotsTest, AreNotCopiedByEditsOfOthersAndTheirUndo) {
-    engine.newSnapshot();
+TEST_F(SnapshotsTest, AreNotCopiedWhenOthersAreEditedOrUndone) {
+    engine->newSnapshot();
     const session::ChannelSettingsData* const channels = scenes()[0].channels.begin();
-    engine.newSnapshot();
-    engine.storeSnapshot();
-    engine.renameSnapshot(0, "Opening");
-    engine.undoSnapshotEdit();
+    engine->newSnapshot();
+    engine->storeSnapshot();
+    engine->renameSnapshot(0, "Opening");
+    engine->undoSnapshotEdit();
     EXPECT_EQ(scenes()[0].channels.begin(), channels);
 }
 
-TEST_F(SnapshotsTest, FlagRecallSafeOnlyTheSlotsThatHaveAFlag) {
+TEST_F(SnapshotsTest, HaveARecallSafeFlagForTheFirstThreeSlots) {
     for (const std::int64_t slot : {-1, 0, 3, 4})
-        engine.setRecallSafe(true, slot);
-    EXPECT_EQ(engine.state().pluginSlotRecallSafe.get(), (std::vector<bool>{true, false, false}));
+        engine->setRecallSafe(true, slot);
+    EXPECT_EQ(engine->state().pluginSlotRecallSafe.get(), (std::vector<bool>{true, false, false}));
 }
 
-/// The rules of the list, on nothing but what tells scenes apart.
+/// The rules of the list, with a name and one level for each scene.
 struct Model {
     struct Scene {
         std::string name;
@@ -316,6 +236,15 @@ struct Model {
         scenes.erase(scenes.begin() + static_cast<std::ptrdiff_t>(*selected));
         settleSelection();
     }
+    void rename() {
+        if (!scenes.empty()) scenes[0].name = "Opening";
+    }
+    void selectNext() {
+        if (!scenes.empty()) selected = selected ? std::min(*selected + 1, scenes.size() - 1) : 0;
+    }
+    void selectPrevious() {
+        if (!scenes.empty()) selected = std::max<std::size_t>(selected.value_or(0), 1) - 1;
+    }
     void undo() {
         if (history.empty()) return;
         scenes = history.back();
@@ -330,69 +259,43 @@ struct Model {
     }
 };
 
-TEST_F(SnapshotsTest, FollowTheRulesOfTheListWhateverIsDone) {
+TEST_F(SnapshotsTest, MatchAPlainListAfterEveryRandomEdit) {
     test::Random random(3);
     Model model;
+    double content = 0.0;
+    const std::pair<std::function<void()>, std::function<void()>> edits[] = {
+        {[&] { engine->newSnapshot(); }, [&] { model.add(content); }},
+        {[&] { engine->insertSnapshot(); }, [&] { model.insert(content); }},
+        {[&] { engine->storeSnapshot(); }, [&] { model.store(content); }},
+        {[&] { engine->copySnapshot(); }, [&] { model.copy(); }},
+        {[&] { engine->deleteSnapshot(); }, [&] { model.remove(); }},
+        {[&] { engine->deleteSnapshot(); }, [&] { model.remove(); }},
+        {[&] { engine->selectNextSnapshot(); }, [&] { model.selectNext(); }},
+        {[&] { engine->selectPreviousSnapshot(); }, [&] { model.selectPrevious(); }},
+        {[&] { engine->renameSnapshot(0, "Opening"); }, [&] { model.rename(); }},
+        {[&] { engine->undoSnapshotEdit(); }, [&] { model.undo(); }}};
     for (int round = 0; round < 4000; ++round) {
-        const double content = -round;
-        engine.setMasterTargetDB(content);
-        switch (test::wholeBetween(random, 0, 9)) {
-        case 0:
-            engine.newSnapshot();
-            model.add(content);
-            break;
-        case 1:
-            engine.insertSnapshot();
-            model.insert(content);
-            break;
-        case 2:
-            engine.storeSnapshot();
-            model.store(content);
-            break;
-        case 3:
-            engine.copySnapshot();
-            model.copy();
-            break;
-        case 4:
-        case 5:
-            engine.deleteSnapshot();
-            model.remove();
-            break;
-        case 6:
-            // Now and then far beyond what can be undone.
-            for (long undos = test::oneIn(random, 20) ? 40 : 1; undos > 0; --undos) {
-                engine.undoSnapshotEdit();
-                model.undo();
-            }
-            break;
-        case 7:
-            engine.selectNextSnapshot();
-            if (!model.scenes.empty())
-                model.selected = model.selected ? std::min(*model.selected + 1, model.scenes.size() - 1) : 0;
-            break;
-        case 8:
-            engine.selectPreviousSnapshot();
-            if (!model.scenes.empty())
-                model.selected = std::max<std::size_t>(model.selected.value_or(0), 1) - 1;
-            break;
-        default:
-            engine.renameSnapshot(0, "Opening");
-            if (!model.scenes.empty()) model.scenes[0].name = "Opening";
+        SCOPED_TRACE(round);
+        content = -round;
+        engine->setMasterTargetDB(content);
+        const long chosen = test::wholeBetween(random, 0, std::ssize(edits) - 1);
+        const auto& [edit, editModel] = edits[chosen];
+        // Now and then far beyond what can be undone.
+        const bool isUndo = chosen == std::ssize(edits) - 1;
+        for (long times = isUndo && test::oneIn(random, 20) ? 40 : 1; times > 0; --times) {
+            edit();
+            editModel();
         }
         if (model.history.size() > 25) model.history.erase(model.history.begin());
-        ASSERT_EQ(scenes().size(), model.scenes.size()) << "round " << round;
-        const std::int64_t none = -1;
-        ASSERT_EQ(
-            selection().value_or(none), model.selected ? static_cast<std::int64_t>(*model.selected) : none
-        ) << "round "
-          << round;
+        std::vector<Model::Scene> found;
         std::set<std::string> ids;
-        for (std::size_t i = 0; i < scenes().size(); ++i) {
-            ASSERT_EQ((Model::Scene{scenes()[i].name, scenes()[i].levels.masterTargetDB}), model.scenes[i])
-                << "round " << round << ", scene " << i;
-            ids.insert(scenes()[i].id.toString());
+        for (const Snapshot& scene : scenes()) {
+            found.push_back({scene.name, scene.levels.masterTargetDB});
+            ids.insert(scene.id.toString());
         }
-        ASSERT_EQ(ids.size(), scenes().size()) << "round " << round;
+        ASSERT_EQ(found, model.scenes);
+        ASSERT_EQ(selection(), model.selected);
+        ASSERT_EQ(ids.size(), found.size());
     }
 }
 

@@ -9,7 +9,6 @@
 #include <gmock/gmock.h>
 #include <lv2/atom/atom.h>
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>

@@ -10,7 +10,6 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <future>
 #include <limits>
 #include <string>
 #include <thread>
