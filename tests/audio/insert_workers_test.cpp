@@ -79,7 +79,7 @@ struct TwoStrips {
     audio::MixerRealtimeState state{2};
 };
 
-TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilItLetsGo) {
+TEST(InsertWorkers, LeaveAStripDryWhoseEffectIsLateAndKeepItUntilItReturns) {
     TwoStrips strips;
     std::atomic<bool> isEntered = false;
     std::atomic<bool> isReleased = false;
@@ -112,7 +112,7 @@ TEST(InsertWorkers, LeaveAStripDryThatOneOfThemIsHeldUpAtAndKeepItsEffectUntilIt
     EXPECT_TRUE(test::waitFor([&] { return strips.run() == std::pair(2.0, 2.0); }));
 }
 
-TEST(InsertWorkers, TakePartFromAHighLoadOnUntilItIsLow) {
+TEST(InsertWorkers, TakePartFromAHighLoadUntilALowOne) {
     constexpr std::uint64_t blockTicks = 1000000000;
     ticks = ticksPerLook = 0;
     TwoStrips strips(1, scriptedClock, {.waitedFor = 1e9});
@@ -195,7 +195,7 @@ TEST(InsertWorkers, TakeNothingWithoutTheirPriority) {
     EXPECT_EQ(strips.state.insertWorkers->helperCount(), 0U);
 }
 
-TEST(InsertWorkers, AreFewerWhereThereIsNoMemoryForAll) {
+TEST(InsertWorkers, AreFewerIfMemoryRunsOut) {
     std::size_t fewer = 0;
     for (std::size_t nth = 1;; ++nth) {
         const test::FailingAllocation failing(nth);
@@ -213,7 +213,7 @@ std::ptrdiff_t threadCount() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
 
-TEST(InsertWorkers, AreWaitedForBeforeTheEffectsGoThatTheyAreAt) {
+TEST(InsertWorkers, AreWaitedForBeforeTheirEffectsAreDestroyed) {
     auto strips = std::make_unique<TwoStrips>(2);
     std::atomic<int> entered = 0;
     std::atomic<bool> isHeldUp = false;

@@ -96,7 +96,7 @@ TEST(MixerRealtimeState, SmoothsTheShareOfTheBlockThatAPassTakes) {
     }
 }
 
-TEST(MeterModel, FindsBackFromEndlessNoise) {
+TEST(MeterModel, RecoversFromEndlessNoise) {
     test::MixerHarness mixer({.strips = 1});
     mixer.state.updateRouting(
         std::vector<std::optional<std::int64_t>>(1), std::vector<session::OutputRouting>(1), {}

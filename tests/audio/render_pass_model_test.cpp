@@ -189,7 +189,7 @@ class TwoMixers final {
         {shape.strips, shape.sampleRate, shape.bufferSize, shape.outputs, shape.masterOutputs}, -10.0};
 };
 
-TEST(RenderPass, GivesTheBitsOfThePlainReadingInRandomSessionsOnEveryInstructionSet) {
+TEST(RenderPass, MatchesThePlainMixerInRandomSessionsOnEveryInstructionSet) {
     for (const dsp::LaneKernels* kernels : dsp::supportedLaneKernels())
         for (unsigned seed = 1; seed <= 60; ++seed) {
             TwoMixers mixers(seed, *kernels);

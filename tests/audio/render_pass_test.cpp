@@ -25,7 +25,7 @@ using Outputs = std::vector<session::OutputRouting>;
 
 constexpr std::size_t frames = 64;
 
-TEST(RenderPass, PlaysAndShowsNothingThatIsNoSoundWhateverTheSettings) {
+TEST(RenderPass, PlaysAndShowsFiniteValuesWhateverTheSettings) {
     constexpr double huge = 1e300;
     const std::pair<const char*, void (*)(MixerHarness&)> cases[] = {
         {"trim", [](MixerHarness& mixer) { mixer.automix.setSettings(0, {.trim = -huge}); }},
@@ -124,7 +124,7 @@ class Editor final {
     platform::SystemLog log{[](const platform::LogLine&) {}};
 };
 
-TEST(RenderPass, StaysWholeWhileTheControlSideEditsEverything) {
+TEST(RenderPass, PlaysValidSamplesWhileEverythingIsEdited) {
     MixerHarness mixer({.strips = strips, .bufferSize = frames, .outputs = 4});
     Editor editor(mixer);
     editor.editEverything();

@@ -113,7 +113,7 @@ TEST(DriverFaults, AFailedStartReportsItsReasonAlthoughItsDeviceDied) {
     EXPECT_THAT(mixer.message(), StartsWith("Failed to start audio engine: "));
 }
 
-TEST(DriverFaults, AStartAndARestartTakeTheDevicesAsTheyAre) {
+TEST(DriverFaults, AStartAndARestartUseTheDevicesAsTheyAre) {
     test::ScriptedAudioHardware hardware;
     hardware.devices = mainAndMaster();
     Mixer mixer(hardware);
@@ -131,7 +131,7 @@ TEST(DriverFaults, AStartAndARestartTakeTheDevicesAsTheyAre) {
     }
 }
 
-TEST(DriverFaults, ARunFollowsItsDeviceToAnotherRateAndSaysSo) {
+TEST(DriverFaults, ARunFollowsItsDeviceToAnotherRateAndReportsIt) {
     test::FakeAudioMachine machine({{"fake:card", "Card", 2, 2, 48000.0}});
     Mixer mixer(machine.hardware);
     mixer.engine.selectDevice(mixer.device(0));

@@ -12,7 +12,7 @@ namespace {
 using namespace orvane;
 
 // What goes wrong here, the allocation guard and the sanitizers see.
-TEST(EngineChurn, SurvivesWhateverIsDoneWhileItRuns) {
+TEST(EngineChurn, SurvivesRandomOperationsWhileItRuns) {
     soak::Choices choices{std::uint64_t{1}};
     soak::Stage stage({.pacing = platform::virtual_devices::VirtualPacing::live});
     soak::RandomOperator person(stage, choices);

@@ -112,7 +112,7 @@ struct HangingShow {
     std::atomic<int> blocks = 0;
 };
 
-TEST(HangingPlugin, ThatDoesNotReturnIsNamedAfterTwoSecondsAndTheMessageGoesWhenItDoes) {
+TEST(HangingPlugin, ThatDoesNotReturnIsReportedAfterTwoSecondsUntilItReturns) {
     HangingShow show;
     show.engine.start();
     show.expectBlocks();
@@ -134,7 +134,7 @@ TEST(HangingPlugin, ThatDoesNotReturnIsNamedAfterTwoSecondsAndTheMessageGoesWhen
     EXPECT_EQ(message.get(), std::nullopt);
 }
 
-TEST(HangingPlugin, ThatDoesNotReturnIsGivenUpAtTheStopAndTheOthersGoOn) {
+TEST(HangingPlugin, ThatDoesNotReturnIsAbandonedAtTheStopAndTheOthersContinue) {
     const auto show = std::make_shared<HangingShow>();
     platform::abandon(show);
     const NoPatience noPatience;

@@ -23,7 +23,7 @@ using testing::ElementsAre;
 namespace load_state = plugins::load_state;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
 
-TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
+TEST_F(InsertPlugins, AreSetUpStepByStepAndPlayWhenTheyAreLive) {
     startBypassed();
     audioUnitHost.delivery = Delivery::byHand;
     engine->loadPlugin(stereo, 4, id(0), stateOf(3.0));
@@ -69,7 +69,7 @@ TEST_F(InsertPlugins, AreSetUpStepByStepAndHeardWhenTheyAreLive) {
     EXPECT_EQ(audioUnitHost.report.living, 1);
 }
 
-TEST_F(InsertPlugins, AreSetUpAnewForTheRateOfTheDeviceThatStarts) {
+TEST_F(InsertPlugins, AreSetUpAgainForTheRateOfTheDeviceThatStarts) {
     const auto kept = loadLive(mono, 0);
     kept->gain = 2.0F;
     loadLive(audioUnitHost.add("Widens", {.lowestMonoRate = 48000.0}), 1)->gain = 3.0F;
@@ -110,7 +110,7 @@ TEST_F(InsertPlugins, AreSetUpAnewForTheRateOfTheDeviceThatStarts) {
     EXPECT_EQ(audioUnitHost.report.rendersWithoutResources, 0);
 }
 
-TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
+TEST_F(InsertPlugins, ReportWhyTheyCouldNotBeLoaded) {
     constexpr const char* noFormat = "Couldn't configure an audio format this plugin accepts (tried mono and "
                                      "stereo).";
     constexpr const char* refused = "Couldn't load Odd: it didn't accept a mono or stereo audio format.";
@@ -155,7 +155,7 @@ TEST_F(InsertPlugins, SayWhyTheyCouldNotBeLoaded) {
     EXPECT_EQ(audioUnitHost.instantiations, before);
 }
 
-TEST_F(InsertPlugins, SayWhatOfASavedStateIsLost) {
+TEST_F(InsertPlugins, ReportWhichPartOfASavedStateIsLost) {
     const auto withoutFile = platform::dataWithPropertyList({{"gain", {2.0}}, {"file", {1.0}}}).value();
     const struct {
         platform::PropertyList::Data state;
@@ -183,7 +183,7 @@ TEST_F(InsertPlugins, SayWhatOfASavedStateIsLost) {
     }
 }
 
-TEST_F(InsertPlugins, LastArrivalIsWhatEndsUpLive) {
+TEST_F(InsertPlugins, LastToArriveIsLive) {
     startBypassed();
     audioUnitHost.delivery = Delivery::byHand;
     for (const double gain : {2.0, 3.0, 4.0})
@@ -336,7 +336,7 @@ TEST_F(InsertPlugins, FollowTheRecordsOfALoadedSession) {
     }
 }
 
-TEST_F(InsertPlugins, AreTakenUnderAnotherMakersNameAndTheRecordFollows) {
+TEST_F(InsertPlugins, AreFoundUnderAnotherMakersNameAndUpdateTheirRecord) {
     startBypassed();
     loadLive(mono, 0)->gain = 3.0F;
     session::MixerDocumentData document = engine->makeDocumentData();
@@ -356,7 +356,7 @@ TEST_F(InsertPlugins, AreTakenUnderAnotherMakersNameAndTheRecordFollows) {
     }
 }
 
-TEST_F(InsertPlugins, BeyondTheFifthSlotAreKeptOnRecordAlone) {
+TEST_F(InsertPlugins, BeyondTheFifthSlotAreOnlyKeptOnRecord) {
     loadLive(mono, 0);
     session::MixerDocumentData document = engine->makeDocumentData();
     auto& slots = document.channels[0].pluginSlots;
@@ -390,7 +390,7 @@ TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
     EXPECT_EQ(heard(), 2.0F);
 }
 
-TEST_F(InsertPlugins, InRecallSafeSlotsAreLeftAloneUnlessASessionFindsNone) {
+TEST_F(InsertPlugins, InRecallSafeSlotsStayUnlessASessionFindsNone) {
     startBypassed();
     engine->setRecallSafe(true, 0);
     for (std::size_t strip = 0; strip < stripCount; ++strip)

@@ -126,7 +126,8 @@ class JackEngineTest : public testing::Test {
 
     JackTestServer server{{.sampleRate = 48000, .period = period, .channelCount = channelCount}};
     platform::jack::JackClients clients{test::uniqueJackName("ORVANE")};
-    platform::SystemAudioHardware hardware{test::listOf<platform::AudioDriver>(std::make_unique<platform::jack::JackAudioDriver>(clients))};
+    platform::SystemAudioHardware hardware{
+        test::listOf<platform::AudioDriver>(std::make_unique<platform::jack::JackAudioDriver>(clients))};
     platform::SystemLog log{[](const platform::LogLine&) {}};
     test::ManualMainThread mainThread;
     test::ScriptedAudioUnitHost audioUnitHost;
@@ -168,7 +169,7 @@ TEST_F(JackEngineTest, PlaysWhatTheSteppedDevicePlaysBitForBit) {
         EXPECT_EQ(heard[channel], expected[channel]) << "channel " << channel << " after " << silence;
 }
 
-TEST_F(JackEngineTest, TellsOfEachForeignBufferSizeOnce) {
+TEST_F(JackEngineTest, ReportsEachForeignBufferSizeOnce) {
     start();
     std::vector<std::string> messages;
     const auto keeping =
@@ -195,7 +196,7 @@ TEST_F(JackEngineTest, TellsOfEachForeignBufferSizeOnce) {
     EXPECT_TRUE(engine.state().isRunning.get());
 }
 
-TEST_F(JackEngineTest, PlaysOnWithoutOneOfSeveralCardsAndSaysSo) {
+TEST_F(JackEngineTest, ContinuesWithoutOneOfSeveralCardsAndReportsIt) {
     auto card = std::make_unique<JackPeer>("card", 2, JackPortIsPhysical);
     engine.refreshDevices();
     engine.selectDevice(engine.state().availableDevices.get().back());
@@ -229,7 +230,7 @@ TEST_F(JackEngineTest, StopsWhenTheServerIsGoneAndStartsOnTheNextAtItsRate) {
     start();
 }
 
-TEST_F(JackEngineTest, PlaysOnThroughFiftyChangesOfTheBufferSize) {
+TEST_F(JackEngineTest, ContinuesThroughFiftyChangesOfTheBufferSize) {
     start();
     JackPeer other("other", 1);
     for (int change = 0; change < 50; ++change)
@@ -328,7 +329,7 @@ TEST_F(JackEngineTest, KeepsItsLevelWhileAnotherClientChangesTheBufferSize) {
     }
 }
 
-TEST_F(JackEngineTest, PlaysOnOrSaysWhyWhenAFrozenServerGoesOn) {
+TEST_F(JackEngineTest, ContinuesOrReportsWhyNotWhenAFrozenServerContinues) {
     start();
     ASSERT_TRUE(isHeard());
     server.send(SIGSTOP);

@@ -178,7 +178,7 @@ TEST_F(MemoryShortage, RecallsASceneWholeOrNotAtAll) {
     EXPECT_EQ(engine->state().master.get().levels.masterTargetDB, -20.0);
 }
 
-TEST_F(MemoryShortage, KeepsEveryPluginThatIsHeardWhereALoadOrARemovalIsGivenUp) {
+TEST_F(MemoryShortage, KeepsPluginsWhoseLoadingOrRemovalRunsOutOfMemory) {
     startBypassed();
     const std::function<void()> operations[] = {
         [this] { engine->loadPlugin(stereo, 0, id(0)); }, [this] { engine->removePlugin(0, id(0)); }};

@@ -71,8 +71,9 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
         storeScene(*engine, mainThread, *keys, scene);
     }
     std::vector<std::int64_t> recalled;
-    const auto keeping =
-        engine->state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+    const auto keeping = engine->state().currentSnapshotIndex.subscribe([&](const auto& index) {
+        recalled.push_back(*index);
+    });
     std::atomic<bool> isOver = false;
     std::thread player([&] {
         for (int i = 0; i < noteCount; ++i)
@@ -97,13 +98,14 @@ TEST_F(MixerEngineTest, ComesToRestAfterAStormOfNotesWithTheLastOneRecalled) {
     EXPECT_THAT(recalled, IsEmpty());
 }
 
-TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
+TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesInOrderButOnlyTheLastOfMany) {
     const auto keys = midiDriver->createSource("Keys").value();
     for (int scene = 0; scene < 2; ++scene)
         storeScene(*engine, mainThread, *keys, scene);
     std::vector<std::int64_t> recalled;
-    const auto keeping =
-        engine->state().currentSnapshotIndex.subscribe([&](const auto& index) { recalled.push_back(*index); });
+    const auto keeping = engine->state().currentSnapshotIndex.subscribe([&](const auto& index) {
+        recalled.push_back(*index);
+    });
     const std::pair<int, std::vector<std::int64_t>> cases[] = {
         {1, {0}}, {8, {0, 1, 0, 1, 0, 1, 0, 1}}, {9, {0}}, {1000, {1}}};
     for (const auto& [count, expected] : cases) {
@@ -114,7 +116,7 @@ TEST_F(MixerEngineTest, RecallsTheScenesOfAFewNotesOneByOneAndOfManyTheLast) {
     }
 }
 
-TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
+TEST_F(MixerEngineTest, ReceivesTheNextNoteIfMemoryRanOutForOne) {
     const auto keys = midiDriver->createSource("Keys").value();
     mainThread.runPosted();
     engine->newSnapshot();
@@ -137,7 +139,7 @@ TEST_F(MixerEngineTest, HearsTheNextNoteWhereThereWasNoMemoryForOne) {
     EXPECT_GT(lostNotes, 1);
 }
 
-TEST_F(MixerEngineTest, TakesTheNotesOfTheSelectedSourceOnTheMainThread) {
+TEST_F(MixerEngineTest, ReceivesNotesOfTheSelectedSourceOnTheMainThread) {
     const auto keys = midiDriver->createSource("Keys").value();
     const auto pads = midiDriver->createSource("Pads").value();
     mainThread.runPosted();

@@ -89,7 +89,7 @@ TEST_F(PluginOperations, UndoPastesWithTheSettingsThatWereThere) {
     EXPECT_FALSE(engine->state().canUndoPaste.get()) << "the session is another one";
 }
 
-TEST_F(PluginOperations, KeepThePresetsOfAllChannelsInOneWritingOfTheFile) {
+TEST_F(PluginOperations, SaveThePresetsOfAllChannelsInOneWrite) {
     const test::TemporaryFolder folder;
     engine::Services saving = services;
     saving.applicationSupport = folder / "";
@@ -139,7 +139,7 @@ TEST_F(PluginOperations, KeepTheirSettingsAsPresets) {
     }
 }
 
-TEST_F(PluginOperations, GiveALivePluginThePresetThatCameWithItOnceItIsRead) {
+TEST_F(PluginOperations, ApplyAFactoryPresetToALivePluginOnceItIsRead) {
     const auto unit = loadLive(mono, 0);
     audioUnitHost.presets = {{7, "Loud", "Bank"}};
     EXPECT_EQ(engine->factoryPresets(0, id(0)), audioUnitHost.presets);

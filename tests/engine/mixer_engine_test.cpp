@@ -59,7 +59,7 @@ TEST_F(MixerEngineTest, FillsOnlyOpenRoutingWhenADeviceIsSelected) {
     EXPECT_EQ(strips()[2].outputRouting, session::OutputRouting(output::None{}));
 }
 
-TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
+TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAgain) {
     startBypassed();
     EXPECT_EQ(message(), "");
     engine->start();
@@ -78,7 +78,7 @@ TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAfresh) {
     EXPECT_EQ(step(interface, 3), 3U);
 }
 
-TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
+TEST_F(MixerEngineTest, AppliesEveryEditInTheNextBlock) {
     startBypassed();
     const platform::Uuid first = strips()[0].id;
     struct Edit {
@@ -109,7 +109,7 @@ TEST_F(MixerEngineTest, TakesEveryEditAtTheNextBlock) {
     }
 }
 
-TEST_F(MixerEngineTest, HoldsAllThatAFileCanWhileItRuns) {
+TEST_F(MixerEngineTest, LoadsEverySessionWhileItRuns) {
     startBypassed();
     for (std::uint64_t seed = 0; seed < 40; ++seed) {
         const session::MixerDocumentData document = test::randomDocument(seed);
@@ -208,12 +208,14 @@ TEST_F(MixerEngineTest, WarnsOfTheMainDeviceFirst) {
     EXPECT_TRUE(isRunning());
     EXPECT_THAT(
         message(),
-        testing::ContainsRegex("^This device is actually running a 96-frame.* Master Out was reset to .None. because its.* "
-                               "This device is actually running a 128-frame.* Warning: Interface")
+        testing::ContainsRegex(
+            "^This device is actually running a 96-frame.* Master Out was reset to .None. because its.* "
+            "This device is actually running a 128-frame.* Warning: Interface"
+        )
     );
 }
 
-TEST_F(MixerEngineTest, FollowsTheNewsOfTheChosenDevicesAlone) {
+TEST_F(MixerEngineTest, FindsOnlyTheChosenDevicesInANewList) {
     const audio::AudioDeviceInfo present = device(interface);
     audio::AudioDeviceInfo smaller = present;
     smaller.outputChannelCount = 2;
@@ -231,7 +233,7 @@ TEST_F(MixerEngineTest, FollowsTheNewsOfTheChosenDevicesAlone) {
     }
 }
 
-TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
+TEST_F(MixerEngineTest, RestartsOnlyForABufferSizeThatItOffers) {
     startBypassed();
     int starts = 0;
     const auto counting =
@@ -248,7 +250,7 @@ TEST_F(MixerEngineTest, RestartsForAnOfferedBufferSizeAlone) {
     EXPECT_EQ(mainOutput->played[0], static_cast<float>(test::steadyLevel));
 }
 
-TEST_F(MixerEngineTest, IsHeardWithoutGapsWhereADeviceHasMuchLongerCyclesThanAskedFor) {
+TEST_F(MixerEngineTest, PlaysWithoutGapsIfADeviceHasMuchLongerCyclesThanRequested) {
     engine->setBufferSize(64);
     engine->selectMasterOutputDevice(device(monitor));
     engine->setMasterStereo(true);
@@ -302,7 +304,7 @@ TEST_F(MixerEngineTest, RecallsAllStripsInOneBlock) {
     EXPECT_EQ(halfBlocks, 0);
 }
 
-TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
+TEST_F(MixerEngineTest, ContinuesWithoutAMasterDeviceThatIsGone) {
     engine->selectMasterOutputDevice(device(monitor));
     engine->setMasterOutputChannel(1);
     startBypassed();
@@ -328,7 +330,7 @@ TEST_F(MixerEngineTest, GoesOnWithoutTheMasterDeviceThatIsGone) {
     EXPECT_NE(masterOutput->playedLast[1], 0.0F);
 }
 
-TEST_F(MixerEngineTest, IsHeardAsItIsShownAlsoWhereAListenerThrows) {
+TEST_F(MixerEngineTest, PlaysWhatItShowsEvenIfASubscriberThrows) {
     startBypassed();
     const auto throwing =
         engine->state().channelStrips.subscribe([](const auto&) { throw std::runtime_error("as told"); });

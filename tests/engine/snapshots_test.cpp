@@ -102,37 +102,37 @@ TEST_F(SnapshotsTest, RecallTheMixAndNothingElse) {
 }
 
 TEST_F(SnapshotsTest, AreRecalledInOrderAndKnowWhichOneIsPlayed) {
-    const auto next = [&] { return engine.state().nextSnapshotIndex.get(); };
-    const auto played = [&] { return engine.playedSnapshot() ? engine.playedSnapshot()->name : "none"; };
-    engine.recallNextSnapshot();
+    const auto next = [&] { return engine->state().nextSnapshotIndex.get(); };
+    const auto played = [&] { return engine->playedSnapshot() ? engine->playedSnapshot()->name : "none"; };
+    engine->recallNextSnapshot();
     for (const char* name : {"A", "B", "C"})
-        engine.newSnapshot(name);
+        engine->newSnapshot(name);
     EXPECT_EQ(played(), "C");
     EXPECT_FALSE(next());
-    engine.applyDocument(engine.makeDocumentData());
+    engine->applyDocument(engine->makeDocumentData());
     EXPECT_EQ(played(), "none");
     for (const char* name : {"A", "B"}) {
-        engine.recallNextSnapshot();
+        engine->recallNextSnapshot();
         EXPECT_EQ(played(), name);
     }
     EXPECT_THAT(next(), Optional(2));
-    engine.chooseEarlierSnapshot();
+    engine->chooseEarlierSnapshot();
     EXPECT_THAT(next(), Optional(1)) << "the same scene can be recalled again";
-    engine.deleteSnapshot();
+    engine->deleteSnapshot();
     EXPECT_EQ(played(), "none");
-    engine.undoSnapshotEdit();
+    engine->undoSnapshotEdit();
     EXPECT_EQ(played(), "B");
 
-    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
-    const platform::Uuid strip = engine.state().channelStrips.get()[0].id;
-    engine.setTrim(strip, 0.5);
-    EXPECT_TRUE(engine.hasLeftPlayedSnapshot());
-    engine.recallNextSnapshot();
-    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
-    engine.setBackingGroupGainDB(1.0);
-    EXPECT_TRUE(engine.hasLeftPlayedSnapshot());
-    engine.storeSnapshot();
-    EXPECT_FALSE(engine.hasLeftPlayedSnapshot());
+    EXPECT_FALSE(engine->hasLeftPlayedSnapshot());
+    const platform::Uuid strip = engine->state().channelStrips.get()[0].id;
+    engine->setTrim(strip, 0.5);
+    EXPECT_TRUE(engine->hasLeftPlayedSnapshot());
+    engine->recallNextSnapshot();
+    EXPECT_FALSE(engine->hasLeftPlayedSnapshot());
+    engine->setBackingGroupGainDB(1.0);
+    EXPECT_TRUE(engine->hasLeftPlayedSnapshot());
+    engine->storeSnapshot();
+    EXPECT_FALSE(engine->hasLeftPlayedSnapshot());
 }
 
 TEST_F(SnapshotsTest, LearnTheNotesThatRecallThem) {

@@ -126,7 +126,7 @@ class StorageFaults : public testing::TestWithParam<Stored> {
 
 // Each call in turn fails, on a first and on a second writing: afterwards there is what was there before, or
 // the new if the caller was not told of a failure, and nothing else; the next writing succeeds.
-TEST_P(StorageFaults, LeaveTheOldFileOrTheNewAndSayWhatIsWrong) {
+TEST_P(StorageFaults, LeaveTheOldFileOrTheNewAndReportTheReason) {
     const Stored& stored = GetParam();
     for (const int error : {ENOSPC, EROFS, EIO, EACCES})
         for (const int before : {0, 1}) {

@@ -24,7 +24,7 @@ struct PublishedTest : testing::Test {
     Told told;
 };
 
-TEST_F(PublishedTest, TellsEverybodyInOrderAtEveryAssignment) {
+TEST_F(PublishedTest, NotifiesSubscribersInOrderAtEveryAssignment) {
     const Subscription a = listen("a");
     const Subscription b = listen("b");
     EXPECT_TRUE(told.empty());
@@ -60,7 +60,7 @@ TEST_F(PublishedTest, LetsSubscriptionsEndAndBeginDuringANotification) {
     EXPECT_EQ(told, (Told{tag, "last2", "last3", "new3", "new3"}));
 }
 
-TEST_F(PublishedTest, TellsEverybodyAlsoWhereAListenerThrows) {
+TEST_F(PublishedTest, NotifiesSubscribersEvenIfOneThrows) {
     const Subscription first = listen("a");
     const Subscription thrower = number.subscribe([](const int& value) {
         if (value == 2) throw std::bad_alloc();
@@ -71,7 +71,7 @@ TEST_F(PublishedTest, TellsEverybodyAlsoWhereAListenerThrows) {
     EXPECT_EQ(told, (Told{"a2", "b2", "a3", "b3"}));
 }
 
-TEST_F(PublishedTest, TellsOfAnAssignmentMadeDuringANotificationInARoundOfItsOwn) {
+TEST_F(PublishedTest, NotifiesAnAssignmentMadeDuringANotificationInItsOwnRound) {
     const Subscription first = listen("a");
     const Subscription limiter = number.subscribe([this](const int& value) {
         told.push_back("limit" + std::to_string(value));
