@@ -264,8 +264,6 @@ class LevelWatch final {
         for (const End& end : ends)
             jack_client_close(end.client);
     }
-    LevelWatch(const LevelWatch&) = delete;
-    LevelWatch& operator=(const LevelWatch&) = delete;
 
     /// Returns once `count` cycles of `frameCount` frames have come out of the mix.
     [[nodiscard]] bool awaitCycles(std::size_t frameCount, std::size_t count) {

@@ -6,15 +6,15 @@
 #include "support/description_of.h"
 #include "support/file_faults.h"
 #include "support/random_document.h"
+#include "support/server_process.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <ostream>
 #include <string>
@@ -229,16 +229,12 @@ TEST_P(StorageFaults, KillingTheProgramAtAnyInstantLeavesTheOldFileOrTheNew) {
             if (before == 1) {
                 ASSERT_EQ(stored.write(folder / "", 1), "success");
             }
-            const pid_t writer = fork();
-            if (writer == 0) {
+            const int exitCode = exitCodeOfChild([&] {
                 const FileFault fault(call, FileFault::kill);
                 stored.write(folder / "", before + 1);
-                _exit(fault.hasHappened() ? 1 : 0);
-            }
-            int status = 0;
-            ASSERT_EQ(waitpid(writer, &status, 0), writer);
-            wasKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-            ASSERT_TRUE(wasKilled || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
+            });
+            wasKilled = exitCode < 0;
+            ASSERT_TRUE(wasKilled || exitCode == EXIT_SUCCESS);
             const std::string older = before == 0 ? "" : "1";
             const std::string newer = std::to_string(before + 1);
             EXPECT_THAT(stored.read(folder / ""), testing::AnyOf(older, newer));

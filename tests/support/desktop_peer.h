@@ -50,8 +50,6 @@ class DesktopPeer final {
         ::waitpid(daemon, nullptr, 0);
         setBusAddress(noBus);
     }
-    DesktopPeer(const DesktopPeer&) = delete;
-    DesktopPeer& operator=(const DesktopPeer&) = delete;
 
     /// How requests for locks are answered from now on.
     Manner manner = Manner::grants;

@@ -22,8 +22,6 @@ class JackPeer final {
     /// `clientName` is made unique. `portFlags` are added to those of all ports.
     explicit JackPeer(std::string_view clientName, std::size_t channelCount, unsigned long portFlags = 0);
     ~JackPeer();
-    JackPeer(const JackPeer&) = delete;
-    JackPeer& operator=(const JackPeer&) = delete;
 
     [[nodiscard]] const std::string& name() const { return uniqueName; }
 

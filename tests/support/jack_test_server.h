@@ -45,8 +45,6 @@ class JackTestServer final {
     /// number of ports of the server and all its clients.
     explicit JackTestServer(Format serverFormat, std::uint32_t portCount = 2048);
     ~JackTestServer();
-    JackTestServer(const JackTestServer&) = delete;
-    JackTestServer& operator=(const JackTestServer&) = delete;
 
     /// Ends the server's process with `signal` and waits for it.
     void end(int signal);

@@ -20,8 +20,6 @@ class SessionManagerPeer final {
   public:
     SessionManagerPeer() { lo_server_add_method(server.get(), nullptr, nullptr, keep, this); }
     ~SessionManagerPeer() { lo_address_free(client); }
-    SessionManagerPeer(const SessionManagerPeer&) = delete;
-    SessionManagerPeer& operator=(const SessionManagerPeer&) = delete;
 
     [[nodiscard]] std::string url() const {
         std::string address = "osc.udp://127.0.0.1:";

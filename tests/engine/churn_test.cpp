@@ -1,19 +1,85 @@
 #include "insert_plugins_fixture.h"
+#include "platform/lv2/lv2_unit_host.h"
+#include "soak/choices.h"
+#include "soak/random_operator.h"
+#include "soak/stage.h"
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
+#include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <thread>
+#include <utility>
+#include <vector>
+
+// What an audio thread must not do, and what leaks, is detected by the allocation guard and the sanitizers.
 
 namespace {
 
 using namespace orvane;
 using namespace orvane::test;
 using namespace std::chrono_literals;
+
+TEST(EngineChurn, SurvivesRandomOperationsWhileItRuns) {
+    soak::Choices choices{std::uint64_t{1}};
+    soak::Stage stage({.pacing = platform::virtual_devices::VirtualPacing::live});
+    soak::RandomOperator person(stage, choices);
+    int starts = 0;
+    const auto counting =
+        stage.engine.state().isRunning.subscribe([&starts](bool runs) { starts += runs ? 1 : 0; });
+    for (int round = 0; round < 5000; ++round) {
+        person.act();
+        stage.mainThread.advance(std::chrono::milliseconds(5));
+    }
+    EXPECT_GT(starts, 100);
+    stage.engine.stop();
+    EXPECT_FALSE(stage.engine.state().isRunning.get());
+}
+
+class InstalledPlugins : public InsertPlugins {};
+
+TEST_F(InstalledPlugins, ComeAndGoAThousandTimesWhileTheMixerRuns) {
+    constexpr std::size_t churnedStrips = 16;
+    std::vector<platform::virtual_devices::VirtualDevice> devices(1);
+    devices[0].description = {"virtual:live", "Live", churnedStrips, churnedStrips, 48000.0};
+    platform::SystemAudioHardware liveHardware(
+        listOf<platform::AudioDriver>(std::make_unique<platform::virtual_devices::VirtualAudioDriver>(
+            std::move(devices), platform::virtual_devices::VirtualPacing::live, log
+        ))
+    );
+    platform::lv2::Lv2UnitHost host(log);
+    engine::MixerEngine mixer(churnedStrips, {liveHardware, midiServices, mainThread, host, log});
+    std::vector<platform::AVAudioUnitComponent> components;
+    for (const platform::AVAudioUnitComponent& component : mixer.availableInsertComponents())
+        for (const char* name : {"MDA Delay", "MDA Dynamics", "x42-comp - Dynamic Compressor Mono"})
+            if (component.name == name) components.push_back(component);
+    ASSERT_EQ(components.size(), 3U);
+    mixer.refreshDevices();
+    mixer.selectDevice(mixer.state().availableDevices.get().at(0));
+    mixer.setBufferSize(64);
+    mixer.start();
+    for (std::size_t i = 0; i < 1000; ++i) {
+        const plugins::PluginSlotKey key{mixer.state().channelStrips.get()[i % churnedStrips].id, i % 5};
+        mixer.loadPlugin(components[i % components.size()], key.slot, key.stripID);
+        const auto loadState = [&] { return mixer.state().pluginLoadStates.get().at(key); };
+        ASSERT_TRUE(waitFor([&] {
+            mainThread.runPosted();
+            return loadState() != plugins::PluginLoadState(plugins::load_state::Loading{});
+        })) << i;
+        EXPECT_EQ(loadState(), plugins::PluginLoadState(plugins::load_state::Loaded{})) << i;
+        if (i % 2 == 0) mixer.removePlugin(key.slot, key.stripID);
+        mainThread.advance(10ms);
+    }
+    EXPECT_TRUE(mixer.state().isRunning.get());
+}
 
 /// Something that a user or a recall does, to any slot.
 void edit(engine::MixerEngine& engine, const ScriptedAudioUnitHost& host, Random& random) {
