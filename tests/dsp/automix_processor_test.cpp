@@ -1,12 +1,15 @@
 #include "baseline/plain_automix.h"
 #include "dsp/automix_processor.h"
 #include "dsp/decibels.h"
+#include "dsp/gain_sharing_mixer.h"
+#include "dsp/master_bus_leveler.h"
 #include "support/allocation_guard.h"
 #include "support/random_blocks.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -80,6 +83,19 @@ TEST(AutomixProcessor, MatchesThePlainImplementationOnEveryInstructionSet) {
         for (const std::size_t channels : {1, 2, 3, 5, 9, 17, 33, 49})
             for (unsigned seed = 1; seed <= 3; ++seed)
                 compareWithPlain(*kernels, channels, seed);
+}
+
+TEST(GainSharingMixer, TreatsALevelThatIsNotFiniteAsSilence) {
+    GainSharingMixer mixer(3, 187.5, 15.0, 400.0, 1e-6, -26.0);
+    for (const double gain : mixer.process(std::vector{0.1, std::nan(""), HUGE_VAL}))
+        EXPECT_TRUE(std::isfinite(gain));
+}
+
+TEST(MasterBusLeveler, RecoversFromAnInfinitelyLoudBus) {
+    MasterBusLeveler leveler(1e6, 187.5, 30.0, 500.0, 20.0, -24.0);
+    leveler.process(HUGE_VAL);
+    leveler.setTargetDB(-18.0);
+    EXPECT_GT(leveler.process(dbToLinear(-18.0)), 0.5);
 }
 
 } // namespace
