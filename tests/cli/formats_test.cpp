@@ -16,8 +16,8 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using test::contentOf;
-using test::TemporaryFolder;
 using Keys = std::set<std::string>;
 
 /// The keys in the first table column of the page's section with this title.

@@ -22,12 +22,8 @@
 
 namespace {
 
+using namespace orvane::test;
 using orvane::test::contentOf;
-using orvane::test::exitCodeOf;
-using orvane::test::exitCodeOfShell;
-using orvane::test::JackTestServer;
-using orvane::test::TemporaryFolder;
-using orvane::test::waitFor;
 using testing::HasSubstr;
 using testing::Not;
 using Sizes = std::vector<std::uint32_t>;

@@ -18,15 +18,10 @@
 
 namespace {
 
+using namespace orvane::test;
+using namespace testing;
 using orvane::test::contentOf;
-using orvane::test::exitCodeOfShell;
-using orvane::test::startServer;
-using orvane::test::TemporaryFolder;
-using orvane::test::waitFor;
 using testing::AllOf;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
 
 /// Aborts at any allocation on an audio thread; its wall clock jumps back and forth.
 const std::string program = orvane::test::builtProgram("orvane-cli-guarded");

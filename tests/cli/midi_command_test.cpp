@@ -21,11 +21,10 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using cli::parseNote;
 using cli::SentNote;
 using test::contentOf;
-using test::exitCodeOfShell;
-using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

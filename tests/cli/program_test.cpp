@@ -11,8 +11,8 @@
 
 namespace {
 
+using namespace orvane::test;
 using orvane::test::contentOf;
-using orvane::test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 

@@ -22,11 +22,9 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using cli::RenderOptions;
 using test::Channels;
-using test::readSound;
-using test::TemporaryFolder;
-using test::writeSound;
 using testing::ElementsAre;
 using testing::HasSubstr;
 namespace output = session::output;

@@ -16,13 +16,11 @@
 namespace {
 
 using namespace orvane::dsp;
+using namespace orvane::test;
 using orvane::baseline::PlainAutomix;
-using orvane::test::AllocationGuard;
-using orvane::test::Random;
 
 /// Makes the same edit on the fast and the plain automix.
 void editBoth(Random& random, AutomixProcessor& fast, PlainAutomix& plain) {
-    using namespace orvane::test;
     const auto channel =
         static_cast<std::size_t>(wholeBetween(random, 0, static_cast<long>(fast.channelCount()) - 1));
     plain.settings[channel] = randomSettings(random);
@@ -41,7 +39,6 @@ void editBoth(Random& random, AutomixProcessor& fast, PlainAutomix& plain) {
 /// Runs a random session through both, without allocating once the scratch is sized, and stops at the first
 /// difference.
 void compareWithPlain(const LaneKernels& kernels, std::size_t channels, unsigned seed) {
-    using namespace orvane::test;
     SCOPED_TRACE(testing::Message() << kernels.name << ", " << channels << " channels, seed " << seed);
     constexpr std::size_t lengths[] = {0, 1, 31, 32, 96, 256, 2048};
     Random random(seed);

@@ -14,11 +14,10 @@ namespace {
 
 using namespace orvane;
 using namespace std::chrono_literals;
+using namespace test;
 using plugins::PluginLoadState;
 using session::PluginSlot;
 using test::AudioUnitScript;
-using test::InsertPlugins;
-using test::stripCount;
 using testing::ElementsAre;
 namespace load_state = plugins::load_state;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;

@@ -26,9 +26,9 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using engine::MixerEngine;
 using test::JackPeer;
-using test::JackTestServer;
 
 constexpr std::uint32_t period = 256;
 constexpr std::size_t channelCount = 8;

@@ -15,8 +15,8 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using test::AudioUnitScript;
-using test::stripCount;
 using enum plugins::PluginClipboardArmState;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
 

@@ -10,9 +10,9 @@
 namespace {
 
 using namespace orvane;
+using namespace test;
 using plugins::InsertRenderContext;
 using test::ScriptedUnit;
-using test::UnitAct;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -11,11 +11,10 @@ namespace {
 
 using namespace orvane;
 using namespace orvane::test;
+using namespace testing;
 using plugins::PluginPresetStore;
 using session::AUComponentIdentity;
 using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 constexpr AUComponentIdentity delay{0x61756678, 4294967295, 1};

@@ -21,9 +21,9 @@
 namespace {
 
 using namespace orvane::session;
+using namespace orvane::test;
 using nlohmann::json;
 using orvane::test::FailingAllocation;
-using orvane::test::randomDocument;
 using testing::HasSubstr;
 
 const std::string nearlyWhole = R"({"bufferSize": 64, "masterTargetDB": 0, "snapshots": [], "channels": [])";

@@ -18,9 +18,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
+using namespace orvane::test;
 using orvane::test::AlsaClient;
-using orvane::test::AlsaFixture;
-using orvane::test::ChangeLog;
 using testing::ElementsAre;
 
 constexpr std::string_view uid = "alsa:device";

@@ -16,8 +16,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
+using namespace orvane::test;
 using orvane::test::ReceivedMIDI;
-using orvane::test::waitFor;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

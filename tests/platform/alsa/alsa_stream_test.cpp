@@ -24,12 +24,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
+using namespace orvane::test;
 using orvane::test::AllocationGuard;
-using orvane::test::AlsaClient;
-using orvane::test::AlsaFixture;
-using orvane::test::ChangeLog;
-using orvane::test::contentOf;
-using orvane::test::waitFor;
 using testing::ElementsAre;
 
 constexpr std::string_view scriptedUID = "alsa:device";

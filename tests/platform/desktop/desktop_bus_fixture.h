@@ -11,8 +11,8 @@
 namespace orvane::platform::desktop {
 
 using namespace std::chrono_literals;
+using namespace test;
 using test::DesktopPeer;
-using test::waitFor;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

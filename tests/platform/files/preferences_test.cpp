@@ -8,8 +8,8 @@
 namespace {
 
 using namespace orvane::platform;
+using namespace orvane::test;
 using orvane::test::contentOf;
-using orvane::test::TemporaryFolder;
 
 TEST(Preferences, ShareAFileWithOtherPrograms) {
     const TemporaryFolder folder;

@@ -21,10 +21,9 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::test;
+using namespace testing;
 using std::filesystem::path;
 using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
 
 /// The offset of the low 32 bits of a FLAC file's length in frames.
 constexpr std::size_t flacLengthField = 22;

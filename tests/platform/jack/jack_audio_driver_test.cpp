@@ -28,13 +28,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
+using namespace orvane::test;
 using orvane::test::ChangeLog;
-using orvane::test::CountingClient;
-using orvane::test::JackPeer;
-using orvane::test::JackServerName;
-using orvane::test::JackTestServer;
-using orvane::test::uniqueJackName;
-using orvane::test::waitFor;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -46,7 +41,7 @@ struct Driver {
 constexpr const char* uid = "jack:system";
 
 TEST(JackAudioDriver, HasNoDevicesAndLogsNothingWithoutAServer) {
-    const JackServerName nobody;
+    const orvane::test::JackServerName nobody;
     testing::internal::CaptureStderr();
     {
         Driver driver;

@@ -19,12 +19,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
+using namespace orvane::test;
 using orvane::test::ChangeLog;
-using orvane::test::CountingClient;
-using orvane::test::JackPeer;
-using orvane::test::JackTestServer;
-using orvane::test::uniqueJackName;
-using orvane::test::waitFor;
 using testing::ElementsAre;
 
 std::set<int> descriptors() {

@@ -20,17 +20,12 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
+using namespace orvane::test;
+using namespace testing;
 using orvane::midi::MIDIManager;
 using orvane::midi::NoteMessage;
 using orvane::test::JackMIDIPeer;
-using orvane::test::JackServerName;
-using orvane::test::JackTestServer;
-using orvane::test::ReceivedMIDI;
-using orvane::test::uniqueJackName;
-using orvane::test::waitFor;
 using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Message = std::vector<std::uint8_t>;
 
@@ -174,7 +169,7 @@ TEST(JackMIDIDriver, ReceivesOnlyFromConnectedSources) {
 }
 
 TEST(JackMIDIDriver, HasNoSourcesAndLogsNothingWithoutAServer) {
-    const JackServerName nobody;
+    const orvane::test::JackServerName nobody;
     testing::internal::CaptureStderr();
     {
         Driver driver;

@@ -23,10 +23,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
+using namespace orvane::test;
 using orvane::test::JackPeer;
-using orvane::test::JackTestServer;
-using orvane::test::uniqueJackName;
-using orvane::test::waitFor;
 
 constexpr const char* uid = "jack:system";
 

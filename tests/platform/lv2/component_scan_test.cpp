@@ -22,12 +22,8 @@ namespace orvane::platform::lv2 {
 namespace {
 
 using test::Lv2Bundles;
+using namespace testing;
 using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 struct Scan {
     std::vector<InstalledPlugin> effects;

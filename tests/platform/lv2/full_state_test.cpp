@@ -17,8 +17,8 @@
 namespace orvane::platform::lv2 {
 namespace {
 
+using namespace test;
 using test::probe;
-using test::setUp;
 using Dictionary = PropertyList::Dictionary;
 
 class FullState : public test::ScriptedHostTest {};

@@ -14,10 +14,8 @@
 namespace orvane::platform::lv2 {
 namespace {
 
+using namespace test;
 using test::instantiate;
-using test::parameter;
-using test::setUp;
-using test::UnitRenderer;
 using testing::HasSubstr;
 
 class InstalledPlugins : public testing::Test {

@@ -18,15 +18,10 @@
 namespace orvane::platform::lv2 {
 namespace {
 
+using namespace test;
+using namespace testing;
 using test::parameter;
-using test::probe;
-using test::scripted;
-using test::scriptedLv2Library;
-using test::setUp;
-using test::UnitRenderer;
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
 
 constexpr std::uint32_t gainPort = 2;
 constexpr std::uint32_t answerPort = 3;

@@ -18,15 +18,8 @@
 namespace orvane::platform::lv2 {
 namespace {
 
+using namespace test;
 using test::Lv2Bundles;
-using test::parameter;
-using test::probe;
-using test::scripted;
-using test::scriptedLv2Library;
-using test::scriptedPorts;
-using test::setUp;
-using test::UnitRenderer;
-using test::waitFor;
 using testing::Each;
 using testing::HasSubstr;
 

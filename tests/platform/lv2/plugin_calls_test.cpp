@@ -20,12 +20,8 @@
 namespace orvane::platform::lv2 {
 namespace {
 
+using namespace test;
 using test::Lv2Bundles;
-using test::probe;
-using test::scriptedPorts;
-using test::setUp;
-using test::UnitRenderer;
-using test::waitFor;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -16,8 +16,8 @@ namespace orvane::platform::session_manager {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace test;
 using test::SessionManagerPeer;
-using test::waitFor;
 using testing::HasSubstr;
 
 using Client = std::unique_ptr<SessionManagerClient>;

@@ -19,8 +19,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::virtual_devices;
+using namespace orvane::test;
 using orvane::test::ChangeLog;
-using orvane::test::CountingClient;
 
 const std::string uid = "virtual:test";
 constexpr std::uint32_t frames = 16;

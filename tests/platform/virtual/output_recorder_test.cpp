@@ -22,9 +22,8 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::platform::virtual_devices;
+using namespace orvane::test;
 using orvane::test::Channels;
-using orvane::test::readSound;
-using orvane::test::TemporaryFolder;
 
 /// Passes noise to the recorder in blocks of random lengths and returns it.
 Channels recordNoise(OutputRecorder& recorder, std::size_t blockCount) {
