@@ -17,7 +17,6 @@ namespace {
 
 using namespace orvane;
 using namespace test;
-using test::contentOf;
 using Keys = std::set<std::string>;
 
 /// The keys in the first table column of the page's section with this title.

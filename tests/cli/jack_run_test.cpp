@@ -23,7 +23,6 @@
 namespace {
 
 using namespace orvane::test;
-using orvane::test::contentOf;
 using testing::HasSubstr;
 using testing::Not;
 using Sizes = std::vector<std::uint32_t>;

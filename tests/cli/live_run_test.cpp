@@ -20,8 +20,6 @@ namespace {
 
 using namespace orvane::test;
 using namespace testing;
-using orvane::test::contentOf;
-using testing::AllOf;
 
 /// Aborts at any allocation on an audio thread; its wall clock jumps back and forth.
 const std::string program = orvane::test::builtProgram("orvane-cli-guarded");

@@ -24,7 +24,6 @@ using namespace orvane;
 using namespace test;
 using cli::parseNote;
 using cli::SentNote;
-using test::contentOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -12,7 +12,6 @@
 namespace {
 
 using namespace orvane::test;
-using orvane::test::contentOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -28,41 +27,39 @@ TEST(Program, DistinguishesSuccessFailureAndWrongUsage) {
     const TemporaryFolder folder;
     const std::string input = std::string("render --input ") + panel;
     const std::string output = " --output '" + (folder / "out.wav").string() + "'";
-    struct Case {
-        std::string arguments;
-        int exitCode;
-        const char* says;
-    };
-    for (const Case& one :
-         {Case{"", 2, "subcommand"}, Case{"mix", 2, "mix"}, Case{input, 2, "--output"},
-          Case{input + output + " --buffer-size 100", 2, "--buffer-size"},
-          Case{input + output + " --channels 0", 2, "--channels"},
-          Case{input + output + " --loud", 2, "--loud"}, Case{"run --meters 7", 2, "--meters"},
-          Case{"render --input none.wav" + output, 1, "none.wav"},
-          Case{input + " --output /no/such/folder/out.wav", 1, "out.wav"}}) {
-        EXPECT_EQ(exitCodeOf(folder, one.arguments), one.exitCode) << one.arguments;
+    const std::tuple<std::string, int, const char*> cases[] = {
+        {"", 2, "subcommand"},
+        {"mix", 2, "mix"},
+        {input, 2, "--output"},
+        {input + output + " --buffer-size 100", 2, "--buffer-size"},
+        {input + output + " --channels 0", 2, "--channels"},
+        {input + output + " --loud", 2, "--loud"},
+        {"run --meters 7", 2, "--meters"},
+        {"render --input none.wav" + output, 1, "none.wav"},
+        {input + " --output /no/such/folder/out.wav", 1, "out.wav"}};
+    for (const auto& [arguments, exitCode, says] : cases) {
+        EXPECT_EQ(exitCodeOf(folder, arguments), exitCode) << arguments;
         const std::string message = contentOf(folder / "stderr");
-        EXPECT_THAT(message, MatchesRegex("orvane-cli: [^\n]+\n")) << one.arguments;
-        EXPECT_THAT(message, HasSubstr(one.says)) << one.arguments;
-        EXPECT_EQ(contentOf(folder / "stdout"), "") << one.arguments;
+        EXPECT_THAT(message, MatchesRegex("orvane-cli: [^\n]+\n")) << arguments;
+        EXPECT_THAT(message, HasSubstr(says)) << arguments;
+        EXPECT_EQ(contentOf(folder / "stdout"), "") << arguments;
     }
 }
 
 TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
     const TemporaryFolder folder;
-    struct Case {
-        std::string arguments;
-        const char* says;
-    };
-    for (const Case& one :
-         {Case{"--help", "render"}, Case{"--version", "orvane-cli "}, Case{"render --help", "--stems"},
-          Case{"plugins", "MDA Limiter"}, Case{"plugins --json", R"("name": "MDA Limiter")"},
-          Case{
-              std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
-              "times real time"}}) {
-        EXPECT_EQ(exitCodeOf(folder, one.arguments), 0) << one.arguments;
-        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(one.says)) << one.arguments;
-        EXPECT_EQ(contentOf(folder / "stderr"), "") << one.arguments;
+    const std::pair<std::string, const char*> cases[] = {
+        {"--help", "render"},
+        {"--version", "orvane-cli "},
+        {"render --help", "--stems"},
+        {"plugins", "MDA Limiter"},
+        {"plugins --json", R"("name": "MDA Limiter")"},
+        {std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
+         "times real time"}};
+    for (const auto& [arguments, says] : cases) {
+        EXPECT_EQ(exitCodeOf(folder, arguments), 0) << arguments;
+        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(says)) << arguments;
+        EXPECT_EQ(contentOf(folder / "stderr"), "") << arguments;
     }
     const std::string onTerminal = fmt::format(
         "script -qec \"{} render --input {} --output '{}'\" /dev/null", program, panel,

@@ -24,7 +24,6 @@ namespace {
 using namespace orvane;
 using namespace test;
 using cli::RenderOptions;
-using test::Channels;
 using testing::ElementsAre;
 using testing::HasSubstr;
 namespace output = session::output;

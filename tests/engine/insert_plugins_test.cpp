@@ -17,7 +17,6 @@ using namespace std::chrono_literals;
 using namespace test;
 using plugins::PluginLoadState;
 using session::PluginSlot;
-using test::AudioUnitScript;
 using testing::ElementsAre;
 namespace load_state = plugins::load_state;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
@@ -113,29 +112,24 @@ TEST_F(InsertPlugins, ReportWhyTheyCouldNotBeLoaded) {
     constexpr const char* noFormat = "Couldn't configure an audio format this plugin accepts (tried mono and "
                                      "stereo).";
     constexpr const char* refused = "Couldn't load Odd: it didn't accept a mono or stereo audio format.";
-    struct Case {
-        const char* what;
-        AudioUnitScript script;
-        std::optional<platform::Error> error;
-        std::string failure;
-        std::string lastError;
-    };
-    for (const Case& loaded : std::vector<Case>{
-             {"error", {}, platform::Error{"no licence"}, "no licence", "Failed to load Odd: no licence."},
-             {"sentence", {}, platform::Error{"It is old."}, "It is old.", "Failed to load Odd: It is old."},
-             {"neither instance nor error",
-              {},
-              platform::Error{""},
-              "Unknown error instantiating plugin.",
-              "Failed to load Odd: unknown error."},
-             {"input", {.inputChannels = {6}}, {}, noFormat, refused},
-             {"output", {.inputChannels = {1}, .outputChannels = {2}}, {}, noFormat, refused},
-             {"resources", {.allocates = false}, {}, noFormat, refused}}) {
-        SCOPED_TRACE(loaded.what);
-        audioUnitHost.failure = loaded.error;
-        load(audioUnitHost.add("Odd", loaded.script), 1);
-        EXPECT_EQ(loadState(1), PluginLoadState(load_state::Failed{loaded.failure}));
-        EXPECT_EQ(message(), loaded.lastError);
+    const std::tuple<const char*, AudioUnitScript, std::optional<platform::Error>, std::string, std::string>
+        cases[] = {
+            {"error", {}, platform::Error{"no licence"}, "no licence", "Failed to load Odd: no licence."},
+            {"sentence", {}, platform::Error{"It is old."}, "It is old.", "Failed to load Odd: It is old."},
+            {"neither instance nor error",
+             {},
+             platform::Error{""},
+             "Unknown error instantiating plugin.",
+             "Failed to load Odd: unknown error."},
+            {"input", {.inputChannels = {6}}, {}, noFormat, refused},
+            {"output", {.inputChannels = {1}, .outputChannels = {2}}, {}, noFormat, refused},
+            {"resources", {.allocates = false}, {}, noFormat, refused}};
+    for (const auto& [what, script, error, failure, lastError] : cases) {
+        SCOPED_TRACE(what);
+        audioUnitHost.failure = error;
+        load(audioUnitHost.add("Odd", script), 1);
+        EXPECT_EQ(loadState(1), PluginLoadState(load_state::Failed{failure}));
+        EXPECT_EQ(message(), lastError);
         EXPECT_EQ(record(1).pluginName, "Odd");
         EXPECT_EQ(audioUnitHost.report.living, 0);
     }
@@ -156,11 +150,7 @@ TEST_F(InsertPlugins, ReportWhyTheyCouldNotBeLoaded) {
 
 TEST_F(InsertPlugins, ReportWhichPartOfASavedStateIsLost) {
     const auto withoutFile = platform::dataWithPropertyList({{"gain", {2.0}}, {"file", {1.0}}}).value();
-    const struct {
-        platform::PropertyList::Data state;
-        float gain;
-        std::string sentence;
-    } cases[] = {
+    const std::tuple<platform::PropertyList::Data, float, std::string> cases[] = {
         {stateOf(3.0), 3.0F, ""},
         {withoutFile, 2.0F, "Its file cannot be found."},
         {{1, 2, 3}, 1.0F, "The saved settings of Mono cannot be read; set it up again and save."}};
@@ -376,10 +366,7 @@ TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
     engine->newSnapshot();
     audioUnitHost.delivery = Delivery::byHand;
     engine->removePlugin(0, id(0));
-    const struct {
-        std::int64_t scene;
-        std::size_t pending;
-    } recalls[] = {{0, 1}, {0, 1}, {1, 2}, {1, 2}, {0, 3}};
+    const std::pair<std::int64_t, std::size_t> recalls[] = {{0, 1}, {0, 1}, {1, 2}, {1, 2}, {0, 3}};
     for (const auto& [scene, pending] : recalls) {
         engine->recallSnapshot(scene);
         EXPECT_EQ(audioUnitHost.pendingCount(), pending);

@@ -28,7 +28,6 @@ namespace {
 using namespace orvane;
 using namespace test;
 using engine::MixerEngine;
-using test::JackPeer;
 
 constexpr std::uint32_t period = 256;
 constexpr std::size_t channelCount = 8;

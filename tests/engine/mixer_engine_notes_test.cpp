@@ -22,7 +22,6 @@ using namespace orvane;
 using namespace testing;
 using engine::MixerEngine;
 using test::MixerEngineTest;
-using testing::ElementsAre;
 
 void play(platform::MIDIOwnSource& source, std::int64_t note) {
     source.send(std::array<std::uint8_t, 3>{0x90, static_cast<std::uint8_t>(note), 100});

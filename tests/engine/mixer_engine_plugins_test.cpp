@@ -16,7 +16,6 @@ namespace {
 
 using namespace orvane;
 using namespace test;
-using test::AudioUnitScript;
 using enum plugins::PluginClipboardArmState;
 using Delivery = test::ScriptedAudioUnitHost::Delivery;
 

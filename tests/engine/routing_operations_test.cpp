@@ -13,18 +13,14 @@ using orvane::session::MasterOutputRouting;
 using orvane::session::OutputRouting;
 
 TEST(RoutingOperations, GoBetweenMonoAndStereoFromTheChannelThatIsThere) {
-    struct Case {
-        OutputRouting from;
-        OutputRouting stereo;
-        OutputRouting mono;
-    };
-    for (const Case& one :
-         {Case{output::None{}, output::Stereo{0, 1, 0.0}, output::Mono{0}},
-          Case{output::Mono{5}, output::Stereo{4, 5, 0.0}, output::Mono{5}},
-          Case{output::Mono{-3}, output::Stereo{-2, -1, 0.0}, output::Mono{-3}},
-          Case{output::Stereo{6, 7, 0.3}, output::Stereo{6, 7, 0.0}, output::Mono{6}}}) {
-        EXPECT_EQ(asStereo(one.from), one.stereo);
-        EXPECT_EQ(asMono(one.from), one.mono);
+    const std::tuple<OutputRouting, OutputRouting, OutputRouting> cases[] = {
+        {output::None{}, output::Stereo{0, 1, 0.0}, output::Mono{0}},
+        {output::Mono{5}, output::Stereo{4, 5, 0.0}, output::Mono{5}},
+        {output::Mono{-3}, output::Stereo{-2, -1, 0.0}, output::Mono{-3}},
+        {output::Stereo{6, 7, 0.3}, output::Stereo{6, 7, 0.0}, output::Mono{6}}};
+    for (const auto& [from, stereo, mono] : cases) {
+        EXPECT_EQ(asStereo(from), stereo);
+        EXPECT_EQ(asMono(from), mono);
     }
     EXPECT_EQ(
         asStereo(MasterOutputRouting(output::Mono{3})), MasterOutputRouting(master_output::Stereo{2, 3})
@@ -47,17 +43,17 @@ TEST(RoutingOperations, MovePairsAndLeaveTheRestAlone) {
 }
 
 TEST(RoutingOperations, KnowWhatADeviceMustHave) {
-    struct Case {
-        MasterOutputRouting routing;
-        bool existsOnEight;
-        std::uint64_t needed;
-    };
-    for (const Case& one :
-         {Case{output::None{}, true, 0}, Case{output::Mono{7}, true, 8}, Case{output::Mono{8}, false, 9},
-          Case{output::Mono{-1}, false, 0}, Case{master_output::Stereo{6, 7}, true, 8},
-          Case{master_output::Stereo{7, 8}, false, 9}, Case{master_output::Stereo{-1, 3}, false, 4}}) {
-        EXPECT_EQ(exists(one.routing, 8), one.existsOnEight) << one.needed;
-        EXPECT_EQ(outputsNeeded(one.routing), one.needed);
+    const std::tuple<MasterOutputRouting, bool, std::uint64_t> cases[] = {
+        {output::None{}, true, 0},
+        {output::Mono{7}, true, 8},
+        {output::Mono{8}, false, 9},
+        {output::Mono{-1}, false, 0},
+        {master_output::Stereo{6, 7}, true, 8},
+        {master_output::Stereo{7, 8}, false, 9},
+        {master_output::Stereo{-1, 3}, false, 4}};
+    for (const auto& [routing, existsOnEight, needed] : cases) {
+        EXPECT_EQ(exists(routing, 8), existsOnEight) << needed;
+        EXPECT_EQ(outputsNeeded(routing), needed);
     }
     constexpr std::int64_t farthest = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(outputsNeeded(OutputRouting(output::Mono{farthest})), static_cast<std::uint64_t>(farthest) + 1);

@@ -47,12 +47,7 @@ class MIDIManagerTest : public testing::Test {
 };
 
 TEST_F(MIDIManagerTest, ReportsTheNoteOnAtTheStartOfAPacket) {
-    struct Case {
-        const char* what;
-        std::vector<Bytes> packets;
-        std::vector<NoteMessage> notes;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::vector<Bytes>, std::vector<NoteMessage>> cases[] = {
         {"note-on", {{0x92, 0x3C, 0x64}}, {{2, 60}}},
         {"the ends of the ranges", {{0x90, 0, 1}, {0x9F, 127, 127}}, {{0, 0}, {15, 127}}},
         {"without velocity", {{0x92, 0x3C, 0x00}}, {}},
@@ -66,10 +61,10 @@ TEST_F(MIDIManagerTest, ReportsTheNoteOnAtTheStartOfAPacket) {
         {"exclusive that looks like a note", {{0xF0, 0x90, 0x3C, 0x64, 0xF7}, {0x3C, 0x64, 0xF7}}, {}},
     };
     manager->start();
-    for (const Case& one : cases) {
+    for (const auto& [what, packets, expected] : cases) {
         notes.clear();
-        receive(one.packets);
-        EXPECT_EQ(notes, one.notes) << one.what;
+        receive(packets);
+        EXPECT_EQ(notes, expected) << what;
     }
 }
 

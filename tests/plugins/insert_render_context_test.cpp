@@ -12,7 +12,6 @@ namespace {
 using namespace orvane;
 using namespace test;
 using plugins::InsertRenderContext;
-using test::ScriptedUnit;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

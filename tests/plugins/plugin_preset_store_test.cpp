@@ -14,7 +14,6 @@ using namespace orvane::test;
 using namespace testing;
 using plugins::PluginPresetStore;
 using session::AUComponentIdentity;
-using testing::AllOf;
 namespace fs = std::filesystem;
 
 constexpr AUComponentIdentity delay{0x61756678, 4294967295, 1};

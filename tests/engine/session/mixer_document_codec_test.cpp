@@ -14,7 +14,6 @@ using namespace orvane::session;
 using namespace orvane::test;
 using nlohmann::json;
 using orvane::platform::Uuid;
-using orvane::test::descriptionOf;
 
 /// Decodes a text; if that fails, reports a test failure and returns an empty session.
 MixerDocumentData decoded(std::string_view text) {

@@ -23,7 +23,6 @@ namespace {
 using namespace orvane::session;
 using namespace orvane::test;
 using nlohmann::json;
-using orvane::test::FailingAllocation;
 using testing::HasSubstr;
 
 const std::string nearlyWhole = R"({"bufferSize": 64, "masterTargetDB": 0, "snapshots": [], "channels": [])";

@@ -19,7 +19,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
 using namespace orvane::test;
-using orvane::test::AlsaClient;
 using testing::ElementsAre;
 
 constexpr std::string_view uid = "alsa:device";
@@ -96,13 +95,7 @@ TEST(AlsaAudioDriver, DescribesOneDeviceWithoutOpeningOthers) {
 }
 
 TEST(AlsaAudioDriver, PrefersTheRequestedRateThenTheCardsThenTheDefault) {
-    struct Case {
-        const char* what;
-        std::optional<unsigned> wanted;
-        const char* running;
-        double rate;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::optional<unsigned>, const char*, double> cases[] = {
         {"idle", {}, "closed\n", 48000.0},
         {"running", {}, "rate: 96000 (96000/1)\nchannels: 2\n", 96000.0},
         {"asked for", 96000U, "closed\n", 96000.0},

@@ -17,7 +17,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
 using namespace orvane::test;
-using orvane::test::ReceivedMIDI;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -52,12 +51,7 @@ TEST(AlsaEventBytes, ConvertEveryEventToAMessageWithItsStatusByte) {
     Bytes exclusive(600, 0x11);
     exclusive.front() = 0xF0;
     exclusive.back() = 0xF7;
-    struct Case {
-        const char* what;
-        snd_seq_event_t event;
-        Bytes bytes;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, snd_seq_event_t, Bytes> cases[] = {
         {"note-on", note(SND_SEQ_EVENT_NOTEON, 2, 60, 100), {0x92, 60, 100}},
         {"another with the same status", note(SND_SEQ_EVENT_NOTEON, 2, 62, 1), {0x92, 62, 1}},
         {"note-on without velocity", note(SND_SEQ_EVENT_NOTEON, 15, 0, 0), {0x9F, 0, 0}},
@@ -81,9 +75,9 @@ TEST(AlsaEventBytes, ConvertEveryEventToAMessageWithItsStatusByte) {
         {"note-on after all", note(SND_SEQ_EVENT_NOTEON, 2, 60, 100), {0x92, 60, 100}},
     };
     EventBytes translator;
-    for (const Case& one : cases) {
-        const auto bytes = translator.decode(one.event);
-        EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), one.bytes) << one.what;
+    for (const auto& [what, event, expected] : cases) {
+        const auto bytes = translator.decode(event);
+        EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), expected) << what;
     }
 }
 

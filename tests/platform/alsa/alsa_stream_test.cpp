@@ -25,7 +25,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::alsa;
 using namespace orvane::test;
-using orvane::test::AllocationGuard;
 using testing::ElementsAre;
 
 constexpr std::string_view scriptedUID = "alsa:device";

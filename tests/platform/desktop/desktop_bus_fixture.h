@@ -12,7 +12,6 @@ namespace orvane::platform::desktop {
 
 using namespace std::chrono_literals;
 using namespace test;
-using test::DesktopPeer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -91,11 +91,7 @@ TEST_F(DesktopBus, TheLastRequestedStateOfSleepWins) {
 
 TEST_F(DesktopBus, TheLogReportsOnceWhySleepIsNotInhibited) {
     const std::string sentence = "The machine may go to sleep while the mixer runs, because ";
-    struct Case {
-        std::function<void()> arrange;
-        std::string says;
-    };
-    const Case cases[] = {
+    const std::pair<std::function<void()>, std::string> cases[] = {
         {[&] { desktop.manner = DesktopPeer::Manner::refuses; },
          "error: " + sentence + "org.freedesktop.login1 refuses (Not in this house)."},
         {[&] { desktop.manner = DesktopPeer::Manner::isSilent; },
@@ -109,16 +105,16 @@ TEST_F(DesktopBus, TheLogReportsOnceWhySleepIsNotInhibited) {
          sentence + "the system bus cannot be reached (No such file or directory)."},
         {[] { test::setBusAddress(test::noBus); },
          sentence + "the system bus cannot be reached (Connection refused)."}};
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.says);
-        one.arrange();
+    for (const auto& [arrange, says] : cases) {
+        SCOPED_TRACE(says);
+        arrange();
         lines.clear();
         SleepInhibitor refused(mainThread, log);
         for (int run = 0; run < 2; ++run) {
             refused.setHeld(true);
             step(stepsOfACall);
             mainThread.advance(10s);
-            EXPECT_THAT(logged(), ElementsAre(one.says));
+            EXPECT_THAT(logged(), ElementsAre(says));
             refused.setHeld(false);
         }
         // Destroying the inhibitor during a call does not block.

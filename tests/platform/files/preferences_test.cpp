@@ -9,7 +9,6 @@ namespace {
 
 using namespace orvane::platform;
 using namespace orvane::test;
-using orvane::test::contentOf;
 
 TEST(Preferences, ShareAFileWithOtherPrograms) {
     const TemporaryFolder folder;

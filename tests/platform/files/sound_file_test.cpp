@@ -23,7 +23,6 @@ using namespace orvane::platform;
 using namespace orvane::test;
 using namespace testing;
 using std::filesystem::path;
-using testing::AllOf;
 
 /// The offset of the low 32 bits of a FLAC file's length in frames.
 constexpr std::size_t flacLengthField = 22;

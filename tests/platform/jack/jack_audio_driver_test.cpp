@@ -29,7 +29,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
 using namespace orvane::test;
-using orvane::test::ChangeLog;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

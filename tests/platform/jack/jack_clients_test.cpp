@@ -20,7 +20,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
 using namespace orvane::test;
-using orvane::test::ChangeLog;
 using testing::ElementsAre;
 
 std::set<int> descriptors() {

@@ -24,8 +24,6 @@ using namespace orvane::test;
 using namespace testing;
 using orvane::midi::MIDIManager;
 using orvane::midi::NoteMessage;
-using orvane::test::JackMIDIPeer;
-using testing::Contains;
 
 using Message = std::vector<std::uint8_t>;
 

@@ -17,13 +17,7 @@ using orvane::platform::jack::JackPort;
 TEST(JackMIDISources, IdentifyBridgesAndTheirClients) {
     const std::string keys = sequencerIdentity("Keys 49/B", 0);
     const std::string second = sequencerIdentity("Keys 49/B", 1);
-    struct Case {
-        JackPort port;
-        std::string identity;
-        std::string name;
-        bool isBridge;
-    };
-    const Case cases[] = {
+    const std::tuple<JackPort, std::string, std::string, bool> cases[] = {
         {{"Synth:out", {}}, "jack:Synth:out", "Synth:out", false},
         {{"Midi-Bridge:Keys 49/B:(capture_0) Keys 49/B MIDI 1", {}}, keys, "Keys 49/B MIDI 1", true},
         {{"Midi-Bridge:Keys 49/B:(capture_1) Keys: Port 2", {}}, second, "Keys: Port 2", true},

@@ -24,7 +24,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::jack;
 using namespace orvane::test;
-using orvane::test::JackPeer;
 
 constexpr const char* uid = "jack:system";
 

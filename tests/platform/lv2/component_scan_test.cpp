@@ -23,7 +23,6 @@ namespace {
 
 using test::Lv2Bundles;
 using namespace testing;
-using testing::AllOf;
 
 struct Scan {
     std::vector<InstalledPlugin> effects;

@@ -18,7 +18,6 @@ namespace orvane::platform::lv2 {
 namespace {
 
 using namespace test;
-using test::probe;
 using Dictionary = PropertyList::Dictionary;
 
 class FullState : public test::ScriptedHostTest {};
@@ -82,10 +81,7 @@ TEST_F(FullState, AStateGivesAccessOnlyToExistingRegularFiles) {
     folder.add("room.wav", "");
     const std::string file = (folder / "room.wav").string();
     const std::string folderPath = (folder / "").string();
-    const struct {
-        std::string path;
-        std::string reason;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {file, ""},
         {"", ""},
         {file + "2", "cannot be found"},
@@ -151,10 +147,7 @@ TEST_F(FullState, InvalidPartsOfAStateChangeNothing) {
         inside(list, "controls")[""].value = true;
     });
 
-    const struct {
-        const char* key;
-        Dictionary value;
-    } values[] = {
+    const std::pair<const char*, Dictionary> values[] = {
         {"number", {}},
         {"number", value(LV2_ATOM__Int, {1})},
         {"number", value("", {9, 0, 0, 0})},
@@ -164,8 +157,8 @@ TEST_F(FullState, InvalidPartsOfAStateChangeNothing) {
         {"floats", value(LV2_ATOM__Vector, {1, 2, 3})},
         {"path", value(LV2_ATOM__Path, {'/', 'x'})}};
     for (const auto& each : values)
-        tryState(each.key, [&](PropertyList& list) {
-            inside(list, "state")["urn:orvane:test:" + std::string(each.key)].value = each.value;
+        tryState(each.first, [&](PropertyList& list) {
+            inside(list, "state")["urn:orvane:test:" + std::string(each.first)].value = each.second;
         });
     for (const char* field : {"type", "flags", "value", "elementType"})
         for (const std::int64_t wrong : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()})

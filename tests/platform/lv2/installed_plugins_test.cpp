@@ -15,7 +15,6 @@ namespace orvane::platform::lv2 {
 namespace {
 
 using namespace test;
-using test::instantiate;
 using testing::HasSubstr;
 
 class InstalledPlugins : public testing::Test {

@@ -20,8 +20,6 @@ namespace {
 
 using namespace test;
 using namespace testing;
-using test::parameter;
-using testing::ElementsAre;
 
 constexpr std::uint32_t gainPort = 2;
 constexpr std::uint32_t answerPort = 3;

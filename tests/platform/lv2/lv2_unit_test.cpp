@@ -19,7 +19,6 @@ namespace orvane::platform::lv2 {
 namespace {
 
 using namespace test;
-using test::Lv2Bundles;
 using testing::Each;
 using testing::HasSubstr;
 
@@ -72,11 +71,7 @@ TEST_F(Lv2UnitTest, ReportsWhyAPluginCannotBeHosted) {
 TEST_F(Lv2UnitTest, APluginWithTwoPortsOnOneSideOnlyIsAStereoEffect) {
     bundles.add("split.lv2", scriptedPorts("split", "Input", "Output", "Output"));
     bundles.add("join.lv2", scriptedPorts("join", "Input", "Input", "Output"));
-    const struct {
-        const char* name;
-        float left;
-        float right;
-    } cases[] = {{"split", 1.0F, 3.0F}, {"join", 4.0F, 4.0F}};
+    const std::tuple<const char*, float, float> cases[] = {{"split", 1.0F, 3.0F}, {"join", 4.0F, 4.0F}};
     for (const auto& [name, left, right] : cases) {
         const auto unit = make(name);
         ASSERT_TRUE(unit) << name;
@@ -167,11 +162,7 @@ TEST_F(Lv2UnitTest, InvalidOutputIsAnErrorWhileItLasts) {
 TEST_F(Lv2UnitTest, SurvivesAPluginThatThrows) {
     using Throw = test::ScriptedLv2Probe::Throw;
     const int pluginsBefore = probe().pluginCount.load();
-    const struct {
-        Throw place;
-        const char* logged;
-        OSStatus rendered;
-    } cases[] = {
+    const std::tuple<Throw, const char*, OSStatus> cases[] = {
         {Throw::run, "plain: the plugin failed in the middle of a block, so it no longer runs.",
          kAudioUnitErr_CannotDoInCurrentContext},
         {Throw::workResponse, "plain: the plugin failed in the middle of a block, so it no longer runs.",
@@ -373,19 +364,15 @@ TEST_F(Lv2UnitTest, ParametersAcceptWhatTheirKindAllows) {
     );
     Lv2UnitHost moreHost(log, more.searchPath());
     const auto unit = test::instantiate(moreHost, "plain").unit;
-    const struct {
-        const char* identifier;
-        float set;
-        float expected;
-    } cases[] = {{"gain", 5.0F, 2.0F},     {"gain", -5.0F, 0.0F},  {"whole", 3.6F, 4.0F},
-                 {"toggle", 0.7F, 1.0F},   {"choice", 2.0F, 1.0F}, {"choice", 9.0F, 4.0F},
-                 {"rate", 1e9F, 24000.0F}, {"rate", 12.5F, 12.5F}};
+    const std::tuple<const char*, float, float> cases[] = {
+        {"gain", 5.0F, 2.0F},   {"gain", -5.0F, 0.0F},  {"whole", 3.6F, 4.0F},    {"toggle", 0.7F, 1.0F},
+        {"choice", 2.0F, 1.0F}, {"choice", 9.0F, 4.0F}, {"rate", 1e9F, 24000.0F}, {"rate", 12.5F, 12.5F}};
     EXPECT_EQ(parameter(*unit, "rate").value(), 12000.0F);
-    for (const auto& each : cases) {
-        parameter(*unit, each.identifier).setValue(each.set);
-        EXPECT_EQ(parameter(*unit, each.identifier).value(), each.expected) << each.identifier << each.set;
-        parameter(*unit, each.identifier).setValue(std::numeric_limits<float>::quiet_NaN());
-        EXPECT_EQ(parameter(*unit, each.identifier).value(), each.expected) << each.identifier;
+    for (const auto& [identifier, set, expected] : cases) {
+        parameter(*unit, identifier).setValue(set);
+        EXPECT_EQ(parameter(*unit, identifier).value(), expected) << identifier << set;
+        parameter(*unit, identifier).setValue(std::numeric_limits<float>::quiet_NaN());
+        EXPECT_EQ(parameter(*unit, identifier).value(), expected) << identifier;
     }
     ASSERT_EQ(setUp(*unit, 1, 96000.0), "");
     EXPECT_EQ(parameter(*unit, "rate").info().maxValue, 48000.0F);

@@ -21,7 +21,6 @@ namespace orvane::platform::lv2 {
 namespace {
 
 using namespace test;
-using test::Lv2Bundles;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

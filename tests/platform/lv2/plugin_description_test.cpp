@@ -36,12 +36,8 @@ TEST(PluginDescription, MainPortsAreThoseThatCarryTheSignal) {
     const auto sideChain = [](PortRole role) { return role.isSideChain = true, role; };
     const auto optional = [](PortRole role) { return role.isOptional = true, role; };
     const auto in = [](const char* group, PortRole role) { return role.group = group, role; };
-    const struct {
-        const char* what;
-        std::vector<PortRole> roles;
-        std::vector<std::uint32_t> inputs;
-        std::vector<std::uint32_t> outputs;
-    } cases[] = {
+    using Indices = std::vector<std::uint32_t>;
+    const std::tuple<const char*, std::vector<PortRole>, Indices, Indices> cases[] = {
         {"mono", {input, output}, {0}, {1}},
         {"control voltages are no audio", {input, output, {PortKind::cv, true, false, false, ""}}, {0}, {1}},
         {"a side chain", {sideChain(input), input, output}, {1}, {2}},
@@ -52,10 +48,10 @@ TEST(PluginDescription, MainPortsAreThoseThatCarryTheSignal) {
          {3}},
         {"nothing but optional ports", {optional(input), optional(input), output}, {0, 1}, {2}},
         {"a generator", {sideChain(input), output}, {}, {1}}};
-    for (const auto& each : cases) {
-        const MainAudioPorts ports = mainAudioPorts(each.roles);
-        EXPECT_EQ(ports.inputs, each.inputs) << each.what;
-        EXPECT_EQ(ports.outputs, each.outputs) << each.what;
+    for (const auto& [what, roles, inputs, outputs] : cases) {
+        const MainAudioPorts ports = mainAudioPorts(roles);
+        EXPECT_EQ(ports.inputs, inputs) << what;
+        EXPECT_EQ(ports.outputs, outputs) << what;
     }
 }
 
@@ -101,23 +97,18 @@ TEST(PluginDescription, ReadsWhatAnEditorNeedsOfAControl) {
 }
 
 TEST(PluginDescription, CorrectsInvalidValuesOfAControl) {
-    const struct {
-        const char* range;
-        float minValue;
-        float maxValue;
-        float defaultValue;
-    } cases[] = {
+    const std::tuple<const char*, float, float, float> cases[] = {
         {"lv2:default 0.25", 0.0F, 1.0F, 0.25F},
         {"lv2:minimum 5 ; lv2:maximum 2 ; lv2:default 9", 2.0F, 5.0F, 5.0F},
         {"lv2:minimum \"low\" ; lv2:maximum 1e99 ; lv2:default \"NaN\"", 0.0F, 1.0F, 0.0F},
         {"lv2:minimum 3", 3.0F, 3.0F, 3.0F}};
-    for (const auto& each : cases) {
+    for (const auto& [range, minValue, maxValue, defaultValue] : cases) {
         const AUParameterInfo info =
-            control(std::string(each.range) + " ; lv2:portProperty pprops:logarithmic").info;
-        EXPECT_EQ(info.minValue, each.minValue) << each.range;
-        EXPECT_EQ(info.maxValue, each.maxValue) << each.range;
-        EXPECT_EQ(info.defaultValue, each.defaultValue) << each.range;
-        EXPECT_EQ(info.isLogarithmic, each.minValue > 0.0F) << each.range;
+            control(std::string(range) + " ; lv2:portProperty pprops:logarithmic").info;
+        EXPECT_EQ(info.minValue, minValue) << range;
+        EXPECT_EQ(info.maxValue, maxValue) << range;
+        EXPECT_EQ(info.defaultValue, defaultValue) << range;
+        EXPECT_EQ(info.isLogarithmic, minValue > 0.0F) << range;
     }
 }
 

@@ -62,20 +62,17 @@ TEST(MIDISourceRegistry, ListsAKeyboardOnceThatIsReachedDirectlyAndOverABridge) 
     const MIDIDriverSource direct{"20:0", "alsa:Keys:0", "Keys"};
     const MIDIDriverSource bridge{"Midi-Bridge:Keys", "alsa:Keys:0", "bridged Keys", true};
     const MIDIDriverSource program{"Synth:out", "jack:Synth:out", "Synth"};
-    struct Case {
-        Listed listed;
-        std::vector<std::string> names;
-    };
-    for (const Case& one :
-         {Case{{{direct}, {program, bridge}}, {"Keys", "Synth"}},
-          Case{{{}, {program, bridge}}, {"Synth", "bridged Keys"}},
-          Case{{{direct, direct}, {bridge, bridge}}, {"Keys", "Keys"}}}) {
+    const std::pair<Listed, std::vector<std::string>> cases[] = {
+        {{{direct}, {program, bridge}}, {"Keys", "Synth"}},
+        {{{}, {program, bridge}}, {"Synth", "bridged Keys"}},
+        {{{direct, direct}, {bridge, bridge}}, {"Keys", "Keys"}}};
+    for (const auto& [listed, expected] : cases) {
         MIDISourceRegistry registry;
-        registry.update(one.listed);
+        registry.update(listed);
         std::vector<std::string> names;
         for (const MIDISource& source : registry.present())
             names.push_back(source.name);
-        EXPECT_EQ(names, one.names);
+        EXPECT_EQ(names, expected);
     }
     MIDISourceRegistry registry;
     registry.update({{direct}, {bridge}});

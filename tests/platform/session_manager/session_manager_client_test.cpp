@@ -17,7 +17,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace test;
-using test::SessionManagerPeer;
 using testing::HasSubstr;
 
 using Client = std::unique_ptr<SessionManagerClient>;

@@ -20,7 +20,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::virtual_devices;
 using namespace orvane::test;
-using orvane::test::ChangeLog;
 
 const std::string uid = "virtual:test";
 constexpr std::uint32_t frames = 16;

@@ -23,7 +23,6 @@ namespace {
 using namespace orvane::platform;
 using namespace orvane::platform::virtual_devices;
 using namespace orvane::test;
-using orvane::test::Channels;
 
 /// Passes noise to the recorder in blocks of random lengths and returns it.
 Channels recordNoise(OutputRecorder& recorder, std::size_t blockCount) {
