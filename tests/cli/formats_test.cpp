@@ -60,17 +60,14 @@ Keys leavesOf(const nlohmann::json& document) {
     return keys;
 }
 
-class Formats : public testing::Test {
+class Formats : public test::ProgramTest {
   protected:
     std::string
     outputOf(const std::string& arguments, const std::string& environment = "ORVANE_DRIVERS=virtual") {
         const std::string program = test::builtProgram("orvane-cli");
-        EXPECT_EQ(test::exitCodeOfShell(folder, environment + " " + program + " " + arguments), 0)
-            << contentOf(folder / "stderr");
-        return contentOf(folder / "stdout");
+        EXPECT_EQ(exitCodeOfShell(environment + " " + program + " " + arguments), 0) << errors();
+        return output();
     }
-
-    TemporaryFolder folder;
 };
 
 TEST_F(Formats, CommandOutputIsDocumented) {

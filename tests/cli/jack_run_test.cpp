@@ -81,8 +81,9 @@ bool awaitMeters(const std::string& meters) {
     return waitFor([&] { return !contentOf(meters).empty(); });
 }
 
-TEST(JackRun, UsesTheServersBufferSizeAndRestoresIt) {
-    const TemporaryFolder folder;
+using JackRun = ProgramTest;
+
+TEST_F(JackRun, UsesTheServersBufferSizeAndRestoresIt) {
     const JackTestServer server({.period = 64});
     SizeObserver observer;
     const auto session = folder.add(
@@ -90,7 +91,7 @@ TEST(JackRun, UsesTheServersBufferSizeAndRestoresIt) {
     );
     const auto run = [&](const std::string& options) {
         const std::string command = "ORVANE_DRIVERS=jack " + program + " run --meters none --seconds 0.1 ";
-        EXPECT_EQ(exitCodeOfShell(folder, command + options), 0) << contentOf(folder / "stderr");
+        EXPECT_EQ(exitCodeOfShell(command + options), 0) << errors();
         return observer.take();
     };
     EXPECT_EQ(run(""), Sizes{});
@@ -101,7 +102,7 @@ TEST(JackRun, UsesTheServersBufferSizeAndRestoresIt) {
     EXPECT_EQ(run(""), (Sizes{512, 48})) << "is not offered";
 }
 
-TEST(JackRun, RestoresTheBufferSizeAtEverySignalUnlessAnotherProgramChangedIt) {
+TEST_F(JackRun, RestoresTheBufferSizeAtEverySignalUnlessAnotherProgramChangedIt) {
     const JackTestServer server({.period = 64});
     SizeObserver observer;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -111,7 +112,6 @@ TEST(JackRun, RestoresTheBufferSizeAtEverySignalUnlessAnotherProgramChangedIt) {
         EXPECT_EQ(exitCodeOf(run), 0) << signal;
         EXPECT_EQ(observer.take(), (Sizes{128, 64})) << signal;
     }
-    const TemporaryFolder folder;
     const std::string meters = (folder / "meters").string();
     const pid_t run = startRun(meters);
     ASSERT_TRUE(awaitMeters(meters));
@@ -121,8 +121,7 @@ TEST(JackRun, RestoresTheBufferSizeAtEverySignalUnlessAnotherProgramChangedIt) {
     EXPECT_EQ(observer.take(), (Sizes{128, 256}));
 }
 
-TEST(JackRun, FailsIfItsServerDies) {
-    const TemporaryFolder folder;
+TEST_F(JackRun, FailsIfItsServerDies) {
     JackTestServer server({.period = 64});
     const std::string meters = (folder / "meters").string();
     const pid_t run = startRun(meters);
@@ -131,15 +130,12 @@ TEST(JackRun, FailsIfItsServerDies) {
     EXPECT_EQ(exitCodeOf(run), 1);
 }
 
-TEST(JackRun, ReportsThatTheServerHasNoPortsLeft) {
-    const TemporaryFolder folder;
+TEST_F(JackRun, ReportsThatTheServerHasNoPortsLeft) {
     const JackTestServer server({.period = 64, .channelCount = 20}, 64);
     SizeObserver observer;
-    EXPECT_EQ(
-        exitCodeOfShell(folder, "ORVANE_DRIVERS=jack " + program + " run --buffer-size 128 --meters none"), 1
-    );
+    EXPECT_EQ(exitCodeOfShell("ORVANE_DRIVERS=jack " + program + " run --buffer-size 128 --meters none"), 1);
     EXPECT_THAT(
-        contentOf(folder / "stderr"),
+        errors(),
         HasSubstr("orvane-cli: system: Failed to start audio engine: AudioUnitInitialize failed: OSStatus "
                   "2003329396. The JACK server has no ports left; ")
     );

@@ -18,36 +18,46 @@ using testing::MatchesRegex;
 const std::string program = orvane::test::builtProgram("orvane-cli");
 const std::string panel = orvane::test::panelRecording();
 
-/// Runs the program with these shell arguments.
-int exitCodeOf(const TemporaryFolder& folder, const std::string& arguments) {
-    return orvane::test::exitCodeOfShell(folder, program + " " + arguments);
-}
+class Program : public ProgramTest {
+  protected:
+    /// Runs the program with these shell arguments.
+    [[nodiscard]] int exitCodeOf(const std::string& arguments) const {
+        return exitCodeOfShell(program + " " + arguments);
+    }
 
-TEST(Program, DistinguishesSuccessFailureAndWrongUsage) {
-    const TemporaryFolder folder;
+    /// A session with one channel of this name, as JSON has it.
+    [[nodiscard]] std::filesystem::path sessionNamed(const std::string& name) const {
+        return folder.add(
+            "show.orvane", R"({"channels": [{"name": ")" + name + R"(", "outputRouting": {"none": {}},
+            "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
+            "bufferSize": 512, "snapshots": []})"
+        );
+    }
+};
+
+TEST_F(Program, DistinguishesSuccessFailureAndWrongUsage) {
     const std::string input = std::string("render --input ") + panel;
-    const std::string output = " --output '" + (folder / "out.wav").string() + "'";
+    const std::string destination = " --output '" + (folder / "out.wav").string() + "'";
     const std::tuple<std::string, int, const char*> cases[] = {
         {"", 2, "subcommand"},
         {"mix", 2, "mix"},
         {input, 2, "--output"},
-        {input + output + " --buffer-size 100", 2, "--buffer-size"},
-        {input + output + " --channels 0", 2, "--channels"},
-        {input + output + " --loud", 2, "--loud"},
+        {input + destination + " --buffer-size 100", 2, "--buffer-size"},
+        {input + destination + " --channels 0", 2, "--channels"},
+        {input + destination + " --loud", 2, "--loud"},
         {"run --meters 7", 2, "--meters"},
-        {"render --input none.wav" + output, 1, "none.wav"},
+        {"render --input none.wav" + destination, 1, "none.wav"},
         {input + " --output /no/such/folder/out.wav", 1, "out.wav"}};
     for (const auto& [arguments, exitCode, says] : cases) {
-        EXPECT_EQ(exitCodeOf(folder, arguments), exitCode) << arguments;
-        const std::string message = contentOf(folder / "stderr");
+        EXPECT_EQ(exitCodeOf(arguments), exitCode) << arguments;
+        const std::string message = errors();
         EXPECT_THAT(message, MatchesRegex("orvane-cli: [^\n]+\n")) << arguments;
         EXPECT_THAT(message, HasSubstr(says)) << arguments;
-        EXPECT_EQ(contentOf(folder / "stdout"), "") << arguments;
+        EXPECT_EQ(output(), "") << arguments;
     }
 }
 
-TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
-    const TemporaryFolder folder;
+TEST_F(Program, HelpsAndRendersWithNothingOnStandardError) {
     const std::pair<std::string, const char*> cases[] = {
         {"--help", "render"},
         {"--version", "orvane-cli "},
@@ -57,20 +67,19 @@ TEST(Program, HelpsAndRendersWithNothingOnStandardError) {
         {std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
          "times real time"}};
     for (const auto& [arguments, says] : cases) {
-        EXPECT_EQ(exitCodeOf(folder, arguments), 0) << arguments;
-        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(says)) << arguments;
-        EXPECT_EQ(contentOf(folder / "stderr"), "") << arguments;
+        EXPECT_EQ(exitCodeOf(arguments), 0) << arguments;
+        EXPECT_THAT(output(), HasSubstr(says)) << arguments;
+        EXPECT_EQ(errors(), "") << arguments;
     }
     const std::string onTerminal = fmt::format(
         "script -qec \"{} render --input {} --output '{}'\" /dev/null", program, panel,
         (folder / "out.wav").string()
     );
-    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, onTerminal), 0);
-    EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr("]   0%"));
+    EXPECT_EQ(exitCodeOfShell(onTerminal), 0);
+    EXPECT_THAT(output(), HasSubstr("]   0%"));
 }
 
-TEST(Program, ReportsThatItsResultCannotBeWritten) {
-    const TemporaryFolder folder;
+TEST_F(Program, ReportsThatItsResultCannotBeWritten) {
     const auto session =
         folder.add("empty.orvane", R"({"channels": [], "masterTargetDB": -12, "bufferSize": 512,
         "snapshots": []})");
@@ -80,24 +89,20 @@ TEST(Program, ReportsThatItsResultCannotBeWritten) {
           std::string("plugins"), std::string("plugins --json"),
           std::string("render --input ") + panel + " --output '" + (folder / "out.wav").string() + "'",
           "session '" + session.string() + "'"}) {
-        EXPECT_EQ(exitCodeOf(folder, arguments + " >/dev/full"), 1) << arguments;
-        EXPECT_EQ(
-            contentOf(folder / "stderr"),
-            "orvane-cli: The result could not be written: No space left on device.\n"
-        ) << arguments;
+        EXPECT_EQ(exitCodeOf(arguments + " >/dev/full"), 1) << arguments;
+        EXPECT_EQ(errors(), "orvane-cli: The result could not be written: No space left on device.\n")
+            << arguments;
     }
 }
 
-TEST(Program, IsSilentIfTheReaderOfItsResultIsGone) {
-    const TemporaryFolder folder;
+TEST_F(Program, IsSilentIfTheReaderOfItsResultIsGone) {
     const std::string closedPipe =
         fmt::format("mkfifo {0}; exec 4<>{0} 3>{0} 4>&-; ", (folder / "pipe").string());
-    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, closedPipe + program + " plugins >&3"), 0);
-    EXPECT_EQ(contentOf(folder / "stderr"), "");
+    EXPECT_EQ(exitCodeOfShell(closedPipe + program + " plugins >&3"), 0);
+    EXPECT_EQ(errors(), "");
 }
 
-TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
-    const TemporaryFolder folder;
+TEST_F(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     const std::string render = program + " render --input ";
     const std::string piped = (folder / "piped.wav").string();
     const std::string direct = (folder / "direct.wav").string();
@@ -106,7 +111,7 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
         "{1} {3} --outputs 3 --output {3}.again.wav && cmp {2} {3}.again.wav && {1} {0} --output - > {3}.raw",
         panel, render, piped, direct
     );
-    EXPECT_EQ(orvane::test::exitCodeOfShell(folder, command), 0) << contentOf(folder / "stderr");
+    EXPECT_EQ(exitCodeOfShell(command), 0) << errors();
     const std::string stream = contentOf(direct + ".raw");
     EXPECT_EQ(stream.substr(0, 8), "RIFF\xFF\xFF\xFF\xFF");
     EXPECT_TRUE(stream.ends_with(contentOf(direct).substr(200))) << "the same samples";
@@ -120,22 +125,15 @@ TEST(Program, RendersFromAndToPipesAndCanBeInterruptedThere) {
     for (const std::string& stalled :
          {fmt::format("env --default-signal=INT {} - --output '{}' <&4", render, piped),
           fmt::format("env --default-signal=INT {}{} --output - >&4", render, panel)}) {
-        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, fmt::format("{}{}{}", pipe, stalled, interrupt)), 1)
-            << stalled;
-        EXPECT_THAT(
-            contentOf(folder / "stderr"),
-            MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped|canceled)[^\n]*\n")
-        );
+        EXPECT_EQ(exitCodeOfShell(fmt::format("{}{}{}", pipe, stalled, interrupt)), 1) << stalled;
+        EXPECT_THAT(errors(), MatchesRegex("orvane-cli: [^\n]*(interrupted|Stopped|canceled)[^\n]*\n"));
     }
-    EXPECT_EQ(
-        exitCodeOf(folder, "render --input '" + (folder / "pipe").string() + "' --output '" + piped + "'"), 1
-    );
-    EXPECT_THAT(contentOf(folder / "stderr"), HasSubstr("it is not a regular file"));
+    EXPECT_EQ(exitCodeOf("render --input '" + (folder / "pipe").string() + "' --output '" + piped + "'"), 1);
+    EXPECT_THAT(errors(), HasSubstr("it is not a regular file"));
 }
 
-TEST(Program, MakesNoWorldWritableFiles) {
+TEST_F(Program, MakesNoWorldWritableFiles) {
     namespace fs = std::filesystem;
-    const TemporaryFolder folder;
     const std::string command = std::string("umask 0; XDG_DATA_HOME='") + (folder / "data").string() + "' "
                                 + program + " render --input " + panel + " --output '"
                                 + (folder / "mix.wav").string() + "' --stems '" + (folder / "stems").string()
@@ -146,33 +144,22 @@ TEST(Program, MakesNoWorldWritableFiles) {
         EXPECT_EQ(entry.status().permissions() & fs::perms::others_write, fs::perms::none) << entry.path();
 }
 
-/// A session with one channel of this name, as JSON has it.
-std::filesystem::path sessionNamed(const TemporaryFolder& folder, const std::string& name) {
-    return folder.add(
-        "show.orvane", R"({"channels": [{"name": ")" + name + R"(", "outputRouting": {"none": {}},
-        "genderMode": "male", "muted": false, "bypassed": false, "trim": 1}], "masterTargetDB": -12,
-        "bufferSize": 512, "snapshots": []})"
-    );
-}
-
-TEST(Program, NeverSendsControlCharactersOfNamesToTheTerminal) {
-    const TemporaryFolder folder;
-    const auto session = sessionNamed(folder, R"(\u001b[2J\u009b1m\u0007Ann\u00e4)");
+TEST_F(Program, NeverSendsControlCharactersOfNamesToTheTerminal) {
+    const auto session = sessionNamed(R"(\u001b[2J\u009b1m\u0007Ann\u00e4)");
     const std::string named = folder / "\x1b[2J.wav";
     for (const std::string& arguments :
          {"render --session " + session.string() + " --input " + panel + " --output "
               + (folder / "out.wav").string(),
           "run --device virtual:panel --meters text --seconds 0.1 --session " + session.string(),
           "render --output out.wav --input '" + named + "'"}) {
-        exitCodeOf(folder, arguments);
-        const std::string said = contentOf(folder / "stdout") + contentOf(folder / "stderr");
+        static_cast<void>(exitCodeOf(arguments));
+        const std::string said = output() + errors();
         EXPECT_THAT(said, HasSubstr("?[2J")) << arguments;
         EXPECT_EQ(said.find_first_of("\x1b\x07\x9b"), std::string::npos) << arguments;
     }
 }
 
-TEST(Program, EscapesOnlyControlCharactersOfJSONOnATerminal) {
-    const TemporaryFolder folder;
+TEST_F(Program, EscapesOnlyControlCharactersOfJSONOnATerminal) {
     // NOLINTNEXTLINE(misc-misleading-bidirectional)
     const std::string name = "\x7f\u0080\u009b1m\u00a0\u00e4\u2027\u2028\u202e\u202f\u2065\u2066\u2069\u206a";
     const std::string escaped = R"(\u007f\u0080\u009b1m)"
@@ -181,27 +168,28 @@ TEST(Program, EscapesOnlyControlCharactersOfJSONOnATerminal) {
                                 "\u202f\u2065"
                                 R"(\u2066\u2069)"
                                 "\u206a";
-    const auto session = sessionNamed(folder, name);
+    const auto session = sessionNamed(name);
     for (const std::string arguments :
          {"session ", "run --device virtual:panel --meters json --seconds 0.1 --session "}) {
         const std::string command = fmt::format("{} {}{}", program, arguments, session.string());
-        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, command), 0);
-        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(name)) << arguments;
-        EXPECT_EQ(orvane::test::exitCodeOfShell(folder, "script -qec '" + command + "' /dev/null"), 0);
-        EXPECT_THAT(contentOf(folder / "stdout"), HasSubstr(escaped)) << arguments;
+        EXPECT_EQ(exitCodeOfShell(command), 0);
+        EXPECT_THAT(output(), HasSubstr(name)) << arguments;
+        EXPECT_EQ(exitCodeOfShell("script -qec '" + command + "' /dev/null"), 0);
+        EXPECT_THAT(output(), HasSubstr(escaped)) << arguments;
     }
 }
 
-TEST(Session, IsPrintedAsItWouldBeSaved) {
-    const TemporaryFolder folder;
+using Session = Program;
+
+TEST_F(Session, IsPrintedAsItWouldBeSaved) {
     const auto file = folder.add(
         "old.orvane", R"({"channels": [{"name": "A", "outputRouting": {"none": {}}, "genderMode": "male",
             "muted": false, "bypassed": false, "trim": 0.5}], "masterTargetDB": -12, "bufferSize": 100,
             "snapshots": [], "comment": "unknown"})"
     );
     const std::string command = "session --channels 2 ";
-    EXPECT_EQ(exitCodeOf(folder, command + file.string()), 0);
-    const std::string printed = contentOf(folder / "stdout");
+    EXPECT_EQ(exitCodeOf(command + file.string()), 0);
+    const std::string printed = output();
     const auto document = nlohmann::json::parse(printed);
     EXPECT_EQ(document["channels"].size(), 2U);
     EXPECT_EQ(document["channels"][0]["trim"], 0.5);
@@ -210,14 +198,12 @@ TEST(Session, IsPrintedAsItWouldBeSaved) {
     EXPECT_EQ(document["duckerReleaseMs"], 400.0);
     EXPECT_FALSE(document.contains("comment"));
     const auto again = folder.add("again.orvane", printed);
-    EXPECT_EQ(exitCodeOf(folder, "session " + again.string()), 0);
-    EXPECT_EQ(contentOf(folder / "stdout"), printed);
+    EXPECT_EQ(exitCodeOf("session " + again.string()), 0);
+    EXPECT_EQ(output(), printed);
 
     const auto bad = folder.add("bad.orvane", "{}");
-    EXPECT_EQ(exitCodeOf(folder, command + bad.string()), 1);
-    EXPECT_THAT(
-        contentOf(folder / "stderr"), MatchesRegex("orvane-cli: Couldn't read that settings file: [^\n]+\n")
-    );
+    EXPECT_EQ(exitCodeOf(command + bad.string()), 1);
+    EXPECT_THAT(errors(), MatchesRegex("orvane-cli: Couldn't read that settings file: [^\n]+\n"));
 }
 
 } // namespace

@@ -62,23 +62,37 @@ session::MixerDocumentData bypassedSession(const std::vector<session::OutputRout
     return document;
 }
 
-std::filesystem::path writeSession(
-    const TemporaryFolder& folder, const session::MixerDocumentData& document,
-    const char* name = "show.orvane"
-) {
-    EXPECT_TRUE(session::MixerJSONDocument{document}.write(folder / name));
-    return folder / name;
-}
+class Render : public testing::Test {
+  protected:
+    [[nodiscard]] std::filesystem::path
+    writeSession(const session::MixerDocumentData& document, const char* name = "show.orvane") const {
+        EXPECT_TRUE(session::MixerJSONDocument{document}.write(folder / name));
+        return folder / name;
+    }
 
-TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
+    /// The report of a render; `text`: also receives the report for people.
+    [[nodiscard]] nlohmann::json reportOf(const Channels& input, std::string* text = nullptr) const {
+        const Rendering rendering(
+            {.input = writeSound(folder / "in.wav", input),
+             .output = folder / "out.wav",
+             .report = folder / "report.json"}
+        );
+        EXPECT_TRUE(rendering.report);
+        if (text != nullptr) *text = rendering.report.value().text();
+        return nlohmann::json::parse(contentOf(folder / "report.json"));
+    }
+
     const TemporaryFolder folder;
+};
+
+TEST_F(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
     Channels input(2, std::vector<float>(101, 0.0F));
     input[0][0] = 0.5F;
     input[1][100] = -0.25F;
     const Rendering rendering(
         {.input = writeSound(folder / "in.wav", input),
          .output = folder / "out.wav",
-         .session = writeSession(folder, bypassedSession({output::Mono{3}, output::Mono{0}})),
+         .session = writeSession(bypassedSession({output::Mono{3}, output::Mono{0}})),
          .stems = folder / "stems"}
     );
     ASSERT_TRUE(rendering.report) << rendering.report.error().description;
@@ -90,8 +104,7 @@ TEST(Render, AlignsOutputsAndStemsWithTheInputToTheLastFrame) {
     EXPECT_THAT(rendering.progress, ElementsAre(0.0, 64.0 / 101.0));
 }
 
-TEST(Render, StaysAlignedIfTheLimiterDelaysSomeOutputs) {
-    const TemporaryFolder folder;
+TEST_F(Render, StaysAlignedIfTheLimiterDelaysSomeOutputs) {
     session::MixerDocumentData document = bypassedSession({output::Mono{3}, output::Mono{0}});
     document.master.masterOutputRouting = session::master_output::Stereo{0, 1};
     Channels input(2, std::vector<float>(5000));
@@ -102,7 +115,7 @@ TEST(Render, StaysAlignedIfTheLimiterDelaysSomeOutputs) {
         const Rendering rendering(
             {.input = writeSound(folder / "in.wav", input),
              .output = folder / "out.wav",
-             .session = writeSession(folder, document),
+             .session = writeSession(document),
              .outputOverrides = {.leveler = dsp::LevelerMode::off, .limiterCeilingDBTP = ceiling},
              .stems = folder / "stems"}
         );
@@ -119,15 +132,14 @@ TEST(Render, StaysAlignedIfTheLimiterDelaysSomeOutputs) {
         ASSERT_LE(std::abs(limited[1][i]), std::abs(plain[1][i]) + 1e-9F) << i;
 }
 
-TEST(Render, HandlesSessionsThatDoNotFitTheSound) {
-    const TemporaryFolder folder;
+TEST_F(Render, HandlesSessionsThatDoNotFitTheSound) {
     const Channels input(3, std::vector<float>(64, 0.125F));
     const auto sound = writeSound(folder / "in.wav", input);
     session::MixerDocumentData document = bypassedSession({output::Mono{0}, output::Stereo{4, 5, -1.0}});
     document.bufferSize = 100;
     document.channels[0].inputChannelIndex = 7;
     document.master.masterOutputRouting = master_output::Stereo{6, 7};
-    const auto session = writeSession(folder, document);
+    const auto session = writeSession(document);
 
     const Rendering whole({.input = sound, .output = folder / "whole.wav", .session = session});
     ASSERT_TRUE(whole.report);
@@ -154,23 +166,10 @@ TEST(Render, HandlesSessionsThatDoNotFitTheSound) {
     );
 }
 
-/// The report of a render; `text`: also receives the report for people.
-nlohmann::json reportOf(const TemporaryFolder& folder, const Channels& input, std::string* text = nullptr) {
-    const Rendering rendering(
-        {.input = writeSound(folder / "in.wav", input),
-         .output = folder / "out.wav",
-         .report = folder / "report.json"}
-    );
-    EXPECT_TRUE(rendering.report);
-    if (text != nullptr) *text = rendering.report.value().text();
-    return nlohmann::json::parse(test::contentOf(folder / "report.json"));
-}
-
-TEST(Render, ReportsItsResults) {
-    const TemporaryFolder folder;
+TEST_F(Render, ReportsItsResults) {
     const Channels input = {std::vector<float>(96000, 0.25F), std::vector<float>(96000, 0.0F)};
     std::string text;
-    const nlohmann::json report = reportOf(folder, input, &text);
+    const nlohmann::json report = reportOf(input, &text);
     EXPECT_EQ(report["seconds"], 2.0);
     EXPECT_EQ(report["blocks"], 188);
     EXPECT_NEAR(report["strips"][0]["finalGainDB"].get<double>(), 0.0, 1e-3);
@@ -188,24 +187,22 @@ TEST(Render, ReportsItsResults) {
     EXPECT_THAT(text, HasSubstr("2.0 s in 188 blocks of 512 frames"));
 }
 
-TEST(Render, PadsTheLastBlockWithSilence) {
-    const TemporaryFolder folder;
+TEST_F(Render, PadsTheLastBlockWithSilence) {
     // Long enough for every buffer to be filled with sound.
     Channels input(2, std::vector<float>(100 * 512 + 1, 0.25F));
-    const nlohmann::json cutOff = reportOf(folder, input);
+    const nlohmann::json cutOff = reportOf(input);
     for (std::vector<float>& channel : input)
         channel.resize(101 * 512, 0.0F);
-    const nlohmann::json padded = reportOf(folder, input);
+    const nlohmann::json padded = reportOf(input);
     for (const char* key : {"strips", "masterGainDB", "blocks"})
         EXPECT_EQ(cutOff[key], padded[key]);
 }
 
-TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
-    const TemporaryFolder folder;
+TEST_F(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
     const auto sound = writeSound(folder / "in.wav", Channels(1, std::vector<float>(64, 0.5F)));
-    const auto far = writeSession(folder, bypassedSession({output::Mono{1'000'000'000'000}}), "far.orvane");
-    const auto empty = writeSession(folder, bypassedSession({}), "empty.orvane");
-    const auto session = writeSession(folder, bypassedSession({output::Mono{0}}));
+    const auto far = writeSession(bypassedSession({output::Mono{1'000'000'000'000}}), "far.orvane");
+    const auto empty = writeSession(bypassedSession({}), "empty.orvane");
+    const auto session = writeSession(bypassedSession({output::Mono{0}}));
     const auto stem = writeSound(folder / "01 Mic_1.wav", Channels(1, std::vector<float>(64, 0.5F)));
     folder.add("bad.orvane", "{\"channels\": [}");
     folder.add("text.wav", "not a sound");
@@ -235,8 +232,7 @@ TEST(Render, FailsWithOneSentenceAndLeavesNothingBehind) {
     }
 }
 
-TEST(Render, UsesTheSessionsPluginsAndSkipsMissingOnes) {
-    const TemporaryFolder folder;
+TEST_F(Render, UsesTheSessionsPluginsAndSkipsMissingOnes) {
     platform::SystemLog log([](const platform::LogLine&) {});
     platform::lv2::Lv2UnitHost host(log);
     const auto installed = plugins::availableInsertComponents(host);
@@ -270,12 +266,11 @@ TEST(Render, UsesTheSessionsPluginsAndSkipsMissingOnes) {
     for (session::ChannelSettingsData& channel : document.data.channels)
         channel.pluginSlots[0] = session::PluginSlot::makeEmpty();
     EXPECT_THAT(mix("plain.wav"), testing::IsEmpty());
-    EXPECT_EQ(test::contentOf(folder / "first.wav"), test::contentOf(folder / "second.wav"));
+    EXPECT_EQ(contentOf(folder / "first.wav"), contentOf(folder / "second.wav"));
     EXPECT_NE(readSound(folder / "first.wav")[0], readSound(folder / "plain.wav")[0]);
 }
 
-TEST(Render, RunsPluginWorkersAtOnceAndOffline) {
-    const TemporaryFolder folder;
+TEST_F(Render, RunsPluginWorkersAtOnceAndOffline) {
     const test::Lv2Bundles bundles;
     bundles.add("amplifier.lv2", test::scriptedAmplifier());
     platform::SystemLog log([](const platform::LogLine&) {});
@@ -290,7 +285,7 @@ TEST(Render, RunsPluginWorkersAtOnceAndOffline) {
     const Rendering rendering(
         {.input = writeSound(folder / "in.wav", input),
          .output = folder / "out.wav",
-         .session = writeSession(folder, document)}
+         .session = writeSession(document)}
     );
     ::unsetenv("LV2_PATH");
     ASSERT_TRUE(rendering.report) << rendering.report.error().description;
@@ -299,9 +294,8 @@ TEST(Render, RunsPluginWorkersAtOnceAndOffline) {
     EXPECT_EQ(readSound(folder / "out.wav")[0], std::vector<float>(6400, 0.625F));
 }
 
-TEST(Render, ReportsErrorsMidwayAndLeavesNothingBehind) {
-    const TemporaryFolder folder;
-    const std::string whole = test::contentOf(panel);
+TEST_F(Render, ReportsErrorsMidwayAndLeavesNothingBehind) {
+    const std::string whole = contentOf(panel);
     folder.add("half.flac", whole.substr(0, whole.size() / 2));
     const auto before = folder.names();
     const Rendering cutOff({.input = folder / "half.flac", .output = folder / "out.wav"});
@@ -317,8 +311,7 @@ TEST(Render, ReportsErrorsMidwayAndLeavesNothingBehind) {
     EXPECT_EQ(folder.names(), before);
 }
 
-TEST(Render, KeepsTheOldFileIfCancelled) {
-    const TemporaryFolder folder;
+TEST_F(Render, KeepsTheOldFileIfCancelled) {
     folder.add("out.wav", "the last show");
     int blocks = 0;
     const Rendering rendering(
@@ -326,7 +319,7 @@ TEST(Render, KeepsTheOldFileIfCancelled) {
         [&blocks] { return ++blocks > 20; }
     );
     ASSERT_FALSE(rendering.report);
-    EXPECT_EQ(test::contentOf(folder / "out.wav"), "the last show");
+    EXPECT_EQ(contentOf(folder / "out.wav"), "the last show");
     EXPECT_TRUE(std::filesystem::is_empty(folder / "stems"));
 }
 
