@@ -23,8 +23,11 @@ class InsertPlugins : public MixerEngineTest {
         return mainOutput->played[strip] / static_cast<float>(steadyLevel);
     }
 
-    void load(const platform::AVAudioUnitComponent& component, std::size_t slot, std::size_t strip = 0) {
-        engine->loadPlugin(component, slot, id(strip));
+    void load(
+        const platform::AVAudioUnitComponent& component, std::size_t slot, std::size_t strip = 0,
+        const std::optional<platform::PropertyList::Data>& state = {}
+    ) {
+        engine->loadPlugin(component, slot, id(strip), state);
         mainThread.runPosted();
     }
 
@@ -32,6 +35,23 @@ class InsertPlugins : public MixerEngineTest {
     loadLive(const platform::AVAudioUnitComponent& component, std::size_t slot, std::size_t strip = 0) {
         load(component, slot, strip);
         return audioUnitHost.lastUnit();
+    }
+
+    /// Completes a request of the effects' host and lets the engine take the result.
+    void deliver(std::size_t index = 0) {
+        audioUnitHost.deliver(index);
+        mainThread.runPosted();
+    }
+    void deliverAll() {
+        audioUnitHost.deliverAll();
+        mainThread.runPosted();
+    }
+
+    /// Opens the editor of a slot of the first strip, which `unit` provides.
+    void openEditor(const std::shared_ptr<ScriptedAudioUnit>& unit, std::size_t slot = 0) {
+        engine->openPluginEditor(slot, id(0));
+        unit->giveEditor(unit);
+        mainThread.runPosted();
     }
 
     [[nodiscard]] platform::Uuid id(std::size_t strip) const { return strips().at(strip).id; }

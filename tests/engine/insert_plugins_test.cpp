@@ -51,8 +51,7 @@ TEST_F(InsertPlugins, AreSetUpStepByStepAndPlayWhenTheyAreLive) {
     engine->loadPlugin(stereo, 4, id(0), stateOf(3.0));
     EXPECT_FALSE(record(4).bypassed);
     engine->loadPlugin(mono, 0, id(0));
-    audioUnitHost.deliverAll();
-    mainThread.runPosted();
+    deliverAll();
     audioUnitHost.lastUnit()->gain = 0.5F;
     EXPECT_EQ(heard(), 1.5F);
     engine->stop();
@@ -72,9 +71,7 @@ TEST_F(InsertPlugins, AreSetUpAgainForTheRateOfTheDeviceThatStarts) {
     kept->gain = 2.0F;
     loadLive(audioUnitHost.add("Widens", {.lowestMonoRate = 48000.0}), 1)->gain = 3.0F;
     loadLive(audioUnitHost.add("Fixed", {.lowestRate = 48000.0}), 2)->gain = 5.0F;
-    engine->openPluginEditor(0, id(0));
-    kept->giveEditor(kept);
-    mainThread.runPosted();
+    openEditor(kept);
     const auto stepsAt = [](const std::string& rate) {
         return ElementsAre(
             "in " + rate + "x1", "out " + rate + "x1", "enable in", "enable out", "frames 4096", "allocate"
@@ -136,8 +133,7 @@ TEST_F(InsertPlugins, ReportWhyTheyCouldNotBeLoaded) {
     audioUnitHost.failure.reset();
     loadLive(audioUnitHost.add("Generator", {.hasBusses = false}), 1);
     EXPECT_EQ(loadState(1), PluginLoadState(load_state::Loaded{}));
-    engine->loadPlugin(mono, 1, id(0), platform::PropertyList::Data{1, 2, 3});
-    mainThread.runPosted();
+    load(mono, 1, 0, platform::PropertyList::Data{1, 2, 3});
     EXPECT_EQ(audioUnitHost.lastUnit()->gain, 1.0F);
     const int before = audioUnitHost.instantiations;
     engine->loadPlugin(mono, 5, id(0));
@@ -161,8 +157,7 @@ TEST_F(InsertPlugins, ReportWhichPartOfASavedStateIsLost) {
     for (const auto& [state, gain, sentence] : cases) {
         SCOPED_TRACE(sentence);
         said.clear();
-        engine->loadPlugin(mono, 0, id(0), state);
-        mainThread.runPosted();
+        load(mono, 0, 0, state);
         EXPECT_EQ(loadState(0), PluginLoadState(load_state::Loaded{}));
         EXPECT_EQ(audioUnitHost.lastUnit()->gain, gain);
         load(mono, 1);
@@ -179,8 +174,7 @@ TEST_F(InsertPlugins, LastToArriveIsLive) {
         engine->loadPlugin(mono, 0, id(0), stateOf(gain));
     engine->removePlugin(0, id(0));
     for (const auto& [which, gain] : {std::pair{1, 3.0F}, {1, 4.0F}, {0, 2.0F}}) {
-        audioUnitHost.deliver(static_cast<std::size_t>(which));
-        mainThread.runPosted();
+        deliver(static_cast<std::size_t>(which));
         EXPECT_EQ(heard(), gain);
         EXPECT_EQ(audioUnitHost.report.living, 1);
     }
@@ -190,8 +184,7 @@ TEST_F(InsertPlugins, LastToArriveIsLive) {
     audioUnitHost.deliver();
     engine->loadPlugin(mono, 0, id(0));
     engine.reset();
-    audioUnitHost.deliver();
-    mainThread.runPosted();
+    deliver();
     EXPECT_EQ(audioUnitHost.report.living, 0);
     EXPECT_EQ(audioUnitHost.report.rendersWithoutResources, 0);
 }
@@ -203,8 +196,7 @@ TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
     audioUnitHost.delivery = Delivery::byHand;
     engine->loadPlugin(mono, 2, id(0));
     engine->loadPlugin(mono, 2, id(0));
-    audioUnitHost.deliver();
-    mainThread.runPosted();
+    deliver();
     const auto& report = audioUnitHost.report;
     int inPass = 0;
     // Two are taken out and one is replaced while the pass that runs the first goes on.
@@ -214,8 +206,7 @@ TEST_F(InsertPlugins, StayReadyUntilThePassThatHoldsThemHasEnded) {
         passIsOn.acquire();
         engine->removePlugin(0, id(0));
         engine->removePlugin(1, id(0));
-        audioUnitHost.deliver();
-        mainThread.runPosted();
+        deliver();
         mainThread.advance(50ms);
         inPass = report.ready;
         passMayGoOn.release();
@@ -252,16 +243,12 @@ TEST_F(InsertPlugins, OpenAnEditorWindowPerCall) {
 
     windows.areClosed = true;
     unit = loadLive(mono, 0);
-    engine->openPluginEditor(0, id(0));
-    unit->giveEditor(unit);
-    mainThread.runPosted();
+    openEditor(unit);
     EXPECT_THAT(windows.log, ElementsAre("gone", "gone", "Mono 15", "show", "front"));
     windows.log.clear();
 
     const auto plain = loadLive(audioUnitHost.add("Plain", {.hasEditor = false}), 1);
-    engine->openPluginEditor(1, id(0));
-    plain->giveEditor(plain);
-    mainThread.runPosted();
+    openEditor(plain, 1);
     EXPECT_EQ(message(), "Plain doesn't have a custom editor UI.");
     unit = loadLive(mono, 2);
     engine->openPluginEditor(2, id(0));
@@ -352,8 +339,7 @@ TEST_F(InsertPlugins, BeyondTheFifthSlotAreOnlyKeptOnRecord) {
     slots.push_back(slots[0]);
     const int before = audioUnitHost.instantiations;
     engine->applyDocument(document);
-    engine->loadPlugin(stereo, 5, id(0));
-    mainThread.runPosted();
+    load(stereo, 5);
     EXPECT_EQ(audioUnitHost.instantiations, before);
     EXPECT_EQ(engine->makeDocumentData().channels[0].pluginSlots, slots);
 }
@@ -371,8 +357,7 @@ TEST_F(InsertPlugins, AreNotLoadedAgainWhileTheSameLoadIsPending) {
         engine->recallSnapshot(scene);
         EXPECT_EQ(audioUnitHost.pendingCount(), pending);
     }
-    audioUnitHost.deliverAll();
-    mainThread.runPosted();
+    deliverAll();
     EXPECT_EQ(heard(), 2.0F);
 }
 
@@ -394,8 +379,7 @@ TEST_F(InsertPlugins, InRecallSafeSlotsStayUnlessASessionFindsNone) {
     EXPECT_EQ(loadState(0), PluginLoadState(load_state::Failed{"no licence"}));
     engine->applyDocument(document);
     EXPECT_EQ(audioUnitHost.pendingCount(), 2U);
-    audioUnitHost.deliverAll();
-    mainThread.runPosted();
+    deliverAll();
     EXPECT_EQ(heard(0), 2.0F);
     EXPECT_EQ(heard(1), 3.0F);
     EXPECT_EQ(heard(2), 5.0F);
@@ -407,8 +391,7 @@ TEST_F(InsertPlugins, AreCapturedByTheirOwnNamesWhateverTheirRecordsSay) {
     };
     engine->newSnapshot();
     engine->loadPlugin(mono, 0, id(0), stateOf(2.0));
-    engine->loadPlugin(mono, 1, id(0), stateOf(2.0));
-    mainThread.runPosted();
+    load(mono, 1, 0, stateOf(2.0));
     engine->setPluginBypassed(true, 0, id(0));
     engine->newSnapshot();
     engine->setRecallSafe(true, 0);
@@ -433,8 +416,7 @@ TEST_F(InsertPlugins, AreCapturedByTheirOwnNamesWhateverTheirRecordsSay) {
     audioUnitHost.delivery = Delivery::byHand;
     engine->loadPlugin(mono, 4, id(0));
     engine->removePlugin(4, id(0));
-    audioUnitHost.deliver();
-    mainThread.runPosted();
+    deliver();
     EXPECT_TRUE(record(4).isEmpty());
     EXPECT_EQ(captured(4).component, plugins::identityOf(mono));
     engine->removePlugin(4, id(0));

@@ -161,25 +161,21 @@ TEST_F(PluginOperations, ApplyAFactoryPresetToALivePluginOnceItIsRead) {
     for (const auto& [state, sentence] : failures) {
         audioUnitHost.presetState = state;
         engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
-        audioUnitHost.deliver();
-        mainThread.runPosted();
+        deliver();
         EXPECT_EQ(message(), sentence);
     }
 
     audioUnitHost.presetState = platform::PropertyList::Dictionary{{"gain", {5.0}}};
     engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
     engine->loadPlugin(mono, 0, id(0));
-    audioUnitHost.deliver(1);
-    mainThread.runPosted();
+    deliver(1);
     const auto other = audioUnitHost.lastUnit();
-    audioUnitHost.deliver();
-    mainThread.runPosted();
+    deliver();
     EXPECT_EQ(unit->gain, 3.0F);
     EXPECT_EQ(other->gain, 1.0F);
     engine->applyFactoryPreset(audioUnitHost.presets[0], 0, id(0));
     engine.reset();
-    audioUnitHost.deliver();
-    mainThread.runPosted();
+    deliver();
     EXPECT_EQ(other->gain, 1.0F);
 }
 

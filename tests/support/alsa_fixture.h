@@ -23,6 +23,9 @@
 
 namespace orvane::test {
 
+/// The device that most tests define.
+inline constexpr std::string_view scriptedUID = "alsa:device";
+
 /// A driver over PCMs that a test defines, in a folder of its own. "scripted" is a PCM type, see
 /// scripted_pcm.cpp.
 class AlsaFixture final {

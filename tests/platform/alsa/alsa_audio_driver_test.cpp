@@ -21,8 +21,6 @@ using namespace orvane::platform::alsa;
 using namespace orvane::test;
 using testing::ElementsAre;
 
-constexpr std::string_view uid = "alsa:device";
-
 TEST(AlsaAudioDriver, ListsConfiguredDevicesWithSoundServersLast) {
     AlsaFixture driver(
         R"(
@@ -86,7 +84,9 @@ TEST(AlsaAudioDriver, DescribesOneDeviceWithoutOpeningOthers) {
         "pcm.other { type scripted opened FOLDER/opened }\n",
         {"other", "device"}
     );
-    EXPECT_EQ(driver->device(uid), (AudioDriverDevice{std::string(uid), "device", 8, 8, 48000.0}));
+    EXPECT_EQ(
+        driver->device(scriptedUID), (AudioDriverDevice{std::string(scriptedUID), "device", 8, 8, 48000.0})
+    );
     EXPECT_FALSE(std::filesystem::exists(driver.folder / "opened"));
     EXPECT_EQ(driver->device("alsa:missing"), std::nullopt);
     EXPECT_EQ(driver->device("jack:system"), std::nullopt);
@@ -181,37 +181,37 @@ TEST(AlsaAudioDriver, OpensADeviceForOneStreamAtATime) {
     ASSERT_EQ(listed.size(), 1);
     AlsaClient client(1);
     for (int round = 0; round < 2; ++round) {
-        const auto stream = driver->open(uid, true, client);
+        const auto stream = driver->open(scriptedUID, true, client);
         ASSERT_TRUE(stream);
         EXPECT_EQ(driver->devices(), listed);
-        const auto second = driver->open(uid, false, client);
+        const auto second = driver->open(scriptedUID, false, client);
         ASSERT_FALSE(second);
         EXPECT_EQ(second.error(), kAudioDevicePermissionsError);
-        EXPECT_EQ(driver->bufferSize(uid).value(), 64);
+        EXPECT_EQ(driver->bufferSize(scriptedUID).value(), 64);
     }
 }
 
 TEST(AlsaAudioDriver, NegotiatesTheBufferSizeWithTheDevice) {
     AlsaFixture driver("pcm.device { type null }\npcm.stubborn { type scripted period 48 }");
     ChangeLog log;
-    const auto watch = driver->watch(uid, log.listener());
+    const auto watch = driver->watch(scriptedUID, log.listener());
     EXPECT_EQ(driver->requestBufferSize("alsa:stubborn", 1024), noErr);
     EXPECT_EQ(driver->bufferSize("alsa:stubborn").value(), 48);
     EXPECT_EQ(driver->requestBufferSize("alsa:missing", 64), kAudioHardwareBadDeviceError);
 
     for (const std::uint32_t size : {128U, 96U}) {
-        EXPECT_EQ(driver->requestBufferSize(uid, size), noErr);
-        EXPECT_EQ(driver->bufferSize(uid).value(), size);
+        EXPECT_EQ(driver->requestBufferSize(scriptedUID, size), noErr);
+        EXPECT_EQ(driver->bufferSize(scriptedUID).value(), size);
     }
-    EXPECT_EQ(driver->requestBufferSize(uid, 96), noErr);
+    EXPECT_EQ(driver->requestBufferSize(scriptedUID, 96), noErr);
     AlsaClient client(1);
     {
-        const auto stream = driver->open(uid, true, client);
+        const auto stream = driver->open(scriptedUID, true, client);
         EXPECT_EQ(stream.value()->maximumFrames(), 96);
-        EXPECT_EQ(driver->requestBufferSize(uid, 64), kAudioHardwareIllegalOperationError);
-        EXPECT_EQ(driver->bufferSize(uid).value(), 96);
+        EXPECT_EQ(driver->requestBufferSize(scriptedUID, 64), kAudioHardwareIllegalOperationError);
+        EXPECT_EQ(driver->bufferSize(scriptedUID).value(), 96);
     }
-    EXPECT_EQ(driver->requestBufferSize(uid, 64), noErr);
+    EXPECT_EQ(driver->requestBufferSize(scriptedUID, 64), noErr);
     using enum AudioDeviceChange;
     EXPECT_THAT(log.waitFor(3), ElementsAre(bufferSize, bufferSize, bufferSize));
 }

@@ -62,6 +62,12 @@ struct InvertingClient final : AudioStreamClient {
 };
 
 struct StreamDriver {
+    std::unique_ptr<AudioStream> start(AudioStreamClient& client, bool enableInput = true) {
+        auto stream = std::move(jack.open(uid, enableInput, client)).value();
+        EXPECT_EQ(stream->start(), noErr);
+        return stream;
+    }
+
     JackClients clients{uniqueJackName("ORVANE")};
     JackAudioDriver jack{clients};
 };
@@ -110,28 +116,26 @@ TEST(JackStream, HasNeitherDisabledInputsNorAPriorityThatTheServerLacks) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
-    const auto stream = driver.jack.open(uid, false, client);
-    ASSERT_TRUE(stream);
-    ASSERT_EQ(stream.value()->start(), noErr);
+    const auto stream = driver.start(client, false);
     EXPECT_TRUE(client.waitForCycles(3));
     EXPECT_EQ(client.inputCount.load(), 0U);
-    EXPECT_EQ(stream.value()->realtimePriority(), 0) << "the server has none";
+    EXPECT_EQ(stream->realtimePriority(), 0) << "the server has none";
 }
 
-TEST(JackStream, ContinuesWhenTheBufferSizeChanges) {
+TEST(JackStream, ContinuesBesideAnotherOneWhenTheBufferSizeChanges) {
     const JackTestServer server({});
     StreamDriver driver;
     InvertingClient client;
-    const auto stream = driver.jack.open(uid, true, client);
-    ASSERT_TRUE(stream);
-    ASSERT_EQ(stream.value()->start(), noErr);
+    InvertingClient beside;
+    const auto stream = driver.start(client);
+    const auto second = driver.start(beside);
     JackPeer other("other", 1);
     for (const std::uint32_t frameCount : {1024U, 32U, 8192U, 256U}) {
         EXPECT_TRUE(other.setBufferSize(frameCount));
         EXPECT_TRUE(waitFor([&] { return client.lastFrameCount.load() == frameCount; })) << frameCount;
-        EXPECT_LE(frameCount, stream.value()->maximumFrames());
+        EXPECT_LE(frameCount, stream->maximumFrames());
     }
-    EXPECT_TRUE(client.waitForCycles(3));
+    EXPECT_TRUE(client.waitForCycles(3) && beside.waitForCycles(3));
 }
 
 TEST(JackStream, RunsNoCycleOnceStopped) {
@@ -166,21 +170,6 @@ TEST(JackStream, CanBeOpenedAndDestroyedAnyNumberOfTimes) {
             ASSERT_TRUE(round % 4 == 1 || client.waitForCycles(1)) << "round " << round;
         }
     }
-}
-
-TEST(JackStream, RunsBesideAnotherOne) {
-    const JackTestServer server({});
-    StreamDriver driver;
-    InvertingClient clients[2];
-    std::vector<std::unique_ptr<AudioStream>> streams;
-    for (InvertingClient& client : clients) {
-        auto stream = driver.jack.open(uid, true, client);
-        ASSERT_TRUE(stream);
-        EXPECT_EQ(stream.value()->start(), noErr);
-        streams.push_back(std::move(stream).value());
-    }
-    for (InvertingClient& client : clients)
-        EXPECT_TRUE(client.waitForCycles(3));
 }
 
 /// Once settled, returns from some of its cycles only when the server has reported each as late.
@@ -231,9 +220,7 @@ TEST(JackStream, AcceptsExistingConnections) {
     disguise.connectsFirst = true;
     StreamDriver driver;
     InvertingClient client;
-    const auto stream = driver.jack.open(uid, true, client);
-    ASSERT_TRUE(stream);
-    EXPECT_EQ(stream.value()->start(), noErr);
+    driver.start(client);
     disguise.connectsFirst = false;
 }
 
