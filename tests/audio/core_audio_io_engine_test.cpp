@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -117,10 +118,10 @@ TEST_F(CoreAudioIOEngineSteps, WarnsOfADeviceThatRefusesTheRequest) {
     }
 }
 
-/// A card of 3 inputs and 2 outputs, and how an engine for it is set up.
+/// A card of 3 inputs and 3 outputs, of which an engine uses the first 2 outputs.
 struct CoreAudioIOEngineTest : testing::Test, test::FakeAudioMachine {
     CoreAudioIOEngineTest()
-        : FakeAudioMachine({{"fake:card", "Card", 3, 2, 44100.0}}),
+        : FakeAudioMachine({{"fake:card", "Card", 3, 3, 44100.0}}),
           configuration{
               .sampleRate = 44100.0,
               .deviceID = hardware.AudioObjectGetPropertyData(platform::HardwareDevices{}).value()[0],
@@ -151,51 +152,52 @@ TEST_F(CoreAudioIOEngineTest, OpensAndStartsTheDeviceAndGivesItBack) {
     }
 }
 
-TEST_F(CoreAudioIOEngineTest, HandsCapturedChannelsToTheHandlerAndOutputsToTheProvider) {
+TEST_F(CoreAudioIOEngineTest, HandsOverEachCycleInSlicesOfTheAgreedLength) {
+    // Plays the first two channels of what was captured.
+    float captured[2][256] = {};
     std::vector<std::size_t> handled;
     handled.reserve(8);
-    const auto inputHandler = [&](std::span<const std::span<const float>> captured, std::size_t frameCount) {
-        handled.push_back(frameCount);
-        ASSERT_EQ(captured.size(), 3U);
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            ASSERT_EQ(captured[channel].size(), frameCount);
-            for (std::size_t i = 0; i < frameCount; ++i)
-                ASSERT_EQ(
-                    captured[channel][i], static_cast<float>(channel) + static_cast<float>(i) / 65536.0F
-                );
-        }
-    };
     for (const bool enableInput : {true, false}) {
         configuration.enableInput = enableInput;
         handled.clear();
         CoreAudioIOEngine engine(hardware, configuration);
-        engine.inputHandler = inputHandler;
-        engine.outputProvider = [](std::span<const std::span<float>> outputs, std::size_t frameCount) {
-            ASSERT_EQ(outputs.size(), 2U);
-            for (std::size_t channel = 0; channel < outputs.size(); ++channel)
-                for (std::size_t i = 0; i < frameCount; ++i)
-                    outputs[channel][i] = static_cast<float>(channel + i);
+        engine.inputHandler = [&](std::span<const std::span<const float>> inputs, std::size_t frameCount) {
+            handled.push_back(frameCount);
+            ASSERT_EQ(inputs.size(), 3U);
+            for (std::size_t channel = 0; channel < 2; ++channel)
+                std::ranges::copy(inputs[channel].first(frameCount), captured[channel]);
         };
         ASSERT_TRUE(engine.setup());
-        for (const std::size_t frameCount : {256U, 1U, 255U}) {
-            const std::vector<std::vector<float>> played = driver.cycle(frameCount);
+        EXPECT_EQ(driver.cycle(300), (std::vector(3, std::vector<float>(300, 0.0F)))) << "no provider";
+        engine.outputProvider = [&](std::span<const std::span<float>> outputs, std::size_t frameCount) {
+            ASSERT_EQ(outputs.size(), 2U);
             for (std::size_t channel = 0; channel < 2; ++channel)
-                for (std::size_t i = 0; i < frameCount; ++i)
-                    ASSERT_EQ(played[channel][i], static_cast<float>(channel + i)) << frameCount;
+                std::copy_n(captured[channel], frameCount, outputs[channel].begin());
+        };
+        for (const std::size_t frameCount : {256U, 1U, 600U}) {
+            const std::vector<std::vector<float>> played = driver.cycle(frameCount);
+            if (!enableInput) continue;
+            for (std::size_t i = 0; i < frameCount; ++i) {
+                ASSERT_EQ(played[0][i], static_cast<float>(i) / 65536.0F) << frameCount;
+                ASSERT_EQ(played[1][i], 1.0F + static_cast<float>(i) / 65536.0F) << frameCount;
+                ASSERT_EQ(played[2][i], 0.0F) << "the engine has no third output";
+            }
         }
         using Lengths = std::vector<std::size_t>;
-        EXPECT_EQ(handled, enableInput ? (Lengths{256, 1, 255}) : Lengths{});
+        EXPECT_EQ(handled, enableInput ? (Lengths{256, 44, 256, 1, 256, 256, 88}) : Lengths{});
     }
 }
 
-TEST_F(CoreAudioIOEngineTest, PlaysSilenceWithoutAProviderInSlicesOfTheAgreedLength) {
-    CoreAudioIOEngine engine(hardware, configuration);
-    std::vector<std::size_t> handled;
-    handled.reserve(8);
-    engine.inputHandler = [&handled](auto, std::size_t frameCount) { handled.push_back(frameCount); };
-    ASSERT_TRUE(engine.setup());
-    EXPECT_EQ(driver.cycle(300), (std::vector<std::vector<float>>(2, std::vector<float>(300, 0.0F))));
-    EXPECT_EQ(handled, (std::vector<std::size_t>{256, 44}));
+TEST_F(CoreAudioIOEngineTest, ReportsADeviceThatDoesNotFitOrCannotBeOpened) {
+    const auto failure = [this] {
+        return CoreAudioIOEngine(hardware, configuration).setup().error().description();
+    };
+    driver.openAnswer = platform::kAudioDevicePermissionsError;
+    EXPECT_EQ(failure(), "AudioUnitInitialize failed: OSStatus 560492391");
+    configuration.sampleRate = 96000.0;
+    EXPECT_EQ(failure(), "StreamFormat input failed: OSStatus -10868");
+    configuration.deviceID = 99;
+    EXPECT_EQ(failure(), "CurrentDevice failed: OSStatus 560227702");
 }
 
 TEST_F(CoreAudioIOEngineTest, ReportsEachForeignBufferSizeOnceInARow) {

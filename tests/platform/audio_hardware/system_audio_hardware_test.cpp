@@ -3,11 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <span>
 #include <vector>
 
 namespace {
@@ -75,85 +72,6 @@ TEST_F(SystemAudioHardwareTest, NotifiesListenersOfTheirChangeAlone) {
     driver.tell(AudioDeviceChange::bufferSize);
     EXPECT_EQ(sizes, 1);
     EXPECT_EQ(deaths, 1);
-}
-
-/// A unit on the card with 3 inputs and 2 outputs, in slices of 64 frames, that plays what it captures.
-struct AudioUnitInstanceTest : SystemAudioHardwareTest {
-    AudioUnitInstanceTest() {
-        const AudioComponentDescription outputUnit = {
-            fourCharCode("auou"), fourCharCode("ahal"), fourCharCode("appl")};
-        const AudioComponent component = hardware.AudioComponentFindNext(outputUnit);
-        unit = hardware.AudioComponentInstanceNew(component).value();
-        const AudioUnitProperty properties[] = {
-            EnableIO{AudioScope::input, true},
-            EnableIO{AudioScope::output, true},
-            CurrentDevice{devices()[0]},
-            StreamFormat{AudioScope::input, 48000.0, 3},
-            StreamFormat{AudioScope::output, 48000.0, 2},
-            MaximumFramesPerSlice{64},
-            SetInputCallback{capture, this},
-            SetRenderCallback{render, this}};
-        for (const AudioUnitProperty& property : properties)
-            EXPECT_EQ(unit->AudioUnitSetProperty(property), noErr);
-    }
-
-    static OSStatus capture(void* self, std::uint32_t frameCount) noexcept {
-        auto& test = *static_cast<AudioUnitInstanceTest*>(self);
-        const std::span<float> blocks[] = {test.captured[0], test.captured[1], test.captured[2]};
-        return test.unit->AudioUnitRender(blocks, frameCount);
-    }
-
-    static OSStatus
-    render(void* self, std::span<const std::span<float>> outputs, std::size_t frameCount) noexcept {
-        auto& test = *static_cast<AudioUnitInstanceTest*>(self);
-        for (std::size_t c = 0; c < outputs.size(); ++c)
-            std::copy_n(test.captured[c], frameCount, outputs[c].data());
-        return test.renderStatus;
-    }
-
-    std::unique_ptr<AudioUnit> unit;
-    float captured[3][64] = {};
-    OSStatus renderStatus = noErr;
-};
-
-TEST_F(AudioUnitInstanceTest, RunsTheInputAndThenTheRenderCallbackSliceBySlice) {
-    EXPECT_EQ(unit->AudioOutputUnitStart(), kAudioUnitErr_Uninitialized);
-    ASSERT_EQ(unit->AudioUnitInitialize(), noErr);
-    ASSERT_EQ(unit->AudioOutputUnitStart(), noErr);
-    EXPECT_TRUE(driver.isRunning);
-    for (const std::size_t frameCount : {64U, 1U, 33U, 65U, 150U, 4096U}) {
-        SCOPED_TRACE(frameCount);
-        captured[2][0] = 7.0F;
-        const std::vector<std::vector<float>> played = driver.cycle(frameCount);
-        for (std::size_t i = 0; i < frameCount; ++i) {
-            ASSERT_EQ(played[0][i], static_cast<float>(i) / 65536.0F);
-            ASSERT_EQ(played[1][i], 1.0F + static_cast<float>(i) / 65536.0F);
-            ASSERT_EQ(played[2][i], 0.0F) << "the unit has no third output";
-        }
-        EXPECT_EQ(captured[2][0], 0.0F) << "the device has no third input";
-    }
-    renderStatus = kAudioUnitErr_NoConnection;
-    EXPECT_EQ(driver.cycle(64), std::vector(3, std::vector<float>(64, 0.0F)));
-    EXPECT_EQ(unit->AudioUnitRender({}, 64), kAudioUnitErr_CannotDoInCurrentContext);
-    EXPECT_EQ(unit->AudioUnitRender({}, 65), kAudioUnitErr_TooManyFramesToProcess);
-    EXPECT_EQ(unit->AudioOutputUnitStop(), noErr);
-    EXPECT_FALSE(driver.isRunning);
-    EXPECT_EQ(unit->AudioUnitUninitialize(), noErr);
-    EXPECT_EQ(driver.client, nullptr);
-}
-
-TEST_F(AudioUnitInstanceTest, RefusesPropertiesThatDoNotFit) {
-    EXPECT_EQ(unit->AudioUnitSetProperty(CurrentDevice{99}), kAudioHardwareBadDeviceError);
-    for (const StreamFormat format :
-         {StreamFormat{AudioScope::output, 96000.0, 2}, StreamFormat{AudioScope::input, 48000.0, 0}})
-        EXPECT_EQ(unit->AudioUnitSetProperty(format), kAudioUnitErr_FormatNotSupported);
-    driver.openAnswer = kAudioDevicePermissionsError;
-    EXPECT_EQ(unit->AudioUnitInitialize(), kAudioDevicePermissionsError);
-    driver.openAnswer = noErr;
-    EXPECT_EQ(unit->AudioUnitInitialize(), noErr);
-    EXPECT_EQ(unit->AudioUnitSetProperty(EnableIO{}), kAudioUnitErr_Initialized);
-    EXPECT_EQ(unit->xrunCount(), 3U);
-    EXPECT_EQ(unit->realtimePriority(), 70);
 }
 
 } // namespace
