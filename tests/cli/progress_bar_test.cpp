@@ -55,27 +55,19 @@ class Terminal final {
     int screen = -1;
 };
 
-TEST(ProgressBar, ShowsTheFinishedShare) {
+TEST(ProgressBar, ShowsTheFinishedShareTenTimesASecondAndIsErasedAtTheEnd) {
     const std::pair<double, std::string> barByFraction[] = {{0.004, bar(0, "  0")},  {0.25, bar(10, " 25")},
                                                             {0.999, bar(39, " 99")}, {1.0, bar(40, "100")},
                                                             {-0.5, bar(0, "  0")},   {1.5, bar(40, "100")}};
-    for (const auto& [fraction, expected] : barByFraction) {
-        Terminal terminal;
-        ProgressBar progress(terminal.stream, scriptedClock);
-        progress.update(fraction);
-        EXPECT_EQ(terminal.drawn(), expected) << fraction;
-    }
-}
-
-TEST(ProgressBar, IsDrawnAtMostTenTimesASecondAndErasedAtTheEnd) {
     Terminal terminal;
     milliseconds = 5'000;
     {
         ProgressBar progress(terminal.stream, scriptedClock);
-        for (; milliseconds < 6'000; ++milliseconds) {
-            progress.update(0.5);
-            EXPECT_EQ(terminal.drawn(), milliseconds % 100 == 0 ? bar(20, " 50") : "") << milliseconds;
-        }
+        for (const auto& [fraction, expected] : barByFraction)
+            for (int update = 0; update < 100; ++update, ++milliseconds) {
+                progress.update(fraction);
+                EXPECT_EQ(terminal.drawn(), update == 0 ? expected : "") << fraction << ", " << update;
+            }
     }
     EXPECT_EQ(terminal.drawn(), "\r\x1b[K");
 }
