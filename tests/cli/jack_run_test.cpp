@@ -5,17 +5,14 @@
 #include "support/server_process.h"
 #include "support/wait_for.h"
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <jack/jack.h>
 
 #include <csignal>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +21,6 @@ namespace {
 
 using namespace orvane::test;
 using testing::HasSubstr;
-using testing::Not;
 using Sizes = std::vector<std::uint32_t>;
 
 const std::string program = orvane::test::builtProgram("orvane-cli");

@@ -15,8 +15,8 @@ namespace {
 
 using namespace orvane;
 using cli::GainHistory;
-using orvane::cli::MeterOutput;
-using orvane::platform::FileDescriptor;
+using cli::MeterOutput;
+using platform::FileDescriptor;
 
 TEST(GainHistory, KeepsPointTimesInRunsOfAnyLength) {
     constexpr double blockSeconds = 0.02;

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
 #include <semaphore>
 #include <string>
 #include <thread>

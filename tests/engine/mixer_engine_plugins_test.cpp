@@ -8,9 +8,7 @@
 #include <cerrno>
 #include <functional>
 #include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace {
 

@@ -5,11 +5,9 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <atomic>
 #include <memory>
 #include <optional>
-#include <string>
 #include <thread>
 #include <vector>
 

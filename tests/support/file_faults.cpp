@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-#include <cstdlib>
 #include <optional>
 
 namespace {
