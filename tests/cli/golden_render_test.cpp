@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 // The bits of a mix of the demo panel. They are the same for every compiler and processor and must not change
@@ -71,26 +72,21 @@ session::MixerDocumentData richSession() {
 }
 
 TEST(GoldenRender, MatchesTheStoredHashes) {
-    struct Golden {
-        const char* name;
-        session::MixerDocumentData session;
-        const char* hash;
-    };
-    const Golden mixes[] = {
+    const std::tuple<std::string, session::MixerDocumentData, const char*> mixes[] = {
         {"plain", plainSession(), "37f371da5f352e88222fadf44f345c54f9910b0c258d9b9566f0027919fcbf76"},
         {"rich", richSession(), "5dd6ffb93c7318c7d77072388989d93ae03020efddb444a06387a20e1ecdb43a"}};
     const test::TemporaryFolder folder;
-    for (const Golden& mix : mixes) {
-        const auto session = folder / (std::string(mix.name) + ".orvane");
-        const auto sound = folder / (std::string(mix.name) + ".wav");
-        ASSERT_TRUE(session::MixerJSONDocument{mix.session}.write(session));
+    for (const auto& [name, document, hash] : mixes) {
+        const auto session = folder / (name + ".orvane");
+        const auto sound = folder / (name + ".wav");
+        ASSERT_TRUE(session::MixerJSONDocument{document}.write(session));
         ASSERT_TRUE(cli::render(
             {.input = test::panelRecording(), .output = sound, .session = session},
             {.warn = [](std::string_view sentence) { ADD_FAILURE() << sentence; },
              .progress = [](double) {},
              .isCancelled = [] { return false; }}
         ));
-        EXPECT_EQ(hashOf(sound, folder), mix.hash) << mix.name;
+        EXPECT_EQ(hashOf(sound, folder), hash) << name;
     }
 }
 

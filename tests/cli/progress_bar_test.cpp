@@ -35,8 +35,6 @@ class Terminal final {
         std::fclose(stream);
         close(screen);
     }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
 
     /// The output since the last call. A mark is written after it, so that no waiting is needed.
     std::string drawn() {

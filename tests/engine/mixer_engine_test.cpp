@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -87,31 +88,26 @@ TEST_F(MixerEngineTest, RunsUntilItIsStoppedAndStartsAgain) {
 TEST_F(MixerEngineTest, AppliesEveryEditInTheNextBlock) {
     startBypassed();
     const platform::Uuid first = strips()[0].id;
-    struct Edit {
-        const char* what;
-        std::function<void()> make;
-        float heard;
-        std::size_t where;
-    };
     const auto level = static_cast<float>(test::steadyLevel);
-    for (const Edit& edit : std::vector<Edit>{
-             {"trim", [&] { engine->setTrim(first, 0.5); }, 0.5F * level, 0},
-             {"unknown strip", [&] { engine->setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
-             {"role", [&] { engine->setVocalRole(first, dsp::VocalRole::lead); }, 0.5F * level, 0},
-             {"group fader", [&] { engine->setLeadGroupGainDB(20.0); }, 5.0F * level, 0},
-             {"output", [&] { engine->setOutputChannel(first, 5); }, 5.0F * level, 5},
-             {"pair",
-              [&] {
-                  engine->setStereo(first, true);
-                  engine->setStereoPair(first, 3);
-                  engine->setPan(first, -3.0);
-              },
-              6.0F * level, 3},
-             {"no input", [&] { engine->setInputChannel(first, std::nullopt); }, level, 3},
-             {"mute", [&] { engine->setMuted(strips()[3].id, true); }, 0.0F, 3}}) {
-        edit.make();
+    const std::tuple<const char*, std::function<void()>, float, std::size_t> edits[] = {
+        {"trim", [&] { engine->setTrim(first, 0.5); }, 0.5F * level, 0},
+        {"unknown strip", [&] { engine->setTrim(platform::Uuid::random(), 0.0); }, 0.5F * level, 0},
+        {"role", [&] { engine->setVocalRole(first, dsp::VocalRole::lead); }, 0.5F * level, 0},
+        {"group fader", [&] { engine->setLeadGroupGainDB(20.0); }, 5.0F * level, 0},
+        {"output", [&] { engine->setOutputChannel(first, 5); }, 5.0F * level, 5},
+        {"pair",
+         [&] {
+             engine->setStereo(first, true);
+             engine->setStereoPair(first, 3);
+             engine->setPan(first, -3.0);
+         },
+         6.0F * level, 3},
+        {"no input", [&] { engine->setInputChannel(first, std::nullopt); }, level, 3},
+        {"mute", [&] { engine->setMuted(strips()[3].id, true); }, 0.0F, 3}};
+    for (const auto& [what, edit, expected, channel] : edits) {
+        edit();
         step();
-        EXPECT_FLOAT_EQ(mainOutput->played[edit.where], edit.heard) << edit.what;
+        EXPECT_FLOAT_EQ(mainOutput->played[channel], expected) << what;
     }
 }
 

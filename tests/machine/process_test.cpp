@@ -35,8 +35,6 @@ class PriorityLimit final {
         value = changed.rlim_cur;
     }
     ~PriorityLimit() { setrlimit(RLIMIT_RTPRIO, &before); }
-    PriorityLimit(const PriorityLimit&) = delete;
-    PriorityLimit& operator=(const PriorityLimit&) = delete;
 
     rlim_t value = 0;
 

@@ -161,19 +161,16 @@ class DesktopPeer final {
     }
 
     void notify(sd_bus_message* call) {
-        const char* who = nullptr;
-        const char* icon = nullptr;
-        const char* title = nullptr;
-        const char* text = nullptr;
+        std::array<const char*, 4> words{};
         std::uint32_t replaces = 0;
         std::uint8_t urgency = 0;
-        sd_bus_message_read(call, "susss", &who, &replaces, &icon, &title, &text);
+        sd_bus_message_read(call, "susss", &words[0], &replaces, &words[1], &words[2], &words[3]);
         sd_bus_message_skip(call, "as");
         sd_bus_message_enter_container(call, 'a', "{sv}");
         sd_bus_message_read(call, "{sv}", nullptr, "y", &urgency);
         calls.push_back(
-            std::string("Notify ") + who + ' ' + std::to_string(replaces) + ' ' + icon + " | " + title + " | "
-            + text + " | " + std::to_string(urgency)
+            std::string("Notify ") + words[0] + ' ' + std::to_string(replaces) + ' ' + words[1] + " | "
+            + words[2] + " | " + words[3] + " | " + std::to_string(urgency)
         );
         sd_bus_reply_method_return(call, "u", 1U);
     }

@@ -3,6 +3,7 @@
 #include "platform/audio_hardware/audio_driver.h"
 #include "platform/audio_hardware/system_audio_hardware.h"
 #include "support/allocation_guard.h"
+#include "support/driver_list.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -125,13 +126,7 @@ struct FakeAudioMachine {
 
   private:
     explicit FakeAudioMachine(std::unique_ptr<FakeAudioDriver> made)
-        : driver(*made), hardware(listOf(std::move(made))) {}
-
-    static std::vector<std::unique_ptr<platform::AudioDriver>> listOf(std::unique_ptr<FakeAudioDriver> made) {
-        std::vector<std::unique_ptr<platform::AudioDriver>> drivers;
-        drivers.push_back(std::move(made));
-        return drivers;
-    }
+        : driver(*made), hardware(listOf<platform::AudioDriver>(std::move(made))) {}
 };
 
 } // namespace orvane::test

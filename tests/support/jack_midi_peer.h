@@ -23,8 +23,6 @@ class JackMIDIPeer final {
     /// `clientName` is made unique.
     JackMIDIPeer(std::string_view clientName, std::size_t portCount);
     ~JackMIDIPeer();
-    JackMIDIPeer(const JackMIDIPeer&) = delete;
-    JackMIDIPeer& operator=(const JackMIDIPeer&) = delete;
 
     /// The full name, as other clients see it.
     [[nodiscard]] std::string portName(std::size_t port) const;

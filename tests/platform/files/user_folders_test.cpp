@@ -20,8 +20,6 @@ class Variable final {
         set(value);
     }
     ~Variable() { set(before); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
 
   private:
     void set(const std::optional<std::string>& value) const {

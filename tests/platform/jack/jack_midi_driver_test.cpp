@@ -1,6 +1,7 @@
 #include "midi/midi_manager.h"
 #include "platform/jack/jack_midi_driver.h"
 #include "platform/midi_services/system_midi_services.h"
+#include "support/driver_list.h"
 #include "support/jack_midi_peer.h"
 #include "support/jack_peer.h"
 #include "support/jack_test_server.h"
@@ -183,11 +184,7 @@ TEST(JackMIDIDriver, HasNoSourcesAndLogsNothingWithoutAServer) {
 /// A manager over a JACK server, with its notifications.
 struct Listening {
     explicit Listening(JackClients& clients)
-        : services([&clients] {
-              std::vector<std::unique_ptr<MIDIDriver>> drivers;
-              drivers.push_back(std::make_unique<JackMIDIDriver>(clients));
-              return drivers;
-          }()) {
+        : services(listOf<MIDIDriver>(std::make_unique<JackMIDIDriver>(clients))) {
         manager.onNoteOn([this](const NoteMessage& note) { lastNote.store(note.note); });
         manager.onSourcesChanged([this] { ++changes; });
         manager.start();

@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -225,29 +226,16 @@ TEST(JackStream, AcceptsExistingConnections) {
 }
 
 TEST(FrameGaps, AreDetectedIfACycleStartsAfterTheEndOfTheLast) {
-    struct Cycle {
-        std::uint32_t time;
-        std::uint32_t frameCount;
-        bool isAfterGap;
-    };
+    const std::tuple<std::uint32_t, std::uint32_t, bool> cycles[] = {
+        {0xFFFFFF00U, 128, false}, {0xFFFFFF80U, 128, false}, {0, 128, false},   {256, 128, true},
+        {384, 128, false},         {640, 128, true},          {896, 128, true},  {896, 128, false},
+        {2048, 1024, false},       {3072, 1024, false},       {5120, 1024, true}};
     FrameGaps gaps;
     for (int run = 0; run < 2; ++run) {
         for (unsigned cycle = 0; cycle < FrameGaps::cyclesUntilSettled; ++cycle)
             EXPECT_FALSE(gaps.isBefore(cycle * cycle * 4096, 128)) << "a client that joins the graph";
-        for (const Cycle& cycle :
-             {Cycle{0xFFFFFF00U, 128, false},
-              {0xFFFFFF80U, 128, false},
-              {0, 128, false},
-              {256, 128, true},
-              {384, 128, false},
-              {640, 128, true},
-              {896, 128, true},
-              {896, 128, false},
-              {2048, 1024, false},
-              {3072, 1024, false},
-              {5120, 1024, true}})
-            EXPECT_EQ(gaps.isBefore(cycle.time, cycle.frameCount), cycle.isAfterGap)
-                << "run " << run << ", frame " << cycle.time;
+        for (const auto& [time, frameCount, isAfterGap] : cycles)
+            EXPECT_EQ(gaps.isBefore(time, frameCount), isAfterGap) << "run " << run << ", frame " << time;
         gaps.reset();
     }
 }

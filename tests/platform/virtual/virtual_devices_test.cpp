@@ -92,8 +92,6 @@ class NoThreads final {
         pthread_setattr_default_np(&before);
         pthread_attr_destroy(&before);
     }
-    NoThreads(const NoThreads&) = delete;
-    NoThreads& operator=(const NoThreads&) = delete;
 
   private:
     pthread_attr_t before{};
