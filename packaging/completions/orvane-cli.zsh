@@ -35,9 +35,12 @@ _orvane_cli() {
     local -a output_options=(
         '--leveler[how the leveler moves its gain]:mode:(follow hold off)'
         '--limiter[ceiling in dB true peak, or off]:dBTP:(-1 off)'
-        '(--gain-ramps --no-gain-ramps)'{--gain-ramps,--no-gain-ramps}'[run gains in a line]'
-        '(--open-microphone-limit --no-open-microphone-limit)'{--open-microphone-limit,--no-open-microphone-limit}'[all microphones as open as one]'
-        '(--fast-onset --no-fast-onset)'{--fast-onset,--no-fast-onset}'[open a voice within 5 ms]'
+        '(--no-gain-ramps)--gain-ramps[run gains in a line]'
+        '(--gain-ramps)--no-gain-ramps[the opposite]'
+        '(--no-open-microphone-limit)--open-microphone-limit[all microphones as open as one]'
+        '(--open-microphone-limit)--no-open-microphone-limit[the opposite]'
+        '(--no-fast-onset)--fast-onset[open a voice within 5 ms]'
+        '(--fast-onset)--no-fast-onset[the opposite]'
     )
     local subcommand=$words[2]
     shift words
