@@ -13,7 +13,8 @@ check=(clang-format)
 lint=(clang-tidy-16 cppcheck valgrind)
 coverage=(gcovr)
 fuzz=(clang-16 libclang-rt-16-dev)
-bench=(sox libsox-fmt-base ffmpeg time jackd2 pipewire pipewire-bin libspa-0.2-modules mda-lv2)
+bench=(sox libsox-fmt-base ffmpeg time jackd2 pipewire pipewire-bin libspa-0.2-modules mda-lv2 python3-numpy python3-scipy
+    espeak-ng)
 trial=(python3 guitarix-lv2 swh-lv2 lsp-plugins-lv2 calf-plugins zam-plugins dpf-plugins-lv2 eq10q x42-plugins mda-lv2)
 package=(dpkg-dev file binutils xz-utils lintian appstream desktop-file-utils mandoc debootstrap)
 
