@@ -33,6 +33,7 @@ void MeterModel::update(MixerRealtimeState& state) {
     outputPeaks.set(heldOutputs.update(state.outputPeaks));
     masterOutputPeaks.set(heldMasterOutputs.update(state.masterOutputPeaks));
     masterPeak.set(heldMaster.update(state.masterPeak).front());
+    limiterReductionDB.set(state.takeLimiterReductionDB());
 }
 
 void MeterModel::resetOvers() {

@@ -35,6 +35,8 @@ class MeterModel final {
     platform::Published<std::vector<SignalPeak>> outputPeaks;
     platform::Published<std::vector<SignalPeak>> masterOutputPeaks;
     platform::Published<SignalPeak> masterPeak;
+    /// By how much the limiter has turned its outputs down at most since the last update, in dB, 0 or more.
+    platform::Published<double> limiterReductionDB;
 
     /// Forgets the overs so far.
     void resetOvers();
@@ -42,8 +44,11 @@ class MeterModel final {
     /// Publishes the last readings of a run. Called once per tick of the meters.
     void update(MixerRealtimeState& state);
 
-    /// Publishes a load of 0 after a run has ended; all other values stay.
-    void showStopped() { cpuLoad.set(0.0); }
+    /// Publishes a load and a limiter's reduction of 0 after a run has ended; all other values stay.
+    void showStopped() {
+        cpuLoad.set(0.0);
+        limiterReductionDB.set(0.0);
+    }
 
   private:
     /// Peaks of several signals as they are shown.

@@ -1,5 +1,7 @@
 #include "audio/mixer_realtime_state.h"
 
+#include "dsp/decibels.h"
+
 #include <algorithm>
 #include <mutex>
 #include <utility>
@@ -64,6 +66,11 @@ MeterReading MixerRealtimeState::readMeters() const {
 
 PeakReading MixerRealtimeState::takePeaks() {
     return {inputPeaks.take(), outputPeaks.take(), masterOutputPeaks.take(), masterPeak.take().front()};
+}
+
+double MixerRealtimeState::takeLimiterReductionDB() noexcept {
+    // A subtraction, because the negation of 0 dB has a sign.
+    return 0.0 - dsp::linearToDB(lowestLimiterGain.exchange(1.0, std::memory_order_relaxed));
 }
 
 double MixerRealtimeState::cpuLoad() const noexcept {

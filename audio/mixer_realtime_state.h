@@ -105,6 +105,10 @@ class MixerRealtimeState final {
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     [[nodiscard]] double cpuLoad() const noexcept;
 
+    /// Returns by how much the limiter has turned the outputs down at most since the last call, in dB, 0 or
+    /// more. One thread, not for audio.
+    [[nodiscard]] double takeLimiterReductionDB() noexcept;
+
     /// Blocks rendered so far. Any thread.
     [[nodiscard]] std::uint64_t blockCount() const noexcept { return blocks.load(std::memory_order_relaxed); }
 
@@ -131,6 +135,12 @@ class MixerRealtimeState final {
     /// Publishes the processor's levels and the scratch's gain reduction to the meters.
     ORVANE_REALTIME void publishMeters(const dsp::AutomixProcessor& automix) noexcept;
 
+    /// Publishes the limiter's gain in the last block, linear.
+    ORVANE_REALTIME void publishLimiterGain(double lowestGain) noexcept {
+        if (lowestGain < lowestLimiterGain.load(std::memory_order_relaxed))
+            lowestLimiterGain.store(lowestGain, std::memory_order_relaxed);
+    }
+
     /// Counts a rendered block.
     ORVANE_REALTIME void countBlock() noexcept { blocks.fetch_add(1, std::memory_order_relaxed); }
 
@@ -156,6 +166,7 @@ class MixerRealtimeState final {
   private:
     std::size_t strips;
     std::atomic<std::uint64_t> blocks = 0;
+    std::atomic<double> lowestLimiterGain = 1.0;
 
     mutable platform::UnfairLock meterLock;
     std::vector<double> meterSnapshot;

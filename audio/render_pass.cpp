@@ -143,7 +143,9 @@ class Pass final {
             if (std::find(limited.begin(), limited.begin() + count, output) == limited.begin() + count)
                 limited[count++] = output;
         }
-        if (count > 0) state.limiter->process(std::span(limited).first(count), frameCount);
+        if (count == 0) return;
+        state.limiter->process(std::span(limited).first(count), frameCount);
+        state.publishLimiterGain(state.limiter->lowestGain());
     }
 
     void narrow(

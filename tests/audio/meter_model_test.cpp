@@ -1,5 +1,6 @@
 #include "audio/meter_model.h"
 #include "audio/meter_timer.h"
+#include "dsp/decibels.h"
 #include "support/manual_main_thread.h"
 #include "support/mixer_harness.h"
 
@@ -81,6 +82,27 @@ TEST(MeterModel, HoldsPeaksForTwoSecondsAndOversUntilTheirReset) {
     EXPECT_EQ(model.inputPeaks.get()[0].overs, 2U);
     model.resetOvers();
     EXPECT_EQ(model.inputPeaks.get()[0].overs, 0U);
+}
+
+TEST(MeterModel, ShowsTheLargestReductionOfTheLimiterSinceTheLastTick) {
+    test::MixerHarness mixer({.strips = 1});
+    mixer.state.updateRouting(
+        std::vector<std::optional<std::int64_t>>{0}, std::vector<session::OutputRouting>(1),
+        session::master_output::Mono{0}
+    );
+    mixer.state.limiter = std::make_unique<dsp::TruePeakLimiter>(48000.0);
+    mixer.state.limiter->setCeiling(-20.0);
+    MeterModel model(1);
+    model.update(mixer.state);
+    EXPECT_EQ(model.limiterReductionDB.get(), 0.0);
+    mixer.pass({std::vector<float>(256, 0.5F)}, 256);
+    const double reduction = -dsp::linearToDB(mixer.state.limiter->lowestGain());
+    mixer.state.publishLimiterGain(1.0);
+    model.update(mixer.state);
+    EXPECT_GT(reduction, 1.0);
+    EXPECT_DOUBLE_EQ(model.limiterReductionDB.get(), reduction);
+    model.update(mixer.state);
+    EXPECT_EQ(model.limiterReductionDB.get(), 0.0);
 }
 
 TEST(MixerRealtimeState, SmoothsTheShareOfTheBlockThatAPassTakes) {
