@@ -28,6 +28,9 @@ constexpr std::size_t stripCount = 48;
 constexpr int ticksPerSecond = 30;
 constexpr int secondsOfMeters = 20;
 constexpr double longestGainReductionDB = 26.0;
+/// How long a peak stays, and how many different ones there are.
+constexpr int ticksHeld = 60;
+constexpr int peakSteps = 8;
 
 /// Levels of people who talk in turns: syllables while they talk, room noise otherwise.
 class Talk final {
@@ -48,11 +51,17 @@ class Talk final {
             levels[i] = std::pow(10.0, (talks ? -30.0 + 26.0 * syllable : -52.0) / 20.0);
             reductions[i] = talks ? 6.0 * syllable : longestGainReductionDB;
         }
+        const double peak = static_cast<double>(tick / ticksHeld % peakSteps + 1) / peakSteps;
+        const std::vector<audio::SignalPeak> peaks(phases.size(), {true, peak, 0});
         model.masterMeter.set(levels[0]);
         model.pinkNoiseLevel.set(levels[1]);
         model.cpuLoad.set(levels[2]);
         model.channelMeters.set(std::move(levels));
         model.channelGainReductionDB.set(std::move(reductions));
+        model.inputPeaks.set(peaks);
+        model.outputPeaks.set(peaks);
+        model.masterPeak.set(peaks[0]);
+        model.limiterReductionDB.set(0.0);
     }
 
   private:

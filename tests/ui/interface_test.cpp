@@ -271,7 +271,7 @@ TEST_F(Interface, NamesEveryControlForAssistiveTools) {
     mixer().setStereo(strip(), true);
     load(1);
     collect();
-    for (const char* sheet : {"Audio / MIDI Devices", "Snapshots"}) {
+    for (const char* sheet : {"Audio / MIDI Devices", "Snapshots", "Output…"}) {
         click(sheet);
         mixer().newSnapshot();
         collect();

@@ -133,6 +133,19 @@ TEST(Meters, RepaintOnlyChangedSegments) {
     EXPECT_EQ(repaintedFor(1.0), QRect());
     EXPECT_EQ(repaintedFor(0.5), reach(15, 17));
     EXPECT_EQ(repaintedFor(0.6), reach(15, 15));
+
+    MeterView lying(20);
+    lying.resize(240, 14);
+    lying.show();
+    QApplication::processEvents();
+    lying.installEventFilter(&log);
+    for (const auto& [peak, repainted] :
+         {std::pair(1.0, QRect(207, 0, 2, 14)), {1.0001, QRect()}, {1e-9, QRect(207, 0, 2, 14)}}) {
+        log.region = {};
+        lying.setPeak(peak);
+        QApplication::processEvents();
+        EXPECT_EQ(log.region.boundingRect(), repainted) << peak;
+    }
 }
 
 } // namespace

@@ -7,12 +7,15 @@
 #include "support/failing_allocation.h"
 #include "support/temporary_folder.h"
 #include "ui/controls/busy_notice.h"
+#include "ui/controls/console_button.h"
 #include "ui/controls/menu_picker.h"
 #include "ui/controls/value_field.h"
 #include "ui/controls/value_slider.h"
 #include "ui/controls/vertical_fader.h"
+#include "ui/meters/meters.h"
 #include "ui/mixer/master_section.h"
 #include "ui/mixer/strip_rows.h"
+#include "ui/sheets/output_options_view.h"
 #include "ui/strip/channel_strip_view.h"
 
 #include "mixer_machine.h"
@@ -457,6 +460,52 @@ TEST_F(Mixer, SendsTheMasterToOutputsOfItsDevice) {
     Q_EMIT masterOut().activated(0);
     EXPECT_EQ(routing(), session::MasterOutputRouting{});
     EXPECT_EQ(masterOut().count(), 3) << "two outputs and None";
+}
+
+TEST_F(Mixer, SetsTheOutputOptionsInASheetThatLeavesItUsable) {
+    const auto options = [this] { return state().master.get().outputOptions; };
+    auto& opening = static_cast<ConsoleButton&>(button("Output…"));
+    EXPECT_FALSE(opening.isActive());
+    opening.click();
+    opening.click();
+    ASSERT_EQ(viewsIn<OutputOptionsView>(*view).size(), 1U);
+    for (const char* each : {"Hold", "Gain Ramps", "Open-Microphone Limit", "Fast Onset", "Limiter"})
+        button(each).click();
+    EXPECT_EQ(options(), (dsp::OutputOptions{dsp::LevelerMode::hold, true, true, true, -1.0}));
+    EXPECT_TRUE(opening.isActive());
+    slider("Ceiling").choose(-6.0);
+    EXPECT_EQ(options().limiterCeilingDBTP, -6.0);
+    const auto& meter = *viewsIn<WideMeterColumn>(*view).at(0);
+    engine->meterModel().limiterReductionDB.set(3.0);
+    EXPECT_TRUE(shows(*dialog<OutputOptionsView>(), "3.0 dB"));
+    EXPECT_EQ(meter.reductionMeter().litSegments(), 4);
+    button("Limiter").click();
+    EXPECT_FALSE(options().limiterCeilingDBTP);
+    EXPECT_FALSE(meter.reductionMeter().isVisible());
+    EXPECT_FALSE(slider("Ceiling").isEnabled());
+    engine->setOutputOptions({});
+    EXPECT_FALSE(opening.isActive());
+}
+
+TEST_F(Mixer, LightsClipLampsUntilTheyAreReset) {
+    auto& output = viewNamed<ClipLamp>(*view, "Output clip");
+    const auto inputs = viewsIn<ChannelStripView>(*view);
+    const auto isInputLit = [&](std::size_t strip) {
+        return viewNamed<ClipLamp>(*inputs[strip], "Input clip").isLit();
+    };
+    audio::MeterModel& meters = engine->meterModel();
+    meters.inputPeaks.set({{}, {true, 1.0, 1}, {}});
+    meters.outputPeaks.set({{true, 0.5, 0}, {true, 1.0, 2}});
+    meters.masterPeak.set({true, 1.0, 1});
+    EXPECT_FALSE(isInputLit(0));
+    EXPECT_TRUE(isInputLit(1));
+    EXPECT_TRUE(output.isLit());
+    EXPECT_TRUE(output.toolTip().startsWith("Master bus: 1 over\nOutput 2: 2 overs\n"));
+    engine->setOutputOptions({.limiterCeilingDBTP = -1.0});
+    EXPECT_TRUE(output.toolTip().startsWith("Output 2")) << "the bus is limited";
+    output.click();
+    EXPECT_FALSE(isInputLit(1));
+    EXPECT_FALSE(output.isLit());
 }
 
 TEST_F(Mixer, ShowsEverythingAtTheSmallestWindowSize) {

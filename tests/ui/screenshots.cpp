@@ -148,11 +148,11 @@ class Photographer final {
     void takeSheets() {
         for (int scene = 0; scene < 3; ++scene)
             engine().newSnapshot();
-        const char* const sheets[] = {
-            "Snapshots", "Audio / MIDI Devices", "Clear Outputs", "8 Channels", "Load"};
+        const char* const sheets[] = {"Snapshots",     "Output…",    "Audio / MIDI Devices",
+                                      "Clear Outputs", "8 Channels", "Load"};
         for (const char* sheet : sheets) {
             press(sheet);
-            take(QString(sheet).toLower().replace(" / ", "-").replace(' ', '-'));
+            take(QString(sheet).toLower().remove(QChar(u'…')).replace(" / ", "-").replace(' ', '-'));
             closeDialogs();
         }
         PluginSlotView& slot = *viewsIn<PluginSlotView>(*window).at(10);

@@ -49,7 +49,7 @@ TEST(SmallScreens, HoldTheFirstWindowAndEverySheet) {
         QApplication::processEvents();
         EXPECT_GE(window.width(), 900) << name;
         EXPECT_GE(window.height(), 560) << name;
-        for (const char* opening : {"Audio / MIDI Devices", "Snapshots", "Insert 1 (empty)"}) {
+        for (const char* opening : {"Audio / MIDI Devices", "Snapshots", "Output…", "Insert 1 (empty)"}) {
             buttonOf(window, opening).click();
             auto* const sheet = viewsIn<Sheet>(window).at(0);
             QApplication::processEvents();

@@ -35,9 +35,21 @@ constexpr int wideMeterLength = 240;
 constexpr int shortestWideMeter = 150;
 constexpr int wideMeterHeight = 14;
 constexpr int wideScaleHeight = 10;
+constexpr int peakLineWidth = 2;
+/// Fine enough for the few dB of a limiter.
+constexpr int wideReductionSegments = 40;
+constexpr int wideReductionHeight = 4;
+/// The distance of a lamp from its surroundings.
+constexpr int lampDistance = 3;
+/// Half the width of the scale's last label.
+constexpr int lastLabelWidth = 5;
 
 constexpr const char* reductionHelp =
     "Gain reduction -- how far the automix is currently holding this channel below unity, in dB.";
+constexpr const char* inputClipHelp =
+    "Lit once this channel's input has reached full scale: lower the microphone's gain on the interface. "
+    "Click to reset all clip lamps.";
+constexpr const char* limiterHelp = "By how much the limiter turns the outputs down, 0 to 30 dB.";
 
 // The ranges of the meters.
 constexpr double lowestLevelDB = -40.0;
@@ -67,6 +79,27 @@ SegmentMeter::Reading MeterView::reading() const {
 
 QColor MeterView::colorOf(int segment) const {
     return tintColor.value_or(levelColor(segment, segmentCount()));
+}
+
+void MeterView::setPeak(std::optional<double> linearPeak) {
+    const QRect before = peakLine();
+    peak = linearPeak;
+    const QRect now = peakLine();
+    if (now == before) return;
+    update(before);
+    update(now);
+}
+
+QRect MeterView::peakLine() const {
+    const double position = peak ? levelPosition(dsp::linearToDB(*peak)) : 0.0;
+    if (position <= 0.0) return {};
+    const int left = static_cast<int>(std::lround(position * (width() - peakLineWidth)));
+    return {left, 0, peakLineWidth, height()};
+}
+
+void MeterView::paintEvent(QPaintEvent* event) {
+    SegmentMeter::paintEvent(event);
+    QPainter(this).fillRect(peakLine(), theme::primaryText);
 }
 
 GateMeterView::GateMeterView(int segmentCount, QWidget* parent)
@@ -155,7 +188,7 @@ void MeterScaleView::paintEvent(QPaintEvent*) {
 }
 
 ChannelMeterColumn::ChannelMeterColumn(
-    const audio::MeterModel& meterModel, std::size_t stripIndex, const platform::Published<bool>& isRunning,
+    audio::MeterModel& meterModel, std::size_t stripIndex, const platform::Published<bool>& isRunning,
     QWidget* parent
 )
     : QWidget(parent),
@@ -163,13 +196,18 @@ ChannelMeterColumn::ChannelMeterColumn(
       index(stripIndex),
       level(columnSegments, std::nullopt, this),
       reduction(columnSegments, this),
-      scale(this) {
+      scale(this),
+      clip(
+          QStringLiteral("Input clip"), [&meterModel] { meterModel.resetOvers(); }, this
+      ) {
     setGrowing(false);
     level.setAccessibleName(QStringLiteral("Level"));
     reduction.setAccessibleName(QStringLiteral("Gain reduction"));
     reduction.setToolTip(QString::fromUtf8(reductionHelp));
+    clip.setToolTip(QString::fromUtf8(inputClipHelp));
     subscriptions.push_back(model.channelMeters.subscribe([this](const auto&) { showLevel(); }));
     subscriptions.push_back(model.channelGainReductionDB.subscribe([this](const auto&) { showReduction(); }));
+    subscriptions.push_back(model.inputPeaks.subscribe([this](const auto&) { showOvers(); }));
     subscriptions.push_back(isRunning.subscribe([this](bool now) { rest(now); }));
     rest(isRunning.get());
 }
@@ -198,6 +236,10 @@ void ChannelMeterColumn::resizeEvent(QResizeEvent*) {
     level.setGeometry(0, top, reductionLeft - columnSpacing, length);
     reduction.setGeometry(reductionLeft, top, reductionWidth, length);
     scale.setFrame(QRect(scaleLeft, top, scaleWidth, length));
+    clip.setGeometry(
+        0, top + length + lampDistance, scaleLeft - columnSpacing,
+        uprightOverhang.bottom() - 2 * lampDistance + 1
+    );
 }
 
 void ChannelMeterColumn::rest(bool isRunning) {
@@ -208,6 +250,7 @@ void ChannelMeterColumn::rest(bool isRunning) {
 void ChannelMeterColumn::showEvent(QShowEvent*) {
     showLevel();
     showReduction();
+    showOvers();
 }
 
 // Hidden strips are not updated.
@@ -224,11 +267,23 @@ void ChannelMeterColumn::showReduction() {
     reduction.setReductionDB(index < reductions.size() ? reductions[index] : 0.0);
 }
 
+void ChannelMeterColumn::showOvers() {
+    if (!isVisible()) return;
+    const std::vector<audio::SignalPeak>& peaks = model.inputPeaks.get();
+    clip.setLit(index < peaks.size() && peaks[index].overs > 0);
+}
+
 WideMeterColumn::WideMeterColumn(
     const QString& name, const platform::Published<double>& value, const platform::Published<bool>& isRunning,
     std::optional<QColor> tint, QWidget* parent
 )
-    : QWidget(parent), level(columnSegments, tint, this), scale(this) {
+    : QWidget(parent),
+      level(columnSegments, tint, this),
+      reduction(wideReductionSegments, this),
+      scale(this) {
+    reduction.setAccessibleName(QStringLiteral("Limiter reduction"));
+    reduction.setToolTip(QString::fromUtf8(limiterHelp));
+    reduction.hide();
     setFixedHeight(wideMeterHeight + wideScaleHeight + lyingOverhang.bottom());
     setShrinking(false);
     subscriptions.push_back(value.subscribe([this](double rms) { level.setLevel(rms); }));
@@ -244,11 +299,34 @@ void WideMeterColumn::setShrinking(bool shrinks) {
     setMaximumWidth(wideMeterLength + overhang);
 }
 
+void WideMeterColumn::setReductionDB(std::optional<double> reductionDB) {
+    reduction.setReductionDB(reductionDB.value_or(0.0));
+    if (reductionDB.has_value() == reduction.isVisibleTo(this)) return;
+    reduction.setVisible(reductionDB.has_value());
+    place();
+}
+
+void WideMeterColumn::setLamp(ClipLamp* lamp) {
+    clip = lamp;
+    clip->setParent(this);
+    place();
+}
+
 void WideMeterColumn::resizeEvent(QResizeEvent*) {
+    place();
+}
+
+void WideMeterColumn::place() {
     const int left = lyingOverhang.left();
     const int length = width() - left - lyingOverhang.right();
-    level.setGeometry(left, 0, length, wideMeterHeight);
+    const bool isLimited = reduction.isVisibleTo(this);
+    level.setGeometry(left, 0, length, wideMeterHeight - (isLimited ? wideReductionHeight + 1 : 0));
+    reduction.setGeometry(left, wideMeterHeight - wideReductionHeight, length, wideReductionHeight);
     scale.setFrame(QRect(left, wideMeterHeight, length, wideScaleHeight));
+    if (clip == nullptr) return;
+    const int clipLeft =
+        left + static_cast<int>(levelPosition(scaleMarks[0]) * length) + lastLabelWidth + lampDistance;
+    clip->setGeometry(clipLeft, wideMeterHeight + 1, width() - clipLeft, height() - wideMeterHeight - 1);
 }
 
 } // namespace orvane::ui

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/meter_model.h"
+#include "ui/meters/clip_lamp.h"
 #include "ui/meters/segment_meter.h"
 
 #include <QColor>
@@ -24,12 +25,19 @@ class MeterView final : public SegmentMeter {
     void setLevel(double level);
     [[nodiscard]] Reading reading() const override;
 
+    /// Draws a line across a horizontal meter at a linear peak; none if absent.
+    void setPeak(std::optional<double> linearPeak);
+
   protected:
     [[nodiscard]] QColor colorOf(int segment) const override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
+    [[nodiscard]] QRect peakLine() const;
+
     const std::optional<QColor> tintColor;
     double shown = 0.0;
+    std::optional<double> peak;
 };
 
 /// A gain reduction from 0 to 30 dB; a vertical one grows from the top.
@@ -87,14 +95,15 @@ class MeterScaleView final : public QWidget {
     QRect frame;
 };
 
-/// Level, gain reduction (labelled "GR") and scale of one strip; dark while the audio is stopped.
+/// Level, gain reduction (labelled "GR") and scale of one strip, dark while the audio is stopped, and the
+/// clip lamp of its input.
 class ChannelMeterColumn final : public QWidget {
   public:
     /// Shows entry `stripIndex` of the model's meters, or 0 if the model has no such entry. The model and
     /// `isRunning` must outlive the column.
     ChannelMeterColumn(
-        const audio::MeterModel& meterModel, std::size_t stripIndex,
-        const platform::Published<bool>& isRunning, QWidget* parent = nullptr
+        audio::MeterModel& meterModel, std::size_t stripIndex, const platform::Published<bool>& isRunning,
+        QWidget* parent = nullptr
     );
 
     /// Whether the meters take the room that there is instead of a fixed size.
@@ -113,6 +122,7 @@ class ChannelMeterColumn final : public QWidget {
   private:
     void showLevel();
     void showReduction();
+    void showOvers();
     void rest(bool isRunning);
 
     const audio::MeterModel& model;
@@ -120,6 +130,7 @@ class ChannelMeterColumn final : public QWidget {
     MeterView level;
     GateMeterView reduction;
     MeterScaleView scale;
+    ClipLamp clip;
     std::vector<platform::Subscription> subscriptions;
 };
 
@@ -136,14 +147,26 @@ class WideMeterColumn final : public QWidget {
     /// Whether the meter may be shorter than its usual length if there is little room.
     void setShrinking(bool shrinks);
 
+    /// Draws a line at a linear peak; none if absent.
+    void setPeak(std::optional<double> linearPeak) { level.setPeak(linearPeak); }
+    /// Shows a limiter's reduction, in dB, along the lower edge of the level; no limiter if absent.
+    void setReductionDB(std::optional<double> reductionDB);
+    /// Places a lamp, which it owns from then on, beside the end of the scale.
+    void setLamp(ClipLamp* lamp);
+
     [[nodiscard]] const MeterView& levelMeter() const { return level; }
+    [[nodiscard]] const GateMeterView& reductionMeter() const { return reduction; }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void place();
+
     MeterView level;
+    GateMeterView reduction;
     MeterScaleView scale;
+    ClipLamp* clip = nullptr;
     std::vector<platform::Subscription> subscriptions;
 };
 

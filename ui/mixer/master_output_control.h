@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -15,14 +16,15 @@ namespace orvane::ui {
 
 class ConsoleButton;
 
-/// Selects the output of the master bus. Main thread.
+/// Selects the output of the master bus and opens the output options. Main thread.
 class MasterOutputControl final : public QWidget {
   public:
     /// `mixerEngine` must outlive the view.
-    explicit MasterOutputControl(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+    MasterOutputControl(engine::MixerEngine& mixerEngine, std::function<void()> showOptions);
 
   private:
     void refresh();
+    void showWhetherOptionsAreOn();
     void choose(std::optional<std::int64_t> channel);
     [[nodiscard]] bool isStereo() const;
 
@@ -30,6 +32,7 @@ class MasterOutputControl final : public QWidget {
     QLabel* const device;
     RoutingPicker output;
     ConsoleButton* const stereo;
+    ConsoleButton* const options;
     std::vector<platform::Subscription> subscriptions;
 };
 

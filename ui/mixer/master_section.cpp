@@ -15,6 +15,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace orvane::ui {
 
@@ -119,9 +120,8 @@ QHBoxLayout* makeRow(bool spread, QWidget* first, Widgets*... others) {
 
 } // namespace
 
-MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
-    : QScrollArea(parent),
-      engine(mixerEngine),
+MasterSection::MasterSection(engine::MixerEngine& mixerEngine, std::function<void()> showOutputOptions)
+    : engine(mixerEngine),
       target(
           QStringLiteral("Target"), decibels(-30.0, 0.0, -10.0, targetWidth, targetHelp),
           [this](double value) { engine.setMasterTargetDB(value); }
@@ -153,14 +153,15 @@ MasterSection::MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent)
           [this](double value) { engine.setReferenceNoiseGain(value); }
       ),
       status(makeCaption({})),
-      output(new MasterOutputControl(engine)),
+      output(new MasterOutputControl(engine, std::move(showOutputOptions))),
       masterMeter(new WideMeterColumn(
           QStringLiteral("Master level"), engine.meterModel().masterMeter, engine.state().isRunning
       )),
       noiseMeter(new WideMeterColumn(
           QStringLiteral("Pink Noise level"), engine.meterModel().pinkNoiseLevel, engine.state().isRunning,
           theme::pink
-      )) {
+      )),
+      peaks(engine, *masterMeter) {
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(QStringLiteral("Master section"));
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

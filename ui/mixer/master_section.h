@@ -2,11 +2,13 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
+#include "ui/mixer/master_peaks.h"
 #include "ui/mixer/value_row.h"
 #include "ui/strip/strip_presentation.h"
 
 #include <QScrollArea>
 
+#include <functional>
 #include <vector>
 
 class QBoxLayout;
@@ -22,8 +24,8 @@ class WideMeterColumn;
 /// Scrolls sideways if they do not fit. Main thread.
 class MasterSection final : public QScrollArea {
   public:
-    /// `mixerEngine` must outlive the view.
-    explicit MasterSection(engine::MixerEngine& mixerEngine, QWidget* parent = nullptr);
+    /// `mixerEngine` must outlive the view. `showOutputOptions` opens their sheet.
+    MasterSection(engine::MixerEngine& mixerEngine, std::function<void()> showOutputOptions);
 
     /// Mix has the same controls in less height: sliders and meters shrink with the window, and
     /// explanations are left to the tool tips.
@@ -57,6 +59,7 @@ class MasterSection final : public QScrollArea {
     MasterOutputControl* const output;
     WideMeterColumn* const masterMeter;
     WideMeterColumn* const noiseMeter;
+    MasterPeaks peaks;
     StripPresentation presentation = StripPresentation::setup;
     /// What its content needs in Setup.
     QSize setupSize;

@@ -79,6 +79,11 @@ void MixerCommands::addAudio(const Actions& actions) {
         else
             engine.start();
     });
+    inMenu.push_back(make(
+        "channels", QStringLiteral("Output…"), {},
+        QStringLiteral("Options for mixes that loudspeakers play in the same room, and the limiter."),
+        actions.showOutputOptions
+    ));
 }
 
 void MixerCommands::addScenes() {

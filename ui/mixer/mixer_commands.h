@@ -28,6 +28,7 @@ class MixerCommands final : public QObject {
         std::function<void()> save;
         std::function<void()> saveAs;
         std::function<void()> showDeviceSettings;
+        std::function<void()> showOutputOptions;
         std::function<void()> changeChannelCount;
     };
 

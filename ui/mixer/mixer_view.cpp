@@ -9,6 +9,7 @@
 #include "ui/mixer/mixer_toolbar.h"
 #include "ui/mixer/session_names.h"
 #include "ui/sheets/device_settings_view.h"
+#include "ui/sheets/output_options_view.h"
 #include "ui/sheets/snapshots_view.h"
 
 #include <QAction>
@@ -19,6 +20,7 @@
 #include <QVBoxLayout>
 
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
 #include <utility>
 
@@ -64,7 +66,7 @@ MixerView::MixerView(
       components([&mixerEngine] { return mixerEngine.availableInsertComponents(); }),
       togglePresentation(new QAction(showMixText, this)),
       channelArea(new ChannelArea(mixerEngine, components, mixerPresentation)),
-      masterSection(new MasterSection(mixerEngine)),
+      masterSection(new MasterSection(mixerEngine, [this] { showOutputOptions(); })),
       keys(mixerEngine, *channelArea),
       file(mixerEngine, components, *this, *channelArea),
       sessionCommands(
@@ -74,6 +76,7 @@ MixerView::MixerView(
                         .save = [this] { saveInPlace(); },
                         .saveAs = [this] { save(); },
                         .showDeviceSettings = [this] { openSheet(new DeviceSettingsView(engine, this)); },
+                        .showOutputOptions = [this] { showOutputOptions(); },
                         .changeChannelCount = [this] { confirmChannelCount(); }}
       ) {
     auto* const lines = new QVBoxLayout(this);
@@ -152,16 +155,23 @@ void MixerView::confirmChannelCount() {
 }
 
 void MixerView::showSnapshots() {
+    if (!snapshots) snapshots = new SnapshotsView(engine, this);
+    showBeside(snapshots);
+}
+
+void MixerView::showOutputOptions() {
+    if (!outputOptions) outputOptions = new OutputOptionsView(engine, this);
+    showBeside(outputOptions);
+}
+
+void MixerView::showBeside(QDialog* sheet) {
     commitEditing();
-    if (!snapshots) {
-        snapshots = new SnapshotsView(engine, this);
-        snapshots->setAttribute(Qt::WA_DeleteOnClose);
-        // The commands and the first strips stay visible.
-        snapshots->move(channelArea->mapToGlobal(QPoint(width() - snapshots->width(), 0)));
-    }
-    snapshots->show();
-    snapshots->raise();
-    snapshots->activateWindow();
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    // The commands, the first strips and the master meter stay visible.
+    if (!sheet->isVisible()) sheet->move(channelArea->mapToGlobal(QPoint(width() - sheet->width(), 0)));
+    sheet->show();
+    sheet->raise();
+    sheet->activateWindow();
 }
 
 void MixerView::openSheet(QDialog* sheet) {
@@ -171,8 +181,7 @@ void MixerView::openSheet(QDialog* sheet) {
 }
 
 void MixerView::commitEditing() {
-    for (const QWidget* window :
-         {static_cast<const QWidget*>(this), static_cast<const QWidget*>(snapshots.data())})
+    for (const QWidget* window : std::initializer_list<const QWidget*>{this, snapshots, outputOptions})
         if (auto* const field = window ? qobject_cast<QLineEdit*>(window->focusWidget()) : nullptr)
             field->clearFocus();
 }

@@ -54,8 +54,10 @@ class MixerView final : public QWidget {
     void addShortcuts();
     void confirmClearOutputs();
     void confirmChannelCount();
-    /// Opens the snapshots, or brings them to the front.
     void showSnapshots();
+    void showOutputOptions();
+    /// Shows a sheet that leaves the mixer usable, or brings it to the front.
+    void showBeside(QDialog* sheet);
     void openSheet(QDialog* sheet);
 
     engine::MixerEngine& engine;
@@ -68,6 +70,7 @@ class MixerView final : public QWidget {
     MasterSection* const masterSection;
     platform::Subscription presentationSubscription;
     QPointer<QDialog> snapshots;
+    QPointer<QDialog> outputOptions;
     StripKeys keys;
     SessionFile file;
     MixerCommands sessionCommands;
