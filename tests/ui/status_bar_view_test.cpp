@@ -68,6 +68,26 @@ TEST_F(StatusBar, LightsItsLampsForAudioAndMIDI) {
     EXPECT_FALSE(isLit("Remote"));
 }
 
+TEST_F(StatusBar, HintsOnceAtTheFirstOverOfAnOutput) {
+    const QString hint = "Output 2 went over full scale: lower Target or switch the limiter on.";
+    audio::MeterModel& meters = engine.meterModel();
+    const auto play = [&meters](std::uint64_t overs) {
+        meters.outputPeaks.set({{}, {true, 1.0, overs}});
+        meters.masterPeak.set({});
+    };
+    engine.setMasterOutputChannel(1);
+    play(0);
+    EXPECT_FALSE(shows(view, hint));
+    play(1);
+    EXPECT_TRUE(shows(view, hint));
+    engine.report("An error comes first.");
+    EXPECT_FALSE(shows(view, hint));
+    engine.start();
+    meters.resetOvers();
+    play(2);
+    EXPECT_FALSE(shows(view, hint));
+}
+
 TEST_F(StatusBar, ShowsTheLoad) {
     const LoadMeterView& load = *viewsIn<LoadMeterView>(view).at(0);
     const auto help = [&] { return load.toolTip().toStdString(); };

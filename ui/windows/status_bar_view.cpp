@@ -76,6 +76,7 @@ QWidget* makeClipboardButtons(ConsoleButton* copy, ConsoleButton* paste) {
 StatusBarView::StatusBarView(engine::MixerEngine& mixerEngine, const MixerCommands& commands, QWidget* parent)
     : QWidget(parent),
       engine(mixerEngine),
+      overHint(mixerEngine),
       sampleRate(makeValue()),
       bufferSize(makeValue()),
       audio(new IndicatorLamp(QStringLiteral("Audio"))),
@@ -152,6 +153,7 @@ void StatusBarView::subscribe() {
     follow(state.pluginClipboard, [this](const auto&) { showClipboard(); });
     follow(state.pluginClipboardArmState, [this](const auto&) { showClipboard(); });
     follow(state.lastError, [this](const auto&) { showMessage(); });
+    follow(overHint.text(), [this](const auto&) { showMessage(); });
     follow(state.midiLearnTargetIndex, [this](const auto&) { showLearning(); });
     follow(state.snapshots, [this](const auto&) { showLearning(); });
 }
@@ -219,9 +221,13 @@ void StatusBarView::showClipboard() {
 }
 
 void StatusBarView::showMessage() {
-    const QString text = QString::fromStdString(engine.state().lastError.get().value_or(""));
+    const QString error = QString::fromStdString(engine.state().lastError.get().value_or(""));
+    const QString text = error.isEmpty() ? overHint.text().get() : error;
     if (text == message->text()) return;
     message->setText(text);
+    QPalette palette = message->palette();
+    palette.setColor(QPalette::WindowText, error.isEmpty() ? theme::primaryText : theme::orange);
+    message->setPalette(palette);
     placeNotices();
     if (text.isEmpty()) return;
     QAccessibleEvent announcement(message, QAccessible::Alert);

@@ -2,6 +2,7 @@
 
 #include "engine/mixer_engine.h"
 #include "platform/base/published.h"
+#include "ui/windows/over_hint.h"
 
 #include <QWidget>
 
@@ -19,8 +20,8 @@ class MIDILearnNotice;
 class MixerCommands;
 
 /// The line along the bottom of the mixer: the engine's sample rate and buffer size, whether it runs, its
-/// load, the plugin clipboard, the scenes, its message, and the scene that waits for a MIDI note. On a narrow
-/// bar, the last two are on a line of their own while there are any. Main thread.
+/// load, the plugin clipboard, the scenes, its message or else a hint at overs, and the scene that waits for
+/// a MIDI note. On a narrow bar, the last two are on a line of their own while there are any. Main thread.
 class StatusBarView final : public QWidget {
   public:
     /// `mixerEngine` must outlive the view.
@@ -42,6 +43,7 @@ class StatusBarView final : public QWidget {
     void placeNotices();
 
     engine::MixerEngine& engine;
+    OverHint overHint;
     QLabel* const sampleRate;
     QLabel* const bufferSize;
     IndicatorLamp* const audio;
