@@ -245,6 +245,10 @@ class MixerEngine final {
     [[nodiscard]] const dsp::AutomixProcessor* automix() const {
         return mix.run() ? &mix.run()->automix() : nullptr;
     }
+    /// The main device that plays; the selected one may be another, which is used from the next start.
+    [[nodiscard]] std::optional<audio::AudioDeviceInfo> playingDevice() const {
+        return mix.run() ? std::optional(mix.run()->mainDevice()) : std::nullopt;
+    }
     /// Smoothed share of a block's duration that the render pass takes, 0 to 1.
     [[nodiscard]] double renderLoad() const {
         return mix.run() ? mix.run()->realtimeState()->cpuLoad() : 0.0;

@@ -72,6 +72,7 @@ class RunningAudio final {
     [[nodiscard]] const std::optional<std::string>& mainWarning() const { return mainIO->setupWarning(); }
     [[nodiscard]] std::optional<std::string> masterWarning() const;
 
+    [[nodiscard]] const audio::AudioDeviceInfo& mainDevice() const { return setup.main; }
     [[nodiscard]] dsp::AutomixProcessor& automix() { return *processor; }
     [[nodiscard]] const std::shared_ptr<audio::MixerRealtimeState>& realtimeState() const { return state; }
 

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -91,6 +92,7 @@ TEST_F(Keyboard, MutesEveryStripAfterAQuestionAndUnmutesWhatItMuted) {
     answer("Cancel");
     EXPECT_EQ(mutedCount(), 1);
     press(Qt::Key_M, Qt::ControlModifier);
+    EXPECT_EQ(window->findChild<QMessageBox*>()->defaultButton()->text(), "Mute All");
     answer("Mute All");
     EXPECT_EQ(mutedCount(), 24);
     mixer().setMuted(strip(5), false);

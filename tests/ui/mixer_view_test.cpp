@@ -132,6 +132,7 @@ TEST_F(Mixer, ShowsThatTheAudioIsLostUntilItRunsAgain) {
     EXPECT_FALSE(buttonOf(*view, "Start Again").isVisible()) << "the user stopped it";
     engine->start();
     engine->selectDevice({7, "gone", "Gone", 2, 2, 48000.0});
+    EXPECT_TRUE(shows(*view, "Another device"));
     engine->setBufferSize(64);
     EXPECT_TRUE(buttonOf(*view, "Start Again").isVisible());
     EXPECT_TRUE(shows(*view, "Stopped"));

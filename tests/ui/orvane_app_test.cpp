@@ -15,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -105,6 +106,18 @@ TEST_F(Shell, OpensInTheSizeThatItHad) {
     QApplication::processEvents();
     window.reset();
     EXPECT_EQ(launch()->size(), QSize(1000, 700));
+}
+
+TEST_F(Shell, OpensInThePresentationThatWasChosenLast) {
+    for (const StripPresentation next : {StripPresentation::mix, StripPresentation::setup}) {
+        const auto window = launch({.channels = 8});
+        Presentation& presentation = window->mixerRootView()->view().presentation();
+        EXPECT_NE(presentation.shown().get(), next);
+        window->mixerRootView()->view().presentationCommand()->trigger();
+        EXPECT_EQ(presentation.shown().get(), next);
+    }
+    ASSERT_TRUE(preferences.setValue("orvanePresentation", "sideways"));
+    EXPECT_FALSE(launch({.channels = 8})->mixerRootView()->view().presentation().chosen().get());
 }
 
 TEST_F(Shell, HasTheMenus) {

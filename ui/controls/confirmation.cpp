@@ -65,7 +65,7 @@ void confirm(
         );
     QPushButton* const cancel = box->addButton(QMessageBox::Cancel);
     cancel->setText(QStringLiteral("Cancel"));
-    box->setDefaultButton(cancel);
+    box->setDefaultButton(question.enterGoesAhead ? action : cancel);
     box->setEscapeButton(cancel);
     QObject::connect(action, &QPushButton::clicked, box, std::move(onConfirm));
     box->open();

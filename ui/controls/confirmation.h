@@ -12,10 +12,12 @@ namespace orvane::ui {
 struct Confirmation {
     QString title;
     QString message;
-    /// The title of the button that goes ahead. The other button is "Cancel"; Enter and Esc press it.
+    /// The title of the button that goes ahead. The other button is "Cancel"; Esc presses it.
     QString action;
     /// The title of a further button; no button if empty.
     QString alternative = {};
+    /// Whether Enter goes ahead; otherwise it presses "Cancel".
+    bool enterGoesAhead = false;
 };
 
 /// Asks in front of the window of `parent`. Calls `onConfirm` if the user goes ahead, or `onAlternative` if

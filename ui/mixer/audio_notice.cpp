@@ -23,6 +23,7 @@ const QString hintTitle = QStringLiteral("No audio device");
 const QString hint =
     QStringLiteral("Choose the device that your microphones are connected to, then press Start.");
 const QString stoppedTitle = QStringLiteral("Stopped");
+const QString otherTitle = QStringLiteral("Another device");
 const QString silentTitle = QStringLiteral("No sound");
 
 } // namespace
@@ -57,15 +58,24 @@ void AudioNotice::showState() {
     const engine::EngineState& state = engine.state();
     const auto& loss = state.audioLoss.get();
     isLoss = loss.has_value();
-    if (isLoss) {
+    const auto playing = engine.playingDevice();
+    const auto& selected = state.selectedDevice.get();
+    const bool isOther = playing && selected && playing->uid != selected->uid;
+    if (isOther && !isLoss) {
+        title->setText(otherTitle);
+        sentence->setText(
+            QStringLiteral("%1 is used from the next start; %2 still plays.")
+                .arg(QString::fromStdString(selected->name), QString::fromStdString(playing->name))
+        );
+    } else if (isLoss) {
         title->setText(state.isRunning.get() ? silentTitle : stoppedTitle);
         sentence->setText(QString::fromStdString(*loss));
     } else {
         title->setText(hintTitle);
         sentence->setText(hint);
     }
-    startAgain->setVisible(isLoss);
-    setVisible(isLoss || !state.selectedDevice.get());
+    startAgain->setVisible(isLoss || isOther);
+    setVisible(isLoss || isOther || !selected);
     update();
 }
 

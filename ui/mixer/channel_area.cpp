@@ -58,7 +58,10 @@ ChannelArea::ChannelArea(
       openChannels(mixerEngine.state(), mixerEngine.meterModel()),
       bridge(new MeterBridge(
           mixerEngine.state(), mixerEngine.meterModel(), openChannels,
-          [this](std::size_t strip) { reveal(strip); }
+          [this](std::size_t strip) {
+              reveal(strip);
+              rows->setFocusTo({.strip = strip, .control = std::nullopt});
+          }
       )),
       rows(new StripRows(mixerEngine, installedComponents, openChannels)) {
     fileErrorMessage->setContentsMargins(padding, padding, padding, 0);
@@ -74,7 +77,7 @@ ChannelArea::ChannelArea(
     lines->addWidget(fileErrorMessage);
     lines->addWidget(rows, 1);
     rows->setOpenSetup([this](std::size_t strip) {
-        presentation.choose(StripPresentation::setup);
+        presentation.show(StripPresentation::setup);
         reveal(strip);
     });
     presentationSubscription = presentation.shown().subscribe([this](auto) { showPresentation(); });

@@ -23,7 +23,8 @@ void MuteAll::ask(QWidget* parent) {
                                        "hear them again, press %1 once more: it unmutes the channels that "
                                        "were not muted before. Or unmute each with its Mute button.")
                             .arg(keysOf(KeyCommand::muteAll).first().toString()),
-             .action = QStringLiteral("Mute All")},
+             .action = QStringLiteral("Mute All"),
+             .enterGoesAhead = true},
             [this] { mute(); }
         );
     confirm(
@@ -33,7 +34,8 @@ void MuteAll::ask(QWidget* parent) {
              QStringLiteral("This unmutes the channels that were muted together (%1) and changes nothing "
                             "else.")
                  .arg(mutedHere.size()),
-         .action = QStringLiteral("Unmute")},
+         .action = QStringLiteral("Unmute"),
+         .enterGoesAhead = true},
         [this] { unmute(); }
     );
 }

@@ -20,14 +20,14 @@ class Presentation final {
 
     /// Shows a presentation from now on, whatever the size of the window.
     void choose(StripPresentation presentation);
+    /// Shows a presentation without making it the user's choice.
+    void show(StripPresentation presentation);
     /// Chooses the presentation that is not shown.
     void toggle();
     /// Sets whether the window is high enough for Setup.
     void setSetupFits(bool fits);
 
   private:
-    void show(StripPresentation presentation);
-
     platform::Published<StripPresentation> current{StripPresentation::setup};
     platform::Published<std::optional<StripPresentation>> choice;
 };

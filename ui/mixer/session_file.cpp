@@ -224,7 +224,7 @@ void SessionFile::giveUp(const Shortage& shortage) {
 void SessionFile::conclude(const Written& outcome, const Report& then) {
     // Both are notified, even if memory runs out for one.
     platform::runUnlessOutOfMemory([&] {
-        if (outcome) return;
+        if (outcome) return channelArea.setFileErrorMessage(std::nullopt);
         leaving = nullptr;
         channelArea.setFileErrorMessage(outcome.error().description);
     });

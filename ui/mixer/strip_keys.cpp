@@ -4,6 +4,7 @@
 #include "ui/mixer/channel_area.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QShortcut>
 
 namespace orvane::ui {
@@ -31,7 +32,10 @@ StripKeys::StripKeys(engine::MixerEngine& mixerEngine, ChannelArea& channelArea)
         for (const QKeySequence& keys : keysOf(key)) {
             auto* const shortcut =
                 new QShortcut(keys, &area.strips(), nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-            connect(shortcut, &QShortcut::activated, this, [this, by] { area.step(by); });
+            connect(shortcut, &QShortcut::activated, this, [this, by] {
+                // An open menu does not take the keys of a shortcut.
+                if (QApplication::activePopupWidget() == nullptr) area.step(by);
+            });
         }
 }
 

@@ -284,7 +284,9 @@ void ORVANEApp::remember(std::string_view key, std::string_view value) {
 
 void ORVANEApp::rememberPresentation(Presentation& presentation) {
     const auto name = parts.preferences.value(presentationKey);
-    if (const auto chosen = presentationNamed(name.value_or(""))) presentation.choose(*chosen);
+    // Setup is what a window that is high enough shows in any case.
+    if (presentationNamed(name.value_or("")) == StripPresentation::mix)
+        presentation.choose(StripPresentation::mix);
     presentationSubscription = presentation.chosen().subscribe([this](const auto& chosen) {
         remember(presentationKey, nameOf(*chosen));
     });

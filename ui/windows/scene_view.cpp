@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QToolButton>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -55,7 +56,10 @@ class SceneName final : public QLabel {
         setMaximumWidth(longestName);
     }
 
-    [[nodiscard]] QSize sizeHint() const override { return {usualName, StatusCell::valueHeight}; }
+    [[nodiscard]] QSize sizeHint() const override {
+        const int width = fontMetrics().horizontalAdvance(text()) + 1;
+        return {std::clamp(width, usualName, longestName), StatusCell::valueHeight};
+    }
     [[nodiscard]] QSize minimumSizeHint() const override { return {shortestName, StatusCell::valueHeight}; }
 
     /// Shows the scene at `index`, or a dash. Assistive tools read `role` before it.
@@ -68,6 +72,7 @@ class SceneName final : public QLabel {
                         .arg(QString::fromStdString(scenes[static_cast<std::size_t>(*index)].name))
                   : noScene
         );
+        updateGeometry();
         setToolTip(index ? text() : QString());
         setAccessibleName(QStringLiteral("%1: %2").arg(role, text()));
     }

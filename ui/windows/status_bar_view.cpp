@@ -166,8 +166,8 @@ void StatusBarView::placeNotices() {
     const bool isBeside = width() >= roomyWidth;
     lines->removeWidget(notices);
     lines->addWidget(notices, isBeside ? 1 : 0, isBeside ? 1 : 0);
-    lines->setColumnStretch(0, 1);
-    lines->setColumnStretch(1, isBeside ? 2 : 0);
+    lines->setColumnStretch(0, isBeside ? 0 : 1);
+    lines->setColumnStretch(1, isBeside ? 1 : 0);
     notices->setVisible(isBeside || !message->text().isEmpty() || engine.state().midiLearnTargetIndex.get());
 }
 
