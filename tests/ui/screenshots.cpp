@@ -48,6 +48,7 @@ class Photographer final {
         take("stopped-8");
         takeRunning();
         choose(StripPresentation::mix);
+        awaitSpeech();
         take("mix-8");
         choose(StripPresentation::setup);
         takeSheets();
@@ -136,13 +137,18 @@ class Photographer final {
         load(0, "Equalizer Mono", 2);
         waitUntil([this] { return !isLoading(); });
         engine().start();
-        waitUntil([this] {
-            const auto& reductions = engine().meterModel().channelGainReductionDB.get();
-            return reductions.size() == 8 && reductions[1] > 6.0
-                   && engine().meterModel().masterMeter.get() > 0.1;
-        });
         choose(StripPresentation::setup);
+        awaitSpeech();
         take("running-8");
+    }
+
+    /// Waits until the first speaker talks and the others are turned down.
+    void awaitSpeech() {
+        waitUntil([this] {
+            const audio::MeterModel& meters = engine().meterModel();
+            const auto& reductions = meters.channelGainReductionDB.get();
+            return reductions.size() == 8 && reductions[1] > 6.0 && meters.channelMeters.get()[0] > 0.1;
+        });
     }
 
     void takeSheets() {
