@@ -27,6 +27,8 @@ constexpr QMargins lyingOverhang(18, 2, 12, 2);
 constexpr int columnSegments = 20;
 constexpr QSize columnSize(54, 150);
 constexpr QSize smallestColumn(46, 56);
+/// The least distance between two marks of an upright scale.
+constexpr double closestMarks = 10.0;
 constexpr int widestColumn = 74;
 constexpr int columnSpacing = 3;
 constexpr int reductionWidth = 10;
@@ -178,11 +180,14 @@ void MeterScaleView::paintEvent(QPaintEvent*) {
             QRectF(center - QPointF(room.width() / 2.0, room.height() / 2.0), room), Qt::AlignCenter, text
         );
     };
+    std::optional<double> last;
     for (const int mark : scaleMarks) {
         const double position = levelPosition(mark);
-        write(
-            isVertical ? (1.0 - position) * frame.height() : position * frame.width(), QString::number(mark)
-        );
+        const double along = isVertical ? (1.0 - position) * frame.height() : position * frame.width();
+        // A low meter has no room for all of them.
+        if (isVertical && last && std::abs(along - *last) < closestMarks) continue;
+        write(along, QString::number(mark));
+        last = along;
     }
     write(isVertical ? frame.height() + silenceDistance : -silenceDistance, QStringLiteral("∞"));
 }
