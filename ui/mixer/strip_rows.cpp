@@ -62,6 +62,11 @@ StripRows::StripRows(
     connect(qApp, &QApplication::focusChanged, this, &StripRows::markFocus);
 }
 
+// A strip that has the focus loses it when the base class destroys it.
+StripRows::~StripRows() {
+    qApp->disconnect(this);
+}
+
 void StripRows::arrange(const std::vector<StripRange>& stripRows, std::size_t stripsPerRow) {
     rows = stripRows;
     columns = static_cast<int>(stripsPerRow);

@@ -34,6 +34,7 @@ class StripRows final : public QScrollArea {
         engine::MixerEngine& mixerEngine, const InstalledComponents& installedComponents,
         const OpenChannels& openChannels
     );
+    ~StripRows() override;
 
     /// Shows the strips of the rows and hides all others. A full row has `stripsPerRow` strips.
     void arrange(const std::vector<StripRange>& stripRows, std::size_t stripsPerRow);
