@@ -28,7 +28,7 @@ class Sends final {
         if (channel >= 0) sends[count++] = {static_cast<std::size_t>(channel), gain};
     }
 
-    /// The gain of the send to a channel; 0 if there is none.
+    /// Returns the gain of the send to a channel; 0 without such a send.
     [[nodiscard]] double gainTo(std::size_t channel) const noexcept {
         for (const Send& send : *this)
             if (send.channel == channel) return send.gain;

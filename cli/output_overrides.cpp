@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* noLimiter = "off";
 
-/// Returns a sentence about the fault of a ceiling; empty if there is none.
+/// Returns what is wrong with a ceiling; empty if it is valid.
 std::string checkCeiling(const std::string& word) {
     double ceiling = 0.0;
     if (word == noLimiter) return {};

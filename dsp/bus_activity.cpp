@@ -15,7 +15,7 @@ constexpr double memorySeconds = 1.5;
 /// Powers above the noise floor at which talk begins and ends: 10 dB and 6 dB.
 constexpr double beginRatio = 10.0;
 constexpr double endRatio = 3.9810717055349722;
-/// Below this power, -120 dB full scale, nobody talks.
+/// A power below this, -120 dB full scale, is never talk.
 constexpr double silentPower = 1e-12;
 
 } // namespace

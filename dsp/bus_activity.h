@@ -7,7 +7,7 @@
 
 namespace orvane::dsp {
 
-/// Judges whether somebody talks from the level of the master bus. The threshold follows the noise floor, the
+/// Detects talk from the level of the master bus. The threshold follows the noise floor, the
 /// lowest level of the last 1.5 s, so that quiet and noisy rooms need no setting; it has a hysteresis. Owned
 /// by one leveler; render thread.
 class BusActivity final {
@@ -15,11 +15,11 @@ class BusActivity final {
     /// `controlRate`: calls of `update` per second.
     explicit BusActivity(double controlRate);
 
-    /// Forgets the room; nobody talks until 1.5 s have passed. Real-time safe.
+    /// Forgets the room; reports no talk for the next 1.5 s. Real-time safe.
     ORVANE_REALTIME void reset() noexcept;
 
     /// Takes the linear RMS of one block; values that are not finite count as silence. Returns whether
-    /// somebody talks. Real-time safe.
+    /// it detects talk. Real-time safe.
     ORVANE_REALTIME bool update(double rms) noexcept;
 
     /// The linear RMS of the last hundredths of a second. Real-time safe.

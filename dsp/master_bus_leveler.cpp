@@ -12,7 +12,7 @@ namespace {
 
 /// A bus below this RMS gets the highest gain.
 constexpr double smallestRMS = 1e-9;
-/// How fast a held gain rises while somebody talks.
+/// How fast a held gain rises during talk.
 constexpr double heldRiseDBPerSecond = 2.0;
 /// Closer to unity than this, a gain that is switched off becomes exactly 1.
 constexpr double inaudibleStep = 1e-6;

@@ -39,7 +39,7 @@ inline constexpr double highestCeilingDBTP = 0.0;
 /// Options of the automix and of the outputs for mixes that loudspeakers play in the same room. The defaults
 /// change nothing. A plain value.
 struct OutputOptions {
-    /// `hold`: the leveler's gain stands still while nobody talks, falls at once and rises slowly, so that a
+    /// `hold`: the leveler's gain stands still in pauses, falls at once and rises slowly, so that a
     /// pause is never turned up.
     LevelerMode leveler = LevelerMode::follow;
     /// Gains run in a line over each block instead of stepping at its edge.
